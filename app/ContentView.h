@@ -1,0 +1,161 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/CheckRow.h"
+#include "app/FloatingEmoji.h"
+#include "app/ToggleRow.h"
+#include "base/Animation.h"
+#include "base/EffectManager.h"
+#include "base/Observable.h"
+#include "effects/creak/AudioManager.h"
+#include "platform/Platform.h"
+#include "sensing/LidAngleSensor.h"
+
+namespace quorvane {
+
+/// Makes the switchable effects that this build has, in this order; one that is absent gives
+/// nothing, and its row is not shown.
+struct EffectFactories {
+    using Factory = std::function<std::shared_ptr<EffectManager>()>;
+
+    Factory keyboard;
+    Factory fan;
+    Factory bsod;
+    Factory freeze;
+};
+
+/// The spine of the program: owns the sensor and every switchable effect, decides which screen is
+/// shown, keeps the one stored flag, feeds the lid's velocity to the creak, and starts and stops
+/// everything in a fixed order. Knows no toolkit; screens read its observables and call its
+/// operations. Main thread only.
+class ContentView {
+public:
+    enum class Screen { HardwareCheck, Warning, ControlPanel };
+
+    /// The stored flag's key in the user defaults.
+    static constexpr std::string_view hardwareCheckedKey = "hardwareChecked";
+    /// What the default notification centre is told to enter the control panel.
+    static constexpr std::string_view autoStartSimulation = "autoStartSimulation";
+
+    /// `startupManager` is borrowed and outlives the view; null while there is none.
+    ContentView(const Platform& platform, StartupExperience* startupManager,
+                const EffectFactories& effects);
+    ContentView(const ContentView&) = delete;
+    ContentView& operator=(const ContentView&) = delete;
+    ~ContentView();
+
+    // What the screens show.
+
+    /// Follows hardwareChecked and sufferingMode.
+    [[nodiscard]] const Observable<Screen>& screen() const { return m_screen; }
+    /// How the latest change of the screen is to look.
+    [[nodiscard]] const Animation& screenAnimation() const { return m_screenAnimation; }
+    [[nodiscard]] const Observable<bool>& hardwareChecked() const { return m_hardwareChecked; }
+    [[nodiscard]] const Observable<bool>& sufferingMode() const { return m_sufferingMode; }
+    [[nodiscard]] const Observable<bool>& audioEnabled() const { return m_audioEnabled; }
+    [[nodiscard]] const Observable<bool>& isChecking() const { return m_isChecking; }
+    [[nodiscard]] const Observable<bool>& checkDone() const { return m_checkDone; }
+    [[nodiscard]] const Observable<bool>& hasLidSensor() const { return m_hasLidSensor; }
+    [[nodiscard]] const Observable<bool>& hasAccessibility() const { return m_hasAccessibility; }
+    [[nodiscard]] const Observable<bool>& hasTrackpad() const { return m_hasTrackpad; }
+    [[nodiscard]] const Observable<std::string>& activeInfoLabel() const {
+        return m_activeInfoLabel;
+    }
+    [[nodiscard]] const Observable<std::string>& activeInfoText() const { return m_activeInfoText; }
+    [[nodiscard]] const Observable<bool>& showInfo() const { return m_showInfo; }
+    /// Scale of the warning sign.
+    [[nodiscard]] const Observable<AnimatedValue>& textScale() const { return m_textScale; }
+    /// Degrees; nothing shows it.
+    [[nodiscard]] const Observable<AnimatedValue>& emojiRotation() const { return m_emojiRotation; }
+    /// 0 to 1; glow radii are multiples of it.
+    [[nodiscard]] const Observable<AnimatedValue>& glowAmount() const { return m_glowAmount; }
+    [[nodiscard]] const Observable<std::vector<FloatingEmoji>>& floatingEmojis() const {
+        return m_floatingEmojis;
+    }
+    /// The six results as they stand now, in display order.
+    [[nodiscard]] std::vector<CheckRow> checkRows() const;
+    /// The rows whose effects exist, in display order; fixed for the life of the view.
+    [[nodiscard]] const std::vector<ToggleRow>& toggleRows() const { return m_toggleRows; }
+
+    // What happens to the view.
+
+    /// The view has come on screen. A second appearance adds a second floating-emoji timer.
+    void onAppear();
+    /// The view has gone for good: everything stops, the sensor too.
+    void onDisappear();
+
+    // What the person does.
+
+    /// "CHECK HARDWARE 🔍": results come after a fixed pause of 1.5 s.
+    void runHardwareCheck();
+    /// "CONTINUE": stored, whatever the results.
+    void confirmHardwareCheck();
+    /// "MAKE ME SUFFER 😭".
+    void enterSufferingMode();
+    /// "STOP, I'M SUFFERING 😭".
+    void leaveSufferingMode();
+    /// The first row's switch. Writing true twice leaves the earlier timer firing.
+    void setHingeCreak(bool on);
+    /// An info button.
+    void presentInfo(const ToggleRowText& row);
+    /// The popup's "OK": its texts stay until the next info button.
+    void dismissInfo();
+
+    /// Leaves suffering mode and stops everything but the sensor.
+    void stopAudio();
+    /// Whether the model's name says that this is a MacBook.
+    [[nodiscard]] bool isRunningOnMacBook() const;
+
+    [[nodiscard]] LidAngleSensor& sensor() { return *m_sensor; }
+    [[nodiscard]] AudioManager& audioManager() { return *m_audioManager; }
+
+private:
+    void finishHardwareCheck();
+    void startAnimations();
+    void startFloatingAnimation();
+    void autoStart();
+    void updateScreen(const Animation& animation);
+    void addEffectRow(const ToggleRowText& text, const std::shared_ptr<EffectManager>& effect);
+    void makeToggleRows();
+
+    // References to services, all of which outlive the view.
+    Platform m_platform;
+
+    // In the order in which they come into being.
+    std::shared_ptr<LidAngleSensor> m_sensor;
+    std::shared_ptr<AudioManager> m_audioManager;
+    std::shared_ptr<EffectManager> m_keyboardManager;
+    std::shared_ptr<EffectManager> m_fanManager;
+    std::shared_ptr<EffectManager> m_bsodManager;
+    std::shared_ptr<EffectManager> m_freezeManager;
+    Observable<bool> m_audioEnabled;
+    Observable<bool> m_sufferingMode;
+    Observable<bool> m_hardwareChecked;
+    Observable<bool> m_isChecking;
+    Observable<bool> m_checkDone;
+    Observable<bool> m_hasLidSensor;
+    Observable<bool> m_hasAccessibility;
+    Observable<bool> m_hasTrackpad;
+    std::shared_ptr<Timer> m_linkTimer;
+    Observable<std::string> m_activeInfoLabel;
+    Observable<std::string> m_activeInfoText;
+    Observable<bool> m_showInfo;
+    Observable<AnimatedValue> m_textScale{{.value = 0.5, .animation = {}}};
+    Observable<AnimatedValue> m_emojiRotation;
+    Observable<AnimatedValue> m_glowAmount;
+    Observable<std::vector<FloatingEmoji>> m_floatingEmojis;
+    StartupExperience* m_startupManager;
+
+    Observable<Screen> m_screen;
+    Animation m_screenAnimation;
+    std::vector<ToggleRow> m_toggleRows;
+    NotificationCenter::Token m_autoStartToken = 0;
+    // What delayed blocks hold weakly, so that they do nothing once the view is gone.
+    std::shared_ptr<ContentView*> m_self;
+};
+
+} // namespace quorvane

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string_view>
+
+#include "base/Observable.h"
+#include "platform/Platform.h"
+
+namespace quorvane {
+
+/// Plays the hinge creak while the lid moves: starts it when the hinge is fast enough, pauses it
+/// where it is when the hinge slows down, resumes it there, and plays it afresh only after it has
+/// sounded to its end. Main thread only; owned through a shared pointer.
+class AudioManager : public std::enable_shared_from_this<AudioManager> {
+public:
+    [[nodiscard]] static std::shared_ptr<AudioManager> create(const Platform& platform);
+    AudioManager(const AudioManager&) = delete;
+    AudioManager& operator=(const AudioManager&) = delete;
+    ~AudioManager();
+
+    /// Decodes the bundle's resource into memory. Without it, or when it cannot be decoded, prints
+    /// a line and stays silent.
+    void loadSound(std::string_view name, std::string_view extension);
+    void loadSound(const std::filesystem::path& url);
+
+    /// Takes the hinge's velocity in degrees per second, of either sign. Called 60 times a second.
+    void update(double velocity);
+
+    /// Falls silent; the next creak starts from its beginning. The engine stays open.
+    void stop();
+
+    /// Slowest absolute velocity that creaks, in degrees per second.
+    [[nodiscard]] const Observable<double>& velocityThreshold() const {
+        return m_velocityThreshold;
+    }
+    /// The node was told to play and has not been paused, stopped or finished since.
+    [[nodiscard]] const Observable<bool>& isPlaying() const { return m_isPlaying; }
+    /// A sound is decoded and connected.
+    [[nodiscard]] const Observable<bool>& isLoaded() const { return m_isLoaded; }
+
+    /// Called after each complete play-through.
+    std::function<void()> onCompleted;
+
+private:
+    explicit AudioManager(const Platform& platform);
+    void scheduleBuffer();
+    void finishPlaythrough();
+    void failToLoad(std::string_view description);
+
+    Platform m_platform;
+    Observable<double> m_velocityThreshold{1.0};
+    Observable<bool> m_isPlaying;
+    Observable<bool> m_isLoaded;
+    std::shared_ptr<AudioEngine> m_engine;
+    std::shared_ptr<AudioPlayerNode> m_playerNode;
+    std::shared_ptr<PCMBuffer> m_audioBuffer;
+    bool m_needsSchedule = true;
+};
+
+} // namespace quorvane

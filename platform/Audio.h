@@ -1,0 +1,116 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace quorvane {
+
+/// Why an audio call failed, in words for a person.
+struct AudioError {
+    std::string description;
+};
+
+/// How sound is laid out: 32-bit float samples, `channels` of them a frame.
+struct AudioFormat {
+    /// Frames per second.
+    double sampleRate = 0;
+    unsigned channels = 0;
+
+    bool operator==(const AudioFormat&) const = default;
+};
+
+/// Decoded sound in memory. Filled on the main thread before it is scheduled, read-only after.
+struct PCMBuffer {
+    AudioFormat format;
+    /// Frames that there is room for, and frames that hold sound.
+    std::uint32_t frameCapacity = 0;
+    std::uint32_t frameLength = 0;
+    /// Interleaved, frameCapacity * channels values, full scale at -1 and 1.
+    std::vector<float> samples;
+};
+
+/// A sound file opened for reading. The encoder's delay and padding are not part of its sound.
+class AudioFile {
+public:
+    AudioFile() = default;
+    AudioFile(const AudioFile&) = delete;
+    AudioFile& operator=(const AudioFile&) = delete;
+    virtual ~AudioFile() = default;
+
+    [[nodiscard]] virtual AudioFormat processingFormat() const = 0;
+    /// Length of the file in frames.
+    [[nodiscard]] virtual std::int64_t length() const = 0;
+    /// Reads the whole file into `buffer` and sets its frameLength; the error if that fails, also
+    /// when the file ends before its length.
+    virtual std::optional<AudioError> read(PCMBuffer& buffer) = 0;
+};
+
+/// Plays scheduled buffers through the engine that it is attached to. Main thread only, except that
+/// a completion handler is called from a thread of the audio system.
+class AudioPlayerNode {
+public:
+    using Completion = std::function<void()>;
+
+    AudioPlayerNode() = default;
+    AudioPlayerNode(const AudioPlayerNode&) = delete;
+    AudioPlayerNode& operator=(const AudioPlayerNode&) = delete;
+    virtual ~AudioPlayerNode() = default;
+
+    /// Queues `buffer` to sound as soon as possible once the node plays. `completion` is called once
+    /// when the buffer has sounded to its end, or when it is dropped by `stop` or by the loss of the
+    /// output device; it may come late, and it never runs inside a call of the node.
+    virtual void scheduleBuffer(std::shared_ptr<const PCMBuffer> buffer,
+                                Completion completion) = 0;
+    /// Starts, or resumes where `pause` left off. The engine must be running.
+    virtual void play() = 0;
+    /// Falls silent at once and keeps its place.
+    virtual void pause() = 0;
+    /// Falls silent at once, drops what was scheduled and rewinds.
+    virtual void stop() = 0;
+};
+
+/// The audio graph: nodes, a mixer, the output device. Main thread only.
+class AudioEngine {
+public:
+    AudioEngine() = default;
+    AudioEngine(const AudioEngine&) = delete;
+    AudioEngine& operator=(const AudioEngine&) = delete;
+    virtual ~AudioEngine() = default;
+
+    virtual void attach(const std::shared_ptr<AudioPlayerNode>& node) = 0;
+    /// Connects an attached node to the main mixer; what it plays then has this format.
+    virtual void connectToMainMixer(const std::shared_ptr<AudioPlayerNode>& node,
+                                    const AudioFormat& format) = 0;
+    /// False before `start`, after `stop` and when the output device has gone.
+    [[nodiscard]] virtual bool isRunning() const = 0;
+    /// Opens the output device if it is not open yet. The error when there is none to open; the
+    /// next call tries again.
+    virtual std::optional<AudioError> start() = 0;
+    virtual void stop() = 0;
+};
+
+/// Where engines, nodes, files and buffers come from. Opens no device by itself.
+class AudioService {
+public:
+    AudioService() = default;
+    AudioService(const AudioService&) = delete;
+    AudioService& operator=(const AudioService&) = delete;
+    virtual ~AudioService() = default;
+
+    virtual std::shared_ptr<AudioEngine> createEngine() = 0;
+    virtual std::shared_ptr<AudioPlayerNode> createPlayerNode() = 0;
+    /// Opens `path` for reading; the error when it is missing, unreadable or no sound file.
+    virtual std::variant<std::shared_ptr<AudioFile>, AudioError>
+    openFile(const std::filesystem::path& path) = 0;
+    /// An empty buffer; null when it cannot be made (no channels, no memory).
+    virtual std::shared_ptr<PCMBuffer> createBuffer(const AudioFormat& format,
+                                                    std::uint32_t frameCapacity) = 0;
+};
+
+} // namespace quorvane

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace quorvane {
+
+/// The one-line services of the operating system. All of them: main thread only.
+
+/// The person's stored settings.
+class UserDefaults {
+public:
+    UserDefaults() = default;
+    UserDefaults(const UserDefaults&) = delete;
+    UserDefaults& operator=(const UserDefaults&) = delete;
+    virtual ~UserDefaults() = default;
+
+    /// False when the key is absent or holds no Boolean.
+    [[nodiscard]] virtual bool boolForKey(std::string_view key) const = 0;
+    /// Takes effect at once in this process, and lastly when the store can be written; a store that
+    /// cannot be written says so on standard error and changes nothing else.
+    virtual void setBool(std::string_view key, bool value) = 0;
+};
+
+/// The application's resources.
+class Bundle {
+public:
+    Bundle() = default;
+    Bundle(const Bundle&) = delete;
+    Bundle& operator=(const Bundle&) = delete;
+    virtual ~Bundle() = default;
+
+    /// The file of the resource `name` with the extension `extension`; none if there is no such.
+    [[nodiscard]] virtual std::optional<std::filesystem::path>
+    urlForResource(std::string_view name, std::string_view extension) const = 0;
+};
+
+/// What is known of the machine and of what the person allows.
+class SystemInfo {
+public:
+    SystemInfo() = default;
+    SystemInfo(const SystemInfo&) = delete;
+    SystemInfo& operator=(const SystemInfo&) = delete;
+    virtual ~SystemInfo() = default;
+
+    /// The maker's name of the model ("MacBookPro18,3"); empty when it is not known.
+    [[nodiscard]] virtual std::string modelName() const = 0;
+    /// Whether key presses anywhere on the machine may be listened to. Asks nobody.
+    [[nodiscard]] virtual bool isProcessTrusted() const = 0;
+};
+
+/// The system's random numbers.
+class Random {
+public:
+    Random() = default;
+    Random(const Random&) = delete;
+    Random& operator=(const Random&) = delete;
+    virtual ~Random() = default;
+
+    /// Uniform over the whole numbers from 0 to `upperBound`, both included.
+    virtual std::uint64_t uniform(std::uint64_t upperBound) = 0;
+};
+
+/// Standard output, which carries the system's console lines and nothing else.
+class Console {
+public:
+    Console() = default;
+    Console(const Console&) = delete;
+    Console& operator=(const Console&) = delete;
+    virtual ~Console() = default;
+
+    /// Writes `line` and a line end at once; a reader that has gone is not an error.
+    virtual void print(std::string_view line) = 0;
+};
+
+} // namespace quorvane

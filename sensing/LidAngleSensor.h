@@ -1,0 +1,80 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "base/Observable.h"
+#include "platform/Platform.h"
+
+namespace quorvane {
+
+/// Finds the notebook's lid-angle sensor among its maker's HID devices and publishes the hinge's
+/// angle and angular velocity; where there is none, makes up bursts of velocity from the screens
+/// going to sleep and waking. Main thread only; owned through a shared pointer.
+class LidAngleSensor : public std::enable_shared_from_this<LidAngleSensor> {
+public:
+    [[nodiscard]] static std::shared_ptr<LidAngleSensor> create(const Platform& platform);
+    LidAngleSensor(const LidAngleSensor&) = delete;
+    LidAngleSensor& operator=(const LidAngleSensor&) = delete;
+    ~LidAngleSensor();
+
+    /// Looks for the sensor, or settles on the fallback. May be repeated.
+    void probeSensor();
+    /// Begins to publish. Does nothing before `probeSensor` has run or while running.
+    void start();
+    /// Ends publishing and leaves the velocity at 0. A device that was found is kept.
+    void stop();
+
+    /// Last hinge angle read, in degrees. The fallback does not touch it.
+    [[nodiscard]] const Observable<double>& angle() const { return m_angle; }
+    /// Degrees per second, positive while the lid opens.
+    [[nodiscard]] const Observable<double>& velocity() const { return m_velocity; }
+    [[nodiscard]] const Observable<bool>& isRunning() const { return m_isRunning; }
+    /// True once `probeSensor` has run, whichever way it ended: whether there is a real sensor is
+    /// this and not usingSleepWake.
+    [[nodiscard]] const Observable<bool>& sensorFound() const { return m_sensorFound; }
+    [[nodiscard]] const Observable<bool>& usingSleepWake() const { return m_usingSleepWake; }
+
+private:
+    struct Sample {
+        double angle;
+        /// Media clock.
+        double time;
+    };
+
+    explicit LidAngleSensor(const Platform& platform);
+
+    bool tryHIDDevice(int productID);
+    bool scanAllAppleHIDDevices();
+    std::shared_ptr<HIDDevice> acceptDevice(HIDManager& manager, const HIDMatching& matching,
+                                            int& angle);
+    void poll();
+    void startSleepWakeMonitoring();
+    void stopSleepWakeMonitoring();
+    void simulateLidOpen();
+    void simulateLidClose();
+    void startBurst(double velocity);
+    void decay(Timer& timer);
+
+    Platform m_platform;
+    Observable<double> m_angle;
+    Observable<double> m_velocity;
+    Observable<bool> m_isRunning;
+    Observable<bool> m_sensorFound;
+    Observable<bool> m_usingSleepWake;
+    // Stays open and scheduled; released when replaced or with the sensor, never closed.
+    std::shared_ptr<HIDManager> m_hidManager;
+    std::shared_ptr<HIDDevice> m_hidDevice;
+    // Eight bytes, so that a report longer than the three that count still fits.
+    std::array<std::uint8_t, 8> m_hidReport{};
+    std::shared_ptr<Timer> m_pollTimer;
+    double m_previousAngle = 0;
+    double m_previousTime = 0;
+    std::vector<Sample> m_angleHistory;
+    std::vector<NotificationCenter::Token> m_sleepWakeObservers;
+    std::shared_ptr<Timer> m_fakeVelocityTimer;
+};
+
+} // namespace quorvane
