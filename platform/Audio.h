@@ -62,11 +62,10 @@ public:
     AudioPlayerNode& operator=(const AudioPlayerNode&) = delete;
     virtual ~AudioPlayerNode() = default;
 
-    /// Queues `buffer` to sound as soon as possible once the node plays. `completion` is called once
-    /// when the buffer has sounded to its end, or when it is dropped by `stop` or by the loss of the
-    /// output device; it may come late, and it never runs inside a call of the node.
-    virtual void scheduleBuffer(std::shared_ptr<const PCMBuffer> buffer,
-                                Completion completion) = 0;
+    /// Queues `buffer` to sound as soon as possible once the node plays. `completion` is called
+    /// once when the buffer has sounded to its end, or when it is dropped by `stop` or by the loss
+    /// of the output device; it may come late, and it never runs inside a call of the node.
+    virtual void scheduleBuffer(std::shared_ptr<const PCMBuffer> buffer, Completion completion) = 0;
     /// Starts, or resumes where `pause` left off. The engine must be running.
     virtual void play() = 0;
     /// Falls silent at once and keeps its place.

@@ -23,6 +23,7 @@ private:
         std::string name;
         std::shared_ptr<const std::function<void()>> block;
     };
+
     // Tokens grow, so the map's order is the order of registration.
     std::map<Token, Observer> m_observers;
     Token m_nextToken = 1;

@@ -35,9 +35,11 @@ public:
         detach();
         queue.m_entries.erase(m_key);
     }
+
     [[nodiscard]] bool isValid() const override { return m_queue != nullptr; }
 
     [[nodiscard]] bool repeats() const { return m_repeats; }
+
     [[nodiscard]] Key key() const { return m_key; }
 
     /// Moves on to the first grid point after `now`, which is not before the one that is due.
