@@ -1,0 +1,93 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/HID.h"
+#include "platform/RunLoop.h"
+
+namespace quorvane {
+
+/// A HID device that answers as it was told. Plugged in until `unplug`.
+class SimulatedHIDDevice final : public HIDDevice {
+public:
+    using Report = std::vector<std::uint8_t>;
+
+    explicit SimulatedHIDDevice(RunLoop& runLoop) : m_runLoop(runLoop) {}
+
+    HIDResult open() override;
+    HIDResult getReport(HIDReportType type, std::uint8_t reportID, std::span<std::uint8_t> buffer,
+                        std::size_t& length) override;
+    [[nodiscard]] std::optional<int> integerProperty(std::string_view key) const override;
+
+    int vendorID = 0x05AC;
+    /// None: the device has no such property.
+    std::optional<int> productID;
+    /// Fault switch: opening is refused.
+    bool refusesOpen = false;
+
+    /// The feature report as it stands from now on; none: reading it fails.
+    void setReport(std::optional<Report> report);
+    /// Feature report 1 of a lid at `degrees` (0 to 65535): report ID, low byte, high byte.
+    void setAngle(unsigned degrees);
+    /// A lid that moves: the report holds the angle at the media time of each reading, rounded.
+    void setAngle(std::function<double(double time)> degreesAt);
+    /// Answers the reading with the number `reading` (from 1) by `report` instead, once.
+    void setReportAt(int reading, std::optional<Report> report);
+
+    /// Gone for good: every call fails from now on.
+    void unplug() { m_unplugged = true; }
+
+    [[nodiscard]] bool isPluggedIn() const { return !m_unplugged; }
+
+    [[nodiscard]] bool isOpen() const { return m_open; }
+
+    /// Number of readings so far, failed ones included.
+    [[nodiscard]] int readings() const { return m_readings; }
+
+private:
+    [[nodiscard]] std::optional<Report> currentReport();
+
+    RunLoop& m_runLoop;
+    std::function<std::optional<Report>(double time)> m_reportAt;
+    std::vector<std::pair<int, std::optional<Report>>> m_exceptions;
+    int m_readings = 0;
+    bool m_open = false;
+    bool m_unplugged = false;
+};
+
+/// The devices of a simulated machine, and a record of what was asked of its managers.
+class SimulatedHID final : public HIDService {
+public:
+    explicit SimulatedHID(RunLoop& runLoop) : m_runLoop(runLoop) {}
+
+    std::shared_ptr<HIDManager> createManager() override;
+
+    /// Adds a device of the vendor 05AC; devices are found in the order in which they were added.
+    std::shared_ptr<SimulatedHIDDevice> addDevice(std::optional<int> productID);
+
+    /// Fault switches.
+    bool managerRefusesOpen = false;
+    bool copyGivesNoSet = false;
+
+    /// What was asked of every manager, in order: "create", "match 1452:33028" or "match 1452",
+    /// "schedule", "open", "copy", "close", "release".
+    [[nodiscard]] const std::vector<std::string>& calls() const { return *m_calls; }
+
+    void forgetCalls() { m_calls->clear(); }
+
+private:
+    friend class SimulatedHIDManager;
+
+    RunLoop& m_runLoop;
+    std::vector<std::shared_ptr<SimulatedHIDDevice>> m_devices;
+    // Shared with the managers, which may outlive the service.
+    std::shared_ptr<std::vector<std::string>> m_calls =
+        std::make_shared<std::vector<std::string>>();
+};
+
+} // namespace quorvane

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/InProcessNotificationCenter.h"
+#include "platform/Platform.h"
+#include "platform/simulated/SimulatedAudio.h"
+#include "platform/simulated/SimulatedHID.h"
+#include "platform/simulated/SimulatedRunLoop.h"
+#include "platform/simulated/SimulatedSystem.h"
+
+namespace quorvane {
+
+/// A whole machine in virtual time, every service of it at hand for a test to set and to look at.
+struct SimulatedMachine {
+    SimulatedRunLoop runLoop;
+    SimulatedHID hid{runLoop};
+    InProcessNotificationCenter workspace;
+    InProcessNotificationCenter defaultCenter;
+    SimulatedAudio audio{runLoop};
+    SimulatedUserDefaults userDefaults;
+    SimulatedBundle bundle;
+    SimulatedSystemInfo system;
+    SimulatedRandom random;
+    SimulatedConsole console;
+
+    [[nodiscard]] Platform platform() {
+        return {.runLoop = runLoop,
+                .hid = hid,
+                .workspace = workspace,
+                .defaultCenter = defaultCenter,
+                .audio = audio,
+                .userDefaults = userDefaults,
+                .bundle = bundle,
+                .system = system,
+                .random = random,
+                .console = console};
+    }
+};
+
+} // namespace quorvane
