@@ -1,0 +1,223 @@
+#include "app/ContentView.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace quorvane {
+
+namespace {
+
+constexpr int emojiCount = 12;
+
+// Seconds.
+constexpr double velocityFeedInterval = 1.0 / 60;
+constexpr double floatingEmojiInterval = 0.05;
+constexpr double hardwareCheckPause = 1.5;
+
+// Of every change of the screen that a button makes.
+constexpr Animation screenSpring = Animation::spring(0.4, 0.825);
+
+std::shared_ptr<EffectManager> make(const EffectFactories::Factory& factory) {
+    return factory ? factory() : nullptr;
+}
+
+void stopIfPresent(const std::shared_ptr<EffectManager>& effect) {
+    if (effect)
+        effect->stop();
+}
+
+} // namespace
+
+ContentView::ContentView(const Platform& platform, StartupExperience* startupManager,
+                         const EffectFactories& effects)
+    : m_platform(platform), m_sensor(LidAngleSensor::create(platform)),
+      m_audioManager(AudioManager::create(platform)), m_keyboardManager(make(effects.keyboard)),
+      m_fanManager(make(effects.fan)), m_bsodManager(make(effects.bsod)),
+      m_freezeManager(make(effects.freeze)),
+      m_hardwareChecked(platform.userDefaults.boolForKey(hardwareCheckedKey)),
+      m_floatingEmojis(FloatingEmoji::generate(emojiCount, platform.random)),
+      m_startupManager(startupManager), m_self(std::make_shared<ContentView*>(this)) {
+    makeToggleRows();
+    updateScreen({});
+    m_autoStartToken =
+        m_platform.defaultCenter.addObserver(autoStartSimulation, [this] { autoStart(); });
+}
+
+ContentView::~ContentView() {
+    m_platform.defaultCenter.removeObserver(m_autoStartToken);
+    if (m_linkTimer)
+        m_linkTimer->invalidate();
+}
+
+void ContentView::makeToggleRows() {
+    m_toggleRows.push_back({.text = ToggleRowTexts::buildQuality,
+                            .isOn = &m_audioEnabled,
+                            .setOn = [this](bool on) { setHingeCreak(on); }});
+    addEffectRow(ToggleRowTexts::keyboard, m_keyboardManager);
+    addEffectRow(ToggleRowTexts::thermals, m_fanManager);
+    addEffectRow(ToggleRowTexts::stability, m_bsodManager);
+    addEffectRow(ToggleRowTexts::performance, m_freezeManager);
+    if (m_startupManager) {
+        Observable<bool>& enabled = m_startupManager->startupSoundEnabled();
+        m_toggleRows.push_back({.text = ToggleRowTexts::startup,
+                                .isOn = &enabled,
+                                .setOn = [&enabled](bool on) { enabled = on; }});
+    }
+}
+
+void ContentView::addEffectRow(const ToggleRowText& text,
+                               const std::shared_ptr<EffectManager>& effect) {
+    if (!effect)
+        return;
+    m_toggleRows.push_back({.text = text, .isOn = &effect->isActive(), .setOn = [effect](bool on) {
+                                on ? effect->start() : effect->stop();
+                            }});
+}
+
+void ContentView::updateScreen(const Animation& animation) {
+    m_screenAnimation = animation;
+    if (!m_hardwareChecked)
+        m_screen = Screen::HardwareCheck;
+    else
+        m_screen = m_sufferingMode ? Screen::ControlPanel : Screen::Warning;
+}
+
+void ContentView::onAppear() {
+    m_audioManager->loadSound("creaking", "mp3");
+    startAnimations();
+    startFloatingAnimation();
+    if (m_hardwareChecked)
+        m_sensor->probeSensor();
+}
+
+void ContentView::onDisappear() {
+    stopAudio();
+    m_sensor->stop();
+}
+
+void ContentView::startAnimations() {
+    m_textScale = {.value = 1.0, .animation = Animation::spring(0.6, 0.6)};
+    m_emojiRotation = {.value = 360,
+                       .animation = Animation::linear(20).repeatForever(/*reversing=*/false)};
+    m_glowAmount = {.value = 1.0,
+                    .animation = Animation::easeInOut(1.5).repeatForever(/*reversing=*/true)};
+}
+
+void ContentView::startFloatingAnimation() {
+    // Not kept: the particles drift for the life of the process, whatever screen is shown.
+    m_platform.runLoop.scheduledTimer(floatingEmojiInterval, true,
+                                      [self = std::weak_ptr(m_self)](Timer&) {
+                                          if (const auto view = self.lock())
+                                              (*view)->moveFloatingEmojis();
+                                      });
+}
+
+void ContentView::moveFloatingEmojis() {
+    for (FloatingEmoji& emoji : m_floatingEmojis)
+        emoji.step(m_platform.random);
+    m_floatingEmojisMoved.notify();
+}
+
+void ContentView::runHardwareCheck() {
+    m_isChecking = true;
+    m_platform.runLoop.asyncAfter(hardwareCheckPause, [self = std::weak_ptr(m_self)] {
+        if (const auto view = self.lock())
+            (*view)->finishHardwareCheck();
+    });
+}
+
+void ContentView::finishHardwareCheck() {
+    m_sensor->probeSensor();
+    m_hasLidSensor = m_sensor->sensorFound() && !m_sensor->usingSleepWake();
+    m_hasAccessibility = m_platform.system.isProcessTrusted();
+    m_hasTrackpad = isRunningOnMacBook();
+    m_checkDone = true;
+    m_isChecking = false;
+}
+
+void ContentView::confirmHardwareCheck() {
+    m_hardwareChecked = true;
+    m_platform.userDefaults.setBool(hardwareCheckedKey, true);
+    updateScreen(screenSpring);
+}
+
+void ContentView::enterSufferingMode() {
+    m_sufferingMode = true;
+    updateScreen(screenSpring);
+    m_sensor->start();
+}
+
+void ContentView::autoStart() {
+    if (m_sufferingMode)
+        return;
+    m_sufferingMode = true;
+    updateScreen({});
+    m_sensor->start();
+}
+
+void ContentView::leaveSufferingMode() {
+    stopAudio(screenSpring);
+}
+
+void ContentView::stopAudio(const Animation& animation) {
+    m_sufferingMode = false;
+    updateScreen(animation);
+    m_audioEnabled = false;
+    endVelocityFeed();
+    m_audioManager->stop();
+    stopIfPresent(m_keyboardManager);
+    stopIfPresent(m_fanManager);
+    stopIfPresent(m_bsodManager);
+    stopIfPresent(m_freezeManager);
+    if (m_startupManager)
+        m_startupManager->startupSoundEnabled() = false;
+}
+
+void ContentView::setHingeCreak(bool on) {
+    m_audioEnabled = on;
+    if (on) {
+        startVelocityFeed();
+        return;
+    }
+    endVelocityFeed();
+    m_audioManager->stop();
+}
+
+void ContentView::startVelocityFeed() {
+    // A feed that is already there is overwritten, not ended: it keeps firing beside the new one.
+    m_linkTimer = m_platform.runLoop.scheduledTimer(
+        velocityFeedInterval, true, [self = std::weak_ptr(m_self)](Timer&) {
+            if (const auto view = self.lock())
+                (*view)->m_audioManager->update((*view)->m_sensor->velocity());
+        });
+}
+
+void ContentView::endVelocityFeed() {
+    if (const auto timer = std::exchange(m_linkTimer, nullptr))
+        timer->invalidate();
+}
+
+void ContentView::presentInfo(const ToggleRowText& row) {
+    m_activeInfoLabel = std::string(row.infoTitle);
+    m_activeInfoText = std::string(row.info);
+    m_showInfo = true;
+}
+
+void ContentView::dismissInfo() {
+    m_showInfo = false;
+}
+
+std::array<CheckRow, 6> ContentView::checkRows() const {
+    return makeCheckRows(m_hasLidSensor, m_hasAccessibility, m_hasTrackpad);
+}
+
+bool ContentView::isRunningOnMacBook() const {
+    std::string model = m_platform.system.modelName();
+    // Letters of ASCII only, whatever the person's locale makes of an I.
+    std::transform(model.begin(), model.end(), model.begin(), [](char letter) {
+        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+    });
+    return model.find("macbook") != std::string::npos;
+}
+
+} // namespace quorvane

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "app/CheckRow.h"
@@ -52,32 +54,53 @@ public:
 
     /// Follows hardwareChecked and sufferingMode.
     [[nodiscard]] const Observable<Screen>& screen() const { return m_screen; }
+
     /// How the latest change of the screen is to look.
     [[nodiscard]] const Animation& screenAnimation() const { return m_screenAnimation; }
+
     [[nodiscard]] const Observable<bool>& hardwareChecked() const { return m_hardwareChecked; }
+
     [[nodiscard]] const Observable<bool>& sufferingMode() const { return m_sufferingMode; }
+
     [[nodiscard]] const Observable<bool>& audioEnabled() const { return m_audioEnabled; }
+
     [[nodiscard]] const Observable<bool>& isChecking() const { return m_isChecking; }
+
     [[nodiscard]] const Observable<bool>& checkDone() const { return m_checkDone; }
+
     [[nodiscard]] const Observable<bool>& hasLidSensor() const { return m_hasLidSensor; }
+
     [[nodiscard]] const Observable<bool>& hasAccessibility() const { return m_hasAccessibility; }
+
     [[nodiscard]] const Observable<bool>& hasTrackpad() const { return m_hasTrackpad; }
+
     [[nodiscard]] const Observable<std::string>& activeInfoLabel() const {
         return m_activeInfoLabel;
     }
+
     [[nodiscard]] const Observable<std::string>& activeInfoText() const { return m_activeInfoText; }
+
     [[nodiscard]] const Observable<bool>& showInfo() const { return m_showInfo; }
+
     /// Scale of the warning sign.
     [[nodiscard]] const Observable<AnimatedValue>& textScale() const { return m_textScale; }
+
     /// Degrees; nothing shows it.
     [[nodiscard]] const Observable<AnimatedValue>& emojiRotation() const { return m_emojiRotation; }
+
     /// 0 to 1; glow radii are multiples of it.
     [[nodiscard]] const Observable<AnimatedValue>& glowAmount() const { return m_glowAmount; }
-    [[nodiscard]] const Observable<std::vector<FloatingEmoji>>& floatingEmojis() const {
+
+    /// Moved in place 20 times a second from the first appearance on.
+    [[nodiscard]] const std::vector<FloatingEmoji>& floatingEmojis() const {
         return m_floatingEmojis;
     }
+
+    [[nodiscard]] const AnyObservable& floatingEmojisMoved() const { return m_floatingEmojisMoved; }
+
     /// The six results as they stand now, in display order.
-    [[nodiscard]] std::vector<CheckRow> checkRows() const;
+    [[nodiscard]] std::array<CheckRow, 6> checkRows() const;
+
     /// The rows whose effects exist, in display order; fixed for the life of the view.
     [[nodiscard]] const std::vector<ToggleRow>& toggleRows() const { return m_toggleRows; }
 
@@ -105,18 +128,22 @@ public:
     /// The popup's "OK": its texts stay until the next info button.
     void dismissInfo();
 
-    /// Leaves suffering mode and stops everything but the sensor.
-    void stopAudio();
+    /// Leaves suffering mode and stops everything but the sensor, which goes on behind the warning.
+    void stopAudio(const Animation& animation = {});
     /// Whether the model's name says that this is a MacBook.
     [[nodiscard]] bool isRunningOnMacBook() const;
 
     [[nodiscard]] LidAngleSensor& sensor() { return *m_sensor; }
+
     [[nodiscard]] AudioManager& audioManager() { return *m_audioManager; }
 
 private:
     void finishHardwareCheck();
     void startAnimations();
     void startFloatingAnimation();
+    void moveFloatingEmojis();
+    void startVelocityFeed();
+    void endVelocityFeed();
     void autoStart();
     void updateScreen(const Animation& animation);
     void addEffectRow(const ToggleRowText& text, const std::shared_ptr<EffectManager>& effect);
@@ -147,7 +174,8 @@ private:
     Observable<AnimatedValue> m_textScale{{.value = 0.5, .animation = {}}};
     Observable<AnimatedValue> m_emojiRotation;
     Observable<AnimatedValue> m_glowAmount;
-    Observable<std::vector<FloatingEmoji>> m_floatingEmojis;
+    std::vector<FloatingEmoji> m_floatingEmojis;
+    ChangeNotice m_floatingEmojisMoved;
     StartupExperience* m_startupManager;
 
     Observable<Screen> m_screen;

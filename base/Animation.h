@@ -21,12 +21,15 @@ struct Animation {
     static constexpr Animation spring(double response, double dampingFraction) {
         return {.curve = Curve::Spring, .response = response, .dampingFraction = dampingFraction};
     }
+
     static constexpr Animation linear(double duration) {
         return {.curve = Curve::Linear, .duration = duration};
     }
+
     static constexpr Animation easeInOut(double duration) {
         return {.curve = Curve::EaseInOut, .duration = duration};
     }
+
     [[nodiscard]] constexpr Animation repeatForever(bool reversing) const {
         Animation result = *this;
         result.repeatsForever = true;

@@ -3,22 +3,20 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
-#include <utility>
 
 #include "base/MainQueue.h"
 
 namespace quorvane {
 
-/// Makes a `T` whose destruction happens on the main thread: when the last reference is dropped on
-/// another thread, the deletion hops to the main queue, which must outlive the object. `T` derives
-/// from std::enable_shared_from_this where its blocks hold it weakly.
-template <class T, class... Arguments>
-[[nodiscard]] std::shared_ptr<T> makeMainThreadOwned(MainQueue& queue, Arguments&&... arguments) {
-    return std::shared_ptr<T>(new T(std::forward<Arguments>(arguments)...), [&queue](T* object) {
+/// Shares `object` so that its destruction happens on the main thread: when the last reference is
+/// dropped on another thread, the deletion hops to the main queue, which must outlive the object.
+template <class T>
+[[nodiscard]] std::shared_ptr<T> makeMainThreadOwned(MainQueue& queue, std::unique_ptr<T> object) {
+    return std::shared_ptr<T>(object.release(), [&queue](T* last) {
         if (queue.isMainThread())
-            delete object;
+            delete last;
         else
-            queue.async([object] { delete object; });
+            queue.async([last] { delete last; });
     });
 }
 

@@ -13,8 +13,12 @@ namespace quorvane {
 class Subscription {
 public:
     Subscription() = default;
+
     explicit Subscription(std::function<void()> cancel) : m_cancel(std::move(cancel)) {}
-    Subscription(Subscription&& other) noexcept : m_cancel(std::exchange(other.m_cancel, nullptr)) {}
+
+    Subscription(Subscription&& other) noexcept
+        : m_cancel(std::exchange(other.m_cancel, nullptr)) {}
+
     Subscription& operator=(Subscription&& other) noexcept {
         if (this != &other) {
             cancel();
@@ -22,8 +26,10 @@ public:
         }
         return *this;
     }
+
     Subscription(const Subscription&) = delete;
     Subscription& operator=(const Subscription&) = delete;
+
     ~Subscription() { cancel(); }
 
     void cancel() {
@@ -76,14 +82,22 @@ private:
     std::shared_ptr<Observers> m_observers = std::make_shared<Observers>();
 };
 
+/// Tells of changes to something that is kept elsewhere. Main thread only.
+class ChangeNotice final : public AnyObservable {
+public:
+    using AnyObservable::notify;
+};
+
 /// A stored property that tells its observers when its value really changed. Main thread only.
 template <class T>
 class Observable final : public AnyObservable {
 public:
     Observable() = default;
+
     explicit Observable(T value) : m_value(std::move(value)) {}
 
     [[nodiscard]] const T& get() const { return m_value; }
+
     // NOLINTNEXTLINE(google-explicit-constructor): it reads as the value that it stands for.
     operator const T&() const { return m_value; }
 
@@ -94,6 +108,7 @@ public:
         m_value = std::move(value);
         notify();
     }
+
     Observable& operator=(T value) {
         set(std::move(value));
         return *this;

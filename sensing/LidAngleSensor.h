@@ -3,6 +3,8 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <string_view>
 #include <vector>
 
 #include "base/Observable.h"
@@ -29,12 +31,16 @@ public:
 
     /// Last hinge angle read, in degrees. The fallback does not touch it.
     [[nodiscard]] const Observable<double>& angle() const { return m_angle; }
+
     /// Degrees per second, positive while the lid opens.
     [[nodiscard]] const Observable<double>& velocity() const { return m_velocity; }
+
     [[nodiscard]] const Observable<bool>& isRunning() const { return m_isRunning; }
+
     /// True once `probeSensor` has run, whichever way it ended: whether there is a real sensor is
     /// this and not usingSleepWake.
     [[nodiscard]] const Observable<bool>& sensorFound() const { return m_sensorFound; }
+
     [[nodiscard]] const Observable<bool>& usingSleepWake() const { return m_usingSleepWake; }
 
 private:
@@ -48,8 +54,10 @@ private:
 
     bool tryHIDDevice(int productID);
     bool scanAllAppleHIDDevices();
-    std::shared_ptr<HIDDevice> acceptDevice(HIDManager& manager, const HIDMatching& matching,
-                                            int& angle);
+    /// Keeps the first matching device that answers like a lid; its angle, or none without one.
+    std::optional<int> adoptDevice(const HIDMatching& matching);
+    void printFound(std::string_view how, int productID, int angle);
+    void startPolling();
     void poll();
     void startSleepWakeMonitoring();
     void stopSleepWakeMonitoring();

@@ -35,8 +35,10 @@ public:
     [[nodiscard]] const Observable<double>& velocityThreshold() const {
         return m_velocityThreshold;
     }
+
     /// The node was told to play and has not been paused, stopped or finished since.
     [[nodiscard]] const Observable<bool>& isPlaying() const { return m_isPlaying; }
+
     /// A sound is decoded and connected.
     [[nodiscard]] const Observable<bool>& isLoaded() const { return m_isLoaded; }
 
@@ -45,9 +47,11 @@ public:
 
 private:
     explicit AudioManager(const Platform& platform);
+    void failToLoad(const AudioError& error);
+    void creak();
+    void pause();
     void scheduleBuffer();
     void finishPlaythrough();
-    void failToLoad(std::string_view description);
 
     Platform m_platform;
     Observable<double> m_velocityThreshold{1.0};
