@@ -1,0 +1,102 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "platform/Audio.h"
+#include "platform/RunLoop.h"
+#include "platform/simulated/SimulatedAudioVoice.h"
+
+namespace quorvane {
+
+/// What can be made to go wrong, by name.
+enum class AudioFault {
+    /// Every engine refuses to start.
+    EngineStart,
+    /// No buffer can be made.
+    BufferCreation,
+    /// No file can be opened.
+    FileOpen,
+    /// No file can be read once it is open.
+    FileRead,
+};
+
+/// Sound on a machine that exists on a run loop's clock only: it is written down when it is due,
+/// never heard. Main thread only; the service outlives nothing but its own calls.
+class SimulatedAudio final : public AudioService {
+public:
+    explicit SimulatedAudio(RunLoop& runLoop);
+    ~SimulatedAudio() override;
+
+    std::shared_ptr<AudioEngine> createEngine() override;
+    std::shared_ptr<AudioPlayerNode> createPlayerNode() override;
+    std::variant<std::shared_ptr<AudioFile>, AudioError>
+    openFile(const std::filesystem::path& path) override;
+    std::shared_ptr<PCMBuffer> createBuffer(const AudioFormat& format,
+                                            std::uint32_t frameCapacity) override;
+
+    // What there is on the machine. A path that was never named is a missing file.
+
+    /// `samples` are interleaved and whole frames.
+    void addFile(const std::filesystem::path& path, const AudioFormat& format,
+                 std::vector<float> samples);
+    /// A file that says it has `claimedFrames` but holds only `samples`.
+    void addTruncatedFile(const std::filesystem::path& path, const AudioFormat& format,
+                          std::vector<float> samples, std::int64_t claimedFrames);
+    /// A file that is there but holds no sound.
+    void addNonAudioFile(const std::filesystem::path& path);
+
+    // What goes wrong.
+
+    /// The fault lasts until `clearFault`; its description reaches the caller where the call has
+    /// room for one.
+    void setFault(AudioFault fault, std::string description);
+    void clearFault(AudioFault fault);
+    /// Unplugged: every running engine stops at once, what was scheduled on its nodes is dropped,
+    /// and no engine starts until the device is there again. Present from the start.
+    void setOutputDevicePresent(bool present);
+
+    // What was heard.
+
+    /// Every stretch of sound, in the order in which they began.
+    [[nodiscard]] const std::vector<SimulatedSound>& timeline() const { return *m_timeline; }
+
+    /// The mix from one media time to another, as interleaved samples of `format` (1 or 2
+    /// channels), without any filtering. Sound that is still to come is what would come if nothing
+    /// more were called.
+    [[nodiscard]] std::vector<float> render(double from, double to,
+                                            const AudioFormat& format) const;
+
+    /// Number of nodes that were ever created.
+    [[nodiscard]] std::size_t nodeCount() const { return m_voices.size(); }
+
+    /// What the node does that was created as number `index`, counted from 0.
+    [[nodiscard]] const SimulatedAudioVoice& node(std::size_t index) const {
+        return *m_voices.at(index);
+    }
+
+    /// Number of engines that run now.
+    [[nodiscard]] std::size_t runningEngineCount() const;
+    /// Number of calls of `start` on an engine that was not running, failed ones too.
+    [[nodiscard]] std::size_t engineStartCount() const;
+
+private:
+    class Engine;
+    class File;
+    struct Recording;
+    struct Machine;
+
+    RunLoop& m_runLoop;
+    std::shared_ptr<std::vector<SimulatedSound>> m_timeline;
+    std::vector<std::shared_ptr<SimulatedAudioVoice>> m_voices;
+    std::map<std::filesystem::path, Recording> m_files;
+    // Shared with engines and files, which may live longer.
+    std::shared_ptr<Machine> m_machine;
+};
+
+} // namespace quorvane

@@ -1,0 +1,143 @@
+#include "platform/simulated/SimulatedAudioVoice.h"
+
+#include <sstream>
+#include <thread>
+#include <utility>
+
+namespace quorvane {
+
+namespace {
+
+/// Real audio systems call from a thread of their own; so does this one, although it waits for it.
+void callFromAnotherThread(const AudioPlayerNode::Completion& completion) {
+    if (completion)
+        std::thread(completion).join();
+}
+
+} // namespace
+
+SimulatedAudioVoice::SimulatedAudioVoice(RunLoop& runLoop, std::shared_ptr<Timeline> timeline,
+                                         std::size_t index)
+    : m_runLoop(runLoop), m_timeline(std::move(timeline)), m_index(index) {}
+
+SimulatedAudioVoice::~SimulatedAudioVoice() {
+    if (m_endTimer)
+        m_endTimer->invalidate();
+}
+
+SimulatedAudioVoice::State SimulatedAudioVoice::state() const {
+    if (m_playing)
+        return m_current ? State::Sounding : State::Waiting;
+    return m_paused ? State::Paused : State::Stopped;
+}
+
+double SimulatedAudioVoice::framesPerSecond() const {
+    return m_format ? m_format->sampleRate : m_scheduled.front().buffer->format.sampleRate;
+}
+
+double SimulatedAudioVoice::headDuration() const {
+    return m_scheduled.front().buffer->frameLength / framesPerSecond();
+}
+
+double SimulatedAudioVoice::position() const {
+    if (!m_current)
+        return m_offset;
+    const SimulatedSound& current = (*m_timeline)[*m_current];
+    return current.offset + m_runLoop.currentMediaTime() - current.startTime;
+}
+
+void SimulatedAudioVoice::attach() {
+    m_calls.emplace_back("attach");
+}
+
+void SimulatedAudioVoice::connect(const AudioFormat& format) {
+    std::ostringstream call;
+    call << "connect " << format.sampleRate << '/' << format.channels;
+    m_calls.push_back(call.str());
+    m_format = format;
+}
+
+void SimulatedAudioVoice::schedule(std::shared_ptr<const PCMBuffer> buffer,
+                                   AudioPlayerNode::Completion completion) {
+    m_calls.emplace_back("schedule");
+    m_scheduled.push_back({.buffer = std::move(buffer), .completion = std::move(completion)});
+    if (m_playing && !m_current)
+        sound(m_runLoop.currentMediaTime());
+}
+
+void SimulatedAudioVoice::play() {
+    m_calls.emplace_back(m_engineRunning ? "play" : "play without engine");
+    if (!m_engineRunning || m_playing)
+        return;
+    m_playing = true;
+    m_paused = false;
+    if (!m_scheduled.empty())
+        sound(m_runLoop.currentMediaTime());
+}
+
+void SimulatedAudioVoice::pause() {
+    m_calls.emplace_back("pause");
+    if (!m_playing)
+        return;
+    fallSilent();
+    m_playing = false;
+    m_paused = true;
+}
+
+void SimulatedAudioVoice::stop() {
+    m_calls.emplace_back("stop");
+    drop();
+}
+
+void SimulatedAudioVoice::engineStopped() {
+    m_engineRunning = false;
+    drop();
+}
+
+void SimulatedAudioVoice::drop() {
+    fallSilent();
+    m_playing = false;
+    m_paused = false;
+    m_offset = 0;
+    // Later, because a completion never runs inside the call that causes it.
+    for (const Scheduled& dropped : std::exchange(m_scheduled, {}))
+        m_runLoop.async([completion = dropped.completion] { callFromAnotherThread(completion); });
+}
+
+void SimulatedAudioVoice::sound(double startTime) {
+    const double stopTime = startTime + headDuration() - m_offset;
+    m_current = m_timeline->size();
+    m_timeline->push_back({.node = m_index,
+                           .buffer = m_scheduled.front().buffer,
+                           .startTime = startTime,
+                           .offset = m_offset,
+                           .stopTime = stopTime});
+    m_endTimer = m_runLoop.scheduledTimer(stopTime - m_runLoop.currentMediaTime(), false,
+                                          [weak = weak_from_this()](Timer&) {
+                                              if (const auto voice = weak.lock())
+                                                  voice->finishHead();
+                                          });
+}
+
+void SimulatedAudioVoice::fallSilent() {
+    if (!m_current)
+        return;
+    m_offset = position();
+    (*m_timeline)[*m_current].stopTime = m_runLoop.currentMediaTime();
+    m_current.reset();
+    m_endTimer->invalidate();
+}
+
+void SimulatedAudioVoice::finishHead() {
+    const double endTime = (*m_timeline)[*m_current].stopTime;
+    const auto completion = std::move(m_scheduled.front().completion);
+    m_scheduled.pop_front();
+    m_current.reset();
+    m_offset = 0;
+    // The next one follows without a gap, whenever the timer happened to fire.
+    if (!m_scheduled.empty())
+        sound(endTime);
+    callFromAnotherThread(completion);
+}
+
+} // namespace quorvane
