@@ -11,6 +11,7 @@ namespace quorvane {
 namespace WorkspaceNotification {
 inline constexpr std::string_view screensDidSleep = "NSWorkspaceScreensDidSleepNotification";
 inline constexpr std::string_view screensDidWake = "NSWorkspaceScreensDidWakeNotification";
+inline constexpr std::string_view didWake = "NSWorkspaceDidWakeNotification";
 } // namespace WorkspaceNotification
 
 /// Delivers named notifications to whoever observes the name, in the order of registration.

@@ -1,0 +1,35 @@
+#include "platform/simulated/LiveMachine.h"
+
+#include <utility>
+
+namespace quorvane {
+
+LiveMachine::LiveMachine(const Scenario& scenario, const Platform& real)
+    : m_real(real), m_hid(real.runLoop),
+      m_player(scenario, real.runLoop, m_workspace, real.defaultCenter) {
+    m_player.furnish(m_hid, m_system);
+    if (!scenario.defaults)
+        return;
+    m_userDefaults.emplace();
+    for (const auto& [key, value] : *scenario.defaults)
+        m_userDefaults->setBool(key, value);
+}
+
+Platform LiveMachine::platform() {
+    return {.runLoop = m_real.runLoop,
+            .hid = m_hid,
+            .workspace = m_workspace,
+            .defaultCenter = m_real.defaultCenter,
+            .audio = m_real.audio,
+            .userDefaults = m_userDefaults ? *m_userDefaults : m_real.userDefaults,
+            .bundle = m_real.bundle,
+            .system = m_system,
+            .random = m_real.random,
+            .console = m_real.console};
+}
+
+void LiveMachine::start(ScenarioHandlers handlers) {
+    m_player.start(std::move(handlers));
+}
+
+} // namespace quorvane

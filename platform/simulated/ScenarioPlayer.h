@@ -1,0 +1,54 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "platform/NotificationCenter.h"
+#include "platform/RunLoop.h"
+#include "platform/simulated/Scenario.h"
+#include "platform/simulated/SimulatedHID.h"
+#include "platform/simulated/SimulatedSystem.h"
+
+namespace quorvane {
+
+/// What a scenario needs somebody else to do. An empty handler: the event passes unheard.
+struct ScenarioHandlers {
+    std::function<void(std::string_view control)> press;
+    std::function<void(Scenario::Key key)> key;
+    std::function<void()> quit;
+};
+
+/// Lets the events of a scenario happen, in virtual time or in real. Main thread only.
+class ScenarioPlayer {
+public:
+    /// Time zero is now. The services outlive the player.
+    ScenarioPlayer(Scenario scenario, RunLoop& runLoop, NotificationCenter& workspace,
+                   NotificationCenter& defaultCenter);
+    ScenarioPlayer(const ScenarioPlayer&) = delete;
+    ScenarioPlayer& operator=(const ScenarioPlayer&) = delete;
+    /// What has not happened yet no longer happens.
+    ~ScenarioPlayer();
+
+    /// Puts the scenario's devices into `hid`, and what it says of the machine into `system`.
+    void furnish(SimulatedHID& hid, SimulatedSystemInfo& system);
+
+    /// From now on the events happen, each at its time; those whose time has passed, at once.
+    void start(ScenarioHandlers handlers);
+
+private:
+    void addDevice(SimulatedHID& hid, const Scenario::Device& description);
+    void happen(const Scenario::Event& event);
+    void schedule(double at, std::function<void()> block);
+
+    Scenario m_scenario;
+    RunLoop& m_runLoop;
+    NotificationCenter& m_workspace;
+    NotificationCenter& m_defaultCenter;
+    ScenarioHandlers m_handlers;
+    double m_startTime;
+    std::vector<std::shared_ptr<Timer>> m_timers;
+};
+
+} // namespace quorvane
