@@ -1,0 +1,157 @@
+"""A Linux machine in software emulation whose root is the host's, read-only.
+
+The kernel is the distribution's own package, unpacked but not installed. Nothing that the machine
+does reaches the host except the files that it leaves in its results folder.
+"""
+
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+
+HERE = pathlib.Path(__file__).resolve().parent
+
+MODULES = [
+    "hid-generic", "uhid", "uinput", "evdev", "snd-aloop", "virtio_pci", "virtio_rng",
+    "9pnet_virtio", "9p", "overlay",
+]
+MODULE_PARAMETERS = {}
+
+KERNEL_METAPACKAGE = "linux-image-amd64"
+
+QEMU = [
+    "qemu-system-x86_64", "-accel", "tcg,thread=multi", "-machine", "pc", "-cpu", "max",
+    "-smp", "2", "-m", "2048", "-nic", "none", "-display", "none", "-monitor", "none",
+    "-no-reboot", "-no-user-config", "-nodefaults", "-serial", "stdio",
+    "-device", "virtio-rng-pci",
+]
+COMMAND_LINE = "console=ttyS0 quiet panic=-1 reboot=t mitigations=off tsc=reliable no_timer_check"
+
+
+class LabError(Exception):
+    """The machine could not be made or did not do its job."""
+
+
+def _output(*command, **options):
+    result = subprocess.run(command, capture_output=True, text=True, check=False, **options)
+    if result.returncode != 0:
+        raise LabError(f"{' '.join(map(str, command))}: status {result.returncode}\n"
+                       f"{result.stdout}{result.stderr}")
+    return result.stdout
+
+
+def _kernel_package():
+    depends = _output("apt-cache", "depends", KERNEL_METAPACKAGE)
+    found = re.search(r"Depends: (linux-image-\S+)", depends)
+    if not found:
+        raise LabError(f"apt knows no kernel behind {KERNEL_METAPACKAGE}: run apt-get update")
+    return found.group(1)
+
+
+def _unpack_kernel(package, folder):
+    _output("apt-get", "-o", "APT::Sandbox::User=root", "download", package, cwd=folder)
+    archive = next(folder.glob("*.deb"))
+    _output("dpkg-deb", "-x", archive, folder / "root")
+    return folder / "root"
+
+
+def _modules_in_order(root, release):
+    """The files of MODULES and of all they need, each after what it depends on."""
+    _output("depmod", "-b", root, release)
+    files = []
+    for module in MODULES:
+        lines = _output("modprobe", "-C", "/dev/null", "-d", root, "-S", release,
+                        "--show-depends", module)
+        for line in lines.splitlines():
+            if line.startswith("insmod ") and line.split()[1] not in files:
+                files.append(line.split()[1])
+    return files
+
+
+def _pack_initramfs(tree, archive):
+    names = "\n".join(str(path.relative_to(tree)) for path in sorted(tree.rglob("*")))
+    with open(archive, "wb") as out:
+        result = subprocess.run(["cpio", "-o", "-H", "newc", "--quiet", "-R", "0:0"], cwd=tree,
+                                input=names.encode(), stdout=out, stderr=subprocess.PIPE,
+                                check=False)
+    if result.returncode != 0:
+        raise LabError(f"cpio: {result.stderr.decode()}")
+
+
+def prepare(folder):
+    """Kernel and initramfs, made once for each kernel package and each state of `init`."""
+    package = _kernel_package()
+    kernel = folder / package / "vmlinuz"
+    initramfs = folder / package / "initramfs"
+    sources = max((HERE / name).stat().st_mtime for name in ("init", "machine.py"))
+    if initramfs.exists() and initramfs.stat().st_mtime > sources:
+        return kernel, initramfs
+    folder.mkdir(parents=True, exist_ok=True)
+    with tempfile.TemporaryDirectory(dir=folder) as scratch_name:
+        scratch = pathlib.Path(scratch_name)
+        root = _unpack_kernel(package, scratch)
+        release = package.removeprefix("linux-image-")
+        tree = scratch / "initramfs"
+        (tree / "bin").mkdir(parents=True)
+        (tree / "modules").mkdir()
+        shutil.copy("/bin/busybox", tree / "bin/busybox")
+        shutil.copy(HERE / "init", tree / "init")
+        (tree / "init").chmod(0o755)
+        for number, file in enumerate(_modules_in_order(root, release)):
+            shutil.copy(file, tree / "modules" / f"{number:02}-{pathlib.Path(file).name}")
+        kernel.parent.mkdir(exist_ok=True)
+        shutil.copy(root / "boot" / f"vmlinuz-{release}", kernel)
+        _pack_initramfs(tree, scratch / "packed")
+        os.replace(scratch / "packed", initramfs)
+    return kernel, initramfs
+
+
+def _share(name, path, *options):
+    fsdev = ",".join(["local", f"id={name}", f"path={path}", "security_model=none",
+                      "multidevs=remap", *options])
+    return ["-fsdev", fsdev, "-device", f"virtio-9p-pci,fsdev={name},mount_tag={name}"]
+
+
+def _stream(source, log_path, started):
+    with open(log_path, "w", encoding="utf-8") as log:
+        for raw in source:
+            line = raw.decode("utf-8", "replace").rstrip()
+            log.write(line + "\n")
+            log.flush()
+            print(f"[{time.monotonic() - started:6.1f}] {line}", flush=True)
+
+
+def boot(kernel, initramfs, results, job, time_limit):
+    """Runs the shell text `job` in a fresh machine, its results in the folder `results`.
+
+    Raises LabError unless the job ended by itself with status 0 within `time_limit` seconds.
+    """
+    shutil.rmtree(results, ignore_errors=True)
+    results.mkdir(parents=True)
+    (results / "job").write_text(job, encoding="utf-8")
+    command = [*QEMU, "-kernel", str(kernel), "-initrd", str(initramfs), "-append", COMMAND_LINE,
+               *_share("host", "/", "readonly=on"), *_share("results", results)]
+    started = time.monotonic()
+    with subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                          stderr=subprocess.STDOUT) as qemu:
+        reader = threading.Thread(target=_stream,
+                                  args=(qemu.stdout, results / "console.log", started))
+        reader.start()
+        try:
+            qemu.wait(time_limit)
+        except subprocess.TimeoutExpired as error:
+            raise LabError(f"the machine was still running after {time_limit} s") from error
+        finally:
+            qemu.kill()
+            reader.join()
+    status_file = results / "status"
+    if not status_file.exists():
+        raise LabError(f"the machine ended (status {qemu.returncode}) before its job did")
+    status = status_file.read_text(encoding="utf-8").strip()
+    if status != "0":
+        raise LabError(f"the job ended with status {status}")
