@@ -1,0 +1,165 @@
+"""What every end-to-end test needs: a desktop session, and the built program started in it.
+
+QUORVANE_BUILD_DIR names the build that is tested (by default the folder "build" of the repository).
+A test that fails leaves a picture of the screen and a recording in its folder "e2e".
+"""
+
+import contextlib
+import functools
+import os
+import pathlib
+import shutil
+import sys
+import time
+import unittest
+
+REPOSITORY = pathlib.Path(__file__).resolve().parents[2]
+BUILD = pathlib.Path(os.environ.get("QUORVANE_BUILD_DIR", REPOSITORY / "build")).resolve()
+EVIDENCE = BUILD / "e2e"
+CREAK = REPOSITORY / "resources" / "creaking.mp3"
+
+sys.path.insert(0, str(REPOSITORY / "tools"))
+
+from desktop.buses import Services  # noqa: E402 (found through the line above)
+from desktop.session import Session  # noqa: E402
+from desktop.waiting import wait_until  # noqa: E402
+
+CHECK = "CHECK HARDWARE 🔍"
+CONTINUE = "CONTINUE"
+ENTER = "MAKE ME SUFFER 😭"
+LEAVE = "STOP, I'M SUFFERING 😭"
+CREAK_SWITCH = "Build quality"
+
+LOADED = r"✅ Φορτώθηκε: creaking\.mp3 \((\d+\.\d)s\)"
+NO_SENSOR = "⚠️ [SENSOR] No HID lid sensor found — using sleep/wake fallback"
+MONITORING = "📡 [SENSOR] Sleep/wake monitoring started"
+FINISHED = "✅ [AUDIO] Τελείωσε — ready for next"
+
+AUDIBLE = -50.0
+"""dBFS above which somebody would hear the creak."""
+
+
+def _keep_evidence(test):
+    @functools.wraps(test)
+    def wrapped(self):
+        try:
+            test(self)
+        except BaseException as error:
+            error.add_note(self.evidence())
+            raise
+    return wrapped
+
+
+class EndToEndTest(unittest.TestCase):
+    """A session for the class; a home folder, and whatever is started, for each test."""
+
+    @classmethod
+    def setUpClass(cls):
+        cls.session = cls.enterClassContext(Session())
+
+    def __init_subclass__(cls, **options):
+        super().__init_subclass__(**options)
+        for name, member in list(vars(cls).items()):
+            if name.startswith("test_"):
+                setattr(cls, name, _keep_evidence(member))
+
+    def setUp(self):
+        self.stack = self.enterContext(contextlib.ExitStack())
+        self.home = os.path.join(self.session.directory, "homes", self._testMethodName)
+        self.environment = self.session.environment(self.home)
+        self.program = None
+        self.started = time.monotonic()
+
+    # The program.
+
+    def launch(self, *arguments, console_reader=True, **environment):
+        """Starts the program; `environment` adds to this test's, or takes away what is None."""
+        env = {name: value for name, value in (self.environment | environment).items()
+               if value is not None}
+        self.program = self.session.run([str(BUILD / "quorvane"), *arguments], env, self.stack,
+                                        console_reader=console_reader)
+        return self.program
+
+    def screens(self):
+        """The accessible tree of the program."""
+        return self.session.reader.application(self.program.pid)
+
+    def skip_hardware_check(self):
+        """Lets the next launch be a later one."""
+        folder = pathlib.Path(self.environment["XDG_CONFIG_HOME"], "quorvane")
+        folder.mkdir(parents=True, exist_ok=True)
+        (folder / "quorvane.ini").write_text("[General]\nhardwareChecked=true\n")
+
+    def launch_into_control_panel(self, creak, *arguments, **environment):
+        """A later launch, entered into the control panel, with the creak's switch as asked."""
+        self.skip_hardware_check()
+        self.launch(*arguments, **environment)
+        screens = self.screens()
+        screens.press(ENTER)
+        screens.find(CREAK_SWITCH)
+        if creak:
+            screens.toggle(CREAK_SWITCH)
+            self.wait_until(lambda: screens.is_on(CREAK_SWITCH), "the switch to be on")
+        return screens
+
+    def leave(self):
+        """Ends the program and makes sure that it ends well."""
+        self.program.terminate()
+        status, _ = self.program.wait_for_exit()
+        self.assertEqual(status, 0)
+
+    def resources_without(self, *names):
+        """A resource folder like the program's own, without the files named."""
+        folder = pathlib.Path(self.home, "resources")
+        shutil.copytree(CREAK.parent, folder, ignore=shutil.ignore_patterns(*names))
+        return folder
+
+    # The machine around it.
+
+    def start_system_bus(self, *services):
+        """A system bus with the stand-ins named; the program will find it."""
+        bus = self.session.system_bus(self._testMethodName, self.stack)
+        self.environment["DBUS_SYSTEM_BUS_ADDRESS"] = bus.address
+        return Services(self.environment, bus, self.stack, services) if services else None
+
+    # Time and sound.
+
+    @staticmethod
+    def wait_until(condition, what, timeout=5.0):
+        return wait_until(condition, what, timeout)
+
+    @property
+    def recording(self):
+        self.session.recording.wait_for_start()
+        return self.session.recording
+
+    def assert_silent(self, begin, end, why):
+        self.recording.wait_until_recorded(end)
+        last = self.recording.last_sound(begin, end)
+        if last is not None:
+            self.fail(f"{why}: sound {last - begin:.2f} s after the beginning of "
+                      f"{end - begin:.2f} s of silence")
+
+    def assert_creaks(self, begin, end, why):
+        """A creak is a row of pulses: it need not sound at every instant, but in every stretch."""
+        stretch = (end - begin) / max(1, round((end - begin) / 0.5))
+        at = begin
+        while at < end - 0.01:
+            level = self.recording.level(at, at + stretch)
+            self.assertGreater(level, AUDIBLE, f"{why}: quiet {at - begin:.2f} s after its start")
+            at += stretch
+
+    # What is left of a failure.
+
+    def evidence(self):
+        """Keeps what can be kept, and tells where it is and what the program said."""
+        EVIDENCE.mkdir(parents=True, exist_ok=True)
+        picture = EVIDENCE / f"{self._testMethodName}.png"
+        sound = EVIDENCE / f"{self._testMethodName}.wav"
+        self.session.display.screenshot(picture)
+        self.session.recording.save(sound, self.started)
+        console = self.program.console.text if self.program else []
+        errors = self.program.errors.text if self.program else []
+        return "\n".join(["", f"screen:    {picture}", f"recording: {sound}",
+                          "console:", *(f"  {line}" for line in console),
+                          "standard error:", *(f"  {line}" for line in errors)])

@@ -1,0 +1,72 @@
+"""The program's options and their errors."""
+
+import pathlib
+import unittest
+
+from harness import ENTER, EndToEndTest
+
+
+class CommandLine(EndToEndTest):
+    def _run(self, *arguments, **environment):
+        program = self.launch(*arguments, **environment)
+        status, _ = program.wait_for_exit(10)
+        return status, "\n".join(program.console.text), "\n".join(program.errors.text)
+
+    def test_help_names_every_option(self):
+        for display in (self.environment["DISPLAY"], None):
+            status, output, _ = self._run("--help", DISPLAY=display)
+            self.assertEqual(status, 0)
+            for option in ("--help", "--version", "--simulated", "--demo"):
+                self.assertIn(option, output)
+
+    def test_version_is_told(self):
+        status, output, errors = self._run("--version", DISPLAY=None)
+        self.assertEqual((status, errors), (0, ""))
+        self.assertRegex(output, r"^\S+ \d+\.\d+\.\d+$")
+
+    def _check_refusal(self, about, *arguments):
+        status, output, errors = self._run(*arguments)
+        self.assertEqual(status, 2, errors)
+        self.assertEqual(output, "")
+        self.assertIn(about, errors)
+        self.assertTrue(errors.startswith("quorvane: "), errors)
+
+    def test_an_unknown_option_is_refused(self):
+        self._check_refusal("--no-such-option", "--no-such-option")
+
+    def test_a_stray_argument_is_refused(self):
+        self._check_refusal("stray", "stray")
+
+    def test_a_missing_scenario_is_refused(self):
+        self._check_refusal("/no/such.scenario", "--simulated", "/no/such.scenario")
+
+    def test_a_scenario_that_makes_no_sense_is_refused(self):
+        file = pathlib.Path(self.home, "nonsense.scenario")
+        file.write_text('{ "model": "X", "lids": 3 }')
+        self._check_refusal("lids", "--simulated", str(file))
+
+    def test_an_option_without_its_file_is_refused(self):
+        self._check_refusal("--simulated", "--simulated")
+
+    def test_a_missing_display_is_told(self):
+        status, output, errors = self._run(DISPLAY=None)
+        self.assertNotEqual(status, 0)
+        self.assertEqual(output, "")
+        self.assertRegex(errors, "(?m)^quorvane: .*display")
+
+    def test_a_display_that_does_not_answer_is_told(self):
+        status, output, errors = self._run(DISPLAY=":65000")
+        self.assertNotEqual(status, 0)
+        self.assertEqual(output, "")
+        self.assertRegex(errors, "(?m)^quorvane: .*display")
+
+    def test_a_reader_of_the_console_that_has_gone_is_no_error(self):
+        self.skip_hardware_check()
+        self.launch(console_reader=False)
+        self.screens().press(ENTER)
+        self.screens().find("SIMULATION ACTIVE")
+        self.leave()
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,92 @@
+"""The lid's own events make the hinge creak."""
+
+import re
+import time
+import unittest
+
+from harness import (CREAK_SWITCH, FINISHED, LEAVE, LOADED, MONITORING, NO_SENSOR, EndToEndTest)
+
+BURST = 3.0
+"""Seconds for which a lid event keeps the hinge moving."""
+
+REACTION = 0.5
+"""Seconds that an event may take to be heard, and silence to come; generous for a busy machine."""
+
+
+class Creak(EndToEndTest):
+    def _hear_burst(self, event):
+        """Lets `event` happen and checks the burst of creak that it makes."""
+        quiet_since = time.monotonic() - 0.5
+        happened = time.monotonic()
+        self.assert_silent(quiet_since, happened, "before the event")
+        event()
+        begun = self.recording.wait_for_sound(happened, 2.0)
+        self.assertLess(begun - happened, REACTION)
+        clip = self._clip_length()
+        self.assert_creaks(begun, happened + min(BURST, clip) - 0.2, "the burst")
+        over = happened + BURST + REACTION
+        self.assert_silent(over, over + 0.5, "after the burst")
+        return happened
+
+    def _clip_length(self):
+        loaded, = (re.fullmatch(LOADED, line) for line in self.program.console.text
+                   if line.startswith("✅ Φορτώθηκε"))
+        return float(loaded[1])
+
+    def test_a_lid_that_closes_and_opens_makes_a_burst_each(self):
+        services = self.start_system_bus("login", "power")
+        self.launch_into_control_panel(creak=True)
+        self._hear_burst(services.close_lid)
+        self._hear_burst(services.open_lid)
+        self.leave()
+        self._check_console()
+
+    def _check_console(self):
+        lines = self.program.console.text
+        self.assertRegex(lines[0], f"^{LOADED}$")
+        self.assertEqual(lines[1:3], [NO_SENSOR, MONITORING])
+        self.assertLessEqual(set(lines[3:]), {FINISHED})
+
+    def test_a_machine_that_goes_to_sleep_creaks_too(self):
+        services = self.start_system_bus("login")
+        self.launch_into_control_panel(creak=True)
+        self._hear_burst(services.prepare_for_sleep)
+        self._hear_burst(services.wake_up)
+        self.leave()
+
+    def test_news_that_is_none_is_not_heard(self):
+        services = self.start_system_bus("login", "power")
+        self.launch_into_control_panel(creak=True)
+        told = time.monotonic()
+        services.repeat_lid()
+        self.assert_silent(told, told + 1.0, "an open lid said to be open")
+        self.leave()
+
+    def test_the_switch_decides_whether_it_is_heard(self):
+        services = self.start_system_bus("login", "power")
+        panel = self.launch_into_control_panel(creak=False)
+        closed = time.monotonic()
+        services.close_lid()
+        self.assert_silent(closed, closed + 0.7, "with the switch off")
+        panel.toggle(CREAK_SWITCH)
+        self.recording.wait_for_sound(closed, 1.0)
+        off = time.monotonic()
+        panel.toggle(CREAK_SWITCH)
+        self.assert_silent(off + REACTION, off + REACTION + 0.4, "with the switch off again")
+        self.leave()
+
+    def test_the_stop_button_ends_a_creak_at_once(self):
+        services = self.start_system_bus("login", "power")
+        panel = self.launch_into_control_panel(creak=True)
+        closed = time.monotonic()
+        services.close_lid()
+        self.recording.wait_for_sound(closed, 2.0)
+        panel.press(LEAVE)
+        pressed = time.monotonic()
+        self.assertLess(pressed - closed, BURST - REACTION - 0.5, "too late to tell")
+        self.assert_silent(pressed + REACTION, pressed + REACTION + 0.4, "after the stop button")
+        self.leave()
+
+
+if __name__ == "__main__":
+    unittest.main()

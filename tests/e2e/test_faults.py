@@ -1,0 +1,134 @@
+"""What is missing or broken around the program never stops it."""
+
+import contextlib
+import pathlib
+import time
+import unittest
+
+from harness import (CHECK, CONTINUE, CREAK, CREAK_SWITCH, ENTER, FINISHED, LEAVE, MONITORING,
+                     NO_SENSOR, EndToEndTest)
+
+
+class Faults(EndToEndTest):
+    def _check_that_it_goes_on(self):
+        screens = self.screens()
+        screens.press(LEAVE)
+        screens.press(ENTER)
+        screens.find(CREAK_SWITCH)
+        self.leave()
+
+    def _check_that_lid_is_silent(self, services):
+        closed = time.monotonic()
+        services.close_lid()
+        self.assert_silent(closed, closed + 1.2, "a lid that closes")
+
+    def _sound_lines(self):
+        return [line for line in self.program.console.text
+                if line not in (NO_SENSOR, MONITORING)]
+
+    def test_a_config_folder_that_cannot_be_written_is_survived(self):
+        # Not even root can make a folder inside a file.
+        file = pathlib.Path(self.home, "file")
+        file.write_text("in the way")
+        self.launch(XDG_CONFIG_HOME=str(file))
+        screens = self.screens()
+        screens.press(CHECK)
+        screens.press(CONTINUE)
+        screens.press(ENTER)
+        screens.find(CREAK_SWITCH)
+        self.leave()
+        complaints = [line for line in self.program.errors.text if line.startswith("quorvane: ")]
+        self.assertEqual(len(complaints), 1, complaints)
+        self.assertEqual(file.read_text(), "in the way")
+
+    def test_a_damaged_config_file_is_read_as_empty_and_kept_aside(self):
+        folder = pathlib.Path(self.environment["XDG_CONFIG_HOME"], "quorvane")
+        folder.mkdir()
+        damaged = b"\x00\xff[[hardwareChecked=true\n\x80"
+        (folder / "quorvane.ini").write_bytes(damaged)
+        self.launch()
+        screens = self.screens()
+        screens.press(CHECK)
+        screens.press(CONTINUE)
+        screens.find(ENTER)
+        self.leave()
+        self.assertIn(damaged, [file.read_bytes() for file in folder.iterdir()])
+        self.assertIn("hardwareChecked=true", (folder / "quorvane.ini").read_text())
+
+    def test_a_missing_sound_is_told_and_silent(self):
+        services = self.start_system_bus("login", "power")
+        folder = self.resources_without("creaking.mp3")
+        self.launch_into_control_panel(creak=True, QUORVANE_RESOURCES=str(folder))
+        self._check_that_lid_is_silent(services)
+        self._check_that_it_goes_on()
+        self.assertEqual(self._sound_lines(), ["⚠️ Δεν βρέθηκε: creaking.mp3"])
+
+    def test_a_truncated_sound_is_told_and_silent(self):
+        services = self.start_system_bus("login", "power")
+        folder = self.resources_without("creaking.mp3")
+        whole = CREAK.read_bytes()
+        (folder / "creaking.mp3").write_bytes(whole[:len(whole) // 2])
+        self.launch_into_control_panel(creak=True, QUORVANE_RESOURCES=str(folder))
+        self._check_that_lid_is_silent(services)
+        self._check_that_it_goes_on()
+        line, = self._sound_lines()
+        self.assertRegex(line, "^⚠️ Σφάλμα: .")
+
+    def test_a_sound_that_is_no_sound_is_told_and_silent(self):
+        services = self.start_system_bus("login", "power")
+        folder = self.resources_without("creaking.mp3")
+        (folder / "creaking.mp3").write_text("no sound at all\n" * 100)
+        self.launch_into_control_panel(creak=True, QUORVANE_RESOURCES=str(folder))
+        self._check_that_lid_is_silent(services)
+        self._check_that_it_goes_on()
+        line, = self._sound_lines()
+        self.assertRegex(line, "^⚠️ Σφάλμα: .")
+
+    def test_a_missing_sound_server_is_silence_until_one_comes(self):
+        services = self.start_system_bus("login", "power")
+        late = self.session.sound_server("late")
+        self.launch_into_control_panel(creak=True, PULSE_SERVER=late.address)
+        services.close_lid()
+        # A whole burst of updates finds no device; had one been pretended, the clip would end.
+        time.sleep(3.5)
+        self.assertNotIn(FINISHED, self.program.console.text)
+        self.assertTrue(self.program.is_running)
+
+        with contextlib.ExitStack() as stack:
+            late.start(stack)
+            recording = late.record(stack)
+            recording.wait_for_start()
+            opened = time.monotonic()
+            services.open_lid()
+            recording.wait_for_sound(opened, 2.5)
+            self._check_that_it_goes_on()
+
+    def test_a_sound_server_that_dies_is_survived(self):
+        services = self.start_system_bus("login", "power")
+        mortal = self.session.sound_server("mortal")
+        with contextlib.ExitStack() as stack:
+            mortal.start(stack)
+            recording = mortal.record(stack)
+            recording.wait_for_start()
+            self.launch_into_control_panel(creak=True, PULSE_SERVER=mortal.address)
+            closed = time.monotonic()
+            services.close_lid()
+            recording.wait_for_sound(closed, 2.0)
+        self._check_that_it_goes_on()
+
+    def test_no_system_bus_is_no_error(self):
+        self.launch_into_control_panel(creak=True)
+        self.program.wait_for_line(MONITORING)
+        self._check_that_it_goes_on()
+        self.assertEqual(self.program.console.text[1:], [NO_SENSOR, MONITORING])
+
+    def test_a_system_bus_with_nobody_on_it_is_no_error(self):
+        self.start_system_bus()
+        self.launch_into_control_panel(creak=True)
+        self.program.wait_for_line(MONITORING)
+        self._check_that_it_goes_on()
+        self.assertEqual(self.program.console.text[1:], [NO_SENSOR, MONITORING])
+
+
+if __name__ == "__main__":
+    unittest.main()

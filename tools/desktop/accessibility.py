@@ -1,0 +1,138 @@
+"""Driving a program as a screen reader would."""
+
+import os
+
+import gi
+
+from .waiting import TimedOut, wait_until
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi, GLib  # noqa: E402 (the version has to be asked for first)
+
+BUTTON = Atspi.Role.PUSH_BUTTON
+# What a switch is called depends on the toolkit's version.
+SWITCHES = (Atspi.Role.CHECK_BOX, Atspi.Role.TOGGLE_BUTTON)
+
+
+class ScreenReader:
+    """The one accessibility client of this process: it can only ever be on one bus."""
+
+    def __init__(self, bus_address):
+        os.environ["AT_SPI_BUS_ADDRESS"] = bus_address
+        Atspi.init()
+        # Nothing here runs a main loop that would keep the client's cache fresh.
+        Atspi.get_desktop(0).set_cache_mask(Atspi.Cache.NONE)
+        Atspi.set_timeout(3000, 10000)
+
+    def application(self, pid):
+        """The accessible tree of a process; waits until it is on the bus."""
+        return Application(wait_until(lambda: self._find(pid), f"process {pid} on the bus", 15))
+
+    @staticmethod
+    def _find(pid):
+        desktop = Atspi.get_desktop(0)
+        for child in _children(desktop):
+            try:
+                if child.get_process_id() == pid:
+                    return child
+            except GLib.Error:
+                pass  # an earlier program that is just leaving
+        return None
+
+
+def _children(node):
+    for index in range(node.get_child_count()):
+        child = node.get_child_at_index(index)
+        if child is not None:
+            yield child
+
+
+def _shown(node):
+    return node.get_state_set().contains(Atspi.StateType.SHOWING)
+
+
+class Application:
+    """What a screen reader knows of one program."""
+
+    def __init__(self, root):
+        self._root = root
+
+    def _walk(self, node, depth=0):
+        yield depth, node
+        for child in _children(node):
+            if _shown(child):
+                yield from self._walk(child, depth + 1)
+
+    def _matches(self, name, roles):
+        try:
+            return [node for _, node in self._walk(self._root)
+                    if node.get_name() == name and (not roles or node.get_role() in roles)]
+        except GLib.Error:
+            return []  # the screen changed under the walk
+
+    def shows(self, name, *roles):
+        """Whether something of this name (and one of the roles, if any is given) can be seen."""
+        return bool(self._matches(name, roles))
+
+    def find(self, name, *roles, timeout=10.0):
+        """Waits until something of this name can be seen and returns it."""
+        try:
+            return wait_until(lambda: self._matches(name, roles), f'"{name}" to be shown',
+                              timeout, interval=0.05)[0]
+        except TimedOut as error:
+            raise TimedOut(f"{error}; what is shown:\n{self.describe()}") from None
+
+    def wait_until_gone(self, name, timeout=5.0):
+        """Waits until nothing of this name can be seen any more."""
+        wait_until(lambda: not self.shows(name), f'"{name}" to go', timeout, interval=0.05)
+
+    def press(self, name, timeout=10.0):
+        """Does what a button does when it is pressed."""
+        _do(self.find(name, BUTTON, timeout=timeout), ("press", "click"))
+
+    def toggle(self, name):
+        """Turns a switch over."""
+        _do(self.find(name, *SWITCHES), ("toggle", "press", "click"))
+
+    def is_on(self, name):
+        """Whether a switch is on."""
+        states = self.find(name, *SWITCHES).get_state_set()
+        return states.contains(Atspi.StateType.CHECKED)
+
+    def is_focused(self, name):
+        """Whether what has this name has the keyboard."""
+        return any(node.get_state_set().contains(Atspi.StateType.FOCUSED)
+                   for node in self._matches(name, ()))
+
+    def place(self, name, *roles):
+        """Where something is on the screen: x, y, width, height."""
+        box = self.find(name, *roles).get_extents(Atspi.CoordType.SCREEN)
+        return box.x, box.y, box.width, box.height
+
+    def settled_place(self, name, *roles):
+        """Like `place`, once it no longer changes: a screen that comes in moves its controls."""
+        places = []
+
+        def rests():
+            places.append(self.place(name, *roles))
+            return len(places) >= 5 and len(set(places[-5:])) == 1
+        wait_until(rests, f'"{name}" to come to rest', interval=0.05)
+        return places[-1]
+
+    def describe(self):
+        """The whole tree, for a person to read."""
+        try:
+            return "\n".join(f"{'  ' * depth}{node.get_role_name()} '{node.get_name()}'"
+                             for depth, node in self._walk(self._root))
+        except GLib.Error as error:
+            return f"(no tree: {error.message})"
+
+
+def _do(node, names):
+    offered = [node.get_action_name(i).lower() for i in range(node.get_n_actions())]
+    for name in names:
+        if name in offered:
+            if not node.do_action(offered.index(name)):
+                raise AssertionError(f"'{node.get_name()}' refused the action '{name}'")
+            return
+    raise AssertionError(f"'{node.get_name()}' offers {offered}, none of {names}")

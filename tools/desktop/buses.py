@@ -1,0 +1,107 @@
+"""Private message buses."""
+
+import os
+import subprocess
+import sys
+
+import dbus
+import dbus.bus
+
+from . import processes
+from .waiting import wait_until
+
+_CONFIG = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <listen>unix:path={socket}</listen>
+  <auth>EXTERNAL</auth>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow receive_sender="*"/>
+    <allow own="*"/>
+    <allow user="*"/>
+  </policy>
+</busconfig>
+"""
+
+
+class Bus:
+    """A message bus on which nothing is started on demand."""
+
+    def __init__(self, env, directory, name, stack):
+        self._env = env
+        socket = os.path.join(directory, f"{name}-bus")
+        config = f"{socket}.conf"
+        with open(config, "w", encoding="utf-8") as file:
+            file.write(_CONFIG.format(socket=socket))
+        daemon = processes.start(
+            ["dbus-daemon", f"--config-file={config}", "--nofork", "--nopidfile",
+             "--nosyslog", "--print-address=1"],
+            env, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        stack.callback(processes.end, daemon)
+        self.address = daemon.stdout.readline().decode().strip()
+        if not self.address:
+            raise RuntimeError(f"the {name} bus did not start")
+
+
+class AccessibilityBus:
+    """The accessibility bus of a session: its launcher, the bus and (on demand) its registry."""
+
+    LAUNCHER = "/usr/libexec/at-spi-bus-launcher"
+
+    def __init__(self, env, session_address, stack):
+        self._session_address = session_address
+        launcher = processes.start(
+            [self.LAUNCHER, "--launch-immediately"],
+            dict(env, DBUS_SESSION_BUS_ADDRESS=session_address, GSETTINGS_BACKEND="memory"),
+            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        stack.callback(processes.end, launcher)
+        self.address = wait_until(self._ask_for_address, "the accessibility bus")
+
+    def _ask_for_address(self):
+        connection = dbus.bus.BusConnection(self._session_address)
+        try:
+            bus = connection.get_object("org.a11y.Bus", "/org/a11y/bus", introspect=False)
+            return str(bus.GetAddress(dbus_interface="org.a11y.Bus"))
+        except dbus.DBusException:
+            return None
+        finally:
+            connection.close()
+
+
+class Services:
+    """The stand-ins for logind and UPower on a system bus, in a process of their own."""
+
+    def __init__(self, env, bus, stack, names=("login", "power")):
+        self._process = processes.start(
+            [sys.executable, os.path.join(os.path.dirname(__file__), "services.py"), bus.address,
+             *names],
+            env, stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+        stack.callback(processes.end, self._process)
+        self._expect("ready")
+
+    def _expect(self, word):
+        answer = self._process.stdout.readline().decode().strip()
+        if answer != word:
+            raise RuntimeError(f"the stand-in services said '{answer}' instead of '{word}'")
+
+    def _tell(self, command):
+        self._process.stdin.write(f"{command}\n".encode())
+        self._process.stdin.flush()
+        self._expect("done")
+
+    def close_lid(self):
+        self._tell("lid closed")
+
+    def open_lid(self):
+        self._tell("lid open")
+
+    def repeat_lid(self):
+        """Announces the lid's state again although it has not changed."""
+        self._tell("lid same")
+
+    def prepare_for_sleep(self):
+        self._tell("sleep")
+
+    def wake_up(self):
+        self._tell("wake")

@@ -1,0 +1,79 @@
+"""A virtual X display with a window manager."""
+
+import os
+import subprocess
+
+from . import processes
+from .waiting import wait_until
+
+
+class Display:
+    """An Xvfb on a free display number, and an openbox on it."""
+
+    def __init__(self, env, stack, width=1280, height=1024):
+        self.name = self._start_server(env, stack, width, height)
+        self._env = dict(env, DISPLAY=self.name)
+        manager = processes.start(
+            ["openbox", "--sm-disable"], self._env,
+            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        stack.callback(processes.end, manager)
+        wait_until(lambda: self._xdotool_works("get_num_desktops"), "the window manager")
+
+    @staticmethod
+    def _start_server(env, stack, width, height):
+        # The server itself picks a number that is free, which no look before the leap can promise.
+        read_end, write_end = os.pipe()
+        try:
+            server = processes.start(
+                ["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{width}x{height}x24",
+                 "-nolisten", "tcp", "-noreset"],
+                env, pass_fds=(write_end,), stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        finally:
+            os.close(write_end)
+        stack.callback(processes.end, server)
+        with os.fdopen(read_end) as answer:
+            number = answer.readline().strip()
+        if not number:
+            raise RuntimeError("Xvfb did not start")
+        return f":{number}"
+
+    def _xdotool_works(self, *arguments):
+        return subprocess.run(
+            ["xdotool", *arguments], env=self._env, capture_output=True).returncode == 0
+
+    def xdotool(self, *arguments):
+        """Runs xdotool and returns what it prints; an error if it fails."""
+        return subprocess.run(
+            ["xdotool", *map(str, arguments)], env=self._env, check=True, capture_output=True,
+            text=True, timeout=10).stdout.strip()
+
+    def click(self, x, y):
+        """Moves the pointer to a place on the screen and clicks the first button."""
+        self.xdotool("mousemove", "--sync", x, y, "click", 1)
+
+    def press_key(self, key):
+        """Presses and releases a key, by its X name ("Tab", "space")."""
+        self.xdotool("key", key)
+
+    def windows(self, title):
+        """The ids of the visible windows with exactly this title."""
+        found = subprocess.run(
+            ["xdotool", "search", "--onlyvisible", "--name", f"^{title}$"], env=self._env,
+            capture_output=True, text=True)
+        return [int(line) for line in found.stdout.split()]
+
+    def geometry(self, window):
+        """Place and size of a window: x, y, width, height."""
+        shell = self.xdotool("getwindowgeometry", "--shell", window)
+        values = dict(line.split("=") for line in shell.splitlines())
+        return tuple(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
+
+    def close_window(self):
+        """Has the window manager close the focused window, as the button in its title bar does."""
+        self.press_key("alt+F4")
+
+    def screenshot(self, path, window="root"):
+        """Writes a picture of the whole screen, or of one window, as PNG."""
+        subprocess.run(
+            ["import", "-silent", "-window", str(window), f"png:{path}"], env=self._env,
+            check=True, capture_output=True, timeout=20)

@@ -1,0 +1,26 @@
+"""Looking at a screenshot."""
+
+import subprocess
+
+import numpy
+
+
+def pixels(path):
+    """A PNG's pixels as an array of height x width x 3 bytes."""
+    size = subprocess.run(["identify", "-format", "%w %h", path], check=True, capture_output=True,
+                          text=True).stdout.split()
+    width, height = map(int, size)
+    raw = subprocess.run(
+        ["stream", "-map", "rgb", "-storage-type", "char", path, "-"], check=True,
+        capture_output=True).stdout
+    return numpy.frombuffer(raw, dtype=numpy.uint8).reshape(height, width, 3)
+
+
+def detail(path):
+    """How much is drawn: the share of pixels that differ clearly from their right neighbour.
+
+    An empty window, or one with nothing but its vertical gradient, has none; a screen of text and
+    buttons has some hundredths.
+    """
+    steps = numpy.abs(numpy.diff(pixels(path).astype(int), axis=1)).max(axis=2)
+    return float((steps > 24).mean())

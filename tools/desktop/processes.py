@@ -1,0 +1,105 @@
+"""Child processes that are ended by their id, and never outlive the process that started them."""
+
+import ctypes
+import os
+import signal
+import subprocess
+import threading
+import time
+
+from .waiting import TimedOut
+
+_libc = ctypes.CDLL(None, use_errno=True)
+_PR_SET_PDEATHSIG = 1
+
+
+def _end_with_parent():
+    # A test runner that gives up kills the tests without giving them a chance to clean up.
+    _libc.prctl(_PR_SET_PDEATHSIG, signal.SIGTERM)
+
+
+def start(command, env, **popen_options):
+    """Starts `command` (a list) with exactly the environment `env`."""
+    popen_options.setdefault("stdin", subprocess.DEVNULL)
+    return subprocess.Popen(command, env=env, preexec_fn=_end_with_parent, **popen_options)
+
+
+def end(process, patience=3.0):
+    """Asks `process` to end, insists after `patience` seconds, and reaps it."""
+    if process.poll() is None:
+        process.terminate()
+        try:
+            process.wait(patience)
+        except subprocess.TimeoutExpired:
+            process.kill()
+            process.wait()
+    for pipe in (process.stdin, process.stdout, process.stderr):
+        if pipe is not None:
+            pipe.close()
+
+
+def base_environment(home):
+    """What every process of a desktop gets: nothing of the caller's session, a home of its own."""
+    environment = {
+        "PATH": "/usr/local/bin:/usr/bin:/bin",
+        "HOME": home,
+        "LANG": "C.UTF-8",
+        "XDG_RUNTIME_DIR": os.path.join(home, "runtime"),
+        "XDG_CONFIG_HOME": os.path.join(home, "config"),
+        "XDG_CACHE_HOME": os.path.join(home, "cache"),
+        "XDG_DATA_HOME": os.path.join(home, "data"),
+    }
+    for name in ("XDG_RUNTIME_DIR", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME"):
+        os.makedirs(environment[name], mode=0o700, exist_ok=True)
+    # Sanitizers and coverage are told what to do from outside.
+    environment.update({k: v for k, v in os.environ.items() if k.endswith("SAN_OPTIONS")})
+    return environment
+
+
+class Lines:
+    """Reads a pipe's lines in the background and remembers when each one arrived."""
+
+    def __init__(self, pipe):
+        self._pipe = pipe
+        self._lines = []
+        self._changed = threading.Condition()
+        self._closed = False
+        self._thread = threading.Thread(target=self._read, daemon=True)
+        self._thread.start()
+
+    def _read(self):
+        for raw in self._pipe:
+            self._append(raw.decode("utf-8", errors="backslashreplace").rstrip("\n"))
+        with self._changed:
+            self._closed = True
+            self._changed.notify_all()
+
+    def _append(self, text):
+        with self._changed:
+            self._lines.append((time.monotonic(), text))
+            self._changed.notify_all()
+
+    @property
+    def text(self):
+        """The lines so far, without their times."""
+        with self._changed:
+            return [text for _, text in self._lines]
+
+    def wait_for(self, matches, what, timeout=10.0):
+        """Waits for a line for which `matches(text)` holds; returns its time and its text."""
+        deadline = time.monotonic() + timeout
+        seen = 0
+        with self._changed:
+            while True:
+                for arrived, text in self._lines[seen:]:
+                    if matches(text):
+                        return arrived, text
+                seen = len(self._lines)
+                left = deadline - time.monotonic()
+                if left <= 0 or self._closed:
+                    raise TimedOut(f"no line that is {what}, in: {[t for _, t in self._lines]}")
+                self._changed.wait(left)
+
+    def wait_for_end(self, timeout=5.0):
+        """Waits until the writer has closed its end."""
+        self._thread.join(timeout)

@@ -1,0 +1,94 @@
+"""Stand-ins for logind and UPower; told on standard input what happens to the machine.
+
+Usage: services.py BUS-ADDRESS [login] [power]
+"""
+
+import sys
+
+import dbus
+import dbus.bus
+import dbus.mainloop.glib
+import dbus.service
+from gi.repository import GLib
+
+PROPERTIES = "org.freedesktop.DBus.Properties"
+UPOWER = "org.freedesktop.UPower"
+LOGIN = "org.freedesktop.login1.Manager"
+
+
+class Login(dbus.service.Object):
+    """What of logind's manager tells of sleep."""
+
+    def __init__(self, connection):
+        self._name = dbus.service.BusName("org.freedesktop.login1", connection)
+        super().__init__(connection, "/org/freedesktop/login1")
+
+    @dbus.service.signal(LOGIN, signature="b")
+    def PrepareForSleep(self, start):
+        pass
+
+
+class Power(dbus.service.Object):
+    """What of UPower tells of the lid."""
+
+    def __init__(self, connection):
+        self._closed = False
+        self._name = dbus.service.BusName(UPOWER, connection)
+        super().__init__(connection, "/org/freedesktop/UPower")
+
+    def _properties(self):
+        return {"LidIsPresent": dbus.Boolean(True), "LidIsClosed": dbus.Boolean(self._closed),
+                "OnBattery": dbus.Boolean(False), "DaemonVersion": dbus.String("0.99")}
+
+    @dbus.service.method(PROPERTIES, in_signature="ss", out_signature="v")
+    def Get(self, interface, name):
+        return self._properties()[name]
+
+    @dbus.service.method(PROPERTIES, in_signature="s", out_signature="a{sv}")
+    def GetAll(self, interface):
+        return self._properties()
+
+    @dbus.service.signal(PROPERTIES, signature="sa{sv}as")
+    def PropertiesChanged(self, interface, changed, invalidated):
+        pass
+
+    def move_lid(self, closed):
+        self._closed = closed
+        self.announce()
+
+    def announce(self):
+        self.PropertiesChanged(UPOWER, {"LidIsClosed": dbus.Boolean(self._closed)}, [])
+
+
+def main():
+    dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
+    connection = dbus.bus.BusConnection(sys.argv[1])
+    commands = {}
+    if "login" in sys.argv[2:]:
+        login = Login(connection)
+        commands["sleep"] = lambda: login.PrepareForSleep(True)
+        commands["wake"] = lambda: login.PrepareForSleep(False)
+    if "power" in sys.argv[2:]:
+        power = Power(connection)
+        commands["lid closed"] = lambda: power.move_lid(True)
+        commands["lid open"] = lambda: power.move_lid(False)
+        commands["lid same"] = power.announce
+    loop = GLib.MainLoop()
+
+    def obey(channel, _condition):
+        command = channel.readline()
+        if not command:
+            loop.quit()
+            return False
+        commands[command.strip()]()
+        connection.flush()
+        print("done", flush=True)
+        return True
+
+    GLib.io_add_watch(sys.stdin, GLib.PRIORITY_DEFAULT, GLib.IO_IN | GLib.IO_HUP, obey)
+    print("ready", flush=True)
+    loop.run()
+
+
+if __name__ == "__main__":
+    main()

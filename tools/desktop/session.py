@@ -1,0 +1,72 @@
+"""All the pieces together: a desktop session of our own."""
+
+import contextlib
+import os
+import tempfile
+
+from . import processes
+from .buses import AccessibilityBus, Bus
+from .display import Display
+from .program import Program
+from .sound import SoundServer
+
+
+class Session:
+    """A display with a window manager, a session bus with accessibility, a sound server.
+
+    A context manager: leaving it ends every process of it and removes its files. As an
+    accessibility client can be on one bus only, a process can have one session.
+    """
+
+    def __init__(self):
+        self._stack = contextlib.ExitStack()
+
+    def __enter__(self):
+        try:
+            self._build()
+        except BaseException:
+            self._stack.close()
+            raise
+        return self
+
+    def __exit__(self, *_):
+        self._stack.close()
+
+    def _build(self):
+        self.directory = self._stack.enter_context(
+            tempfile.TemporaryDirectory(prefix="quorvane-desktop-", ignore_cleanup_errors=True))
+        self._env = processes.base_environment(self.directory)
+        self.display = Display(self._env, self._stack)
+        self._bus = Bus(self._env, self.directory, "session", self._stack)
+        self._env["DISPLAY"] = self.display.name
+        accessibility = AccessibilityBus(self._env, self._bus.address, self._stack)
+        self.sound = self.sound_server("sound")
+        self.sound.start(self._stack)
+        self.recording = self.sound.record(self._stack)
+        # Connects to the accessibility bus of this process's environment as it is loaded.
+        from .accessibility import ScreenReader
+        self.reader = ScreenReader(accessibility.address)
+
+    def sound_server(self, name):
+        """A sound server in a folder of its own, not started yet."""
+        return SoundServer(self._env, os.path.join(self.directory, name))
+
+    def system_bus(self, name, stack):
+        """A private system bus with nothing on it, until `stack` is closed."""
+        return Bus(self._env, self.directory, name, stack)
+
+    def environment(self, home):
+        """What a program in this session gets, with a home folder of its own, no system bus."""
+        environment = processes.base_environment(home)
+        environment.update({
+            "DISPLAY": self.display.name,
+            "DBUS_SESSION_BUS_ADDRESS": self._bus.address,
+            "DBUS_SYSTEM_BUS_ADDRESS": f"unix:path={home}/no-system-bus",
+            "PULSE_SERVER": self.sound.address,
+            "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
+        })
+        return environment
+
+    def run(self, command, env, stack, **options):
+        """Starts a program, which is ended when `stack` is closed; see Program for the options."""
+        return Program(command, env, stack, **options)
