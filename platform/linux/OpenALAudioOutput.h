@@ -1,0 +1,86 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <thread>
+#include <vector>
+
+#include "platform/Audio.h"
+#include "platform/linux/OpenALAudioDevice.h"
+#include "platform/linux/OpenALAudioLibrary.h"
+#include "platform/linux/OpenALAudioVoice.h"
+
+namespace quorvane {
+
+/// The one output device that all engines share, open while any of them runs, and the thread that
+/// waits for sounds to end. Everything is guarded by one mutex; calls come from the main thread,
+/// completions from the thread here. The owner of the last reference must not be a completion.
+class OpenALAudioOutput {
+public:
+    using Clock = std::chrono::steady_clock;
+    /// Silence after which the device is paused: an open stream wakes the processor hundreds of
+    /// times a second, even with nothing to play.
+    static constexpr std::chrono::seconds idleTime{10};
+
+    OpenALAudioOutput();
+    OpenALAudioOutput(const OpenALAudioOutput&) = delete;
+    OpenALAudioOutput& operator=(const OpenALAudioOutput&) = delete;
+    ~OpenALAudioOutput();
+
+    // Engines are told apart by their address.
+
+    std::optional<AudioError> startEngine(const void* engine);
+    void stopEngine(const void* engine);
+    /// The engine is gone; its address may be another's soon.
+    void removeEngine(const void* engine);
+    [[nodiscard]] bool isEngineRunning(const void* engine);
+
+    void attach(const std::shared_ptr<OpenALAudioVoice>& voice, const void* engine);
+    /// The voice's node is gone.
+    void remove(const std::shared_ptr<OpenALAudioVoice>& voice);
+    void schedule(OpenALAudioVoice& voice, std::shared_ptr<const PCMBuffer> buffer,
+                  AudioPlayerNode::Completion completion);
+    void play(OpenALAudioVoice& voice);
+    void pause(OpenALAudioVoice& voice);
+    void stop(OpenALAudioVoice& voice);
+
+private:
+    struct Finished {
+        AudioPlayerNode::Completion completion;
+        Clock::time_point due;
+    };
+
+    // All of these run with the mutex held.
+    std::optional<AudioError> openDevice();
+    void closeDevice();
+    void noticeLoss();
+    [[nodiscard]] bool runs(const void* engine) const;
+    void stopVoicesOf(const void* engine);
+    void finish(OpenALAudioVoice::Completions completions, Clock::time_point due);
+    void finishHeard(OpenALAudioVoice::Completions completions);
+    [[nodiscard]] bool isSounding() const;
+    void pauseWhenIdle();
+    [[nodiscard]] std::optional<Clock::time_point> nextWake() const;
+    [[nodiscard]] OpenALAudioVoice::Completions takeDue(Clock::time_point now);
+
+    void run();
+    void runCompletions(std::unique_lock<std::mutex>& lock,
+                        OpenALAudioVoice::Completions completions);
+
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    bool m_quit = false;
+    std::unique_ptr<OpenALAudioLibrary> m_library;
+    std::unique_ptr<OpenALAudioDevice> m_device;
+    std::vector<const void*> m_runningEngines;
+    std::vector<std::shared_ptr<OpenALAudioVoice>> m_voices;
+    std::vector<Finished> m_finished;
+    // Since when the open device has had nothing to play; none while it has.
+    std::optional<Clock::time_point> m_idleSince;
+    std::thread m_thread;
+};
+
+} // namespace quorvane

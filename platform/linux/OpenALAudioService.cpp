@@ -1,0 +1,105 @@
+#include "platform/linux/OpenALAudioService.h"
+
+#include <new>
+#include <utility>
+#include <vector>
+
+#include "platform/linux/OpenALAudioOutput.h"
+#include "platform/linux/SndfileAudioFile.h"
+
+namespace quorvane {
+
+namespace {
+
+class OpenALAudioPlayerNode final : public AudioPlayerNode {
+public:
+    explicit OpenALAudioPlayerNode(std::shared_ptr<OpenALAudioOutput> output)
+        : m_output(std::move(output)) {}
+
+    OpenALAudioPlayerNode(const OpenALAudioPlayerNode&) = delete;
+    OpenALAudioPlayerNode& operator=(const OpenALAudioPlayerNode&) = delete;
+
+    ~OpenALAudioPlayerNode() override { m_output->remove(m_voice); }
+
+    void scheduleBuffer(std::shared_ptr<const PCMBuffer> buffer, Completion completion) override {
+        m_output->schedule(*m_voice, std::move(buffer), std::move(completion));
+    }
+
+    void play() override { m_output->play(*m_voice); }
+
+    void pause() override { m_output->pause(*m_voice); }
+
+    void stop() override { m_output->stop(*m_voice); }
+
+    [[nodiscard]] const std::shared_ptr<OpenALAudioVoice>& voice() const { return m_voice; }
+
+private:
+    std::shared_ptr<OpenALAudioOutput> m_output;
+    std::shared_ptr<OpenALAudioVoice> m_voice = std::make_shared<OpenALAudioVoice>();
+};
+
+class OpenALAudioEngine final : public AudioEngine {
+public:
+    explicit OpenALAudioEngine(std::shared_ptr<OpenALAudioOutput> output)
+        : m_output(std::move(output)) {}
+
+    OpenALAudioEngine(const OpenALAudioEngine&) = delete;
+    OpenALAudioEngine& operator=(const OpenALAudioEngine&) = delete;
+
+    ~OpenALAudioEngine() override { m_output->removeEngine(this); }
+
+    void attach(const std::shared_ptr<AudioPlayerNode>& node) override {
+        m_output->attach(dynamic_cast<OpenALAudioPlayerNode&>(*node).voice(), this);
+        m_nodes.push_back(node);
+    }
+
+    // OpenAL converts each buffer from the format that it has, so there is nothing to set up.
+    void connectToMainMixer(const std::shared_ptr<AudioPlayerNode>&, const AudioFormat&) override {}
+
+    [[nodiscard]] bool isRunning() const override { return m_output->isEngineRunning(this); }
+
+    std::optional<AudioError> start() override { return m_output->startEngine(this); }
+
+    void stop() override { m_output->stopEngine(this); }
+
+private:
+    std::shared_ptr<OpenALAudioOutput> m_output;
+    // An engine keeps what is attached to it.
+    std::vector<std::shared_ptr<AudioPlayerNode>> m_nodes;
+};
+
+} // namespace
+
+OpenALAudioService::OpenALAudioService() : m_output(std::make_shared<OpenALAudioOutput>()) {}
+
+OpenALAudioService::~OpenALAudioService() = default;
+
+std::shared_ptr<AudioEngine> OpenALAudioService::createEngine() {
+    return std::make_shared<OpenALAudioEngine>(m_output);
+}
+
+std::shared_ptr<AudioPlayerNode> OpenALAudioService::createPlayerNode() {
+    return std::make_shared<OpenALAudioPlayerNode>(m_output);
+}
+
+std::variant<std::shared_ptr<AudioFile>, AudioError>
+OpenALAudioService::openFile(const std::filesystem::path& path) {
+    return SndfileAudioFile::open(path);
+}
+
+std::shared_ptr<PCMBuffer> OpenALAudioService::createBuffer(const AudioFormat& format,
+                                                            std::uint32_t frameCapacity) {
+    if (format.channels == 0 || !(format.sampleRate > 0))
+        return nullptr;
+    try {
+        auto buffer = std::make_shared<PCMBuffer>();
+        buffer->format = format;
+        buffer->frameCapacity = frameCapacity;
+        buffer->samples.resize(std::size_t{frameCapacity} * format.channels);
+        return buffer;
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+} // namespace quorvane

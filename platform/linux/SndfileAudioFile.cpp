@@ -1,0 +1,60 @@
+#include "platform/linux/SndfileAudioFile.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fstream>
+#include <system_error>
+#include <utility>
+
+namespace quorvane {
+
+namespace {
+
+/// libsndfile says the same of every file that it cannot open, so the system is asked for what it
+/// has against this one; nothing if that is nothing.
+std::optional<AudioError> accessError(const std::filesystem::path& path) {
+    if (std::filesystem::is_directory(path))
+        return AudioError{path.string() + ": Is a directory"};
+    errno = 0;
+    if (std::ifstream(path, std::ios::binary).is_open())
+        return std::nullopt;
+    return AudioError{path.string() + ": " + std::generic_category().message(errno)};
+}
+
+} // namespace
+
+std::variant<std::shared_ptr<AudioFile>, AudioError>
+SndfileAudioFile::open(const std::filesystem::path& path) {
+    if (auto error = accessError(path))
+        return *std::move(error);
+    SndfileHandle file(path.c_str());
+    if (file.error() != SF_ERR_NO_ERROR || file.channels() <= 0)
+        return AudioError{path.string() + ": not a sound file that can be decoded"};
+    return std::shared_ptr<AudioFile>(new SndfileAudioFile(std::move(file), path));
+}
+
+SndfileAudioFile::SndfileAudioFile(SndfileHandle file, std::filesystem::path path)
+    : m_file(std::move(file)), m_path(std::move(path)) {}
+
+AudioFormat SndfileAudioFile::processingFormat() const {
+    return {.sampleRate = static_cast<double>(m_file.samplerate()),
+            .channels = static_cast<unsigned>(m_file.channels())};
+}
+
+std::int64_t SndfileAudioFile::length() const {
+    return m_file.frames();
+}
+
+std::optional<AudioError> SndfileAudioFile::read(PCMBuffer& buffer) {
+    if (!(buffer.format == processingFormat()))
+        return AudioError{m_path.string() + ": the buffer has another format"};
+    m_file.seek(0, SEEK_SET);
+    const sf_count_t wanted = std::min<sf_count_t>(m_file.frames(), buffer.frameCapacity);
+    const sf_count_t got = m_file.readf(buffer.samples.data(), wanted);
+    buffer.frameLength = static_cast<std::uint32_t>(std::max<sf_count_t>(got, 0));
+    if (got < m_file.frames())
+        return AudioError{m_path.string() + ": the sound ends before its length"};
+    return std::nullopt;
+}
+
+} // namespace quorvane
