@@ -1,0 +1,32 @@
+#include "platform/linux/LinuxWorkspace.h"
+
+#include <utility>
+
+#include "platform/linux/SleepSignals.h"
+
+namespace quorvane {
+
+LinuxWorkspace::LinuxWorkspace(std::string busAddress) : m_busAddress(std::move(busAddress)) {}
+
+LinuxWorkspace::~LinuxWorkspace() = default;
+
+NotificationCenter::Token LinuxWorkspace::addObserver(std::string_view name,
+                                                      std::function<void()> block) {
+    const Token token = InProcessNotificationCenter::addObserver(name, std::move(block));
+    if (!m_signals)
+        m_signals = std::make_unique<SleepSignals>(
+            QString::fromStdString(m_busAddress), [this](bool asleep) {
+                post(asleep ? WorkspaceNotification::screensDidSleep
+                            : WorkspaceNotification::screensDidWake);
+            });
+    m_signals->start();
+    return token;
+}
+
+void LinuxWorkspace::removeObserver(Token token) {
+    InProcessNotificationCenter::removeObserver(token);
+    if (m_signals && observerCount() == 0)
+        m_signals->stop();
+}
+
+} // namespace quorvane

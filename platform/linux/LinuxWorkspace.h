@@ -1,0 +1,34 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "platform/InProcessNotificationCenter.h"
+
+namespace quorvane {
+
+class SleepSignals;
+
+/// The workspace centre: posts that the screens did sleep and did wake, by what UPower says of the
+/// lid and logind of the machine's sleep. The system bus is connected to only while somebody
+/// observes; that and everything else happens without waiting, and notifications come from the Qt
+/// event loop. No bus, or no such service: no notifications.
+class LinuxWorkspace final : public InProcessNotificationCenter {
+public:
+    /// `busAddress` in the form of DBUS_SYSTEM_BUS_ADDRESS; empty: the system bus, where that
+    /// variable says that it is.
+    explicit LinuxWorkspace(std::string busAddress = {});
+    LinuxWorkspace(const LinuxWorkspace&) = delete;
+    LinuxWorkspace& operator=(const LinuxWorkspace&) = delete;
+    ~LinuxWorkspace() override;
+
+    Token addObserver(std::string_view name, std::function<void()> block) override;
+    void removeObserver(Token token) override;
+
+private:
+    std::string m_busAddress;
+    // Made with the first observer.
+    std::unique_ptr<SleepSignals> m_signals;
+};
+
+} // namespace quorvane

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QObject>
+#include <QString>
+#include <QVariantMap>
+#include <functional>
+#include <memory>
+
+#include "platform/linux/ScreenSleepState.h"
+
+namespace quorvane {
+
+/// Listens on the system bus to the two services that know when the screens sleep: UPower for the
+/// lid, logind for the sleep of the machine. Main thread; never waits for the bus. Without a bus,
+/// or without the services on it, nothing is ever reported.
+class SleepSignals final : public QObject {
+    Q_OBJECT
+
+public:
+    /// `report` is told each change: true when the screens go to sleep, false when they wake. It
+    /// may call `stop`. `address` names the bus; empty: the system bus.
+    SleepSignals(QString address, std::function<void(bool asleep)> report);
+    SleepSignals(const SleepSignals&) = delete;
+    SleepSignals& operator=(const SleepSignals&) = delete;
+    ~SleepSignals() override;
+
+    /// Begins with a fresh state: the lid as it is found then is no change.
+    void start();
+    /// Nothing is reported from here on, and the connection is closed.
+    void stop();
+
+private Q_SLOTS:
+    void propertiesChanged(const QDBusMessage& message);
+    void prepareForSleep(const QDBusMessage& message);
+
+private:
+    void connectInBackground();
+    void subscribe();
+    std::unique_ptr<QObject> endSession();
+    void askForOwner(const QString& service);
+    void setOwner(const QString& service, const QString& owner);
+    void readLid();
+    void takeLid(const QVariantMap& properties);
+    void report(ScreenSleepState::Change change);
+
+    const QString m_address;
+    const std::function<void(bool asleep)> m_report;
+
+    // All of one start-to-stop span.
+    QString m_connectionName;
+    // Parent of whatever waits for the bus; none while there is no connection.
+    std::unique_ptr<QObject> m_session;
+    ScreenSleepState m_state;
+    // Unique bus names, empty while the service is not there: anybody may send signals that look
+    // like the services'.
+    QString m_upowerOwner;
+    QString m_logindOwner;
+    bool m_lidIsPresent = true;
+};
+
+} // namespace quorvane
