@@ -1,0 +1,18 @@
+#include "platform/linux/LinuxPlatform.h"
+
+namespace quorvane {
+
+Platform LinuxPlatform::platform() {
+    return {.runLoop = m_runLoop,
+            .hid = m_hid,
+            .workspace = m_workspace,
+            .defaultCenter = m_defaultCenter,
+            .audio = m_audio,
+            .userDefaults = m_userDefaults,
+            .bundle = m_bundle,
+            .system = m_system,
+            .random = m_random,
+            .console = m_console};
+}
+
+} // namespace quorvane
