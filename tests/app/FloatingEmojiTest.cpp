@@ -1,0 +1,92 @@
+#include "app/FloatingEmoji.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <set>
+
+#include "base/UniformDraw.h"
+#include "platform/simulated/SimulatedSystem.h"
+
+namespace quorvane {
+namespace {
+
+constexpr std::uint64_t lowest = 0;
+constexpr std::uint64_t highest = uniformDrawBound;
+constexpr std::uint64_t middle = uniformDrawBound / 2;
+
+TEST(FloatingEmoji, draws_each_value_uniformly_in_the_order_of_the_fields) {
+    SimulatedRandom random;
+    random.script({11, 12, lowest, highest, middle, lowest, highest, middle});
+    const auto emojis = FloatingEmoji::generate(1, random);
+    ASSERT_EQ(emojis.size(), 1U);
+    EXPECT_EQ(emojis[0].id, (std::pair<std::uint64_t, std::uint64_t>(11, 12)));
+    EXPECT_EQ(emojis[0].x, 0);
+    EXPECT_EQ(emojis[0].y, 700);
+    EXPECT_EQ(emojis[0].size, 50);
+    EXPECT_EQ(emojis[0].opacity, 0.08);
+    EXPECT_EQ(emojis[0].speed, 40);
+    EXPECT_EQ(emojis[0].drift, 0);
+    EXPECT_EQ(random.bounds().size(), 8U);
+}
+
+TEST(FloatingEmoji, reaches_both_ends_of_every_range) {
+    SimulatedRandom random;
+    random.script({0, 0, lowest, lowest, lowest, lowest, lowest, lowest});
+    random.script({1, 1, highest, highest, highest, highest, highest, highest});
+    const auto emojis = FloatingEmoji::generate(2, random);
+    const FloatingEmoji low{
+        .id = {0, 0}, .x = 0, .y = -100, .size = 40, .opacity = 0.08, .speed = 15, .drift = -30};
+    const FloatingEmoji high{
+        .id = {1, 1}, .x = 500, .y = 700, .size = 60, .opacity = 0.2, .speed = 40, .drift = 30};
+    EXPECT_THAT(emojis, testing::ElementsAre(low, high));
+}
+
+TEST(FloatingEmoji, none_at_all_is_an_empty_list) {
+    SimulatedRandom random;
+    EXPECT_TRUE(FloatingEmoji::generate(0, random).empty());
+}
+
+TEST(FloatingEmojiDeathTest, a_negative_count_ends_the_program) {
+    SimulatedRandom random;
+    EXPECT_DEATH((void)FloatingEmoji::generate(-1, random), "");
+}
+
+TEST(FloatingEmoji, identities_differ) {
+    SimulatedRandom random;
+    std::set<std::pair<std::uint64_t, std::uint64_t>> ids;
+    for (const auto& emoji : FloatingEmoji::generate(12, random))
+        ids.insert(emoji.id);
+    EXPECT_EQ(ids.size(), 12U);
+}
+
+TEST(FloatingEmoji, a_step_is_a_twentieth_of_its_speeds) {
+    SimulatedRandom random;
+    FloatingEmoji emoji{
+        .id = {}, .x = 100, .y = 300, .size = 50, .opacity = 0.1, .speed = 20, .drift = -30};
+    emoji.step(random);
+    EXPECT_DOUBLE_EQ(emoji.y, 299);
+    EXPECT_DOUBLE_EQ(emoji.x, 98.5);
+    EXPECT_TRUE(random.bounds().empty());
+}
+
+TEST(FloatingEmoji, exactly_at_the_top_edge_it_stays_and_beyond_it_enters_anew) {
+    SimulatedRandom random;
+    random.script({highest, lowest, highest, middle});
+    FloatingEmoji emoji{
+        .id = {7, 8}, .x = 900, .y = -79, .size = 44, .opacity = 0.1, .speed = 20, .drift = 4};
+    emoji.step(random);
+    EXPECT_EQ(emoji.y, -80);
+    EXPECT_DOUBLE_EQ(emoji.x, 900.2) << "sideways drift has no bounds";
+    emoji.step(random);
+    const FloatingEmoji respawned{.id = {7, 8},
+                                  .x = 500,
+                                  .y = 700,
+                                  .size = 44,
+                                  .opacity = uniformInRange(middle, 0.08, 0.2),
+                                  .speed = 40,
+                                  .drift = -30};
+    EXPECT_EQ(emoji, respawned) << "drawn in the order x, drift, speed, opacity";
+}
+
+} // namespace
+} // namespace quorvane

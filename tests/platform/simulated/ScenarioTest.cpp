@@ -1,0 +1,197 @@
+#include "platform/simulated/Scenario.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+#include "platform/simulated/ScenarioPlayer.h"
+#include "platform/simulated/SimulatedMachine.h"
+#include "sensing/LidAngleSensor.h"
+
+namespace quorvane {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+Scenario parse(std::string_view text) {
+    const auto parsed = parseScenario(text);
+    if (const auto* error = std::get_if<ScenarioError>(&parsed))
+        ADD_FAILURE() << error->description;
+    return std::get<Scenario>(parsed);
+}
+
+std::string mistakeIn(std::string_view text) {
+    const auto parsed = parseScenario(text);
+    const auto* error = std::get_if<ScenarioError>(&parsed);
+    return error ? error->description : "no mistake";
+}
+
+TEST(Scenario, an_empty_one_is_a_machine_with_nothing) {
+    const Scenario scenario = parse("{}");
+    EXPECT_TRUE(scenario.devices.empty());
+    EXPECT_FALSE(scenario.trusted);
+    EXPECT_FALSE(scenario.defaults);
+}
+
+TEST(Scenario, describes_the_machine_its_devices_and_what_happens) {
+    const Scenario scenario = parse(R"(
+        // A comment.
+        { "model": "MacBookAir10,1", "trusted": true, "loginItem": true,
+          "defaults": { "hardwareChecked": true }, "hidManagerRefusesOpen": true,
+          "hid": [ { "vendor": "0x046d", "product": 513, "lid": [[0, 100], [1, 50]],
+                     "refusesOpen": true, "unplugAt": 3, "readings": { "5": [1, 2] } } ],
+          "events": [ { "at": 1, "press": "OK" }, { "at": 1, "screens": "sleep" },
+                      { "at": 2, "machine": "wake" }, { "at": 2, "key": "repeat" },
+                      { "at": 3, "post": "autoStartSimulation" }, { "at": 4, "quit": true } ] })");
+    EXPECT_EQ(scenario.model, "MacBookAir10,1");
+    EXPECT_TRUE(scenario.trusted && scenario.loginItem && scenario.hidManagerRefusesOpen);
+    EXPECT_TRUE(scenario.defaults->at("hardwareChecked"));
+    ASSERT_EQ(scenario.devices.size(), 1U);
+    const Scenario::Device& device = scenario.devices[0];
+    EXPECT_EQ(device.vendorID, 0x046D);
+    EXPECT_EQ(device.productID, 513);
+    EXPECT_EQ(device.lid.size(), 2U);
+    EXPECT_TRUE(device.refusesOpen);
+    EXPECT_EQ(device.unplugAt, 3);
+    EXPECT_THAT(device.readings.at(5), ElementsAre(1, 2));
+    ASSERT_EQ(scenario.events.size(), 6U);
+    EXPECT_EQ(std::get<Scenario::Press>(scenario.events[0].what).control, "OK");
+    EXPECT_EQ(std::get<Scenario::Workspace>(scenario.events[1].what).name,
+              WorkspaceNotification::screensDidSleep);
+    EXPECT_EQ(std::get<Scenario::Workspace>(scenario.events[2].what).name,
+              WorkspaceNotification::didWake);
+    EXPECT_EQ(std::get<Scenario::Key>(scenario.events[3].what), Scenario::Key::Repeat);
+    EXPECT_EQ(std::get<Scenario::Post>(scenario.events[4].what).name, "autoStartSimulation");
+    EXPECT_TRUE(std::holds_alternative<Scenario::Quit>(scenario.events[5].what));
+}
+
+TEST(Scenario, every_mistake_is_named) {
+    EXPECT_THAT(mistakeIn("{"), HasSubstr("line 1"));
+    EXPECT_EQ(mistakeIn("[]"), "the scenario is not an object");
+    EXPECT_EQ(mistakeIn(R"({"modle": "x"})"), R"(the scenario has an unknown key "modle")");
+    EXPECT_EQ(mistakeIn(R"({"model": 3})"),
+              R"(the scenario: "model" has a value of the wrong kind)");
+    EXPECT_EQ(mistakeIn(R"({"events": [{"at": 1}]})"),
+              "an event must be exactly one of press, post, screens, machine, key, quit");
+    EXPECT_EQ(mistakeIn(R"({"events": [{"at": 1, "press": "a", "key": "up"}]})"),
+              "an event must be exactly one of press, post, screens, machine, key, quit");
+    EXPECT_EQ(mistakeIn(R"({"events": [{"at": 2, "quit": true}, {"at": 1, "quit": true}]})"),
+              "the events' times decrease");
+    EXPECT_EQ(mistakeIn(R"({"events": [{"at": -1, "quit": true}]})"), "a time is negative");
+    EXPECT_EQ(mistakeIn(R"({"events": [{"at": 1, "screens": "off"}]})"),
+              R"("screens" does not take "off")");
+    EXPECT_EQ(mistakeIn(R"({"hid": [{"product": "lid"}]})"),
+              R"("lid" is not an ID in hexadecimal)");
+    EXPECT_EQ(mistakeIn(R"({"hid": [{"product": ""}]})"), R"("" is not an ID in hexadecimal)");
+    EXPECT_EQ(mistakeIn(R"({"hid": [{"lid": [[1, 2], [0, 3]]}]})"), "a lid's times decrease");
+    EXPECT_EQ(mistakeIn(R"({"hid": [{"lid": [[1, -2]]}]})"), "a lid's angle is outside 0 to 65535");
+    EXPECT_EQ(mistakeIn(R"({"hid": [{"readings": {"0": []}}]})"),
+              R"("0" is not the number of a reading)");
+}
+
+TEST(Scenario, a_file_that_cannot_be_read_says_why) {
+    const auto missing = loadScenario("no/such/file.scenario");
+    EXPECT_EQ(std::get<ScenarioError>(missing).description, "No such file or directory");
+    const auto folder = loadScenario(".");
+    EXPECT_EQ(std::get<ScenarioError>(folder).description, "Is a directory");
+}
+
+TEST(Scenario, a_lid_moves_in_straight_lines_and_rests_before_and_after) {
+    const std::vector<Scenario::LidPoint> way{{.at = 1, .degrees = 100}, {.at = 3, .degrees = 50}};
+    EXPECT_EQ(lidAngleAt(way, 0), 100);
+    EXPECT_EQ(lidAngleAt(way, 1), 100);
+    EXPECT_EQ(lidAngleAt(way, 2), 75);
+    EXPECT_EQ(lidAngleAt(way, 3), 50);
+    EXPECT_EQ(lidAngleAt(way, 99), 50);
+}
+
+TEST(Scenario, a_lid_may_jump) {
+    const std::vector<Scenario::LidPoint> way{{.at = 1, .degrees = 100}, {.at = 1, .degrees = 50}};
+    EXPECT_EQ(lidAngleAt(way, 0.999), 100);
+    EXPECT_EQ(lidAngleAt(way, 1), 50);
+}
+
+class ScenarioPlayerTest : public testing::Test {
+protected:
+    ScenarioPlayer& play(std::string_view text) {
+        player.emplace(parse(text), machine.runLoop, machine.workspace, machine.defaultCenter);
+        player->furnish(machine.hid, machine.system);
+        return *player;
+    }
+
+    SimulatedMachine machine;
+    std::optional<ScenarioPlayer> player;
+};
+
+TEST_F(ScenarioPlayerTest, furnishes_the_machine) {
+    play(R"({"model": "MacBookPro18,3", "trusted": true,
+             "hid": [{"product": "0x8104", "lid": [[0, 100], [2, 140]]}]})");
+    EXPECT_EQ(machine.system.model, "MacBookPro18,3");
+    EXPECT_TRUE(machine.system.trusted);
+    const auto sensor = LidAngleSensor::create(machine.platform());
+    sensor->probeSensor();
+    sensor->start();
+    machine.runLoop.advance(1);
+    EXPECT_EQ(sensor->angle(), 120);
+    EXPECT_NEAR(sensor->velocity(), 20, 5);
+}
+
+TEST_F(ScenarioPlayerTest, lets_events_happen_at_their_times) {
+    std::vector<std::string> happened;
+    machine.workspace.addObserver(WorkspaceNotification::screensDidSleep,
+                                  [&] { happened.emplace_back("sleep"); });
+    machine.defaultCenter.addObserver("hello", [&] { happened.emplace_back("hello"); });
+    play(R"({"events": [{"at": 1, "press": "OK"}, {"at": 2, "screens": "sleep"},
+                        {"at": 3, "post": "hello"}, {"at": 4, "key": "down"},
+                        {"at": 5, "quit": true}]})")
+        .start({.press = [&](std::string_view control) { happened.emplace_back(control); },
+                .key = [&](Scenario::Key) { happened.emplace_back("key"); },
+                .quit = [&] { happened.emplace_back("quit"); }});
+    machine.runLoop.advance(0.999);
+    EXPECT_TRUE(happened.empty());
+    machine.runLoop.advance(1.001);
+    EXPECT_THAT(happened, ElementsAre("OK", "sleep"));
+    machine.runLoop.advance(3);
+    EXPECT_THAT(happened, ElementsAre("OK", "sleep", "hello", "key", "quit"));
+}
+
+TEST_F(ScenarioPlayerTest, an_event_that_nobody_handles_passes) {
+    play(R"({"events": [{"at": 0, "press": "OK"}, {"at": 0, "key": "up"}]})").start({});
+    machine.runLoop.advance(1);
+    EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
+}
+
+TEST_F(ScenarioPlayerTest, a_device_is_unplugged_when_its_time_has_come) {
+    play(R"({"hid": [{"product": "0x8104", "lid": [[0, 100]], "unplugAt": 1}]})");
+    const auto sensor = LidAngleSensor::create(machine.platform());
+    machine.runLoop.advance(0.9);
+    sensor->probeSensor();
+    EXPECT_FALSE(sensor->usingSleepWake());
+    machine.runLoop.advance(0.2);
+    sensor->probeSensor();
+    EXPECT_TRUE(sensor->usingSleepWake());
+}
+
+TEST_F(ScenarioPlayerTest, single_readings_can_answer_otherwise) {
+    play(R"({"hid": [{"product": "0x8104", "lid": [[0, 100]], "readings": {"1": [1, 50]}}]})");
+    const auto sensor = LidAngleSensor::create(machine.platform());
+    sensor->probeSensor();
+    EXPECT_EQ(machine.console.lines.back(),
+              "✅ [SENSOR] Found lid sensor via scan! ProductID=0x8104, angle=100°")
+        << "the first reading is short, so the product is passed over and the scan finds it";
+}
+
+TEST_F(ScenarioPlayerTest, what_has_not_happened_no_longer_happens_once_it_is_gone) {
+    int quits = 0;
+    play(R"({"events": [{"at": 1, "quit": true}]})").start({.press = {}, .key = {}, .quit = [&] {
+                                                                ++quits;
+                                                            }});
+    player.reset();
+    machine.runLoop.advance(2);
+    EXPECT_EQ(quits, 0);
+}
+
+} // namespace
+} // namespace quorvane

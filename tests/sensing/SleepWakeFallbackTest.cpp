@@ -1,0 +1,147 @@
+#include <cmath>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <vector>
+
+#include "platform/simulated/SimulatedMachine.h"
+#include "sensing/LidAngleSensor.h"
+
+namespace quorvane {
+namespace {
+
+constexpr double tick = 0.05;
+
+class SleepWakeFallbackTest : public testing::Test {
+protected:
+    SleepWakeFallbackTest() {
+        sensor->probeSensor();
+        sensor->start();
+    }
+
+    void wake() { machine.workspace.post(WorkspaceNotification::screensDidWake); }
+
+    void sleep() { machine.workspace.post(WorkspaceNotification::screensDidSleep); }
+
+    /// Lets `count` ticks of a burst that has just begun pass.
+    void ticks(int count) { machine.runLoop.advance(count * tick); }
+
+    SimulatedMachine machine;
+    std::shared_ptr<LidAngleSensor> sensor = LidAngleSensor::create(machine.platform());
+};
+
+TEST_F(SleepWakeFallbackTest, start_observes_both_notifications_and_says_so) {
+    EXPECT_EQ(machine.console.lines.back(), "📡 [SENSOR] Sleep/wake monitoring started");
+    EXPECT_EQ(machine.workspace.observerCount(), 2U);
+    EXPECT_TRUE(sensor->isRunning());
+    EXPECT_EQ(machine.runLoop.pendingCount(), 0U) << "between events the fallback costs nothing";
+}
+
+TEST_F(SleepWakeFallbackTest, waking_screens_stand_for_an_opening_lid) {
+    wake();
+    EXPECT_EQ(sensor->velocity(), 80);
+    ticks(1);
+    EXPECT_NEAR(sensor->velocity(), 74.4, 1e-9);
+    ticks(1);
+    EXPECT_NEAR(sensor->velocity(), 69.192, 1e-9);
+}
+
+TEST_F(SleepWakeFallbackTest, sleeping_screens_stand_for_a_closing_lid) {
+    sleep();
+    EXPECT_EQ(sensor->velocity(), -80);
+    ticks(1);
+    EXPECT_NEAR(sensor->velocity(), -74.4, 1e-9);
+}
+
+TEST_F(SleepWakeFallbackTest, an_opening_burst_creaks_for_exactly_sixty_ticks) {
+    wake();
+    for (int n = 1; n <= 60; ++n) {
+        ticks(1);
+        EXPECT_NEAR(sensor->velocity(), 80 * std::pow(0.93, n), 1e-9);
+        EXPECT_GE(sensor->velocity(), 1.0) << "at tick " << n;
+    }
+    EXPECT_NEAR(sensor->velocity(), 1.0282, 1e-4);
+    ticks(1);
+    EXPECT_EQ(sensor->velocity(), 0);
+    EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
+}
+
+TEST_F(SleepWakeFallbackTest, a_closing_burst_mirrors_it) {
+    sleep();
+    ticks(60);
+    EXPECT_LE(sensor->velocity(), -1.0);
+    ticks(1);
+    EXPECT_EQ(sensor->velocity(), 0);
+    EXPECT_FALSE(std::signbit(sensor->velocity()));
+}
+
+TEST_F(SleepWakeFallbackTest, a_wake_during_a_closing_burst_replaces_it_at_once) {
+    sleep();
+    ticks(10);
+    wake();
+    EXPECT_EQ(sensor->velocity(), 80);
+    EXPECT_EQ(machine.runLoop.pendingCount(), 1U) << "the old timer stops";
+    ticks(1);
+    EXPECT_NEAR(sensor->velocity(), 74.4, 1e-9);
+}
+
+TEST_F(SleepWakeFallbackTest, two_wakes_in_quick_succession_restart_the_burst_and_never_add_up) {
+    wake();
+    machine.runLoop.advance(0.12);
+    wake();
+    EXPECT_EQ(sensor->velocity(), 80);
+    EXPECT_EQ(machine.runLoop.pendingCount(), 1U);
+}
+
+TEST_F(SleepWakeFallbackTest, a_burst_can_follow_one_that_has_ended) {
+    wake();
+    ticks(70);
+    ASSERT_EQ(sensor->velocity(), 0);
+    sleep();
+    EXPECT_EQ(sensor->velocity(), -80);
+    EXPECT_EQ(machine.runLoop.pendingCount(), 1U);
+}
+
+TEST_F(SleepWakeFallbackTest, stop_during_a_burst_leaves_no_velocity_no_timer_and_no_observer) {
+    wake();
+    ticks(3);
+    sensor->stop();
+    EXPECT_EQ(sensor->velocity(), 0);
+    EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
+    EXPECT_EQ(machine.workspace.observerCount(), 0U);
+    wake();
+    EXPECT_EQ(sensor->velocity(), 0);
+}
+
+TEST_F(SleepWakeFallbackTest, the_angle_stays_as_it_was_throughout) {
+    int notices = 0;
+    const auto subscription = sensor->angle().observe([&] { ++notices; });
+    wake();
+    ticks(5);
+    sleep();
+    ticks(70);
+    EXPECT_EQ(sensor->angle(), 0);
+    EXPECT_EQ(notices, 0);
+}
+
+TEST_F(SleepWakeFallbackTest, every_tick_of_a_burst_notifies) {
+    int notices = 0;
+    wake();
+    const auto subscription = sensor->velocity().observe([&] { ++notices; });
+    ticks(60);
+    EXPECT_EQ(notices, 60);
+}
+
+TEST_F(SleepWakeFallbackTest, a_burst_whose_sensor_has_gone_ends_its_timer) {
+    wake();
+    sensor.reset();
+    EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
+    EXPECT_EQ(machine.workspace.observerCount(), 0U);
+}
+
+TEST_F(SleepWakeFallbackTest, a_second_start_adds_no_observers) {
+    sensor->start();
+    EXPECT_EQ(machine.workspace.observerCount(), 2U);
+}
+
+} // namespace
+} // namespace quorvane
