@@ -26,6 +26,7 @@ stereo-mode = speakers
 hrtf = false
 period_size = 128
 periods = 2
+output-limiter = false
 resampler = bsinc12
 )";
 

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+
+#include "platform/Audio.h"
+
+namespace quorvane {
+
+/// One implementation of sound, as the contract's cases need it: a service, a way to let time pass,
+/// and a hand on the output device and on the files.
+class AudioContractSide {
+public:
+    AudioContractSide() = default;
+    AudioContractSide(const AudioContractSide&) = delete;
+    AudioContractSide& operator=(const AudioContractSide&) = delete;
+    virtual ~AudioContractSide() = default;
+
+    virtual AudioService& service() = 0;
+    virtual void pass(double seconds) = 0;
+    /// Seconds on the clock that `pass` moves.
+    [[nodiscard]] virtual double now() const = 0;
+    /// How much later than promised something may happen, in seconds.
+    [[nodiscard]] virtual double tolerance() const = 0;
+
+    /// There from the start; taking it away while it is in use is a loss.
+    virtual void setOutputDevicePresent(bool present) = 0;
+
+    /// A stereo file at 44.1 kHz of `goodFileFrames` frames.
+    [[nodiscard]] virtual std::filesystem::path goodFile() const = 0;
+    static constexpr int goodFileFrames = 44100;
+    /// The good file without its second half.
+    [[nodiscard]] virtual std::filesystem::path truncatedFile() const = 0;
+    [[nodiscard]] virtual std::filesystem::path nonAudioFile() const = 0;
+    [[nodiscard]] virtual std::filesystem::path missingFile() const = 0;
+};
+
+std::unique_ptr<AudioContractSide> makeSimulatedAudioSide();
+std::unique_ptr<AudioContractSide> makeLinuxAudioSide();
+
+} // namespace quorvane

@@ -1,0 +1,58 @@
+#include "tests/contract/AudioContractSide.h"
+
+#include <vector>
+
+#include "platform/simulated/SimulatedAudio.h"
+#include "platform/simulated/SimulatedRunLoop.h"
+
+namespace quorvane {
+
+namespace {
+
+class SimulatedAudioSide final : public AudioContractSide {
+public:
+    SimulatedAudioSide() {
+        const AudioFormat format{.sampleRate = 44100, .channels = 2};
+        const std::vector<float> half(static_cast<std::size_t>(goodFileFrames), 0.25F);
+        const std::vector<float> whole(half.size() * 2, 0.25F);
+        m_audio.addFile(goodFile(), format, whole);
+        m_audio.addTruncatedFile(truncatedFile(), format, half, goodFileFrames);
+        m_audio.addNonAudioFile(nonAudioFile());
+    }
+
+    AudioService& service() override { return m_audio; }
+
+    void pass(double seconds) override { m_runLoop.advance(seconds); }
+
+    [[nodiscard]] double now() const override { return m_runLoop.currentMediaTime(); }
+
+    [[nodiscard]] double tolerance() const override { return 0.006; }
+
+    void setOutputDevicePresent(bool present) override { m_audio.setOutputDevicePresent(present); }
+
+    [[nodiscard]] std::filesystem::path goodFile() const override { return "/sounds/good.mp3"; }
+
+    [[nodiscard]] std::filesystem::path truncatedFile() const override {
+        return "/sounds/truncated.mp3";
+    }
+
+    [[nodiscard]] std::filesystem::path nonAudioFile() const override {
+        return "/sounds/letter.mp3";
+    }
+
+    [[nodiscard]] std::filesystem::path missingFile() const override {
+        return "/sounds/missing.mp3";
+    }
+
+private:
+    SimulatedRunLoop m_runLoop;
+    SimulatedAudio m_audio{m_runLoop};
+};
+
+} // namespace
+
+std::unique_ptr<AudioContractSide> makeSimulatedAudioSide() {
+    return std::make_unique<SimulatedAudioSide>();
+}
+
+} // namespace quorvane

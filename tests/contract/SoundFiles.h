@@ -1,0 +1,21 @@
+#pragma once
+
+#include <filesystem>
+#include <string_view>
+
+#include "platform/Audio.h"
+
+namespace quorvane {
+
+/// A tone that rises, another in each channel, at about a third of full scale: every place in it is
+/// unlike every other.
+[[nodiscard]] PCMBuffer chirp(const AudioFormat& format, std::uint32_t frames);
+
+/// Writes `sound` as 16-bit WAV.
+void writeWAV(const std::filesystem::path& path, const PCMBuffer& sound);
+/// Encodes `sound` with LAME. Throws when that fails.
+void makeMP3(const std::filesystem::path& path, const PCMBuffer& sound);
+void copyFirstHalf(const std::filesystem::path& from, const std::filesystem::path& to);
+void writeText(const std::filesystem::path& path, std::string_view text);
+
+} // namespace quorvane
