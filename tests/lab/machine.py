@@ -15,13 +15,14 @@ import threading
 import time
 
 HERE = pathlib.Path(__file__).resolve().parent
+sys.path.insert(0, str(HERE.parents[1] / "tools"))
+
+from desktop import processes  # noqa: E402 (found through the line above)
 
 MODULES = [
     "hid-generic", "uhid", "uinput", "evdev", "snd-aloop", "virtio_pci", "virtio_rng",
     "9pnet_virtio", "9p", "overlay",
 ]
-MODULE_PARAMETERS = {}
-
 KERNEL_METAPACKAGE = "linux-image-amd64"
 
 QEMU = [
@@ -38,7 +39,10 @@ class LabError(Exception):
 
 
 def _output(*command, **options):
-    result = subprocess.run(command, capture_output=True, text=True, check=False, **options)
+    try:
+        result = subprocess.run(command, capture_output=True, text=True, check=False, **options)
+    except FileNotFoundError as error:
+        raise LabError(f"{command[0]} is not installed") from error
     if result.returncode != 0:
         raise LabError(f"{' '.join(map(str, command))}: status {result.returncode}\n"
                        f"{result.stdout}{result.stderr}")
@@ -73,6 +77,13 @@ def _modules_in_order(root, release):
     return files
 
 
+def _static_busybox():
+    busybox = shutil.which("busybox")
+    if not busybox or "busybox-static" not in _output("dpkg", "-S", "/bin/busybox"):
+        raise LabError("the package busybox-static is not installed")
+    return busybox
+
+
 def _pack_initramfs(tree, archive):
     names = "\n".join(str(path.relative_to(tree)) for path in sorted(tree.rglob("*")))
     with open(archive, "wb") as out:
@@ -84,7 +95,7 @@ def _pack_initramfs(tree, archive):
 
 
 def prepare(folder):
-    """Kernel and initramfs, made once for each kernel package and each state of `init`."""
+    """Kernel and initramfs, made once for each kernel package and each state of these sources."""
     package = _kernel_package()
     kernel = folder / package / "vmlinuz"
     initramfs = folder / package / "initramfs"
@@ -99,7 +110,7 @@ def prepare(folder):
         tree = scratch / "initramfs"
         (tree / "bin").mkdir(parents=True)
         (tree / "modules").mkdir()
-        shutil.copy("/bin/busybox", tree / "bin/busybox")
+        shutil.copy(_static_busybox(), tree / "bin/busybox")
         shutil.copy(HERE / "init", tree / "init")
         (tree / "init").chmod(0o755)
         for number, file in enumerate(_modules_in_order(root, release)):
@@ -136,19 +147,21 @@ def boot(kernel, initramfs, results, job, time_limit):
     (results / "job").write_text(job, encoding="utf-8")
     command = [*QEMU, "-kernel", str(kernel), "-initrd", str(initramfs), "-append", COMMAND_LINE,
                *_share("host", "/", "readonly=on"), *_share("results", results)]
+    if not shutil.which(command[0]):
+        raise LabError(f"{command[0]} is not installed")
     started = time.monotonic()
-    with subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                          stderr=subprocess.STDOUT) as qemu:
-        reader = threading.Thread(target=_stream,
-                                  args=(qemu.stdout, results / "console.log", started))
-        reader.start()
-        try:
-            qemu.wait(time_limit)
-        except subprocess.TimeoutExpired as error:
-            raise LabError(f"the machine was still running after {time_limit} s") from error
-        finally:
-            qemu.kill()
-            reader.join()
+    qemu = processes.start(command, dict(os.environ), stdout=subprocess.PIPE,
+                           stderr=subprocess.STDOUT)
+    reader = threading.Thread(target=_stream, args=(qemu.stdout, results / "console.log", started))
+    reader.start()
+    try:
+        qemu.wait(time_limit)
+    except subprocess.TimeoutExpired as error:
+        raise LabError(f"the machine was still running after {time_limit:g} s") from error
+    finally:
+        qemu.kill()
+        reader.join()
+        processes.end(qemu)
     status_file = results / "status"
     if not status_file.exists():
         raise LabError(f"the machine ended (status {qemu.returncode}) before its job did")

@@ -2,6 +2,9 @@
 
 import time
 
+slowness = 1.0
+"""How much longer than on a real machine everything may take here."""
+
 
 class TimedOut(AssertionError):
     """What was waited for did not happen in time."""
@@ -9,11 +12,11 @@ class TimedOut(AssertionError):
 
 def wait_until(condition, what, timeout=10.0, interval=0.02):
     """Polls `condition` until it returns something true, and returns that."""
-    deadline = time.monotonic() + timeout
+    deadline = time.monotonic() + timeout * slowness
     while True:
         result = condition()
         if result:
             return result
         if time.monotonic() >= deadline:
-            raise TimedOut(f"waited {timeout:g} s in vain for {what}")
+            raise TimedOut(f"waited {timeout * slowness:g} s in vain for {what}")
         time.sleep(interval)

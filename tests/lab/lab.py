@@ -1,0 +1,45 @@
+#!/usr/bin/python3
+"""Plays the lab's scenarios on the built program in a machine of its own.
+
+    lab.py BUILD_DIRECTORY [--time-limit SECONDS]
+
+The machine is kept under BUILD_DIRECTORY/lab/machine, what it leaves behind is below
+BUILD_DIRECTORY/lab/results. Status 0 says that every scenario was played, not that the program
+passed: that is for verdict_test.py to say.
+"""
+
+import argparse
+import pathlib
+import shlex
+import sys
+import time
+
+import machine
+
+HERE = pathlib.Path(__file__).resolve().parent
+
+
+def main():
+    """Makes the machine if need be and runs it once."""
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("build", type=pathlib.Path)
+    parser.add_argument("--time-limit", type=float, default=240)
+    arguments = parser.parse_args()
+    build = arguments.build.resolve()
+    job = shlex.join(["exec", "/usr/bin/python3", str(HERE / "guest.py"), str(build),
+                      "/run/results"])
+    began = time.monotonic()
+    try:
+        kernel, initramfs = machine.prepare(build / "lab" / "machine")
+        prepared = time.monotonic()
+        machine.boot(kernel, initramfs, build / "lab" / "results", job, arguments.time_limit)
+    except machine.LabError as error:
+        print(f"lab: {error}", file=sys.stderr)
+        return 1
+    print(f"lab: prepared in {prepared - began:.1f} s, played in "
+          f"{time.monotonic() - prepared:.1f} s")
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,218 @@
+"""What the machine left behind is what it should be.
+
+LAB_RESULTS names the folder of the run, LAB_CLIP the creak's sound file.
+"""
+
+import json
+import os
+import pathlib
+import tempfile
+import unittest
+
+import sound
+
+RESULTS = pathlib.Path(os.environ["LAB_RESULTS"])
+CLIP = pathlib.Path(os.environ["LAB_CLIP"])
+
+ONSET = 0.4
+"""Seconds from the first motion to the first sound. On the way lie a reading every 1/30 s, the
+feed every 1/60 s and the output's buffer; seen here: 0.06 to 0.1 s, but the first sound also opens
+the device, and the processor is emulated."""
+
+RELEASE = 0.4
+"""Seconds from the end of the motion to silence: 0.2 s until the mean slope is 0, and as much again
+for reading, feed, buffer and an emulated processor."""
+
+PLACE = 0.08
+"""Seconds by which a place in the clip may be off. A restart would be off by a second."""
+
+
+def _load(scenario):
+    folder = RESULTS / scenario
+    failure = folder / "failure"
+    if failure.exists():
+        raise AssertionError(f"{scenario} failed in the machine:\n{failure.read_text()}")
+    return folder
+
+
+class Scenario(unittest.TestCase):
+    """What every scenario with a program has."""
+
+    NAME = ""
+
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = _load(cls.NAME)
+        cls.facts = json.loads((cls.folder / "program.json").read_text(encoding="utf-8"))
+        cls.console = cls.facts["console"]
+        lines = (cls.folder / "device.log").read_text(encoding="utf-8").splitlines()
+        cls.device = [json.loads(line) for line in lines]
+
+    def sensor_lines(self):
+        return [line for line in self.console if "[SENSOR]" in line]
+
+    def assert_refused(self, angle):
+        """The only device there was answered with `angle`, and was not taken."""
+        angles = {entry["angle"] for entry in self.device if entry["event"] == "reading"}
+        self.assertEqual(angles, {angle})
+        self.assertEqual(
+            self.sensor_lines(),
+            ["⚠️ [SENSOR] No HID lid sensor found — using sleep/wake fallback"])
+
+    def readings(self, begin, end):
+        return [entry for entry in self.device
+                if entry["event"] == "reading" and begin <= entry["time"] < end]
+
+
+class MovingLid(Scenario):
+    """The lid rests, opens, rests, closes, rests, opens and vanishes meanwhile."""
+
+    NAME = "moving_lid"
+
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        cls.sound = sound.Recording(cls.folder / "sound.wav", cls.facts["sound_start"])
+        cls.moves = [(entry["time"], entry["slope"]) for entry in cls.device
+                     if entry["event"] == "move"]
+        (cls.gone,) = (entry["time"] for entry in cls.device if entry["event"] == "gone")
+        ends = [at for at, _ in cls.moves[1:]] + [cls.gone]
+        cls.spans = [(at, end) for (at, slope), end in zip(cls.moves, ends) if slope]
+        cls.rests = [(at, end) for (at, slope), end in zip(cls.moves, ends) if not slope]
+        with tempfile.TemporaryDirectory() as scratch:
+            cls.clip = sound.Clip(CLIP, cls.sound.rate, pathlib.Path(scratch))
+
+    def creak(self, number):
+        """When the sound of a motion began and ended."""
+        begin = self.spans[number][0]
+        end = self.rests[number + 1][1] if number + 1 < len(self.rests) else self.gone
+        loud = self.sound.loud_windows(begin, end)
+        self.assertTrue(loud, f"no sound at all in motion {number + 1}")
+        return loud[0], loud[-1] + sound.WINDOW
+
+    def place_in_clip(self, begin):
+        """Where in the clip the sound from `begin` on is."""
+        place, likeness = self.clip.locate(self.sound.between(begin, begin + 0.4))
+        print(f"at {begin:.3f}: {place:.3f} s into the clip, likeness {likeness:.3f}")
+        self.assertGreater(likeness, 0.8, "this is not the creak")
+        return place
+
+    def test_no_sample_of_the_recording_was_lost(self):
+        self.assertEqual((self.folder / "recorder.log").read_text(encoding="utf-8"), "")
+
+    def test_console_names_the_sensor_its_product_and_its_angle(self):
+        self.assertEqual(self.sensor_lines(),
+                         ["✅ [SENSOR] Found lid sensor! ProductID=0x8104, angle=100°"])
+
+    def test_lid_is_read_thirty_times_a_second(self):
+        first, last = self.rests[0][0], self.gone
+        rate = len(self.readings(first, last)) / (last - first)
+        print(f"{rate:.2f} readings a second")
+        self.assertGreater(rate, 27)
+        self.assertLess(rate, 31)
+
+    def test_nothing_sounds_before_the_lid_moves(self):
+        self.assertEqual(self.sound.loud_windows(self.sound.start, self.spans[0][0]), [])
+
+    def test_creak_begins_soon_after_the_lid_begins_to_move(self):
+        for number, (begin, _) in enumerate(self.spans):
+            delay = self.creak(number)[0] - begin
+            print(f"motion {number + 1}: sound after {delay:.3f} s")
+            self.assertGreater(delay, 0)
+            self.assertLess(delay, ONSET)
+
+    def test_creak_is_audible_while_the_lid_moves(self):
+        for number, (_, end) in enumerate(self.spans):
+            level = self.sound.level(self.creak(number)[0], end)
+            print(f"motion {number + 1}: {level:.1f} dBFS")
+            self.assertGreater(level, -40)
+
+    def test_silence_soon_after_the_lid_comes_to_rest(self):
+        for number, (_, end) in enumerate(self.spans[:-1]):
+            delay = self.creak(number)[1] - end
+            print(f"motion {number + 1}: silent after {delay:.3f} s")
+            self.assertLess(delay, RELEASE)
+
+    def test_creak_goes_on_for_as_long_as_the_slope_is_averaged(self):
+        for number, (_, end) in enumerate(self.spans[:-1]):
+            self.assertGreater(self.creak(number)[1] - end, 0.1)
+
+    def test_first_creak_starts_at_the_start_of_the_clip(self):
+        self.assertLess(self.place_in_clip(self.creak(0)[0]), PLACE)
+
+    def test_each_later_creak_resumes_where_the_one_before_paused(self):
+        for number in range(1, len(self.spans)):
+            begin, end = self.creak(number - 1)
+            expected = self.place_in_clip(begin) + end - begin
+            self.assertAlmostEqual(self.place_in_clip(self.creak(number)[0]), expected,
+                                   delta=PLACE)
+
+    def test_creak_goes_on_after_the_moving_lid_has_vanished(self):
+        # The last speed that was read stays the speed: the clip ends and starts anew.
+        since = self.gone + 0.5
+        until = self.facts["switching_off"]
+        loud = self.sound.loud_windows(since, until)
+        self.assertGreater(len(loud) * sound.WINDOW, (until - since) / 2)
+        self.assertIn("✅ [AUDIO] Τελείωσε — ready for next", self.console)
+
+    def test_program_still_obeys_its_switch_after_the_lid_has_vanished(self):
+        end = self.facts["sound_end"]
+        self.assertGreater(end - self.facts["switched_off"], 1)
+        self.assertEqual(self.sound.loud_windows(self.facts["switched_off"] + 0.3, end), [])
+
+    def test_program_outlives_the_lid_and_leaves_properly_when_told(self):
+        self.assertTrue(self.facts["alive_before_sigterm"])
+        self.assertEqual(self.facts["status"], 0)
+
+
+class FoundByScan(Scenario):
+    """A product that is in no list."""
+
+    NAME = "found_by_scan"
+
+    def test_console_names_the_product_and_its_angle(self):
+        self.assertEqual(self.sensor_lines(),
+                         ["✅ [SENSOR] Found lid sensor via scan! ProductID=0xabc1, angle=100°"])
+
+    def test_program_leaves_properly_when_told(self):
+        self.assertEqual(self.facts["status"], 0)
+
+
+class FirstReading0(Scenario):
+    """A reading that no hinge in use can have."""
+
+    NAME = "first_reading_0"
+
+    def test_device_was_read_and_refused(self):
+        self.assert_refused(0)
+
+    def test_program_leaves_properly_when_told(self):
+        self.assertEqual(self.facts["status"], 0)
+
+
+class FirstReading200(Scenario):
+    """A reading beyond what a hinge opens to."""
+
+    NAME = "first_reading_200"
+
+    def test_device_was_read_and_refused(self):
+        self.assert_refused(200)
+
+    def test_program_leaves_properly_when_told(self):
+        self.assertEqual(self.facts["status"], 0)
+
+
+class HidrawContract(unittest.TestCase):
+    """The HID service's own test program, run in the machine."""
+
+    def test_contract_is_kept_on_a_device_of_the_kernel(self):
+        folder = _load("hidraw_contract")
+        result = json.loads((folder / "result.json").read_text(encoding="utf-8"))
+        print(result["output"])
+        self.assertEqual(result["status"], 0)
+        self.assertIn("[  PASSED  ]", result["output"])
+        self.assertNotIn("[  SKIPPED ]", result["output"])
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
