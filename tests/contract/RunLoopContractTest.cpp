@@ -1,0 +1,247 @@
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QTimer>
+#include <chrono>
+#include <cmath>
+#include <functional>
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "platform/linux/LinuxRunLoop.h"
+#include "platform/simulated/SimulatedRunLoop.h"
+
+namespace quorvane {
+namespace {
+
+/// A run loop and how time passes on it.
+class Side {
+public:
+    Side() = default;
+    Side(const Side&) = delete;
+    Side& operator=(const Side&) = delete;
+    virtual ~Side() = default;
+
+    virtual RunLoop& runLoop() = 0;
+    /// Lets time pass with the main thread at rest.
+    virtual void rest(double seconds) = 0;
+    /// Lets time pass with the main thread busy.
+    virtual void keepBusy(double seconds) = 0;
+};
+
+class SimulatedSide final : public Side {
+public:
+    RunLoop& runLoop() override { return m_runLoop; }
+
+    void rest(double seconds) override { m_runLoop.advance(seconds); }
+
+    void keepBusy(double seconds) override { m_runLoop.block(seconds); }
+
+private:
+    SimulatedRunLoop m_runLoop;
+};
+
+class LinuxSide final : public Side {
+public:
+    RunLoop& runLoop() override { return m_runLoop; }
+
+    void rest(double seconds) override {
+        QEventLoop loop;
+        // Up to the next whole millisecond, which is as fine as this timer gets.
+        QTimer::singleShot(std::chrono::milliseconds(std::lround(seconds * 1e3) + 1),
+                           Qt::PreciseTimer, &loop, &QEventLoop::quit);
+        loop.exec();
+    }
+
+    void keepBusy(double seconds) override {
+        std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
+    }
+
+private:
+    int m_argumentCount = 1;
+    std::string m_name = "contract";
+    char* m_arguments = m_name.data();
+    QCoreApplication m_application{m_argumentCount, &m_arguments};
+    LinuxRunLoop m_runLoop;
+};
+
+using SideFactory = std::function<std::unique_ptr<Side>()>;
+
+class RunLoopContract : public testing::TestWithParam<std::pair<std::string, SideFactory>> {
+protected:
+    std::unique_ptr<Side> side = GetParam().second();
+    RunLoop& runLoop = side->runLoop();
+};
+
+TEST_P(RunLoopContract, a_repeating_timer_fires_on_its_grid_and_never_drifts) {
+    const double start = runLoop.currentMediaTime();
+    std::vector<double> instants;
+    const auto timer = runLoop.scheduledTimer(
+        1.0 / 60, true, [&](Timer&) { instants.push_back(runLoop.currentMediaTime() - start); });
+    while (instants.size() < 30)
+        side->rest(0.05);
+    timer->invalidate();
+    // Each firing is the next grid point's or a later one's, however late the machine was, and
+    // never an early one.
+    for (std::size_t i = 0; i < instants.size(); ++i)
+        EXPECT_GE(instants[i], static_cast<double>(i + 1) / 60 - 1e-6) << "firing " << i + 1;
+}
+
+TEST_P(RunLoopContract, firings_that_a_busy_thread_missed_are_skipped_and_the_grid_is_kept) {
+    int firings = 0;
+    const double start = runLoop.currentMediaTime();
+    const auto timer = runLoop.scheduledTimer(0.1, true, [&](Timer&) { ++firings; });
+    side->keepBusy(0.45);
+    EXPECT_EQ(firings, 0);
+    side->rest(0.001);
+    EXPECT_EQ(firings, 1) << "four grid points passed, one firing makes up for them";
+    // The next grid point is 0.5 s after the start, not 0.1 s after the late firing.
+    while (firings < 2)
+        side->rest(0.005);
+    const double next = runLoop.currentMediaTime();
+    EXPECT_GE(next, start + 0.5 - 1e-6);
+    EXPECT_LT(next, start + 0.545);
+    timer->invalidate();
+}
+
+TEST_P(RunLoopContract, a_one_shot_timer_fires_once_and_is_no_longer_valid_in_its_block) {
+    int firings = 0;
+    bool valid = true;
+    const auto timer = runLoop.scheduledTimer(0.01, false, [&](Timer& self) {
+        ++firings;
+        valid = self.isValid();
+    });
+    EXPECT_TRUE(timer->isValid());
+    side->rest(0.06);
+    EXPECT_EQ(firings, 1);
+    EXPECT_FALSE(valid);
+    EXPECT_FALSE(timer->isValid());
+}
+
+TEST_P(RunLoopContract, invalidate_works_from_inside_the_timers_own_block) {
+    int firings = 0;
+    const auto timer = runLoop.scheduledTimer(0.01, true, [&](Timer& self) {
+        ++firings;
+        self.invalidate();
+        self.invalidate();
+    });
+    side->rest(0.06);
+    EXPECT_EQ(firings, 1);
+    EXPECT_FALSE(timer->isValid());
+}
+
+TEST_P(RunLoopContract, a_timer_can_invalidate_another_that_is_due_at_the_same_time) {
+    std::shared_ptr<Timer> second;
+    int firings = 0;
+    runLoop.scheduledTimer(0.01, false, [&](Timer&) { second->invalidate(); });
+    second = runLoop.scheduledTimer(0.01, false, [&](Timer&) { ++firings; });
+    side->keepBusy(0.02);
+    side->rest(0.03);
+    EXPECT_EQ(firings, 0);
+}
+
+TEST_P(RunLoopContract, a_scheduled_timer_lives_on_whether_or_not_anyone_holds_it) {
+    int firings = 0;
+    std::shared_ptr<Timer> held = runLoop.scheduledTimer(0.01, true, [&](Timer&) { ++firings; });
+    held = runLoop.scheduledTimer(10, true, [](Timer&) {});
+    side->rest(0.1);
+    EXPECT_GE(firings, 3);
+    held->invalidate();
+}
+
+TEST_P(RunLoopContract, a_timer_may_schedule_another_from_its_block) {
+    int firings = 0;
+    runLoop.scheduledTimer(0.01, false, [&](Timer&) {
+        runLoop.scheduledTimer(0.01, false, [&](Timer&) { ++firings; });
+    });
+    side->rest(0.08);
+    EXPECT_EQ(firings, 1);
+}
+
+TEST_P(RunLoopContract, delayed_blocks_run_once_in_the_order_of_their_deadlines) {
+    std::vector<int> order;
+    runLoop.asyncAfter(0.03, [&] { order.push_back(2); });
+    runLoop.asyncAfter(0.01, [&] { order.push_back(1); });
+    side->rest(0.1);
+    EXPECT_EQ(order, (std::vector{1, 2}));
+}
+
+TEST_P(RunLoopContract, nothing_runs_early) {
+    const double start = runLoop.currentMediaTime();
+    double ran = 0;
+    runLoop.asyncAfter(0.05, [&] { ran = runLoop.currentMediaTime(); });
+    side->rest(0.1);
+    EXPECT_GE(ran, start + 0.05 - 1e-9);
+}
+
+TEST_P(RunLoopContract, async_never_runs_inside_the_call_and_keeps_its_order) {
+    std::vector<int> order;
+    runLoop.async([&] {
+        order.push_back(1);
+        runLoop.async([&] { order.push_back(3); });
+    });
+    runLoop.async([&] { order.push_back(2); });
+    EXPECT_TRUE(order.empty());
+    side->rest(0.02);
+    EXPECT_EQ(order, (std::vector{1, 2, 3}));
+}
+
+TEST_P(RunLoopContract, async_from_another_thread_runs_on_the_main_thread) {
+    EXPECT_TRUE(runLoop.isMainThread());
+    bool thereIsMain = true;
+    bool blockIsMain = false;
+    std::thread([&] {
+        thereIsMain = runLoop.isMainThread();
+        runLoop.async([&] { blockIsMain = runLoop.isMainThread(); });
+    }).join();
+    side->rest(0.02);
+    EXPECT_FALSE(thereIsMain);
+    EXPECT_TRUE(blockIsMain);
+}
+
+TEST_P(RunLoopContract, blocks_from_many_threads_all_run) {
+    constexpr int perThread = 500;
+    int ran = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&] {
+            for (int n = 0; n < perThread; ++n)
+                runLoop.async([&] { ++ran; });
+        });
+    }
+    for (auto& thread : threads)
+        thread.join();
+    side->rest(0.05);
+    EXPECT_EQ(ran, 4 * perThread);
+}
+
+TEST_P(RunLoopContract, both_clocks_advance_with_time) {
+    const double media = runLoop.currentMediaTime();
+    const double date = runLoop.currentDate();
+    side->rest(0.05);
+    EXPECT_GE(runLoop.currentMediaTime() - media, 0.05);
+    EXPECT_NEAR(runLoop.currentDate() - date, runLoop.currentMediaTime() - media, 0.02);
+    EXPECT_GT(date, 1.6e9) << "seconds since 1970";
+}
+
+TEST_P(RunLoopContract, an_interval_that_is_not_above_zero_does_not_trap_the_run_loop) {
+    int firings = 0;
+    const auto timer = runLoop.scheduledTimer(-1, true, [&](Timer&) { ++firings; });
+    side->rest(0.02);
+    EXPECT_GT(firings, 0);
+    EXPECT_LE(firings, 250);
+    timer->invalidate();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Sides, RunLoopContract,
+    testing::Values(
+        std::pair<std::string, SideFactory>("Simulated",
+                                            [] { return std::make_unique<SimulatedSide>(); }),
+        std::pair<std::string, SideFactory>("Linux", [] { return std::make_unique<LinuxSide>(); })),
+    [](const auto& side) { return side.param.first; });
+
+} // namespace
+} // namespace quorvane

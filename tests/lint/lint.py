@@ -1,0 +1,219 @@
+#!/usr/bin/python3
+"""Checks what no compiler does. Usage: lint.py BUILD_DIR [CHECK ...]; all checks without a name.
+
+Each check prints what it found and then one line, OK or FAIL and its name.
+"""
+
+import json
+import os
+import re
+import subprocess
+import sys
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+
+# What each floor of the house may include, besides itself.
+FLOORS = {
+    "base": (),
+    "platform": ("base",),
+    "sensing": ("platform", "base"),
+    "effects": ("platform", "base"),
+    "app": ("effects", "sensing", "platform", "base"),
+}
+
+# The logic knows the standard library and our own interfaces only.
+LOGIC = re.compile(r"^(base/|sensing/|effects/(?!.*View)|app/[^/]*$|platform/[^/]*$)")
+NOT_LOGIC = {"app/main.cpp"}
+
+STANDARD_HEADERS = set(
+    """algorithm any array atomic bit bitset cassert cctype cerrno charconv chrono cmath compare
+    complex concepts condition_variable cstddef cstdint cstdio cstdlib cstring ctime deque
+    exception filesystem format forward_list fstream functional future initializer_list iomanip
+    ios iosfwd iostream istream iterator limits list locale map memory memory_resource mutex new
+    numbers numeric optional ostream queue random ranges ratio set shared_mutex source_location
+    span sstream stack stdexcept stop_token streambuf string string_view system_error thread tuple
+    type_traits typeindex typeinfo unordered_map unordered_set utility valarray variant vector
+    version""".split()
+)
+
+# Types and functions that read a clock or chance: the first by their mere name, the others called.
+CLOCKS = re.compile(
+    r"\b(system_clock|steady_clock|high_resolution_clock|QElapsedTimer|QDateTime|QTime"
+    r"|QDeadlineTimer|QRandomGenerator|random_device|mt19937(_64)?|minstd_rand0?"
+    r"|default_random_engine|Math\.random|Date\.now|new Date)\b"
+    r"|\b(clock_gettime|gettimeofday|timespec_get|localtime|gmtime|time|clock|s?rand|random"
+    r"|arc4random\w*|getrandom|getentropy)\s*\("
+)
+
+
+def tracked(*patterns):
+    """The repository's files, those that are new and not ignored too."""
+    listing = subprocess.run(
+        ["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard", "--", *patterns],
+        cwd=ROOT, check=True, capture_output=True, text=True,
+    ).stdout
+    return sorted({name for name in listing.split("\0") if name and (ROOT / name).exists()})
+
+
+def sources():
+    return tracked("*.h", "*.cpp", "*.mm")
+
+
+def without_comments(text):
+    """The code of a C++ or QML file, with comments blanked and lines kept."""
+    blank = lambda match: re.sub(r"[^\n]", " ", match.group())
+    return re.sub(r"//[^\n]*|/\*.*?\*/", blank, text, flags=re.S)
+
+
+def compile_commands(build):
+    commands = json.loads((build / "compile_commands.json").read_text())
+    return {os.path.relpath(entry["file"], ROOT) for entry in commands}
+
+
+def registered_commands(build):
+    """The command lines of every test that CTest knows."""
+    listing = subprocess.run(
+        ["ctest", "--show-only=json-v1"], cwd=build, check=True, capture_output=True, text=True
+    ).stdout
+    return [test.get("command", []) for test in json.loads(listing)["tests"]]
+
+
+def check_sources(build):
+    """Every test source is built, and every test program is run."""
+    built = compile_commands(build)
+    commands = registered_commands(build)
+    words = {os.path.relpath(word, ROOT) for command in commands for word in command
+             if word.startswith("/")}
+    problems = [f"{name} is not built" for name in tracked("tests/*.cpp") if name not in built]
+    for name in tracked("tests/*.py"):
+        runs = re.search(r"^(if __name__ == .__main__.:|class \w+\(.*TestCase\):)",
+                         (ROOT / name).read_text(), re.M)
+        is_test = Path(name).stem.endswith("_test") or Path(name).stem.startswith("test_")
+        if is_test and name not in words:
+            problems.append(f"{name} is not run")
+        if "TestCase)" in (runs.group() if runs else "") and not is_test:
+            problems.append(f"{name} holds tests, but is not named as a test")
+    if not commands:
+        problems.append("no test is registered at all")
+    return problems
+
+
+def include_problems(name, line, target):
+    floor = name.split("/")[0]
+    system = line.startswith("<")
+    if LOGIC.match(name) and name not in NOT_LOGIC:
+        if system and target not in STANDARD_HEADERS:
+            return f"{name}: the logic includes <{target}>"
+        if not system and re.match(r"platform/(linux|macos|simulated)/", target):
+            return f"{name}: the logic includes {target}"
+    if system or floor not in FLOORS:
+        return None
+    target_floor = target.split("/")[0]
+    if target_floor not in FLOORS:
+        return f"{name}: {target} is not included by its path from the root"
+    if target_floor != floor and target_floor not in FLOORS[floor]:
+        return f"{name}: {target} is further up the house"
+    if floor == target_floor == "effects" and name.split("/")[1] != target.split("/")[1]:
+        return f"{name}: {target} belongs to another effect"
+    return None
+
+
+def check_includes(_build):
+    """No include points up the house; no toolkit or system header in the logic."""
+    problems = []
+    for name in sources():
+        text = without_comments((ROOT / name).read_text())
+        for quote, target in re.findall(r'^\s*#\s*(?:include|import)\s*(["<])([^">]+)', text, re.M):
+            problem = include_problems(name, quote, target)
+            if problem:
+                problems.append(problem)
+    return problems
+
+
+def check_clocks(_build):
+    """No clock or random source is read outside platform/."""
+    problems = []
+    for name in tracked("app/*", "base/*", "sensing/*", "effects/*"):
+        if not name.endswith((".h", ".cpp", ".mm", ".qml", ".js")):
+            continue
+        text = without_comments((ROOT / name).read_text())
+        for match in CLOCKS.finditer(text):
+            line = text.count("\n", 0, match.start()) + 1
+            problems.append(f"{name}:{line}: reads {match.group().strip()}")
+    return problems
+
+
+def run(command):
+    done = subprocess.run(command, cwd=ROOT, capture_output=True, text=True)
+    output = (done.stdout + done.stderr).strip()
+    if done.returncode:
+        return [output or f"{command[0]} ended with status {done.returncode}"]
+    return []
+
+
+def check_format(_build):
+    """clang-format would change nothing."""
+    return run(["clang-format", "--dry-run", "--Werror", *tracked("*.h", "*.cpp")])
+
+
+def check_tidy(build):
+    """clang-tidy has nothing to say."""
+    names = sorted(name for name in compile_commands(build) if name in set(sources()))
+    # One process a core; what a file says is kept together.
+    running, problems = [], []
+    cores = os.cpu_count() or 1
+
+    def collect():
+        name, process = running.pop(0)
+        output, _ = process.communicate()
+        if process.returncode:
+            problems.append(f"{name}:\n{output.strip()}")
+
+    for name in names:
+        if len(running) >= cores:
+            collect()
+        running.append((name, subprocess.Popen(
+            ["clang-tidy", "--quiet", "-p", str(build), str(ROOT / name)], cwd=ROOT,
+            stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)))
+    while running:
+        collect()
+    return problems
+
+
+def check_qml(build):
+    """qmllint prints nothing."""
+    tools = subprocess.run(["qtpaths6", "--query", "QT_HOST_BINS"], capture_output=True, text=True)
+    names = tracked("*.qml")
+    if not names:
+        return ["there is no QML at all"]
+    done = subprocess.run([f"{tools.stdout.strip()}/qmllint", "-I", str(build / "qml"), *names],
+                          cwd=ROOT, capture_output=True, text=True)
+    output = (done.stdout + done.stderr).strip()
+    return [output] if output or done.returncode else []
+
+
+CHECKS = {
+    "sources": check_sources,
+    "includes": check_includes,
+    "clocks": check_clocks,
+    "format": check_format,
+    "tidy": check_tidy,
+    "qml": check_qml,
+}
+
+
+def main():
+    build = Path(sys.argv[1]).resolve()
+    failed = False
+    for name in sys.argv[2:] or CHECKS:
+        problems = CHECKS[name](build)
+        for problem in problems:
+            print(problem)
+        print("FAIL" if problems else "OK", name, "-", CHECKS[name].__doc__)
+        failed = failed or bool(problems)
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
