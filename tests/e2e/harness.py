@@ -53,9 +53,15 @@ def _keep_evidence(test):
 class EndToEndTest(unittest.TestCase):
     """A session for the class; a home folder, and whatever is started, for each test."""
 
+    listens = False
+    """Whether the class's tests need the recording, which takes 2 s to begin."""
+
     @classmethod
     def setUpClass(cls):
         cls.session = cls.enterClassContext(Session())
+        cls.recording = cls.session.recording
+        if cls.listens:
+            cls.recording.wait_for_start()
 
     def __init_subclass__(cls, **options):
         super().__init_subclass__(**options)
@@ -82,7 +88,7 @@ class EndToEndTest(unittest.TestCase):
 
     def screens(self):
         """The accessible tree of the program."""
-        return self.session.reader.application(self.program.pid)
+        return self.session.reader.application(self.program)
 
     def skip_hardware_check(self):
         """Lets the next launch be a later one."""
@@ -128,13 +134,7 @@ class EndToEndTest(unittest.TestCase):
     def wait_until(condition, what, timeout=5.0):
         return wait_until(condition, what, timeout)
 
-    @property
-    def recording(self):
-        self.session.recording.wait_for_start()
-        return self.session.recording
-
     def assert_silent(self, begin, end, why):
-        self.recording.wait_until_recorded(end)
         last = self.recording.last_sound(begin, end)
         if last is not None:
             self.fail(f"{why}: sound {last - begin:.2f} s after the beginning of "
@@ -157,7 +157,7 @@ class EndToEndTest(unittest.TestCase):
         picture = EVIDENCE / f"{self._testMethodName}.png"
         sound = EVIDENCE / f"{self._testMethodName}.wav"
         self.session.display.screenshot(picture)
-        self.session.recording.save(sound, self.started)
+        self.recording.save(sound, self.started)
         console = self.program.console.text if self.program else []
         errors = self.program.errors.text if self.program else []
         return "\n".join(["", f"screen:    {picture}", f"recording: {sound}",

@@ -19,6 +19,8 @@ SWING = """{
 
 
 class Demo(EndToEndTest):
+    listens = True
+
     def test_the_demo_without_a_display_leaves_pictures_and_sound(self):
         folder = EVIDENCE / "demo"
         begun = time.monotonic()

@@ -10,6 +10,8 @@ from harness import (CHECK, CONTINUE, CREAK, CREAK_SWITCH, ENTER, FINISHED, LEAV
 
 
 class Faults(EndToEndTest):
+    listens = True
+
     def _check_that_it_goes_on(self):
         screens = self.screens()
         screens.press(LEAVE)

@@ -7,6 +7,8 @@ from harness import EndToEndTest
 
 
 class Leaving(EndToEndTest):
+    listens = True
+
     def _leave_in_mid_creak(self, leave):
         services = self.start_system_bus("login", "power")
         self.launch_into_control_panel(creak=True)

@@ -1,6 +1,7 @@
 """Driving a program as a screen reader would."""
 
 import os
+import warnings
 
 import gi
 
@@ -24,16 +25,17 @@ class ScreenReader:
         Atspi.get_desktop(0).set_cache_mask(Atspi.Cache.NONE)
         Atspi.set_timeout(3000, 10000)
 
-    def application(self, pid):
-        """The accessible tree of a process; waits until it is on the bus."""
-        return Application(wait_until(lambda: self._find(pid), f"process {pid} on the bus", 15))
+    def application(self, program):
+        """The accessible tree of a running program; waits until it is on the bus."""
+        return Application(wait_until(lambda: self._find(program), "the program on the bus", 15))
 
     @staticmethod
-    def _find(pid):
-        desktop = Atspi.get_desktop(0)
-        for child in _children(desktop):
+    def _find(program):
+        if not program.is_running:
+            raise AssertionError("the program has ended before it could be seen")
+        for child in _children(Atspi.get_desktop(0)):
             try:
-                if child.get_process_id() == pid:
+                if child.get_process_id() == program.pid:
                     return child
             except GLib.Error:
                 pass  # an earlier program that is just leaving
@@ -129,7 +131,10 @@ class Application:
 
 
 def _do(node, names):
-    offered = [node.get_action_name(i).lower() for i in range(node.get_n_actions())]
+    with warnings.catch_warnings():
+        # The replacement that its deprecation names is hidden by Accessible's own get_name.
+        warnings.simplefilter("ignore", DeprecationWarning)
+        offered = [node.get_action_name(i).lower() for i in range(node.get_n_actions())]
     for name in names:
         if name in offered:
             if not node.do_action(offered.index(name)):

@@ -61,17 +61,18 @@ class Recording:
 
     def level(self, begin, end):
         """Root mean square between two instants, in dBFS; waits until that time has been."""
-        self.wait_until_recorded(end)
+        self._wait_until_recorded(begin, end)
         return _level(self.samples(begin, end))
 
-    def wait_until_recorded(self, instant):
-        """Waits until the sound of `instant` has arrived."""
-        patience = max(0.0, instant - time.monotonic()) + 5.0
-        wait_until(lambda: self.end >= instant, "the recorder to catch up", patience)
+    def _wait_until_recorded(self, begin, end):
+        if begin < self._start:
+            raise ValueError("asked for the time before the recording")
+        patience = max(0.0, end - time.monotonic()) + 5.0
+        wait_until(lambda: self.end >= end, "the recorder to catch up", patience)
 
     def levels(self, begin, end, window=0.02):
         """Pairs of the instant at which a window of `window` seconds begins, and its level."""
-        self.wait_until_recorded(end)
+        self._wait_until_recorded(begin, end)
         samples = self.samples(begin, end)
         size = int(window * self._rate)
         return [(begin + i / self._rate, _level(samples[i:i + size]))

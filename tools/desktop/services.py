@@ -20,8 +20,8 @@ class Login(dbus.service.Object):
     """What of logind's manager tells of sleep."""
 
     def __init__(self, connection):
-        self._name = dbus.service.BusName("org.freedesktop.login1", connection)
-        super().__init__(connection, "/org/freedesktop/login1")
+        name = dbus.service.BusName("org.freedesktop.login1", connection)
+        super().__init__(name, "/org/freedesktop/login1")
 
     @dbus.service.signal(LOGIN, signature="b")
     def PrepareForSleep(self, start):
@@ -33,8 +33,7 @@ class Power(dbus.service.Object):
 
     def __init__(self, connection):
         self._closed = False
-        self._name = dbus.service.BusName(UPOWER, connection)
-        super().__init__(connection, "/org/freedesktop/UPower")
+        super().__init__(dbus.service.BusName(UPOWER, connection), "/org/freedesktop/UPower")
 
     def _properties(self):
         return {"LidIsPresent": dbus.Boolean(True), "LidIsClosed": dbus.Boolean(self._closed),

@@ -1,0 +1,89 @@
+"""The desktop's own instruments, on which every other end-to-end test relies."""
+
+import os
+import pathlib
+import subprocess
+import tempfile
+import time
+import unittest
+
+import numpy
+
+from harness import REPOSITORY
+from desktop import pictures
+from desktop.recording import Recording
+
+RATE = 8000
+
+
+def _record(samples, test):
+    """A recording of samples at full scale 1, as if they had just sounded."""
+    read_end, write_end = os.pipe()
+    source = test.enterContext(os.fdopen(read_end, "rb"))
+    with os.fdopen(write_end, "wb") as pipe:
+        recording = Recording(source, RATE)
+        pipe.write((samples * 32767).astype("<i2").tobytes())
+    recording.wait_for_start()
+    return recording
+
+
+class Sound(unittest.TestCase):
+    def setUp(self):
+        # A second of silence, half a second of tone, a second of silence.
+        tone = numpy.sin(numpy.arange(RATE // 2) * 2 * numpy.pi * 440 / RATE) / 2
+        quiet = numpy.zeros(RATE)
+        self.recording = _record(numpy.concatenate([quiet, tone, quiet]), self)
+        self.begin = self.recording.end - 2.5
+
+    def test_the_recording_is_on_the_clock(self):
+        self.assertLess(abs(self.recording.end - time.monotonic()), 1.0)
+
+    def test_a_level_is_that_of_its_time(self):
+        self.assertAlmostEqual(self.recording.level(self.begin + 1.1, self.begin + 1.4), -9.03, 1)
+        self.assertLess(self.recording.level(self.begin + 0.1, self.begin + 0.9), -90)
+
+    def test_sound_is_found_where_it_begins_and_ends(self):
+        begun = self.recording.wait_for_sound(self.begin, 1.0)
+        self.assertAlmostEqual(begun - self.begin, 1.0, delta=0.021)
+        ended = self.recording.last_sound(self.begin, self.recording.end)
+        self.assertAlmostEqual(ended - self.begin, 1.5, delta=0.021)
+
+    def test_silence_has_no_sound(self):
+        self.assertIsNone(self.recording.last_sound(self.begin + 1.6, self.recording.end))
+        with self.assertRaises(AssertionError):
+            self.recording.wait_for_sound(self.begin + 1.6, 0.2)
+
+
+class Pictures(unittest.TestCase):
+    def setUp(self):
+        self.folder = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory()))
+
+    def _draw(self, *what):
+        path = self.folder / "picture.png"
+        subprocess.run(["/usr/bin/convert", "-size", "550x780", *what, str(path)], check=True)
+        return path
+
+    def test_an_empty_window_has_no_detail(self):
+        self.assertEqual(pictures.detail(self._draw("xc:black")), 0)
+        self.assertEqual(pictures.detail(self._draw("gradient:navy-black")), 0)
+
+    def test_what_is_drawn_is_detail(self):
+        path = self._draw("gradient:navy-black", "-fill", "white", "-draw",
+                          "rectangle 100,100 449,400")
+        self.assertAlmostEqual(pictures.detail(path), 2 * 301 / (780 * 549), 4)
+
+
+class DemoTool(unittest.TestCase):
+    def test_a_program_that_does_nothing_is_a_failed_demo(self):
+        with tempfile.TemporaryDirectory() as build:
+            program = pathlib.Path(build, "quorvane")
+            program.write_text("#!/bin/sh\necho nothing to see >&2\n")
+            program.chmod(0o755)
+            done = subprocess.run([str(REPOSITORY / "tools" / "demo"), build],
+                                  capture_output=True, text=True, timeout=60)
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("nothing to see", done.stderr)
+
+
+if __name__ == "__main__":
+    unittest.main()
