@@ -19,8 +19,6 @@ constexpr int mostDamagedFiles = 100;
 // The settings are a few lines; a file beyond this is not ours to read into memory.
 constexpr qint64 largestFile = 1 << 20;
 
-enum class Health { Usable, Damaged };
-
 QString toQString(const fs::path& path) {
     return QFile::decodeName(path.c_str());
 }
@@ -32,18 +30,29 @@ bool isText(const QByteArray& bytes) {
     });
 }
 
+bool isINILine(const QByteArray& line) {
+    if (line.isEmpty() || line.startsWith(';') || line.startsWith('#'))
+        return true;
+    return line.startsWith('[') ? line.contains(']') : line.contains('=');
+}
+
+/// QSettings judges too, but only the first time that it reads a file.
+bool isINI(const QByteArray& bytes) {
+    bool continued = false;
+    for (const QByteArray& line : bytes.split('\n')) {
+        if (!std::exchange(continued, line.endsWith('\\')) && !isINILine(line.trimmed()))
+            return false;
+    }
+    return isText(bytes);
+}
+
 /// A file that is not there, or not ours to read, is not damaged.
-Health healthOf(const fs::path& path) {
+bool isDamaged(const fs::path& path) {
     std::error_code error;
     QFile file(toQString(path));
     if (!fs::is_regular_file(path, error) || !file.open(QFile::ReadOnly))
-        return Health::Usable;
-    if (file.size() > largestFile || !isText(file.readAll()))
-        return Health::Damaged;
-    const QSettings settings(toQString(path), QSettings::IniFormat);
-    // Looks at every section; they are otherwise parsed as they are needed.
-    (void)settings.allKeys();
-    return settings.status() == QSettings::FormatError ? Health::Damaged : Health::Usable;
+        return false;
+    return file.size() > largestFile || !isINI(file.readAll());
 }
 
 bool putAside(const fs::path& path) {
@@ -64,7 +73,7 @@ bool putAside(const fs::path& path) {
 
 /// The file's settings; none when it is damaged and in the way.
 std::unique_ptr<QSettings> openSettings(const fs::path& path) {
-    if (healthOf(path) == Health::Damaged && !putAside(path))
+    if (isDamaged(path) && !putAside(path))
         return nullptr;
     return std::make_unique<QSettings>(toQString(path), QSettings::IniFormat);
 }

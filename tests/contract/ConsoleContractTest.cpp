@@ -1,0 +1,115 @@
+#include <array>
+#include <gmock/gmock.h>
+#include <memory>
+#include <poll.h>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+#include "platform/linux/LinuxConsole.h"
+#include "platform/simulated/SimulatedSystem.h"
+
+namespace quorvane {
+
+namespace {
+
+class ConsoleContractSide {
+public:
+    ConsoleContractSide() = default;
+    ConsoleContractSide(const ConsoleContractSide&) = delete;
+    ConsoleContractSide& operator=(const ConsoleContractSide&) = delete;
+    virtual ~ConsoleContractSide() = default;
+
+    virtual Console& console() = 0;
+    /// What has been written so far.
+    virtual std::string written() = 0;
+};
+
+class SimulatedSide final : public ConsoleContractSide {
+public:
+    Console& console() override { return m_console; }
+
+    std::string written() override {
+        std::string text;
+        for (const std::string& line : m_console.lines)
+            text += line + "\n";
+        return text;
+    }
+
+private:
+    SimulatedConsole m_console;
+};
+
+class PipeSide final : public ConsoleContractSide {
+public:
+    PipeSide() : m_ends(makePipe()), m_console(m_ends[1]) {}
+
+    PipeSide(const PipeSide&) = delete;
+    PipeSide& operator=(const PipeSide&) = delete;
+
+    ~PipeSide() override {
+        close(m_ends[0]);
+        close(m_ends[1]);
+    }
+
+    Console& console() override { return m_console; }
+
+    std::string written() override {
+        std::array<char, 512> bytes{};
+        pollfd waiting{.fd = m_ends[0], .events = POLLIN, .revents = 0};
+        while (poll(&waiting, 1, 0) > 0) {
+            const ssize_t count = read(m_ends[0], bytes.data(), bytes.size());
+            if (count <= 0)
+                break;
+            m_text.append(bytes.data(), static_cast<std::size_t>(count));
+        }
+        return m_text;
+    }
+
+private:
+    static std::array<int, 2> makePipe() {
+        std::array<int, 2> ends{-1, -1};
+        EXPECT_EQ(pipe(ends.data()), 0);
+        return ends;
+    }
+
+    std::array<int, 2> m_ends;
+    std::string m_text;
+    LinuxConsole m_console;
+};
+
+using ConsoleSideMaker = std::unique_ptr<ConsoleContractSide> (*)();
+
+class ConsoleContract : public testing::TestWithParam<ConsoleSideMaker> {
+protected:
+    std::unique_ptr<ConsoleContractSide> m_side = GetParam()();
+};
+
+TEST_P(ConsoleContract, EachLineIsOutAsSoonAsItIsPrinted) {
+    m_side->console().print("✅ [FAN] first");
+    EXPECT_EQ(m_side->written(), "✅ [FAN] first\n");
+    m_side->console().print("second");
+    EXPECT_EQ(m_side->written(), "✅ [FAN] first\nsecond\n");
+}
+
+TEST_P(ConsoleContract, AnEmptyLineIsALine) {
+    m_side->console().print("");
+    EXPECT_EQ(m_side->written(), "\n");
+}
+
+TEST_P(ConsoleContract, ALineIsNoFormatString) {
+    m_side->console().print("100 %s %n");
+    EXPECT_EQ(m_side->written(), "100 %s %n\n");
+}
+
+template <typename Side>
+std::unique_ptr<ConsoleContractSide> make() {
+    return std::make_unique<Side>();
+}
+
+INSTANTIATE_TEST_SUITE_P(Simulated, ConsoleContract, testing::Values(&make<SimulatedSide>));
+INSTANTIATE_TEST_SUITE_P(Linux, ConsoleContract, testing::Values(&make<PipeSide>));
+
+} // namespace
+
+} // namespace quorvane

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <memory>
+#include <optional>
+
+#include "platform/HID.h"
+
+namespace quorvane {
+
+/// One implementation of HID with one lid sensor to be found.
+class HIDContractSide {
+public:
+    HIDContractSide() = default;
+    HIDContractSide(const HIDContractSide&) = delete;
+    HIDContractSide& operator=(const HIDContractSide&) = delete;
+    virtual ~HIDContractSide() = default;
+
+    virtual HIDService& service() = 0;
+
+    /// The sensor's vendor, or the one in whose search it turns up.
+    [[nodiscard]] virtual int vendorID() const { return 0x05AC; }
+
+    /// The sensor's product property.
+    [[nodiscard]] virtual std::optional<int> productID() const = 0;
+    /// What the sensor says now, in degrees; none: nobody knows, but it is a plausible lid angle.
+    [[nodiscard]] virtual std::optional<int> angle() const = 0;
+
+    /// Whether the next two can be done to this sensor.
+    [[nodiscard]] virtual bool isOurs() const { return true; }
+
+    virtual void setAngle(int) {}
+
+    virtual void unplug() {}
+};
+
+using HIDContractSideMaker = std::unique_ptr<HIDContractSide> (*)();
+
+class HIDContract : public testing::TestWithParam<HIDContractSideMaker> {
+protected:
+    std::shared_ptr<HIDManager> manager(std::optional<int> productID, int vendorID);
+    std::vector<std::shared_ptr<HIDDevice>> devices(std::optional<int> productID, int vendorID);
+    /// The side's sensor, by a search for the vendor alone.
+    std::shared_ptr<HIDDevice> sensor();
+
+    std::unique_ptr<HIDContractSide> m_side = GetParam()();
+};
+
+} // namespace quorvane

@@ -1,0 +1,42 @@
+// Runs the contract on a real hidraw device, 05AC:8104, which has to be there: without it the cases
+// fail. QUORVANE_HIDRAW_ANGLE may tell the angle at which its lid stands, in degrees.
+
+#include <cstdlib>
+
+#include "platform/linux/LinuxHID.h"
+#include "tests/contract/HIDContract.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace quorvane {
+
+namespace {
+
+class HidrawSide final : public HIDContractSide {
+public:
+    HIDService& service() override { return m_hid; }
+
+    [[nodiscard]] std::optional<int> productID() const override { return 0x8104; }
+
+    [[nodiscard]] std::optional<int> angle() const override {
+        // NOLINTNEXTLINE(concurrency-mt-unsafe): the test has one thread.
+        const char* told = std::getenv("QUORVANE_HIDRAW_ANGLE");
+        return told ? std::optional(std::stoi(told)) : std::nullopt;
+    }
+
+    [[nodiscard]] bool isOurs() const override { return false; }
+
+private:
+    // Without industrial I/O, so that all that is found is hidraw.
+    TemporaryFolder m_noSysfs;
+    LinuxHID m_hid{m_noSysfs.path()};
+};
+
+std::unique_ptr<HIDContractSide> makeHidrawSide() {
+    return std::make_unique<HidrawSide>();
+}
+
+INSTANTIATE_TEST_SUITE_P(LinuxHidraw, HIDContract, testing::Values(&makeHidrawSide));
+
+} // namespace
+
+} // namespace quorvane

@@ -1,0 +1,71 @@
+#include "platform/linux/LinuxHID.h"
+#include "platform/simulated/SimulatedHID.h"
+#include "platform/simulated/SimulatedRunLoop.h"
+#include "tests/contract/HIDContract.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace quorvane {
+
+namespace {
+
+class SimulatedSide final : public HIDContractSide {
+public:
+    SimulatedSide() { m_device->setAngle(112U); }
+
+    HIDService& service() override { return m_hid; }
+
+    [[nodiscard]] std::optional<int> productID() const override { return 0x8104; }
+
+    [[nodiscard]] std::optional<int> angle() const override { return 112; }
+
+    void setAngle(int degrees) override { m_device->setAngle(static_cast<unsigned>(degrees)); }
+
+    void unplug() override { m_device->unplug(); }
+
+private:
+    SimulatedRunLoop m_runLoop;
+    SimulatedHID m_hid{m_runLoop};
+    std::shared_ptr<SimulatedHIDDevice> m_device = m_hid.addDevice(0x8104);
+};
+
+/// Industrial I/O needs no hardware, only its files.
+class IIOSide final : public HIDContractSide {
+public:
+    IIOSide() {
+        m_sysfs.write("bus/iio/devices/iio:device0/name", "cros-ec-lid-angle\n");
+        setAngle(112);
+    }
+
+    HIDService& service() override { return m_hid; }
+
+    // A vendor of nothing, so that no real device is found as well.
+    [[nodiscard]] int vendorID() const override { return 0xFFFF; }
+
+    [[nodiscard]] std::optional<int> productID() const override { return std::nullopt; }
+
+    [[nodiscard]] std::optional<int> angle() const override { return 112; }
+
+    void setAngle(int degrees) override {
+        m_sysfs.write("bus/iio/devices/iio:device0/in_angl_raw", std::to_string(degrees) + "\n");
+    }
+
+    void unplug() override {
+        std::filesystem::remove_all(m_sysfs.path() / "bus/iio/devices/iio:device0");
+    }
+
+private:
+    TemporaryFolder m_sysfs;
+    LinuxHID m_hid{m_sysfs.path()};
+};
+
+template <typename Side>
+std::unique_ptr<HIDContractSide> make() {
+    return std::make_unique<Side>();
+}
+
+INSTANTIATE_TEST_SUITE_P(Simulated, HIDContract, testing::Values(&make<SimulatedSide>));
+INSTANTIATE_TEST_SUITE_P(LinuxIIO, HIDContract, testing::Values(&make<IIOSide>));
+
+} // namespace
+
+} // namespace quorvane

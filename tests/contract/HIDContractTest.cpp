@@ -1,0 +1,179 @@
+#include <algorithm>
+#include <array>
+#include <vector>
+
+#include "tests/contract/HIDContract.h"
+
+namespace quorvane {
+
+namespace {
+
+using Buffer = std::array<std::uint8_t, 8>;
+
+struct Reading {
+    HIDResult result = hidSuccess;
+    std::size_t length = 0;
+    Buffer bytes{};
+
+    [[nodiscard]] int angle() const { return bytes[1] | bytes[2] << 8; }
+};
+
+Reading read(HIDDevice& device, std::size_t room = std::tuple_size_v<Buffer>,
+             HIDReportType type = HIDReportType::Feature, std::uint8_t reportID = 1) {
+    Reading reading;
+    reading.bytes.fill(0xEE);
+    reading.length = room;
+    reading.result = device.getReport(type, reportID, reading.bytes, reading.length);
+    return reading;
+}
+
+} // namespace
+
+std::shared_ptr<HIDManager> HIDContract::manager(std::optional<int> productID, int vendorID) {
+    auto manager = m_side->service().createManager();
+    manager->setDeviceMatching({.vendorID = vendorID, .productID = productID});
+    manager->scheduleWithRunLoop();
+    EXPECT_EQ(manager->open(), hidSuccess);
+    return manager;
+}
+
+std::vector<std::shared_ptr<HIDDevice>> HIDContract::devices(std::optional<int> productID,
+                                                             int vendorID) {
+    return manager(productID, vendorID)
+        ->copyDevices()
+        .value_or(std::vector<std::shared_ptr<HIDDevice>>{});
+}
+
+std::shared_ptr<HIDDevice> HIDContract::sensor() {
+    for (const auto& device : devices({}, m_side->vendorID())) {
+        if (device->integerProperty("ProductID") == m_side->productID())
+            return device;
+    }
+    ADD_FAILURE() << "the sensor is not among the vendor's devices";
+    return nullptr;
+}
+
+TEST_P(HIDContract, EveryManagerIsANewOne) {
+    EXPECT_NE(m_side->service().createManager(), m_side->service().createManager());
+}
+
+TEST_P(HIDContract, ASearchForTheVendorFindsTheSensorWhichOpensAndReportsItsAngle) {
+    const auto device = sensor();
+    ASSERT_TRUE(device);
+    ASSERT_EQ(device->open(), hidSuccess);
+    const Reading reading = read(*device);
+    ASSERT_EQ(reading.result, hidSuccess);
+    ASSERT_GE(reading.length, 3U);
+    ASSERT_LE(reading.length, reading.bytes.size());
+    EXPECT_EQ(reading.bytes[0], 1);
+    EXPECT_EQ(reading.angle(), m_side->angle().value_or(reading.angle()));
+    EXPECT_GE(reading.angle(), 1);
+    EXPECT_LE(reading.angle(), 199);
+}
+
+TEST_P(HIDContract, ASearchForTheProductFindsTheSensorIfItHasOne) {
+    const auto product = m_side->productID();
+    const auto found = devices(product.value_or(0x8104), m_side->vendorID());
+    EXPECT_EQ(!found.empty(), product.has_value());
+    for (const auto& device : found)
+        EXPECT_EQ(device->integerProperty("ProductID"), product);
+}
+
+TEST_P(HIDContract, ASearchForAnotherProductFindsNothing) {
+    EXPECT_TRUE(devices(0x0001, m_side->vendorID()).empty());
+}
+
+TEST_P(HIDContract, AnUnopenedDeviceCannotBeRead) {
+    const auto device = sensor();
+    ASSERT_TRUE(device);
+    EXPECT_NE(read(*device).result, hidSuccess);
+}
+
+TEST_P(HIDContract, OpeningTwiceIsHarmless) {
+    const auto device = sensor();
+    ASSERT_TRUE(device);
+    ASSERT_EQ(device->open(), hidSuccess);
+    EXPECT_EQ(device->open(), hidSuccess);
+    EXPECT_EQ(read(*device).result, hidSuccess);
+}
+
+TEST_P(HIDContract, TwoHandlesToOneDeviceBothWork) {
+    const auto first = sensor();
+    const auto second = sensor();
+    ASSERT_TRUE(first && second);
+    ASSERT_EQ(first->open(), hidSuccess);
+    ASSERT_EQ(second->open(), hidSuccess);
+    EXPECT_EQ(read(*first).result, hidSuccess);
+    EXPECT_EQ(read(*second).result, hidSuccess);
+}
+
+TEST_P(HIDContract, ADeviceOutlivesItsManager) {
+    const auto device = sensor();
+    ASSERT_TRUE(device);
+    ASSERT_EQ(device->open(), hidSuccess);
+    auto unrelated = manager({}, m_side->vendorID());
+    EXPECT_EQ(unrelated->close(), hidSuccess);
+    unrelated.reset();
+    EXPECT_EQ(read(*device).result, hidSuccess);
+}
+
+TEST_P(HIDContract, AReportIsCutToTheRoomThatItIsGiven) {
+    const auto device = sensor();
+    ASSERT_TRUE(device);
+    ASSERT_EQ(device->open(), hidSuccess);
+    const Reading reading = read(*device, 2);
+    ASSERT_EQ(reading.result, hidSuccess);
+    EXPECT_EQ(reading.length, 2U);
+    EXPECT_EQ(reading.bytes[0], 1);
+    EXPECT_TRUE(std::all_of(reading.bytes.begin() + 2, reading.bytes.end(),
+                            [](std::uint8_t byte) { return byte == 0xEE; }));
+}
+
+TEST_P(HIDContract, ThereIsNoOutputReportToBeRead) {
+    const auto device = sensor();
+    ASSERT_TRUE(device);
+    ASSERT_EQ(device->open(), hidSuccess);
+    EXPECT_NE(read(*device, 8, HIDReportType::Output).result, hidSuccess);
+}
+
+TEST_P(HIDContract, AReportThatTheSensorDoesNotHaveFails) {
+    const auto device = sensor();
+    ASSERT_TRUE(device);
+    ASSERT_EQ(device->open(), hidSuccess);
+    EXPECT_NE(read(*device, 8, HIDReportType::Feature, 77).result, hidSuccess);
+    EXPECT_EQ(read(*device).result, hidSuccess);
+}
+
+TEST_P(HIDContract, AnUnknownPropertyIsNone) {
+    const auto device = sensor();
+    ASSERT_TRUE(device);
+    EXPECT_EQ(device->integerProperty("NoSuchProperty"), std::nullopt);
+}
+
+TEST_P(HIDContract, EachReportHoldsTheAngleOfItsMoment) {
+    if (!m_side->isOurs())
+        GTEST_SKIP() << "the sensor moves by itself";
+    const auto device = sensor();
+    ASSERT_TRUE(device);
+    ASSERT_EQ(device->open(), hidSuccess);
+    for (const int angle : {1, 90, 255, 256, 359}) {
+        m_side->setAngle(angle);
+        EXPECT_EQ(read(*device).angle(), angle);
+    }
+}
+
+TEST_P(HIDContract, ADeviceThatIsGoneFailsEveryLaterCall) {
+    if (!m_side->isOurs())
+        GTEST_SKIP() << "the sensor cannot be unplugged from here";
+    const auto opened = sensor();
+    const auto unopened = sensor();
+    ASSERT_TRUE(opened && unopened);
+    ASSERT_EQ(opened->open(), hidSuccess);
+    m_side->unplug();
+    EXPECT_NE(unopened->open(), hidSuccess);
+    EXPECT_NE(read(*opened).result, hidSuccess);
+    EXPECT_NE(read(*opened).result, hidSuccess);
+    EXPECT_TRUE(devices({}, m_side->vendorID()).empty());
+}
+
+} // namespace quorvane

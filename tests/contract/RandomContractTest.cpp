@@ -1,0 +1,84 @@
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <gtest/gtest.h>
+#include <limits>
+#include <memory>
+#include <set>
+
+#include "platform/linux/LinuxRandom.h"
+#include "platform/simulated/SimulatedSystem.h"
+
+namespace quorvane {
+
+namespace {
+
+using RandomMaker = std::unique_ptr<Random> (*)();
+
+class RandomContract : public testing::TestWithParam<RandomMaker> {
+protected:
+    std::unique_ptr<Random> m_random = GetParam()();
+};
+
+TEST_P(RandomContract, ABoundOfZeroLeavesOnlyZero) {
+    for (int draw = 0; draw < 100; ++draw)
+        EXPECT_EQ(m_random->uniform(0), 0U);
+}
+
+TEST_P(RandomContract, BothEndsAreDrawnAndNothingBeyond) {
+    std::set<std::uint64_t> seen;
+    for (int draw = 0; draw < 1000; ++draw)
+        seen.insert(m_random->uniform(4));
+    EXPECT_EQ(seen, (std::set<std::uint64_t>{0, 1, 2, 3, 4}));
+}
+
+TEST_P(RandomContract, EveryNumberIsEquallyLikely) {
+    // One more than a power of two: where a careless generator is most uneven.
+    constexpr std::size_t kinds = 5;
+    constexpr int draws = 50'000;
+    std::array<int, kinds> counts{};
+    for (int draw = 0; draw < draws; ++draw)
+        ++counts.at(m_random->uniform(kinds - 1));
+    const double mean = static_cast<double>(draws) / kinds;
+    // Seven standard deviations: an honest generator misses them once in 10^11 runs.
+    const double slack = 7 * std::sqrt(mean * (1.0 - 1.0 / kinds));
+    for (const int count : counts)
+        EXPECT_NEAR(count, mean, slack);
+}
+
+TEST_P(RandomContract, LargeBoundsAreUnbiasedToo) {
+    // A remainder of 64 bits by 3 * 2^62 would give the lowest third twice the share of each other.
+    constexpr std::uint64_t third = std::uint64_t{1} << 62U;
+    constexpr int draws = 30'000;
+    std::array<int, 3> counts{};
+    for (int draw = 0; draw < draws; ++draw)
+        ++counts.at(m_random->uniform(3 * third - 1) / third);
+    const double mean = draws / 3.0;
+    const double slack = 7 * std::sqrt(mean * 2.0 / 3.0);
+    for (const int count : counts)
+        EXPECT_NEAR(count, mean, slack);
+}
+
+TEST_P(RandomContract, TheLargestBoundUsesAllBits) {
+    std::uint64_t ones = 0;
+    std::uint64_t zeros = 0;
+    for (int draw = 0; draw < 200; ++draw) {
+        const std::uint64_t value = m_random->uniform(std::numeric_limits<std::uint64_t>::max());
+        ones |= value;
+        zeros |= ~value;
+    }
+    EXPECT_EQ(ones, std::numeric_limits<std::uint64_t>::max());
+    EXPECT_EQ(zeros, std::numeric_limits<std::uint64_t>::max());
+}
+
+template <typename Side>
+std::unique_ptr<Random> make() {
+    return std::make_unique<Side>();
+}
+
+INSTANTIATE_TEST_SUITE_P(Simulated, RandomContract, testing::Values(&make<SimulatedRandom>));
+INSTANTIATE_TEST_SUITE_P(Linux, RandomContract, testing::Values(&make<LinuxRandom>));
+
+} // namespace
+
+} // namespace quorvane

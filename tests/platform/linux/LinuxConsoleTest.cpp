@@ -1,0 +1,97 @@
+#include <array>
+#include <csignal>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <thread>
+#include <unistd.h>
+
+#include "platform/linux/LinuxConsole.h"
+
+namespace quorvane {
+
+namespace {
+
+class LinuxConsoleTest : public testing::Test {
+protected:
+    LinuxConsoleTest() { EXPECT_EQ(pipe(m_ends.data()), 0); }
+
+    ~LinuxConsoleTest() override {
+        closeEnd(0);
+        closeEnd(1);
+    }
+
+    void closeEnd(std::size_t end) {
+        if (m_ends.at(end) >= 0)
+            close(m_ends.at(end));
+        m_ends.at(end) = -1;
+    }
+
+    std::array<int, 2> m_ends{-1, -1};
+};
+
+TEST_F(LinuxConsoleTest, AReaderThatHasGoneIsSurvived) {
+    LinuxConsole console(m_ends[1]);
+    closeEnd(0);
+    console.print("nobody hears this");
+    console.print("nor this");
+    // No signal is left behind to kill later.
+    sigset_t pending{};
+    sigpending(&pending);
+    EXPECT_EQ(sigismember(&pending, SIGPIPE), 0);
+}
+
+TEST_F(LinuxConsoleTest, TheProcessKeepsItsOwnWayWithTheSignal) {
+    LinuxConsole console(m_ends[1]);
+    closeEnd(0);
+    console.print("nobody hears this");
+    EXPECT_DEATH(
+        {
+            const char byte = 0;
+            (void)!write(m_ends[1], &byte, 1);
+        },
+        "");
+}
+
+TEST_F(LinuxConsoleTest, AClosedDescriptorIsSurvivedAndItsSuccessorNotWrittenTo) {
+    const int number = m_ends[1];
+    closeEnd(1);
+    LinuxConsole console(number);
+    std::array<int, 2> others{};
+    ASSERT_EQ(pipe(others.data()), 0);
+    console.print("lost");
+    // The first free number, which was the closed one, is now another file's.
+    EXPECT_TRUE(others[0] == number || others[1] == number);
+    fcntl(others[0], F_SETFL, O_NONBLOCK);
+    char byte = 0;
+    EXPECT_EQ(read(others[0], &byte, 1), -1);
+    close(others[0]);
+    close(others[1]);
+}
+
+TEST_F(LinuxConsoleTest, ALineLongerThanThePipeComesWholeToASlowReader) {
+    fcntl(m_ends[1], F_SETFL, O_NONBLOCK);
+    LinuxConsole console(m_ends[1]);
+    const std::string line(1'000'000, 'x');
+    std::string received;
+    std::thread reader([&] {
+        std::array<char, 4096> bytes{};
+        ssize_t count = 0;
+        while ((count = read(m_ends[0], bytes.data(), bytes.size())) > 0)
+            received.append(bytes.data(), static_cast<std::size_t>(count));
+    });
+    console.print(line);
+    closeEnd(1);
+    reader.join();
+    EXPECT_TRUE(received == line + "\n");
+}
+
+TEST_F(LinuxConsoleTest, AReaderThatHasStoppedReadingDoesNotStopTheProgram) {
+    fcntl(m_ends[1], F_SETFL, O_NONBLOCK);
+    LinuxConsole console(m_ends[1]);
+    console.print(std::string(1'000'000, 'x'));
+}
+
+} // namespace
+
+} // namespace quorvane

@@ -1,0 +1,63 @@
+#include <gtest/gtest.h>
+
+#include "platform/linux/ScreenSleepState.h"
+
+namespace quorvane {
+
+namespace {
+
+constexpr ScreenSleepState::Change noChange = std::nullopt;
+
+class ScreenSleepStateTest : public testing::Test {
+protected:
+    ScreenSleepStateTest() { m_state.setLidClosed(false); }
+
+    ScreenSleepState m_state;
+};
+
+TEST_F(ScreenSleepStateTest, ClosingAndOpeningTheLidAreOneChangeEach) {
+    EXPECT_EQ(m_state.setLidClosed(true), true);
+    EXPECT_EQ(m_state.setLidClosed(true), noChange);
+    EXPECT_EQ(m_state.setLidClosed(false), false);
+    EXPECT_EQ(m_state.setLidClosed(false), noChange);
+}
+
+TEST_F(ScreenSleepStateTest, GoingToSleepAndComingBackAreOneChangeEach) {
+    EXPECT_EQ(m_state.setPreparingForSleep(true), true);
+    EXPECT_EQ(m_state.setPreparingForSleep(true), noChange);
+    EXPECT_EQ(m_state.setPreparingForSleep(false), false);
+    EXPECT_EQ(m_state.setPreparingForSleep(false), noChange);
+}
+
+TEST_F(ScreenSleepStateTest, AClosedLidThatSendsTheMachineToSleepIsOneSleepAndOneWake) {
+    EXPECT_EQ(m_state.setLidClosed(true), true);
+    EXPECT_EQ(m_state.setPreparingForSleep(true), noChange);
+    EXPECT_EQ(m_state.setPreparingForSleep(false), noChange);
+    EXPECT_EQ(m_state.setLidClosed(false), false);
+}
+
+TEST_F(ScreenSleepStateTest, TheOrderInWhichTheTwoEndDoesNotMatter) {
+    EXPECT_EQ(m_state.setPreparingForSleep(true), true);
+    EXPECT_EQ(m_state.setLidClosed(true), noChange);
+    EXPECT_EQ(m_state.setLidClosed(false), noChange);
+    EXPECT_EQ(m_state.setPreparingForSleep(false), false);
+}
+
+TEST(ScreenSleepStateStartTest, ALidFoundClosedIsNoChangeAndItsOpeningIs) {
+    ScreenSleepState state;
+    EXPECT_EQ(state.setLidClosed(true), noChange);
+    EXPECT_EQ(state.setLidClosed(true), noChange);
+    EXPECT_EQ(state.setPreparingForSleep(true), noChange);
+    EXPECT_EQ(state.setPreparingForSleep(false), noChange);
+    EXPECT_EQ(state.setLidClosed(false), false);
+}
+
+TEST(ScreenSleepStateStartTest, SleepCountsWithoutAnyWordOfALid) {
+    ScreenSleepState state;
+    EXPECT_EQ(state.setPreparingForSleep(true), true);
+    EXPECT_EQ(state.setPreparingForSleep(false), false);
+}
+
+} // namespace
+
+} // namespace quorvane

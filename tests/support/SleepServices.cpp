@@ -1,0 +1,90 @@
+#include "tests/support/SleepServices.h"
+
+#include <stdexcept>
+#include <utility>
+
+namespace quorvane {
+
+namespace {
+
+const QString upower = QStringLiteral("org.freedesktop.UPower");
+const QString upowerPath = QStringLiteral("/org/freedesktop/UPower");
+const QString properties = QStringLiteral("org.freedesktop.DBus.Properties");
+const QString lidIsClosed = QStringLiteral("LidIsClosed");
+
+QString newConnectionName() {
+    static int count = 0;
+    return QStringLiteral("stand-in-%1").arg(++count);
+}
+
+} // namespace
+
+BusService::BusService(const std::string& address, const QString& name)
+    : m_connectionName(newConnectionName()), m_name(name) {
+    auto connection =
+        QDBusConnection::connectToBus(QString::fromStdString(address), m_connectionName);
+    if (!connection.registerService(m_name))
+        throw std::runtime_error("no such name to be had on the bus");
+}
+
+BusService::~BusService() {
+    bus().unregisterService(m_name);
+    QDBusConnection::disconnectFromBus(m_connectionName);
+}
+
+void BusService::send(const QDBusMessage& message) const {
+    bus().send(message);
+    bus().call(QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                              "org.freedesktop.DBus", "GetId"));
+}
+
+StandInUPower::StandInUPower(const std::string& address, bool lidIsClosedNow, bool lidIsPresent,
+                             const QString& name)
+    : m_service(address, name), m_properties{{lidIsClosed, lidIsClosedNow},
+                                             {"LidIsPresent", lidIsPresent}} {
+    m_service.bus().registerVirtualObject(upowerPath, this);
+}
+
+StandInUPower::~StandInUPower() {
+    m_service.bus().unregisterObject(upowerPath);
+}
+
+void StandInUPower::setLidIsClosed(bool closed) {
+    m_properties[lidIsClosed] = closed;
+    sendChange({{lidIsClosed, closed}}, {});
+}
+
+void StandInUPower::invalidateLidIsClosed(bool closed) {
+    m_properties[lidIsClosed] = closed;
+    sendChange({}, {lidIsClosed});
+}
+
+void StandInUPower::sendChange(const QVariantMap& changed, const QStringList& invalidated) {
+    auto message = QDBusMessage::createSignal(upowerPath, properties, "PropertiesChanged");
+    message << upower << changed << invalidated;
+    m_service.send(message);
+}
+
+bool StandInUPower::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
+    if (message.interface() != properties || message.member() != QLatin1String("GetAll") ||
+        message.arguments() != QVariantList{upower})
+        return false;
+    ++m_reads;
+    return connection.send(message.createReply(m_properties));
+}
+
+QString StandInUPower::introspect(const QString&) const {
+    return {};
+}
+
+StandInLogind::StandInLogind(const std::string& address, const QString& name)
+    : m_service(address, name) {}
+
+void StandInLogind::prepareForSleep(bool start) const {
+    auto message = QDBusMessage::createSignal("/org/freedesktop/login1",
+                                              "org.freedesktop.login1.Manager", "PrepareForSleep");
+    message << start;
+    m_service.send(message);
+}
+
+} // namespace quorvane

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+namespace quorvane {
+
+/// A folder that goes with the object, whatever is in it by then.
+class TemporaryFolder {
+public:
+    TemporaryFolder() {
+        std::string name = (std::filesystem::temp_directory_path() / "quorvane-XXXXXX").string();
+        if (!mkdtemp(name.data()))
+            throw std::runtime_error("no temporary folder");
+        m_path = name;
+    }
+
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    ~TemporaryFolder() {
+        std::error_code error;
+        std::filesystem::remove_all(m_path, error);
+    }
+
+    [[nodiscard]] const std::filesystem::path& path() const { return m_path; }
+
+    /// Writes `bytes` to `name`, making the folders on the way; the file's path.
+    std::filesystem::path write(const std::filesystem::path& name, std::string_view bytes) const {
+        std::filesystem::path file = m_path / name;
+        std::filesystem::create_directories(file.parent_path());
+        std::ofstream(file, std::ios::binary) << bytes;
+        return file;
+    }
+
+private:
+    std::filesystem::path m_path;
+};
+
+/// All of a file; empty when there is none.
+inline std::string fileText(const std::filesystem::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+} // namespace quorvane
