@@ -39,11 +39,11 @@ AUDIBLE = -50.0
 """dBFS above which somebody would hear the creak."""
 
 
-def _keep_evidence(test):
-    @functools.wraps(test)
+def _keep_evidence(step):
+    @functools.wraps(step)
     def wrapped(self):
         try:
-            test(self)
+            step(self)
         except BaseException as error:
             error.add_note(self.evidence())
             raise
@@ -56,6 +56,8 @@ class EndToEndTest(unittest.TestCase):
     listens = False
     """Whether the class's tests need the recording, which takes 2 s to begin."""
 
+    program = None
+
     @classmethod
     def setUpClass(cls):
         cls.session = cls.enterClassContext(Session())
@@ -66,14 +68,13 @@ class EndToEndTest(unittest.TestCase):
     def __init_subclass__(cls, **options):
         super().__init_subclass__(**options)
         for name, member in list(vars(cls).items()):
-            if name.startswith("test_"):
+            if name.startswith("test_") or name == "setUp":
                 setattr(cls, name, _keep_evidence(member))
 
     def setUp(self):
         self.stack = self.enterContext(contextlib.ExitStack())
         self.home = os.path.join(self.session.directory, "homes", self._testMethodName)
         self.environment = self.session.environment(self.home)
-        self.program = None
         self.started = time.monotonic()
 
     # The program.

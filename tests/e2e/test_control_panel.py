@@ -91,11 +91,9 @@ class ControlPanel(EndToEndTest):
     def test_the_window_cannot_be_resized(self):
         display = self.session.display
         window, = self.wait_until(lambda: display.windows(WINDOW), "the window")
-        left, top, width, height = display.geometry(window)
-        self.assertEqual((width, height), (550, 780))
-        corner = left + width, top + height
-        display.xdotool("mousemove", "--sync", *corner, "mousedown", 1,
-                        "mousemove", "--sync", corner[0] + 40, corner[1] + 30, "mouseup", 1)
+        self.assertEqual(display.geometry(window)[2:], (550, 780))
+        left, top, width, height = self.panel.settled_place(ENTER)
+        display.drag_with_alt(3, (left + width - 5, top + height - 5), (60, 50))
         # A resize would have been asked for before the next key reaches the program.
         self._focus(ENTER)
         self.assertEqual(display.geometry(window)[2:], (550, 780))

@@ -49,7 +49,15 @@ class Display:
 
     def click(self, x, y):
         """Moves the pointer to a place on the screen and clicks the first button."""
-        self.xdotool("mousemove", "--sync", x, y, "click", 1)
+        self.xdotool("mousemove", x, y, "click", 1)
+
+    def drag_with_alt(self, button, start, by):
+        """Drags with the Alt key held: with the third button, resizes the window under it."""
+        x, y = start
+        self.xdotool("keydown", "alt", "mousemove", x, y, "mousedown", button)
+        for step in (1, 2, 3):
+            self.xdotool("mousemove", x + by[0] * step // 3, y + by[1] * step // 3)
+        self.xdotool("mouseup", button, "keyup", "alt")
 
     def press_key(self, key):
         """Presses and releases a key, by its X name ("Tab", "space")."""
