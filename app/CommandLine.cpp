@@ -1,0 +1,79 @@
+#include "app/CommandLine.h"
+
+#include <optional>
+
+namespace quorvane {
+
+namespace {
+
+using Mode = CommandLine::Mode;
+
+constexpr std::string_view simulatedWithFile = "--simulated=";
+
+constexpr std::string_view help =
+    "Usage: quorvane [OPTION]\n"
+    "\n"
+    "Makes a good notebook behave like a cheap one, as a joke on yourself.\n"
+    "\n"
+    "  --demo             show everything by itself, on a simulated machine\n"
+    "  --simulated FILE   run on the simulated machine that the scenario FILE describes\n"
+    "  --help             print this and leave\n"
+    "  --version          print the version and leave\n"
+    "\n"
+    "It leaves when its window is closed, and on Ctrl-C.\n";
+
+std::optional<Mode> modeOf(std::string_view argument) {
+    if (argument == "--help" || argument == "-h")
+        return Mode::Help;
+    if (argument == "--version")
+        return Mode::Version;
+    if (argument == "--demo")
+        return Mode::Demo;
+    if (argument == "--simulated" || argument.starts_with(simulatedWithFile))
+        return Mode::Simulate;
+    return std::nullopt;
+}
+
+bool winsOver(Mode mode, Mode earlier) {
+    if (earlier == Mode::Help || earlier == Mode::Version)
+        return false;
+    return earlier == Mode::Run || mode == Mode::Help || mode == Mode::Version;
+}
+
+CommandLineError unknown(std::string_view argument) {
+    const bool option = argument.starts_with('-');
+    return {std::string(option ? "unknown option '" : "unexpected argument '")
+                .append(argument)
+                .append("'")};
+}
+
+} // namespace
+
+std::variant<CommandLine, CommandLineError>
+parseCommandLine(std::span<const char* const> arguments) {
+    CommandLine result;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string_view argument = arguments[i];
+        const std::optional<Mode> mode = modeOf(argument);
+        if (!mode)
+            return unknown(argument);
+        std::string_view file;
+        if (argument.starts_with(simulatedWithFile))
+            file = argument.substr(simulatedWithFile.size());
+        else if (mode == Mode::Simulate && i + 1 < arguments.size())
+            file = arguments[++i];
+        if (mode == Mode::Simulate && file.empty())
+            return CommandLineError{"--simulated needs a file"};
+        if (winsOver(*mode, result.mode))
+            result = {.mode = *mode, .scenarioFile = std::string(file)};
+        else if (result.mode == Mode::Simulate || result.mode == Mode::Demo)
+            return CommandLineError{"one simulated machine at a time"};
+    }
+    return result;
+}
+
+std::string_view commandLineHelp() {
+    return help;
+}
+
+} // namespace quorvane

@@ -1,0 +1,97 @@
+#pragma once
+
+#include <QObject>
+#include <QUrl>
+#include <QtQmlIntegration/qqmlintegration.h>
+
+#include "app/ContentView.h"
+#include "app/screens/AnimatedNumber.h"
+#include "app/screens/RowModels.h"
+#include "app/screens/Text.h"
+
+/// A property of the bridge that shows the controller's observable of the same name: the property,
+/// its getter, its change signal, and the subscription that joins the signal to the observable.
+#define QUORVANE_OBSERVED(type, name)                                                              \
+    Q_PROPERTY(type name READ name NOTIFY name##Changed FINAL)                                     \
+public:                                                                                            \
+    [[nodiscard]] type name() const { return forQml(m_content.name().get()); }                     \
+    Q_SIGNAL void name##Changed();                                                                 \
+                                                                                                   \
+private:                                                                                           \
+    Subscription m_##name##Followed = follow(m_content.name(), &ContentViewModel::name##Changed)
+
+namespace quorvane {
+
+/// The one bridge between the controller and the screens: shows its observables as properties and
+/// passes on what the person does. It decides nothing. Main thread only.
+class ContentViewModel final : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("the program hands the screens the one there is")
+    /// 1 on the screen that is shown, 0 on the others.
+    Q_PROPERTY(quorvane::AnimatedNumber hardwareCheckShown READ hardwareCheckShown NOTIFY screenChanged FINAL)
+    Q_PROPERTY(quorvane::AnimatedNumber warningShown READ warningShown NOTIFY screenChanged FINAL)
+    Q_PROPERTY(quorvane::AnimatedNumber controlPanelShown READ controlPanelShown NOTIFY screenChanged FINAL)
+    Q_PROPERTY(quorvane::CheckRowModel* checkRows READ checkRows CONSTANT FINAL)
+    Q_PROPERTY(quorvane::ToggleRowModel* toggleRows READ toggleRows CONSTANT FINAL)
+    /// The logo's file; empty if there is none.
+    Q_PROPERTY(QUrl logo READ logo CONSTANT FINAL)
+
+public:
+    /// `content` and `bundle` outlive the bridge.
+    ContentViewModel(ContentView& content, const Bundle& bundle, QObject* parent = nullptr);
+
+    [[nodiscard]] AnimatedNumber hardwareCheckShown() const;
+    [[nodiscard]] AnimatedNumber warningShown() const;
+    [[nodiscard]] AnimatedNumber controlPanelShown() const;
+
+    [[nodiscard]] CheckRowModel* checkRows() { return &m_checkRows; }
+
+    [[nodiscard]] ToggleRowModel* toggleRows() { return &m_toggleRows; }
+
+    [[nodiscard]] QUrl logo() const;
+
+    Q_INVOKABLE void runHardwareCheck() { m_content.runHardwareCheck(); }
+
+    Q_INVOKABLE void confirmHardwareCheck() { m_content.confirmHardwareCheck(); }
+
+    Q_INVOKABLE void enterSufferingMode() { m_content.enterSufferingMode(); }
+
+    Q_INVOKABLE void leaveSufferingMode() { m_content.leaveSufferingMode(); }
+
+    /// Writes to the switch of the toggle row `row`.
+    Q_INVOKABLE void setOn(int row, bool on);
+    /// The info button of the toggle row `row`.
+    Q_INVOKABLE void presentInfo(int row);
+
+    Q_INVOKABLE void dismissInfo() { m_content.dismissInfo(); }
+
+signals:
+    void screenChanged();
+
+private:
+    static bool forQml(bool value) { return value; }
+
+    static QString forQml(const std::string& value) { return toQString(value); }
+
+    static AnimatedNumber forQml(const AnimatedValue& value) { return {value}; }
+
+    [[nodiscard]] Subscription follow(const AnyObservable& observable,
+                                      void (ContentViewModel::*changed)());
+    [[nodiscard]] AnimatedNumber shown(ContentView::Screen screen) const;
+
+    ContentView& m_content;
+    const Bundle& m_bundle;
+    CheckRowModel m_checkRows;
+    ToggleRowModel m_toggleRows;
+    Subscription m_screenFollowed;
+
+    QUORVANE_OBSERVED(bool, isChecking);
+    QUORVANE_OBSERVED(bool, checkDone);
+    QUORVANE_OBSERVED(QString, activeInfoLabel);
+    QUORVANE_OBSERVED(QString, activeInfoText);
+    QUORVANE_OBSERVED(bool, showInfo);
+    QUORVANE_OBSERVED(quorvane::AnimatedNumber, textScale);
+};
+
+} // namespace quorvane

@@ -1,0 +1,76 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Quorvane
+
+// What the machine has, looked at once before anything else.
+Backdrop {
+    id: root
+
+    required property ContentViewModel content
+
+    upper: "black"
+    middle: Qt.tint("black", Qt.alpha(Theme.blue, 0.6))
+    lower: "black"
+
+    Column {
+        id: stack
+
+        anchors.centerIn: parent
+        width: parent.width - 60
+        spacing: 18
+
+        EmojiText {
+            anchors.horizontalCenter: parent.horizontalCenter
+            text: "🔧"
+            font.pixelSize: 70
+        }
+
+        PlainText {
+            anchors.horizontalCenter: parent.horizontalCenter
+            text: "HARDWARE CHECK"
+            font { pixelSize: 30; weight: Font.Black }
+        }
+
+        PlainText {
+            width: parent.width
+            text: "Before we begin, let's make sure\nyour Mac is ready for the experience."
+            color: "#b3ffffff"
+            horizontalAlignment: Text.AlignHCenter
+            font.pixelSize: 15
+        }
+
+        Item {
+            width: 1
+            height: 6
+        }
+
+        Repeater {
+            model: root.content.isChecking ? 1 : 0
+
+            Scanning {
+                anchors.horizontalCenter: stack.horizontalCenter
+            }
+        }
+
+        Repeater {
+            model: !root.content.isChecking && root.content.checkDone ? 1 : 0
+
+            CheckResults {
+                width: stack.width
+                content: root.content
+            }
+        }
+
+        Repeater {
+            model: !root.content.isChecking && !root.content.checkDone ? 1 : 0
+
+            BigButton {
+                width: stack.width
+                name: "CHECK HARDWARE 🔍"
+                color: Qt.alpha(Theme.cyan, 0.8)
+                onActivated: root.content.runHardwareCheck()
+            }
+        }
+    }
+}

@@ -1,0 +1,82 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Quorvane
+
+// The content of the window: the screens one over the other, of which one is shown, and the popup.
+// What is not to be seen does not exist; repeaters of none or one make it, because a Loader of this
+// toolkit refuses bound components.
+Item {
+    id: root
+
+    required property ContentViewModel content
+
+    SpringValue {
+        id: hardwareCheckShown
+
+        goal: root.content.hardwareCheckShown
+    }
+
+    SpringValue {
+        id: warningShown
+
+        goal: root.content.warningShown
+    }
+
+    SpringValue {
+        id: controlPanelShown
+
+        goal: root.content.controlPanelShown
+    }
+
+    FocusScope {
+        anchors.fill: parent
+        enabled: !root.content.showInfo
+        focus: !root.content.showInfo
+
+        Repeater {
+            model: hardwareCheckShown.target > 0 || hardwareCheckShown.moving ? 1 : 0
+
+            HardwareCheckView {
+                anchors.fill: parent
+                content: root.content
+                opacity: hardwareCheckShown.value
+                enabled: hardwareCheckShown.target > 0
+            }
+        }
+
+        Repeater {
+            model: warningShown.target > 0 || warningShown.moving ? 1 : 0
+
+            MemeWarning {
+                anchors.fill: parent
+                content: root.content
+                opacity: warningShown.value
+                enabled: warningShown.target > 0
+            }
+        }
+
+        Repeater {
+            model: controlPanelShown.target > 0 || controlPanelShown.moving ? 1 : 0
+
+            SufferingView {
+                anchors.fill: parent
+                content: root.content
+                opacity: controlPanelShown.value
+                enabled: controlPanelShown.target > 0
+            }
+        }
+    }
+
+    Repeater {
+        model: root.content.showInfo ? 1 : 0
+
+        InfoPopup {
+            anchors.fill: parent
+            focus: true
+            title: root.content.activeInfoLabel
+            text: root.content.activeInfoText
+            onDismissed: root.content.dismissInfo()
+        }
+    }
+}

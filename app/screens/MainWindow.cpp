@@ -1,0 +1,98 @@
+#include "app/screens/MainWindow.h"
+
+#include <QEvent>
+#include <QFontDatabase>
+#include <QGuiApplication>
+#include <QQmlEngine>
+
+#include "app/OrrowinApp.h"
+
+void qml_register_types_Quorvane();
+
+namespace quorvane {
+
+namespace {
+
+constexpr auto textFont = "Inter";
+constexpr auto emojiFont = "Noto Color Emoji";
+
+// The emoji font comes second, for the emoji within a text. A font that is not there must not be
+// named: all letters would come from the next one in the list.
+QFont applicationFont() {
+    QFont font = QGuiApplication::font();
+    QStringList families = font.families();
+    if (QFontDatabase::hasFamily(textFont))
+        families.prepend(textFont);
+    families.append(emojiFont);
+    font.setFamilies(families);
+    return font;
+}
+
+} // namespace
+
+MainWindow::MainWindow(ContentView& content, const Bundle& bundle)
+    : m_content(content), m_model(content, bundle) {
+    // The screens' types register themselves, if only the linker keeps them.
+    [[maybe_unused]] auto* volatile keep = &qml_register_types_Quorvane;
+    QGuiApplication::setFont(applicationFont());
+    // The window's texts stand still at their natural size, where the system's own rendering is
+    // both sharper and faster to start with.
+    QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
+
+    const QSize size(OrrowinApp::windowWidth, OrrowinApp::windowHeight);
+    m_window.setTitle(toQString(OrrowinApp::windowTitle));
+    m_window.resize(size);
+    m_window.setMinimumSize(size);
+    m_window.setMaximumSize(size);
+    m_window.setResizeMode(QQuickView::SizeRootObjectToView);
+    m_window.setColor(Qt::black);
+    m_window.installEventFilter(this);
+    connect(&m_window, &QQuickWindow::frameSwapped, this, &MainWindow::onFirstFrame,
+            static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
+}
+
+MainWindow::~MainWindow() {
+    m_window.removeEventFilter(this);
+}
+
+bool MainWindow::show() {
+    m_window.engine()->addImportPath("qrc:/qt/qml");
+    m_window.setInitialProperties({{"content", QVariant::fromValue(&m_model)}});
+    m_window.setSource(QUrl("qrc:/qt/qml/Quorvane/MainView.qml"));
+    if (m_window.status() != QQuickView::Ready)
+        return false;
+    m_window.show();
+    return true;
+}
+
+void MainWindow::close() {
+    // A window that is not on screen would not be told that it is closed.
+    if (!m_window.close() || !m_closed)
+        onClosed();
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == &m_window && event->type() == QEvent::Close)
+        onClosed();
+    return QObject::eventFilter(watched, event);
+}
+
+// The controller reads and decodes its sound when it appears. That waits for the first frame, so
+// that the window is there at once; nothing can be heard before a person has pressed something.
+void MainWindow::onFirstFrame() {
+    if (m_appeared || m_closed)
+        return;
+    m_appeared = true;
+    m_content.onAppear();
+    emit appeared();
+}
+
+void MainWindow::onClosed() {
+    if (m_closed)
+        return;
+    m_closed = true;
+    m_content.onDisappear();
+    emit closed();
+}
+
+} // namespace quorvane

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QObject>
+#include <QQuickView>
+
+#include "app/screens/ContentViewModel.h"
+
+namespace quorvane {
+
+/// The program's one window. Shows the controller and runs its lifecycle hooks, each once: it has
+/// appeared when its first frame is on screen, and it has disappeared when it is closed, whoever
+/// closes it. Main thread only.
+class MainWindow final : public QObject {
+    Q_OBJECT
+
+public:
+    /// `content` and `bundle` outlive the window.
+    MainWindow(ContentView& content, const Bundle& bundle);
+    MainWindow(const MainWindow&) = delete;
+    MainWindow& operator=(const MainWindow&) = delete;
+    ~MainWindow() override;
+
+    /// False if the screens could not be loaded; what is wrong with them is on standard error.
+    [[nodiscard]] bool show();
+    /// As by its close button. Closing it twice is harmless.
+    void close();
+
+    [[nodiscard]] QQuickView& window() { return m_window; }
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+signals:
+    /// After the controller has been told.
+    void appeared();
+    /// After the controller has been told.
+    void closed();
+
+private:
+    void onFirstFrame();
+    void onClosed();
+
+    ContentView& m_content;
+    ContentViewModel m_model;
+    QQuickView m_window;
+    bool m_appeared = false;
+    bool m_closed = false;
+};
+
+} // namespace quorvane

@@ -1,0 +1,42 @@
+#include "app/screens/PressControl.h"
+
+#include <QAccessible>
+#include <QWindow>
+
+#include "app/screens/Text.h"
+
+namespace quorvane {
+
+namespace {
+
+bool canBePressed(QAccessibleInterface& control) {
+    const QAccessible::State state = control.state();
+    return control.actionInterface() && !state.disabled && !state.invisible &&
+           control.actionInterface()->actionNames().contains(
+               QAccessibleActionInterface::pressAction());
+}
+
+QAccessibleInterface* find(QAccessibleInterface* from, const QString& name) {
+    if (!from || !from->isValid())
+        return nullptr;
+    if (from->text(QAccessible::Name) == name && canBePressed(*from))
+        return from;
+    for (int i = 0; i < from->childCount(); ++i) {
+        if (auto* found = find(from->child(i), name))
+            return found;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+bool pressControl(QWindow& window, std::string_view name) {
+    QAccessibleInterface* control =
+        find(QAccessible::queryAccessibleInterface(&window), toQString(name));
+    if (!control)
+        return false;
+    control->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    return true;
+}
+
+} // namespace quorvane

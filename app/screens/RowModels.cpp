@@ -1,0 +1,74 @@
+#include "app/screens/RowModels.h"
+
+#include "app/screens/Text.h"
+
+namespace quorvane {
+
+CheckRowModel::CheckRowModel(const ContentView& content, QObject* parent)
+    : QAbstractListModel(parent), m_content(content) {
+    for (const AnyObservable* result : std::initializer_list<const AnyObservable*>{
+             &content.hasLidSensor(), &content.hasAccessibility(), &content.hasTrackpad()}) {
+        m_subscriptions.push_back(result->observe([this] {
+            emit dataChanged(index(0), index(rowCount() - 1), {PassedRole, ResultRole});
+        }));
+    }
+}
+
+int CheckRowModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(m_content.checkRows().size());
+}
+
+QVariant CheckRowModel::data(const QModelIndex& index, int role) const {
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
+        return {};
+    const CheckRow row = m_content.checkRows().at(static_cast<std::size_t>(index.row()));
+    switch (role) {
+    case FeatureRole:
+        return toQString(row.feature);
+    case PassedRole:
+        return row.passed;
+    case ResultRole:
+        return toQString(row.passed ? row.ok : row.fail);
+    default:
+        return {};
+    }
+}
+
+QHash<int, QByteArray> CheckRowModel::roleNames() const {
+    return {{FeatureRole, "feature"}, {PassedRole, "passed"}, {ResultRole, "result"}};
+}
+
+ToggleRowModel::ToggleRowModel(const ContentView& content, QObject* parent)
+    : QAbstractListModel(parent), m_content(content) {
+    for (int row = 0; row < rowCount(); ++row) {
+        const ToggleRow& toggle = content.toggleRows()[static_cast<std::size_t>(row)];
+        m_subscriptions.push_back(toggle.isOn->observe(
+            [this, row] { emit dataChanged(index(row), index(row), {IsOnRole}); }));
+    }
+}
+
+int ToggleRowModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(m_content.toggleRows().size());
+}
+
+QVariant ToggleRowModel::data(const QModelIndex& index, int role) const {
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
+        return {};
+    const ToggleRow& row = m_content.toggleRows()[static_cast<std::size_t>(index.row())];
+    switch (role) {
+    case IconRole:
+        return toQString(row.text.icon);
+    case LabelRole:
+        return toQString(row.text.label);
+    case IsOnRole:
+        return row.isOn->get();
+    default:
+        return {};
+    }
+}
+
+QHash<int, QByteArray> ToggleRowModel::roleNames() const {
+    return {{IconRole, "icon"}, {LabelRole, "label"}, {IsOnRole, "isOn"}};
+}
+
+} // namespace quorvane

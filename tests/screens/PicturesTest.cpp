@@ -1,0 +1,57 @@
+#include "tests/screens/ScreensFixture.h"
+
+namespace quorvane {
+namespace {
+
+// Leaves pictures of every screen for a person to look at, and holds them to the colours that are
+// promised. Each test runs at both scales.
+class Pictures : public ScreensTest {
+protected:
+    Pictures() {
+        m_effects = {.keyboard = [this] { return m_keyboard; },
+                     .fan = [this] { return m_fan; },
+                     .bsod = [] { return std::make_shared<FakeEffect>(); },
+                     .freeze = [] { return std::make_shared<FakeEffect>(); }};
+        m_withStartup = true;
+    }
+};
+
+TEST_F(Pictures, OfTheHardwareCheck) {
+    launch();
+    savePicture("hardware-check");
+    press("CHECK HARDWARE 🔍");
+    work(300);
+    savePicture("hardware-check-scanning");
+    m_machine.runLoop.advance(1.5);
+    settle();
+    savePicture("hardware-check-results");
+}
+
+TEST_F(Pictures, OfTheWarning) {
+    launchChecked();
+    savePicture("warning");
+    type(Qt::Key_Tab);
+    settle();
+    savePicture("warning-focus");
+}
+
+TEST_F(Pictures, OfTheControlPanel) {
+    launchIntoControlPanel();
+    toggle("Build quality");
+    toggle("Thermals");
+    settle();
+    savePicture("control-panel");
+    press("About Build quality");
+    settle();
+    savePicture("info-popup");
+}
+
+TEST_F(Pictures, OfTheControlPanelWithTheFirstEffectAlone) {
+    m_effects = {};
+    m_withStartup = false;
+    launchIntoControlPanel();
+    savePicture("control-panel-first-effect");
+}
+
+} // namespace
+} // namespace quorvane

@@ -1,0 +1,183 @@
+#include "tests/screens/ScreensFixture.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QQuickItem>
+
+#include "app/screens/PressControl.h"
+#include "app/screens/Text.h"
+
+namespace quorvane {
+
+namespace {
+
+constexpr int patience = 5000;
+// Longer than several frames of any display.
+constexpr int quietTime = 250;
+
+void visit(QAccessibleInterface* from,
+           const std::function<void(QAccessibleInterface& element)>& visitor) {
+    if (!from || !from->isValid() || from->state().invisible)
+        return;
+    visitor(*from);
+    for (int i = 0; i < from->childCount(); ++i)
+        visit(from->child(i), visitor);
+}
+
+std::string nameOf(const QAccessibleInterface& element) {
+    return element.text(QAccessible::Name).toStdString();
+}
+
+void act(QAccessibleInterface* element, const QString& action) {
+    ASSERT_TRUE(element);
+    ASSERT_TRUE(element->actionInterface());
+    ASSERT_TRUE(element->actionInterface()->actionNames().contains(action));
+    element->actionInterface()->doAction(action);
+}
+
+} // namespace
+
+ScreensTest::ScreensTest() {
+    m_machine.system.model = "MacBookPro18,3";
+}
+
+ScreensTest::~ScreensTest() = default;
+
+void ScreensTest::launch() {
+    m_content = std::make_unique<ContentView>(m_machine.platform(),
+                                              m_withStartup ? &m_startup : nullptr, m_effects);
+    m_window = std::make_unique<MainWindow>(*m_content, m_machine.bundle);
+    bool appeared = false;
+    QObject::connect(m_window.get(), &MainWindow::appeared, [&appeared] { appeared = true; });
+    QObject::connect(&m_window->window(), &QQuickWindow::frameSwapped, m_window.get(),
+                     [this] { ++m_frames; });
+    ASSERT_TRUE(m_window->show());
+    waitUntil([&appeared] { return appeared; }, "the window has appeared");
+    settle();
+}
+
+void ScreensTest::launchChecked() {
+    m_machine.userDefaults.setBool(ContentView::hardwareCheckedKey, true);
+    launch();
+}
+
+void ScreensTest::launchIntoControlPanel() {
+    launchChecked();
+    press("MAKE ME SUFFER 😭");
+    settle();
+}
+
+void ScreensTest::work(int milliseconds) {
+    const QDeadlineTimer deadline(milliseconds);
+    while (!deadline.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 10);
+}
+
+void ScreensTest::waitUntil(const std::function<bool()>& condition, const char* what) {
+    const QDeadlineTimer deadline(patience);
+    while (!condition() && !deadline.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    ASSERT_TRUE(condition()) << "waited in vain until " << what;
+}
+
+void ScreensTest::settle() {
+    const QDeadlineTimer deadline(patience);
+    for (int before = -1; before != m_frames; work(quietTime)) {
+        before = m_frames;
+        ASSERT_FALSE(deadline.hasExpired()) << "the window never comes to rest";
+    }
+}
+
+std::vector<std::string> ScreensTest::names(QAccessible::Role role) {
+    std::vector<std::string> result;
+    visit(QAccessible::queryAccessibleInterface(&m_window->window()),
+          [&](const QAccessibleInterface& element) {
+              if (element.role() == role)
+                  result.push_back(nameOf(element));
+          });
+    return result;
+}
+
+std::vector<std::string> ScreensTest::texts() {
+    return names(QAccessible::StaticText);
+}
+
+std::vector<std::string> ScreensTest::buttons() {
+    return names(QAccessible::Button);
+}
+
+std::vector<std::string> ScreensTest::switches() {
+    return names(QAccessible::CheckBox);
+}
+
+QAccessibleInterface* ScreensTest::element(const std::string& name) {
+    QAccessibleInterface* result = nullptr;
+    int count = 0;
+    visit(QAccessible::queryAccessibleInterface(&m_window->window()),
+          [&](QAccessibleInterface& element) {
+              if (nameOf(element) == name) {
+                  result = &element;
+                  ++count;
+              }
+          });
+    EXPECT_LE(count, 1) << "more than one element is called " << name;
+    return result;
+}
+
+bool ScreensTest::isOn(const std::string& name) {
+    QAccessibleInterface* found = element(name);
+    EXPECT_TRUE(found) << "there is no " << name;
+    return found && found->state().checked;
+}
+
+void ScreensTest::press(const std::string& name) {
+    act(element(name), QAccessibleActionInterface::pressAction());
+}
+
+void ScreensTest::toggle(const std::string& name) {
+    act(element(name), QAccessibleActionInterface::toggleAction());
+}
+
+void ScreensTest::type(Qt::Key key, Qt::KeyboardModifiers modifiers) {
+    for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+        QKeyEvent event(type, key, modifiers);
+        QCoreApplication::sendEvent(&m_window->window(), &event);
+    }
+}
+
+void ScreensTest::click(const std::string& name) {
+    QAccessibleInterface* found = element(name);
+    ASSERT_TRUE(found) << "there is no " << name;
+    const QPointF global = found->rect().center();
+    const QPointF local = m_window->window().mapFromGlobal(global);
+    QMouseEvent press(QEvent::MouseButtonPress, local, global, Qt::LeftButton, Qt::LeftButton, {});
+    QMouseEvent release(QEvent::MouseButtonRelease, local, global, Qt::LeftButton, {}, {});
+    QCoreApplication::sendEvent(&m_window->window(), &press);
+    QCoreApplication::sendEvent(&m_window->window(), &release);
+}
+
+std::string ScreensTest::focused() {
+    QQuickItem* item = m_window->window().activeFocusItem();
+    QAccessibleInterface* found = item ? QAccessible::queryAccessibleInterface(item) : nullptr;
+    return found ? nameOf(*found) : "";
+}
+
+QColor ScreensTest::colorAt(int x, int y) {
+    const QImage picture = m_window->window().grabWindow();
+    const auto scale = static_cast<int>(picture.devicePixelRatio());
+    return picture.pixelColor(x * scale, y * scale);
+}
+
+void ScreensTest::savePicture(const std::string& name) {
+    const QString folder = QCoreApplication::applicationDirPath() + "/screens";
+    ASSERT_TRUE(QDir().mkpath(folder));
+    const QImage picture = m_window->window().grabWindow();
+    const QString scale = picture.devicePixelRatio() > 1 ? "@2x" : "";
+    EXPECT_TRUE(picture.save(folder + "/" + toQString(name) + scale + ".png"));
+}
+
+} // namespace quorvane

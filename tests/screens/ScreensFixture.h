@@ -1,0 +1,108 @@
+#pragma once
+
+#include <QAccessible>
+#include <QColor>
+#include <QImage>
+#include <QString>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "app/ContentView.h"
+#include "app/screens/MainWindow.h"
+#include "platform/simulated/SimulatedMachine.h"
+
+namespace quorvane {
+
+/// An effect that does what its switch says and counts what it was told.
+class FakeEffect final : public EffectManager {
+public:
+    [[nodiscard]] const Observable<bool>& isActive() const override { return m_isActive; }
+
+    void start() override {
+        ++starts;
+        if (canStart)
+            m_isActive = true;
+    }
+
+    void stop() override {
+        ++stops;
+        m_isActive = false;
+    }
+
+    bool canStart = true;
+    int starts = 0;
+    int stops = 0;
+
+private:
+    Observable<bool> m_isActive;
+};
+
+/// A startup experience that is only its switch.
+class FakeStartup final : public StartupExperience {
+public:
+    [[nodiscard]] Observable<bool>& startupSoundEnabled() override { return m_enabled; }
+
+private:
+    Observable<bool> m_enabled{true};
+};
+
+/// The real window over the real controller on a simulated machine, looked at and acted on through
+/// its accessibility tree. The machine's time is virtual, the window's animations are not.
+class ScreensTest : public testing::Test {
+protected:
+    ScreensTest();
+    ~ScreensTest() override;
+
+    /// Makes and shows the window and waits until it has appeared.
+    void launch();
+    /// Launches on the warning screen.
+    void launchChecked();
+    /// Launches and goes on to the control panel.
+    void launchIntoControlPanel();
+
+    /// Lets the toolkit work until `condition` holds; fails the test after five seconds.
+    void waitUntil(const std::function<bool()>& condition, const char* what);
+    /// Lets the toolkit work until no frame has been drawn for a while.
+    void settle();
+    /// Lets the toolkit work for `milliseconds` of real time.
+    static void work(int milliseconds);
+
+    /// What can be found in the window, by role and name, in reading order.
+    [[nodiscard]] std::vector<std::string> texts();
+    [[nodiscard]] std::vector<std::string> buttons();
+    [[nodiscard]] std::vector<std::string> switches();
+    /// The one visible element of that name; null without.
+    [[nodiscard]] QAccessibleInterface* element(const std::string& name);
+    [[nodiscard]] bool isOn(const std::string& name);
+    void press(const std::string& name);
+    void toggle(const std::string& name);
+
+    void type(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+    void click(const std::string& name);
+    /// The name of what the keyboard acts on; empty if on nothing.
+    [[nodiscard]] std::string focused();
+
+    [[nodiscard]] QColor colorAt(int x, int y);
+    /// Leaves a picture of the window beside the tests for a person to look at.
+    void savePicture(const std::string& name);
+
+    SimulatedMachine m_machine;
+    std::shared_ptr<FakeEffect> m_keyboard = std::make_shared<FakeEffect>();
+    std::shared_ptr<FakeEffect> m_fan = std::make_shared<FakeEffect>();
+    FakeStartup m_startup;
+    EffectFactories m_effects;
+    bool m_withStartup = false;
+    std::unique_ptr<ContentView> m_content;
+    std::unique_ptr<MainWindow> m_window;
+    int m_frames = 0;
+
+private:
+    [[nodiscard]] std::vector<std::string> names(QAccessible::Role role);
+};
+
+} // namespace quorvane
