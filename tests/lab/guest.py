@@ -178,7 +178,8 @@ def hidraw_contract(lab, build):
     name = "hidraw_contract"
     with contextlib.ExitStack() as stack:
         lab.lid(name, stack, "--keep", "--product", "0x8104", "--angle", "100")
-        result = subprocess.run([build / "contract_hidraw"], env=lab.desktop.env, check=False,
+        env = dict(lab.desktop.env, QUORVANE_HIDRAW_ANGLE="100")
+        result = subprocess.run([build / "contract_hidraw"], env=env, check=False,
                                 stdin=subprocess.DEVNULL, capture_output=True, text=True,
                                 timeout=PATIENCE)
     text = json.dumps({"status": result.returncode, "output": result.stdout + result.stderr})

@@ -26,7 +26,7 @@ MODULES = [
 KERNEL_METAPACKAGE = "linux-image-amd64"
 
 QEMU = [
-    "qemu-system-x86_64", "-accel", "tcg,thread=multi", "-machine", "pc", "-cpu", "max",
+    "qemu-system-x86_64", "-accel", "tcg,thread=multi", "-machine", "pc", "-cpu", "Nehalem-v1",
     "-smp", "2", "-m", "2048", "-nic", "none", "-display", "none", "-monitor", "none",
     "-no-reboot", "-no-user-config", "-nodefaults", "-serial", "stdio",
     "-device", "virtio-rng-pci",

@@ -210,8 +210,7 @@ class HidrawContract(unittest.TestCase):
         result = json.loads((folder / "result.json").read_text(encoding="utf-8"))
         print(result["output"])
         self.assertEqual(result["status"], 0)
-        self.assertIn("[  PASSED  ]", result["output"])
-        self.assertNotIn("[  SKIPPED ]", result["output"])
+        self.assertRegex(result["output"], r"\[  PASSED  \] 1\d tests")
 
 
 if __name__ == "__main__":
