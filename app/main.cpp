@@ -1,0 +1,147 @@
+#include <QFile>
+#include <QGuiApplication>
+
+#include <array>
+#include <csignal>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "app/CommandLine.h"
+#include "app/OrrowinApp.h"
+#include "app/screens/MainWindow.h"
+#include "app/screens/PressControl.h"
+#include "platform/linux/DisplayServer.h"
+#include "platform/linux/LinuxPlatform.h"
+#include "platform/linux/TerminationSignals.h"
+#include "platform/simulated/LiveMachine.h"
+
+namespace {
+
+using namespace quorvane;
+
+// Exit statuses.
+constexpr int cannotRun = 1;
+constexpr int misunderstood = 2;
+
+void complain(std::string_view what) {
+    std::fprintf(stderr, "quorvane: %.*s\n", static_cast<int>(what.size()), what.data());
+}
+
+// Standard output belongs to the console lines, and a toolkit that logs elsewhere when it has no
+// terminal would hide what is wrong.
+void complainForToolkit(QtMsgType /*type*/, const QMessageLogContext& /*context*/,
+                        const QString& message) {
+    complain(message.toStdString());
+}
+
+std::variant<Scenario, ScenarioError> demoScenario() {
+    QFile demo(":/scenarios/demo.scenario");
+    if (!demo.open(QIODevice::ReadOnly))
+        return ScenarioError{"it is not in the program"};
+    return parseScenario(demo.readAll().toStdString());
+}
+
+// None, after a complaint, if the scenario cannot be had.
+std::optional<Scenario> scenarioOf(const CommandLine& commandLine) {
+    const bool demo = commandLine.mode == CommandLine::Mode::Demo;
+    auto scenario = demo ? demoScenario() : loadScenario(commandLine.scenarioFile);
+    if (const auto* error = std::get_if<ScenarioError>(&scenario)) {
+        complain((demo ? "the demo" : commandLine.scenarioFile) + ": " + error->description);
+        return std::nullopt;
+    }
+    return std::get<Scenario>(std::move(scenario));
+}
+
+void pressForScenario(QWindow& window, std::string_view control) {
+    if (!pressControl(window, control))
+        complain(std::string("the scenario presses \"")
+                     .append(control)
+                     .append("\", but there is no such control to press now"));
+}
+
+void playScenario(LiveMachine& machine, MainWindow& window) {
+    machine.start({.press = [&window](std::string_view control) {
+                       pressForScenario(window.window(), control);
+                   },
+                   .key = {},
+                   .quit = [&window] { window.close(); }});
+}
+
+int runWindow(QGuiApplication& application, TerminationSignals& termination,
+              const std::optional<Scenario>& scenario) {
+    LinuxPlatform linuxPlatform;
+    std::optional<LiveMachine> machine;
+    if (scenario)
+        machine.emplace(*scenario, linuxPlatform.platform());
+    const Platform platform = machine ? machine->platform() : linuxPlatform.platform();
+
+    OrrowinApp app(platform);
+    const std::unique_ptr<ContentView> content = app.makeContentView();
+    MainWindow window(*content, platform.bundle);
+    QObject::connect(&window, &MainWindow::appeared, &window, [&machine, &window] {
+        if (machine)
+            playScenario(*machine, window);
+    });
+    QObject::connect(&window, &MainWindow::closed, &application, &QCoreApplication::quit,
+                     Qt::QueuedConnection);
+    termination.listen([&window] { window.close(); });
+    if (!window.show())
+        return cannotRun;
+    const int status = QGuiApplication::exec();
+    termination.ignore();
+    return status;
+}
+
+int run(char* name, const std::optional<Scenario>& scenario) {
+    TerminationSignals termination;
+    if (const std::string error = chooseDisplayServer(); !error.empty()) {
+        complain(error);
+        return cannotRun;
+    }
+    if (scenario)
+        complain("SIMULATED MACHINE: the devices are a scenario's, not those of this machine");
+    qInstallMessageHandler(complainForToolkit);
+    // The toolkit is given no options: all there are have been understood.
+    int count = 1;
+    std::array<char*, 2> arguments{name, nullptr};
+    QGuiApplication application(count, arguments.data());
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    return runWindow(application, termination, scenario);
+}
+
+int obey(char* name, const CommandLine& commandLine) {
+    switch (commandLine.mode) {
+    case CommandLine::Mode::Help:
+        std::fputs(std::string(commandLineHelp()).c_str(), stdout);
+        return 0;
+    case CommandLine::Mode::Version:
+        std::puts("quorvane " QUORVANE_VERSION);
+        return 0;
+    case CommandLine::Mode::Run:
+        return run(name, std::nullopt);
+    case CommandLine::Mode::Simulate:
+    case CommandLine::Mode::Demo:
+        break;
+    }
+    const std::optional<Scenario> scenario = scenarioOf(commandLine);
+    return scenario ? run(name, scenario) : misunderstood;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    // A reader of our output that has gone is no reason to stop.
+    std::signal(SIGPIPE, SIG_IGN);
+
+    const std::span<char* const> arguments(argv, static_cast<std::size_t>(argc));
+    const std::vector<const char*> options(arguments.begin() + 1, arguments.end());
+    const auto commandLine = parseCommandLine(options);
+    if (const auto* error = std::get_if<CommandLineError>(&commandLine)) {
+        complain(error->description + " (--help tells what there is)");
+        return misunderstood;
+    }
+    return obey(argv[0], std::get<CommandLine>(commandLine));
+}
