@@ -15,6 +15,7 @@ import unittest
 
 REPOSITORY = pathlib.Path(__file__).resolve().parents[2]
 BUILD = pathlib.Path(os.environ.get("QUORVANE_BUILD_DIR", REPOSITORY / "build")).resolve()
+PROGRAM = BUILD / "quorvane"
 EVIDENCE = BUILD / "e2e"
 CREAK = REPOSITORY / "resources" / "creaking.mp3"
 
@@ -60,6 +61,8 @@ class EndToEndTest(unittest.TestCase):
 
     @classmethod
     def setUpClass(cls):
+        if not PROGRAM.exists():
+            raise FileNotFoundError(f"{PROGRAM} is not built")
         cls.session = cls.enterClassContext(Session())
         cls.recording = cls.session.recording
         if cls.listens:
@@ -83,7 +86,7 @@ class EndToEndTest(unittest.TestCase):
         """Starts the program; `environment` adds to this test's, or takes away what is None."""
         env = {name: value for name, value in (self.environment | environment).items()
                if value is not None}
-        self.program = self.session.run([str(BUILD / "quorvane"), *arguments], env, self.stack,
+        self.program = self.session.run([str(PROGRAM), *arguments], env, self.stack,
                                         console_reader=console_reader)
         return self.program
 
