@@ -67,8 +67,8 @@ private:
     [[nodiscard]] OpenALAudioVoice::Completions takeDue(Clock::time_point now);
 
     void run();
-    void runCompletions(std::unique_lock<std::mutex>& lock,
-                        OpenALAudioVoice::Completions completions);
+    static void runCompletions(std::unique_lock<std::mutex>& lock,
+                               OpenALAudioVoice::Completions completions);
 
     std::mutex m_mutex;
     std::condition_variable m_changed;

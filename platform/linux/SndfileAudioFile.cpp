@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <fstream>
 #include <system_error>
 #include <utility>
@@ -27,32 +28,33 @@ std::variant<std::shared_ptr<AudioFile>, AudioError>
 SndfileAudioFile::open(const std::filesystem::path& path) {
     if (auto error = accessError(path))
         return *std::move(error);
-    SndfileHandle file(path.c_str());
-    if (file.error() != SF_ERR_NO_ERROR || file.channels() <= 0)
+    SF_INFO info{};
+    Handle file(sf_open(path.c_str(), SFM_READ, &info));
+    if (!file || info.channels <= 0)
         return AudioError{path.string() + ": not a sound file that can be decoded"};
-    return std::shared_ptr<AudioFile>(new SndfileAudioFile(std::move(file), path));
+    return std::shared_ptr<AudioFile>(new SndfileAudioFile(std::move(file), info, path));
 }
 
-SndfileAudioFile::SndfileAudioFile(SndfileHandle file, std::filesystem::path path)
-    : m_file(std::move(file)), m_path(std::move(path)) {}
+SndfileAudioFile::SndfileAudioFile(Handle file, const SF_INFO& info, std::filesystem::path path)
+    : m_file(std::move(file)), m_info(info), m_path(std::move(path)) {}
 
 AudioFormat SndfileAudioFile::processingFormat() const {
-    return {.sampleRate = static_cast<double>(m_file.samplerate()),
-            .channels = static_cast<unsigned>(m_file.channels())};
+    return {.sampleRate = static_cast<double>(m_info.samplerate),
+            .channels = static_cast<unsigned>(m_info.channels)};
 }
 
 std::int64_t SndfileAudioFile::length() const {
-    return m_file.frames();
+    return m_info.frames;
 }
 
 std::optional<AudioError> SndfileAudioFile::read(PCMBuffer& buffer) {
     if (!(buffer.format == processingFormat()))
         return AudioError{m_path.string() + ": the buffer has another format"};
-    m_file.seek(0, SEEK_SET);
-    const sf_count_t wanted = std::min<sf_count_t>(m_file.frames(), buffer.frameCapacity);
-    const sf_count_t got = m_file.readf(buffer.samples.data(), wanted);
+    sf_seek(m_file.get(), 0, SEEK_SET);
+    const sf_count_t wanted = std::min<sf_count_t>(m_info.frames, buffer.frameCapacity);
+    const sf_count_t got = sf_readf_float(m_file.get(), buffer.samples.data(), wanted);
     buffer.frameLength = static_cast<std::uint32_t>(std::max<sf_count_t>(got, 0));
-    if (got < m_file.frames())
+    if (got < m_info.frames)
         return AudioError{m_path.string() + ": the sound ends before its length"};
     return std::nullopt;
 }

@@ -4,7 +4,7 @@
 #include <memory>
 #include <variant>
 
-#include <sndfile.hh>
+#include <sndfile.h>
 
 #include "platform/Audio.h"
 
@@ -22,9 +22,16 @@ public:
     std::optional<AudioError> read(PCMBuffer& buffer) override;
 
 private:
-    SndfileAudioFile(SndfileHandle file, std::filesystem::path path);
+    struct Closer {
+        void operator()(SNDFILE* file) const { sf_close(file); }
+    };
 
-    SndfileHandle m_file;
+    using Handle = std::unique_ptr<SNDFILE, Closer>;
+
+    SndfileAudioFile(Handle file, const SF_INFO& info, std::filesystem::path path);
+
+    Handle m_file;
+    SF_INFO m_info;
     std::filesystem::path m_path;
 };
 

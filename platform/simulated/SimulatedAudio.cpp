@@ -233,9 +233,10 @@ std::vector<float> SimulatedAudio::render(double from, double to, const AudioFor
     std::vector<float> mix(frames * format.channels);
     for (const SimulatedSound& sound : *m_timeline)
         for (std::size_t i = 0; i < mix.size(); ++i) {
-            const auto frame = static_cast<double>(i / format.channels);
+            const std::size_t frame = i / format.channels;
             const auto channel = static_cast<unsigned>(i % format.channels);
-            mix[i] += sampleAt(sound, from + frame / format.sampleRate, channel, format.channels);
+            mix[i] += sampleAt(sound, from + static_cast<double>(frame) / format.sampleRate,
+                               channel, format.channels);
         }
     return mix;
 }
