@@ -72,6 +72,13 @@ class Pictures(unittest.TestCase):
                           "rectangle 100,100 449,400")
         self.assertAlmostEqual(pictures.detail(path), 2 * 301 / (780 * 549), 4)
 
+    def test_a_change_is_where_pictures_differ(self):
+        before = pictures.pixels(self._draw("xc:black"))
+        after = pictures.pixels(self._draw("xc:black", "-fill", "white", "-draw",
+                                           "rectangle 0,0 54,77"))
+        self.assertEqual(pictures.change(before, before), 0)
+        self.assertAlmostEqual(pictures.change(before, after), 0.01)
+
 
 class DemoTool(unittest.TestCase):
     def test_a_program_that_does_nothing_is_a_failed_demo(self):

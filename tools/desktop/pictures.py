@@ -16,6 +16,11 @@ def pixels(path):
     return numpy.frombuffer(raw, dtype=numpy.uint8).reshape(height, width, 3)
 
 
+def change(before, after):
+    """The share of pixels that differ between two pictures of one size, be it ever so slightly."""
+    return float((before != after).any(axis=2).mean())
+
+
 def detail(path):
     """How much is drawn: the share of pixels that differ clearly from their right neighbour.
 
