@@ -49,8 +49,9 @@ void SleepSignals::start() {
 }
 
 void SleepSignals::stop() {
-    // May be one of the session's own signals that led here, so it goes a little later.
-    if (auto session = endSession())
+    auto session = endSession();
+    // Then it is one of the session's own signals that led here.
+    if (session && m_isReporting)
         session.release()->deleteLater();
 }
 
@@ -174,8 +175,11 @@ void SleepSignals::takeLid(const QVariantMap& properties) {
 }
 
 void SleepSignals::report(ScreenSleepState::Change change) {
-    if (change)
-        m_report(*change);
+    if (!change)
+        return;
+    m_isReporting = true;
+    m_report(*change);
+    m_isReporting = false;
 }
 
 } // namespace quorvane

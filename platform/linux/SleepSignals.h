@@ -35,6 +35,7 @@ private Q_SLOTS:
     void propertiesChanged(const QDBusMessage& message);
     void prepareForSleep(const QDBusMessage& message);
 
+    // NOLINTNEXTLINE(readability-redundant-access-specifiers): these are no slots.
 private:
     void connectInBackground();
     void subscribe();
@@ -58,6 +59,8 @@ private:
     QString m_upowerOwner;
     QString m_logindOwner;
     bool m_lidIsPresent = true;
+
+    bool m_isReporting = false;
 };
 
 } // namespace quorvane
