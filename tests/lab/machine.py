@@ -149,6 +149,8 @@ def boot(kernel, initramfs, results, job, time_limit):
                *_share("host", "/", "readonly=on"), *_share("results", results)]
     if not shutil.which(command[0]):
         raise LabError(f"{command[0]} is not installed")
+    if not pathlib.Path("/proc/self/fd").exists():
+        raise LabError("/proc is not mounted here: the machine could not write its results")
     started = time.monotonic()
     qemu = processes.start(command, dict(os.environ), stdout=subprocess.PIPE,
                            stderr=subprocess.STDOUT)

@@ -9,6 +9,8 @@ import pathlib
 import tempfile
 import unittest
 
+import numpy
+
 import sound
 
 RESULTS = pathlib.Path(os.environ["LAB_RESULTS"])
@@ -16,15 +18,24 @@ CLIP = pathlib.Path(os.environ["LAB_CLIP"])
 
 ONSET = 0.4
 """Seconds from the first motion to the first sound. On the way lie a reading every 1/30 s, the
-feed every 1/60 s and the output's buffer; seen here: 0.06 to 0.1 s, but the first sound also opens
-the device, and the processor is emulated."""
+feed every 1/60 s and the output's buffer."""
+
+FIRST_ONSET = 1.0
+"""The same for the first sound of all, for which the output device is opened."""
 
 RELEASE = 0.4
 """Seconds from the end of the motion to silence: 0.2 s until the mean slope is 0, and as much again
 for reading, feed, buffer and an emulated processor."""
 
-PLACE = 0.08
-"""Seconds by which a place in the clip may be off. A restart would be off by a second."""
+PLACE = 0.15
+"""Seconds by which a place in the clip may be off. A restart would be off by half a second."""
+
+SLICE = 0.1
+"""Seconds of sound that are looked for in the clip. An emulated processor that is short of time
+drops out between them."""
+
+LIKENESS = 0.8
+"""Correlation from which on a slice has been found; a wrong place comes to some 0.5."""
 
 
 def _load(scenario):
@@ -90,12 +101,26 @@ class MovingLid(Scenario):
         self.assertTrue(loud, f"no sound at all in motion {number + 1}")
         return loud[0], loud[-1] + sound.WINDOW
 
-    def place_in_clip(self, begin):
-        """Where in the clip the sound from `begin` on is."""
-        place, likeness = self.clip.locate(self.sound.between(begin, begin + 0.4))
-        print(f"at {begin:.3f}: {place:.3f} s into the clip, likeness {likeness:.3f}")
-        self.assertGreater(likeness, 0.8, "this is not the creak")
-        return place
+    def places_in_clip(self, number):
+        """Where in the clip the sound of a motion began and ended: (earliest, latest) of each.
+
+        Between its first and last slice that were found the sound is where it is heard to be;
+        outside of them it can have run on or, at the worst, dropped out.
+        """
+        begin, end = self.creak(number)
+        found = []
+        for at in numpy.arange(begin, end - SLICE, SLICE / 2):
+            place, likeness = self.clip.locate(self.sound.between(at, at + SLICE))
+            if likeness > LIKENESS:
+                found.append((at, place))
+        self.assertTrue(found, f"the sound of motion {number + 1} is not the creak")
+        first, last = found[0], found[-1]
+        began = first[1] - (first[0] - begin), first[1]
+        ended = last[1] + SLICE, last[1] + end - last[0]
+        print(f"motion {number + 1}: the clip from {began[0]:.3f} to {ended[1]:.3f} s, "
+              f"{len(found)} slices found, the first {first[0] - begin:.2f} s after the beginning, "
+              f"the last {end - last[0]:.2f} s before the end")
+        return began, ended
 
     def test_no_sample_of_the_recording_was_lost(self):
         self.assertEqual((self.folder / "recorder.log").read_text(encoding="utf-8"), "")
@@ -119,7 +144,7 @@ class MovingLid(Scenario):
             delay = self.creak(number)[0] - begin
             print(f"motion {number + 1}: sound after {delay:.3f} s")
             self.assertGreater(delay, 0)
-            self.assertLess(delay, ONSET)
+            self.assertLess(delay, ONSET if number else FIRST_ONSET)
 
     def test_creak_is_audible_while_the_lid_moves(self):
         for number, (_, end) in enumerate(self.spans):
@@ -138,14 +163,17 @@ class MovingLid(Scenario):
             self.assertGreater(self.creak(number)[1] - end, 0.1)
 
     def test_first_creak_starts_at_the_start_of_the_clip(self):
-        self.assertLess(self.place_in_clip(self.creak(0)[0]), PLACE)
+        (earliest, latest), _ = self.places_in_clip(0)
+        self.assertLess(earliest, PLACE)
+        self.assertGreater(latest, -PLACE)
 
     def test_each_later_creak_resumes_where_the_one_before_paused(self):
         for number in range(1, len(self.spans)):
-            begin, end = self.creak(number - 1)
-            expected = self.place_in_clip(begin) + end - begin
-            self.assertAlmostEqual(self.place_in_clip(self.creak(number)[0]), expected,
-                                   delta=PLACE)
+            _, (paused_earliest, paused_latest) = self.places_in_clip(number - 1)
+            (resumed_earliest, resumed_latest), _ = self.places_in_clip(number)
+            self.assertGreater(resumed_earliest, PLACE, "this is the start of the clip")
+            self.assertLess(resumed_earliest, paused_latest + PLACE)
+            self.assertGreater(resumed_latest, paused_earliest - PLACE)
 
     def test_creak_goes_on_after_the_moving_lid_has_vanished(self):
         # The last speed that was read stays the speed: the clip ends and starts anew.
