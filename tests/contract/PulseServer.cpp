@@ -57,6 +57,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command,
                            const std::filesystem::path& log,
                            const std::vector<std::string>& unsetVariables) {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (const std::string& argument : command)
         arguments.push_back(const_cast<char*>(argument.c_str()));
     arguments.push_back(nullptr);
@@ -112,14 +113,17 @@ PulseServer::PulseServer(std::filesystem::path folder)
 
 void PulseServer::start() {
     std::filesystem::remove(m_socket);
-    m_process = std::make_unique<ChildProcess>(
-        std::vector<std::string>{
-            "pulseaudio", "-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1",
-            "--high-priority=no", "--realtime=no", "--log-target=stderr",
-            "--load=module-null-sink sink_name=out rate=44100 channels=2 format=float32le "
-            "norewinds=1",
-            "--load=module-native-protocol-unix auth-anonymous=1 socket=" + m_socket.string()},
-        m_folder / "pulseaudio.log", std::vector<std::string>{"PULSE_SERVER"});
+    const std::string sink = "module-null-sink sink_name=out rate=44100 channels=2 "
+                             "format=float32le norewinds=1";
+    const std::string protocol =
+        "module-native-protocol-unix auth-anonymous=1 socket=" + m_socket.string();
+    const std::vector<std::string> command{"pulseaudio",          "-n",
+                                           "--daemonize=no",      "--use-pid-file=no",
+                                           "--exit-idle-time=-1", "--high-priority=no",
+                                           "--realtime=no",       "--log-target=stderr",
+                                           "--load=" + sink,      "--load=" + protocol};
+    m_process = std::make_unique<ChildProcess>(command, m_folder / "pulseaudio.log",
+                                               std::vector<std::string>{"PULSE_SERVER"});
     const auto settled = [this] { return accepts() || !m_process->isAlive(); };
     if (!waitFor(settled) || !m_process->isAlive()) {
         std::ifstream log(m_folder / "pulseaudio.log");
