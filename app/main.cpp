@@ -63,11 +63,11 @@ void pressForScenario(QWindow& window, std::string_view control) {
 }
 
 void playScenario(LiveMachine& machine, MainWindow& window) {
-    machine.start({.press = [&window](std::string_view control) {
-                       pressForScenario(window.window(), control);
-                   },
-                   .key = {},
-                   .quit = [&window] { window.close(); }});
+    machine.start(
+        {.press =
+             [&window](std::string_view control) { pressForScenario(window.window(), control); },
+         .key = {},
+         .quit = [&window] { window.close(); }});
 }
 
 int runWindow(QGuiApplication& application, TerminationSignals& termination,
@@ -97,8 +97,9 @@ int runWindow(QGuiApplication& application, TerminationSignals& termination,
 
 int run(char* name, const std::optional<Scenario>& scenario) {
     TerminationSignals termination;
-    if (const std::string error = chooseDisplayServer(); !error.empty()) {
-        complain(error);
+    DisplayServer display;
+    if (!display.error().empty()) {
+        complain(display.error());
         return cannotRun;
     }
     if (scenario)
@@ -108,6 +109,7 @@ int run(char* name, const std::optional<Scenario>& scenario) {
     int count = 1;
     std::array<char*, 2> arguments{name, nullptr};
     QGuiApplication application(count, arguments.data());
+    display.release();
     QGuiApplication::setQuitOnLastWindowClosed(false);
     return runWindow(application, termination, scenario);
 }

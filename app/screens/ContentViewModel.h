@@ -14,7 +14,9 @@
 #define QUORVANE_OBSERVED(type, name)                                                              \
     Q_PROPERTY(type name READ name NOTIFY name##Changed FINAL)                                     \
 public:                                                                                            \
-    [[nodiscard]] type name() const { return forQml(m_content.name().get()); }                     \
+    [[nodiscard]] type name() const {                                                              \
+        return forQml(m_content.name().get());                                                     \
+    }                                                                                              \
     Q_SIGNAL void name##Changed();                                                                 \
                                                                                                    \
 private:                                                                                           \
@@ -29,9 +31,11 @@ class ContentViewModel final : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("the program hands the screens the one there is")
     /// 1 on the screen that is shown, 0 on the others.
-    Q_PROPERTY(quorvane::AnimatedNumber hardwareCheckShown READ hardwareCheckShown NOTIFY screenChanged FINAL)
+    Q_PROPERTY(quorvane::AnimatedNumber hardwareCheckShown READ hardwareCheckShown NOTIFY
+                   screenChanged FINAL)
     Q_PROPERTY(quorvane::AnimatedNumber warningShown READ warningShown NOTIFY screenChanged FINAL)
-    Q_PROPERTY(quorvane::AnimatedNumber controlPanelShown READ controlPanelShown NOTIFY screenChanged FINAL)
+    Q_PROPERTY(quorvane::AnimatedNumber controlPanelShown READ controlPanelShown NOTIFY
+                   screenChanged FINAL)
     Q_PROPERTY(quorvane::CheckRowModel* checkRows READ checkRows CONSTANT FINAL)
     Q_PROPERTY(quorvane::ToggleRowModel* toggleRows READ toggleRows CONSTANT FINAL)
     /// The logo's file; empty if there is none.

@@ -1,15 +1,20 @@
 #include "app/screens/GradientText.h"
 
+#include <QFontInfo>
 #include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QLinearGradient>
 #include <QPainter>
 #include <QPen>
 
+#include <cmath>
+
 namespace quorvane {
 
 GradientText::GradientText(QQuickItem* parent)
     : QQuickPaintedItem(parent), m_font(QGuiApplication::font()) {
+    // The screens give their sizes in pixels, and the toolkit complains about a font with both.
+    m_font.setPixelSize(QFontInfo(m_font).pixelSize());
     setAntialiasing(true);
     connect(this, &GradientText::colorsChanged, this, [this] { update(); });
 }

@@ -14,6 +14,8 @@ FocusScope {
     Accessible.role: Accessible.AlertMessage
     Accessible.name: root.title
 
+    Component.onCompleted: root.forceActiveFocus()
+
     Keys.onEscapePressed: root.dismissed()
     Keys.onReturnPressed: root.dismissed()
     Keys.onEnterPressed: root.dismissed()

@@ -73,7 +73,6 @@ Item {
 
         InfoPopup {
             anchors.fill: parent
-            focus: true
             title: root.content.activeInfoLabel
             text: root.content.activeInfoText
             onDismissed: root.content.dismissInfo()

@@ -62,6 +62,7 @@ Backdrop {
 
             Accessible.role: Accessible.StaticText
             Accessible.name: millions.text
+            Accessible.focusable: false
         }
 
         PlainText {

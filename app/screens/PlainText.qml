@@ -9,4 +9,5 @@ Text {
 
     Accessible.role: Accessible.StaticText
     Accessible.name: text
+    Accessible.focusable: false
 }

@@ -1,6 +1,7 @@
 #include "app/screens/PressControl.h"
 
 #include <QAccessible>
+#include <QQuickItem>
 #include <QWindow>
 
 #include "app/screens/Text.h"
@@ -10,8 +11,9 @@ namespace quorvane {
 namespace {
 
 bool canBePressed(QAccessibleInterface& control) {
-    const QAccessible::State state = control.state();
-    return control.actionInterface() && !state.disabled && !state.invisible &&
+    // The toolkit does not tell of a disabled item through its accessible state.
+    const auto* item = qobject_cast<const QQuickItem*>(control.object());
+    return item && item->isEnabled() && control.actionInterface() && !control.state().invisible &&
            control.actionInterface()->actionNames().contains(
                QAccessibleActionInterface::pressAction());
 }

@@ -4,8 +4,8 @@ namespace quorvane {
 
 namespace {
 
-// Of the values shown: opacities and scales, where a thousandth changes no pixel that one could see.
-constexpr double restTolerance = 0.001;
+// Of the values shown, opacities and scales: half a step of a colour's 255, a sixth of a pixel.
+constexpr double restTolerance = 0.002;
 
 } // namespace
 

@@ -16,7 +16,8 @@ namespace quorvane {
 class SpringValue : public QAbstractAnimation {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(quorvane::AnimatedNumber goal READ goal WRITE setGoal NOTIFY goalChanged REQUIRED FINAL)
+    Q_PROPERTY(
+        quorvane::AnimatedNumber goal READ goal WRITE setGoal NOTIFY goalChanged REQUIRED FINAL)
     /// Where it is going to rest.
     Q_PROPERTY(double target READ target NOTIFY goalChanged FINAL)
     Q_PROPERTY(double value READ value NOTIFY valueChanged FINAL)

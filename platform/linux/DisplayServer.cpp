@@ -21,13 +21,6 @@ std::string environment(const char* name) {
     return value ? value : "";
 }
 
-bool x11Answers() {
-    xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
-    const bool answers = xcb_connection_has_error(connection) == 0;
-    xcb_disconnect(connection);
-    return answers;
-}
-
 bool waylandAnswers(const std::string& display) {
     const std::string path =
         (std::filesystem::path(environment("XDG_RUNTIME_DIR")) / display).string();
@@ -52,22 +45,28 @@ void choose(const char* toolkitPlatform) {
 
 } // namespace
 
-std::string chooseDisplayServer() {
+void DisplayServer::Disconnect::operator()(xcb_connection_t* connection) const {
+    xcb_disconnect(connection);
+}
+
+bool DisplayServer::tryX11() {
+    m_connection.reset(xcb_connect(nullptr, nullptr));
+    return xcb_connection_has_error(m_connection.get()) == 0;
+}
+
+DisplayServer::DisplayServer() {
     if (!environment(toolkitChoice).empty())
-        return {};
+        return;
     const std::string x11 = environment("DISPLAY");
     const std::string wayland = environment("WAYLAND_DISPLAY");
-    if (!x11.empty() && x11Answers()) {
+    if (!x11.empty() && tryX11())
         choose("xcb");
-        return {};
-    }
-    if (!wayland.empty() && waylandAnswers(wayland)) {
+    else if (!wayland.empty() && waylandAnswers(wayland))
         choose("wayland");
-        return {};
-    }
-    if (x11.empty() && wayland.empty())
-        return "there is no display: neither DISPLAY nor WAYLAND_DISPLAY is set";
-    return "the display '" + (x11.empty() ? wayland : x11) + "' does not answer";
+    else if (x11.empty() && wayland.empty())
+        m_error = "there is no display: neither DISPLAY nor WAYLAND_DISPLAY is set";
+    else
+        m_error = "the display '" + (x11.empty() ? wayland : x11) + "' does not answer";
 }
 
 } // namespace quorvane

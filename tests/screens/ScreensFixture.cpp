@@ -4,20 +4,21 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QGuiApplication>
-#include <QKeyEvent>
-#include <QMouseEvent>
 #include <QQuickItem>
+#include <QTest>
 
-#include "app/screens/PressControl.h"
+#include <algorithm>
+
+#include "app/screens/SpringValue.h"
 #include "app/screens/Text.h"
 
 namespace quorvane {
 
 namespace {
 
-constexpr int patience = 5000;
+constexpr int patience = 10'000;
 // Longer than several frames of any display.
-constexpr int quietTime = 250;
+constexpr int quietTime = 200;
 
 void visit(QAccessibleInterface* from,
            const std::function<void(QAccessibleInterface& element)>& visitor) {
@@ -86,10 +87,16 @@ void ScreensTest::waitUntil(const std::function<bool()>& condition, const char* 
 
 void ScreensTest::settle() {
     const QDeadlineTimer deadline(patience);
-    for (int before = -1; before != m_frames; work(quietTime)) {
+    for (int before = -1; before != m_frames || isMoving(); work(quietTime)) {
         before = m_frames;
         ASSERT_FALSE(deadline.hasExpired()) << "the window never comes to rest";
     }
+}
+
+bool ScreensTest::isMoving() {
+    const auto springs = m_window->window().rootObject()->findChildren<SpringValue*>();
+    return std::any_of(springs.begin(), springs.end(),
+                       [](const SpringValue* spring) { return spring->isMoving(); });
 }
 
 std::vector<std::string> ScreensTest::names(QAccessible::Role role) {
@@ -143,21 +150,14 @@ void ScreensTest::toggle(const std::string& name) {
 }
 
 void ScreensTest::type(Qt::Key key, Qt::KeyboardModifiers modifiers) {
-    for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
-        QKeyEvent event(type, key, modifiers);
-        QCoreApplication::sendEvent(&m_window->window(), &event);
-    }
+    QTest::keyClick(&m_window->window(), key, modifiers);
 }
 
 void ScreensTest::click(const std::string& name) {
     QAccessibleInterface* found = element(name);
     ASSERT_TRUE(found) << "there is no " << name;
-    const QPointF global = found->rect().center();
-    const QPointF local = m_window->window().mapFromGlobal(global);
-    QMouseEvent press(QEvent::MouseButtonPress, local, global, Qt::LeftButton, Qt::LeftButton, {});
-    QMouseEvent release(QEvent::MouseButtonRelease, local, global, Qt::LeftButton, {}, {});
-    QCoreApplication::sendEvent(&m_window->window(), &press);
-    QCoreApplication::sendEvent(&m_window->window(), &release);
+    QTest::mouseClick(&m_window->window(), Qt::LeftButton, {},
+                      m_window->window().mapFromGlobal(found->rect().center()));
 }
 
 std::string ScreensTest::focused() {

@@ -65,9 +65,9 @@ protected:
     /// Launches and goes on to the control panel.
     void launchIntoControlPanel();
 
-    /// Lets the toolkit work until `condition` holds; fails the test after five seconds.
+    /// Lets the toolkit work until `condition` holds; fails the test after ten seconds.
     void waitUntil(const std::function<bool()>& condition, const char* what);
-    /// Lets the toolkit work until no frame has been drawn for a while.
+    /// Lets the toolkit work until nothing moves and no frame has been drawn for a while.
     void settle();
     /// Lets the toolkit work for `milliseconds` of real time.
     static void work(int milliseconds);
@@ -102,6 +102,7 @@ protected:
     int m_frames = 0;
 
 private:
+    [[nodiscard]] bool isMoving();
     [[nodiscard]] std::vector<std::string> names(QAccessible::Role role);
 };
 
