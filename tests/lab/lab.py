@@ -23,7 +23,7 @@ def main():
     """Makes the machine if need be and runs it once."""
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("build", type=pathlib.Path)
-    parser.add_argument("--time-limit", type=float, default=240)
+    parser.add_argument("--time-limit", type=float, default=300)
     arguments = parser.parse_args()
     build = arguments.build.resolve()
     job = shlex.join(["exec", "/usr/bin/python3", str(HERE / "guest.py"), str(build),
