@@ -95,6 +95,8 @@ int runWindow(QGuiApplication& application, TerminationSignals& termination,
     return status;
 }
 
+// `name` is the toolkit's to keep, in the form that it asks for.
+// NOLINTNEXTLINE(readability-non-const-parameter)
 int run(char* name, const std::optional<Scenario>& scenario) {
     TerminationSignals termination;
     DisplayServer display;

@@ -18,6 +18,12 @@ CommandLine understood(const std::vector<const char*>& arguments) {
     return std::get<CommandLine>(result);
 }
 
+CommandLine withMode(Mode mode) {
+    CommandLine result;
+    result.mode = mode;
+    return result;
+}
+
 std::string refused(const std::vector<const char*>& arguments) {
     const auto result = parseCommandLine(arguments);
     const auto* error = std::get_if<CommandLineError>(&result);
@@ -40,15 +46,15 @@ TEST(CommandLine, TakesAFileThatLooksLikeAnOption) {
 }
 
 TEST(CommandLine, ChoosesTheDemo) {
-    EXPECT_EQ(understood({"--demo"}), CommandLine{.mode = Mode::Demo});
+    EXPECT_EQ(understood({"--demo"}), withMode(Mode::Demo));
 }
 
 TEST(CommandLine, HelpAndVersionWinOverWhatElseIsAskedFor) {
-    EXPECT_EQ(understood({"--help"}), CommandLine{.mode = Mode::Help});
-    EXPECT_EQ(understood({"-h"}), CommandLine{.mode = Mode::Help});
-    EXPECT_EQ(understood({"--demo", "--help"}), CommandLine{.mode = Mode::Help});
-    EXPECT_EQ(understood({"--version", "--demo"}), CommandLine{.mode = Mode::Version});
-    EXPECT_EQ(understood({"--version", "--help"}), CommandLine{.mode = Mode::Version});
+    EXPECT_EQ(understood({"--help"}), withMode(Mode::Help));
+    EXPECT_EQ(understood({"-h"}), withMode(Mode::Help));
+    EXPECT_EQ(understood({"--demo", "--help"}), withMode(Mode::Help));
+    EXPECT_EQ(understood({"--version", "--demo"}), withMode(Mode::Version));
+    EXPECT_EQ(understood({"--version", "--help"}), withMode(Mode::Version));
 }
 
 TEST(CommandLine, AnUnknownOptionIsAnErrorThatNamesIt) {
