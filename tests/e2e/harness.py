@@ -39,6 +39,11 @@ FINISHED = "✅ [AUDIO] Τελείωσε — ready for next"
 AUDIBLE = -50.0
 """dBFS above which somebody would hear the creak."""
 
+OWN_WORDS = "quorvane: "
+"""How each line begins that the program itself writes to standard error."""
+
+ANY_WORDS = ""
+
 
 def _keep_evidence(step):
     @functools.wraps(step)
@@ -91,8 +96,11 @@ class EndToEndTest(unittest.TestCase):
         return self.program
 
     def screens(self):
-        """The accessible tree of the program."""
-        return self.session.reader.application(self.program)
+        """The accessible tree of the program, once its window has appeared."""
+        screens = self.session.reader.application(self.program)
+        # Its first line comes with its first frame; nobody can press what is not to be seen yet.
+        self.program.console.wait_for(lambda line: True, "the first")
+        return screens
 
     def skip_hardware_check(self):
         """Lets the next launch be a later one."""
@@ -112,11 +120,17 @@ class EndToEndTest(unittest.TestCase):
             self.wait_until(lambda: screens.is_on(CREAK_SWITCH), "the switch to be on")
         return screens
 
-    def leave(self):
-        """Ends the program and makes sure that it ends well."""
+    def leave(self, complaints=None):
+        """Ends the program and makes sure that it ends well.
+
+        Its standard error has to be empty, or to hold but lines that begin with `complaints`.
+        """
         self.program.terminate()
         status, _ = self.program.wait_for_exit()
         self.assertEqual(status, 0)
+        others = [line for line in self.program.errors.text
+                  if complaints is None or not line.startswith(complaints)]
+        self.assertEqual(others, [], "standard error")
 
     def resources_without(self, *names):
         """A resource folder like the program's own, without the files named."""
@@ -162,8 +176,8 @@ class EndToEndTest(unittest.TestCase):
         sound = EVIDENCE / f"{self._testMethodName}.wav"
         self.session.display.screenshot(picture)
         self.recording.save(sound, self.started)
-        console = self.program.console.text if self.program else []
-        errors = self.program.errors.text if self.program else []
+        console = self.program.console.since(self.started) if self.program else []
+        errors = self.program.errors.since(self.started) if self.program else []
         return "\n".join(["", f"screen:    {picture}", f"recording: {sound}",
                           "console:", *(f"  {line}" for line in console),
                           "standard error:", *(f"  {line}" for line in errors)])

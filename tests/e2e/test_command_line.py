@@ -63,8 +63,9 @@ class CommandLine(EndToEndTest):
     def test_a_reader_of_the_console_that_has_gone_is_no_error(self):
         self.skip_hardware_check()
         self.launch(console_reader=False)
-        self.screens().press(ENTER)
-        self.screens().find("SIMULATION ACTIVE")
+        screens = self.session.reader.application(self.program)
+        screens.press(ENTER)
+        screens.find("SIMULATION ACTIVE")
         self.leave()
 
 

@@ -1,6 +1,7 @@
 """Driving a program as a screen reader would."""
 
 import os
+import time
 import warnings
 
 import gi
@@ -66,11 +67,13 @@ class Application:
                 yield from self._walk(child, depth + 1)
 
     def _matches(self, name, roles):
-        try:
-            return [node for _, node in self._walk(self._root)
-                    if node.get_name() == name and (not roles or node.get_role() in roles)]
-        except GLib.Error:
-            return []  # the screen changed under the walk
+        for _ in range(20):
+            try:
+                return [node for _, node in self._walk(self._root)
+                        if node.get_name() == name and (not roles or node.get_role() in roles)]
+            except GLib.Error:
+                time.sleep(0.02)  # the screen changed under the walk
+        return []
 
     def shows(self, name, *roles):
         """Whether something of this name (and one of the roles, if any is given) can be seen."""

@@ -85,6 +85,11 @@ class Lines:
         with self._changed:
             return [text for _, text in self._lines]
 
+    def since(self, start):
+        """The lines so far, each after the seconds from `start` at which it came."""
+        with self._changed:
+            return [f"{arrived - start:7.2f}  {text}" for arrived, text in self._lines]
+
     def wait_for(self, matches, what, timeout=10.0):
         """Waits for a line for which `matches(text)` holds; returns its time and its text."""
         deadline = time.monotonic() + timeout
