@@ -5,6 +5,8 @@
 #include <QGuiApplication>
 #include <QQmlEngine>
 
+#include <future>
+
 #include "app/OrrowinApp.h"
 
 void qml_register_types_Quorvane();
@@ -18,8 +20,7 @@ constexpr auto emojiFont = "Noto Color Emoji";
 
 // The emoji font comes second, for the emoji within a text. A font that is not there must not be
 // named: all letters would come from the next one in the list.
-QFont applicationFont() {
-    QFont font = QGuiApplication::font();
+QFont withOurFamilies(QFont font) {
     QStringList families = font.families();
     if (QFontDatabase::hasFamily(textFont))
         families.prepend(textFont);
@@ -34,7 +35,9 @@ MainWindow::MainWindow(ContentView& content, const Bundle& bundle)
     : m_content(content), m_model(content, bundle) {
     // The screens' types register themselves, if only the linker keeps them.
     [[maybe_unused]] auto* volatile keep = &qml_register_types_Quorvane;
-    QGuiApplication::setFont(applicationFont());
+    // The toolkit's first look at the installed fonts and its loading of the graphics driver are
+    // what takes longest before the first frame, and neither needs the other.
+    auto font = std::async(std::launch::async, withOurFamilies, QGuiApplication::font());
     // The window's texts stand still at their natural size, where the system's own rendering is
     // both sharper and faster to start with.
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
@@ -46,6 +49,8 @@ MainWindow::MainWindow(ContentView& content, const Bundle& bundle)
     m_window.setMaximumSize(size);
     m_window.setResizeMode(QQuickView::SizeRootObjectToView);
     m_window.setColor(Qt::black);
+    m_window.create();
+    QGuiApplication::setFont(font.get());
     m_window.installEventFilter(this);
     connect(&m_window, &QQuickWindow::frameSwapped, this, &MainWindow::onFirstFrame,
             static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
