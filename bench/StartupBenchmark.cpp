@@ -159,6 +159,7 @@ Sample measure(Display& display, const char* program) {
 
 double median(const std::vector<Sample>& samples, double Sample::*field) {
     std::vector<double> values;
+    values.reserve(samples.size());
     for (const Sample& sample : samples)
         values.push_back(sample.*field);
     std::sort(values.begin(), values.end());

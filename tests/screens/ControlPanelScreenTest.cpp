@@ -5,8 +5,6 @@ namespace {
 
 using testing::Contains;
 using testing::ElementsAre;
-using testing::IsSupersetOf;
-using testing::Not;
 
 constexpr auto stop = "STOP, I'M SUFFERING 😭";
 

@@ -54,9 +54,13 @@ private:
 /// The real window over the real controller on a simulated machine, looked at and acted on through
 /// its accessibility tree. The machine's time is virtual, the window's animations are not.
 class ScreensTest : public testing::Test {
+public:
+    ScreensTest(const ScreensTest&) = delete;
+    ScreensTest& operator=(const ScreensTest&) = delete;
+    ~ScreensTest() override;
+
 protected:
     ScreensTest();
-    ~ScreensTest() override;
 
     /// Makes and shows the window and waits until it has appeared.
     void launch();
@@ -66,7 +70,7 @@ protected:
     void launchIntoControlPanel();
 
     /// Lets the toolkit work until `condition` holds; fails the test after ten seconds.
-    void waitUntil(const std::function<bool()>& condition, const char* what);
+    static void waitUntil(const std::function<bool()>& condition, const char* what);
     /// Lets the toolkit work until nothing moves and no frame has been drawn for a while.
     void settle();
     /// Lets the toolkit work for `milliseconds` of real time.
