@@ -4,6 +4,7 @@
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QQmlEngine>
+#include <QQuickItem>
 
 #include <future>
 
@@ -66,6 +67,9 @@ bool MainWindow::show() {
     m_window.setSource(QUrl("qrc:/qt/qml/Quorvane/MainView.qml"));
     if (m_window.status() != QQuickView::Ready)
         return false;
+    // A screen reader can press before there is anything to see, but not before the controller has
+    // appeared: the sensor that a press starts would not have been looked for yet.
+    m_window.rootObject()->setEnabled(false);
     m_window.show();
     return true;
 }
@@ -89,6 +93,7 @@ void MainWindow::onFirstFrame() {
         return;
     m_appeared = true;
     m_content.onAppear();
+    m_window.rootObject()->setEnabled(true);
     emit appeared();
 }
 

@@ -42,6 +42,21 @@ TEST_F(MainWindowTest, TellsTheControllerThatItAppearedOnceItsFirstFrameIsThere)
     EXPECT_EQ(m_machine.runLoop.pendingCount(), timersBefore + 1);
 }
 
+// A press between the window's creation and its first frame opened the control panel with a sensor
+// that nobody had looked for, and the creak stayed silent for good.
+TEST_F(MainWindowTest, CannotBePressedBeforeItHasAppeared) {
+    m_machine.userDefaults.setBool(ContentView::hardwareCheckedKey, true);
+    m_content = std::make_unique<ContentView>(m_machine.platform(), nullptr, m_effects);
+    m_window = std::make_unique<MainWindow>(*m_content, m_machine.bundle);
+    ASSERT_TRUE(m_window->show());
+    pressControl(m_window->window(), "MAKE ME SUFFER 😭");
+    EXPECT_FALSE(m_content->sufferingMode());
+    waitUntil([this] { return hasProbed(); }, "the window has appeared");
+    settle();
+    press("MAKE ME SUFFER 😭");
+    EXPECT_TRUE(m_content->sensor().isRunning());
+}
+
 TEST_F(MainWindowTest, DrawsNothingAtRest) {
     launchChecked();
     for (const char* control : {"", "MAKE ME SUFFER 😭", "Build quality", "About Build quality"}) {
