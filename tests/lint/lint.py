@@ -157,8 +157,21 @@ def check_format(_build):
     return run(["clang-format", "--dry-run", "--Werror", *tracked("*.h", "*.cpp")])
 
 
+def database_for_clang(build):
+    """A folder with the build's compile commands less what only its own compiler understands."""
+    commands = json.loads((build / "compile_commands.json").read_text())
+    for entry in commands:
+        entry["command"] = re.sub(
+            r" -include \S*/cmake_pch\.hxx| -Winvalid-pch| -fpch-\S+", "", entry["command"])
+    folder = build / "tidy"
+    folder.mkdir(exist_ok=True)
+    (folder / "compile_commands.json").write_text(json.dumps(commands))
+    return folder
+
+
 def check_tidy(build):
     """clang-tidy has nothing to say."""
+    database = database_for_clang(build)
     names = sorted(name for name in compile_commands(build) if name in set(sources()))
     # One process a core; what a file says is kept together.
     running, problems = [], []
@@ -174,7 +187,7 @@ def check_tidy(build):
         if len(running) >= cores:
             collect()
         running.append((name, subprocess.Popen(
-            ["clang-tidy", "--quiet", "-p", str(build), str(ROOT / name)], cwd=ROOT,
+            ["clang-tidy", "--quiet", "-p", str(database), str(ROOT / name)], cwd=ROOT,
             stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)))
     while running:
         collect()
