@@ -1,0 +1,34 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/Screens.h"
+
+namespace quorvane {
+
+class X11Overlays;
+
+/// The screens of an X server, Xwayland included, and panels over them that are windows of ours,
+/// drawn in memory without the toolkit's scene. Needs a QGuiApplication by the time it is first
+/// asked for something; nothing is opened before. Where the toolkit is not on X11, or the server
+/// does not answer, there is no main screen, and panels show nowhere.
+class LinuxScreens final : public ScreenService {
+public:
+    LinuxScreens();
+    LinuxScreens(const LinuxScreens&) = delete;
+    LinuxScreens& operator=(const LinuxScreens&) = delete;
+    /// Takes every panel away.
+    ~LinuxScreens() override;
+
+    [[nodiscard]] std::shared_ptr<Screen> mainScreen() override;
+    [[nodiscard]] std::shared_ptr<OverlayPanel>
+    createPanel(const Rect& contentRect, unsigned styleMask, unsigned backing, bool defer) override;
+
+private:
+    [[nodiscard]] const std::shared_ptr<X11Overlays>& overlays();
+
+    std::shared_ptr<X11Overlays> m_overlays;
+    bool m_tried = false;
+};
+
+} // namespace quorvane

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <QObject>
+#include <QSocketNotifier>
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <string_view>
+#include <xcb/xcb.h>
+
+namespace quorvane {
+
+struct FreeReply {
+    void operator()(void* reply) const { std::free(reply); } // NOLINT: the library's allocation.
+};
+
+/// What the display server answered.
+template <class Reply>
+using XcbReply = std::unique_ptr<Reply, FreeReply>;
+
+/// A connection to the X server of our own: its events are ours alone, and its windows go with the
+/// process, however that ends. Main thread only; events come from the Qt event loop.
+class X11Connection {
+public:
+    using EventHandler = std::function<void(const xcb_generic_event_t&)>;
+
+    /// The server that DISPLAY names; null if it does not answer.
+    [[nodiscard]] static std::unique_ptr<X11Connection> open();
+    X11Connection(const X11Connection&) = delete;
+    X11Connection& operator=(const X11Connection&) = delete;
+    ~X11Connection();
+
+    void setEventHandler(EventHandler handler) { m_handler = std::move(handler); }
+
+    [[nodiscard]] xcb_connection_t* get() const { return m_connection; }
+
+    [[nodiscard]] const xcb_screen_t& screen() const { return *m_screen; }
+
+    [[nodiscard]] xcb_window_t root() const { return m_screen->root; }
+
+    /// Sends what has been asked for, and sees to the events that came in while the server was
+    /// being waited for. Needed after every answer that was waited for, or those events are found
+    /// only with the next one.
+    void settle();
+    /// Sends what has been asked for.
+    void flush();
+
+    [[nodiscard]] xcb_atom_t atom(std::string_view name) const;
+    /// Whether a compositing manager blends windows.
+    [[nodiscard]] bool composites() const;
+    /// The visual for 8 bits a colour at `depth` (24, or 32 with alpha); none: 0.
+    [[nodiscard]] xcb_visualid_t visual(int depth) const;
+
+private:
+    X11Connection(xcb_connection_t* connection, int screenNumber);
+
+    void readEvents();
+
+    xcb_connection_t* m_connection;
+    int m_screenNumber;
+    const xcb_screen_t* m_screen;
+    EventHandler m_handler;
+    // What the calls that are still queued belong to: they go with it.
+    QObject m_context;
+    QSocketNotifier m_readable;
+    bool m_settling = false;
+};
+
+} // namespace quorvane
