@@ -49,7 +49,7 @@ TEST_F(MainWindowTest, CannotBePressedBeforeItHasAppeared) {
     m_content = std::make_unique<ContentView>(m_machine.platform(), nullptr, m_effects);
     m_window = std::make_unique<MainWindow>(*m_content, m_machine.bundle);
     ASSERT_TRUE(m_window->show());
-    pressControl(m_window->window(), "MAKE ME SUFFER 😭");
+    press("MAKE ME SUFFER 😭");
     EXPECT_FALSE(m_content->sufferingMode());
     waitUntil([this] { return hasProbed(); }, "the window has appeared");
     settle();
