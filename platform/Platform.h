@@ -4,6 +4,7 @@
 #include "platform/HID.h"
 #include "platform/NotificationCenter.h"
 #include "platform/RunLoop.h"
+#include "platform/Screens.h"
 #include "platform/System.h"
 
 namespace quorvane {
@@ -18,6 +19,7 @@ struct Platform {
     /// The default centre, for notifications inside this process.
     NotificationCenter& defaultCenter;
     AudioService& audio;
+    ScreenService& screens;
     UserDefaults& userDefaults;
     Bundle& bundle;
     SystemInfo& system;

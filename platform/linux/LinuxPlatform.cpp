@@ -8,6 +8,7 @@ Platform LinuxPlatform::platform() {
             .workspace = m_workspace,
             .defaultCenter = m_defaultCenter,
             .audio = m_audio,
+            .screens = m_screens,
             .userDefaults = m_userDefaults,
             .bundle = m_bundle,
             .system = m_system,

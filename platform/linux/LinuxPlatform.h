@@ -7,6 +7,7 @@
 #include "platform/linux/LinuxHID.h"
 #include "platform/linux/LinuxRandom.h"
 #include "platform/linux/LinuxRunLoop.h"
+#include "platform/linux/LinuxScreens.h"
 #include "platform/linux/LinuxSystemInfo.h"
 #include "platform/linux/LinuxUserDefaults.h"
 #include "platform/linux/LinuxWorkspace.h"
@@ -28,6 +29,7 @@ private:
     LinuxWorkspace m_workspace;
     InProcessNotificationCenter m_defaultCenter;
     OpenALAudioService m_audio;
+    LinuxScreens m_screens;
     LinuxUserDefaults m_userDefaults;
     LinuxBundle m_bundle;
     LinuxSystemInfo m_system;

@@ -21,6 +21,7 @@ Platform LiveMachine::platform() {
             .workspace = m_workspace,
             .defaultCenter = m_real.defaultCenter,
             .audio = m_real.audio,
+            .screens = m_real.screens,
             .userDefaults = m_userDefaults ? *m_userDefaults : m_real.userDefaults,
             .bundle = m_real.bundle,
             .system = m_system,

@@ -5,6 +5,7 @@
 #include "platform/simulated/SimulatedAudio.h"
 #include "platform/simulated/SimulatedHID.h"
 #include "platform/simulated/SimulatedRunLoop.h"
+#include "platform/simulated/SimulatedScreens.h"
 #include "platform/simulated/SimulatedSystem.h"
 
 namespace quorvane {
@@ -16,6 +17,7 @@ struct SimulatedMachine {
     InProcessNotificationCenter workspace;
     InProcessNotificationCenter defaultCenter;
     SimulatedAudio audio{runLoop};
+    SimulatedScreens screens;
     SimulatedUserDefaults userDefaults;
     SimulatedBundle bundle;
     SimulatedSystemInfo system;
@@ -28,6 +30,7 @@ struct SimulatedMachine {
                 .workspace = workspace,
                 .defaultCenter = defaultCenter,
                 .audio = audio,
+                .screens = screens,
                 .userDefaults = userDefaults,
                 .bundle = bundle,
                 .system = system,

@@ -52,6 +52,9 @@ public:
 
     std::uint64_t uniform(std::uint64_t upperBound) override;
 
+    /// Begins anew, as if made with `seed`; the script stays.
+    void reseed(std::uint64_t seed) { m_engine.seed(seed); }
+
     /// What the next draws give, in order; each is cut to its draw's upper bound.
     void script(std::initializer_list<std::uint64_t> draws);
 

@@ -1,0 +1,103 @@
+#include "effects/crash/BSODManager.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "base/MainThreadOwned.h"
+#include "effects/crash/BSODView.h"
+#include "effects/crash/OverlayRecipe.h"
+
+namespace quorvane {
+
+namespace {
+
+// Seconds.
+constexpr double showInterval = 15.0;
+constexpr double showDuration = 5.0;
+constexpr double progressInterval = 1.0 / 60;
+
+void invalidate(std::shared_ptr<Timer>& held) {
+    if (const auto timer = std::exchange(held, nullptr))
+        timer->invalidate();
+}
+
+} // namespace
+
+std::shared_ptr<BSODManager> BSODManager::create(const Platform& platform) {
+    return makeMainThreadOwned(platform.runLoop,
+                               std::unique_ptr<BSODManager>(new BSODManager(platform)));
+}
+
+BSODManager::BSODManager(const Platform& platform) : m_platform(platform) {}
+
+BSODManager::~BSODManager() {
+    // Timers and panel are only let go: the timers find nobody, and the panel is the owner's to
+    // have taken away.
+    requireMainThread(m_platform.runLoop, "BSODManager");
+}
+
+void BSODManager::start() {
+    if (m_isActive)
+        return;
+    m_isActive = true;
+    m_bsodTimer =
+        m_platform.runLoop.scheduledTimer(showInterval, true, [weak = weak_from_this()](Timer&) {
+            if (const auto manager = weak.lock())
+                manager->showBSOD();
+        });
+}
+
+void BSODManager::stop() {
+    m_isActive = false;
+    m_isShowing = false;
+    invalidate(m_bsodTimer);
+    invalidate(m_progressTimer);
+    removePanel();
+}
+
+void BSODManager::showBSOD() {
+    const StopCode& row = errors.at(m_platform.random.uniform(errors.size() - 1));
+    m_screen->errorMessage = std::string(row.msg);
+    m_screen->errorCode = std::string(row.code);
+    m_screen->progress = 0.0;
+    m_isShowing = true;
+    showPanel();
+    const double startDate = m_platform.runLoop.currentDate();
+    if (m_progressTimer)
+        m_progressTimer->invalidate();
+    m_progressTimer = m_platform.runLoop.scheduledTimer(
+        progressInterval, true, [weak = weak_from_this(), startDate](Timer& timer) {
+            if (const auto manager = weak.lock())
+                manager->tick(timer, startDate);
+            else
+                timer.invalidate();
+        });
+}
+
+void BSODManager::showPanel() {
+    const auto screen = m_platform.screens.mainScreen();
+    if (!screen)
+        return;
+    m_bsodWindow =
+        showOverlay(m_platform.screens, *screen,
+                    {.opaque = true, .background = BSODView::background, .ignoresMouseEvents = {}},
+                    std::make_shared<BSODView>(m_screen));
+}
+
+void BSODManager::tick(Timer& timer, double startDate) {
+    const double elapsed = m_platform.runLoop.currentDate() - startDate;
+    const double fraction = std::min(elapsed / showDuration, 1.0);
+    m_screen->progress = fraction;
+    if (fraction < 1.0)
+        return;
+    timer.invalidate();
+    m_isShowing = false;
+    removePanel();
+}
+
+void BSODManager::removePanel() {
+    if (const auto panel = std::exchange(m_bsodWindow, nullptr))
+        panel->orderOut();
+}
+
+} // namespace quorvane

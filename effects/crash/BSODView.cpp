@@ -1,0 +1,152 @@
+#include "effects/crash/BSODView.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+namespace quorvane {
+
+namespace {
+
+constexpr Color white(double opacity) {
+    return {.red = 1, .green = 1, .blue = 1, .alpha = opacity};
+}
+
+using Weight = TextStyle::Weight;
+
+constexpr TextStyle faceStyle{.size = 120, .weight = Weight::Light, .color = white(1)};
+constexpr TextStyle sentenceStyle{.size = 24, .weight = Weight::Bold, .color = white(1)};
+constexpr TextStyle hintStyle{.size = 16, .weight = Weight::Regular, .color = white(0.8)};
+constexpr TextStyle percentStyle{.size = 16, .weight = Weight::Bold, .color = white(1)};
+constexpr TextStyle completeStyle{.size = 14, .weight = Weight::Regular, .color = white(0.8)};
+constexpr TextStyle codeStyle{.size = 14, .weight = Weight::Regular, .color = white(0.6)};
+
+constexpr std::string_view face = ":(";
+constexpr std::string_view sentence =
+    "Your Mac ran into a problem that it couldn't handle, and now it needs to restart.";
+constexpr std::string_view hintText =
+    "If you'd like to know more, you can search online later for this error:\n";
+constexpr std::string_view longestComplete = "Complete: 100%";
+
+// Points.
+constexpr double horizontalPadding = 100;
+constexpr double verticalPadding = 80;
+constexpr double faceGap = 24;
+constexpr double sentenceGap = 32;
+constexpr double hintGap = 40;
+constexpr double widestSentence = 700;
+constexpr double ringSize = 70;
+constexpr double ringLine = 3;
+constexpr double ringOpacity = 0.25;
+constexpr double rowSpacing = 32;
+constexpr double lineSpacing = 4;
+
+std::string percentText(int percent) {
+    return std::to_string(percent) + "%";
+}
+
+} // namespace
+
+struct BSODView::Layout {
+    double width = 0;
+    double sentenceWidth = 0;
+    double sentenceY = 0;
+    double hintY = 0;
+    double ringX = 0;
+    double ringY = 0;
+    double linesX = 0;
+    double linesWidth = 0;
+    double completeY = 0;
+    double completeHeight = 0;
+    double codeY = 0;
+
+    [[nodiscard]] double ringCenterX() const { return ringX + ringSize / 2; }
+
+    [[nodiscard]] double ringCenterY() const { return ringY + ringSize / 2; }
+};
+
+BSODView::Layout BSODView::layOut(Canvas& canvas, Size size) const {
+    Layout layout;
+    layout.width = std::max(size.width - 2 * horizontalPadding, 0.0);
+    layout.sentenceWidth = std::min(layout.width, widestSentence);
+    layout.sentenceY =
+        verticalPadding + canvas.measure(face, faceStyle, layout.width).height + faceGap;
+    layout.hintY = layout.sentenceY +
+                   canvas.measure(sentence, sentenceStyle, layout.sentenceWidth).height +
+                   sentenceGap;
+    const double rowY =
+        layout.hintY + canvas.measure(hint(), hintStyle, layout.width).height + hintGap;
+    layout.linesX = horizontalPadding + ringSize + rowSpacing;
+    layout.linesWidth = std::max(layout.width - ringSize - rowSpacing, 0.0);
+    layout.completeHeight =
+        canvas.measure(longestComplete, completeStyle, layout.linesWidth).height;
+    const double codeHeight =
+        canvas.measure(m_screen->errorCode.get(), codeStyle, layout.linesWidth).height;
+    const double linesHeight = layout.completeHeight + lineSpacing + codeHeight;
+    const double rowHeight = std::max(ringSize, linesHeight);
+    layout.ringX = horizontalPadding;
+    layout.ringY = rowY + (rowHeight - ringSize) / 2;
+    layout.completeY = rowY + (rowHeight - linesHeight) / 2;
+    layout.codeY = layout.completeY + layout.completeHeight + lineSpacing;
+    return layout;
+}
+
+void BSODView::drawStill(Canvas& canvas, Size size) const {
+    canvas.fill({.x = 0, .y = 0, .width = size.width, .height = size.height}, background);
+    const Layout layout = layOut(canvas, size);
+    canvas.drawText(face, faceStyle, horizontalPadding, verticalPadding, layout.width);
+    canvas.drawText(sentence, sentenceStyle, horizontalPadding, layout.sentenceY,
+                    layout.sentenceWidth);
+    canvas.drawText(hint(), hintStyle, horizontalPadding, layout.hintY, layout.width);
+    canvas.strokeArc(layout.ringCenterX(), layout.ringCenterY(), ringSize / 2, ringLine, 1,
+                     white(ringOpacity));
+    canvas.drawText(m_screen->errorCode.get(), codeStyle, layout.linesX, layout.codeY,
+                    layout.linesWidth);
+}
+
+void BSODView::drawChanging(Canvas& canvas, Size size) const {
+    const Layout layout = layOut(canvas, size);
+    canvas.strokeArc(layout.ringCenterX(), layout.ringCenterY(), ringSize / 2, ringLine,
+                     m_screen->progress, white(1));
+    const std::string inRing = percentText(percent());
+    const Size room = canvas.measure(inRing, percentStyle, ringSize);
+    canvas.drawText(inRing, percentStyle, layout.ringCenterX() - room.width / 2,
+                    layout.ringCenterY() - room.height / 2, ringSize);
+    canvas.drawText("Complete: " + percentText(percent()), completeStyle, layout.linesX,
+                    layout.completeY, layout.linesWidth);
+}
+
+Rect BSODView::changingBounds(Canvas& canvas, Size size) const {
+    const Layout layout = layOut(canvas, size);
+    // A point more all round, for what anti-aliasing adds.
+    constexpr double margin = ringLine / 2 + 1;
+    const double completeWidth =
+        canvas.measure(longestComplete, completeStyle, layout.linesWidth).width;
+    const double top = std::min(layout.ringY - margin, layout.completeY);
+    const double bottom =
+        std::max(layout.ringY + ringSize + margin, layout.completeY + layout.completeHeight);
+    const double left = layout.ringX - margin;
+    return {.x = left,
+            .y = top,
+            .width = layout.linesX + completeWidth + margin - left,
+            .height = bottom - top};
+}
+
+Subscription BSODView::observeChanges(std::function<void()> changed) const {
+    return m_screen->progress.observe(std::move(changed));
+}
+
+std::optional<Spinner> BSODView::spinner(Canvas& /*canvas*/, Size /*size*/) const {
+    return std::nullopt;
+}
+
+std::string BSODView::hint() const {
+    return std::string(hintText) + m_screen->errorMessage.get();
+}
+
+int BSODView::percent() const {
+    // Cut off, not rounded: only what is complete is 100 %.
+    return static_cast<int>(m_screen->progress * 100);
+}
+
+} // namespace quorvane

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/Screens.h"
+
+namespace quorvane {
+
+/// A canvas that keeps what was drawn, with letters of a fixed shape: half as wide as their size,
+/// lines one and a fifth of it high.
+class SimulatedCanvas final : public Canvas {
+public:
+    struct Text {
+        std::string text;
+        TextStyle style;
+        Rect room;
+    };
+
+    struct Arc {
+        double centerX = 0;
+        double centerY = 0;
+        double radius = 0;
+        double lineWidth = 0;
+        double fraction = 0;
+        Color color;
+    };
+
+    struct Fill {
+        Rect rect;
+        Color color;
+    };
+
+    [[nodiscard]] Size measure(std::string_view text, const TextStyle& style,
+                               double width) override;
+    void drawText(std::string_view text, const TextStyle& style, double x, double y,
+                  double width) override;
+    void fill(const Rect& rect, const Color& color) override;
+    void strokeArc(double centerX, double centerY, double radius, double lineWidth, double fraction,
+                   const Color& color) override;
+
+    /// The text that starts with `start`; fails the program if there is none.
+    [[nodiscard]] const Text& textStarting(std::string_view start) const;
+
+    std::vector<Text> texts;
+    std::vector<Arc> arcs;
+    std::vector<Fill> fills;
+};
+
+/// What was done with one panel.
+struct SimulatedPanel {
+    /// In order: "create 0,0 1440x900 style 128 backing 2 defer no", "level 1000", "opaque yes",
+    /// "background 0,0.47,0.83,1", "behavior 257", "ignores mouse no", "content view",
+    /// "frame 0,0 1440x900 display yes", "front", "out".
+    std::vector<std::string> calls;
+    std::shared_ptr<const OverlayView> view;
+    Rect frame;
+    bool shown = false;
+};
+
+/// The screens of a simulated machine and the panels over them.
+class SimulatedScreens final : public ScreenService {
+public:
+    SimulatedScreens();
+    ~SimulatedScreens() override;
+
+    [[nodiscard]] std::shared_ptr<Screen> mainScreen() override;
+    [[nodiscard]] std::shared_ptr<OverlayPanel>
+    createPanel(const Rect& contentRect, unsigned styleMask, unsigned backing, bool defer) override;
+
+    /// The main screen's frame from now on; none: there is no screen.
+    void setMainScreen(std::optional<Rect> frame);
+
+    /// Every panel that was ever created, in that order.
+    [[nodiscard]] const std::vector<std::shared_ptr<SimulatedPanel>>& panels() const {
+        return m_panels;
+    }
+
+    /// Those that are shown now, the frontmost last.
+    [[nodiscard]] std::vector<std::shared_ptr<SimulatedPanel>> shownPanels() const;
+
+private:
+    std::shared_ptr<std::optional<Rect>> m_mainFrame;
+    std::vector<std::shared_ptr<SimulatedPanel>> m_panels;
+    // In stacking order.
+    std::shared_ptr<std::vector<std::shared_ptr<SimulatedPanel>>> m_shown;
+};
+
+} // namespace quorvane
