@@ -1,0 +1,142 @@
+#include <memory>
+#include <optional>
+#include <string>
+
+#include <gmock/gmock.h>
+
+#include "platform/linux/LinuxScreens.h"
+#include "platform/simulated/SimulatedScreens.h"
+#include "tests/support/TestDesktop.h"
+
+namespace quorvane {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// A machine with one screen of 1280 by 800, and what is to be seen on it.
+class Side {
+public:
+    Side() = default;
+    Side(const Side&) = delete;
+    Side& operator=(const Side&) = delete;
+    virtual ~Side() = default;
+    [[nodiscard]] virtual ScreenService& screens() = 0;
+    /// Of the panels that are up, the widths, the foremost last.
+    [[nodiscard]] virtual std::vector<double> shownWidths() = 0;
+};
+
+class SimulatedSide final : public Side {
+public:
+    SimulatedSide() { m_screens.setMainScreen(Rect{.width = 1280, .height = 800}); }
+
+    [[nodiscard]] ScreenService& screens() override { return m_screens; }
+
+    [[nodiscard]] std::vector<double> shownWidths() override {
+        std::vector<double> widths;
+        for (const auto& panel : m_screens.shownPanels())
+            widths.push_back(panel->frame.width);
+        return widths;
+    }
+
+private:
+    SimulatedScreens m_screens;
+};
+
+class LinuxSide final : public Side {
+public:
+    [[nodiscard]] ScreenService& screens() override { return m_screens; }
+
+    [[nodiscard]] std::vector<double> shownWidths() override {
+        TestDesktop::work(30);
+        std::vector<double> widths;
+        for (const QRect& panel : m_desktop.panels())
+            widths.push_back(panel.width());
+        return widths;
+    }
+
+private:
+    TestDesktop m_desktop;
+    LinuxScreens m_screens;
+};
+
+class ScreensContract : public testing::TestWithParam<std::string> {
+protected:
+    ScreensContract() {
+        if (GetParam() == "Linux")
+            m_side = std::make_unique<LinuxSide>();
+        else
+            m_side = std::make_unique<SimulatedSide>();
+    }
+
+    std::shared_ptr<OverlayPanel> makePanel(double width) {
+        auto panel = m_side->screens().createPanel({.x = 0, .y = 0, .width = width, .height = 100},
+                                                   PanelStyle::nonactivatingPanel,
+                                                   PanelBacking::buffered, false);
+        panel->setLevel(PanelLevel::screenSaver);
+        return panel;
+    }
+
+    std::unique_ptr<Side> m_side;
+};
+
+} // namespace
+
+TEST_P(ScreensContract, mainScreenIsTheWholeScreen) {
+    const auto screen = m_side->screens().mainScreen();
+    ASSERT_TRUE(screen);
+    EXPECT_EQ(screen->frame(), (Rect{.width = 1280, .height = 800}));
+}
+
+TEST_P(ScreensContract, panelIsUpFromOrderingFrontToOrderingOut) {
+    const auto panel = makePanel(300);
+    EXPECT_THAT(m_side->shownWidths(), IsEmpty());
+    panel->orderFrontRegardless();
+    EXPECT_THAT(m_side->shownWidths(), ElementsAre(300));
+    panel->orderOut();
+    EXPECT_THAT(m_side->shownWidths(), IsEmpty());
+}
+
+TEST_P(ScreensContract, orderingFrontOrOutTwiceIsHarmless) {
+    const auto panel = makePanel(300);
+    panel->orderOut();
+    panel->orderFrontRegardless();
+    panel->orderFrontRegardless();
+    EXPECT_THAT(m_side->shownWidths(), ElementsAre(300));
+    panel->orderOut();
+    panel->orderOut();
+    EXPECT_THAT(m_side->shownWidths(), IsEmpty());
+}
+
+TEST_P(ScreensContract, panelThatNobodyHoldsStaysUp) {
+    makePanel(300)->orderFrontRegardless();
+    EXPECT_THAT(m_side->shownWidths(), ElementsAre(300));
+}
+
+TEST_P(ScreensContract, panelThatIsLetGoOfUnshownIsNeverSeen) {
+    makePanel(300).reset();
+    EXPECT_THAT(m_side->shownWidths(), IsEmpty());
+}
+
+TEST_P(ScreensContract, panelThatIsOrderedFrontLaterIsOnTop) {
+    const auto one = makePanel(300);
+    const auto other = makePanel(400);
+    one->orderFrontRegardless();
+    other->orderFrontRegardless();
+    EXPECT_THAT(m_side->shownWidths(), ElementsAre(300, 400));
+    one->orderFrontRegardless();
+    EXPECT_THAT(m_side->shownWidths(), ElementsAre(400, 300));
+}
+
+TEST_P(ScreensContract, frameChangesWhileThePanelIsUp) {
+    const auto panel = makePanel(300);
+    panel->orderFrontRegardless();
+    panel->setFrame({.x = 0, .y = 0, .width = 500, .height = 100}, true);
+    EXPECT_THAT(m_side->shownWidths(), ElementsAre(500));
+}
+
+INSTANTIATE_TEST_SUITE_P(Sides, ScreensContract, testing::Values("Simulated", "Linux"),
+                         [](const auto& side) { return side.param; });
+
+} // namespace quorvane

@@ -1,0 +1,111 @@
+#pragma once
+
+#include <QGuiApplication>
+#include <QImage>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+#include <xcb/xcb.h>
+
+#include <sys/types.h>
+
+namespace quorvane {
+
+/// A program that is ended with this object, and with the test if that dies first.
+class TestProgram {
+public:
+    explicit TestProgram(const std::vector<std::string>& command);
+    TestProgram(const TestProgram&) = delete;
+    TestProgram& operator=(const TestProgram&) = delete;
+
+    ~TestProgram() { end(); }
+
+    /// The next line that it writes; waits for it. Empty at its end.
+    [[nodiscard]] std::string line() const;
+    /// At once, with nothing that it could do about it.
+    void end();
+
+private:
+    pid_t m_pid = -1;
+    int m_output = -1;
+};
+
+/// A virtual display of 1280 by 800 with a window manager, the toolkit's application on it, and a
+/// person who looks, clicks and types.
+class TestDesktop {
+public:
+    static constexpr QRect whole{0, 0, 1280, 800};
+
+    TestDesktop();
+    TestDesktop(const TestDesktop&) = delete;
+    TestDesktop& operator=(const TestDesktop&) = delete;
+    ~TestDesktop();
+
+    /// Until this object, or what it gives, goes.
+    [[nodiscard]] std::unique_ptr<TestProgram> startCompositor() const;
+
+    /// Opens a window of one colour that the window manager has given the keyboard, and waits until
+    /// it is all there. Its frame's place is up to the window manager, near `place`.
+    xcb_window_t openWindow(const QRect& place, QRgb color, bool fullScreen = false);
+    /// A window like those of menus, above everything that is there.
+    xcb_window_t openMenu(const QRect& place, QRgb color);
+    void recolor(xcb_window_t window, QRgb color);
+    void close(xcb_window_t window);
+    /// Gives a window the keyboard, by way of the window manager.
+    void activate(xcb_window_t window);
+
+    void click(QPoint place);
+    void pressKey();
+    /// How many clicks and keys the windows of this object have got since the last time.
+    [[nodiscard]] int takeClicks();
+    [[nodiscard]] int takeKeys();
+
+    /// All that the screen shows now.
+    [[nodiscard]] QImage look() const;
+
+    [[nodiscard]] QRgb look(QPoint place) const { return look().pixel(place); }
+
+    [[nodiscard]] xcb_window_t focus() const;
+    /// The places of the panels that are up, the foremost last.
+    [[nodiscard]] std::vector<QRect> panels() const;
+
+    /// Lets the program work until the condition holds, for some seconds at most; whether it held.
+    template <typename Condition>
+    static bool waitFor(const Condition& condition) {
+        for (int step = 0; step < 500; ++step) {
+            QCoreApplication::processEvents();
+            if (condition())
+                return true;
+            pause();
+        }
+        return false;
+    }
+
+    static void work(int milliseconds);
+
+private:
+    static void pause();
+    void startServer();
+    [[nodiscard]] xcb_atom_t atom(const std::string& name) const;
+    [[nodiscard]] bool hasOwner(const std::string& selection) const;
+    [[nodiscard]] bool windowManagerIsThere() const;
+    [[nodiscard]] bool isUp(xcb_window_t window) const;
+    [[nodiscard]] bool isPanel(xcb_window_t window) const;
+    [[nodiscard]] QRect rectOf(xcb_window_t window) const;
+    xcb_window_t makeWindow(const QRect& place, QRgb color, bool overrideRedirect);
+    void fake(uint8_t type, uint8_t detail, QPoint place);
+    void readEvents();
+
+    std::unique_ptr<TestProgram> m_server;
+    std::unique_ptr<TestProgram> m_windowManager;
+    xcb_connection_t* m_connection = nullptr;
+    const xcb_screen_t* m_screen = nullptr;
+    int m_clicks = 0;
+    int m_keys = 0;
+    int m_argumentCount = 3;
+    std::vector<char*> m_arguments;
+    std::optional<QGuiApplication> m_application;
+};
+
+} // namespace quorvane
