@@ -21,9 +21,14 @@ double scaleAt(QPoint place) {
     return primary ? primary->devicePixelRatio() : 1;
 }
 
-bool hasRandR(const X11Connection& connection) {
+XcbReply<xcb_randr_get_monitors_reply_t> listMonitors(const X11Connection& connection) {
     const auto* extension = xcb_get_extension_data(connection.get(), &xcb_randr_id);
-    return extension && extension->present;
+    if (!extension || !extension->present)
+        return nullptr;
+    const auto cookie =
+        xcb_randr_get_monitors(connection.get(), connection.root(), /*get_active=*/1);
+    return XcbReply<xcb_randr_get_monitors_reply_t>{
+        xcb_randr_get_monitors_reply(connection.get(), cookie, nullptr)};
 }
 
 std::optional<QRect> rectOf(const X11Connection& connection, xcb_window_t window) {
@@ -81,16 +86,13 @@ Rect X11Monitor::frame() const {
 
 std::vector<X11Monitor> x11Monitors(const X11Connection& connection) {
     std::vector<X11Monitor> monitors;
-    if (!hasRandR(connection)) {
+    const auto reply = listMonitors(connection);
+    // A server that does not know of monitors is one screen.
+    if (!reply) {
         const auto all = rectOf(connection, connection.root()).value_or(QRect());
         monitors.push_back({.primary = true, .pixels = all, .scale = scaleAt(all.topLeft())});
         return monitors;
     }
-    const XcbReply<xcb_randr_get_monitors_reply_t> reply{xcb_randr_get_monitors_reply(
-        connection.get(),
-        xcb_randr_get_monitors(connection.get(), connection.root(), /*get_active=*/1), nullptr)};
-    if (!reply)
-        return monitors;
     for (auto each = xcb_randr_get_monitors_monitors_iterator(reply.get()); each.rem > 0;
          xcb_randr_monitor_info_next(&each)) {
         const QRect pixels(each.data->x, each.data->y, each.data->width, each.data->height);

@@ -1,6 +1,7 @@
 #include "platform/linux/X11SharedImage.h"
 
 #include <sys/mman.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -14,6 +15,16 @@ constexpr int bytesPerPixel = 4;
 constexpr uint32_t allPlanes = ~0U;
 // Of a request that carries an image: its header, in bytes.
 constexpr size_t imageHeader = 32;
+
+// Through anything but a local socket no memory can be passed: trying to would end the connection.
+bool isLocal(const X11Connection& connection) {
+    sockaddr_storage address{};
+    socklen_t length = sizeof address;
+    // The socket interface gives every family's address through the same pointer.
+    auto* generic = reinterpret_cast<sockaddr*>(&address);
+    return getsockname(xcb_get_file_descriptor(connection.get()), generic, &length) == 0 &&
+           address.ss_family == AF_UNIX;
+}
 
 bool serverShares(const X11Connection& connection) {
     const auto* extension = xcb_get_extension_data(connection.get(), &xcb_shm_id);
@@ -41,7 +52,7 @@ uint16_t extent(Number number) {
 X11SharedImage::X11SharedImage(X11Connection& connection, QSize size, QImage::Format format)
     : m_connection(connection), m_bytes(static_cast<size_t>(size.width()) *
                                         static_cast<size_t>(size.height()) * bytesPerPixel) {
-    if (!serverShares(connection) || !share(size, format))
+    if (!isLocal(connection) || !serverShares(connection) || !share(size, format))
         m_image = QImage(size, format);
 }
 
@@ -93,7 +104,7 @@ void X11SharedImage::put(xcb_window_t window, xcb_gcontext_t context, uint8_t de
 void X11SharedImage::send(xcb_window_t window, xcb_gcontext_t context, uint8_t depth,
                           const QRect& part) const {
     const size_t longest = xcb_get_maximum_request_length(m_connection.get()) * size_t{4};
-    const auto rowBytes = static_cast<size_t>(part.width() * bytesPerPixel);
+    const auto rowBytes = static_cast<size_t>(part.width()) * bytesPerPixel;
     const int rows = static_cast<int>(std::max<size_t>((longest - imageHeader) / rowBytes, 1));
     for (int top = part.top(); top <= part.bottom(); top += rows) {
         const int height = std::min(rows, part.bottom() + 1 - top);

@@ -51,7 +51,8 @@ QRect drawnIn(const QImage& picture, const QRect& part) {
 
 class LinuxScreensTest : public testing::Test {
 protected:
-    LinuxScreensTest() {
+    explicit LinuxScreensTest(const std::vector<std::string>& serverOptions = {})
+        : m_desktop(serverOptions) {
         m_stop->errorMessage = "SYSTEM_THREAD_EXCEPTION_NOT_HANDLED";
         m_stop->errorCode = "0xC000021A";
     }
@@ -104,6 +105,11 @@ protected:
     TestDesktop m_desktop;
     std::shared_ptr<StopScreen> m_stop = std::make_shared<StopScreen>();
     LinuxScreens m_screens;
+};
+
+class PoorServerTest : public LinuxScreensTest {
+protected:
+    PoorServerTest() : LinuxScreensTest({"-extension", "MIT-SHM", "-extension", "RANDR"}) {}
 };
 
 } // namespace
@@ -350,6 +356,24 @@ TEST_F(LinuxScreensTest, pointsAreAsManyPixelsAsTheScaleFactorSays) {
             drawnIn(picture, QRectF(140 * scale, 80 * scale, 60 * scale, 150 * scale).toRect());
         EXPECT_NEAR(mouth.height(), 110 * scale, 2 * scale);
     }
+}
+
+TEST_F(PoorServerTest, stopScreenIsSentWhereNoMemoryIsShared) {
+    const auto panel = showStopScreen();
+    EXPECT_THAT(m_desktop.panels(), ElementsAre(TestDesktop::whole));
+    EXPECT_TRUE(comesToShow({1279, 799}, blue));
+    const QRect before = drawnIn(m_desktop.look(), {98, 395, 74, 200});
+    EXPECT_NEAR(before.height(), 73, 1);
+    EXPECT_FALSE(isNear(m_desktop.look({170, before.center().y()}), white));
+    m_stop->progress = 0.5;
+    EXPECT_TRUE(comesToShow({170, before.center().y()}, white));
+}
+
+TEST_F(PoorServerTest, freezeShowsAStillThatWasSent) {
+    m_desktop.openWindow(TestDesktop::whole, red, true);
+    ASSERT_TRUE(comesToShow(farFromText, red));
+    const auto panel = showFreeze();
+    EXPECT_TRUE(comesToShow(farFromText, veiled(red)));
 }
 
 TEST(LinuxScreensElsewhere, withoutX11ThereIsNoScreenAndPanelsShowNowhere) {

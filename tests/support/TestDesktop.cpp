@@ -73,8 +73,8 @@ void TestProgram::end() {
     ::close(m_output);
 }
 
-TestDesktop::TestDesktop() {
-    startServer();
+TestDesktop::TestDesktop(const std::vector<std::string>& serverOptions) {
+    startServer(serverOptions);
     m_connection = xcb_connect(nullptr, nullptr);
     if (xcb_connection_has_error(m_connection) != 0)
         throw std::runtime_error("the virtual display does not answer");
@@ -95,9 +95,11 @@ TestDesktop::~TestDesktop() {
     xcb_disconnect(m_connection);
 }
 
-void TestDesktop::startServer() {
-    m_server = std::make_unique<TestProgram>(std::vector<std::string>{
-        "Xvfb", "-displayfd", "1", "-screen", "0", "1280x800x24", "-nolisten", "tcp", "-noreset"});
+void TestDesktop::startServer(const std::vector<std::string>& options) {
+    std::vector<std::string> command{"Xvfb",        "-displayfd", "1",   "-screen", "0",
+                                     "1280x800x24", "-nolisten",  "tcp", "-noreset"};
+    command.insert(command.end(), options.begin(), options.end());
+    m_server = std::make_unique<TestProgram>(command);
     const std::string number = m_server->line();
     if (number.empty())
         throw std::runtime_error("Xvfb does not start");

@@ -37,7 +37,8 @@ class TestDesktop {
 public:
     static constexpr QRect whole{0, 0, 1280, 800};
 
-    TestDesktop();
+    /// `serverOptions`: of the X server, such as an extension that it is to do without.
+    explicit TestDesktop(const std::vector<std::string>& serverOptions = {});
     TestDesktop(const TestDesktop&) = delete;
     TestDesktop& operator=(const TestDesktop&) = delete;
     ~TestDesktop();
@@ -86,7 +87,7 @@ public:
 
 private:
     static void pause();
-    void startServer();
+    void startServer(const std::vector<std::string>& options);
     [[nodiscard]] xcb_atom_t atom(const std::string& name) const;
     [[nodiscard]] bool hasOwner(const std::string& selection) const;
     [[nodiscard]] bool windowManagerIsThere() const;
