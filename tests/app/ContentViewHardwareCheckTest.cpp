@@ -1,0 +1,95 @@
+#include "tests/app/ContentViewFixture.h"
+
+namespace quorvane {
+namespace {
+
+using testing::ElementsAre;
+using Screen = ContentView::Screen;
+
+using ContentViewHardwareCheckTest = ContentViewFixture;
+
+TEST_F(ContentViewHardwareCheckTest, the_hardware_check_shows_its_results_after_a_fixed_pause) {
+    addLid(100);
+    machine.system.model = "MacBookPro18,3";
+    machine.system.trusted = true;
+    makeView().onAppear();
+    view->runHardwareCheck();
+    EXPECT_TRUE(view->isChecking());
+    machine.runLoop.advance(1.499);
+    EXPECT_TRUE(view->isChecking());
+    EXPECT_FALSE(view->checkDone());
+    EXPECT_FALSE(view->sensor().sensorFound());
+    machine.runLoop.advance(0.001);
+    EXPECT_FALSE(view->isChecking());
+    EXPECT_TRUE(view->checkDone());
+    EXPECT_TRUE(view->hasLidSensor());
+    EXPECT_TRUE(view->hasAccessibility());
+    EXPECT_TRUE(view->hasTrackpad());
+}
+
+TEST_F(ContentViewHardwareCheckTest, the_results_come_in_their_order) {
+    addLid(100);
+    machine.system.model = "MacBook";
+    machine.system.trusted = true;
+    makeView();
+    std::vector<std::string> order;
+    const auto note = [&](const Observable<bool>& flag, std::string name) {
+        return flag.observe([&order, name = std::move(name)] { order.push_back(name); });
+    };
+    const auto found = note(view->sensor().sensorFound(), "probe");
+    const auto lidFlag = note(view->hasLidSensor(), "lid");
+    const auto access = note(view->hasAccessibility(), "accessibility");
+    const auto trackpad = note(view->hasTrackpad(), "trackpad");
+    const auto done = note(view->checkDone(), "done");
+    const auto checking = note(view->isChecking(), "checking");
+    view->runHardwareCheck();
+    machine.runLoop.advance(2);
+    EXPECT_THAT(order, ElementsAre("checking", "probe", "lid", "accessibility", "trackpad", "done",
+                                   "checking"));
+}
+
+TEST_F(ContentViewHardwareCheckTest, a_sensor_found_only_through_the_fallback_counts_as_not_found) {
+    makeView().runHardwareCheck();
+    machine.runLoop.advance(2);
+    EXPECT_TRUE(view->sensor().sensorFound());
+    EXPECT_FALSE(view->hasLidSensor());
+}
+
+TEST_F(ContentViewHardwareCheckTest, continue_with_every_check_failed_still_persists_and_leaves) {
+    makeView().runHardwareCheck();
+    machine.runLoop.advance(2);
+    EXPECT_FALSE(view->hasLidSensor() || view->hasAccessibility() || view->hasTrackpad());
+    view->confirmHardwareCheck();
+    EXPECT_TRUE(machine.userDefaults.boolForKey("hardwareChecked"));
+    EXPECT_EQ(view->screen(), Screen::Warning);
+}
+
+TEST_F(ContentViewHardwareCheckTest, the_model_test_is_a_substring_in_any_letter_case) {
+    makeView();
+    for (const auto* model : {"MacBookPro18,3", "macbook", "X MACBOOK Y"}) {
+        machine.system.model = model;
+        EXPECT_TRUE(view->isRunningOnMacBook()) << model;
+    }
+    for (const auto* model : {"Mac14,2", "ThinkPad X1", "", "Mac Book"}) {
+        machine.system.model = model;
+        EXPECT_FALSE(view->isRunningOnMacBook()) << model;
+    }
+}
+
+TEST_F(ContentViewHardwareCheckTest,
+       the_check_rows_tell_passed_and_failed_and_the_last_three_are_always_ready) {
+    makeView();
+    const auto failed = view->checkRows();
+    EXPECT_EQ(failed[0].fail, "Lid sensor not found — this feature won't be available");
+    EXPECT_EQ(failed[1].fail, "Accessibility permission needed — enable in System Settings");
+    EXPECT_EQ(failed[2].fail, "No built-in trackpad — vibration won't work");
+    std::vector<bool> passed;
+    for (const CheckRow& each : failed)
+        passed.push_back(each.passed);
+    EXPECT_THAT(passed, ElementsAre(false, false, false, true, true, true));
+    EXPECT_EQ(failed[5],
+              (CheckRow{.feature = "Launch at login", .passed = true, .ok = "Ready", .fail = ""}));
+}
+
+} // namespace
+} // namespace quorvane

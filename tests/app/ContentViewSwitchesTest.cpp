@@ -1,0 +1,173 @@
+#include "tests/app/ContentViewFixture.h"
+
+namespace quorvane {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using ContentViewSwitchesTest = ContentViewFixture;
+
+// The creak's switch.
+
+TEST_F(ContentViewSwitchesTest,
+       the_velocity_feed_runs_sixty_times_a_second_only_while_the_switch_is_on) {
+    makeReturningView().enterSufferingMode();
+    const auto idle = machine.runLoop.pendingCount();
+    row("Build quality").setOn(true);
+    EXPECT_TRUE(view->audioEnabled());
+    EXPECT_EQ(machine.runLoop.pendingCount(), idle + 1);
+    EXPECT_NEAR(*machine.runLoop.nextDeadline() - machine.runLoop.currentMediaTime(), 1.0 / 60,
+                1e-9);
+    row("Build quality").setOn(false);
+    EXPECT_FALSE(view->audioEnabled());
+    EXPECT_EQ(machine.runLoop.pendingCount(), idle);
+}
+
+TEST_F(ContentViewSwitchesTest, a_moving_lid_creaks_while_the_switch_is_on) {
+    addLid(100);
+    const double start = machine.runLoop.currentMediaTime();
+    lid->setAngle(
+        [start](double time) { return 100 + 50 * std::clamp(time - start - 1, 0.0, 1.0); });
+    makeReturningView().enterSufferingMode();
+    view->setHingeCreak(true);
+    machine.runLoop.advance(1);
+    EXPECT_THAT(machine.audio.timeline(), IsEmpty());
+    machine.runLoop.advance(0.5);
+    EXPECT_TRUE(view->audioManager().isPlaying());
+    machine.runLoop.advance(1);
+    EXPECT_FALSE(view->audioManager().isPlaying());
+    const auto& sounds = machine.audio.timeline();
+    ASSERT_EQ(sounds.size(), 1U);
+    // The first whole degree shows after 0.01 s (the sensor rounds), the slope is 0 once the last
+    // moving sample has left the window of 0.2 s; polls and feeds add a period each.
+    EXPECT_NEAR(sounds[0].startTime, start + 1.01, 1.0 / 30 + 1.0 / 60);
+    EXPECT_NEAR(sounds[0].stopTime, start + 2.2, 2.0 / 30 + 1.0 / 60);
+}
+
+TEST_F(ContentViewSwitchesTest, a_moving_lid_is_silent_while_the_switch_is_off) {
+    addLid(100);
+    const double start = machine.runLoop.currentMediaTime();
+    lid->setAngle([start](double time) { return 100 + 20 * (time - start); });
+    makeReturningView().enterSufferingMode();
+    machine.runLoop.advance(2);
+    EXPECT_NE(view->sensor().velocity(), 0);
+    EXPECT_THAT(machine.audio.timeline(), IsEmpty());
+}
+
+TEST_F(ContentViewSwitchesTest, without_a_sensor_waking_screens_creak_for_the_length_of_the_burst) {
+    machine.audio.addFile(creakPath, {.sampleRate = 1000, .channels = 1},
+                          std::vector<float>(4000, 0.5F));
+    makeReturningView().enterSufferingMode();
+    view->setHingeCreak(true);
+    machine.workspace.post(WorkspaceNotification::screensDidWake);
+    machine.runLoop.advance(5);
+    const auto& sounds = machine.audio.timeline();
+    ASSERT_EQ(sounds.size(), 1U);
+    EXPECT_NEAR(sounds[0].stopTime - sounds[0].startTime, 3.05, 1.0 / 60 + 1e-9);
+}
+
+TEST_F(ContentViewSwitchesTest, switching_the_creak_off_silences_it_at_once_and_rewinds) {
+    makeReturningView().enterSufferingMode();
+    view->setHingeCreak(true);
+    machine.workspace.post(WorkspaceNotification::screensDidWake);
+    machine.runLoop.advance(0.5);
+    view->setHingeCreak(false);
+    EXPECT_FALSE(view->audioManager().isPlaying());
+    machine.runLoop.advance(0.1);
+    view->setHingeCreak(true);
+    machine.runLoop.advance(0.1);
+    EXPECT_EQ(machine.audio.timeline().back().offset, 0);
+}
+
+TEST_F(ContentViewSwitchesTest, creak_on_off_on_leaves_exactly_one_live_velocity_timer) {
+    makeReturningView();
+    const auto idle = machine.runLoop.pendingCount();
+    view->setHingeCreak(true);
+    view->setHingeCreak(false);
+    view->setHingeCreak(true);
+    EXPECT_EQ(machine.runLoop.pendingCount(), idle + 1);
+}
+
+TEST_F(ContentViewSwitchesTest, creak_on_twice_leaves_the_earlier_timer_firing_even_after_off) {
+    makeReturningView().enterSufferingMode();
+    const auto idle = machine.runLoop.pendingCount();
+    view->setHingeCreak(true);
+    view->setHingeCreak(true);
+    EXPECT_EQ(machine.runLoop.pendingCount(), idle + 2);
+    view->setHingeCreak(false);
+    EXPECT_EQ(machine.runLoop.pendingCount(), idle + 1);
+    machine.workspace.post(WorkspaceNotification::screensDidWake);
+    machine.runLoop.advance(0.1);
+    EXPECT_TRUE(view->audioManager().isPlaying()) << "the orphaned feed still feeds";
+}
+
+// The other switches.
+
+TEST_F(ContentViewSwitchesTest,
+       the_other_switches_start_and_stop_their_effect_and_show_its_own_flag) {
+    makeReturningView();
+    for (const auto& [label, name] : {std::pair{"Keyboard", "keyboard"},
+                                      {"Thermals", "fan"},
+                                      {"Stability", "bsod"},
+                                      {"Performance", "freeze"}}) {
+        calls.clear();
+        const ToggleRow toggle = row(label);
+        toggle.setOn(true);
+        EXPECT_TRUE(toggle.isOn->get());
+        toggle.setOn(false);
+        EXPECT_FALSE(toggle.isOn->get());
+        EXPECT_THAT(calls, ElementsAre(std::string(name) + " start", std::string(name) + " stop"));
+    }
+}
+
+TEST_F(ContentViewSwitchesTest, a_switch_stays_off_when_its_effect_cannot_run) {
+    makeReturningView();
+    keyboard->canRun = false;
+    row("Keyboard").setOn(true);
+    EXPECT_FALSE(row("Keyboard").isOn->get());
+}
+
+TEST_F(ContentViewSwitchesTest, the_freeze_switch_written_true_while_active_only_calls_start) {
+    makeReturningView();
+    row("Performance").setOn(true);
+    int notices = 0;
+    const auto subscription = row("Performance").isOn->observe([&] { ++notices; });
+    row("Performance").setOn(true);
+    EXPECT_THAT(calls, ElementsAre("freeze start", "freeze start"));
+    EXPECT_EQ(notices, 0);
+}
+
+TEST_F(ContentViewSwitchesTest, the_startup_switch_is_the_startup_experiences_own_flag) {
+    makeReturningView();
+    row("Startup").setOn(false);
+    EXPECT_FALSE(startup.startupSoundEnabled());
+    row("Startup").setOn(true);
+    EXPECT_TRUE(startup.startupSoundEnabled());
+}
+
+// The info popup.
+
+TEST_F(ContentViewSwitchesTest, an_info_button_fills_the_popup_and_dismissal_leaves_its_texts) {
+    makeReturningView().presentInfo(ToggleRowTexts::thermals);
+    EXPECT_TRUE(view->showInfo());
+    EXPECT_EQ(view->activeInfoLabel().get(), "Thermal Performance");
+    view->dismissInfo();
+    EXPECT_FALSE(view->showInfo());
+    EXPECT_EQ(view->activeInfoLabel().get(), "Thermal Performance");
+    EXPECT_EQ(view->activeInfoText().get(),
+              "Original Windows fan acoustics. Authentic thermal management at its finest.\n\n"
+              "Enable and enjoy. Trackpad vibration included.");
+}
+
+TEST_F(ContentViewSwitchesTest, every_info_text_has_one_blank_line) {
+    makeView();
+    for (const ToggleRow& each : view->toggleRows()) {
+        const auto blank = each.text.info.find("\n\n");
+        EXPECT_NE(blank, std::string_view::npos) << each.text.label;
+        EXPECT_EQ(each.text.info.find('\n', blank + 2), std::string_view::npos) << each.text.label;
+    }
+}
+
+} // namespace
+} // namespace quorvane

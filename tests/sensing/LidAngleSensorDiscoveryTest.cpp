@@ -1,0 +1,186 @@
+#include "tests/sensing/LidAngleSensorFixture.h"
+
+#include <algorithm>
+#include <iterator>
+#include <string>
+#include <vector>
+
+namespace quorvane {
+namespace {
+
+using testing::ElementsAre;
+
+constexpr auto fallbackLine =
+    "⚠️ [SENSOR] No HID lid sensor found — using sleep/wake fallback";
+
+using LidAngleSensorDiscoveryTest = LidAngleSensorFixture;
+
+TEST_F(LidAngleSensorDiscoveryTest, finds_the_first_known_product_and_says_so) {
+    probeLidAt(112);
+    EXPECT_TRUE(sensor->sensorFound());
+    EXPECT_THAT(machine.console.lines,
+                ElementsAre("✅ [SENSOR] Found lid sensor! ProductID=0x8104, angle=112°"));
+}
+
+TEST_F(LidAngleSensorDiscoveryTest, asks_a_manager_in_the_promised_order_and_keeps_it_open) {
+    probeLidAt(112);
+    EXPECT_THAT(machine.hid.calls(),
+                ElementsAre("create", "match 1452:33028", "schedule", "open", "copy"));
+}
+
+TEST_F(LidAngleSensorDiscoveryTest,
+       tries_the_products_in_their_order_and_then_every_device_of_the_maker) {
+    sensor->probeSensor();
+    std::vector<std::string> matches;
+    std::copy_if(machine.hid.calls().begin(), machine.hid.calls().end(),
+                 std::back_inserter(matches),
+                 [](const std::string& call) { return call.starts_with("match"); });
+    EXPECT_THAT(matches, ElementsAre("match 1452:33028", "match 1452:33026", "match 1452:33027",
+                                     "match 1452:33029", "match 1452:33378", "match 1452"));
+}
+
+TEST_F(LidAngleSensorDiscoveryTest, a_later_product_is_found_when_the_earlier_ones_are_missing) {
+    machine.hid.addDevice(0x8262)->setAngle(90);
+    sensor->probeSensor();
+    EXPECT_THAT(machine.console.lines,
+                ElementsAre("✅ [SENSOR] Found lid sensor! ProductID=0x8262, angle=90°"));
+}
+
+TEST_F(LidAngleSensorDiscoveryTest, an_unknown_product_is_found_by_the_scan) {
+    machine.hid.addDevice(0x0ABC)->setAngle(45);
+    sensor->probeSensor();
+    EXPECT_THAT(machine.console.lines,
+                ElementsAre("✅ [SENSOR] Found lid sensor via scan! ProductID=0xabc, angle=45°"));
+    EXPECT_FALSE(sensor->usingSleepWake());
+}
+
+TEST_F(LidAngleSensorDiscoveryTest, the_scan_calls_a_missing_product_id_zero) {
+    machine.hid.addDevice(std::nullopt)->setAngle(45);
+    sensor->probeSensor();
+    EXPECT_THAT(machine.console.lines,
+                ElementsAre("✅ [SENSOR] Found lid sensor via scan! ProductID=0x0, angle=45°"));
+}
+
+TEST_F(LidAngleSensorDiscoveryTest, another_makers_device_is_never_asked) {
+    const auto other = machine.hid.addDevice(0x8104);
+    other->vendorID = 0x046D;
+    other->setAngle(100);
+    sensor->probeSensor();
+    EXPECT_EQ(other->readings(), 0);
+    EXPECT_TRUE(sensor->usingSleepWake());
+}
+
+struct FirstAngle {
+    unsigned degrees;
+    bool accepted;
+};
+
+class FirstAngleTest : public LidAngleSensorFixture,
+                       public testing::WithParamInterface<FirstAngle> {};
+
+TEST_P(FirstAngleTest, decides_whether_the_device_is_the_sensor) {
+    machine.hid.addDevice(0x8104)->setAngle(GetParam().degrees);
+    sensor->probeSensor();
+    EXPECT_EQ(!sensor->usingSleepWake(), GetParam().accepted);
+    EXPECT_TRUE(sensor->sensorFound());
+}
+
+INSTANTIATE_TEST_SUITE_P(Angles, FirstAngleTest,
+                         testing::Values(FirstAngle{0, false}, FirstAngle{1, true},
+                                         FirstAngle{199, true}, FirstAngle{200, false},
+                                         FirstAngle{0x0164, false}),
+                         [](const auto& angle) { return std::to_string(angle.param.degrees); });
+
+TEST_F(LidAngleSensorDiscoveryTest, a_report_of_two_bytes_is_a_failed_read_in_discovery) {
+    machine.hid.addDevice(0x8104)->setReport(SimulatedHIDDevice::Report{1, 100});
+    sensor->probeSensor();
+    EXPECT_TRUE(sensor->usingSleepWake());
+}
+
+TEST_F(LidAngleSensorDiscoveryTest, a_report_longer_than_three_bytes_counts) {
+    machine.hid.addDevice(0x8104)->setReport(SimulatedHIDDevice::Report{1, 100, 0, 9, 9, 9, 9, 9});
+    sensor->probeSensor();
+    EXPECT_FALSE(sensor->usingSleepWake());
+}
+
+TEST_F(LidAngleSensorDiscoveryTest, the_next_device_is_tried_after_one_that_does_not_qualify) {
+    const auto unopenable = machine.hid.addDevice(0x8104);
+    unopenable->setAngle(50);
+    unopenable->refusesOpen = true;
+    const auto unreadable = machine.hid.addDevice(0x8104);
+    unreadable->setReport(std::nullopt);
+    const auto resting = machine.hid.addDevice(0x8104);
+    resting->setAngle(0);
+    machine.hid.addDevice(0x8104)->setAngle(77);
+    machine.hid.addDevice(0x8104)->setAngle(78);
+    sensor->probeSensor();
+    EXPECT_THAT(machine.console.lines,
+                ElementsAre("✅ [SENSOR] Found lid sensor! ProductID=0x8104, angle=77°"));
+    EXPECT_EQ(unopenable->readings(), 0);
+    EXPECT_TRUE(resting->isOpen()) << "a rejected device is left open";
+}
+
+TEST_F(LidAngleSensorDiscoveryTest, a_manager_whose_devices_all_failed_is_closed_and_released) {
+    machine.hid.addDevice(0x8104)->setAngle(0);
+    sensor->probeSensor();
+    const auto& calls = machine.hid.calls();
+    ASSERT_GE(calls.size(), 7U);
+    EXPECT_THAT(
+        (std::vector(calls.begin(), calls.begin() + 7)),
+        ElementsAre("create", "match 1452:33028", "schedule", "open", "copy", "close", "release"));
+    EXPECT_THAT((std::vector(calls.end() - 2, calls.end())), ElementsAre("close", "release"));
+}
+
+TEST_F(LidAngleSensorDiscoveryTest, a_manager_without_devices_is_released_without_closing) {
+    machine.hid.copyGivesNoSet = true;
+    sensor->probeSensor();
+    EXPECT_THAT(machine.hid.calls(), testing::Not(testing::Contains("close")));
+    EXPECT_TRUE(sensor->usingSleepWake());
+}
+
+TEST_F(LidAngleSensorDiscoveryTest, a_manager_that_cannot_be_opened_is_released_without_closing) {
+    machine.hid.managerRefusesOpen = true;
+    machine.hid.addDevice(0x8104)->setAngle(100);
+    sensor->probeSensor();
+    EXPECT_THAT(machine.hid.calls(), testing::Not(testing::AnyOf(testing::Contains("close"),
+                                                                 testing::Contains("copy"))));
+    EXPECT_THAT(machine.console.lines, ElementsAre(fallbackLine));
+}
+
+TEST_F(LidAngleSensorDiscoveryTest, without_a_sensor_both_flags_are_set_and_one_line_is_printed) {
+    sensor->probeSensor();
+    EXPECT_TRUE(sensor->sensorFound());
+    EXPECT_TRUE(sensor->usingSleepWake());
+    EXPECT_THAT(machine.console.lines, ElementsAre(fallbackLine));
+}
+
+TEST_F(LidAngleSensorDiscoveryTest, a_repeated_probe_notifies_nobody_when_nothing_changed) {
+    probeLidAt(100);
+    int notices = 0;
+    const auto found = sensor->sensorFound().observe([&] { ++notices; });
+    const auto fallback = sensor->usingSleepWake().observe([&] { ++notices; });
+    sensor->probeSensor();
+    EXPECT_EQ(notices, 0);
+}
+
+TEST_F(LidAngleSensorDiscoveryTest, a_repeated_probe_that_finds_a_device_leaves_the_fallback) {
+    sensor->probeSensor();
+    probeLidAt(100);
+    EXPECT_FALSE(sensor->usingSleepWake());
+}
+
+TEST_F(LidAngleSensorDiscoveryTest,
+       a_repeated_probe_that_finds_nothing_makes_the_next_start_fall_back) {
+    probeLidAt(100);
+    machine.hid.forgetCalls();
+    lid->setAngle(0);
+    sensor->probeSensor();
+    EXPECT_TRUE(sensor->usingSleepWake());
+    EXPECT_EQ(std::count(machine.hid.calls().begin(), machine.hid.calls().end(), "release"), 6)
+        << "the earlier manager is kept";
+    sensor->start();
+    EXPECT_EQ(machine.console.lines.back(), "📡 [SENSOR] Sleep/wake monitoring started");
+}
+
+} // namespace
+} // namespace quorvane

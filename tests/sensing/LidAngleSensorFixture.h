@@ -1,0 +1,34 @@
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <memory>
+
+#include "platform/simulated/SimulatedMachine.h"
+#include "sensing/LidAngleSensor.h"
+
+namespace quorvane {
+
+/// A sensor on a simulated machine in virtual time.
+class LidAngleSensorFixture : public testing::Test {
+protected:
+    /// A sensor that has found a lid at `degrees`.
+    void probeLidAt(unsigned degrees) {
+        lid = machine.hid.addDevice(0x8104);
+        lid->setAngle(degrees);
+        sensor->probeSensor();
+        ASSERT_FALSE(sensor->usingSleepWake());
+    }
+
+    /// Lets time pass to the next poll and no further.
+    void advanceOnePoll() {
+        machine.runLoop.advance(*machine.runLoop.nextDeadline() -
+                                machine.runLoop.currentMediaTime());
+    }
+
+    SimulatedMachine machine;
+    std::shared_ptr<LidAngleSensor> sensor = LidAngleSensor::create(machine.platform());
+    std::shared_ptr<SimulatedHIDDevice> lid;
+};
+
+} // namespace quorvane
