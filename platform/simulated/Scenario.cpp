@@ -47,15 +47,17 @@ void readObject(const Json& json, const std::string& what, const Readers& reader
     if (!json.is_object())
         throw Mistake(what + " is not an object");
     for (const auto& [key, value] : json.items()) {
-        const auto reader =
+        const auto* const reader =
             std::find_if(readers.begin(), readers.end(),
                          [&key = key](const auto& known) { return known.first == key; });
         if (reader == readers.end())
-            throw Mistake(what + " has an unknown key \"" + key + "\"");
+            throw Mistake(
+                std::string(what).append(" has an unknown key \"").append(key).append("\""));
         try {
             reader->second(value);
         } catch (const Json::exception&) {
-            throw Mistake(what + ": \"" + key + "\" has a value of the wrong kind");
+            throw Mistake(std::string(what).append(": \"").append(key).append(
+                "\" has a value of the wrong kind"));
         }
     }
 }

@@ -11,6 +11,9 @@ struct Overloaded : Visitors... {
     using Visitors::operator()...;
 };
 
+template <class... Visitors>
+Overloaded(Visitors...) -> Overloaded<Visitors...>;
+
 } // namespace
 
 ScenarioPlayer::ScenarioPlayer(Scenario scenario, RunLoop& runLoop, NotificationCenter& workspace,

@@ -21,7 +21,8 @@ PCMBuffer chirp(const AudioFormat& format, std::uint32_t frames) {
                      .frameLength = frames,
                      .samples = std::vector<float>(std::size_t{frames} * format.channels)};
     for (std::size_t i = 0; i < buffer.samples.size(); ++i) {
-        const double time = static_cast<double>(i / format.channels) / format.sampleRate;
+        const std::size_t frame = i / format.channels;
+        const double time = static_cast<double>(frame) / format.sampleRate;
         const double base = i % format.channels == 0 ? 300 : 450;
         const double phase = 2 * std::numbers::pi * (base * time + 400 * time * time);
         buffer.samples[i] = static_cast<float>(0.35 * std::cos(phase));

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "platform/simulated/SimulatedRunLoop.h"
@@ -13,7 +14,7 @@ TEST(TimerQueue, a_sixtieth_of_a_second_keeps_to_its_grid_for_a_day) {
     TimerQueue queue;
     std::int64_t firings = 0;
     queue.schedule(0, 1.0 / 60, true, [&](Timer&) { ++firings; });
-    constexpr std::int64_t perDay = 60 * 86400;
+    constexpr std::int64_t perDay = std::int64_t{60} * 86400;
     while (firings < perDay)
         queue.runNext(*queue.nextDeadline());
     // One firing later: exactly a day and a sixtieth, to the nanosecond.
@@ -46,10 +47,17 @@ TEST(TimerQueue, a_handle_may_outlive_the_queue) {
 }
 
 TEST(TimerQueue, what_a_block_owns_may_invalidate_other_timers_while_the_queue_goes) {
-    struct Invalidator {
-        std::shared_ptr<Timer> timer;
+    class Invalidator {
+    public:
+        explicit Invalidator(std::shared_ptr<Timer> timer) : m_timer(std::move(timer)) {}
 
-        ~Invalidator() { timer->invalidate(); }
+        Invalidator(const Invalidator&) = delete;
+        Invalidator& operator=(const Invalidator&) = delete;
+
+        ~Invalidator() { m_timer->invalidate(); }
+
+    private:
+        std::shared_ptr<Timer> m_timer;
     };
 
     auto queue = std::make_unique<TimerQueue>();
