@@ -40,8 +40,11 @@ X11Connection::X11Connection(xcb_connection_t* connection, int screenNumber)
     : m_connection(connection), m_screenNumber(screenNumber),
       m_screen(screenAt(connection, screenNumber)),
       m_readable(xcb_get_file_descriptor(connection), QSocketNotifier::Read) {
-    QObject::connect(&m_readable, &QSocketNotifier::activated, &m_context,
+    QObject::connect(&m_readable, &QSocketNotifier::activated, &m_readable,
                      [this] { readEvents(); });
+    m_settle.setSingleShot(true);
+    m_settle.setInterval(0);
+    QObject::connect(&m_settle, &QTimer::timeout, &m_settle, [this] { readEvents(); });
 }
 
 X11Connection::~X11Connection() {
@@ -51,16 +54,7 @@ X11Connection::~X11Connection() {
 
 void X11Connection::settle() {
     flush();
-    if (m_settling)
-        return;
-    m_settling = true;
-    QMetaObject::invokeMethod(
-        &m_context,
-        [this] {
-            m_settling = false;
-            readEvents();
-        },
-        Qt::QueuedConnection);
+    m_settle.start();
 }
 
 void X11Connection::flush() {

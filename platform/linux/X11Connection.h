@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QObject>
 #include <QSocketNotifier>
+#include <QTimer>
 #include <cstdlib>
 #include <functional>
 #include <memory>
@@ -60,10 +60,8 @@ private:
     int m_screenNumber;
     const xcb_screen_t* m_screen;
     EventHandler m_handler;
-    // What the calls that are still queued belong to: they go with it.
-    QObject m_context;
     QSocketNotifier m_readable;
-    bool m_settling = false;
+    QTimer m_settle;
 };
 
 } // namespace quorvane

@@ -62,9 +62,9 @@ void X11Overlays::add(std::shared_ptr<X11Panel> panel) {
     if (m_shown.empty())
         watch(true);
     std::erase(m_shown, panel);
-    const auto place =
-        std::upper_bound(m_shown.begin(), m_shown.end(), panel->level(),
-                         [](int level, const auto& other) { return level < other->level(); });
+    const auto place = std::find_if(m_shown.begin(), m_shown.end(), [&panel](const auto& other) {
+        return other->level() <= panel->level();
+    });
     m_shown.insert(place, std::move(panel));
     restack();
 }
@@ -91,8 +91,8 @@ void X11Overlays::watch(bool desktop) {
 
 void X11Overlays::restack() {
     xcb_window_t above = XCB_WINDOW_NONE;
-    for (auto panel = m_shown.rbegin(); panel != m_shown.rend(); ++panel) {
-        const X11OverlayWindow* window = (*panel)->window();
+    for (const auto& panel : m_shown) {
+        const X11OverlayWindow* window = panel->window();
         if (!window)
             continue;
         if (above)
@@ -137,7 +137,7 @@ void X11Overlays::handleExpose(const xcb_expose_event_t& event) const {
 void X11Overlays::handleVisibility(const xcb_visibility_notify_event_t& event) {
     // Only the foremost is covered by others alone.
     if (event.state != XCB_VISIBILITY_UNOBSCURED && !m_shown.empty() &&
-        find(event.window) == m_shown.back().get())
+        find(event.window) == m_shown.front().get())
         raiseSoon();
 }
 

@@ -45,7 +45,7 @@ private:
     xcb_cursor_t m_arrow = XCB_CURSOR_NONE;
     // RandR's first event; 0: the server has no RandR.
     int m_screensEvent;
-    // In stacking order.
+    // The foremost first.
     std::vector<std::shared_ptr<X11Panel>> m_shown;
     QTimer m_raise;
     QElapsedTimer m_sinceRaise;
