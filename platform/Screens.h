@@ -23,7 +23,7 @@ public:
     virtual void drawStill(Canvas& canvas, Size size) const = 0;
     /// What changes, over what is still.
     virtual void drawChanging(Canvas& canvas, Size size) const = 0;
-    /// Where `drawChanging` draws; empty if nowhere.
+    /// Where `drawChanging` draws, whatever it will draw while the panel is up; empty if nowhere.
     [[nodiscard]] virtual Rect changingBounds(Canvas& canvas, Size size) const = 0;
     /// Tells that `drawChanging` would draw something else now.
     [[nodiscard]] virtual Subscription observeChanges(std::function<void()> changed) const = 0;
