@@ -95,6 +95,11 @@ class Application:
         """Does what a button does when it is pressed."""
         _do(self.find(name, BUTTON, timeout=timeout), ("press", "click"))
 
+    def presser(self, name):
+        """Looks for a button now; what is returned presses it, without the time of the search."""
+        button = self.find(name, BUTTON)
+        return lambda: _do(button, ("press", "click"))
+
     def toggle(self, name):
         """Turns a switch over."""
         _do(self.find(name, *SWITCHES), ("toggle", "press", "click"))

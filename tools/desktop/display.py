@@ -19,8 +19,7 @@ class Display:
         stack.callback(processes.end, manager)
         wait_until(lambda: self._xdotool_works("get_num_desktops"), "the window manager")
 
-    @staticmethod
-    def _start_server(env, stack, width, height):
+    def _start_server(self, env, stack, width, height):
         # The server itself picks a number that is free, which no look before the leap can promise.
         read_end, write_end = os.pipe()
         try:
@@ -31,6 +30,7 @@ class Display:
         finally:
             os.close(write_end)
         stack.callback(processes.end, server)
+        self.server_pid = server.pid
         with os.fdopen(read_end) as answer:
             number = answer.readline().strip()
         if not number:

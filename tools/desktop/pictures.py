@@ -29,3 +29,15 @@ def detail(path):
     """
     steps = numpy.abs(numpy.diff(pixels(path).astype(int), axis=1)).max(axis=2)
     return float((steps > 24).mean())
+
+
+def near(seen, wanted, tolerance=4):
+    """Whether colours are the same but for rounding: a yes or no for each pixel."""
+    return (numpy.abs(numpy.asarray(seen).astype(int) - wanted) <= tolerance).all(axis=-1)
+
+
+def save(seen, path):
+    """Writes pixels as PNG."""
+    height, width, _ = seen.shape
+    subprocess.run(["convert", "-size", f"{width}x{height}", "-depth", "8", "rgb:-",
+                    f"png:{path}"], input=seen.tobytes(), check=True, timeout=20)

@@ -49,6 +49,10 @@ class Program:
     def terminate(self):
         self._process.send_signal(signal.SIGTERM)
 
+    def kill(self):
+        """Ends it without giving it the chance to clean up."""
+        self._process.send_signal(signal.SIGKILL)
+
     def wait_for_exit(self, timeout=5.0):
         """Waits for the end; returns the exit status (below zero: the signal) and the time."""
         try:

@@ -18,7 +18,8 @@ class Session:
     accessibility client can be on one bus only, a process can have one session.
     """
 
-    def __init__(self):
+    def __init__(self, width=1280, height=1024):
+        self._size = width, height
         self._stack = contextlib.ExitStack()
 
     def __enter__(self):
@@ -36,7 +37,7 @@ class Session:
         self.directory = self._stack.enter_context(
             tempfile.TemporaryDirectory(prefix="quorvane-desktop-", ignore_cleanup_errors=True))
         self._env = processes.base_environment(self.directory)
-        self.display = Display(self._env, self._stack)
+        self.display = Display(self._env, self._stack, *self._size)
         self._bus = Bus(self._env, self.directory, "session", self._stack)
         self._env["DISPLAY"] = self.display.name
         accessibility = AccessibilityBus(self._env, self._bus.address, self._stack)
