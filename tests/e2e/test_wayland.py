@@ -1,0 +1,79 @@
+"""The panels over a native Wayland window that fills the screen."""
+
+import time
+import unittest
+
+from harness import EVIDENCE, EndToEndTest
+from desktop.pictures import near, save
+from desktop.wayland import WaylandDisplay
+
+BLUE = (0, 120, 212)
+BENEATH = (200, 40, 120)
+# 55 % of white over it.
+VEILED = tuple(round(0.45 * value + 0.55 * 255) for value in BENEATH)
+
+LATE = 1.0
+"""Seconds by which a panel may be seen beside its time: a look takes some tenths of one."""
+
+
+class WaylandTest(EndToEndTest):
+    def setUp(self):
+        super().setUp()
+        self.desktop = WaylandDisplay(self.stack)
+        self.environment |= self.desktop.environment
+        self.panel = self.launch_into_control_panel(creak=False)
+        # The terminal's cursor is within its margins and touches no corner.
+        self.desktop.start(
+            ["foot", "--fullscreen", "--override", "colors.background=%02x%02x%02x" % BENEATH,
+             "sleep", "300"], self.stack)
+        self.wait_for_corners(BENEATH, 10)
+        self.focused = self.desktop.focused()
+
+    def corners(self):
+        picture = self.desktop.look()
+        return picture[[0, 0, -1, -1], [0, -1, 0, -1]]
+
+    def wait_for_corners(self, color, timeout):
+        """Waits until all four have a colour and returns when they were seen to."""
+        self.wait_until(lambda: near(self.corners(), color).all(), f"{color} in the corners",
+                        timeout)
+        return time.monotonic()
+
+    def check(self, switch, color, name, delays, lengths):
+        before = time.monotonic()
+        self.panel.toggle(switch)
+        self.wait_until(lambda: self.panel.is_on(switch), f"{switch} to be on")
+        after = time.monotonic()
+        shown = self.wait_for_corners(color, delays[1] + 2)
+        self.assertGreater(shown, before + delays[0] - LATE)
+        self.assertLess(shown, after + delays[1] + LATE)
+        picture = self.desktop.look()
+        EVIDENCE.mkdir(parents=True, exist_ok=True)
+        save(picture, EVIDENCE / f"{name}.png")
+        self.assertEqual(self.desktop.focused(), self.focused)
+        gone = self.wait_for_corners(BENEATH, lengths[1] + 2)
+        self.assertGreater(gone, shown + lengths[0] - LATE)
+        self.assertLess(gone, shown + lengths[1] + LATE)
+        self.assertEqual(self.desktop.focused(), self.focused)
+        self.leave()
+        return picture
+
+
+class StopScreen(WaylandTest):
+    def test_comes_above_it(self):
+        picture = self.check("Stability", BLUE, "stop-screen-wayland", (15, 15), (5, 5))
+        self.assertGreater(near(picture, BLUE).mean(), 0.95)
+        self.assertGreater(near(picture[240:320, 100:804], (255, 255, 255), 30).sum(), 1000)
+
+
+class Freeze(WaylandTest):
+    def test_comes_above_it_and_lets_it_be_seen(self):
+        picture = self.check("Performance", VEILED, "freeze-wayland", (20, 40), (3, 4))
+        veiled = near(picture, VEILED)
+        self.assertGreater(veiled.mean(), 0.95)
+        middle = veiled[picture.shape[0] // 2 - 150:, :][:300, 490:790]
+        self.assertLess(middle.mean(), 0.98)
+
+
+if __name__ == "__main__":
+    unittest.main()
