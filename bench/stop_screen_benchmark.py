@@ -1,0 +1,161 @@
+#!/usr/bin/python3
+"""What one stop screen costs, beside xscreensaver's bsod in a window of the same size.
+
+Usage: stop_screen_benchmark.py BUILD_FOLDER [TURNS]
+
+Both run in turn on one virtual display of 1280x800, each for the 5 s that a stop screen is up.
+Prints figures, and judges none of them.
+"""
+
+import contextlib
+import os
+import pathlib
+import statistics
+import subprocess
+import sys
+import time
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "tools"))
+
+from desktop import processes  # noqa: E402 (found through the line above)
+from desktop.eye import Eye  # noqa: E402
+from desktop.session import Session  # noqa: E402
+from desktop.waiting import wait_until  # noqa: E402
+
+PROGRAM_BLUE = (0, 120, 212)
+OTHER = "/usr/libexec/xscreensaver/bsod"
+# The one of its screens that is most like ours: a page of text and a percentage that counts up.
+OTHER_SCREEN = "win10"
+SHOWN_FOR = 5.0
+WAIT = 15.0
+AHEAD = 0.3
+"""Seconds before the panel is due from which on the program is watched."""
+ASLEEP = 0.010
+"""Seconds without processor time after which the program counts as having been asleep: far more
+than it waits for the display server's answers, far less than is between its regular wakings."""
+
+
+def processor_time(pid):
+    """Seconds of processor time of all threads of a process so far."""
+    # The number of another process's clock, as clock_getcpuclockid() makes it.
+    return time.clock_gettime((~pid << 3) | 2)
+
+
+def memory(pid):
+    """Memory in use, shared pages counted by their share, in MiB."""
+    text = pathlib.Path(f"/proc/{pid}/smaps_rollup").read_text()
+    kilobytes, = [line.split()[1] for line in text.splitlines() if line.startswith("Pss:")]
+    return int(kilobytes) / 1024
+
+
+def rest_until(instant):
+    time.sleep(max(0.0, instant - time.monotonic()))
+
+
+def first_pixels(eye, pid, deadline):
+    """Watches closely until a corner is blue; how many seconds the program has worked on that.
+
+    The program sleeps until the timer fires and works from then on until the panel is there: the
+    beginning of the last work before the first pixels is when the timer fired.
+    """
+    spent = processor_time(pid)
+    woke = worked = time.monotonic()
+    while time.monotonic() < deadline:
+        now, spent_now = time.monotonic(), processor_time(pid)
+        if spent_now > spent:
+            if now - worked > ASLEEP:
+                woke = now
+            spent, worked = spent_now, now
+        if eye.pixel(eye.width - 1, eye.height - 1) == PROGRAM_BLUE:
+            return time.monotonic() - woke
+        time.sleep(0.0001)
+    raise SystemExit("no stop screen came")
+
+
+def measure_program(program, screens, server, eye):
+    idle_memory = memory(program.pid)
+    screens.toggle("Stability")
+    begun = time.monotonic()
+    rest_until(begun + WAIT - AHEAD - SHOWN_FOR)
+    idle = processor_time(program.pid)
+    rest_until(begun + WAIT - AHEAD)
+    before, server_before = processor_time(program.pid), processor_time(server)
+    idle = before - idle
+    rest_until(begun + WAIT + SHOWN_FOR / 2)
+    shown_memory = memory(program.pid)
+    rest_until(begun + WAIT + SHOWN_FOR + AHEAD)
+    figures = {"processor time (ms)": (processor_time(program.pid) - before) * 1000,
+               "of it without a stop screen (ms)": idle * 1000,
+               "display server (ms)": (processor_time(server) - server_before) * 1000,
+               "memory (MiB)": shown_memory,
+               "of it for the panel (MiB)": shown_memory - idle_memory}
+    # The next one is watched, which would have cost the display server time before.
+    rest_until(begun + 2 * WAIT - AHEAD)
+    took = first_pixels(eye, program.pid, begun + 2 * WAIT + 3)
+    figures["from the timer to the first pixels (ms)"] = took * 1000
+    screens.toggle("Stability")
+    time.sleep(1)
+    return figures
+
+
+def measure_other(session, environment, server):
+    with contextlib.ExitStack() as stack:
+        server_before = processor_time(server)
+        process = processes.start(
+            [OTHER, "--window", "--geometry", "1280x800+0+0", "--only", OTHER_SCREEN],
+            environment, stdout=subprocess.DEVNULL)
+        stack.callback(processes.end, process)
+        window, = wait_until(lambda: session.display.windows("BSOD: .*"), "the other's window")
+        shown = time.monotonic()
+        start = processor_time(process.pid)
+        rest_until(shown + SHOWN_FOR / 2)
+        used = memory(process.pid)
+        rest_until(shown + SHOWN_FOR)
+        total = processor_time(process.pid)
+        size = session.display.geometry(window)[2:]
+        if process.poll() is not None or size != (1280, 800):
+            raise SystemExit(f"the other has ended, or its window is {size}")
+        return {"processor time (ms)": total * 1000,
+                "of it before its window was there (ms)": start * 1000,
+                "display server (ms)": (processor_time(server) - server_before) * 1000,
+                "memory (MiB)": used}
+
+
+def print_figures(name, turns):
+    print(f"== {name}")
+    medians = {key: statistics.median(turn[key] for turn in turns) for key in turns[0]}
+    for key, median in medians.items():
+        each = "  ".join(f"{turn[key]:.1f}" for turn in turns)
+        print(f"{key}: median {median:.1f}  ({each})")
+    return medians
+
+
+def main():
+    build = pathlib.Path(sys.argv[1])
+    count = int(sys.argv[2]) if len(sys.argv) > 2 else 3
+    ours, others = [], []
+    with contextlib.ExitStack() as stack:
+        session = stack.enter_context(Session(1280, 800))
+        home = os.path.join(session.directory, "home")
+        environment = session.environment(home)
+        settings = pathlib.Path(environment["XDG_CONFIG_HOME"], "quorvane", "quorvane.ini")
+        settings.parent.mkdir(parents=True)
+        settings.write_text("[General]\nhardwareChecked=true\n")
+        server = session.display.server_pid
+        eye = Eye(session.display.name, stack)
+        program = session.run([str(build / "quorvane")], environment, stack)
+        screens = session.reader.application(program)
+        screens.press("MAKE ME SUFFER 😭")
+        screens.find("Stability")
+        for _ in range(count):
+            ours.append(measure_program(program, screens, server, eye))
+            others.append(measure_other(session, environment, server))
+    own = print_figures("one stop screen", ours)
+    other = print_figures(f"xscreensaver's bsod ({OTHER_SCREEN}), {SHOWN_FOR:g} s", others)
+    print("== ratio of the medians, ours to the other")
+    for key in ("processor time (ms)", "display server (ms)", "memory (MiB)"):
+        print(f"{key.split(' (')[0]}: {own[key] / other[key]:.2f}")
+
+
+if __name__ == "__main__":
+    main()
