@@ -70,12 +70,12 @@ void preciseQTimer(benchmark::State& state) {
 }
 
 // Turn by turn, so that a noisy moment of the machine meets both.
-void registerAll() {
-    for (const int rate : {20, 30, 60}) {
-        benchmark::RegisterBenchmark("RunLoop", ownRunLoop)->Arg(rate)->Iterations(1);
-        benchmark::RegisterBenchmark("QTimer", preciseQTimer)->Arg(rate)->Iterations(1);
-    }
-}
+BENCHMARK(ownRunLoop)->Arg(20)->Iterations(1);
+BENCHMARK(preciseQTimer)->Arg(20)->Iterations(1);
+BENCHMARK(ownRunLoop)->Arg(30)->Iterations(1);
+BENCHMARK(preciseQTimer)->Arg(30)->Iterations(1);
+BENCHMARK(ownRunLoop)->Arg(60)->Iterations(1);
+BENCHMARK(preciseQTimer)->Arg(60)->Iterations(1);
 
 } // namespace
 } // namespace quorvane
@@ -85,6 +85,5 @@ int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 2;
-    quorvane::registerAll();
     benchmark::RunSpecifiedBenchmarks();
 }
