@@ -3,8 +3,6 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
-#include <QPointer>
-#include <QThread>
 #include <utility>
 
 namespace quorvane {
@@ -21,6 +19,9 @@ const QString logindPath = QStringLiteral("/org/freedesktop/login1");
 const QString logindManager = QStringLiteral("org.freedesktop.login1.Manager");
 const QString lidIsPresent = QStringLiteral("LidIsPresent");
 const QString lidIsClosed = QStringLiteral("LidIsClosed");
+
+// Milliseconds; a bus that is well takes one or two.
+constexpr unsigned long longestWait = 500;
 
 QString newConnectionName() {
     static int count = 0;
@@ -41,6 +42,14 @@ SleepSignals::SleepSignals(QString address, std::function<void(bool asleep)> rep
 
 SleepSignals::~SleepSignals() {
     endSession();
+    // One that is still connecting while the process ends would find the library already gone. A
+    // bus that never answers keeps its thread asleep, which then ends with the process.
+    for (const Connecting& connecting : m_connecting) {
+        if (!connecting.thread || !connecting.thread->wait(longestWait))
+            continue;
+        delete connecting.thread.data();
+        QDBusConnection::disconnectFromBus(connecting.name);
+    }
 }
 
 void SleepSignals::start() {
@@ -80,11 +89,16 @@ void SleepSignals::connectInBackground() {
     connect(thread, &QThread::finished, thread,
             [thread, self = QPointer(this), name = m_connectionName] {
                 thread->deleteLater();
+                if (self)
+                    std::erase_if(self->m_connecting, [thread](const Connecting& connecting) {
+                        return connecting.thread == thread;
+                    });
                 if (self && self->m_connectionName == name)
                     self->subscribe();
                 else
                     QDBusConnection::disconnectFromBus(name);
             });
+    m_connecting.push_back({.thread = thread, .name = m_connectionName});
     thread->start();
 }
 

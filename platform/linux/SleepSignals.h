@@ -3,10 +3,13 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QObject>
+#include <QPointer>
 #include <QString>
+#include <QThread>
 #include <QVariantMap>
 #include <functional>
 #include <memory>
+#include <vector>
 
 #include "platform/linux/ScreenSleepState.h"
 
@@ -48,6 +51,14 @@ private:
 
     const QString m_address;
     const std::function<void(bool asleep)> m_report;
+
+    /// A thread on its way to a connection of that name.
+    struct Connecting {
+        QPointer<QThread> thread;
+        QString name;
+    };
+
+    std::vector<Connecting> m_connecting;
 
     // All of one start-to-stop span.
     QString m_connectionName;
