@@ -18,41 +18,20 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
-#include <cstdio>
-#include <fstream>
+#include <cstddef>
 #include <numbers>
-#include <random>
 #include <span>
-#include <string>
-#include <utility>
 #include <vector>
 
+#include "resources/synthesis/Draws.h"
+#include "resources/synthesis/Filters.h"
+#include "resources/synthesis/SoundFile.h"
+
+namespace quorvane::synthesis {
 namespace {
 
-constexpr double sampleRate = 44100;
 constexpr double length = 3.2;
-constexpr std::size_t frameCount = static_cast<std::size_t>(length * sampleRate);
-// The encoder may overshoot the highest sample by a decibel or so.
-constexpr double peakLevel = 0.7;
-
-/// Draws that are the same with every standard library, unlike its distributions.
-class Draws {
-public:
-    /// From 0 up to 1.
-    double uniform() { return static_cast<double>(m_engine() >> 11U) * 0x1p-53; }
-
-    /// Of mean 0 and standard deviation 1, near enough: the sum of twelve uniform draws.
-    double normal() {
-        double sum = -6;
-        for (int i = 0; i < 12; ++i)
-            sum += uniform();
-        return sum;
-    }
-
-private:
-    std::mt19937_64 m_engine{20240229};
-};
+constexpr std::size_t frameCount = frames(length);
 
 /// The lid's speed against its mean: an arc from a slow start over a quicker middle to a slow end,
 /// and the unsteadiness of a hand on top, as noise that is remembered for a fifth of a second.
@@ -103,34 +82,6 @@ private:
     double m_roughness = 1;
 };
 
-/// One resonance: two poles, with zeros at 0 Hz and at half the sample rate.
-class Mode {
-public:
-    Mode(double frequency, double decayTime, double gain) {
-        const double radius = std::exp(-1 / (decayTime * sampleRate));
-        m_feedback1 = 2 * radius * std::cos(2 * std::numbers::pi * frequency / sampleRate);
-        m_feedback2 = -radius * radius;
-        m_gain = gain;
-    }
-
-    double next(double input) {
-        const double output =
-            m_gain * (input - m_input2) + m_feedback1 * m_output1 + m_feedback2 * m_output2;
-        m_input2 = std::exchange(m_input1, input);
-        m_output2 = std::exchange(m_output1, output);
-        return output;
-    }
-
-private:
-    double m_feedback1 = 0;
-    double m_feedback2 = 0;
-    double m_gain = 0;
-    double m_input1 = 0;
-    double m_input2 = 0;
-    double m_output1 = 0;
-    double m_output2 = 0;
-};
-
 /// What the hinge is screwed to and what it is made of: frequency in Hz, decay in s, gain.
 std::vector<Mode> makeBody() {
     return {
@@ -150,14 +101,14 @@ std::vector<Mode> makeBody() {
 }
 
 /// The force that the slips put into the body: each lets go over a quarter of a millisecond.
-std::vector<double> makeSlips(Draws& draws) {
+Sound makeSlips(Draws& draws) {
     constexpr std::size_t slipFrames = 11;
     constexpr double rubbing = 0.35;
-    std::vector<double> force(frameCount + slipFrames);
+    Sound force(frameCount + slipFrames);
     HandSpeed hand;
     Contact contact;
     // The last slip rings out before the end.
-    const std::size_t lastSlip = frameCount - static_cast<std::size_t>(0.06 * sampleRate);
+    const std::size_t lastSlip = frameCount - frames(0.06);
     for (std::size_t frame = 0; frame < lastSlip; ++frame) {
         const double time = static_cast<double>(frame) / sampleRate;
         const double released = contact.turn(hand.next(time, draws), draws);
@@ -173,10 +124,10 @@ std::vector<double> makeSlips(Draws& draws) {
     return force;
 }
 
-std::vector<double> makeCreak() {
-    Draws draws;
+Sound makeCreak() {
+    Draws draws(20240229);
     std::vector<Mode> body = makeBody();
-    std::vector<double> creak = makeSlips(draws);
+    Sound creak = makeSlips(draws);
     for (double& sample : creak) {
         double sum = 0;
         for (Mode& mode : body)
@@ -186,53 +137,10 @@ std::vector<double> makeCreak() {
     return creak;
 }
 
-void scaleToPeak(std::vector<double>& samples) {
-    double peak = 0;
-    for (const double sample : samples)
-        peak = std::max(peak, std::abs(sample));
-    for (double& sample : samples)
-        sample *= peakLevel / peak;
-}
-
-void writeNumber(std::ostream& stream, std::uint32_t value, int bytes) {
-    for (int i = 0; i < bytes; ++i)
-        stream.put(static_cast<char>(value >> (8U * static_cast<unsigned>(i)) & 0xFFU));
-}
-
-/// One channel of 16 bits.
-bool writeWAV(const std::string& path, std::span<const double> samples) {
-    std::ofstream stream(path, std::ios::binary);
-    const auto rate = static_cast<std::uint32_t>(sampleRate);
-    const auto dataBytes = static_cast<std::uint32_t>(samples.size() * 2);
-    stream << "RIFF";
-    writeNumber(stream, 36 + dataBytes, 4);
-    stream << "WAVEfmt ";
-    writeNumber(stream, 16, 4);
-    writeNumber(stream, 1, 2);
-    writeNumber(stream, 1, 2);
-    writeNumber(stream, rate, 4);
-    writeNumber(stream, rate * 2, 4);
-    writeNumber(stream, 2, 2);
-    writeNumber(stream, 16, 2);
-    stream << "data";
-    writeNumber(stream, dataBytes, 4);
-    for (const double sample : samples)
-        writeNumber(stream, static_cast<std::uint32_t>(std::lround(sample * 32767)), 2);
-    return static_cast<bool>(stream.flush());
-}
-
 } // namespace
+} // namespace quorvane::synthesis
 
 int main(int argc, char** argv) {
-    const std::span arguments(argv, static_cast<std::size_t>(argc));
-    if (arguments.size() != 2) {
-        std::fputs("usage: creak FILE.wav\n", stderr);
-        return 2;
-    }
-    std::vector<double> creak = makeCreak();
-    scaleToPeak(creak);
-    if (writeWAV(arguments[1], creak))
-        return 0;
-    std::fprintf(stderr, "creak: cannot write %s\n", arguments[1]);
-    return 1;
+    using namespace quorvane::synthesis;
+    return writeSound(std::span(argv, static_cast<std::size_t>(argc)), makeCreak(), 0.7);
 }

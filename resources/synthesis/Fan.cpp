@@ -1,0 +1,133 @@
+// Makes the roar of a small blower pushed too hard, as a loop: `fan FILE.wav`.
+//
+// The sources of a centrifugal fan's noise are those of W. Neise, "Noise reduction in centrifugal
+// fans: a literature survey", Journal of Sound and Vibration 45 (1976):
+//
+// - Rotation. Every blade that passes the cutoff of the scroll strikes it with a puff of air: a
+// line
+//   at blades times revolutions a second, and its harmonics.
+// - Turbulence. Vortices that the blades shed make broad noise, the louder the faster the air, and
+//   unsteady at the rate at which each blade passes. The slots of the case shape it.
+//
+// The bearing is worn. Balls that roll over a spall in the outer race strike it at the ball-pass
+// rate, never quite evenly, and hardest when the imbalance of the wheel presses them on it: the
+// model and the jitter are those of R. B. Randall and J. Antoni, "Rolling element bearing
+// diagnostics - A tutorial", Mechanical Systems and Signal Processing 25 (2011).
+//
+// The loop has no seam: the wheel makes a whole number of turns in it, everything slow comes around
+// a whole number of times, and noise passes its filters twice, so that they end as they began.
+
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <numbers>
+#include <span>
+
+#include "resources/synthesis/Draws.h"
+#include "resources/synthesis/Filters.h"
+#include "resources/synthesis/SoundFile.h"
+
+namespace quorvane::synthesis {
+namespace {
+
+constexpr double length = 10;
+constexpr std::size_t frameCount = frames(length);
+constexpr double turns = 980;
+constexpr double blades = 23;
+constexpr double fullTurn = 2 * std::numbers::pi;
+
+/// Waves that come around a whole number of times in the loop.
+double wander(double time, std::span<const std::array<double, 3>> waves) {
+    double sum = 0;
+    for (const auto& [times, depth, phase] : waves)
+        sum += depth * std::sin(fullTurn * (times * time / length + phase));
+    return sum;
+}
+
+/// How far the wheel has turned, in turns: it labours, and does not run evenly.
+double angle(double time) {
+    static constexpr std::array<std::array<double, 3>, 4> waves{
+        {{2, 1.5, 0.1}, {3, 1.1, 0.7}, {7, 0.35, 0.4}, {17, 0.06, 0.9}}};
+    return turns * time / length + wander(time, waves);
+}
+
+double strain(double time) {
+    static constexpr std::array<std::array<double, 3>, 4> waves{
+        {{1, 0.06, 0.3}, {3, 0.07, 0.2}, {5, 0.05, 0.6}, {11, 0.04, 0.8}}};
+    return 1 + wander(time, waves);
+}
+
+/// Runs `filter` around the loop twice and keeps the second time.
+template <typename Filter>
+void filterLoop(Sound& sound, Filter filter) {
+    for (const double sample : sound)
+        filter.next(sample);
+    for (double& sample : sound)
+        sample = filter.next(sample);
+}
+
+Sound bladeTone() {
+    Sound tone(frameCount);
+    for (std::size_t i = 0; i < frameCount; ++i) {
+        const double time = static_cast<double>(i) / sampleRate;
+        const double turn = angle(time);
+        const double phase = fullTurn * turn;
+        const double load = std::pow(strain(time), 2) * (1 + 0.15 * std::sin(phase));
+        tone[i] = load * (std::sin(blades * phase) + 0.45 * std::sin(2 * blades * phase + 1) +
+                          0.2 * std::sin(3 * blades * phase + 2)) +
+                  0.5 * std::sin(phase) + 0.3 * std::sin(2 * phase + 0.5);
+    }
+    return tone;
+}
+
+Sound turbulence(Draws& draws) {
+    Sound white(frameCount);
+    for (double& sample : white)
+        sample = draws.normal();
+    filterLoop(white, Biquad::highPass(160));
+    filterLoop(white, Biquad::lowPass(5200));
+    Sound noise = white;
+    filterLoop(noise, Body({{310, 0.0030, 0.25},
+                            {620, 0.0016, 0.2},
+                            {1150, 0.0012, 0.25},
+                            {2050, 0.0008, 0.2},
+                            {3400, 0.0006, 0.2}}));
+    for (std::size_t i = 0; i < frameCount; ++i) {
+        const double time = static_cast<double>(i) / sampleRate;
+        const double phase = fullTurn * angle(time);
+        noise[i] = (0.35 * white[i] + noise[i]) * std::pow(strain(time), 2.5) *
+                   (1 + 0.12 * std::sin(phase) + 0.2 * std::sin(blades * phase));
+    }
+    return noise;
+}
+
+Sound bearing(Draws& draws) {
+    constexpr double hitsPerTurn = 2.6;
+    Sound hits(frameCount);
+    const auto count = static_cast<int>(hitsPerTurn * turns);
+    for (int hit = 0; hit < count; ++hit) {
+        const double time = length * (hit + draws.between(0, 0.25)) / count;
+        const double load = 1 + 0.7 * std::sin(fullTurn * angle(time));
+        hits[frames(time) % frameCount] += load * draws.between(0.5, 1) * strain(time);
+    }
+    filterLoop(hits, Body({{1480, 0.002, 0.6}, {3120, 0.0016, 1}, {4870, 0.0011, 0.8}}));
+    return hits;
+}
+
+Sound makeFan() {
+    Draws draws(6);
+    Sound fan = bladeTone();
+    const Sound air = turbulence(draws);
+    const Sound balls = bearing(draws);
+    for (std::size_t i = 0; i < frameCount; ++i)
+        fan[i] = 0.12 * fan[i] + 0.055 * air[i] + 0.25 * balls[i];
+    return fan;
+}
+
+} // namespace
+} // namespace quorvane::synthesis
+
+int main(int argc, char** argv) {
+    using namespace quorvane::synthesis;
+    return writeSound(std::span(argv, static_cast<std::size_t>(argc)), makeFan(), 0.8);
+}
