@@ -66,6 +66,7 @@ void playScenario(LiveMachine& machine, MainWindow& window) {
     machine.start(
         {.press =
              [&window](std::string_view control) { pressForScenario(window.window(), control); },
+         // The machine has the taps.
          .key = {},
          .quit = [&window] { window.close(); }});
 }

@@ -51,6 +51,13 @@ public:
     virtual std::optional<AudioError> read(PCMBuffer& buffer) = 0;
 };
 
+/// How a scheduled buffer is played.
+enum class BufferOptions {
+    Once,
+    /// Over and over without a gap, until the node is stopped.
+    Loops,
+};
+
 /// Plays scheduled buffers through the engine that it is attached to. Main thread only, except that
 /// a completion handler is called from a thread of the audio system.
 class AudioPlayerNode {
@@ -64,14 +71,63 @@ public:
 
     /// Queues `buffer` to sound as soon as possible once the node plays. `completion` is called
     /// once when the buffer has sounded to its end, or when it is dropped by `stop` or by the loss
-    /// of the output device; it may come late, and it never runs inside a call of the node.
-    virtual void scheduleBuffer(std::shared_ptr<const PCMBuffer> buffer, Completion completion) = 0;
+    /// of the output device; it may come late, and it never runs inside a call of the node. It may
+    /// be empty.
+    virtual void scheduleBuffer(std::shared_ptr<const PCMBuffer> buffer, BufferOptions options,
+                                Completion completion) = 0;
     /// Starts, or resumes where `pause` left off. The engine must be running.
     virtual void play() = 0;
     /// Falls silent at once and keeps its place.
     virtual void pause() = 0;
     /// Falls silent at once, drops what was scheduled and rewinds.
     virtual void stop() = 0;
+    /// Linear gain, 0 to 1; 1 in a new node. Changes what sounds at once, without a click.
+    virtual void setVolume(float volume) = 0;
+    [[nodiscard]] virtual float volume() const = 0;
+};
+
+/// Plays one sound file, decoded into memory when the player is made, on the output device, which
+/// it opens when it first needs it. Main thread only.
+class AudioFilePlayer {
+public:
+    AudioFilePlayer() = default;
+    AudioFilePlayer(const AudioFilePlayer&) = delete;
+    AudioFilePlayer& operator=(const AudioFilePlayer&) = delete;
+    virtual ~AudioFilePlayer() = default;
+
+    /// Length of the sound in seconds, whatever the number of loops.
+    [[nodiscard]] virtual double duration() const = 0;
+    /// Place in the sound in seconds; it runs while the sound plays, is kept by `stop`, and is 0
+    /// after the end.
+    [[nodiscard]] virtual double currentTime() const = 0;
+    /// Moves to that place, also while the sound plays; bounded by 0 and the duration.
+    virtual void setCurrentTime(double seconds) = 0;
+    /// Linear gain, 0 to 1; 1 in a new player. Changes what sounds at once, without a click.
+    [[nodiscard]] virtual float volume() const = 0;
+    virtual void setVolume(float volume) = 0;
+    /// How often the sound comes again after the first time; below 0: until it is stopped, without
+    /// a gap. 0 in a new player. To be set before `play`.
+    [[nodiscard]] virtual int numberOfLoops() const = 0;
+    virtual void setNumberOfLoops(int count) = 0;
+    /// Does ahead of time what can be done without a device; false if that fails.
+    virtual bool prepareToPlay() = 0;
+    /// Sounds from the current time on; does nothing to a sound that plays. False if that cannot be
+    /// for the moment: a device that comes back within some seconds, as after a wake-up, is still
+    /// played on, from where the sound would be by then; after that the request is forgotten.
+    virtual bool play() = 0;
+    /// Falls silent at once, without a click, and keeps its place.
+    virtual void stop() = 0;
+    [[nodiscard]] virtual bool isPlaying() const = 0;
+};
+
+/// While it lives, the output device is kept open and running, so that the first sound after a rest
+/// comes as fast as the hundredth.
+class AudioOutputHold {
+public:
+    AudioOutputHold() = default;
+    AudioOutputHold(const AudioOutputHold&) = delete;
+    AudioOutputHold& operator=(const AudioOutputHold&) = delete;
+    virtual ~AudioOutputHold() = default;
 };
 
 /// The audio graph: nodes, a mixer, the output device. Main thread only.
@@ -110,6 +166,15 @@ public:
     /// An empty buffer; null when it cannot be made (no channels, no memory).
     virtual std::shared_ptr<PCMBuffer> createBuffer(const AudioFormat& format,
                                                     std::uint32_t frameCapacity) = 0;
+    /// The format that engines work in: 32-bit float samples; none if no sound has such a rate
+    /// (above 0, finite) or number of channels (1 or 2).
+    [[nodiscard]] virtual std::optional<AudioFormat> standardFormat(double sampleRate,
+                                                                    unsigned channels) = 0;
+    /// A player of the file `path`; the error when it is missing, unreadable or no sound file.
+    virtual std::variant<std::shared_ptr<AudioFilePlayer>, AudioError>
+    createFilePlayer(const std::filesystem::path& path) = 0;
+    /// Holds the output device open; never null, also without any device.
+    [[nodiscard]] virtual std::shared_ptr<AudioOutputHold> holdOutput() = 0;
 };
 
 } // namespace quorvane

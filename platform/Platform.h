@@ -1,7 +1,10 @@
 #pragma once
 
+#include "platform/Application.h"
 #include "platform/Audio.h"
+#include "platform/EventTap.h"
 #include "platform/HID.h"
+#include "platform/Haptics.h"
 #include "platform/NotificationCenter.h"
 #include "platform/RunLoop.h"
 #include "platform/Screens.h"
@@ -14,12 +17,15 @@ namespace quorvane {
 struct Platform {
     RunLoop& runLoop;
     HIDService& hid;
-    /// The workspace's own centre: screens did sleep, screens did wake.
+    /// The workspace's own centre: screens did sleep, screens did wake, did wake.
     NotificationCenter& workspace;
     /// The default centre, for notifications inside this process.
     NotificationCenter& defaultCenter;
     AudioService& audio;
+    EventTapService& eventTaps;
+    HapticService& haptics;
     ScreenService& screens;
+    Application& application;
     UserDefaults& userDefaults;
     Bundle& bundle;
     SystemInfo& system;

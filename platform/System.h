@@ -50,6 +50,9 @@ public:
     [[nodiscard]] virtual std::string modelName() const = 0;
     /// Whether key presses anywhere on the machine may be listened to. Asks nobody.
     [[nodiscard]] virtual bool isProcessTrusted() const = 0;
+    /// As `isProcessTrusted`; if the answer is no and `prompt` is set, the system also asks the
+    /// person, who may take their time: it is not waited for.
+    virtual bool isProcessTrustedWithOptions(bool prompt) = 0;
 };
 
 /// The system's random numbers.

@@ -108,7 +108,7 @@ void AudioManager::pause() {
 
 void AudioManager::scheduleBuffer() {
     // Called on a thread of the audio system, so it only hops to the main one.
-    m_playerNode->scheduleBuffer(m_audioBuffer,
+    m_playerNode->scheduleBuffer(m_audioBuffer, BufferOptions::Once,
                                  [weak = weak_from_this(), &runLoop = m_platform.runLoop] {
                                      runLoop.async([weak] {
                                          if (const auto manager = weak.lock())

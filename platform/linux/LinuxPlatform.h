@@ -2,9 +2,12 @@
 
 #include "platform/InProcessNotificationCenter.h"
 #include "platform/Platform.h"
+#include "platform/linux/LinuxApplication.h"
 #include "platform/linux/LinuxBundle.h"
 #include "platform/linux/LinuxConsole.h"
+#include "platform/linux/LinuxEventTaps.h"
 #include "platform/linux/LinuxHID.h"
+#include "platform/linux/LinuxHaptics.h"
 #include "platform/linux/LinuxRandom.h"
 #include "platform/linux/LinuxRunLoop.h"
 #include "platform/linux/LinuxScreens.h"
@@ -29,7 +32,10 @@ private:
     LinuxWorkspace m_workspace;
     InProcessNotificationCenter m_defaultCenter;
     OpenALAudioService m_audio;
+    LinuxEventTaps m_eventTaps;
+    LinuxHaptics m_haptics;
     LinuxScreens m_screens;
+    LinuxApplication m_application;
     LinuxUserDefaults m_userDefaults;
     LinuxBundle m_bundle;
     LinuxSystemInfo m_system;

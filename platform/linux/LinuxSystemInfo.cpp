@@ -53,6 +53,10 @@ bool LinuxSystemInfo::isProcessTrusted() const {
     return std::any_of(nodes.begin(), nodes.end(), canRead);
 }
 
+bool LinuxSystemInfo::isProcessTrustedWithOptions(bool /*prompt*/) {
+    return isProcessTrusted();
+}
+
 std::vector<std::filesystem::path> LinuxSystemInfo::listKeyboards() {
     std::vector<std::filesystem::path> nodes;
     const UdevContext context(udev_new());

@@ -22,6 +22,7 @@ public:
     /// DMI's product name, else the device tree's model.
     [[nodiscard]] std::string modelName() const override;
     [[nodiscard]] bool isProcessTrusted() const override;
+    bool isProcessTrustedWithOptions(bool prompt) override;
 
     /// Event nodes that udev has for keyboards.
     [[nodiscard]] static std::vector<std::filesystem::path> listKeyboards();

@@ -1,5 +1,6 @@
 #include "platform/linux/OpenALAudioService.h"
 
+#include <cmath>
 #include <new>
 #include <utility>
 #include <vector>
@@ -21,7 +22,8 @@ public:
 
     ~OpenALAudioPlayerNode() override { m_output->remove(m_voice); }
 
-    void scheduleBuffer(std::shared_ptr<const PCMBuffer> buffer, Completion completion) override {
+    void scheduleBuffer(std::shared_ptr<const PCMBuffer> buffer, BufferOptions /*options*/,
+                        Completion completion) override {
         m_output->schedule(*m_voice, std::move(buffer), std::move(completion));
     }
 
@@ -31,11 +33,16 @@ public:
 
     void stop() override { m_output->stop(*m_voice); }
 
+    void setVolume(float volume) override { m_volume = volume; }
+
+    [[nodiscard]] float volume() const override { return m_volume; }
+
     [[nodiscard]] const std::shared_ptr<OpenALAudioVoice>& voice() const { return m_voice; }
 
 private:
     std::shared_ptr<OpenALAudioOutput> m_output;
     std::shared_ptr<OpenALAudioVoice> m_voice = std::make_shared<OpenALAudioVoice>();
+    float m_volume = 1;
 };
 
 class OpenALAudioEngine final : public AudioEngine {
@@ -100,6 +107,22 @@ std::shared_ptr<PCMBuffer> OpenALAudioService::createBuffer(const AudioFormat& f
     } catch (const std::bad_alloc&) {
         return nullptr;
     }
+}
+
+std::optional<AudioFormat> OpenALAudioService::standardFormat(double sampleRate,
+                                                              unsigned channels) {
+    if (!std::isfinite(sampleRate) || sampleRate <= 0 || channels < 1 || channels > 2)
+        return std::nullopt;
+    return AudioFormat{.sampleRate = sampleRate, .channels = channels};
+}
+
+std::variant<std::shared_ptr<AudioFilePlayer>, AudioError>
+OpenALAudioService::createFilePlayer(const std::filesystem::path& path) {
+    return AudioError{path.string() + ": there are no file players yet"};
+}
+
+std::shared_ptr<AudioOutputHold> OpenALAudioService::holdOutput() {
+    return std::make_shared<AudioOutputHold>();
 }
 
 } // namespace quorvane

@@ -24,6 +24,10 @@ public:
     openFile(const std::filesystem::path& path) override;
     std::shared_ptr<PCMBuffer> createBuffer(const AudioFormat& format,
                                             std::uint32_t frameCapacity) override;
+    std::optional<AudioFormat> standardFormat(double sampleRate, unsigned channels) override;
+    std::variant<std::shared_ptr<AudioFilePlayer>, AudioError>
+    createFilePlayer(const std::filesystem::path& path) override;
+    [[nodiscard]] std::shared_ptr<AudioOutputHold> holdOutput() override;
 
 private:
     // Shared with the engines and nodes, which may live longer.

@@ -5,9 +5,11 @@
 namespace quorvane {
 
 LiveMachine::LiveMachine(const Scenario& scenario, const Platform& real)
-    : m_real(real), m_hid(real.runLoop),
+    : m_real(real), m_hid(real.runLoop), m_application(real.application),
       m_player(scenario, real.runLoop, m_workspace, real.defaultCenter) {
     m_player.furnish(m_hid, m_system);
+    if (scenario.loginItem)
+        m_application.status = LoginItemStatus::Enabled;
     if (!scenario.defaults)
         return;
     m_userDefaults.emplace();
@@ -21,7 +23,10 @@ Platform LiveMachine::platform() {
             .workspace = m_workspace,
             .defaultCenter = m_real.defaultCenter,
             .audio = m_real.audio,
+            .eventTaps = m_eventTaps,
+            .haptics = m_real.haptics,
             .screens = m_real.screens,
+            .application = m_application,
             .userDefaults = m_userDefaults ? *m_userDefaults : m_real.userDefaults,
             .bundle = m_real.bundle,
             .system = m_system,
@@ -30,6 +35,7 @@ Platform LiveMachine::platform() {
 }
 
 void LiveMachine::start(ScenarioHandlers handlers) {
+    handlers.key = [this](const TapEvent& event) { m_eventTaps.send(event); };
     m_player.start(std::move(handlers));
 }
 

@@ -14,6 +14,20 @@ struct Overloaded : Visitors... {
 template <class... Visitors>
 Overloaded(Visitors...) -> Overloaded<Visitors...>;
 
+TapEvent tapEvent(Scenario::Key key) {
+    switch (key) {
+    case Scenario::Key::Down:
+        return {.type = TapEventType::KeyDown};
+    case Scenario::Key::Repeat:
+        return {.type = TapEventType::KeyDown, .keyboardAutorepeat = 1};
+    case Scenario::Key::Up:
+        return {.type = TapEventType::KeyUp};
+    case Scenario::Key::FlagsChanged:
+        break;
+    }
+    return {.type = TapEventType::FlagsChanged};
+}
+
 } // namespace
 
 ScenarioPlayer::ScenarioPlayer(Scenario scenario, RunLoop& runLoop, NotificationCenter& workspace,
@@ -71,7 +85,7 @@ void ScenarioPlayer::happen(const Scenario::Event& event) {
             [&](const Scenario::Press& press) { callIfSet(m_handlers.press, press.control); },
             [&](const Scenario::Workspace& notification) { m_workspace.post(notification.name); },
             [&](const Scenario::Post& notification) { m_defaultCenter.post(notification.name); },
-            [&](Scenario::Key key) { callIfSet(m_handlers.key, key); },
+            [&](Scenario::Key key) { callIfSet(m_handlers.key, tapEvent(key)); },
             [&](const Scenario::Quit&) { callIfSet(m_handlers.quit); }},
         event.what);
 }

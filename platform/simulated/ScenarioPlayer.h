@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/EventTap.h"
 #include "platform/NotificationCenter.h"
 #include "platform/RunLoop.h"
 #include "platform/simulated/Scenario.h"
@@ -16,7 +17,7 @@ namespace quorvane {
 /// What a scenario needs somebody else to do. An empty handler: the event passes unheard.
 struct ScenarioHandlers {
     std::function<void(std::string_view control)> press;
-    std::function<void(Scenario::Key key)> key;
+    std::function<void(const TapEvent& event)> key;
     std::function<void()> quit;
 };
 

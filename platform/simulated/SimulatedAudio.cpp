@@ -19,7 +19,8 @@ public:
 
     ~SimulatedPlayerNode() override { m_voice->drop(); }
 
-    void scheduleBuffer(std::shared_ptr<const PCMBuffer> buffer, Completion completion) override {
+    void scheduleBuffer(std::shared_ptr<const PCMBuffer> buffer, BufferOptions /*options*/,
+                        Completion completion) override {
         m_voice->schedule(std::move(buffer), std::move(completion));
     }
 
@@ -29,10 +30,15 @@ public:
 
     void stop() override { m_voice->stop(); }
 
+    void setVolume(float volume) override { m_volume = volume; }
+
+    [[nodiscard]] float volume() const override { return m_volume; }
+
     [[nodiscard]] SimulatedAudioVoice& voice() { return *m_voice; }
 
 private:
     std::shared_ptr<SimulatedAudioVoice> m_voice;
+    float m_volume = 1;
 };
 
 SimulatedAudioVoice& voiceOf(AudioPlayerNode& node) {
@@ -193,6 +199,21 @@ std::shared_ptr<PCMBuffer> SimulatedAudio::createBuffer(const AudioFormat& forma
     buffer->frameCapacity = frameCapacity;
     buffer->samples.resize(std::size_t{frameCapacity} * format.channels);
     return buffer;
+}
+
+std::optional<AudioFormat> SimulatedAudio::standardFormat(double sampleRate, unsigned channels) {
+    if (!std::isfinite(sampleRate) || sampleRate <= 0 || channels < 1 || channels > 2)
+        return std::nullopt;
+    return AudioFormat{.sampleRate = sampleRate, .channels = channels};
+}
+
+std::variant<std::shared_ptr<AudioFilePlayer>, AudioError>
+SimulatedAudio::createFilePlayer(const std::filesystem::path& path) {
+    return AudioError{path.string() + ": there are no file players yet"};
+}
+
+std::shared_ptr<AudioOutputHold> SimulatedAudio::holdOutput() {
+    return std::make_shared<AudioOutputHold>();
 }
 
 void SimulatedAudio::addFile(const std::filesystem::path& path, const AudioFormat& format,

@@ -39,6 +39,10 @@ public:
     openFile(const std::filesystem::path& path) override;
     std::shared_ptr<PCMBuffer> createBuffer(const AudioFormat& format,
                                             std::uint32_t frameCapacity) override;
+    std::optional<AudioFormat> standardFormat(double sampleRate, unsigned channels) override;
+    std::variant<std::shared_ptr<AudioFilePlayer>, AudioError>
+    createFilePlayer(const std::filesystem::path& path) override;
+    [[nodiscard]] std::shared_ptr<AudioOutputHold> holdOutput() override;
 
     // What there is on the machine. A path that was never named is a missing file.
 

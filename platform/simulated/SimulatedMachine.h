@@ -3,7 +3,9 @@
 #include "platform/InProcessNotificationCenter.h"
 #include "platform/Platform.h"
 #include "platform/simulated/SimulatedAudio.h"
+#include "platform/simulated/SimulatedEventTaps.h"
 #include "platform/simulated/SimulatedHID.h"
+#include "platform/simulated/SimulatedHaptics.h"
 #include "platform/simulated/SimulatedRunLoop.h"
 #include "platform/simulated/SimulatedScreens.h"
 #include "platform/simulated/SimulatedSystem.h"
@@ -17,7 +19,10 @@ struct SimulatedMachine {
     InProcessNotificationCenter workspace;
     InProcessNotificationCenter defaultCenter;
     SimulatedAudio audio{runLoop};
+    SimulatedEventTaps eventTaps;
+    SimulatedHaptics haptics{runLoop};
     SimulatedScreens screens;
+    SimulatedApplication application;
     SimulatedUserDefaults userDefaults;
     SimulatedBundle bundle;
     SimulatedSystemInfo system;
@@ -30,7 +35,10 @@ struct SimulatedMachine {
                 .workspace = workspace,
                 .defaultCenter = defaultCenter,
                 .audio = audio,
+                .eventTaps = eventTaps,
+                .haptics = haptics,
                 .screens = screens,
+                .application = application,
                 .userDefaults = userDefaults,
                 .bundle = bundle,
                 .system = system,

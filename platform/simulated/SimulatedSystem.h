@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/Application.h"
 #include "platform/System.h"
 
 namespace quorvane {
@@ -41,8 +42,26 @@ public:
 
     [[nodiscard]] bool isProcessTrusted() const override { return trusted; }
 
+    bool isProcessTrustedWithOptions(bool prompt) override {
+        prompts += prompt && !trusted ? 1 : 0;
+        return trusted;
+    }
+
     std::string model;
     bool trusted = false;
+    /// How often the person was asked.
+    int prompts = 0;
+};
+
+/// A program of which the desktop knows what the fields say.
+class SimulatedApplication final : public Application {
+public:
+    [[nodiscard]] LoginItemStatus loginItemStatus() const override { return loginItem; }
+
+    [[nodiscard]] bool isActive() const override { return active; }
+
+    LoginItemStatus loginItem = LoginItemStatus::NotRegistered;
+    bool active = true;
 };
 
 /// Draws from a script, then from a seeded generator. The same seed repeats the same run.

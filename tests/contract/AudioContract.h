@@ -54,7 +54,7 @@ protected:
     }
 
     void schedule(const std::string& name, double seconds) {
-        m_node->scheduleBuffer(sound(seconds), [log = m_log, name] {
+        m_node->scheduleBuffer(sound(seconds), BufferOptions::Once, [log = m_log, name] {
             const std::lock_guard lock(log->mutex);
             log->completed.push_back(name);
             log->threads.push_back(std::this_thread::get_id());

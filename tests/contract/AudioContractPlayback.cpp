@@ -34,7 +34,7 @@ TEST_P(AudioContract, NeverWaitsForACompletionInsideACall) {
     const auto done = std::make_shared<std::atomic<bool>>(false);
     {
         const std::lock_guard closed(*gate);
-        m_node->scheduleBuffer(sound(5), [gate, done] {
+        m_node->scheduleBuffer(sound(5), BufferOptions::Once, [gate, done] {
             const std::lock_guard lock(*gate);
             *done = true;
         });
@@ -47,7 +47,7 @@ TEST_P(AudioContract, NeverWaitsForACompletionInsideACall) {
 
 TEST_P(AudioContract, ACompletionMayBeEmpty) {
     start();
-    m_node->scheduleBuffer(sound(0.05), nullptr);
+    m_node->scheduleBuffer(sound(0.05), BufferOptions::Once, nullptr);
     schedule("after", 0.05);
     m_node->play();
     secondsUntilCompleted(1);

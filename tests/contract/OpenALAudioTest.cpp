@@ -69,7 +69,7 @@ protected:
 
     void play(const PCMBuffer& sound) {
         m_engine->connectToMainMixer(m_node, sound.format);
-        m_node->scheduleBuffer(std::make_shared<PCMBuffer>(sound), nullptr);
+        m_node->scheduleBuffer(std::make_shared<PCMBuffer>(sound), BufferOptions::Once, nullptr);
         m_node->play();
     }
 
@@ -158,7 +158,7 @@ TEST_F(OpenALAudio, TwoNodesOfTwoEnginesSoundTogether) {
     ASSERT_FALSE(engine->start());
     PulseRecorder recorder(m_folder.path());
     play(sound);
-    node->scheduleBuffer(std::make_shared<PCMBuffer>(sound), nullptr);
+    node->scheduleBuffer(std::make_shared<PCMBuffer>(sound), BufferOptions::Once, nullptr);
     node->play();
     sleep(0.8);
     const Recording recording(recorder.finish());
@@ -264,7 +264,8 @@ TEST_F(OpenALAudioSettings, AnOpenDeviceWithNothingToPlaySoonWakesNobody) {
     EXPECT_LT(switchesInASecond() * 10, open);
     EXPECT_TRUE(engine->isRunning());
     PulseRecorder recorder(m_folder.path());
-    node->scheduleBuffer(std::make_shared<PCMBuffer>(chirp(stereo, 22050)), nullptr);
+    node->scheduleBuffer(std::make_shared<PCMBuffer>(chirp(stereo, 22050)), BufferOptions::Once,
+                         nullptr);
     node->play();
     sleep(0.7);
     EXPECT_TRUE(Recording(recorder.finish()).soundFrom(0));

@@ -147,7 +147,7 @@ TEST_F(ScenarioPlayerTest, lets_events_happen_at_their_times) {
                         {"at": 3, "post": "hello"}, {"at": 4, "key": "down"},
                         {"at": 5, "quit": true}]})")
         .start({.press = [&](std::string_view control) { happened.emplace_back(control); },
-                .key = [&](Scenario::Key) { happened.emplace_back("key"); },
+                .key = [&](const TapEvent&) { happened.emplace_back("key"); },
                 .quit = [&] { happened.emplace_back("quit"); }});
     machine.runLoop.advance(0.999);
     EXPECT_TRUE(happened.empty());

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <memory>
+
+namespace quorvane {
+
+/// What a pulse is to feel like.
+enum class HapticPattern { Generic = 0, Alignment = 1, LevelChange = 2 };
+
+/// When a pulse is to be felt.
+enum class HapticPerformanceTime { Default = 0, Now = 1, DrawCompleted = 2 };
+
+/// Lets the trackpad pulse. Where there is nothing that can, requests are ignored. Main thread
+/// only.
+class HapticPerformer {
+public:
+    HapticPerformer() = default;
+    HapticPerformer(const HapticPerformer&) = delete;
+    HapticPerformer& operator=(const HapticPerformer&) = delete;
+    virtual ~HapticPerformer() = default;
+
+    /// One pulse. Never waits.
+    virtual void performFeedback(HapticPattern pattern, HapticPerformanceTime time) = 0;
+};
+
+/// Where performers come from. Opens nothing by itself.
+class HapticService {
+public:
+    HapticService() = default;
+    HapticService(const HapticService&) = delete;
+    HapticService& operator=(const HapticService&) = delete;
+    virtual ~HapticService() = default;
+
+    /// The performer of the device that is best suited now; never null. What it has opened is
+    /// closed, and falls still, with its last reference.
+    [[nodiscard]] virtual std::shared_ptr<HapticPerformer> defaultPerformer() = 0;
+};
+
+} // namespace quorvane
