@@ -17,11 +17,18 @@ constexpr double hardwareCheckPause = 1.5;
 // Of every change of the screen that a button makes.
 constexpr Animation screenSpring = Animation::spring(0.4, 0.825);
 
-std::shared_ptr<EffectManager> make(const EffectFactories::Factory& factory) {
+template <class Effect>
+std::shared_ptr<Effect> make(const std::function<std::shared_ptr<Effect>()>& factory) {
     return factory ? factory() : nullptr;
 }
 
-void stopIfPresent(const std::shared_ptr<EffectManager>& effect) {
+/// What the hardware check says of the keyboard when it may not be listened to.
+std::string_view keyboardRefusal() {
+    return makeCheckRows(false, false, false).at(1).fail;
+}
+
+template <class Effect>
+void stopIfPresent(const std::shared_ptr<Effect>& effect) {
     if (effect)
         effect->stop();
 }
@@ -53,7 +60,7 @@ void ContentView::makeToggleRows() {
     m_toggleRows.push_back({.text = ToggleRowTexts::buildQuality,
                             .isOn = &m_audioEnabled,
                             .setOn = [this](bool on) { setHingeCreak(on); }});
-    addEffectRow(ToggleRowTexts::keyboard, m_keyboardManager);
+    addKeyboardRow();
     addEffectRow(ToggleRowTexts::thermals, m_fanManager);
     addEffectRow(ToggleRowTexts::stability, m_bsodManager);
     addEffectRow(ToggleRowTexts::performance, m_freezeManager);
@@ -63,6 +70,25 @@ void ContentView::makeToggleRows() {
                                 .isOn = &enabled,
                                 .setOn = [&enabled](bool on) { enabled = on; }});
     }
+}
+
+void ContentView::addKeyboardRow() {
+    if (!m_keyboardManager)
+        return;
+    m_toggleRows.push_back({.text = ToggleRowTexts::keyboard,
+                            .isOn = &m_keyboardManager->isActive(),
+                            .setOn = [this](bool on) { setKeyboard(on); },
+                            .hint = &m_keyboardHint});
+    // Permission may come while the person still looks at the switch.
+    m_keyboardStarted =
+        m_keyboardManager->isActive().observe([this] { m_keyboardHint = std::string(); });
+}
+
+void ContentView::setKeyboard(bool on) {
+    on ? m_keyboardManager->start() : m_keyboardManager->stop();
+    const bool isRefused =
+        on && !m_keyboardManager->isActive() && !m_platform.system.isProcessTrusted();
+    m_keyboardHint = std::string(isRefused ? keyboardRefusal() : "");
 }
 
 void ContentView::addEffectRow(const ToggleRowText& text,
@@ -129,7 +155,10 @@ void ContentView::runHardwareCheck() {
 void ContentView::finishHardwareCheck() {
     m_sensor->probeSensor();
     m_hasLidSensor = m_sensor->sensorFound() && !m_sensor->usingSleepWake();
-    m_hasAccessibility = m_platform.system.isProcessTrusted();
+    const bool trusted = m_platform.system.isProcessTrusted();
+    if (m_keyboardManager)
+        m_keyboardManager->hasPermission() = trusted;
+    m_hasAccessibility = trusted;
     m_hasTrackpad = isRunningOnMacBook();
     m_checkDone = true;
     m_isChecking = false;
@@ -166,6 +195,7 @@ void ContentView::stopAudio(const Animation& animation) {
     endVelocityFeed();
     m_audioManager->stop();
     stopIfPresent(m_keyboardManager);
+    m_keyboardHint = std::string();
     stopIfPresent(m_fanManager);
     stopIfPresent(m_bsodManager);
     stopIfPresent(m_freezeManager);

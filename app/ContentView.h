@@ -24,7 +24,7 @@ namespace quorvane {
 struct EffectFactories {
     using Factory = std::function<std::shared_ptr<EffectManager>()>;
 
-    Factory keyboard;
+    std::function<std::shared_ptr<KeyboardEffect>()> keyboard;
     Factory fan;
     Factory bsod;
     Factory freeze;
@@ -147,6 +147,8 @@ private:
     void autoStart();
     void updateScreen(const Animation& animation);
     void addEffectRow(const ToggleRowText& text, const std::shared_ptr<EffectManager>& effect);
+    void addKeyboardRow();
+    void setKeyboard(bool on);
     void makeToggleRows();
 
     // References to services, all of which outlive the view.
@@ -155,7 +157,7 @@ private:
     // In the order in which they come into being.
     std::shared_ptr<LidAngleSensor> m_sensor;
     std::shared_ptr<AudioManager> m_audioManager;
-    std::shared_ptr<EffectManager> m_keyboardManager;
+    std::shared_ptr<KeyboardEffect> m_keyboardManager;
     std::shared_ptr<EffectManager> m_fanManager;
     std::shared_ptr<EffectManager> m_bsodManager;
     std::shared_ptr<EffectManager> m_freezeManager;
@@ -181,6 +183,8 @@ private:
     Observable<Screen> m_screen;
     Animation m_screenAnimation;
     std::vector<ToggleRow> m_toggleRows;
+    Observable<std::string> m_keyboardHint;
+    Subscription m_keyboardStarted;
     NotificationCenter::Token m_autoStartToken = 0;
     // What delayed blocks hold weakly, so that they do nothing once the view is gone.
     std::shared_ptr<ContentView*> m_self;

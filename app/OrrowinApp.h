@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "app/ContentView.h"
-#include "base/EffectManager.h"
+#include "effects/startup/StartupSoundManager.h"
 #include "platform/Platform.h"
 
 namespace quorvane {
@@ -24,8 +24,8 @@ public:
 
 private:
     Platform m_platform;
-    // None until the startup experience is part of the program.
-    std::unique_ptr<StartupExperience> m_startupManager;
+    // Its triggers are live from launch, on every screen.
+    std::shared_ptr<StartupSoundManager> m_startupManager;
 };
 
 } // namespace quorvane

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 #include <string_view>
 
 #include "base/Observable.h"
@@ -25,6 +26,9 @@ struct ToggleRow {
     /// shows whatever the feature reports after the call.
     const Observable<bool>* isOn = nullptr;
     std::function<void(bool)> setOn;
+    /// Why the feature stays off although it was switched on, for a person; empty while there is
+    /// nothing to tell. Null in rows that never tell anything.
+    const Observable<std::string>* hint = nullptr;
 };
 
 /// The rows' texts, in display order.

@@ -20,6 +20,14 @@ public:
     virtual void stop() = 0;
 };
 
+/// The effect that hears the keyboard, for which it needs the person's permission.
+class KeyboardEffect : public EffectManager {
+public:
+    /// The last known answer to whether keys may be listened to; whoever asks the system anew
+    /// stores what it said.
+    [[nodiscard]] virtual Observable<bool>& hasPermission() = 0;
+};
+
 /// What the controller knows of the startup experience: its master switch. It has no start and
 /// stop, because its triggers (waking up, a launch at login) are live from launch.
 class StartupExperience {

@@ -9,44 +9,11 @@
 
 #include "app/ContentView.h"
 #include "platform/simulated/SimulatedMachine.h"
+#include "tests/support/FakeEffects.h"
 
 namespace quorvane {
 
 inline constexpr auto creakPath = "sounds/creaking.mp3";
-
-/// Notes every call; becomes active only if it can run.
-class FakeEffect final : public EffectManager {
-public:
-    FakeEffect(std::string name, std::vector<std::string>& calls)
-        : m_name(std::move(name)), m_calls(calls) {}
-
-    [[nodiscard]] const Observable<bool>& isActive() const override { return m_isActive; }
-
-    void start() override {
-        m_calls.push_back(m_name + " start");
-        m_isActive = canRun;
-    }
-
-    void stop() override {
-        m_calls.push_back(m_name + " stop");
-        m_isActive = false;
-    }
-
-    bool canRun = true;
-
-private:
-    std::string m_name;
-    std::vector<std::string>& m_calls;
-    Observable<bool> m_isActive;
-};
-
-class FakeStartup final : public StartupExperience {
-public:
-    [[nodiscard]] Observable<bool>& startupSoundEnabled() override { return m_enabled; }
-
-private:
-    Observable<bool> m_enabled{true};
-};
 
 /// A controller with fake effects on a simulated machine in virtual time.
 class ContentViewFixture : public testing::Test {

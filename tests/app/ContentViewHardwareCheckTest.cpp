@@ -38,14 +38,30 @@ TEST_F(ContentViewHardwareCheckTest, the_results_come_in_their_order) {
     };
     const auto found = note(view->sensor().sensorFound(), "probe");
     const auto lidFlag = note(view->hasLidSensor(), "lid");
+    const auto permission = note(keyboard->hasPermission(), "permission");
     const auto access = note(view->hasAccessibility(), "accessibility");
     const auto trackpad = note(view->hasTrackpad(), "trackpad");
     const auto done = note(view->checkDone(), "done");
     const auto checking = note(view->isChecking(), "checking");
     view->runHardwareCheck();
     machine.runLoop.advance(2);
-    EXPECT_THAT(order, ElementsAre("checking", "probe", "lid", "accessibility", "trackpad", "done",
-                                   "checking"));
+    EXPECT_THAT(order, ElementsAre("checking", "probe", "lid", "permission", "accessibility",
+                                   "trackpad", "done", "checking"));
+}
+
+TEST_F(ContentViewHardwareCheckTest, the_keyboard_learns_the_answer_and_nobody_is_asked) {
+    makeView();
+    keyboard->hasPermission() = true;
+    view->runHardwareCheck();
+    machine.runLoop.advance(2);
+    EXPECT_FALSE(keyboard->hasPermission());
+    EXPECT_FALSE(view->hasAccessibility());
+    machine.system.trusted = true;
+    view->runHardwareCheck();
+    machine.runLoop.advance(2);
+    EXPECT_TRUE(keyboard->hasPermission());
+    EXPECT_TRUE(view->hasAccessibility());
+    EXPECT_EQ(machine.system.prompts, 0);
 }
 
 TEST_F(ContentViewHardwareCheckTest, a_sensor_found_only_through_the_fallback_counts_as_not_found) {

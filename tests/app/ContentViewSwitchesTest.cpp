@@ -123,9 +123,45 @@ TEST_F(ContentViewSwitchesTest,
 
 TEST_F(ContentViewSwitchesTest, a_switch_stays_off_when_its_effect_cannot_run) {
     makeReturningView();
-    keyboard->canRun = false;
+    keyboard->canStart = false;
     row("Keyboard").setOn(true);
     EXPECT_FALSE(row("Keyboard").isOn->get());
+}
+
+TEST_F(ContentViewSwitchesTest, the_keyboard_row_tells_why_it_stays_off_without_permission) {
+    makeReturningView();
+    EXPECT_EQ(row("Keyboard").hint->get(), "");
+    keyboard->canStart = false;
+    row("Keyboard").setOn(true);
+    EXPECT_EQ(row("Keyboard").hint->get(),
+              "Accessibility permission needed — enable in System Settings");
+    row("Keyboard").setOn(false);
+    EXPECT_EQ(row("Keyboard").hint->get(), "");
+}
+
+TEST_F(ContentViewSwitchesTest, the_keyboard_rows_reason_goes_when_permission_comes_after_all) {
+    makeReturningView();
+    keyboard->canStart = false;
+    row("Keyboard").setOn(true);
+    keyboard->canStart = true;
+    keyboard->start();
+    EXPECT_EQ(row("Keyboard").hint->get(), "");
+}
+
+TEST_F(ContentViewSwitchesTest, the_keyboard_row_gives_no_reason_that_is_not_the_reason) {
+    makeReturningView();
+    machine.system.trusted = true;
+    keyboard->canStart = false;
+    row("Keyboard").setOn(true);
+    EXPECT_EQ(row("Keyboard").hint->get(), "");
+}
+
+TEST_F(ContentViewSwitchesTest, the_stop_button_takes_the_keyboard_rows_reason_away) {
+    makeReturningView();
+    keyboard->canStart = false;
+    row("Keyboard").setOn(true);
+    view->stopAudio();
+    EXPECT_EQ(row("Keyboard").hint->get(), "");
 }
 
 TEST_F(ContentViewSwitchesTest, the_freeze_switch_written_true_while_active_only_calls_start) {

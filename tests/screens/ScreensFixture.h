@@ -15,41 +15,9 @@
 #include "app/ContentView.h"
 #include "app/screens/MainWindow.h"
 #include "platform/simulated/SimulatedMachine.h"
+#include "tests/support/FakeEffects.h"
 
 namespace quorvane {
-
-/// An effect that does what its switch says and counts what it was told.
-class FakeEffect final : public EffectManager {
-public:
-    [[nodiscard]] const Observable<bool>& isActive() const override { return m_isActive; }
-
-    void start() override {
-        ++starts;
-        if (canStart)
-            m_isActive = true;
-    }
-
-    void stop() override {
-        ++stops;
-        m_isActive = false;
-    }
-
-    bool canStart = true;
-    int starts = 0;
-    int stops = 0;
-
-private:
-    Observable<bool> m_isActive;
-};
-
-/// A startup experience that is only its switch.
-class FakeStartup final : public StartupExperience {
-public:
-    [[nodiscard]] Observable<bool>& startupSoundEnabled() override { return m_enabled; }
-
-private:
-    Observable<bool> m_enabled{true};
-};
 
 /// The real window over the real controller on a simulated machine, looked at and acted on through
 /// its accessibility tree. The machine's time is virtual, the window's animations are not.

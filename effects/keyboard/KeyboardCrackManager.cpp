@@ -1,0 +1,135 @@
+#include "effects/keyboard/KeyboardCrackManager.h"
+
+#include <utility>
+
+#include "base/MainThreadOwned.h"
+
+namespace quorvane {
+
+namespace {
+
+constexpr float crackVolume = 0.5F;
+
+// Seconds.
+constexpr double minInterval = 0.15;
+constexpr double retryDelay = 3.0;
+
+} // namespace
+
+std::weak_ptr<KeyboardCrackManager> KeyboardCrackManager::shared;
+
+std::shared_ptr<KeyboardCrackManager> KeyboardCrackManager::create(const Platform& platform) {
+    auto manager = makeMainThreadOwned(platform.runLoop, std::unique_ptr<KeyboardCrackManager>(
+                                                             new KeyboardCrackManager(platform)));
+    shared = manager;
+    return manager;
+}
+
+KeyboardCrackManager::KeyboardCrackManager(const Platform& platform) : m_platform(platform) {
+    loadSound();
+}
+
+KeyboardCrackManager::~KeyboardCrackManager() {
+    requireMainThread(m_platform.runLoop, "KeyboardCrackManager");
+    KeyboardCrackManager::stop();
+}
+
+void KeyboardCrackManager::loadSound() {
+    const auto url = m_platform.bundle.urlForResource("keyboard", "mp3");
+    if (!url) {
+        m_platform.console.print("⚠️ [KEYBOARD] keyboard.mp3 not found");
+        return;
+    }
+    const auto created = m_platform.audio.createFilePlayer(*url);
+    if (const auto* player = std::get_if<std::shared_ptr<AudioFilePlayer>>(&created)) {
+        m_player = *player;
+        m_player->prepareToPlay();
+        m_player->setVolume(crackVolume);
+    }
+    // Also without a player: it tells that the file was found, no more.
+    m_platform.console.print("✅ [KEYBOARD] keyboard.mp3 loaded");
+}
+
+void KeyboardCrackManager::start() {
+    if (m_isActive || !m_player)
+        return;
+    m_hasPermission = m_platform.system.isProcessTrusted();
+    if (m_hasPermission) {
+        startEventTap();
+        return;
+    }
+    requestPermission();
+    m_platform.runLoop.asyncAfter(retryDelay, [weak = weak_from_this()] {
+        if (const auto manager = weak.lock())
+            manager->retry();
+    });
+}
+
+void KeyboardCrackManager::requestPermission() {
+    m_hasPermission = m_platform.system.isProcessTrustedWithOptions(/*prompt=*/true);
+}
+
+void KeyboardCrackManager::retry() {
+    if (m_isActive)
+        return;
+    m_hasPermission = m_platform.system.isProcessTrusted();
+    if (m_hasPermission)
+        startEventTap();
+}
+
+void KeyboardCrackManager::startEventTap() {
+    auto tap = m_platform.eventTaps.createTap(
+        TapLocation::Session, TapPlacement::HeadInsert, TapOptions::ListenOnly,
+        tapEventMask(TapEventType::KeyDown), &KeyboardCrackManager::handleTapEvent);
+    if (!tap) {
+        m_platform.console.print("⚠️ [KEYBOARD] Failed to create event tap — no permission?");
+        return;
+    }
+    m_eventTap = std::move(tap);
+    m_runLoopSource = m_eventTap->createRunLoopSource(0);
+    if (m_runLoopSource) {
+        m_runLoopSource->addToRunLoop();
+        m_eventTap->enable(true);
+    }
+    m_outputHold = m_platform.audio.holdOutput();
+    m_isActive = true;
+    m_hasPermission = true;
+    m_platform.console.print("⌨️ [KEYBOARD] Event tap started — global monitoring active");
+}
+
+/// Does next to nothing, since a system switches off a tap that is slow. A tap that has been
+/// switched off stays so.
+const TapEvent& KeyboardCrackManager::handleTapEvent(const TapEvent& event) {
+    const auto manager = shared.lock();
+    if (manager && event.type == TapEventType::KeyDown && event.keyboardAutorepeat == 0) {
+        manager->m_platform.runLoop.async([] {
+            if (const auto current = shared.lock())
+                current->playCrack();
+        });
+    }
+    return event;
+}
+
+void KeyboardCrackManager::playCrack() {
+    if (!m_player)
+        return;
+    const double now = m_platform.runLoop.currentMediaTime();
+    if (now - m_lastPlayTime < minInterval)
+        return;
+    m_lastPlayTime = now;
+    m_player->setCurrentTime(0);
+    m_player->play();
+}
+
+void KeyboardCrackManager::stop() {
+    if (m_eventTap)
+        m_eventTap->enable(false);
+    if (m_runLoopSource)
+        m_runLoopSource->removeFromRunLoop();
+    m_eventTap.reset();
+    m_runLoopSource.reset();
+    m_outputHold.reset();
+    m_isActive = false;
+}
+
+} // namespace quorvane

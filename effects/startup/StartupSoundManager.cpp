@@ -1,0 +1,215 @@
+#include "effects/startup/StartupSoundManager.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+
+#include "base/Format.h"
+#include "base/MainThreadOwned.h"
+#include "effects/startup/Rumble.h"
+
+namespace quorvane {
+
+namespace {
+
+constexpr double rumbleSampleRate = 44100;
+constexpr unsigned rumbleChannels = 1;
+constexpr int rampSteps = 30;
+
+// Seconds.
+constexpr double rampUpDuration = 3.0;
+constexpr double loginBootDelay = 0.5;
+constexpr double hapticInterval = 1 / hapticTickRate;
+
+[[noreturn]] void fail(const char* what) {
+    std::fprintf(stderr, "quorvane: fatal: StartupSoundManager: %s\n", what);
+    std::abort();
+}
+
+} // namespace
+
+std::shared_ptr<StartupSoundManager> StartupSoundManager::create(const Platform& platform) {
+    auto manager = makeMainThreadOwned(
+        platform.runLoop, std::unique_ptr<StartupSoundManager>(new StartupSoundManager(platform)));
+    manager->begin();
+    return manager;
+}
+
+StartupSoundManager::StartupSoundManager(const Platform& platform)
+    : m_platform(platform), m_rumbleEngine(platform.audio.createEngine()),
+      m_rumblePlayer(platform.audio.createPlayerNode()) {}
+
+/// The rest of the construction, which hands out weak references.
+void StartupSoundManager::begin() {
+    loadSound();
+    connectRumble();
+    observeWake();
+    playOnLoginBoot();
+}
+
+StartupSoundManager::~StartupSoundManager() {
+    requireMainThread(m_platform.runLoop, "StartupSoundManager");
+    if (m_wakeObserver)
+        m_platform.workspace.removeObserver(*m_wakeObserver);
+    if (m_hapticTimer)
+        m_hapticTimer->invalidate();
+    m_rumbleEngine->stop();
+}
+
+void StartupSoundManager::loadSound() {
+    const auto url = m_platform.bundle.urlForResource("tractor", "mp3");
+    if (!url)
+        return;
+    const auto created = m_platform.audio.createFilePlayer(*url);
+    if (const auto* player = std::get_if<std::shared_ptr<AudioFilePlayer>>(&created)) {
+        m_tractorPlayer = *player;
+        m_tractorPlayer->prepareToPlay();
+    }
+    // Also without a player: it tells that the file was found, no more.
+    m_platform.console.print("✅ [STARTUP] tractor.mp3 loaded");
+}
+
+void StartupSoundManager::connectRumble() {
+    m_rumbleEngine->attach(m_rumblePlayer);
+    const auto format = m_platform.audio.standardFormat(rumbleSampleRate, rumbleChannels);
+    if (!format)
+        fail("there is no format of one channel at 44100 Hz");
+    m_rumbleEngine->connectToMainMixer(m_rumblePlayer, *format);
+    generateRumbleBuffer(rumbleSampleRate, *format);
+}
+
+void StartupSoundManager::generateRumbleBuffer(double sampleRate, const AudioFormat& format) {
+    const auto frames = rumbleFrameCount(sampleRate);
+    if (!frames)
+        fail("the sample rate is no count of frames");
+    auto buffer = m_platform.audio.createBuffer(format, *frames);
+    if (!buffer || (*frames > 0 && buffer->samples.empty()))
+        return;
+    buffer->frameLength = *frames;
+    for (std::uint32_t i = 0; i < *frames; ++i)
+        buffer->samples[std::size_t{i} * format.channels] =
+            static_cast<float>(rumbleSample(i / sampleRate, m_rumbleFrequency));
+    m_rumbleBuffer = std::move(buffer);
+    m_platform.console.print("✅ [RUMBLE] Buffer generated: " + formatDouble(m_rumbleFrequency) +
+                             "Hz + " + formatDouble(m_rumbleFrequency * 0.5) + "Hz sub");
+}
+
+void StartupSoundManager::observeWake() {
+    m_wakeObserver =
+        m_platform.workspace.addObserver(WorkspaceNotification::didWake, [weak = weak_from_this()] {
+            const auto manager = weak.lock();
+            if (manager && manager->m_startupSoundEnabled)
+                manager->playTractor();
+        });
+}
+
+/// Takes a program that is registered to open at login, and not in front shortly after its start,
+/// for one that was opened at login.
+void StartupSoundManager::playOnLoginBoot() {
+    if (m_platform.application.loginItemStatus() != LoginItemStatus::Enabled ||
+        !m_startupSoundEnabled)
+        return;
+    m_platform.runLoop.asyncAfter(loginBootDelay, [weak = weak_from_this()] {
+        const auto manager = weak.lock();
+        if (manager && manager->m_startupSoundEnabled &&
+            !manager->m_platform.application.isActive())
+            manager->playTractor();
+    });
+}
+
+void StartupSoundManager::playTractor() {
+    if (!m_startupSoundEnabled || m_isPlayingTractor || !m_tractorPlayer)
+        return;
+    m_isPlayingTractor = true;
+    m_platform.console.print("🚜 [STARTUP] Playing tractor + rumble + haptic!");
+    m_tractorPlayer->setCurrentTime(0);
+    m_tractorPlayer->play();
+    startRumble();
+    startHaptic();
+    m_platform.runLoop.asyncAfter(m_tractorPlayer->duration(),
+                                  [weak = weak_from_this(), &console = m_platform.console] {
+                                      if (const auto manager = weak.lock())
+                                          manager->endSequence();
+                                      console.print("🚜 [STARTUP] Sequence complete");
+                                  });
+}
+
+void StartupSoundManager::endSequence() {
+    stopRumble();
+    stopHaptic();
+    m_isPlayingTractor = false;
+}
+
+void StartupSoundManager::startRumble() {
+    if (!m_rumbleBuffer)
+        return;
+    if (!m_rumbleEngine->isRunning()) {
+        if (const auto error = m_rumbleEngine->start()) {
+            m_platform.console.print("⚠️ [RUMBLE] Error: " + error->description);
+            return;
+        }
+    }
+    m_rumblePlayer->setVolume(0);
+    m_rumblePlayer->scheduleBuffer(m_rumbleBuffer, BufferOptions::Loops, nullptr);
+    m_rumblePlayer->play();
+    startRamp();
+    m_platform.console.print("🔊 [RUMBLE] Started with " + formatDouble(rampUpDuration) +
+                             "s ramp-up");
+}
+
+void StartupSoundManager::startRamp() {
+    m_rampTimer = m_platform.runLoop.scheduledTimer(
+        rampUpDuration / rampSteps, true,
+        [weak = weak_from_this(), step = 0,
+         volumeStep = m_rumbleVolume / static_cast<float>(rampSteps)](Timer& timer) mutable {
+            if (const auto manager = weak.lock())
+                manager->stepRamp(timer, ++step, volumeStep);
+            else
+                timer.invalidate();
+        });
+}
+
+void StartupSoundManager::stepRamp(Timer& timer, int step, float volumeStep) {
+    m_rumblePlayer->setVolume(
+        std::min(static_cast<float>(step) * volumeStep, m_rumbleVolume.get()));
+    if (step < rampSteps)
+        return;
+    timer.invalidate();
+    m_rampTimer.reset();
+}
+
+void StartupSoundManager::stopRumble() {
+    if (const auto timer = std::exchange(m_rampTimer, nullptr))
+        timer->invalidate();
+    // The engine goes on: it is only stopped with the manager.
+    m_rumblePlayer->stop();
+    m_platform.console.print("🔊 [RUMBLE] Stopped");
+}
+
+void StartupSoundManager::startHaptic() {
+    m_hapticStartTime = m_platform.runLoop.currentDate();
+    m_hapticTimer =
+        m_platform.runLoop.scheduledTimer(hapticInterval, true, [weak = weak_from_this()](Timer&) {
+            if (const auto manager = weak.lock())
+                manager->pulse();
+        });
+    m_platform.console.print("📳 [HAPTIC] Started with ramp-up");
+}
+
+void StartupSoundManager::pulse() {
+    if (!m_hapticStartTime)
+        return;
+    const double elapsed = m_platform.runLoop.currentDate() - *m_hapticStartTime;
+    if (isHapticPulseDue(elapsed, hapticRate(elapsed, rampUpDuration)))
+        m_platform.haptics.defaultPerformer()->performFeedback(HapticPattern::Alignment,
+                                                               HapticPerformanceTime::Now);
+}
+
+void StartupSoundManager::stopHaptic() {
+    if (const auto timer = std::exchange(m_hapticTimer, nullptr))
+        timer->invalidate();
+    m_platform.console.print("📳 [HAPTIC] Stopped");
+}
+
+} // namespace quorvane
