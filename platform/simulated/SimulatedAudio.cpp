@@ -5,138 +5,28 @@
 #include <optional>
 #include <utility>
 
+#include "platform/simulated/SimulatedAudioEngine.h"
+
 namespace quorvane {
 
 namespace {
 
-class SimulatedPlayerNode final : public AudioPlayerNode {
-public:
-    explicit SimulatedPlayerNode(std::shared_ptr<SimulatedAudioVoice> voice)
-        : m_voice(std::move(voice)) {}
-
-    SimulatedPlayerNode(const SimulatedPlayerNode&) = delete;
-    SimulatedPlayerNode& operator=(const SimulatedPlayerNode&) = delete;
-
-    ~SimulatedPlayerNode() override { m_voice->drop(); }
-
-    void scheduleBuffer(std::shared_ptr<const PCMBuffer> buffer, BufferOptions /*options*/,
-                        Completion completion) override {
-        m_voice->schedule(std::move(buffer), std::move(completion));
-    }
-
-    void play() override { m_voice->play(); }
-
-    void pause() override { m_voice->pause(); }
-
-    void stop() override { m_voice->stop(); }
-
-    void setVolume(float volume) override { m_volume = volume; }
-
-    [[nodiscard]] float volume() const override { return m_volume; }
-
-    [[nodiscard]] SimulatedAudioVoice& voice() { return *m_voice; }
-
-private:
-    std::shared_ptr<SimulatedAudioVoice> m_voice;
-    float m_volume = 1;
-};
-
-SimulatedAudioVoice& voiceOf(AudioPlayerNode& node) {
-    return dynamic_cast<SimulatedPlayerNode&>(node).voice();
-}
-
-/// The sample of `sound` that is heard at media time `time`, times its share in `channel`.
-float sampleAt(const SimulatedSound& sound, double time, unsigned channel, unsigned channels) {
-    const PCMBuffer& buffer = *sound.buffer;
-    // A little room, since times are whole nanoseconds and frames are not.
-    const double frame =
-        std::floor((sound.offset + time - sound.startTime) * buffer.format.sampleRate + 1e-3);
-    if (time < sound.startTime || time >= sound.stopTime || frame >= buffer.frameLength)
-        return 0;
-    const auto* samples = &buffer.samples[static_cast<std::size_t>(frame) * buffer.format.channels];
-    if (channels == 1 && buffer.format.channels == 2)
-        return (samples[0] + samples[1]) / 2;
-    return samples[std::min(channel, buffer.format.channels - 1)];
+/// The sound file `path` of the machine; the error when there is none.
+std::variant<const SimulatedRecording*, AudioError>
+recordingIn(const SimulatedAudioMachine& machine, const std::filesystem::path& path) {
+    const auto found = machine.files.find(path);
+    if (found == machine.files.end())
+        return AudioError{path.string() + ": No such file or directory"};
+    if (!found->second.isAudio)
+        return AudioError{path.string() + ": not a sound file that can be decoded"};
+    return &found->second;
 }
 
 } // namespace
 
-struct SimulatedAudio::Recording {
-    AudioFormat format;
-    std::vector<float> samples;
-    std::int64_t claimedFrames = 0;
-    bool isAudio = true;
-};
-
-struct SimulatedAudio::Machine {
-    std::map<AudioFault, std::string> faults;
-    bool outputDevicePresent = true;
-    std::vector<std::weak_ptr<Engine>> engines;
-    std::size_t engineStartCount = 0;
-
-    [[nodiscard]] std::optional<AudioError> fault(AudioFault fault) const {
-        const auto found = faults.find(fault);
-        if (found == faults.end())
-            return std::nullopt;
-        return AudioError{found->second};
-    }
-};
-
-class SimulatedAudio::Engine final : public AudioEngine {
-public:
-    explicit Engine(std::shared_ptr<Machine> machine) : m_machine(std::move(machine)) {}
-
-    Engine(const Engine&) = delete;
-    Engine& operator=(const Engine&) = delete;
-
-    ~Engine() override { halt(); }
-
-    void attach(const std::shared_ptr<AudioPlayerNode>& node) override {
-        voiceOf(*node).attach();
-        m_nodes.push_back(node);
-        if (m_running)
-            voiceOf(*node).engineStarted();
-    }
-
-    void connectToMainMixer(const std::shared_ptr<AudioPlayerNode>& node,
-                            const AudioFormat& format) override {
-        voiceOf(*node).connect(format);
-    }
-
-    [[nodiscard]] bool isRunning() const override { return m_running; }
-
-    std::optional<AudioError> start() override {
-        if (m_running)
-            return std::nullopt;
-        ++m_machine->engineStartCount;
-        if (auto error = m_machine->fault(AudioFault::EngineStart))
-            return error;
-        if (!m_machine->outputDevicePresent)
-            return AudioError{"There is no sound output device."};
-        m_running = true;
-        for (const auto& node : m_nodes)
-            voiceOf(*node).engineStarted();
-        return std::nullopt;
-    }
-
-    void stop() override { halt(); }
-
-    void halt() {
-        if (!std::exchange(m_running, false))
-            return;
-        for (const auto& node : m_nodes)
-            voiceOf(*node).engineStopped();
-    }
-
-private:
-    std::shared_ptr<Machine> m_machine;
-    std::vector<std::shared_ptr<AudioPlayerNode>> m_nodes;
-    bool m_running = false;
-};
-
 class SimulatedAudio::File final : public AudioFile {
 public:
-    File(std::shared_ptr<const Machine> machine, Recording recording)
+    File(std::shared_ptr<const SimulatedAudioMachine> machine, SimulatedRecording recording)
         : m_machine(std::move(machine)), m_recording(std::move(recording)) {}
 
     [[nodiscard]] AudioFormat processingFormat() const override { return m_recording.format; }
@@ -155,18 +45,33 @@ public:
     }
 
 private:
-    std::shared_ptr<const Machine> m_machine;
-    Recording m_recording;
+    std::shared_ptr<const SimulatedAudioMachine> m_machine;
+    SimulatedRecording m_recording;
+};
+
+class SimulatedAudio::Hold final : public AudioOutputHold {
+public:
+    explicit Hold(std::shared_ptr<SimulatedAudioMachine> machine) : m_machine(std::move(machine)) {
+        ++m_machine->holdCount;
+    }
+
+    Hold(const Hold&) = delete;
+    Hold& operator=(const Hold&) = delete;
+
+    ~Hold() override { --m_machine->holdCount; }
+
+private:
+    std::shared_ptr<SimulatedAudioMachine> m_machine;
 };
 
 SimulatedAudio::SimulatedAudio(RunLoop& runLoop)
-    : m_runLoop(runLoop), m_timeline(std::make_shared<std::vector<SimulatedSound>>()),
-      m_machine(std::make_shared<Machine>()) {}
+    : m_runLoop(runLoop), m_timeline(std::make_shared<SimulatedTimeline>()),
+      m_machine(std::make_shared<SimulatedAudioMachine>()) {}
 
 SimulatedAudio::~SimulatedAudio() = default;
 
 std::shared_ptr<AudioEngine> SimulatedAudio::createEngine() {
-    auto engine = std::make_shared<Engine>(m_machine);
+    auto engine = std::make_shared<SimulatedAudioEngine>(m_machine);
     m_machine->engines.push_back(engine);
     return engine;
 }
@@ -181,12 +86,10 @@ std::variant<std::shared_ptr<AudioFile>, AudioError>
 SimulatedAudio::openFile(const std::filesystem::path& path) {
     if (auto error = m_machine->fault(AudioFault::FileOpen))
         return *std::move(error);
-    const auto found = m_files.find(path);
-    if (found == m_files.end())
-        return AudioError{path.string() + ": No such file or directory"};
-    if (!found->second.isAudio)
-        return AudioError{path.string() + ": not a sound file that can be decoded"};
-    return std::make_shared<File>(m_machine, found->second);
+    const auto found = recordingIn(*m_machine, path);
+    if (const auto* error = std::get_if<AudioError>(&found))
+        return *error;
+    return std::make_shared<File>(m_machine, *std::get<const SimulatedRecording*>(found));
 }
 
 std::shared_ptr<PCMBuffer> SimulatedAudio::createBuffer(const AudioFormat& format,
@@ -202,18 +105,34 @@ std::shared_ptr<PCMBuffer> SimulatedAudio::createBuffer(const AudioFormat& forma
 }
 
 std::optional<AudioFormat> SimulatedAudio::standardFormat(double sampleRate, unsigned channels) {
-    if (!std::isfinite(sampleRate) || sampleRate <= 0 || channels < 1 || channels > 2)
+    if (m_machine->fault(AudioFault::StandardFormat) || !std::isfinite(sampleRate) ||
+        sampleRate <= 0 || channels < 1 || channels > 2)
         return std::nullopt;
     return AudioFormat{.sampleRate = sampleRate, .channels = channels};
 }
 
 std::variant<std::shared_ptr<AudioFilePlayer>, AudioError>
 SimulatedAudio::createFilePlayer(const std::filesystem::path& path) {
-    return AudioError{path.string() + ": there are no file players yet"};
+    if (auto error = m_machine->fault(AudioFault::FilePlayerCreation))
+        return *std::move(error);
+    const auto found = recordingIn(*m_machine, path);
+    if (const auto* error = std::get_if<AudioError>(&found))
+        return *error;
+    const SimulatedRecording& recording = *std::get<const SimulatedRecording*>(found);
+    if (recording.samples.empty())
+        return AudioError{path.string() + ": there is no sound in it"};
+    if (recording.samples.size() <
+        static_cast<std::size_t>(recording.claimedFrames) * recording.format.channels)
+        return AudioError{path.string() + ": the sound ends before its length"};
+    const auto player = std::make_shared<SimulatedAudioFilePlayer>(m_runLoop, m_timeline, m_machine,
+                                                                   path, m_filePlayers.size());
+    m_filePlayers.push_back(player);
+    return std::shared_ptr<AudioFilePlayer>(
+        player.get(), [player](AudioFilePlayer* /*owned by the capture*/) { player->release(); });
 }
 
 std::shared_ptr<AudioOutputHold> SimulatedAudio::holdOutput() {
-    return std::make_shared<AudioOutputHold>();
+    return std::make_shared<Hold>(m_machine);
 }
 
 void SimulatedAudio::addFile(const std::filesystem::path& path, const AudioFormat& format,
@@ -224,12 +143,12 @@ void SimulatedAudio::addFile(const std::filesystem::path& path, const AudioForma
 
 void SimulatedAudio::addTruncatedFile(const std::filesystem::path& path, const AudioFormat& format,
                                       std::vector<float> samples, std::int64_t claimedFrames) {
-    m_files[path] = {
+    m_machine->files[path] = {
         .format = format, .samples = std::move(samples), .claimedFrames = claimedFrames};
 }
 
 void SimulatedAudio::addNonAudioFile(const std::filesystem::path& path) {
-    m_files[path] = {.format = {}, .samples = {}, .isAudio = false};
+    m_machine->files[path] = {.format = {}, .samples = {}, .isAudio = false};
 }
 
 void SimulatedAudio::setFault(AudioFault fault, std::string description) {
@@ -242,6 +161,11 @@ void SimulatedAudio::clearFault(AudioFault fault) {
 
 void SimulatedAudio::setOutputDevicePresent(bool present) {
     m_machine->outputDevicePresent = present;
+    for (const auto& player : m_filePlayers)
+        if (present)
+            player->deviceCame();
+        else
+            player->deviceWent();
     if (present)
         return;
     for (const auto& weak : m_machine->engines)
@@ -256,8 +180,8 @@ std::vector<float> SimulatedAudio::render(double from, double to, const AudioFor
         for (std::size_t i = 0; i < mix.size(); ++i) {
             const std::size_t frame = i / format.channels;
             const auto channel = static_cast<unsigned>(i % format.channels);
-            mix[i] += sampleAt(sound, from + static_cast<double>(frame) / format.sampleRate,
-                               channel, format.channels);
+            mix[i] += sound.sampleAt(from + static_cast<double>(frame) / format.sampleRate, channel,
+                                     format.channels);
         }
     return mix;
 }

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <filesystem>
-#include <map>
 #include <memory>
 #include <string>
 #include <variant>
@@ -10,21 +9,11 @@
 
 #include "platform/Audio.h"
 #include "platform/RunLoop.h"
+#include "platform/simulated/SimulatedAudioFilePlayer.h"
+#include "platform/simulated/SimulatedAudioMachine.h"
 #include "platform/simulated/SimulatedAudioVoice.h"
 
 namespace quorvane {
-
-/// What can be made to go wrong, by name.
-enum class AudioFault {
-    /// Every engine refuses to start.
-    EngineStart,
-    /// No buffer can be made.
-    BufferCreation,
-    /// No file can be opened.
-    FileOpen,
-    /// No file can be read once it is open.
-    FileRead,
-};
 
 /// Sound on a machine that exists on a run loop's clock only: it is written down when it is due,
 /// never heard. Main thread only; the service outlives nothing but its own calls.
@@ -62,13 +51,15 @@ public:
     void setFault(AudioFault fault, std::string description);
     void clearFault(AudioFault fault);
     /// Unplugged: every running engine stops at once, what was scheduled on its nodes is dropped,
-    /// and no engine starts until the device is there again. Present from the start.
+    /// no engine starts until the device is there again, and file players fall silent; one that
+    /// was to play less than SimulatedAudioFilePlayer::patience ago then plays on. Present from
+    /// the start.
     void setOutputDevicePresent(bool present);
 
     // What was heard.
 
     /// Every stretch of sound, in the order in which they began.
-    [[nodiscard]] const std::vector<SimulatedSound>& timeline() const { return *m_timeline; }
+    [[nodiscard]] const SimulatedTimeline& timeline() const { return *m_timeline; }
 
     /// The mix from one media time to another, as interleaved samples of `format` (1 or 2
     /// channels), without any filtering. Sound that is still to come is what would come if nothing
@@ -84,23 +75,31 @@ public:
         return *m_voices.at(index);
     }
 
+    /// Number of file players that were ever created.
+    [[nodiscard]] std::size_t filePlayerCount() const { return m_filePlayers.size(); }
+
+    /// The file player that was created as number `index`, counted from 0; also when it is gone.
+    [[nodiscard]] const SimulatedAudioFilePlayer& filePlayer(std::size_t index) const {
+        return *m_filePlayers.at(index);
+    }
+
+    /// Number of holds on the output device that live now.
+    [[nodiscard]] std::size_t holdCount() const { return m_machine->holdCount; }
+
     /// Number of engines that run now.
     [[nodiscard]] std::size_t runningEngineCount() const;
     /// Number of calls of `start` on an engine that was not running, failed ones too.
     [[nodiscard]] std::size_t engineStartCount() const;
 
 private:
-    class Engine;
     class File;
-    struct Recording;
-    struct Machine;
+    class Hold;
 
     RunLoop& m_runLoop;
-    std::shared_ptr<std::vector<SimulatedSound>> m_timeline;
+    std::shared_ptr<SimulatedTimeline> m_timeline;
     std::vector<std::shared_ptr<SimulatedAudioVoice>> m_voices;
-    std::map<std::filesystem::path, Recording> m_files;
-    // Shared with engines and files, which may live longer.
-    std::shared_ptr<Machine> m_machine;
+    std::vector<std::shared_ptr<SimulatedAudioFilePlayer>> m_filePlayers;
+    std::shared_ptr<SimulatedAudioMachine> m_machine;
 };
 
 } // namespace quorvane

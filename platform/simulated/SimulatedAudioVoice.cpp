@@ -1,5 +1,8 @@
 #include "platform/simulated/SimulatedAudioVoice.h"
 
+#include <algorithm>
+#include <cmath>
+#include <limits>
 #include <sstream>
 #include <thread>
 #include <utility>
@@ -16,7 +19,8 @@ void callFromAnotherThread(const AudioPlayerNode::Completion& completion) {
 
 } // namespace
 
-SimulatedAudioVoice::SimulatedAudioVoice(RunLoop& runLoop, std::shared_ptr<Timeline> timeline,
+SimulatedAudioVoice::SimulatedAudioVoice(RunLoop& runLoop,
+                                         std::shared_ptr<SimulatedTimeline> timeline,
                                          std::size_t index)
     : m_runLoop(runLoop), m_timeline(std::move(timeline)), m_index(index) {}
 
@@ -43,7 +47,8 @@ double SimulatedAudioVoice::position() const {
     if (!m_current)
         return m_offset;
     const SimulatedSound& current = (*m_timeline)[*m_current];
-    return current.offset + m_runLoop.currentMediaTime() - current.startTime;
+    const double position = current.offset + m_runLoop.currentMediaTime() - current.startTime;
+    return current.loops ? std::fmod(position, headDuration()) : position;
 }
 
 void SimulatedAudioVoice::attach() {
@@ -57,12 +62,26 @@ void SimulatedAudioVoice::connect(const AudioFormat& format) {
     m_format = format;
 }
 
-void SimulatedAudioVoice::schedule(std::shared_ptr<const PCMBuffer> buffer,
+void SimulatedAudioVoice::schedule(std::shared_ptr<const PCMBuffer> buffer, BufferOptions options,
                                    AudioPlayerNode::Completion completion) {
-    m_calls.emplace_back("schedule");
-    m_scheduled.push_back({.buffer = std::move(buffer), .completion = std::move(completion)});
+    const bool loops = options == BufferOptions::Loops;
+    m_calls.emplace_back(loops ? "schedule loops" : "schedule");
+    // Nothing, over and over, would never let the time go on.
+    const bool canLoop = loops && buffer->frameLength > 0;
+    m_scheduled.push_back(
+        {.buffer = std::move(buffer), .loops = canLoop, .completion = std::move(completion)});
     if (m_playing && !m_current)
         sound(m_runLoop.currentMediaTime());
+}
+
+void SimulatedAudioVoice::setVolume(float volume) {
+    std::ostringstream call;
+    call << "volume " << volume;
+    m_calls.push_back(call.str());
+    m_volume = std::clamp(volume, 0.0F, 1.0F);
+    if (m_current)
+        (*m_timeline)[*m_current].volumes.push_back(
+            {.time = m_runLoop.currentMediaTime(), .volume = m_volume});
 }
 
 void SimulatedAudioVoice::play() {
@@ -105,13 +124,20 @@ void SimulatedAudioVoice::drop() {
 }
 
 void SimulatedAudioVoice::sound(double startTime) {
-    const double stopTime = startTime + headDuration() - m_offset;
+    const bool loops = m_scheduled.front().loops;
+    const double stopTime =
+        loops ? std::numeric_limits<double>::infinity() : startTime + headDuration() - m_offset;
     m_current = m_timeline->size();
     m_timeline->push_back({.node = m_index,
+                           .file = {},
                            .buffer = m_scheduled.front().buffer,
                            .startTime = startTime,
                            .offset = m_offset,
-                           .stopTime = stopTime});
+                           .stopTime = stopTime,
+                           .loops = loops,
+                           .volumes = {{.time = startTime, .volume = m_volume}}});
+    if (loops)
+        return;
     m_endTimer = m_runLoop.scheduledTimer(stopTime - m_runLoop.currentMediaTime(), false,
                                           [weak = weak_from_this()](Timer&) {
                                               if (const auto voice = weak.lock())
@@ -125,7 +151,8 @@ void SimulatedAudioVoice::fallSilent() {
     m_offset = position();
     (*m_timeline)[*m_current].stopTime = m_runLoop.currentMediaTime();
     m_current.reset();
-    m_endTimer->invalidate();
+    if (m_endTimer)
+        m_endTimer->invalidate();
 }
 
 void SimulatedAudioVoice::finishHead() {

@@ -9,21 +9,9 @@
 
 #include "platform/Audio.h"
 #include "platform/RunLoop.h"
+#include "platform/simulated/SimulatedSound.h"
 
 namespace quorvane {
-
-/// One uninterrupted stretch of sound: a buffer, heard from some place in it.
-struct SimulatedSound {
-    /// Which node of the service, counted from 0 in the order of their creation.
-    std::size_t node = 0;
-    std::shared_ptr<const PCMBuffer> buffer;
-    /// Media time at which it starts, in seconds.
-    double startTime = 0;
-    /// Place in the buffer that is heard first, in seconds.
-    double offset = 0;
-    /// Media time at which it fell or falls silent: by itself, or because it was told to.
-    double stopTime = 0;
-};
 
 /// What a simulated player node does, kept by the service for as long as it exists itself, so that
 /// a test can still ask about a node that is gone. Main thread only.
@@ -39,9 +27,8 @@ public:
         Paused,
     };
 
-    using Timeline = std::vector<SimulatedSound>;
-
-    SimulatedAudioVoice(RunLoop& runLoop, std::shared_ptr<Timeline> timeline, std::size_t index);
+    SimulatedAudioVoice(RunLoop& runLoop, std::shared_ptr<SimulatedTimeline> timeline,
+                        std::size_t index);
     SimulatedAudioVoice(const SimulatedAudioVoice&) = delete;
     SimulatedAudioVoice& operator=(const SimulatedAudioVoice&) = delete;
     ~SimulatedAudioVoice();
@@ -55,16 +42,20 @@ public:
     /// Number of buffers that have not sounded to their end.
     [[nodiscard]] std::size_t scheduledCount() const { return m_scheduled.size(); }
 
+    [[nodiscard]] float volume() const { return m_volume; }
+
     /// What was called on the node, in order: "attach", "connect 44100/2" (rate and channels),
-    /// "schedule", "play", "pause", "stop". A "play" without a running engine, which does nothing,
-    /// reads "play without engine".
+    /// "schedule", "schedule loops", "volume 0.5", "play", "pause", "stop". A "play" without a
+    /// running engine, which does nothing, reads "play without engine".
     [[nodiscard]] const std::vector<std::string>& calls() const { return m_calls; }
 
     // What the node and its engine tell it.
 
     void attach();
     void connect(const AudioFormat& format);
-    void schedule(std::shared_ptr<const PCMBuffer> buffer, AudioPlayerNode::Completion completion);
+    void schedule(std::shared_ptr<const PCMBuffer> buffer, BufferOptions options,
+                  AudioPlayerNode::Completion completion);
+    void setVolume(float volume);
     void play();
     void pause();
     void stop();
@@ -79,6 +70,7 @@ public:
 private:
     struct Scheduled {
         std::shared_ptr<const PCMBuffer> buffer;
+        bool loops = false;
         AudioPlayerNode::Completion completion;
     };
 
@@ -89,11 +81,12 @@ private:
     void finishHead();
 
     RunLoop& m_runLoop;
-    std::shared_ptr<Timeline> m_timeline;
+    std::shared_ptr<SimulatedTimeline> m_timeline;
     std::size_t m_index;
     std::vector<std::string> m_calls;
     std::deque<Scheduled> m_scheduled;
     std::optional<AudioFormat> m_format;
+    float m_volume = 1;
     bool m_engineRunning = false;
     bool m_playing = false;
     bool m_paused = false;

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/Audio.h"
+
+namespace quorvane {
+
+class SimulatedAudioEngine;
+
+/// What can be made to go wrong, by name.
+enum class AudioFault {
+    /// Every engine refuses to start.
+    EngineStart,
+    /// No buffer can be made.
+    BufferCreation,
+    /// No file can be opened.
+    FileOpen,
+    /// No file can be read once it is open.
+    FileRead,
+    /// No file player can be made.
+    FilePlayerCreation,
+    /// There is no standard format; this fault's description reaches nobody.
+    StandardFormat,
+};
+
+/// A sound file of the simulated machine.
+struct SimulatedRecording {
+    AudioFormat format;
+    std::vector<float> samples;
+    std::int64_t claimedFrames = 0;
+    bool isAudio = true;
+};
+
+/// The sound side of the simulated machine, shared by the service and all that comes from it, which
+/// may live longer. Main thread only.
+struct SimulatedAudioMachine {
+    std::map<AudioFault, std::string> faults;
+    std::map<std::filesystem::path, SimulatedRecording> files;
+    bool outputDevicePresent = true;
+    std::vector<std::weak_ptr<SimulatedAudioEngine>> engines;
+    std::size_t engineStartCount = 0;
+    std::size_t holdCount = 0;
+
+    [[nodiscard]] std::optional<AudioError> fault(AudioFault fault) const {
+        const auto found = faults.find(fault);
+        if (found == faults.end())
+            return std::nullopt;
+        return AudioError{found->second};
+    }
+};
+
+} // namespace quorvane
