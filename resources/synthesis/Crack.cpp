@@ -1,22 +1,30 @@
-// Makes the crack of a key pressed on a brittle keyboard: `crack FILE.wav`.
+// Makes the crack of a key pressed on a brittle keyboard: `crack FILE.wav`. The same samples every
+// time.
 //
 // Two things sound when a key goes down on a keyboard that is about to break, almost at once:
 //
-// - The plastic of the cap and its hinge cracks. A brittle fracture is an avalanche of small
-// breaks,
-//   each a step of stress some microseconds long. Their energies follow a power law and they come
-//   the denser the nearer to the main break, as measured on crumpling sheets by P. A. Houle and
-//   J. P. Sethna, "Acoustic emission from crumpling paper", Physical Review E 54 (1996), and as
-//   used for synthesis in F. Fontana and R. Bresin, "Physics-based sound synthesis and control:
-//   crushing, walking and running by crumpling sounds", Colloquium on Musical Informatics (2003).
+// - The plastic of the cap cracks. A brittle fracture is an avalanche of small breaks. Their
+// energies
+//   follow a power law, as P. A. Houle and J. P. Sethna measured on crumpling sheets ("Acoustic
+//   emission from crumpling paper", Physical Review E 54, 1996); F. Fontana and R. Bresin used it
+//   for synthesis in "Physics-based sound synthesis and control: crushing, walking and running by
+//   crumpling sounds" (Colloquium on Musical Informatics, 2003). Breaks come densest at the main
+//   one and thin out as the stress is gone. Each frees a splinter that rings as a bar clamped at
+//   one end does: the longer, the lower, the longer in time and the louder. Adding such small
+//   damped voices is P. R. Cook's "Physically informed sonic modeling (PhISM)" (Computer Music
+//   Journal 21, 1997).
 // - The key bottoms out. The cap hits the base plate; the force of the contact follows the
 //   non-linear, lossy spring of K. H. Hunt and F. R. E. Crossley, "Coefficient of restitution
-//   interpreted as damping in vibroimpact", Journal of Applied Mechanics 42 (1975), and drives the
-//   modes of the plate.
+//   interpreted as damping in vibroimpact" (Journal of Applied Mechanics 42, 1975), and drives the
+//   modes of cap and plate.
+//
+// To be seen: the main break as one line across all frequencies in the first milliseconds, speckles
+// that thin out above 1 kHz, and below them the plate's modes that ring for some 30 ms.
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <numbers>
 #include <span>
 
 #include "resources/synthesis/Draws.h"
@@ -27,21 +35,22 @@ namespace quorvane::synthesis {
 namespace {
 
 constexpr double length = 0.2;
-constexpr double crackTime = 0.001;
-constexpr double bottomTime = 0.003;
+/// The cap gives way, and hits the plate (s).
+constexpr double mainBreak = 0.001;
+constexpr double bottom = 0.0055;
 
-/// The force in N between cap and plate from the moment at which they meet.
+/// The force in N between cap and plate.
 Sound bottomingForce() {
     constexpr double mass = 0.0012;
     constexpr double speed = 0.9;
-    constexpr double stiffness = 3e7;
-    constexpr double loss = 0.6;
+    constexpr double stiffness = 1.6e7;
+    constexpr double loss = 0.5;
     constexpr int substeps = 16;
     constexpr double step = 1 / (sampleRate * substeps);
     Sound force(frames(length));
     double depth = 0;
     double velocity = speed;
-    for (std::size_t i = frames(bottomTime); i < force.size() && depth >= 0; ++i)
+    for (std::size_t i = frames(bottom); i < force.size() && depth >= 0; ++i)
         for (int substep = 0; substep < substeps && depth >= 0; ++substep) {
             const double spring = stiffness * std::pow(depth, 1.5);
             const double push = std::max(0.0, spring * (1 + loss * velocity));
@@ -52,48 +61,59 @@ Sound bottomingForce() {
     return force;
 }
 
-/// The breaks: the main one, then ever smaller and rarer ones.
-Sound fractures(Draws& draws) {
-    constexpr double tail = 0.014;
-    Sound stress(frames(length));
-    double time = crackTime;
-    double wait = 0.00012;
-    while (time < crackTime + 0.09) {
-        const double age = (time - crackTime) / tail;
-        const double size = std::sqrt(draws.power(0.02, 1, 1.5)) * std::exp(-age);
-        const std::size_t frame = frames(time);
-        const double sign = draws.uniform() < 0.5 ? -1 : 1;
-        stress[frame] += sign * (age == 0 ? 1.6 : size);
-        time += draws.exponential(wait);
-        wait *= 1.012;
+/// Adds the ringing of a splinter of `size`, from 0 to 1, that comes free at `time`.
+void addSplinter(Sound& sound, double time, double size, double level, Draws& draws) {
+    // A bar's pitch goes with 1 / length^2, its energy with its length.
+    const double frequency = std::min(9500.0, 1500 / std::sqrt(size) * draws.between(0.75, 1.3));
+    const double decay = 0.0012 + 0.0026 * size;
+    const double side = draws.uniform() < 0.5 ? -level : level;
+    const std::size_t start = frames(time);
+    const std::size_t end = std::min(sound.size(), start + frames(9 * decay));
+    for (std::size_t i = start; i < end; ++i) {
+        const double age = static_cast<double>(i - start) / sampleRate;
+        sound[i] +=
+            side * std::exp(-age / decay) * std::sin(2 * std::numbers::pi * frequency * age + 0.3);
     }
-    return stress;
+}
+
+/// The avalanche: the main break, then ever rarer and weaker ones.
+Sound makeAvalanche(Draws& draws) {
+    constexpr double calming = 0.013;
+    constexpr double end = 0.085;
+    Sound sound(frames(length));
+    double wait = 0.00007;
+    for (double time = mainBreak; time < end; time += draws.exponential(wait)) {
+        const double stress = std::exp(-(time - mainBreak) / calming);
+        // Energies between these bounds fall off with the power that the measurements gave.
+        const double size = std::sqrt(draws.power(0.0004, 1, 1.6));
+        addSplinter(sound, time, size, std::pow(size, 0.3) * stress, draws);
+        wait *= 1.02;
+    }
+    // The large ones of the main break, and those that the blow breaks of what it left.
+    for (int i = 0; i < 7; ++i)
+        addSplinter(sound, mainBreak + 0.0001 * i, draws.between(0.05, 0.8), 0.9, draws);
+    for (int i = 0; i < 4; ++i)
+        addSplinter(sound, bottom + 0.0002 * i, draws.between(0.02, 0.5), 0.5, draws);
+    return sound;
 }
 
 Sound makeCrack() {
+    constexpr double blowLevel = 0.004;
     Draws draws(5);
-    Sound breaks = fractures(draws);
-    Sound bottoming = bottomingForce();
-    Body cap({{880, 0.006, 0.5},
-              {1710, 0.006, 0.8},
-              {2630, 0.005, 1.0},
-              {3840, 0.004, 1.0},
-              {5210, 0.003, 0.9},
-              {7350, 0.002, 0.8},
-              {9400, 0.0015, 0.6}});
-    Body plate({{330, 0.010, 0.6},
-                {540, 0.010, 0.8},
-                {905, 0.008, 0.7},
-                {1420, 0.006, 0.6},
-                {2210, 0.004, 0.5}});
-    Biquad rumbleCut = Biquad::highPass(220);
-    for (std::size_t i = 0; i < breaks.size(); ++i) {
-        const double raw = 0.5 * breaks[i];
-        const double sample = raw + cap.next(breaks[i]) + 0.00005 * plate.next(bottoming[i]) +
-                              plate.next(0.1 * breaks[i]);
-        breaks[i] = rumbleCut.next(sample);
-    }
-    return breaks;
+    Sound crack = makeAvalanche(draws);
+    const Sound blow = bottomingForce();
+    Body plate({{328, 0.012, 0.55},
+                {541, 0.011, 0.8},
+                {905, 0.009, 0.9},
+                {1422, 0.007, 0.8},
+                {2210, 0.005, 0.8},
+                {3370, 0.003, 0.6},
+                {5060, 0.002, 0.4}});
+    Biquad floor = Biquad::highPass(240);
+    Biquad ceiling = Biquad::lowPass(11000);
+    for (std::size_t i = 0; i < crack.size(); ++i)
+        crack[i] = ceiling.next(floor.next(crack[i] + blowLevel * plate.next(blow[i])));
+    return crack;
 }
 
 } // namespace
@@ -101,5 +121,5 @@ Sound makeCrack() {
 
 int main(int argc, char** argv) {
     using namespace quorvane::synthesis;
-    return writeSound(std::span(argv, static_cast<std::size_t>(argc)), makeCrack(), 0.8);
+    return writeSound(std::span(argv, static_cast<std::size_t>(argc)), makeCrack(), 0.84);
 }

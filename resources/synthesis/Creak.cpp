@@ -1,138 +1,123 @@
-// Makes the creak of a dry door hinge: `creak FILE.wav`. The same samples every time.
+// Makes the creak of a worn hinge in a thin lid: `creak FILE.wav`. The same samples every time.
 //
 // A dry hinge does not turn steadily. Its surfaces stick; the turning lid winds up the parts around
-// them like a spring until the force is more than static friction can hold; they slip, the force
+// them like a spring until the force is more than their bristles can hold; they slip, the force
 // drops, and they stick again. What is heard is that train of slips through whatever the hinge is
-// screwed to. The model has those two halves:
+// screwed to:
 //
-// - Stick and slip, event by event. A spring is wound by the lid's speed, which wanders as a hand's
-//   does. Static friction rises with the logarithm of the time for which the surfaces have rested
-//   (E. Rabinowicz, "Friction and Wear of Materials", 1965) and differs from contact to contact. A
-//   slip lets go of most of the force, never of the same share, so the pulses are irregular and
-//   their rate, some 30 to 150 a second, follows the speed: that glide is what makes a creak of it.
-// - The body: a bank of modes, as in F. Avanzini, S. Serafin and D. Rocchesso, "Interactive
-//   simulation of rigid body interaction with friction-induced sound generation", IEEE Transactions
-//   on Speech and Audio Processing 13 (2005). Wood rings low and dies within some 15 ms, the metal
-//   of the hinge rings higher and shorter. A. Farnell, "Designing Sound" (2010), chapter
-//   "Creaking", takes the same two halves.
+// - Friction.h is the contact, dragged at the speed of a hand: slow for groans whose slips can be
+//   counted, fast for chirps whose slips melt into a tone that glides. Patches of rust make both
+//   irregular.
+// - The body is a bank of modes driven by the contact's force, as in F. Avanzini, S. Serafin and
+//   D. Rocchesso, "Interactive simulation of rigid body interaction with friction-induced sound
+//   generation", IEEE Transactions on Speech and Audio Processing 13 (2005). The lid rings low and
+//   dies within some 15 ms, the metal of the hinge rings higher and shorter.
+//
+// To be seen: single lines across all frequencies where the hand is slow, bent harmonics where it
+// is fast, and the modes as level bands through everything.
 
-#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <numbers>
 #include <span>
-#include <vector>
 
 #include "resources/synthesis/Draws.h"
 #include "resources/synthesis/Filters.h"
+#include "resources/synthesis/Friction.h"
 #include "resources/synthesis/SoundFile.h"
 
 namespace quorvane::synthesis {
 namespace {
 
 constexpr double length = 3.2;
-constexpr std::size_t frameCount = frames(length);
+/// The bristles are stiff: they need shorter steps than the sound.
+constexpr int substeps = 8;
 
-/// The lid's speed against its mean: an arc from a slow start over a quicker middle to a slow end,
-/// and the unsteadiness of a hand on top, as noise that is remembered for a fifth of a second.
-class HandSpeed {
+/// What the hand wants at a time (s): so many slips a second of a fresh and even surface.
+struct Gesture {
+    double time;
+    double rate;
+};
+
+constexpr std::array<Gesture, 14> gestures{{{0.00, 70},
+                                            {0.25, 120},
+                                            {0.50, 45},
+                                            {0.85, 170},
+                                            {1.05, 240},
+                                            {1.25, 90},
+                                            {1.50, 26},
+                                            {1.80, 60},
+                                            {2.15, 280},
+                                            {2.35, 400},
+                                            {2.50, 140},
+                                            {2.80, 70},
+                                            {3.12, 24},
+                                            {length, 2}}};
+
+/// From gesture to gesture as a hand moves, and unsteadily: noise remembered for a quarter of a
+/// second.
+class Hand {
 public:
+    /// The lengths (Friction.h) by which it drags on in one sample.
     double next(double time, Draws& draws) {
-        constexpr double memory = 0.2;
-        constexpr double unsteadiness = 0.28;
+        constexpr double memory = 0.25;
+        constexpr double unsteadiness = 0.12;
+        /// Of a slip: how far the force falls.
+        constexpr double slipLength = 0.9;
         const double keep = std::exp(-1 / (memory * sampleRate));
         m_wander = keep * m_wander + std::sqrt(1 - keep * keep) * unsteadiness * draws.normal();
-        const double arc = 0.55 + 0.75 * std::pow(std::sin(std::numbers::pi * time / length), 2);
-        return arc * std::exp(std::clamp(m_wander, -0.6, 0.6));
+        return wanted(time) * std::exp(m_wander) * slipLength / sampleRate;
     }
 
 private:
+    double wanted(double time) {
+        while (m_gesture + 2 < gestures.size() && time >= gestures[m_gesture + 1].time)
+            ++m_gesture;
+        const Gesture& from = gestures[m_gesture];
+        const Gesture& to = gestures[m_gesture + 1];
+        const double way = (time - from.time) / (to.time - from.time);
+        return from.rate *
+               std::pow(to.rate / from.rate, (1 - std::cos(std::numbers::pi * way)) / 2);
+    }
+
+    std::size_t m_gesture = 0;
     double m_wander = 0;
 };
 
-/// The contact of the two surfaces. Forces are in units of the least static friction.
-class Contact {
-public:
-    /// Turns the hinge on by one sample; the force that a slip lets go of, or 0 while it sticks.
-    double turn(double speed, Draws& draws) {
-        // Wound from rest to the least static friction within this time at mean speed.
-        constexpr double windingTime = 0.0135;
-        m_force += speed / (windingTime * sampleRate);
-        m_restingTime += 1 / sampleRate;
-        const double aging = 0.12 * std::log10(1 + m_restingTime / 0.002);
-        if (m_force < m_roughness + aging)
-            return 0;
-        return slip(draws);
-    }
-
-private:
-    double slip(Draws& draws) {
-        // One slip in five catches on the next asperity soon after and is followed by another.
-        const bool caught = draws.uniform() < 0.2;
-        const double share = caught ? 0.25 + 0.2 * draws.uniform() : 0.8 + 0.15 * draws.uniform();
-        const double released = share * m_force;
-        m_force -= released;
-        m_restingTime = 0;
-        m_roughness = std::clamp(1 + 0.1 * draws.normal(), 0.75, 1.3);
-        return released;
-    }
-
-    double m_force = 0.95;
-    double m_restingTime = 0;
-    double m_roughness = 1;
-};
-
-/// What the hinge is screwed to and what it is made of: frequency in Hz, decay in s, gain.
-std::vector<Mode> makeBody() {
-    return {
-        // The panel, then its higher bending modes, none a multiple of another.
-        {236, 0.016, 0.35},
-        {411, 0.014, 0.55},
-        {683, 0.012, 0.80},
-        {957, 0.011, 1.00},
-        {1290, 0.009, 1.00},
-        {1744, 0.008, 0.95},
+Body makeLidAndHinge() {
+    return Body({
+        // The lid's bending modes, none a multiple of another.
+        {214, 0.016, 0.45},
+        {372, 0.014, 0.70},
+        {655, 0.013, 1.00},
+        {983, 0.012, 1.10},
+        {1270, 0.010, 0.90},
+        {1795, 0.010, 0.80},
         // Leaves and pin of the hinge.
-        {2370, 0.007, 1.00},
-        {3190, 0.006, 0.95},
-        {4480, 0.004, 0.70},
-        {6120, 0.003, 0.55},
-    };
-}
-
-/// The force that the slips put into the body: each lets go over a quarter of a millisecond.
-Sound makeSlips(Draws& draws) {
-    constexpr std::size_t slipFrames = 11;
-    constexpr double rubbing = 0.35;
-    Sound force(frameCount + slipFrames);
-    HandSpeed hand;
-    Contact contact;
-    // The last slip rings out before the end.
-    const std::size_t lastSlip = frameCount - frames(0.06);
-    for (std::size_t frame = 0; frame < lastSlip; ++frame) {
-        const double time = static_cast<double>(frame) / sampleRate;
-        const double released = contact.turn(hand.next(time, draws), draws);
-        if (released == 0)
-            continue;
-        for (std::size_t i = 0; i < slipFrames; ++i) {
-            const double phase = static_cast<double>(i) / slipFrames;
-            const double window = 1 - std::cos(2 * std::numbers::pi * phase);
-            force[frame + i] += released * window * (1 + rubbing * draws.normal());
-        }
-    }
-    force.resize(frameCount);
-    return force;
+        {2480, 0.009, 0.75},
+        {3270, 0.007, 0.50},
+        {4630, 0.005, 0.35},
+        {6350, 0.003, 0.25},
+    });
 }
 
 Sound makeCreak() {
-    Draws draws(20240229);
-    std::vector<Mode> body = makeBody();
-    Sound creak = makeSlips(draws);
-    for (double& sample : creak) {
-        double sum = 0;
-        for (Mode& mode : body)
-            sum += mode.next(sample);
-        sample = sum;
+    constexpr double slipSwing = 700;
+    Draws draws(3);
+    StickSlip contact(slipSwing, draws);
+    Hand hand;
+    Body body = makeLidAndHinge();
+    Sound creak(frames(length));
+    double last = 0;
+    for (std::size_t i = 0; i < creak.size(); ++i) {
+        const double pull = hand.next(static_cast<double>(i) / sampleRate, draws);
+        double force = 0;
+        for (int step = 0; step < substeps; ++step)
+            force += contact.move(pull / substeps, 1 / sampleRate / substeps) / substeps;
+        // Sound goes with the body's acceleration, and so with the change of the force.
+        creak[i] = body.next(i == 0 ? 0 : force - last);
+        last = force;
     }
     return creak;
 }
@@ -142,5 +127,5 @@ Sound makeCreak() {
 
 int main(int argc, char** argv) {
     using namespace quorvane::synthesis;
-    return writeSound(std::span(argv, static_cast<std::size_t>(argc)), makeCreak(), 0.7);
+    return writeSound(std::span(argv, static_cast<std::size_t>(argc)), makeCreak(), 0.56);
 }

@@ -16,7 +16,7 @@ constexpr double compressionRatio = 6;
 /// Of the gas's expansion: less than adiabatic, as iron takes the heat.
 constexpr double polytropic = 1.3;
 /// Of flywheel and crank, in kg m^2.
-constexpr double inertia = 3.2;
+constexpr double inertia = 1.9;
 /// A charge that burns whole multiplies the pressure by this much more than 1.
 constexpr double heat = 2.4;
 /// The rings leak a share of the compressed gas.
@@ -68,16 +68,17 @@ void Engine::move(std::size_t cylinder, double before, double after) {
 
 void Engine::turn(double duration, bool starter) {
     // The pinion's clutch slips when the crank runs ahead of it.
-    constexpr double stallTorque = 190;
-    constexpr double freeSpeed = 22;
+    constexpr double stallTorque = 185;
+    constexpr double freeSpeed = 19;
     m_starterTorque = starter ? stallTorque * std::clamp(1 - m_speed / freeSpeed, 0.0, 1.0) : 0;
-    double torque = m_starterTorque;
+    m_gasTorque = 0;
     for (std::size_t cylinder = 0; cylinder < cylinders; ++cylinder) {
         const double slope = displacement / 2 * std::sin(phaseOf(m_angle, cylinder));
-        torque += pressure(cylinder, phaseOf(m_angle, cylinder)) * airPressure * slope;
+        m_gasTorque += pressure(cylinder, phaseOf(m_angle, cylinder)) * airPressure * slope;
     }
+    double torque = m_starterTorque + m_gasTorque;
     // Dry friction, smooth around standstill, and the drag of oil.
-    torque -= 26 * std::tanh(m_speed / 0.3) + 0.75 * m_speed;
+    torque -= 30 * std::tanh(m_speed / 0.3) + 0.4 * m_speed;
     const double before = m_angle;
     m_speed += torque / inertia * duration;
     m_angle += m_speed * duration;

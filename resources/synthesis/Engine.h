@@ -45,8 +45,10 @@ public:
     /// Of the crank, in radians a second.
     [[nodiscard]] double speed() const { return m_speed; }
 
-    /// In N m.
+    /// In N m, like that of the gas on the crank, which shakes the whole engine.
     [[nodiscard]] double starterTorque() const { return m_starterTorque; }
+
+    [[nodiscard]] double gasTorque() const { return m_gasTorque; }
 
 private:
     void move(std::size_t cylinder, double before, double after);
@@ -56,9 +58,10 @@ private:
     std::array<Stroke, cylinders> m_strokes;
     /// What burns in each, and what its rings have leaked.
     std::array<double, cylinders> m_burning{};
-    double m_angle = 2.2;
+    double m_angle = 4.2;
     double m_speed = 0;
     double m_starterTorque = 0;
+    double m_gasTorque = 0;
 };
 
 } // namespace quorvane::synthesis

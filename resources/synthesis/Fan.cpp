@@ -36,25 +36,50 @@ constexpr double turns = 980;
 constexpr double blades = 23;
 constexpr double fullTurn = 2 * std::numbers::pi;
 
-/// Waves that come around a whole number of times in the loop.
-double wander(double time, std::span<const std::array<double, 3>> waves) {
+/// Comes around `times` times in the loop, and so leaves no seam.
+struct Wave {
+    double times;
+    double depth;
+    double phase;
+
+    [[nodiscard]] double at(double time) const {
+        return depth * std::sin(fullTurn * (times * time / length + phase));
+    }
+
+    /// Its rate of change, a second.
+    [[nodiscard]] double slopeAt(double time) const {
+        const double rate = fullTurn * times / length;
+        return rate * depth * std::cos(fullTurn * (times * time / length + phase));
+    }
+};
+
+/// How far the labouring wheel is ahead of an even one, in turns.
+constexpr std::array<Wave, 4> hunting{
+    {{2, 1.5, 0.1}, {3, 1.1, 0.7}, {7, 0.35, 0.4}, {17, 0.06, 0.9}}};
+/// How the air's resistance changes: a hand on the slots, dust, the throttle of a stall.
+constexpr std::array<Wave, 4> resistance{
+    {{1, 0.05, 0.3}, {3, 0.06, 0.2}, {5, 0.05, 0.6}, {23, 0.05, 0.8}}};
+/// The rattle comes and goes.
+constexpr std::array<Wave, 3> looseness{{{4, 0.35, 0.55}, {9, 0.25, 0.15}, {31, 0.2, 0.7}}};
+
+double sum(std::span<const Wave> waves, double time) {
     double sum = 0;
-    for (const auto& [times, depth, phase] : waves)
-        sum += depth * std::sin(fullTurn * (times * time / length + phase));
+    for (const Wave& wave : waves)
+        sum += wave.at(time);
     return sum;
 }
 
-/// How far the wheel has turned, in turns: it labours, and does not run evenly.
+/// How far the wheel has turned, in turns.
 double angle(double time) {
-    static constexpr std::array<std::array<double, 3>, 4> waves{
-        {{2, 1.5, 0.1}, {3, 1.1, 0.7}, {7, 0.35, 0.4}, {17, 0.06, 0.9}}};
-    return turns * time / length + wander(time, waves);
+    return turns * time / length + sum(hunting, time);
 }
 
+/// The level of what the air does: amplitudes go with the 2.5th power of the wheel's speed.
 double strain(double time) {
-    static constexpr std::array<std::array<double, 3>, 4> waves{
-        {{1, 0.06, 0.3}, {3, 0.07, 0.2}, {5, 0.05, 0.6}, {11, 0.04, 0.8}}};
-    return 1 + wander(time, waves);
+    double speed = 1;
+    for (const Wave& wave : hunting)
+        speed += wave.slopeAt(time) * length / turns;
+    return std::pow(speed, 2.5) * (1 + sum(resistance, time));
 }
 
 /// Runs `filter` around the loop twice and keeps the second time.
@@ -72,7 +97,7 @@ Sound bladeTone() {
         const double time = static_cast<double>(i) / sampleRate;
         const double turn = angle(time);
         const double phase = fullTurn * turn;
-        const double load = std::pow(strain(time), 2) * (1 + 0.15 * std::sin(phase));
+        const double load = strain(time) * (1 + 0.15 * std::sin(phase));
         tone[i] = load * (std::sin(blades * phase) + 0.45 * std::sin(2 * blades * phase + 1) +
                           0.2 * std::sin(3 * blades * phase + 2)) +
                   0.5 * std::sin(phase) + 0.3 * std::sin(2 * phase + 0.5);
@@ -95,7 +120,7 @@ Sound turbulence(Draws& draws) {
     for (std::size_t i = 0; i < frameCount; ++i) {
         const double time = static_cast<double>(i) / sampleRate;
         const double phase = fullTurn * angle(time);
-        noise[i] = (0.35 * white[i] + noise[i]) * std::pow(strain(time), 2.5) *
+        noise[i] = (0.35 * white[i] + noise[i]) * strain(time) *
                    (1 + 0.12 * std::sin(phase) + 0.2 * std::sin(blades * phase));
     }
     return noise;
@@ -108,7 +133,8 @@ Sound bearing(Draws& draws) {
     for (int hit = 0; hit < count; ++hit) {
         const double time = length * (hit + draws.between(0, 0.25)) / count;
         const double load = 1 + 0.7 * std::sin(fullTurn * angle(time));
-        hits[frames(time) % frameCount] += load * draws.between(0.5, 1) * strain(time);
+        hits[frames(time) % frameCount] +=
+            load * draws.between(0.5, 1) * (1 + sum(looseness, time));
     }
     filterLoop(hits, Body({{1480, 0.002, 0.6}, {3120, 0.0016, 1}, {4870, 0.0011, 0.8}}));
     return hits;
@@ -120,7 +146,7 @@ Sound makeFan() {
     const Sound air = turbulence(draws);
     const Sound balls = bearing(draws);
     for (std::size_t i = 0; i < frameCount; ++i)
-        fan[i] = 0.12 * fan[i] + 0.055 * air[i] + 0.25 * balls[i];
+        fan[i] = 0.11 * fan[i] + 0.06 * air[i] + 0.11 * balls[i];
     return fan;
 }
 
@@ -129,5 +155,5 @@ Sound makeFan() {
 
 int main(int argc, char** argv) {
     using namespace quorvane::synthesis;
-    return writeSound(std::span(argv, static_cast<std::size_t>(argc)), makeFan(), 0.8);
+    return writeSound(std::span(argv, static_cast<std::size_t>(argc)), makeFan(), 0.82);
 }

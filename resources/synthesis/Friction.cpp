@@ -1,0 +1,89 @@
+#include "resources/synthesis/Friction.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace quorvane::synthesis {
+
+namespace {
+
+/// What is left of the friction while sliding.
+constexpr double sliding = 0.42;
+/// The speed (lengths a second) over which friction falls from resting to sliding.
+constexpr double fallSpeed = 60;
+/// Of the bristles, against the spring's; their damping is a share of critical.
+constexpr double bristleStiffness = 60;
+constexpr double bristleDamping = 0.8;
+/// Drag of what grease is left, per mass.
+constexpr double grease = 60;
+/// The share of their limit up to which bristles bend without giving way at all.
+constexpr double elastic = 0.8;
+/// Surfaces that have slid over this length have forgotten their rest, and regain it in this time.
+constexpr double forgetting = 0.15;
+constexpr double restTime = 0.006;
+constexpr double restGain = 0.3;
+
+} // namespace
+
+Surface::Surface(double bump, Draws& draws) : m_bump(bump), m_heights(4096) {
+    for (double& height : m_heights)
+        height = std::clamp(draws.normal() / 2, -1.2, 1.2);
+}
+
+double Surface::at(double place) const {
+    const double count = std::max(0.0, place / m_bump);
+    const auto index = static_cast<std::size_t>(count);
+    const double way = count - static_cast<double>(index);
+    const double blend = (1 - std::cos(std::numbers::pi * way)) / 2;
+    const double from = m_heights[index % m_heights.size()];
+    const double to = m_heights[(index + 1) % m_heights.size()];
+    return from + blend * (to - from);
+}
+
+StickSlip::StickSlip(double slipRate, Draws& draws)
+    : m_bumps(0.31, draws), m_ground(13, draws), m_grain(0.05, draws), m_patches(23, draws),
+      m_mass(1 / std::pow(2 * std::numbers::pi * slipRate, 2)) {}
+
+double StickSlip::load() const {
+    // Rust in patches, and smooth metal between them.
+    const double rust = 0.5 + 0.5 * m_patches.at(m_place);
+    const double height = 0.4 * m_ground.at(m_place) +
+                          (0.04 + 0.45 * rust * rust * rust) * m_bumps.at(m_place) +
+                          0.1 * m_grain.at(m_place);
+    return std::exp(height);
+}
+
+double StickSlip::yielding(double speed, double limit) const {
+    if (speed * m_bristle <= 0)
+        return 0;
+    const double bent = std::abs(m_bristle) / limit;
+    if (bent <= elastic)
+        return 0;
+    if (bent >= 1)
+        return 1;
+    return 0.5 + 0.5 * std::sin(std::numbers::pi * (bent - (1 + elastic) / 2) / (1 - elastic));
+}
+
+double StickSlip::move(double pull, double duration) {
+    m_stretch += pull;
+    const double speed = m_speed;
+    const double fallen = std::exp(-std::pow(speed / fallSpeed, 2));
+    const double strength =
+        load() * (sliding + (1 - sliding - restGain + restGain * m_rest) * fallen);
+    const double limit = strength / bristleStiffness;
+    const double bending =
+        speed * (1 - yielding(speed, limit) * m_bristle / std::copysign(limit, speed));
+    m_bristle += bending * duration;
+    const double damping = 2 * bristleDamping * std::sqrt(bristleStiffness * m_mass) * fallen;
+    const double friction =
+        bristleStiffness * m_bristle + damping * bending + grease * speed * m_mass;
+    m_speed += (m_stretch - friction) / m_mass * duration;
+    m_place += m_speed * duration;
+    m_stretch -= m_speed * duration;
+    m_rest += (1 - m_rest) * duration / restTime;
+    m_rest *= std::exp(-std::abs(speed) * duration / forgetting);
+    return friction;
+}
+
+} // namespace quorvane::synthesis
