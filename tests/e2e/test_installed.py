@@ -1,0 +1,107 @@
+"""The program as `cmake --install` leaves it, for a package to pick up."""
+
+import configparser
+import os
+import pathlib
+import re
+import subprocess
+import unittest
+import wave
+
+from harness import BUILD, LOADED, EndToEndTest, wait_until
+
+FILES = {
+    "bin/quorvane",
+    "lib/udev/rules.d/70-quorvane.rules",
+    "share/applications/quorvane.desktop",
+    "share/doc/quorvane/LICENSE",
+    "share/icons/hicolor/scalable/apps/quorvane.svg",
+    "share/quorvane/creaking.mp3",
+    "share/quorvane/fanmac.mp3",
+    "share/quorvane/keyboard.mp3",
+    "share/quorvane/logo.png",
+    "share/quorvane/tractor.mp3",
+}
+
+STAND_IN_LENGTH = 7.5
+"""Seconds; no sound of the program's own is as long as that."""
+
+
+class Installed(EndToEndTest):
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        package = pathlib.Path(cls.session.directory, "package")
+        subprocess.run(["cmake", "--install", str(BUILD), "--prefix", "/usr"], check=True,
+                       env=dict(os.environ, DESTDIR=str(package)), stdout=subprocess.DEVNULL)
+        cls.package = package
+        cls.prefix = package / "usr"
+        entry = configparser.ConfigParser(interpolation=None)
+        entry.optionxform = str
+        entry.read(cls.prefix / "share/applications/quorvane.desktop", encoding="utf-8")
+        cls.entry = entry["Desktop Entry"]
+
+    def _launch_as_a_desktop_does(self, *options):
+        path = f"{self.prefix / 'bin'}:{self.environment['PATH']}"
+        self.program = self.session.run([*self.entry["Exec"].split(), *options],
+                                        self.environment | {"PATH": path}, self.stack)
+
+    def _length_of_the_creak(self):
+        """What the program says of the sound that it has found, in seconds."""
+        self.skip_hardware_check()
+        self._launch_as_a_desktop_does()
+        _, line = self.program.console.wait_for(
+            lambda line: re.fullmatch(LOADED, line), "about the creak's sound", 20)
+        self.leave()
+        return float(re.fullmatch(LOADED, line)[1])
+
+    def _windows(self, kind, key):
+        """The visible windows whose title or class is what the entry says."""
+        found = subprocess.run(
+            ["xdotool", "search", "--onlyvisible", kind, f"^{self.entry[key]}$"],
+            env=self.environment, capture_output=True, text=True, timeout=20, check=False)
+        return found.stdout.split()
+
+    def test_every_file_is_in_its_place_and_no_other(self):
+        files = {str(file.relative_to(self.prefix)) for file in self.package.rglob("*")
+                 if not file.is_dir()}
+        self.assertEqual(files, FILES)
+
+    def test_it_runs(self):
+        self._launch_as_a_desktop_does("--version")
+        status, _ = self.program.wait_for_exit(10)
+        self.assertEqual((status, self.program.errors.text), (0, []))
+        self.assertRegex("\n".join(self.program.console.text), r"^quorvane \d+\.\d+\.\d+$")
+
+    def test_it_finds_the_sounds_that_were_installed_with_it(self):
+        # Its own, and not those of the source tree, which are there as well: a longer one shows.
+        installed = self.prefix / "share/quorvane/creaking.mp3"
+        original = installed.read_bytes()
+        self.addCleanup(installed.write_bytes, original)
+        before = self._length_of_the_creak()
+        self.assertGreater(before, 0)
+        self.assertNotEqual(before, STAND_IN_LENGTH)
+        with wave.open(str(installed), "wb") as sound:
+            sound.setparams((1, 2, 8000, 0, "NONE", ""))
+            sound.writeframes(bytes(round(2 * 8000 * STAND_IN_LENGTH)))
+        self.assertEqual(self._length_of_the_creak(), STAND_IN_LENGTH)
+
+    def test_desktop_entry_is_valid_and_names_what_was_installed(self):
+        subprocess.run(["desktop-file-validate", self.prefix / "share/applications/quorvane.desktop"],
+                       check=True, timeout=20)
+        self.assertTrue(os.access(self.prefix / "bin" / self.entry["TryExec"], os.X_OK))
+        icons = self.prefix / "share/icons/hicolor/scalable/apps"
+        self.assertTrue((icons / f"{self.entry['Icon']}.svg").is_file())
+
+    def test_its_window_belongs_to_the_desktop_entry(self):
+        self.skip_hardware_check()
+        self._launch_as_a_desktop_does()
+        # Which has its title, its class and its frame one after the other.
+        wait_until(lambda: self._windows("--name", "Name")
+                   and self._windows("--name", "Name") == self._windows("--class", "StartupWMClass"),
+                   "a window that has the entry's name and class", 20)
+        self.leave()
+
+
+if __name__ == "__main__":
+    unittest.main()

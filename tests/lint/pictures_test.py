@@ -1,0 +1,118 @@
+#!/usr/bin/python3
+"""The drawings are one family, and what is made of them is up to date."""
+
+import pathlib
+import subprocess
+import sys
+import tempfile
+import unittest
+import xml.etree.ElementTree as ElementTree
+
+import numpy
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+RESOURCES = ROOT / "resources"
+SVG = "{http://www.w3.org/2000/svg}"
+
+SYMBOLS = {
+    "door.left.hand.open", "exclamationmark.triangle", "fan", "info.circle", "keyboard", "power",
+    "snowflake",
+}
+
+STATIC_DRAWING = {"svg", "title", "defs", "g", "linearGradient", "stop", "path", "rect", "circle"}
+"""The elements of SVG Tiny 1.2 that the drawings keep to; text would need a font."""
+
+
+def symbol(name):
+    return RESOURCES / "symbols" / f"{name}.svg"
+
+
+def elements(path):
+    """The drawing's elements, each with its name without the namespace."""
+    return [(element.tag.removeprefix(SVG), element)
+            for element in ElementTree.parse(path).getroot().iter()
+            if isinstance(element.tag, str)]
+
+
+def pixels(path):
+    """A picture as an array of height x width x 4 bytes: red, green, blue, opacity."""
+    size = subprocess.run(["identify", "-format", "%w %h", path], check=True, capture_output=True,
+                          text=True).stdout.split()
+    width, height = map(int, size)
+    raw = subprocess.run(["stream", "-map", "rgba", "-storage-type", "char", path, "-"],
+                         check=True, capture_output=True).stdout
+    return numpy.frombuffer(raw, dtype=numpy.uint8).reshape(height, width, 4)
+
+
+def drawn(path, width):
+    """The drawing's pixels at a width."""
+    with tempfile.NamedTemporaryFile(suffix=".png") as picture:
+        subprocess.run(["rsvg-convert", "--width", str(width), "--output", picture.name, path],
+                       check=True)
+        return pixels(picture.name)
+
+
+class Symbols(unittest.TestCase):
+    def test_there_is_one_for_each_name_and_no_other(self):
+        names = {path.name.removesuffix(".svg") for path in (RESOURCES / "symbols").iterdir()}
+        self.assertEqual(names, SYMBOLS)
+
+    def test_each_has_lines_of_one_weight_with_round_ends_and_joins(self):
+        for name in SYMBOLS:
+            lines = [element for _, element in elements(symbol(name)) if "stroke" in element.attrib]
+            self.assertTrue(lines, name)
+            for line in lines:
+                kind = [line.get(f"stroke{what}") for what in ("-width", "-linecap", "-linejoin")]
+                self.assertEqual(kind, ["2", "round", "round"], name)
+
+    def test_each_is_drawn_in_white_alone(self):
+        for name in SYMBOLS:
+            colours = {element.get(what) for _, element in elements(symbol(name))
+                       for what in ("fill", "stroke")} - {None, "none"}
+            self.assertEqual(colours, {"#ffffff"}, name)
+
+    def test_each_is_about_as_big_as_the_others_and_nowhere_cut_off(self):
+        # Four pixels a unit; a line of its own thickness may not touch the edge.
+        for name in SYMBOLS:
+            opacity = drawn(symbol(name), 96)[:, :, 3]
+            self.assertEqual(opacity.shape, (96, 96), name)
+            rows, columns = (numpy.flatnonzero(opacity.max(axis=axis) > 127) for axis in (1, 0))
+            height, width = (found[-1] - found[0] + 1 for found in (rows, columns))
+            self.assertGreaterEqual(max(width, height), 78, name)
+            self.assertGreaterEqual(min(width, height), 60, name)
+            edge = numpy.concatenate([opacity[0], opacity[-1], opacity[:, 0], opacity[:, -1]])
+            self.assertLess(edge.max(), 128, name)
+
+
+class Drawings(unittest.TestCase):
+    def test_each_keeps_to_what_the_toolkit_can_draw(self):
+        files = [symbol(name) for name in SYMBOLS] + [RESOURCES / "logo.svg",
+                                                      RESOURCES / "icon.svg"]
+        for path in files:
+            self.assertLessEqual({name for name, _ in elements(path)}, STATIC_DRAWING, path.name)
+
+    def test_logo_is_large_and_its_ground_transparent(self):
+        logo = pixels(RESOURCES / "logo.png")
+        height, width, _ = logo.shape
+        self.assertGreaterEqual(width, 1024)
+        corners = logo[[0, 0, -1, -1], [0, -1, 0, -1], 3]
+        self.assertEqual(corners.tolist(), [0, 0, 0, 0])
+        self.assertGreater((logo[:, :, 3] > 127).mean(), 0.3)
+
+    def test_logo_is_what_its_drawing_shows(self):
+        logo = pixels(RESOURCES / "logo.png").astype(int)
+        anew = drawn(RESOURCES / "logo.svg", logo.shape[1]).astype(int)
+        self.assertEqual(logo.shape, anew.shape)
+        # Another version of the program that draws it may smooth its edges otherwise.
+        different = (numpy.abs(logo - anew).max(axis=2) > 32).mean()
+        self.assertLess(different, 0.001)
+
+    def test_icon_is_square_with_an_opaque_ground(self):
+        icon = drawn(RESOURCES / "icon.svg", 256)
+        self.assertEqual(icon.shape[:2], (256, 256))
+        self.assertEqual(icon[0, 0, 3], 0)
+        self.assertEqual(icon[40:216, 40:216, 3].min(), 255)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=[sys.argv[0], "--verbose"])
