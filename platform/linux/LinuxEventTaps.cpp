@@ -1,13 +1,32 @@
 #include "platform/linux/LinuxEventTaps.h"
 
+#include <utility>
+
+#include "platform/linux/EvdevKeyReader.h"
+#include "platform/linux/LinuxEventTap.h"
+#include "platform/linux/SessionType.h"
+#include "platform/linux/UdevKeyboardNodes.h"
+#include "platform/linux/X11KeyReader.h"
+
 namespace quorvane {
 
+namespace {
+
+std::unique_ptr<KeyEventReader> makeReader(KeyEventReader::Sink sink) {
+    if (isX11Session())
+        return X11KeyReader::open(std::move(sink));
+    return EvdevKeyReader::open(std::make_unique<UdevKeyboardNodes>(), std::move(sink));
+}
+
+} // namespace
+
+// There is one session, nothing stands ahead of anything, and all that is possible is to listen.
 std::shared_ptr<EventTap> LinuxEventTaps::createTap(TapLocation /*location*/,
                                                     TapPlacement /*placement*/,
                                                     TapOptions /*options*/,
-                                                    std::uint64_t /*eventsOfInterest*/,
-                                                    TapCallback /*callback*/) {
-    return nullptr;
+                                                    std::uint64_t eventsOfInterest,
+                                                    TapCallback callback) {
+    return LinuxEventTap::create(eventsOfInterest, callback, &makeReader);
 }
 
 } // namespace quorvane

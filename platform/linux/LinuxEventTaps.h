@@ -4,7 +4,8 @@
 
 namespace quorvane {
 
-/// Key events of the session.
+/// Key events of the session: from the X server where all of it goes through one, else from the
+/// keyboards themselves.
 class LinuxEventTaps final : public EventTapService {
 public:
     [[nodiscard]] std::shared_ptr<EventTap> createTap(TapLocation location, TapPlacement placement,

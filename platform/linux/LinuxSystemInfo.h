@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "platform/System.h"
+#include "platform/linux/KeyboardAccessPrompt.h"
+#include "platform/linux/UdevKeyboardNodes.h"
 
 namespace quorvane {
 
@@ -17,19 +19,17 @@ public:
 
     /// `root` is where /sys and /proc are. Looks at nothing yet.
     explicit LinuxSystemInfo(std::filesystem::path root = "/",
-                             Keyboards keyboards = &listKeyboards);
+                             Keyboards keyboards = &UdevKeyboardNodes::list);
 
     /// DMI's product name, else the device tree's model.
     [[nodiscard]] std::string modelName() const override;
     [[nodiscard]] bool isProcessTrusted() const override;
     bool isProcessTrustedWithOptions(bool prompt) override;
 
-    /// Event nodes that udev has for keyboards.
-    [[nodiscard]] static std::vector<std::filesystem::path> listKeyboards();
-
 private:
     std::filesystem::path m_root;
     Keyboards m_keyboards;
+    KeyboardAccessPrompt m_prompt;
 };
 
 } // namespace quorvane

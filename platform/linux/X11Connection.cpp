@@ -61,6 +61,15 @@ void X11Connection::flush() {
     xcb_flush(m_connection);
 }
 
+void X11Connection::setReading(bool reading) {
+    m_readable.setEnabled(reading && xcb_connection_has_error(m_connection) == 0);
+    // What the library has read already makes nothing readable.
+    if (reading)
+        m_settle.start();
+    else
+        m_settle.stop();
+}
+
 void X11Connection::readEvents() {
     while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)})
         if (m_handler)

@@ -32,6 +32,11 @@ public:
 
     void setEventHandler(EventHandler handler) { m_handler = std::move(handler); }
 
+    /// Whether the event loop hands over events as they come in, which it does from the start.
+    void setReading(bool reading);
+    /// Hands over the events that are there now.
+    void readEvents();
+
     [[nodiscard]] xcb_connection_t* get() const { return m_connection; }
 
     [[nodiscard]] const xcb_screen_t& screen() const { return *m_screen; }
@@ -53,8 +58,6 @@ public:
 
 private:
     X11Connection(xcb_connection_t* connection, int screenNumber);
-
-    void readEvents();
 
     xcb_connection_t* m_connection;
     int m_screenNumber;

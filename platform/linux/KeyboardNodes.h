@@ -1,0 +1,24 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+
+namespace quorvane {
+
+/// The event nodes of the machine's keyboards, which come and go. Main thread only.
+class KeyboardNodes {
+public:
+    using Visit = std::function<void(const std::filesystem::path& node)>;
+
+    KeyboardNodes() = default;
+    KeyboardNodes(const KeyboardNodes&) = delete;
+    KeyboardNodes& operator=(const KeyboardNodes&) = delete;
+    virtual ~KeyboardNodes() = default;
+
+    /// Calls `present` for every node that is there, at once, and from the Qt event loop for each
+    /// that comes or may have become readable, so that it can be called for one again; `gone` for
+    /// each that goes. Called once.
+    virtual void follow(Visit present, Visit gone) = 0;
+};
+
+} // namespace quorvane
