@@ -31,6 +31,9 @@ public:
 
     void addResource(std::string_view name, std::string_view extension, std::filesystem::path path);
 
+    /// Nothing is there any more.
+    void removeResources() { m_paths.clear(); }
+
 private:
     std::map<std::string, std::filesystem::path, std::less<>> m_paths;
 };

@@ -203,6 +203,29 @@ void TestDesktop::activate(xcb_window_t window) {
     xcb_flush(m_connection);
     if (!waitFor([this, window] { return focus() == window; }))
         throw std::runtime_error("the window does not get the keyboard");
+    // The window may have had it before, and be raised only now.
+    awaitWindowManager(window);
+}
+
+/// Returns when the window manager has dealt with everything so far: it handles what it is told in
+/// order, and answers a new title with the one that it shows.
+void TestDesktop::awaitWindowManager(xcb_window_t window) {
+    const std::string title = "title " + std::to_string(++m_titles);
+    xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NAME,
+                        XCB_ATOM_STRING, 8, static_cast<uint32_t>(title.size()), title.data());
+    xcb_flush(m_connection);
+    const xcb_atom_t shown = atom("_NET_WM_VISIBLE_NAME");
+    const xcb_atom_t utf8 = atom("UTF8_STRING");
+    if (!waitFor([&] {
+            const Answer<xcb_get_property_reply_t> reply{xcb_get_property_reply(
+                m_connection, xcb_get_property(m_connection, 0, window, shown, utf8, 0, 64),
+                nullptr)};
+            return reply &&
+                   std::string_view(
+                       static_cast<const char*>(xcb_get_property_value(reply.get())),
+                       static_cast<size_t>(xcb_get_property_value_length(reply.get()))) == title;
+        }))
+        throw std::runtime_error("openbox does not answer");
 }
 
 void TestDesktop::fake(uint8_t type, uint8_t detail, QPoint place) {

@@ -91,6 +91,7 @@ private:
     [[nodiscard]] xcb_atom_t atom(const std::string& name) const;
     [[nodiscard]] bool hasOwner(const std::string& selection) const;
     [[nodiscard]] bool windowManagerIsThere() const;
+    void awaitWindowManager(xcb_window_t window);
     [[nodiscard]] bool isUp(xcb_window_t window) const;
     [[nodiscard]] bool isPanel(xcb_window_t window) const;
     [[nodiscard]] QRect rectOf(xcb_window_t window) const;
@@ -102,6 +103,7 @@ private:
     std::unique_ptr<TestProgram> m_windowManager;
     xcb_connection_t* m_connection = nullptr;
     const xcb_screen_t* m_screen = nullptr;
+    int m_titles = 0;
     int m_clicks = 0;
     int m_keys = 0;
     int m_argumentCount = 3;

@@ -1,0 +1,168 @@
+#include "effects/fan/FanManager.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/simulated/SimulatedMachine.h"
+
+namespace quorvane {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr auto fanPath = "sounds/fanmac.mp3";
+
+class FanManagerTest : public testing::Test {
+protected:
+    FanManagerTest() {
+        machine.audio.addFile(fanPath, {.sampleRate = 1000, .channels = 1},
+                              std::vector<float>(2000, 0.5F));
+        machine.bundle.addResource("fanmac", "mp3", fanPath);
+    }
+
+    ~FanManagerTest() override {
+        if (manager)
+            manager->stop();
+    }
+
+    void makeManager() { manager = FanManager::create(machine.platform()); }
+
+    [[nodiscard]] const auto& pulses() const { return machine.haptics.pulses(); }
+
+    SimulatedMachine machine;
+    std::shared_ptr<FanManager> manager;
+};
+
+TEST_F(FanManagerTest, the_sound_is_set_to_loop_at_its_volume_and_prepared) {
+    makeManager();
+    ASSERT_EQ(machine.audio.filePlayerCount(), 1U);
+    EXPECT_THAT(machine.audio.filePlayer(0).calls(),
+                ElementsAre("loops -1", "volume 0.6", "prepare"));
+    EXPECT_THAT(machine.console.lines, ElementsAre("✅ [FAN] fanmac.mp3 loaded"));
+}
+
+TEST_F(FanManagerTest, a_missing_sound_is_said_and_nothing_starts) {
+    machine.bundle.removeResources();
+    makeManager();
+    manager->start();
+    machine.runLoop.advance(1);
+    EXPECT_THAT(machine.console.lines, ElementsAre("⚠️ [FAN] fanmac.mp3 not found"));
+    EXPECT_FALSE(manager->isActive());
+    EXPECT_THAT(pulses(), IsEmpty());
+}
+
+TEST_F(FanManagerTest, an_undecodable_sound_is_loaded_by_the_line_and_nothing_starts) {
+    machine.audio.addNonAudioFile(fanPath);
+    makeManager();
+    manager->start();
+    machine.runLoop.advance(1);
+    EXPECT_THAT(machine.console.lines, ElementsAre("✅ [FAN] fanmac.mp3 loaded"));
+    EXPECT_FALSE(manager->isActive());
+    EXPECT_EQ(machine.haptics.lookups(), 0);
+}
+
+TEST_F(FanManagerTest, the_sound_loops_from_its_beginning_until_it_is_stopped) {
+    makeManager();
+    manager->start();
+    EXPECT_TRUE(manager->isActive());
+    machine.runLoop.advance(9);
+    EXPECT_TRUE(machine.audio.filePlayer(0).isPlaying());
+    const auto mix = machine.audio.render(0, 9, {.sampleRate = 1000, .channels = 1});
+    EXPECT_THAT(mix, testing::Each(testing::FloatNear(0.3F, 1e-6F)));
+    manager->stop();
+    EXPECT_FALSE(machine.audio.filePlayer(0).isPlaying());
+    EXPECT_FALSE(manager->isActive());
+}
+
+TEST_F(FanManagerTest, the_trackpad_pulses_twice_every_twentieth_of_a_second) {
+    makeManager();
+    manager->start();
+    machine.runLoop.advance(0.049);
+    EXPECT_THAT(pulses(), IsEmpty());
+    machine.runLoop.advance(0.951);
+    ASSERT_EQ(pulses().size(), 40U);
+    for (std::size_t i = 0; i < pulses().size(); ++i) {
+        EXPECT_NEAR(pulses()[i].at, 0.05 * static_cast<double>(i / 2 + 1), 1e-9);
+        EXPECT_EQ(pulses()[i].pattern,
+                  i % 2 == 0 ? HapticPattern::LevelChange : HapticPattern::Generic);
+        EXPECT_EQ(pulses()[i].time, HapticPerformanceTime::Now);
+    }
+}
+
+TEST_F(FanManagerTest, the_performer_is_looked_up_once_a_start) {
+    makeManager();
+    manager->start();
+    machine.runLoop.advance(10);
+    EXPECT_EQ(machine.haptics.lookups(), 1);
+    manager->stop();
+    manager->start();
+    machine.runLoop.advance(10);
+    EXPECT_EQ(machine.haptics.lookups(), 2);
+}
+
+TEST_F(FanManagerTest, a_second_start_creates_no_second_timer_and_does_not_rewind) {
+    makeManager();
+    manager->start();
+    machine.runLoop.advance(0.5);
+    const auto calls = machine.audio.filePlayer(0).calls();
+    const auto pending = machine.runLoop.pendingCount();
+    manager->start();
+    EXPECT_EQ(machine.audio.filePlayer(0).calls(), calls);
+    EXPECT_EQ(machine.runLoop.pendingCount(), pending);
+    EXPECT_EQ(machine.haptics.lookups(), 1);
+}
+
+TEST_F(FanManagerTest, stopping_while_idle_is_harmless_and_prints_nothing) {
+    makeManager();
+    const auto lines = machine.console.lines;
+    manager->stop();
+    EXPECT_FALSE(manager->isActive());
+    EXPECT_EQ(machine.console.lines, lines);
+}
+
+TEST_F(FanManagerTest, stopping_ends_the_pulses_at_once_and_lets_go_of_the_performer) {
+    makeManager();
+    manager->start();
+    machine.runLoop.advance(0.2);
+    const auto count = pulses().size();
+    EXPECT_EQ(machine.haptics.performersInUse(), 1);
+    manager->stop();
+    EXPECT_EQ(machine.haptics.performersInUse(), 0);
+    machine.runLoop.advance(5);
+    EXPECT_EQ(pulses().size(), count);
+}
+
+TEST_F(FanManagerTest, after_stopping_it_starts_from_the_beginning_again) {
+    makeManager();
+    manager->start();
+    machine.runLoop.advance(0.7);
+    manager->stop();
+    machine.runLoop.advance(1);
+    manager->start();
+    EXPECT_EQ(machine.audio.timeline().back().offset, 0);
+    EXPECT_EQ(machine.audio.timeline().back().startTime, 1.7);
+}
+
+TEST_F(FanManagerTest, the_buzzing_holds_the_performer_not_the_manager) {
+    makeManager();
+    manager->start();
+    const std::weak_ptr<FanManager> weak = manager;
+    manager->stop();
+    manager->start();
+    manager.reset();
+    EXPECT_TRUE(weak.expired());
+    EXPECT_EQ(machine.haptics.performersInUse(), 1);
+}
+
+TEST_F(FanManagerTest, without_an_output_device_the_trackpad_buzzes_all_the_same) {
+    machine.audio.setOutputDevicePresent(false);
+    makeManager();
+    manager->start();
+    machine.runLoop.advance(1);
+    EXPECT_TRUE(manager->isActive());
+    EXPECT_EQ(pulses().size(), 40U);
+}
+
+} // namespace
+} // namespace quorvane

@@ -1,0 +1,354 @@
+#include "effects/keyboard/KeyboardCrackManager.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/simulated/SimulatedMachine.h"
+
+namespace quorvane {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr auto crackPath = "sounds/keyboard.mp3";
+constexpr auto startedLine = "⌨️ [KEYBOARD] Event tap started — global monitoring active";
+constexpr auto failedLine = "⚠️ [KEYBOARD] Failed to create event tap — no permission?";
+
+class KeyboardCrackManagerTest : public testing::Test {
+protected:
+    KeyboardCrackManagerTest() {
+        machine.audio.addFile(crackPath, {.sampleRate = 1000, .channels = 1},
+                              std::vector<float>(200, 0.5F));
+        machine.bundle.addResource("keyboard", "mp3", crackPath);
+        machine.system.trusted = true;
+        // A machine that has been up for a moment.
+        machine.runLoop.advance(10);
+    }
+
+    void makeManager() { manager = KeyboardCrackManager::create(machine.platform()); }
+
+    void makeListening() {
+        makeManager();
+        manager->start();
+    }
+
+    /// One key, heard to its end as far as the main queue is concerned.
+    void press(std::int64_t autorepeat = 0) {
+        EXPECT_TRUE(machine.eventTaps.send(
+            {.type = TapEventType::KeyDown, .keyboardAutorepeat = autorepeat}));
+        machine.runLoop.runMainQueue();
+    }
+
+    [[nodiscard]] std::size_t cracks() const { return machine.audio.timeline().size(); }
+
+    SimulatedMachine machine;
+    std::shared_ptr<KeyboardCrackManager> manager;
+};
+
+// Loading.
+
+TEST_F(KeyboardCrackManagerTest, the_sound_is_prepared_once_at_half_volume) {
+    makeManager();
+    ASSERT_EQ(machine.audio.filePlayerCount(), 1U);
+    EXPECT_THAT(machine.audio.filePlayer(0).calls(), ElementsAre("prepare", "volume 0.5"));
+    EXPECT_THAT(machine.console.lines, ElementsAre("✅ [KEYBOARD] keyboard.mp3 loaded"));
+}
+
+TEST_F(KeyboardCrackManagerTest, a_missing_sound_is_said_and_nothing_ever_starts) {
+    machine.bundle.removeResources();
+    machine.system.trusted = false;
+    makeListening();
+    machine.runLoop.advance(10);
+    EXPECT_THAT(machine.console.lines, ElementsAre("⚠️ [KEYBOARD] keyboard.mp3 not found"));
+    EXPECT_FALSE(manager->isActive());
+    EXPECT_EQ(machine.system.prompts, 0);
+    EXPECT_THAT(machine.eventTaps.calls(), IsEmpty());
+}
+
+TEST_F(KeyboardCrackManagerTest, an_undecodable_sound_is_loaded_by_the_line_and_nothing_starts) {
+    machine.audio.addNonAudioFile(crackPath);
+    makeListening();
+    EXPECT_THAT(machine.console.lines, ElementsAre("✅ [KEYBOARD] keyboard.mp3 loaded"));
+    EXPECT_FALSE(manager->isActive());
+    EXPECT_THAT(machine.eventTaps.calls(), IsEmpty());
+}
+
+// Starting.
+
+TEST_F(KeyboardCrackManagerTest, nothing_is_tapped_before_the_start) {
+    makeManager();
+    EXPECT_THAT(machine.eventTaps.calls(), IsEmpty());
+    EXPECT_EQ(machine.audio.holdCount(), 0U);
+    EXPECT_FALSE(manager->isActive());
+    EXPECT_FALSE(manager->hasPermission());
+}
+
+TEST_F(KeyboardCrackManagerTest, the_tap_listens_to_key_downs_of_the_session_only) {
+    makeListening();
+    EXPECT_THAT(machine.eventTaps.calls(),
+                ElementsAre("create location 1 placement 0 options 1 events 0x400", "source 0",
+                            "add", "enable yes"));
+    EXPECT_TRUE(manager->isActive());
+    EXPECT_TRUE(manager->hasPermission());
+    EXPECT_EQ(machine.console.lines.back(), startedLine);
+}
+
+TEST_F(KeyboardCrackManagerTest, starting_twice_creates_no_second_tap) {
+    makeListening();
+    const auto calls = machine.eventTaps.calls();
+    manager->start();
+    EXPECT_EQ(machine.eventTaps.calls(), calls);
+}
+
+TEST_F(KeyboardCrackManagerTest, a_tap_that_cannot_be_created_is_said_and_changes_nothing_else) {
+    machine.eventTaps.refusesTap = true;
+    makeListening();
+    EXPECT_EQ(machine.console.lines.back(), failedLine);
+    EXPECT_FALSE(manager->isActive());
+    EXPECT_TRUE(manager->hasPermission()) << "trust was reported";
+    EXPECT_EQ(machine.audio.holdCount(), 0U);
+}
+
+TEST_F(KeyboardCrackManagerTest, a_tap_without_a_source_counts_as_active_but_is_not_enabled) {
+    machine.eventTaps.refusesSource = true;
+    makeListening();
+    EXPECT_TRUE(manager->isActive());
+    EXPECT_THAT(machine.eventTaps.calls(),
+                ElementsAre("create location 1 placement 0 options 1 events 0x400"));
+    manager->stop();
+    EXPECT_THAT(
+        machine.eventTaps.calls(),
+        ElementsAre("create location 1 placement 0 options 1 events 0x400", "enable no", "close"));
+}
+
+TEST_F(KeyboardCrackManagerTest, the_output_is_held_while_listening_so_that_no_key_is_late) {
+    makeListening();
+    EXPECT_EQ(machine.audio.holdCount(), 1U);
+    manager->stop();
+    EXPECT_EQ(machine.audio.holdCount(), 0U);
+}
+
+// Permission.
+
+TEST_F(KeyboardCrackManagerTest, without_permission_the_person_is_asked_once) {
+    machine.system.trusted = false;
+    makeListening();
+    EXPECT_EQ(machine.system.prompts, 1);
+    EXPECT_FALSE(manager->isActive());
+    EXPECT_FALSE(manager->hasPermission());
+    EXPECT_THAT(machine.eventTaps.calls(), IsEmpty());
+    machine.runLoop.advance(60);
+    EXPECT_EQ(machine.system.prompts, 1);
+}
+
+TEST_F(KeyboardCrackManagerTest, permission_given_within_three_seconds_starts_the_tap_then) {
+    machine.system.trusted = false;
+    makeListening();
+    machine.system.trusted = true;
+    machine.runLoop.advance(2.999);
+    EXPECT_FALSE(manager->isActive());
+    machine.runLoop.advance(0.001);
+    EXPECT_TRUE(manager->isActive());
+    EXPECT_TRUE(manager->hasPermission());
+}
+
+TEST_F(KeyboardCrackManagerTest, there_is_one_retry_only) {
+    machine.system.trusted = false;
+    makeListening();
+    machine.runLoop.advance(3);
+    machine.system.trusted = true;
+    machine.runLoop.advance(60);
+    EXPECT_FALSE(manager->isActive());
+    EXPECT_FALSE(manager->hasPermission());
+    manager->start();
+    EXPECT_TRUE(manager->isActive());
+}
+
+TEST_F(KeyboardCrackManagerTest, the_retry_of_an_active_manager_does_nothing) {
+    machine.system.trusted = false;
+    makeListening();
+    machine.system.trusted = true;
+    manager->start();
+    const auto calls = machine.eventTaps.calls();
+    machine.system.trusted = false;
+    machine.runLoop.advance(3);
+    EXPECT_TRUE(manager->hasPermission());
+    EXPECT_EQ(machine.eventTaps.calls(), calls);
+}
+
+TEST_F(KeyboardCrackManagerTest, stopping_does_not_call_the_retry_off) {
+    machine.system.trusted = false;
+    makeListening();
+    manager->stop();
+    machine.system.trusted = true;
+    machine.runLoop.advance(3);
+    EXPECT_TRUE(manager->isActive());
+}
+
+TEST_F(KeyboardCrackManagerTest, the_retry_outlives_the_manager_harmlessly) {
+    machine.system.trusted = false;
+    makeListening();
+    manager.reset();
+    machine.system.trusted = true;
+    machine.runLoop.advance(3);
+    EXPECT_THAT(machine.eventTaps.calls(), IsEmpty());
+}
+
+// Keys.
+
+TEST_F(KeyboardCrackManagerTest, a_key_cracks_from_the_main_queue_not_from_the_tap) {
+    makeListening();
+    machine.runLoop.holdMainQueue(true);
+    EXPECT_TRUE(machine.eventTaps.pressKey());
+    EXPECT_EQ(cracks(), 0U);
+    machine.runLoop.holdMainQueue(false);
+    machine.runLoop.runMainQueue();
+    EXPECT_EQ(cracks(), 1U);
+}
+
+TEST_F(KeyboardCrackManagerTest, the_first_crack_after_launch_always_plays) {
+    makeListening();
+    press();
+    EXPECT_EQ(cracks(), 1U);
+}
+
+TEST_F(KeyboardCrackManagerTest, two_keys_0_149_s_apart_give_one_crack) {
+    makeListening();
+    press();
+    machine.runLoop.advance(0.149);
+    press();
+    EXPECT_EQ(cracks(), 1U);
+}
+
+TEST_F(KeyboardCrackManagerTest, two_keys_0_15_s_apart_give_two_cracks) {
+    makeListening();
+    machine.runLoop.advance(0.25);
+    press();
+    // Both instants are such that their difference, as doubles, is no less than 0.15.
+    machine.runLoop.advance(0.15);
+    ASSERT_GE(machine.runLoop.currentMediaTime() - 10.25, 0.15);
+    press();
+    EXPECT_EQ(cracks(), 2U);
+}
+
+TEST_F(KeyboardCrackManagerTest, a_key_that_was_too_early_does_not_delay_the_next_crack) {
+    makeListening();
+    press();
+    machine.runLoop.advance(0.1);
+    press();
+    machine.runLoop.advance(0.06);
+    press();
+    EXPECT_EQ(cracks(), 2U);
+}
+
+TEST_F(KeyboardCrackManagerTest, a_burst_of_keys_at_one_instant_gives_one_crack_and_no_replay) {
+    makeListening();
+    for (int i = 0; i < 64; ++i)
+        EXPECT_TRUE(machine.eventTaps.pressKey());
+    machine.runLoop.runMainQueue();
+    machine.runLoop.advance(60);
+    EXPECT_EQ(cracks(), 1U);
+}
+
+TEST_F(KeyboardCrackManagerTest, a_held_key_cracks_once_however_long_it_is_held) {
+    makeListening();
+    press();
+    for (int i = 0; i < 100; ++i) {
+        machine.runLoop.advance(0.2);
+        press(/*autorepeat=*/1);
+    }
+    EXPECT_EQ(cracks(), 1U);
+}
+
+TEST_F(KeyboardCrackManagerTest, key_ups_modifiers_and_notices_never_crack_nor_reenable) {
+    makeListening();
+    const auto calls = machine.eventTaps.calls();
+    for (const auto type : {TapEventType::KeyUp, TapEventType::FlagsChanged,
+                            TapEventType::DisabledByTimeout, TapEventType::DisabledByUserInput})
+        EXPECT_TRUE(machine.eventTaps.send({.type = type}));
+    machine.runLoop.advance(1);
+    EXPECT_EQ(cracks(), 0U);
+    EXPECT_EQ(machine.eventTaps.calls(), calls);
+}
+
+TEST_F(KeyboardCrackManagerTest, every_crack_starts_the_clip_anew_and_cuts_the_one_before) {
+    makeListening();
+    press();
+    machine.runLoop.advance(0.16);
+    press();
+    const auto& sounds = machine.audio.timeline();
+    ASSERT_EQ(sounds.size(), 2U);
+    EXPECT_EQ(sounds[1].offset, 0);
+    EXPECT_NEAR(sounds[0].stopTime, sounds[1].startTime, 1e-9);
+    EXPECT_THAT(
+        machine.audio.filePlayer(0).calls(),
+        ElementsAre("prepare", "volume 0.5", "currentTime 0", "play", "currentTime 0", "play"));
+}
+
+// Stopping.
+
+TEST_F(KeyboardCrackManagerTest, stopping_disables_removes_and_closes_in_that_order) {
+    makeListening();
+    manager->stop();
+    EXPECT_THAT(machine.eventTaps.calls(),
+                ElementsAre("create location 1 placement 0 options 1 events 0x400", "source 0",
+                            "add", "enable yes", "enable no", "remove", "close"));
+    EXPECT_FALSE(manager->isActive());
+    EXPECT_TRUE(manager->hasPermission());
+    EXPECT_EQ(machine.eventTaps.openCount(), 0U);
+}
+
+TEST_F(KeyboardCrackManagerTest, stopping_prints_nothing) {
+    makeListening();
+    const auto lines = machine.console.lines;
+    manager->stop();
+    EXPECT_EQ(machine.console.lines, lines);
+}
+
+TEST_F(KeyboardCrackManagerTest, stopping_before_any_start_does_nothing) {
+    makeManager();
+    manager->stop();
+    EXPECT_FALSE(manager->isActive());
+    EXPECT_THAT(machine.eventTaps.calls(), IsEmpty());
+}
+
+TEST_F(KeyboardCrackManagerTest, starting_again_creates_a_fresh_tap) {
+    makeListening();
+    manager->stop();
+    manager->start();
+    EXPECT_EQ(machine.eventTaps.openCount(), 1U);
+    press();
+    EXPECT_EQ(cracks(), 1U);
+}
+
+TEST_F(KeyboardCrackManagerTest, the_rate_limit_survives_stopping_and_starting) {
+    makeListening();
+    press();
+    manager->stop();
+    manager->start();
+    machine.runLoop.advance(0.1);
+    press();
+    EXPECT_EQ(cracks(), 1U);
+}
+
+TEST_F(KeyboardCrackManagerTest, letting_go_of_the_manager_stops_it) {
+    makeListening();
+    manager.reset();
+    EXPECT_THAT(machine.eventTaps.calls(), Contains("close"));
+    EXPECT_EQ(machine.audio.holdCount(), 0U);
+    EXPECT_TRUE(KeyboardCrackManager::shared.expired());
+}
+
+TEST_F(KeyboardCrackManagerTest, the_latest_instance_is_the_one_that_keys_reach) {
+    makeListening();
+    auto second = KeyboardCrackManager::create(machine.platform());
+    EXPECT_EQ(KeyboardCrackManager::shared.lock(), second);
+    press();
+    EXPECT_THAT(machine.audio.filePlayer(0).calls(), testing::Not(Contains("play")));
+    EXPECT_THAT(machine.audio.filePlayer(1).calls(), Contains("play"));
+}
+
+} // namespace
+} // namespace quorvane
