@@ -40,7 +40,7 @@ struct Gesture {
     double rate;
 };
 
-constexpr std::array<Gesture, 14> gestures{{{0.00, 70},
+constexpr std::array<Gesture, 15> gestures{{{0.00, 70},
                                             {0.25, 120},
                                             {0.50, 45},
                                             {0.85, 170},
@@ -52,8 +52,9 @@ constexpr std::array<Gesture, 14> gestures{{{0.00, 70},
                                             {2.35, 400},
                                             {2.50, 140},
                                             {2.80, 70},
-                                            {3.12, 24},
-                                            {length, 2}}};
+                                            {3.08, 24},
+                                            {3.14, 0.5},
+                                            {length, 0.5}}};
 
 /// From gesture to gesture as a hand moves, and unsteadily: noise remembered for a quarter of a
 /// second.

@@ -80,8 +80,8 @@ public:
             m_gas += std::max(0.0, engine.stroke(cylinder).blowdown);
             driven += std::abs(engine.stroke(cylinder).driven);
         }
-        m_gas *= std::exp(-1 / (0.014 * sampleRate));
-        const double flow = m_valve.next(m_gas + 0.09 * std::sqrt(driven));
+        m_gas *= std::exp(-1 / (0.028 * sampleRate));
+        const double flow = m_valve.next(m_gas + 0.2 * std::sqrt(driven));
         const double rough = flow * (1 + 0.7 * m_eddies.next(draws.normal()));
         return m_muffler.next(m_mouth.next(m_pipe.next(rough)));
     }
@@ -146,7 +146,7 @@ private:
     }
 
     double hiss(double squeezed, Draws& draws) {
-        return 0.025 * m_rings.next(squeezed * draws.normal());
+        return 0.02 * m_rings.next(squeezed * draws.normal());
     }
 
     bool m_starter = false;
@@ -208,7 +208,7 @@ Sound makeTractor() {
     for (std::size_t i = 0; i < sound.size(); ++i) {
         const bool cranking = driver.starterOn(static_cast<double>(i) / sampleRate, engine.speed());
         engine.turn(1 / sampleRate, cranking);
-        const double mix = 1.9 * exhaust.next(engine, draws) + 0.6 * intake.next(engine, draws) +
+        const double mix = 1.7 * exhaust.next(engine, draws) + 0.5 * intake.next(engine, draws) +
                            0.15 * block.next(engine, cranking, draws) +
                            0.07 * starter.next(engine, cranking, draws);
         // As close as this, it is too loud for what hears it.
