@@ -2,10 +2,13 @@
 
 #include <QGuiApplication>
 
+#include "platform/linux/AutostartEntries.h"
+
 namespace quorvane {
 
 LoginItemStatus LinuxApplication::loginItemStatus() const {
-    return LoginItemStatus::NotRegistered;
+    return startsAtLogin(AutostartEnvironment::current()) ? LoginItemStatus::Enabled
+                                                          : LoginItemStatus::NotRegistered;
 }
 
 bool LinuxApplication::isActive() const {

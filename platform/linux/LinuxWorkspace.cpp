@@ -13,13 +13,9 @@ LinuxWorkspace::~LinuxWorkspace() = default;
 NotificationCenter::Token LinuxWorkspace::addObserver(std::string_view name,
                                                       std::function<void()> block) {
     const Token token = InProcessNotificationCenter::addObserver(name, std::move(block));
-    if (!m_signals)
-        m_signals = std::make_unique<SleepSignals>(
-            QString::fromStdString(m_busAddress), [this](bool asleep) {
-                post(asleep ? WorkspaceNotification::screensDidSleep
-                            : WorkspaceNotification::screensDidWake);
-            });
-    m_signals->start();
+    listen();
+    if (name != WorkspaceNotification::didWake)
+        m_signals->listenToLid();
     return token;
 }
 
@@ -27,6 +23,21 @@ void LinuxWorkspace::removeObserver(Token token) {
     InProcessNotificationCenter::removeObserver(token);
     if (m_signals && observerCount() == 0)
         m_signals->stop();
+}
+
+void LinuxWorkspace::listen() {
+    if (!m_signals)
+        m_signals = std::make_unique<SleepSignals>(
+            QString::fromStdString(m_busAddress),
+            SleepSignals::Reports{
+                .didWake = [this] { post(WorkspaceNotification::didWake); },
+                .screens =
+                    [this](bool asleep) {
+                        post(asleep ? WorkspaceNotification::screensDidSleep
+                                    : WorkspaceNotification::screensDidWake);
+                    },
+            });
+    m_signals->start();
 }
 
 } // namespace quorvane

@@ -37,8 +37,8 @@ void openConnection(const QString& address, const QString& name) {
 
 } // namespace
 
-SleepSignals::SleepSignals(QString address, std::function<void(bool asleep)> report)
-    : m_address(std::move(address)), m_report(std::move(report)) {}
+SleepSignals::SleepSignals(QString address, Reports reports)
+    : m_address(std::move(address)), m_reports(std::move(reports)) {}
 
 SleepSignals::~SleepSignals() {
     endSession();
@@ -57,6 +57,11 @@ void SleepSignals::start() {
         connectInBackground();
 }
 
+void SleepSignals::listenToLid() {
+    if (!std::exchange(m_listensToLid, true) && m_session)
+        subscribeToLid();
+}
+
 void SleepSignals::stop() {
     auto session = endSession();
     // Then it is one of the session's own signals that led here.
@@ -68,6 +73,7 @@ std::unique_ptr<QObject> SleepSignals::endSession() {
     const QString name = std::exchange(m_connectionName, {});
     m_upowerOwner.clear();
     m_logindOwner.clear();
+    m_listensToLid = false;
     m_lidIsPresent = true;
     m_state = {};
     // While the connection is still being made there is no session, and its maker closes it.
@@ -105,23 +111,33 @@ void SleepSignals::connectInBackground() {
 void SleepSignals::subscribe() {
     QDBusConnection bus(m_connectionName);
     m_session = std::make_unique<QObject>();
-    if (!bus.isConnected())
-        return;
-    auto* watcher = new QDBusServiceWatcher(m_session.get());
-    watcher->setConnection(bus);
-    watcher->setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
-    connect(watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
-            [this](const QString& service, const QString&, const QString& owner) {
-                setOwner(service, owner);
-            });
-    watcher->setWatchedServices({upower, logind});
     // No sender is named: the library would ask the bus for its owner, and wait for the answer.
-    bus.connect({}, upowerPath, propertiesInterface, QStringLiteral("PropertiesChanged"), {upower},
-                {}, this, SLOT(propertiesChanged(QDBusMessage)));
     bus.connect({}, logindPath, logindManager, QStringLiteral("PrepareForSleep"), this,
                 SLOT(prepareForSleep(QDBusMessage)));
-    askForOwner(upower);
-    askForOwner(logind);
+    watch(logind);
+    if (m_listensToLid)
+        subscribeToLid();
+}
+
+void SleepSignals::subscribeToLid() {
+    // No sender, as above.
+    QDBusConnection(m_connectionName)
+        .connect({}, upowerPath, propertiesInterface, QStringLiteral("PropertiesChanged"), {upower},
+                 {}, this, SLOT(propertiesChanged(QDBusMessage)));
+    watch(upower);
+}
+
+void SleepSignals::watch(const QString& service) {
+    const QDBusConnection bus(m_connectionName);
+    if (!bus.isConnected())
+        return;
+    auto* watcher = new QDBusServiceWatcher(service, bus, QDBusServiceWatcher::WatchForOwnerChange,
+                                            m_session.get());
+    connect(watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString& name, const QString&, const QString& owner) {
+                setOwner(name, owner);
+            });
+    askForOwner(service);
 }
 
 void SleepSignals::askForOwner(const QString& service) {
@@ -176,8 +192,13 @@ void SleepSignals::propertiesChanged(const QDBusMessage& message) {
 }
 
 void SleepSignals::prepareForSleep(const QDBusMessage& message) {
-    if (message.service() == m_logindOwner && message.signature() == QLatin1String("b"))
-        report(m_state.setPreparingForSleep(message.arguments().at(0).toBool()));
+    if (message.service() != m_logindOwner || message.signature() != QLatin1String("b"))
+        return;
+    const bool preparing = message.arguments().at(0).toBool();
+    if (!preparing)
+        tell([this] { m_reports.didWake(); });
+    // Ended from inside that report, the state is a fresh one, which this does not change.
+    report(m_state.setPreparingForSleep(preparing));
 }
 
 /// A lid that is not there is neither open nor closed, whatever is said of it.
@@ -189,10 +210,13 @@ void SleepSignals::takeLid(const QVariantMap& properties) {
 }
 
 void SleepSignals::report(ScreenSleepState::Change change) {
-    if (!change)
-        return;
+    if (change)
+        tell([this, asleep = *change] { m_reports.screens(asleep); });
+}
+
+void SleepSignals::tell(const std::function<void()>& news) {
     m_isReporting = true;
-    m_report(*change);
+    news();
     m_isReporting = false;
 }
 

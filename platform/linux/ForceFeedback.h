@@ -1,0 +1,62 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <vector>
+
+struct ff_effect;
+
+namespace quorvane {
+
+/// What a device makes a pulse of.
+enum class HapticKind {
+    /// A touchpad that clicks by itself, and at our wish too.
+    Touchpad,
+    /// Motors that shake whatever they are in.
+    Rumble,
+};
+
+/// An input device that can be felt.
+struct HapticNode {
+    std::filesystem::path node;
+    /// The number in the node's name.
+    int number = 0;
+    HapticKind kind = HapticKind::Rumble;
+
+    bool operator==(const HapticNode&) const = default;
+};
+
+/// An opened device with force feedback: what the kernel offers on it, and nothing else. Closed
+/// with the object. One thread at a time.
+class ForceFeedbackPort {
+public:
+    ForceFeedbackPort() = default;
+    ForceFeedbackPort(const ForceFeedbackPort&) = delete;
+    ForceFeedbackPort& operator=(const ForceFeedbackPort&) = delete;
+    virtual ~ForceFeedbackPort() = default;
+
+    /// The number of the effect on the device; none when the device does not take it. May wait for
+    /// the device.
+    virtual std::optional<int> upload(const ff_effect& effect) = 0;
+    /// May wait for the device.
+    virtual void erase(int effect) = 0;
+    /// Plays an effect once, from its beginning; never waits. False: the device has gone.
+    virtual bool play(int effect) = 0;
+};
+
+/// The machine's devices with force feedback. Any thread, one at a time.
+class ForceFeedbackDevices {
+public:
+    ForceFeedbackDevices() = default;
+    ForceFeedbackDevices(const ForceFeedbackDevices&) = delete;
+    ForceFeedbackDevices& operator=(const ForceFeedbackDevices&) = delete;
+    virtual ~ForceFeedbackDevices() = default;
+
+    /// Those that are there now, in no particular order.
+    virtual std::vector<HapticNode> list() = 0;
+    /// None when it cannot be opened, or is no longer what it was listed as.
+    virtual std::unique_ptr<ForceFeedbackPort> open(const HapticNode& node) = 0;
+};
+
+} // namespace quorvane
