@@ -1,0 +1,12 @@
+#pragma once
+
+#import <AVFAudio/AVFAudio.h>
+
+#include "platform/Audio.h"
+
+namespace quorvane {
+
+/// The system's node of a node that MacAudio made.
+[[nodiscard]] AVAudioPlayerNode* playerNodeOf(AudioPlayerNode& node);
+
+} // namespace quorvane

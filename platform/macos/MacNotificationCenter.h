@@ -1,0 +1,15 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/NotificationCenter.h"
+
+namespace quorvane {
+
+/// The workspace's own centre, which tells of sleep and wake.
+[[nodiscard]] std::unique_ptr<NotificationCenter> makeWorkspaceCenter();
+
+/// The default centre, for notifications inside this process.
+[[nodiscard]] std::unique_ptr<NotificationCenter> makeDefaultCenter();
+
+} // namespace quorvane

@@ -1,0 +1,14 @@
+#pragma once
+
+#import <AppKit/AppKit.h>
+
+#include <memory>
+
+#include "platform/Screens.h"
+
+namespace quorvane {
+
+/// A view of that size that shows `view`, and goes on showing what changes in it.
+[[nodiscard]] NSView* makeMacOverlayView(std::shared_ptr<const OverlayView> view, NSSize size);
+
+} // namespace quorvane

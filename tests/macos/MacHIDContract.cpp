@@ -1,0 +1,50 @@
+#include "platform/macos/MacHID.h"
+#include "tests/contract/HIDContract.h"
+#include "tests/macos/StandInTest.h"
+
+namespace quorvane {
+
+namespace {
+
+class MacSide final : public HIDContractSide {
+public:
+    MacSide() {
+        // Another of the maker's devices, ahead of the sensor.
+        standin::machine().devices.push_back(std::make_shared<standin::Device>(
+            standin::Device{.integers = {{"VendorID", 0x05AC}, {"ProductID", 0x0342}}}));
+        standin::machine().devices.push_back(m_sensor);
+        setAngle(112);
+    }
+
+    HIDService& service() override { return m_hid; }
+
+    [[nodiscard]] std::optional<int> productID() const override { return 0x8104; }
+
+    [[nodiscard]] std::optional<int> angle() const override { return 112; }
+
+    void setAngle(int degrees) override {
+        m_sensor->report = {1, static_cast<std::uint8_t>(degrees & 0xFF),
+                            static_cast<std::uint8_t>(degrees >> 8)};
+    }
+
+    void unplug() override {
+        for (const auto& device : standin::machine().devices)
+            device->pluggedIn = false;
+    }
+
+private:
+    StandInMachine m_machine;
+    std::shared_ptr<standin::Device> m_sensor = std::make_shared<standin::Device>(
+        standin::Device{.integers = {{"VendorID", 0x05AC}, {"ProductID", 0x8104}}});
+    MacHID m_hid;
+};
+
+std::unique_ptr<HIDContractSide> makeMac() {
+    return std::make_unique<MacSide>();
+}
+
+INSTANTIATE_TEST_SUITE_P(MacStandIn, HIDContract, testing::Values(&makeMac));
+
+} // namespace
+
+} // namespace quorvane
