@@ -3,7 +3,7 @@
 #include <QCoreApplication>
 #include <fcntl.h>
 #include <spawn.h>
-#include <sys/pidfd.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -54,6 +54,12 @@ pid_t spawn(const std::string& program, const std::string& option, const std::st
     return child;
 }
 
+/// Readable once the process has ended; -1 if there is no such. The C library has the call too, but
+/// not for C++ in every version.
+int descriptorOf(pid_t process) {
+    return static_cast<int>(syscall(SYS_pidfd_open, process, 0));
+}
+
 } // namespace
 
 KeyboardAccessPrompt::KeyboardAccessPrompt(fs::path helper) : m_helper(std::move(helper)) {}
@@ -74,7 +80,7 @@ void KeyboardAccessPrompt::show() {
     // It refuses to work for a process whose parent is gone, so it is a child of ours. Without the
     // option it would ask on the terminal where there is no agent to ask on the screen.
     m_child = spawn("pkexec", "--disable-internal-agent", helper.string());
-    m_childDescriptor = m_child >= 0 ? pidfd_open(m_child, 0) : -1;
+    m_childDescriptor = m_child >= 0 ? descriptorOf(m_child) : -1;
     if (m_childDescriptor < 0)
         return;
     m_ended = std::make_unique<QSocketNotifier>(m_childDescriptor, QSocketNotifier::Read);

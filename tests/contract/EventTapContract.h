@@ -1,0 +1,64 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <memory>
+#include <vector>
+
+#include "platform/EventTap.h"
+
+namespace quorvane {
+
+/// One implementation of event taps, and a person at its keyboard.
+class EventTapContractSide {
+public:
+    EventTapContractSide() = default;
+    EventTapContractSide(const EventTapContractSide&) = delete;
+    EventTapContractSide& operator=(const EventTapContractSide&) = delete;
+    virtual ~EventTapContractSide() = default;
+
+    virtual EventTapService& service() = 0;
+
+    /// One and the same key, that is no modifier.
+    virtual void pressKey() = 0;
+    virtual void releaseKey() = 0;
+    /// What the keyboard says again while that key is held.
+    virtual void repeatKey() = 0;
+    virtual void pressShift() = 0;
+    virtual void releaseShift() = 0;
+
+    /// Returns when whatever is to be heard of all that has been heard.
+    virtual void settle() {}
+};
+
+using EventTapContractSideMaker = std::unique_ptr<EventTapContractSide> (*)();
+
+/// What a tap's callback was given.
+struct HeardEvent {
+    TapEventType type;
+    bool isRepeat;
+
+    bool operator==(const HeardEvent&) const = default;
+};
+
+class EventTapContract : public testing::TestWithParam<EventTapContractSideMaker> {
+protected:
+    static constexpr std::uint64_t keyDowns = tapEventMask(TapEventType::KeyDown);
+    static constexpr std::uint64_t everything =
+        keyDowns | tapEventMask(TapEventType::KeyUp) | tapEventMask(TapEventType::FlagsChanged);
+
+    EventTapContract();
+
+    /// A tap that is there and does nothing yet.
+    std::shared_ptr<EventTap> makeTap(std::uint64_t events = everything);
+    /// The common way: a tap that hears, by its source.
+    void startToListen(std::uint64_t events = everything);
+    void typeKey();
+    /// What has been heard since the last time.
+    std::vector<HeardEvent> heard();
+
+    std::unique_ptr<EventTapContractSide> m_side = GetParam()();
+    std::shared_ptr<EventTap> m_tap;
+    std::shared_ptr<TapSource> m_source;
+};
+
+} // namespace quorvane

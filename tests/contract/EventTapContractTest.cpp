@@ -1,0 +1,212 @@
+#include "tests/contract/EventTapContract.h"
+
+#include <utility>
+
+#include <gmock/gmock.h>
+
+namespace quorvane {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+constexpr HeardEvent keyDown{TapEventType::KeyDown, false};
+constexpr HeardEvent repeatedKeyDown{TapEventType::KeyDown, true};
+constexpr HeardEvent keyUp{TapEventType::KeyUp, false};
+constexpr HeardEvent flagsChanged{TapEventType::FlagsChanged, false};
+
+// A callback carries no context.
+std::vector<HeardEvent> heardEvents;
+int heardByAnother = 0;
+
+const TapEvent& hear(const TapEvent& event) {
+    heardEvents.push_back({.type = event.type, .isRepeat = event.keyboardAutorepeat != 0});
+    return event;
+}
+
+const TapEvent& hearToo(const TapEvent& event) {
+    ++heardByAnother;
+    return event;
+}
+
+} // namespace
+
+EventTapContract::EventTapContract() {
+    heardEvents.clear();
+    heardByAnother = 0;
+}
+
+std::shared_ptr<EventTap> EventTapContract::makeTap(std::uint64_t events) {
+    return m_side->service().createTap(TapLocation::Session, TapPlacement::HeadInsert,
+                                       TapOptions::ListenOnly, events, &hear);
+}
+
+void EventTapContract::startToListen(std::uint64_t events) {
+    m_tap = makeTap(events);
+    ASSERT_TRUE(m_tap);
+    m_source = m_tap->createRunLoopSource(0);
+    ASSERT_TRUE(m_source);
+    m_source->addToRunLoop();
+    m_tap->enable(true);
+}
+
+void EventTapContract::typeKey() {
+    m_side->pressKey();
+    m_side->releaseKey();
+}
+
+std::vector<HeardEvent> EventTapContract::heard() {
+    m_side->settle();
+    return std::exchange(heardEvents, {});
+}
+
+TEST_P(EventTapContract, AKeyGoesDownAndUp) {
+    startToListen();
+    m_side->pressKey();
+    EXPECT_THAT(heard(), ElementsAre(keyDown));
+    m_side->releaseKey();
+    EXPECT_THAT(heard(), ElementsAre(keyUp));
+}
+
+TEST_P(EventTapContract, WhatAHeldKeyRepeatsIsMarkedUntilItsRelease) {
+    startToListen(keyDowns);
+    m_side->pressKey();
+    m_side->repeatKey();
+    m_side->repeatKey();
+    EXPECT_THAT(heard(), ElementsAre(keyDown, repeatedKeyDown, repeatedKeyDown));
+    m_side->releaseKey();
+    m_side->pressKey();
+    EXPECT_THAT(heard(), ElementsAre(keyDown));
+    m_side->releaseKey();
+}
+
+TEST_P(EventTapContract, AModifierAloneIsNoKey) {
+    startToListen();
+    m_side->pressShift();
+    m_side->releaseShift();
+    EXPECT_THAT(heard(), ElementsAre(flagsChanged, flagsChanged));
+}
+
+TEST_P(EventTapContract, AKeyWithAModifierIsAKey) {
+    startToListen(keyDowns);
+    m_side->pressShift();
+    typeKey();
+    m_side->releaseShift();
+    EXPECT_THAT(heard(), ElementsAre(keyDown));
+}
+
+TEST_P(EventTapContract, OnlyEventsOfInterestAreHeard) {
+    startToListen(tapEventMask(TapEventType::KeyUp));
+    m_side->pressShift();
+    typeKey();
+    m_side->releaseShift();
+    EXPECT_THAT(heard(), ElementsAre(keyUp));
+}
+
+TEST_P(EventTapContract, EveryPressOfABurstIsHeardInItsOrder) {
+    startToListen(keyDowns);
+    for (int i = 0; i < 8; ++i)
+        typeKey();
+    EXPECT_THAT(heard(), SizeIs(8));
+}
+
+TEST_P(EventTapContract, ATapIsMadeDisabled) {
+    const auto tap = makeTap();
+    ASSERT_TRUE(tap);
+    const auto source = tap->createRunLoopSource(0);
+    source->addToRunLoop();
+    typeKey();
+    EXPECT_THAT(heard(), IsEmpty());
+    tap->enable(true);
+    typeKey();
+    EXPECT_THAT(heard(), ElementsAre(keyDown, keyUp));
+}
+
+TEST_P(EventTapContract, ATapThatIsDisabledHearsNothingUntilItIsEnabledAgain) {
+    startToListen();
+    m_tap->enable(false);
+    typeKey();
+    EXPECT_THAT(heard(), IsEmpty());
+    m_tap->enable(true);
+    EXPECT_THAT(heard(), IsEmpty());
+    typeKey();
+    EXPECT_THAT(heard(), ElementsAre(keyDown, keyUp));
+}
+
+TEST_P(EventTapContract, ATapWithoutASourceHearsNothing) {
+    const auto tap = makeTap();
+    ASSERT_TRUE(tap);
+    tap->enable(true);
+    typeKey();
+    EXPECT_THAT(heard(), IsEmpty());
+}
+
+TEST_P(EventTapContract, ASourceThatIsOnNoRunLoopBringsNothingAndMakesNothingUp) {
+    m_tap = makeTap();
+    ASSERT_TRUE(m_tap);
+    m_source = m_tap->createRunLoopSource(0);
+    m_tap->enable(true);
+    typeKey();
+    EXPECT_THAT(heard(), IsEmpty());
+    m_source->addToRunLoop();
+    typeKey();
+    EXPECT_THAT(heard(), ElementsAre(keyDown, keyUp));
+    m_source->removeFromRunLoop();
+    typeKey();
+    EXPECT_THAT(heard(), IsEmpty());
+    m_source->addToRunLoop();
+    EXPECT_THAT(heard(), IsEmpty());
+    typeKey();
+    EXPECT_THAT(heard(), ElementsAre(keyDown, keyUp));
+}
+
+TEST_P(EventTapContract, AddingAndRemovingTwiceIsHarmless) {
+    startToListen(keyDowns);
+    m_source->addToRunLoop();
+    typeKey();
+    EXPECT_THAT(heard(), ElementsAre(keyDown));
+    m_source->removeFromRunLoop();
+    m_source->removeFromRunLoop();
+    typeKey();
+    EXPECT_THAT(heard(), IsEmpty());
+}
+
+TEST_P(EventTapContract, NothingIsHeardOnceTheTapIsLetGoOf) {
+    startToListen();
+    m_tap.reset();
+    typeKey();
+    EXPECT_THAT(heard(), IsEmpty());
+}
+
+TEST_P(EventTapContract, NothingIsHeardOnceTheSourceIsLetGoOf) {
+    startToListen();
+    m_source.reset();
+    typeKey();
+    EXPECT_THAT(heard(), IsEmpty());
+}
+
+TEST_P(EventTapContract, ATapAfterAnotherOneHearsAsTheFirstDid) {
+    startToListen();
+    m_tap.reset();
+    m_source.reset();
+    startToListen();
+    typeKey();
+    EXPECT_THAT(heard(), ElementsAre(keyDown, keyUp));
+}
+
+TEST_P(EventTapContract, TwoTapsHearTheSameKey) {
+    startToListen(keyDowns);
+    const auto other = m_side->service().createTap(TapLocation::Session, TapPlacement::HeadInsert,
+                                                   TapOptions::ListenOnly, keyDowns, &hearToo);
+    ASSERT_TRUE(other);
+    const auto source = other->createRunLoopSource(0);
+    source->addToRunLoop();
+    other->enable(true);
+    typeKey();
+    EXPECT_THAT(heard(), ElementsAre(keyDown));
+    EXPECT_EQ(heardByAnother, 1);
+}
+
+} // namespace quorvane

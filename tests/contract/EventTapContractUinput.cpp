@@ -1,0 +1,96 @@
+// Runs the contract on a keyboard of this kernel, made through /dev/uinput and found by way of
+// udev: without the two the cases fail.
+
+#include <fcntl.h>
+#include <linux/uinput.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+
+#include "platform/linux/LinuxEventTaps.h"
+#include "platform/linux/UdevKeyboardNodes.h"
+#include "tests/contract/EventTapContract.h"
+#include "tests/support/Environment.h"
+#include "tests/support/KeyboardPipe.h"
+#include "tests/support/QtApplication.h"
+
+namespace quorvane {
+
+namespace {
+
+/// Repeats nothing by itself.
+class UinputKeyboard {
+public:
+    UinputKeyboard() : m_descriptor(open("/dev/uinput", O_WRONLY | O_CLOEXEC)) {
+        ioctl(m_descriptor, UI_SET_EVBIT, EV_KEY);
+        for (int key = KEY_ESC; key <= KEY_F12; ++key)
+            ioctl(m_descriptor, UI_SET_KEYBIT, key);
+        uinput_setup setup{};
+        setup.id.bustype = BUS_VIRTUAL;
+        std::strncpy(std::begin(setup.name), "contract keyboard", sizeof setup.name - 1);
+        if (ioctl(m_descriptor, UI_DEV_SETUP, &setup) < 0 || ioctl(m_descriptor, UI_DEV_CREATE) < 0)
+            throw std::runtime_error("the kernel makes no keyboard");
+        if (!QtApplication::runUntil([] { return !UdevKeyboardNodes::list().empty(); }))
+            throw std::runtime_error("udev does not find the keyboard");
+    }
+
+    UinputKeyboard(const UinputKeyboard&) = delete;
+    UinputKeyboard& operator=(const UinputKeyboard&) = delete;
+
+    ~UinputKeyboard() {
+        close(m_descriptor);
+        // The next case is to find its own.
+        QtApplication::runUntil([] { return UdevKeyboardNodes::list().empty(); });
+    }
+
+    void send(int key, int value) const {
+        const std::array events{KeyboardPipe::make(EV_KEY, key, value),
+                                KeyboardPipe::make(EV_SYN, SYN_REPORT, 0)};
+        if (write(m_descriptor, events.data(), sizeof events) != sizeof events)
+            throw std::runtime_error("the keyboard does not take this");
+    }
+
+private:
+    int m_descriptor;
+};
+
+class UinputSide final : public EventTapContractSide {
+public:
+    EventTapService& service() override { return m_taps; }
+
+    void pressKey() override { send(KEY_A, 1); }
+
+    void releaseKey() override { send(KEY_A, 0); }
+
+    void repeatKey() override { send(KEY_A, 2); }
+
+    void pressShift() override { send(KEY_LEFTSHIFT, 1); }
+
+    void releaseShift() override { send(KEY_LEFTSHIFT, 0); }
+
+private:
+    void send(int key, int value) {
+        m_keyboard.send(key, value);
+        for (int turn = 0; turn < 3; ++turn)
+            QCoreApplication::processEvents();
+    }
+
+    QtApplication m_application;
+    EnvironmentVariable m_wayland{"WAYLAND_DISPLAY", "wayland-0"};
+    UinputKeyboard m_keyboard;
+    LinuxEventTaps m_taps;
+};
+
+std::unique_ptr<EventTapContractSide> makeUinputSide() {
+    return std::make_unique<UinputSide>();
+}
+
+INSTANTIATE_TEST_SUITE_P(LinuxUinput, EventTapContract, testing::Values(&makeUinputSide));
+
+} // namespace
+
+} // namespace quorvane

@@ -1,0 +1,173 @@
+#include <optional>
+#include <utility>
+
+#include <gmock/gmock.h>
+
+#include "platform/linux/LinuxEventTaps.h"
+#include "tests/support/OpenFiles.h"
+#include "tests/support/QtApplication.h"
+#include "tests/support/TypingDisplay.h"
+
+namespace quorvane {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using Heard = std::pair<TapEventType, std::int64_t>;
+
+// A callback carries no context.
+std::vector<Heard> heardEvents;
+
+const TapEvent& hear(const TapEvent& event) {
+    heardEvents.emplace_back(event.type, event.keyboardAutorepeat);
+    return event;
+}
+
+constexpr Heard keyDown{TapEventType::KeyDown, 0};
+constexpr Heard repeatedKeyDown{TapEventType::KeyDown, 1};
+constexpr Heard keyUp{TapEventType::KeyUp, 0};
+constexpr Heard flagsChanged{TapEventType::FlagsChanged, 0};
+
+constexpr std::uint8_t letter = 38;
+constexpr xcb_keysym_t shiftSymbol = 0xFFE1;
+
+class LinuxEventTapsTest : public testing::Test {
+protected:
+    LinuxEventTapsTest() { heardEvents.clear(); }
+
+    [[nodiscard]] static std::shared_ptr<EventTap> createTap() {
+        LinuxEventTaps taps;
+        return taps.createTap(TapLocation::Session, TapPlacement::HeadInsert,
+                              TapOptions::ListenOnly, ~std::uint64_t{0}, &hear);
+    }
+
+    void startToListen() {
+        m_tap = createTap();
+        ASSERT_TRUE(m_tap);
+        m_source = m_tap->createRunLoopSource(0);
+        m_source->addToRunLoop();
+        m_tap->enable(true);
+    }
+
+    std::vector<Heard> heard() {
+        m_display.sync();
+        for (int turn = 0; turn < 3; ++turn)
+            QCoreApplication::processEvents();
+        return std::exchange(heardEvents, {});
+    }
+
+    QtApplication m_application;
+    EnvironmentVariable m_noWayland{"WAYLAND_DISPLAY", std::nullopt};
+    TypingDisplay m_display;
+    std::shared_ptr<EventTap> m_tap;
+    std::shared_ptr<TapSource> m_source;
+};
+
+TEST_F(LinuxEventTapsTest, EveryModifierAndLockOfTheUsualKeymapOnlyChangesFlags) {
+    startToListen();
+    // Shift, Control, Alt and Super on both sides, Caps Lock, Num Lock, Scroll Lock.
+    for (const std::uint8_t key :
+         std::initializer_list<std::uint8_t>{50, 62, 37, 105, 64, 108, 133, 134, 66, 77, 78}) {
+        m_display.press(key);
+        m_display.release(key);
+        EXPECT_THAT(heard(), ElementsAre(flagsChanged, flagsChanged)) << "key " << int{key};
+    }
+}
+
+TEST_F(LinuxEventTapsTest, AKeyThatIsMadeAModifierIsOneFromThenOn) {
+    startToListen();
+    m_display.press(letter);
+    m_display.release(letter);
+    EXPECT_THAT(heard(), ElementsAre(keyDown, keyUp));
+    m_display.remap(letter, shiftSymbol);
+    EXPECT_THAT(heard(), IsEmpty());
+    m_display.press(letter);
+    m_display.release(letter);
+    EXPECT_THAT(heard(), ElementsAre(flagsChanged, flagsChanged));
+}
+
+TEST_F(LinuxEventTapsTest, KeysAreHeardWhileAnotherProgramHasGrabbedTheKeyboard) {
+    startToListen();
+    m_display.grabKeyboard();
+    m_display.press(letter);
+    EXPECT_THAT(heard(), ElementsAre(keyDown));
+}
+
+TEST_F(LinuxEventTapsTest, AKeyThatIsDownSinceBeforeIsNoPressUntilItWasReleased) {
+    m_display.press(letter);
+    m_display.sync();
+    startToListen();
+    m_display.press(letter);
+    EXPECT_THAT(heard(), ElementsAre(repeatedKeyDown));
+    m_display.release(letter);
+    m_display.press(letter);
+    EXPECT_THAT(heard(), ElementsAre(keyUp, keyDown));
+}
+
+TEST_F(LinuxEventTapsTest, NothingIsOpenBeforeTheTapNorAfterIt) {
+    QCoreApplication::processEvents();
+    const auto before = openDescriptors();
+    const LinuxEventTaps taps;
+    EXPECT_EQ(openDescriptors(), before);
+    startToListen();
+    EXPECT_EQ(openDescriptors().size(), before.size() + 1);
+    m_tap.reset();
+    m_source.reset();
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST_F(LinuxEventTapsTest, ASourceThatOutlivesItsTapIsClosedWithItself) {
+    QCoreApplication::processEvents();
+    const auto before = openDescriptors();
+    startToListen();
+    m_tap.reset();
+    m_source->removeFromRunLoop();
+    m_source->addToRunLoop();
+    m_source.reset();
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST_F(LinuxEventTapsTest, ADisplayServerThatEndsIsBorneInSilence) {
+    startToListen();
+    testing::internal::CaptureStderr();
+    m_display.end();
+    // Its end makes the connection readable, and so it would stay.
+    int turns = 0;
+    QtApplication::runUntil([&turns] { return ++turns > 20; });
+    m_source->removeFromRunLoop();
+    m_source->addToRunLoop();
+    QCoreApplication::processEvents();
+    m_tap->enable(false);
+    m_tap.reset();
+    m_source.reset();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_THAT(heardEvents, IsEmpty());
+}
+
+TEST_F(LinuxEventTapsTest, WithoutAServerThatAnswersThereIsNoTap) {
+    m_display.end();
+    EXPECT_FALSE(createTap());
+}
+
+TEST_F(LinuxEventTapsTest, AWaylandSessionIsNotHeardThroughItsX11Part) {
+    const EnvironmentVariable wayland("WAYLAND_DISPLAY", "wayland-0");
+    QCoreApplication::processEvents();
+    const auto before = openDescriptors();
+    m_tap = createTap();
+    if (m_tap) { // On a machine with keyboards whose nodes this process may read.
+        m_source = m_tap->createRunLoopSource(0);
+        m_source->addToRunLoop();
+        m_tap->enable(true);
+    } else {
+        EXPECT_EQ(openDescriptors(), before);
+    }
+    m_display.press(letter);
+    m_display.release(letter);
+    EXPECT_THAT(heard(), IsEmpty());
+}
+
+} // namespace
+
+} // namespace quorvane
