@@ -37,6 +37,10 @@ struct Animation {
         return result;
     }
 
+    /// How much of the way has been gone `seconds` (not negative) after the start: 0 at the start,
+    /// 1 where the value was set. A spring may overshoot; no animation is there at once.
+    [[nodiscard]] double progress(double seconds) const;
+
     bool operator==(const Animation&) const = default;
 };
 

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/Desktop.h"
+
+namespace quorvane {
+
+class MotionSetting;
+class X11WindowCover;
+
+/// The X11 desktop and its settings. Asks nobody before there is a window to watch, so that the
+/// window does not wait for that.
+class LinuxDesktop final : public Desktop {
+public:
+    LinuxDesktop();
+    ~LinuxDesktop() override;
+
+    [[nodiscard]] const Observable<bool>& reducesMotion() const override { return m_reducesMotion; }
+
+    [[nodiscard]] const Observable<bool>& windowIsCovered() const override { return m_isCovered; }
+
+    /// `window` is on screen already, or the server could not know it.
+    void watchWindow(std::uintptr_t window) override;
+
+private:
+    Observable<bool> m_reducesMotion;
+    Observable<bool> m_isCovered;
+    std::unique_ptr<MotionSetting> m_motion;
+    std::unique_ptr<X11WindowCover> m_cover;
+};
+
+} // namespace quorvane

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QDBusVariant>
+#include <QObject>
+#include <QString>
+
+#include "base/Observable.h"
+
+namespace quorvane {
+
+/// Whether the person has asked the desktop for less motion. The desktop's settings portal tells,
+/// now and later; where there is none, the settings file of GTK programs does. Main thread; never
+/// waits for the bus.
+class MotionSetting final : public QObject {
+    Q_OBJECT
+
+public:
+    explicit MotionSetting(Observable<bool>& reducesMotion);
+    MotionSetting(const MotionSetting&) = delete;
+    MotionSetting& operator=(const MotionSetting&) = delete;
+    ~MotionSetting() override;
+
+private Q_SLOTS:
+    void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);
+
+    // NOLINTNEXTLINE(readability-redundant-access-specifiers): these are no slots.
+private:
+    void askPortal();
+    void takeAnimationsEnabled(const QVariant& enabled);
+
+    Observable<bool>& m_reducesMotion;
+};
+
+} // namespace quorvane

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "platform/Desktop.h"
+
+namespace quorvane {
+
+/// A desktop that is as it is told to be.
+class SimulatedDesktop final : public Desktop {
+public:
+    [[nodiscard]] const Observable<bool>& reducesMotion() const override { return motionReduced; }
+
+    [[nodiscard]] const Observable<bool>& windowIsCovered() const override { return covered; }
+
+    void watchWindow(std::uintptr_t window) override { watched = window; }
+
+    Observable<bool> motionReduced;
+    Observable<bool> covered;
+    std::uintptr_t watched = 0;
+};
+
+} // namespace quorvane
