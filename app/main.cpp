@@ -14,6 +14,7 @@
 #include "app/screens/MainWindow.h"
 #include "app/screens/PressControl.h"
 #include "platform/linux/DisplayServer.h"
+#include "platform/linux/LinuxDesktop.h"
 #include "platform/linux/LinuxPlatform.h"
 #include "platform/linux/TerminationSignals.h"
 #include "platform/simulated/LiveMachine.h"
@@ -81,7 +82,8 @@ int runWindow(QGuiApplication& application, TerminationSignals& termination,
 
     OrrowinApp app(platform);
     const std::unique_ptr<ContentView> content = app.makeContentView();
-    MainWindow window(*content, platform.bundle);
+    LinuxDesktop desktop;
+    MainWindow window(*content, platform, desktop);
     QObject::connect(&window, &MainWindow::appeared, &window, [&machine, &window] {
         if (machine)
             playScenario(*machine, window);

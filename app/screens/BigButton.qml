@@ -1,6 +1,7 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import Quorvane
 
 // A button as wide as its place, called by its text.
 Pressable {
@@ -11,27 +12,27 @@ Pressable {
 
     implicitHeight: label.implicitHeight + 2 * root.verticalPadding
 
-    Rectangle {
+    SmoothRectangle {
         anchors.fill: parent
         radius: 20
         color: root.color
+        opacity: root.down ? 0.75 : root.hovered ? 0.9 : 1
+    }
+
+    RoundedText {
+        id: label
+
+        anchors.centerIn: parent
+        text: root.name
+        pixelSize: 20
         opacity: root.down ? 0.75 : 1
 
-        Text {
-            id: label
-
-            anchors.centerIn: parent
-            text: root.name
-            textFormat: Text.PlainText
-            color: "white"
-            font { pixelSize: 20; weight: Font.Black }
-
-            Accessible.ignored: true
-        }
+        // The button says it.
+        Accessible.ignored: true
     }
 
     FocusRing {
         control: root
-        radius: 24
+        radius: 25
     }
 }

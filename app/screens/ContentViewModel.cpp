@@ -1,11 +1,38 @@
 #include "app/screens/ContentViewModel.h"
 
+#include <utility>
+
 namespace quorvane {
 
-ContentViewModel::ContentViewModel(ContentView& content, const Bundle& bundle, QObject* parent)
-    : QObject(parent), m_content(content), m_bundle(bundle), m_checkRows(content),
-      m_toggleRows(content),
-      m_screenFollowed(follow(content.screen(), &ContentViewModel::screenChanged)) {}
+ContentViewModel::ContentViewModel(ContentView& content, const Platform& platform,
+                                   const Desktop& desktop, QObject* parent)
+    : QObject(parent), m_content(content), m_bundle(platform.bundle), m_desktop(desktop),
+      m_checkRows(content), m_toggleRows(content), m_info(content),
+      m_glow(content.glowAmount(), platform.runLoop, [this] { emit glowChanged(); }),
+      m_screenFollowed(follow(content.screen(), &ContentViewModel::screenChanged)),
+      m_particlesFollowed(content.floatingEmojisMoved().observe([this] { moveParticles(); })),
+      m_motionFollowed(desktop.reducesMotion().observe([this] { updateAnimates(); })) {
+    connect(&m_info, &InfoPresenter::changed, this, &ContentViewModel::infoChanged);
+    connect(this, &ContentViewModel::screenChanged, this, &ContentViewModel::updateAnimates);
+    updateAnimates();
+}
+
+void ContentViewModel::setSeen(bool seen) {
+    if (std::exchange(m_seen, seen) != seen)
+        updateAnimates();
+}
+
+// The hardware check has neither glow nor particles.
+void ContentViewModel::updateAnimates() {
+    m_glow.setSeen(m_seen && m_content.screen() != ContentView::Screen::HardwareCheck);
+    m_glow.setAtRest(m_desktop.reducesMotion());
+    emit animatesChanged();
+}
+
+void ContentViewModel::moveParticles() {
+    if (animates())
+        emit particlesMoved();
+}
 
 Subscription ContentViewModel::follow(const AnyObservable& observable,
                                       void (ContentViewModel::*changed)()) {
@@ -39,7 +66,7 @@ void ContentViewModel::setOn(int row, bool on) {
 }
 
 void ContentViewModel::presentInfo(int row) {
-    m_content.presentInfo(m_content.toggleRows().at(static_cast<std::size_t>(row)).text);
+    m_info.present(m_content.toggleRows().at(static_cast<std::size_t>(row)).text);
 }
 
 } // namespace quorvane

@@ -6,8 +6,12 @@
 
 #include "app/ContentView.h"
 #include "app/screens/AnimatedNumber.h"
+#include "app/screens/InfoPresenter.h"
+#include "app/screens/LoopingValue.h"
 #include "app/screens/RowModels.h"
 #include "app/screens/Text.h"
+#include "platform/Desktop.h"
+#include "platform/Platform.h"
 
 /// A property of the bridge that shows the controller's observable of the same name: the property,
 /// its getter, its change signal, and the subscription that joins the signal to the observable.
@@ -40,10 +44,21 @@ class ContentViewModel final : public QObject {
     Q_PROPERTY(quorvane::ToggleRowModel* toggleRows READ toggleRows CONSTANT FINAL)
     /// The logo's file; empty if there is none.
     Q_PROPERTY(QUrl logo READ logo CONSTANT FINAL)
+    /// 0 to 1, for ever up and down.
+    Q_PROPERTY(double glow READ glow NOTIFY glowChanged FINAL)
+    /// Whether what moves without end is to move now: somebody can see it, and wants it to.
+    Q_PROPERTY(bool animates READ animates NOTIFY animatesChanged FINAL)
+    Q_PROPERTY(bool infoShown READ infoShown NOTIFY infoChanged FINAL)
+    Q_PROPERTY(QString infoTitle READ infoTitle NOTIFY infoChanged FINAL)
+    Q_PROPERTY(QString infoText READ infoText NOTIFY infoChanged FINAL)
 
 public:
-    /// `content` and `bundle` outlive the bridge.
-    ContentViewModel(ContentView& content, const Bundle& bundle, QObject* parent = nullptr);
+    /// `content`, the platform's services and `desktop` outlive the bridge.
+    ContentViewModel(ContentView& content, const Platform& platform, const Desktop& desktop,
+                     QObject* parent = nullptr);
+
+    /// Whether a pixel of the window can be seen.
+    void setSeen(bool seen);
 
     [[nodiscard]] AnimatedNumber hardwareCheckShown() const;
     [[nodiscard]] AnimatedNumber warningShown() const;
@@ -54,6 +69,20 @@ public:
     [[nodiscard]] ToggleRowModel* toggleRows() { return &m_toggleRows; }
 
     [[nodiscard]] QUrl logo() const;
+
+    [[nodiscard]] double glow() const { return m_glow.get(); }
+
+    [[nodiscard]] bool animates() const { return m_seen && !m_desktop.reducesMotion(); }
+
+    [[nodiscard]] bool infoShown() const { return m_info.isShown(); }
+
+    [[nodiscard]] QString infoTitle() const { return m_info.title(); }
+
+    [[nodiscard]] QString infoText() const { return m_info.text(); }
+
+    [[nodiscard]] const std::vector<FloatingEmoji>& particles() const {
+        return m_content.floatingEmojis();
+    }
 
     Q_INVOKABLE void runHardwareCheck() { m_content.runHardwareCheck(); }
 
@@ -68,33 +97,41 @@ public:
     /// The info button of the toggle row `row`.
     Q_INVOKABLE void presentInfo(int row);
 
-    Q_INVOKABLE void dismissInfo() { m_content.dismissInfo(); }
+    Q_INVOKABLE void dismissInfo() { m_info.dismiss(); }
 
 signals:
     void screenChanged();
+    void glowChanged();
+    void animatesChanged();
+    void infoChanged();
+    /// The particles have moved, and somebody is looking.
+    void particlesMoved();
 
 private:
     static bool forQml(bool value) { return value; }
-
-    static QString forQml(const std::string& value) { return toQString(value); }
 
     static AnimatedNumber forQml(const AnimatedValue& value) { return {value}; }
 
     [[nodiscard]] Subscription follow(const AnyObservable& observable,
                                       void (ContentViewModel::*changed)());
     [[nodiscard]] AnimatedNumber shown(ContentView::Screen screen) const;
+    void moveParticles();
+    void updateAnimates();
 
     ContentView& m_content;
     const Bundle& m_bundle;
+    const Desktop& m_desktop;
     CheckRowModel m_checkRows;
     ToggleRowModel m_toggleRows;
+    InfoPresenter m_info;
+    LoopingValue m_glow;
+    bool m_seen = false;
     Subscription m_screenFollowed;
+    Subscription m_particlesFollowed;
+    Subscription m_motionFollowed;
 
     QUORVANE_OBSERVED(bool, isChecking);
     QUORVANE_OBSERVED(bool, checkDone);
-    QUORVANE_OBSERVED(QString, activeInfoLabel);
-    QUORVANE_OBSERVED(QString, activeInfoText);
-    QUORVANE_OBSERVED(bool, showInfo);
     QUORVANE_OBSERVED(quorvane::AnimatedNumber, textScale);
 };
 

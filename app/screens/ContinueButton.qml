@@ -4,5 +4,6 @@ import QtQuick
 
 BigButton {
     name: "CONTINUE"
+    description: "Goes on, whatever was found"
     color: Qt.alpha(Theme.green, 0.8)
 }

@@ -10,5 +10,5 @@ Rectangle {
     anchors.margins: -4
     visible: control.activeFocus
     color: "transparent"
-    border { width: 2; color: "#b3ffffff" }
+    border { width: 2; color: "#ccffffff" }
 }

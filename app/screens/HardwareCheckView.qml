@@ -29,7 +29,7 @@ Backdrop {
         PlainText {
             anchors.horizontalCenter: parent.horizontalCenter
             text: "HARDWARE CHECK"
-            font { pixelSize: 30; weight: Font.Black }
+            font.pixelSize: 30
         }
 
         PlainText {
@@ -50,6 +50,7 @@ Backdrop {
 
             Scanning {
                 anchors.horizontalCenter: stack.horizontalCenter
+                turning: root.content.animates
             }
         }
 
@@ -68,6 +69,7 @@ Backdrop {
             BigButton {
                 width: stack.width
                 name: "CHECK HARDWARE 🔍"
+                description: "Looks at what this machine has"
                 color: Qt.alpha(Theme.cyan, 0.8)
                 onActivated: root.content.runHardwareCheck()
             }

@@ -75,13 +75,14 @@ FocusScope {
                 height: 36
                 focus: true
                 name: "OK"
+                description: "Closes the explanation"
                 onActivated: root.dismissed()
 
                 Rectangle {
                     anchors.fill: parent
                     radius: 10
                     color: Theme.blue
-                    opacity: ok.down ? 0.75 : 1
+                    opacity: ok.down ? 0.75 : ok.hovered ? 0.9 : 1
 
                     Text {
                         anchors.centerIn: parent

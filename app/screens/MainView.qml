@@ -31,8 +31,8 @@ Item {
 
     FocusScope {
         anchors.fill: parent
-        enabled: !root.content.showInfo
-        focus: !root.content.showInfo
+        enabled: !root.content.infoShown
+        focus: !root.content.infoShown
 
         Repeater {
             model: hardwareCheckShown.target > 0 || hardwareCheckShown.moving ? 1 : 0
@@ -69,12 +69,12 @@ Item {
     }
 
     Repeater {
-        model: root.content.showInfo ? 1 : 0
+        model: root.content.infoShown ? 1 : 0
 
         InfoPopup {
             anchors.fill: parent
-            title: root.content.activeInfoLabel
-            text: root.content.activeInfoText
+            title: root.content.infoTitle
+            text: root.content.infoText
             onDismissed: root.content.dismissInfo()
         }
     }

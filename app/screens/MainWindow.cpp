@@ -1,7 +1,6 @@
 #include "app/screens/MainWindow.h"
 
 #include <QEvent>
-#include <QFontDatabase>
 #include <QGuiApplication>
 #include <QQmlEngine>
 #include <QQuickItem>
@@ -9,36 +8,20 @@
 #include <future>
 
 #include "app/OrrowinApp.h"
+#include "app/screens/Fonts.h"
 
 void qml_register_types_Quorvane();
 
 namespace quorvane {
 
-namespace {
-
-constexpr auto textFont = "Inter";
-constexpr auto emojiFont = "Noto Color Emoji";
-
-// The emoji font comes second, for the emoji within a text. A font that is not there must not be
-// named: all letters would come from the next one in the list.
-QFont withOurFamilies(QFont font) {
-    QStringList families = font.families();
-    if (QFontDatabase::hasFamily(textFont))
-        families.prepend(textFont);
-    families.append(emojiFont);
-    font.setFamilies(families);
-    return font;
-}
-
-} // namespace
-
-MainWindow::MainWindow(ContentView& content, const Bundle& bundle)
-    : m_content(content), m_model(content, bundle) {
+MainWindow::MainWindow(ContentView& content, const Platform& platform, Desktop& desktop)
+    : m_content(content), m_desktop(desktop), m_model(content, platform, desktop),
+      m_coverFollowed(desktop.windowIsCovered().observe([this] { updateSeen(); })) {
     // The screens' types register themselves, if only the linker keeps them.
     [[maybe_unused]] auto* volatile keep = &qml_register_types_Quorvane;
     // The toolkit's first look at the installed fonts and its loading of the graphics driver are
     // what takes longest before the first frame, and neither needs the other.
-    auto font = std::async(std::launch::async, withOurFamilies, QGuiApplication::font());
+    auto font = std::async(std::launch::async, Fonts::text, QGuiApplication::font());
     // The window's texts stand still at their natural size, where the system's own rendering is
     // both sharper and faster to start with.
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
@@ -83,6 +66,8 @@ void MainWindow::close() {
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
     if (watched == &m_window && event->type() == QEvent::Close)
         onClosed();
+    if (watched == &m_window && (event->type() == QEvent::Expose || event->type() == QEvent::Hide))
+        updateSeen();
     return QObject::eventFilter(watched, event);
 }
 
@@ -92,9 +77,14 @@ void MainWindow::onFirstFrame() {
     if (m_appeared || m_closed)
         return;
     m_appeared = true;
+    m_desktop.watchWindow(m_window.winId());
     m_content.onAppear();
     m_window.rootObject()->setEnabled(true);
     emit appeared();
+}
+
+void MainWindow::updateSeen() {
+    m_model.setSeen(m_window.isExposed() && !m_desktop.windowIsCovered());
 }
 
 void MainWindow::onClosed() {

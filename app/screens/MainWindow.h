@@ -14,8 +14,8 @@ class MainWindow final : public QObject {
     Q_OBJECT
 
 public:
-    /// `content` and `bundle` outlive the window.
-    MainWindow(ContentView& content, const Bundle& bundle);
+    /// `content`, the platform's services and `desktop` outlive the window.
+    MainWindow(ContentView& content, const Platform& platform, Desktop& desktop);
     MainWindow(const MainWindow&) = delete;
     MainWindow& operator=(const MainWindow&) = delete;
     ~MainWindow() override;
@@ -38,10 +38,13 @@ signals:
 private:
     void onFirstFrame();
     void onClosed();
+    void updateSeen();
 
     ContentView& m_content;
+    Desktop& m_desktop;
     ContentViewModel m_model;
     QQuickView m_window;
+    Subscription m_coverFollowed;
     bool m_appeared = false;
     bool m_closed = false;
 };

@@ -19,62 +19,70 @@ Backdrop {
         goal: root.content.textScale
     }
 
+    FloatingEmojiField {
+        anchors.fill: parent
+        content: root.content
+    }
+
     Column {
         anchors.centerIn: parent
         width: parent.width - 60
         spacing: 14
 
-        EmojiText {
+        HeavyText {
             anchors.horizontalCenter: parent.horizontalCenter
             text: "⚠️"
+            emoji: true
+            pixelSize: 80
             scale: signScale.value
-            font.pixelSize: 80
+            glowColor: Theme.yellow
+            glowRadius: 20
+            glow: root.content.glow
         }
 
-        PlainText {
+        HeavyText {
             anchors.horizontalCenter: parent.horizontalCenter
             text: "CAUTION"
-            font { pixelSize: 36; weight: Font.Black }
+            pixelSize: 36
         }
 
-        Image {
+        ShadowedImage {
             anchors.horizontalCenter: parent.horizontalCenter
-            visible: status === Image.Ready
+            visible: present
             source: root.content.logo
-            sourceSize.height: 120
+            shownHeight: 130
+            glowColor: "#4d000000"
+            glowRadius: 10
+            glowOffset: 4
+            glow: 1
         }
 
-        PlainText {
+        HeavyText {
             anchors.horizontalCenter: parent.horizontalCenter
             text: "YOU ARE ABOUT TO SEE WHAT"
-            font { pixelSize: 18; weight: Font.Black }
+            pixelSize: 18
         }
 
-        GradientText {
-            id: millions
-
+        HeavyText {
             anchors.horizontalCenter: parent.horizontalCenter
             text: "MILLIONS"
-            first: Theme.green
-            middle: Theme.cyan
-            last: Theme.blue
-            font { pixelSize: 42; weight: Font.Black }
-
-            Accessible.role: Accessible.StaticText
-            Accessible.name: millions.text
-            Accessible.focusable: false
+            pixelSize: 42
+            colors: [Theme.green, Theme.cyan, Theme.blue]
+            glowColor: Theme.cyan
+            glowRadius: 15
+            glow: root.content.glow
         }
 
         PlainText {
             anchors.horizontalCenter: parent.horizontalCenter
             text: "OF WINDOWS USERS EXPERIENCE"
-            font { pixelSize: 18; weight: Font.Black }
+            font.pixelSize: 18
         }
 
         PlainText {
             anchors.horizontalCenter: parent.horizontalCenter
             text: "EVERY SINGLE DAY."
-            font { pixelSize: 18; weight: Font.Black }
+            font.pixelSize: 18
         }
 
         Item {
@@ -85,6 +93,7 @@ Backdrop {
         BigButton {
             width: parent.width
             name: "MAKE ME SUFFER 😭"
+            description: "Opens the control panel"
             color: Theme.red
             onActivated: root.content.enterSufferingMode()
         }

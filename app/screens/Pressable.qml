@@ -8,7 +8,13 @@ Item {
     id: root
 
     required property string name
-    readonly property bool down: mouse.pressed
+    required property string description
+    // Whether a reader can press it: a reader can reach what the mouse can no longer reach.
+    property bool readable: root.enabled
+    // How far beyond its bounds it can be hit.
+    property int reach: 0
+    readonly property bool down: mouse.containsPress
+    readonly property bool hovered: mouse.containsMouse
 
     signal activated
 
@@ -16,9 +22,9 @@ Item {
 
     Accessible.role: Accessible.Button
     Accessible.name: root.name
+    Accessible.description: root.description
     Accessible.focusable: true
-    // A reader can press what the mouse can no longer reach.
-    Accessible.onPressAction: if (root.enabled) root.activated()
+    Accessible.onPressAction: if (root.readable) root.activated()
 
     Keys.onSpacePressed: event => { if (!event.isAutoRepeat) root.activated() }
     Keys.onReturnPressed: event => { if (!event.isAutoRepeat) root.activated() }
@@ -27,7 +33,8 @@ Item {
     MouseArea {
         id: mouse
 
-        anchors.fill: parent
+        anchors { fill: parent; margins: -root.reach }
+        hoverEnabled: true
         onClicked: root.activated()
     }
 }

@@ -42,9 +42,15 @@ ToggleRowModel::ToggleRowModel(const ContentView& content, QObject* parent)
     : QAbstractListModel(parent), m_content(content) {
     for (int row = 0; row < rowCount(); ++row) {
         const ToggleRow& toggle = content.toggleRows()[static_cast<std::size_t>(row)];
-        m_subscriptions.push_back(toggle.isOn->observe(
-            [this, row] { emit dataChanged(index(row), index(row), {IsOnRole}); }));
+        follow(*toggle.isOn, row, IsOnRole);
+        if (toggle.hint)
+            follow(*toggle.hint, row, HintRole);
     }
+}
+
+void ToggleRowModel::follow(const AnyObservable& observable, int row, Role role) {
+    m_subscriptions.push_back(observable.observe(
+        [this, row, role] { emit dataChanged(index(row), index(row), {role}); }));
 }
 
 int ToggleRowModel::rowCount(const QModelIndex& parent) const {
@@ -62,13 +68,15 @@ QVariant ToggleRowModel::data(const QModelIndex& index, int role) const {
         return toQString(row.text.label);
     case IsOnRole:
         return row.isOn->get();
+    case HintRole:
+        return row.hint ? toQString(row.hint->get()) : QString();
     default:
         return {};
     }
 }
 
 QHash<int, QByteArray> ToggleRowModel::roleNames() const {
-    return {{IconRole, "icon"}, {LabelRole, "label"}, {IsOnRole, "isOn"}};
+    return {{IconRole, "icon"}, {LabelRole, "label"}, {IsOnRole, "isOn"}, {HintRole, "hint"}};
 }
 
 } // namespace quorvane

@@ -41,7 +41,9 @@ public:
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
 private:
-    enum Role { IconRole = Qt::UserRole, LabelRole, IsOnRole };
+    enum Role { IconRole = Qt::UserRole, LabelRole, IsOnRole, HintRole };
+
+    void follow(const AnyObservable& observable, int row, Role role);
 
     const ContentView& m_content;
     std::vector<Subscription> m_subscriptions;

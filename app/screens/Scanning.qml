@@ -4,10 +4,15 @@ import QtQuick
 
 // The hardware check is going on.
 Column {
+    id: root
+
+    required property bool turning
+
     spacing: 16
 
     Spinner {
         anchors.horizontalCenter: parent.horizontalCenter
+        turning: root.turning
     }
 
     PlainText {

@@ -2,39 +2,50 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 
-// Something is going on. It turns for as long as it exists.
+// Something is going on.
 Item {
     id: root
 
-    implicitWidth: 30
-    implicitHeight: 30
+    required property bool turning
+
+    // Half as large again as such a thing usually is.
+    implicitWidth: 48
+    implicitHeight: 48
 
     Accessible.role: Accessible.ProgressBar
     Accessible.name: "Scanning"
 
-    Repeater {
-        model: 8
+    Item {
+        id: wheel
 
-        Rectangle {
-            id: spoke
+        anchors.fill: parent
 
-            required property int index
+        Repeater {
+            model: 12
 
-            x: root.width / 2 - width / 2
-            y: 0
-            width: 4
-            height: 9
-            radius: 2
-            color: "white"
-            opacity: 0.15 + 0.1 * spoke.index
-            transform: Rotation { origin { x: 2; y: 15 } angle: 45 * spoke.index }
+            Rectangle {
+                id: spoke
+
+                required property int index
+
+                x: 22
+                width: 4
+                height: 12
+                radius: 2
+                color: "white"
+                opacity: 0.12 + 0.07 * spoke.index
+                antialiasing: true
+                transform: Rotation { origin { x: 2; y: 24 } angle: 30 * spoke.index }
+            }
         }
-    }
 
-    NumberAnimation on rotation {
-        from: 0
-        to: 360
-        duration: 1000
-        loops: Animation.Infinite
+        // A step a spoke, as such wheels turn.
+        SequentialAnimation {
+            running: root.turning
+            loops: Animation.Infinite
+
+            PauseAnimation { duration: 83 }
+            ScriptAction { script: wheel.rotation = (wheel.rotation + 30) % 360 }
+        }
     }
 }

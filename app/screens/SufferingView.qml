@@ -13,86 +13,71 @@ Backdrop {
     middle: Theme.nightMiddle
     lower: Theme.nightBottom
 
-    Column {
-        anchors { fill: parent; margins: 30; topMargin: 54 }
-        spacing: 18
+    FloatingEmojiField {
+        anchors.fill: parent
+        content: root.content
+    }
 
-        EmojiText {
-            anchors.horizontalCenter: parent.horizontalCenter
-            text: "💀"
-            font.pixelSize: 60
-        }
-
-        PlainText {
-            anchors.horizontalCenter: parent.horizontalCenter
-            text: "SIMULATION ACTIVE"
-            color: Theme.red
-            font { pixelSize: 28; weight: Font.Black }
-        }
-
-        Rectangle {
-            anchors.horizontalCenter: parent.horizontalCenter
-            width: banner.width + 44
-            height: banner.height + 28
-            radius: 14
-            color: Theme.green
-
-            Column {
-                id: banner
-
-                anchors.centerIn: parent
-                spacing: 6
-
-                PlainText {
-                    anchors.horizontalCenter: parent.horizontalCenter
-                    text: "WINDOWS MODE: ENABLED"
-                    color: "black"
-                    font { pixelSize: 16; weight: Font.Black }
-                }
-
-                PlainText {
-                    anchors.horizontalCenter: parent.horizontalCenter
-                    text: "🎉 Congratulations!"
-                    color: "black"
-                    font { pixelSize: 14; weight: Font.Bold }
-                }
-
-                PlainText {
-                    anchors.horizontalCenter: parent.horizontalCenter
-                    text: "Your MacBook is now officially a Windows laptop."
-                    color: "black"
-                    font { pixelSize: 14; weight: Font.Bold; italic: true }
-                }
-            }
-        }
-
-        Item {
-            width: 1
-            height: 2
-        }
+    Item {
+        anchors { left: parent.left; right: parent.right; top: parent.top; bottom: stop.top }
+        anchors { leftMargin: 30; rightMargin: 30; topMargin: 30 }
 
         Column {
-            id: rows
+            anchors.centerIn: parent
+            width: parent.width
+            spacing: 18
 
-            x: 40
-            width: parent.width - 80
-            spacing: 10
+            EmojiText {
+                anchors.horizontalCenter: parent.horizontalCenter
+                text: "💀"
+                font.pixelSize: 60
+            }
 
-            Repeater {
-                model: root.content.toggleRows
+            HeavyText {
+                anchors.horizontalCenter: parent.horizontalCenter
+                text: "SIMULATION ACTIVE"
+                pixelSize: 28
+                color: Theme.red
+                glowColor: Theme.red
+                glowRadius: 10
+                glow: root.content.glow
+            }
 
-                ToggleRow {
-                    width: rows.width
-                    content: root.content
+            Banner {
+                anchors.horizontalCenter: parent.horizontalCenter
+            }
+
+            Item {
+                width: 1
+                height: 8
+            }
+
+            Column {
+                id: rows
+
+                x: 40
+                width: parent.width - 80
+                spacing: 10
+
+                Repeater {
+                    model: root.content.toggleRows
+
+                    ToggleRow {
+                        width: rows.width
+                        content: root.content
+                    }
                 }
             }
         }
     }
 
     BigButton {
+        id: stop
+
         anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
         anchors { leftMargin: 60; rightMargin: 60; bottomMargin: 50 }
         name: "STOP, I'M SUFFERING 😭"
+        description: "Switches everything off and goes back to the warning"
         color: Theme.red
         verticalPadding: 14
         onActivated: root.content.leaveSufferingMode()

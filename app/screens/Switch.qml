@@ -2,11 +2,13 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 
-// Shows a state that somebody else keeps, and asks for the other one when it is toggled.
+// Shows a state that somebody else keeps, and asks for the other one when it is toggled. It lies in
+// the middle of a grey capsule, of which a rim is seen.
 Item {
     id: root
 
     required property string name
+    required property string description
     required property bool checked
 
     signal toggled
@@ -17,6 +19,7 @@ Item {
 
     Accessible.role: Accessible.CheckBox
     Accessible.name: root.name
+    Accessible.description: root.description
     Accessible.checkable: true
     Accessible.checked: root.checked
     Accessible.focusable: true
@@ -25,6 +28,8 @@ Item {
     Accessible.onToggleAction: if (root.enabled) root.toggled()
 
     Keys.onSpacePressed: event => { if (!event.isAutoRepeat) root.toggled() }
+    Keys.onReturnPressed: event => { if (!event.isAutoRepeat) root.toggled() }
+    Keys.onEnterPressed: event => { if (!event.isAutoRepeat) root.toggled() }
 
     Rectangle {
         anchors.fill: parent
@@ -33,32 +38,48 @@ Item {
     }
 
     Rectangle {
-        anchors.fill: parent
-        radius: 13
-        color: Theme.red
+        anchors.fill: track
+        radius: track.radius
+        color: mouse.containsMouse ? "#33ffffff" : "#1affffff"
+        visible: track.opacity < 1
+    }
+
+    Rectangle {
+        id: track
+
+        anchors { fill: parent; margins: 2 }
+        radius: 11
+        color: mouse.containsMouse ? Qt.lighter(Theme.red, 1.15) : Theme.red
         opacity: root.checked ? 1 : 0
 
         Behavior on opacity { NumberAnimation { duration: 150 } }
     }
 
     Rectangle {
-        x: root.checked ? 18 : 2
-        y: 2
-        width: 22
-        height: 22
-        radius: 11
-        color: "white"
+        id: knob
+
+        x: root.checked ? track.x + track.width - width - 2 : track.x + 2
+        y: 4
+        width: mouse.containsPress ? 22 : 18
+        height: 18
+        radius: 9
+        color: mouse.containsPress ? "#e6e6ea" : "white"
 
         Behavior on x { NumberAnimation { duration: 150; easing.type: Easing.OutCubic } }
+        Behavior on width { NumberAnimation { duration: 100 } }
     }
 
     FocusRing {
         control: root
-        radius: 17
+        anchors.margins: -3
+        radius: 16
     }
 
     MouseArea {
+        id: mouse
+
         anchors.fill: parent
+        hoverEnabled: true
         onClicked: root.toggled()
     }
 }

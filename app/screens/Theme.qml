@@ -9,7 +9,7 @@ QtObject {
     readonly property color yellow: "#ffd60a"
     readonly property color green: "#34c759"
     readonly property color cyan: "#32ade6"
-    readonly property color blue: "#0a7aff"
+    readonly property color blue: "#007aff"
     readonly property color gray: "#8e8e93"
 
     // The night behind the warning screen and the control panel, from top to bottom.

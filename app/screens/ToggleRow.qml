@@ -3,25 +3,29 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Quorvane
 
-// One effect of the control panel: what it is called, what it does, and its switch.
+// One effect of the control panel: what it is called, what it does, its switch, and what there is
+// to know about it, if anything.
 Item {
     id: root
 
     required property int index
-    required property string label
     required property bool isOn
+    required property string icon
+    required property string label
+    required property string hint
     required property ContentViewModel content
 
-    implicitHeight: 26
+    implicitHeight: 26 + (hintText.visible ? hintText.implicitHeight + 1 : 0)
 
     Row {
-        height: parent.height
+        height: 26
         spacing: 10
 
-        // The icon's place.
-        Item {
-            width: 18
-            height: parent.height
+        Symbol {
+            anchors.verticalCenter: parent.verticalCenter
+            name: root.icon
+            size: 18
+            opacity: 0.7
         }
 
         Text {
@@ -38,14 +42,32 @@ Item {
         InfoButton {
             anchors.verticalCenter: parent.verticalCenter
             name: "About " + root.label
+            description: "Explains what the switch does"
             onActivated: root.content.presentInfo(root.index)
         }
     }
 
     Switch {
-        anchors { right: parent.right; verticalCenter: parent.verticalCenter }
+        anchors.right: parent.right
         name: root.label
+        description: root.hint
         checked: root.isOn
         onToggled: root.content.setOn(root.index, !root.isOn)
+    }
+
+    Text {
+        id: hintText
+
+        anchors { left: parent.left; leftMargin: 28; right: parent.right; bottom: parent.bottom }
+        visible: root.hint !== ""
+        text: root.hint
+        textFormat: Text.PlainText
+        wrapMode: Text.Wrap
+        color: Theme.yellow
+        opacity: 0.8
+        font { pixelSize: 11; weight: Font.Medium }
+
+        // The switch says it.
+        Accessible.ignored: true
     }
 }

@@ -42,8 +42,7 @@ TEST_F(HardwareCheckScreen, TurnsWhileItScansAndRestsAfterwards) {
     launch();
     press("CHECK HARDWARE 🔍");
     const int before = m_frames;
-    work(500);
-    EXPECT_GT(m_frames, before + 5);
+    waitUntil([&] { return m_frames > before + 5; }, "the wheel has turned");
     m_machine.runLoop.advance(1.5);
     settle();
 }

@@ -13,6 +13,7 @@ class InfoPopup : public ScreensTest {
 protected:
     InfoPopup() {
         m_effects.keyboard = [this] { return m_keyboard; };
+        m_effects.fan = [this] { return m_fan; };
     }
 
     void open() {
@@ -87,9 +88,36 @@ TEST_F(InfoPopup, KeepsReadersFromTheScreenBelow) {
     EXPECT_FALSE(pressControl(m_window->window(), "Build quality"));
     toggle("Build quality");
     EXPECT_FALSE(m_content->audioEnabled());
+    EXPECT_FALSE(pressControl(m_window->window(), "STOP, I'M SUFFERING 😭"));
+    press("STOP, I'M SUFFERING 😭");
+    EXPECT_TRUE(m_content->sufferingMode());
+}
+
+TEST_F(InfoPopup, ShowsALaterInfoButtonsWordsOnceItIsDismissed) {
+    open();
     press("About Keyboard");
+    press("About Thermals");
+    settle();
     EXPECT_THAT(texts(), Contains("Build Quality"));
     EXPECT_THAT(texts(), Not(Contains("Tactile Feedback")));
+    EXPECT_THAT(texts(), Not(Contains("Thermal Performance")));
+    press("OK");
+    settle();
+    EXPECT_THAT(texts(), Contains("Thermal Performance"));
+    EXPECT_THAT(texts(), Not(Contains("Build Quality")));
+    EXPECT_EQ(focused(), "OK");
+    press("OK");
+    expectClosed();
+}
+
+TEST_F(InfoPopup, CanBeRaisedFromAnyScreen) {
+    launchChecked();
+    m_content->presentInfo(ToggleRowTexts::startup);
+    settle();
+    EXPECT_THAT(texts(), Contains("Boot Experience"));
+    press("OK");
+    expectClosed();
+    EXPECT_THAT(texts(), Contains("CAUTION"));
 }
 
 TEST_F(InfoPopup, GivesTheKeyboardBackToTheInfoButton) {

@@ -21,7 +21,7 @@ TEST_F(MainWindowTest, HasItsTitleAndAFixedSize) {
 
 TEST_F(MainWindowTest, TellsTheControllerThatItAppearedOnceItsFirstFrameIsThere) {
     m_content = std::make_unique<ContentView>(m_machine.platform(), nullptr, m_effects);
-    m_window = std::make_unique<MainWindow>(*m_content, m_machine.bundle);
+    m_window = std::make_unique<MainWindow>(*m_content, m_machine.platform(), m_desktop);
     bool framed = false;
     bool appeared = false;
     QObject::connect(&m_window->window(), &QQuickWindow::frameSwapped, m_window.get(),
@@ -47,7 +47,7 @@ TEST_F(MainWindowTest, TellsTheControllerThatItAppearedOnceItsFirstFrameIsThere)
 TEST_F(MainWindowTest, CannotBePressedBeforeItHasAppeared) {
     m_machine.userDefaults.setBool(ContentView::hardwareCheckedKey, true);
     m_content = std::make_unique<ContentView>(m_machine.platform(), nullptr, m_effects);
-    m_window = std::make_unique<MainWindow>(*m_content, m_machine.bundle);
+    m_window = std::make_unique<MainWindow>(*m_content, m_machine.platform(), m_desktop);
     ASSERT_TRUE(m_window->show());
     press("MAKE ME SUFFER 😭");
     EXPECT_FALSE(m_content->sufferingMode());
@@ -57,20 +57,9 @@ TEST_F(MainWindowTest, CannotBePressedBeforeItHasAppeared) {
     EXPECT_TRUE(m_content->sensor().isRunning());
 }
 
-TEST_F(MainWindowTest, DrawsNothingAtRest) {
-    launchChecked();
-    for (const char* control : {"", "MAKE ME SUFFER 😭", "Build quality", "About Build quality"}) {
-        if (*control)
-            press(control);
-        settle();
-        const int before = m_frames;
-        // The controller's own timers go on.
-        for (int i = 0; i < 20; ++i) {
-            m_machine.runLoop.advance(0.05);
-            work(50);
-        }
-        EXPECT_EQ(m_frames, before) << "after " << control;
-    }
+TEST_F(MainWindowTest, TellsTheDesktopItsWindow) {
+    launch();
+    EXPECT_EQ(m_desktop.watched, m_window->window().winId());
 }
 
 TEST_F(MainWindowTest, LetsTheWarningSignPopUpOnce) {
@@ -100,7 +89,7 @@ TEST_F(MainWindowTest, ClosingStopsEverythingOnce) {
 
 TEST_F(MainWindowTest, ClosedBeforeItAppearedItNeverAppears) {
     m_content = std::make_unique<ContentView>(m_machine.platform(), nullptr, m_effects);
-    m_window = std::make_unique<MainWindow>(*m_content, m_machine.bundle);
+    m_window = std::make_unique<MainWindow>(*m_content, m_machine.platform(), m_desktop);
     int appeared = 0;
     int closed = 0;
     QObject::connect(m_window.get(), &MainWindow::appeared, [&appeared] { ++appeared; });

@@ -13,6 +13,13 @@ protected:
                      .bsod = [] { return std::make_shared<FakeEffect>(); },
                      .freeze = [] { return std::make_shared<FakeEffect>(); }};
         m_withStartup = true;
+        m_machine.bundle.addResource("logo", "png", QUORVANE_SOURCE_RESOURCES "/logo.png");
+    }
+
+    // To where glows are at their fullest.
+    void glow() {
+        m_machine.runLoop.advance(1.5);
+        settle();
     }
 };
 
@@ -30,6 +37,8 @@ TEST_F(Pictures, OfTheHardwareCheck) {
 TEST_F(Pictures, OfTheWarning) {
     launchChecked();
     savePicture("warning");
+    glow();
+    savePicture("warning-glow");
     type(Qt::Key_Tab);
     settle();
     savePicture("warning-focus");
@@ -41,9 +50,24 @@ TEST_F(Pictures, OfTheControlPanel) {
     toggle("Thermals");
     settle();
     savePicture("control-panel");
+    glow();
+    type(Qt::Key_Tab);
+    type(Qt::Key_Tab);
+    settle();
+    savePicture("control-panel-glow-focus");
+    m_keyboard->canStart = false;
+    toggle("Keyboard");
+    settle();
+    savePicture("control-panel-hint");
     press("About Build quality");
     settle();
     savePicture("info-popup");
+}
+
+TEST_F(Pictures, OfTheWarningWithoutItsLogo) {
+    m_machine.bundle.removeResources();
+    launchChecked();
+    savePicture("warning-without-logo");
 }
 
 TEST_F(Pictures, OfTheControlPanelWithTheFirstEffectAlone) {

@@ -11,6 +11,7 @@
 
 #include "app/screens/SpringValue.h"
 #include "app/screens/Text.h"
+#include "base/UniformDraw.h"
 
 namespace quorvane {
 
@@ -51,7 +52,7 @@ ScreensTest::~ScreensTest() = default;
 void ScreensTest::launch() {
     m_content = std::make_unique<ContentView>(m_machine.platform(),
                                               m_withStartup ? &m_startup : nullptr, m_effects);
-    m_window = std::make_unique<MainWindow>(*m_content, m_machine.bundle);
+    m_window = std::make_unique<MainWindow>(*m_content, m_machine.platform(), m_desktop);
     bool appeared = false;
     QObject::connect(m_window.get(), &MainWindow::appeared, [&appeared] { appeared = true; });
     QObject::connect(&m_window->window(), &QQuickWindow::frameSwapped, m_window.get(),
@@ -166,17 +167,43 @@ std::string ScreensTest::focused() {
     return found ? nameOf(*found) : "";
 }
 
+QRectF ScreensTest::placeOf(const std::string& name) {
+    QAccessibleInterface* found = element(name);
+    EXPECT_TRUE(found) << "there is no " << name;
+    if (!found)
+        return {};
+    const auto* item = qobject_cast<QQuickItem*>(found->object());
+    return item->mapRectToScene(QRectF({}, item->size()));
+}
+
+QImage ScreensTest::picture1x() {
+    return m_window->window().grabWindow().scaled(m_window->window().size());
+}
+
+void ScreensTest::scriptParticle(const LoneParticle& particle) {
+    constexpr int particles = 12;
+    const auto draw = [](double value, double low, double high) {
+        return static_cast<std::uint64_t>((value - low) / (high - low) *
+                                          static_cast<double>(uniformDrawBound));
+    };
+    m_machine.random.script({0, 0, draw(particle.x, 0, 500), draw(particle.y, -100, 700),
+                             draw(particle.size, 40, 60), draw(particle.opacity, 0.08, 0.2), 0, 0});
+    for (int i = 1; i < particles; ++i)
+        m_machine.random.script({0, 0, 0, 0, 0, 0, 0, 0});
+}
+
 QColor ScreensTest::colorAt(int x, int y) {
     const QImage picture = m_window->window().grabWindow();
-    const int scale = picture.width() / m_window->window().width();
-    return picture.pixelColor(x * scale, y * scale);
+    const double scale = picture.devicePixelRatio();
+    return picture.pixelColor(static_cast<int>(x * scale), static_cast<int>(y * scale));
 }
 
 void ScreensTest::savePicture(const std::string& name) {
     const QString folder = QCoreApplication::applicationDirPath() + "/screens";
     ASSERT_TRUE(QDir().mkpath(folder));
     const QImage picture = m_window->window().grabWindow();
-    const QString scale = picture.width() > m_window->window().width() ? "@2x" : "";
+    const double ratio = picture.devicePixelRatio();
+    const QString scale = ratio == 1 ? QString() : QString("@%1x").arg(ratio);
     EXPECT_TRUE(picture.save(folder + "/" + toQString(name) + scale + ".png"));
 }
 

@@ -14,6 +14,7 @@
 
 #include "app/ContentView.h"
 #include "app/screens/MainWindow.h"
+#include "platform/simulated/SimulatedDesktop.h"
 #include "platform/simulated/SimulatedMachine.h"
 #include "tests/support/FakeEffects.h"
 
@@ -59,11 +60,30 @@ protected:
     /// The name of what the keyboard acts on; empty if on nothing.
     [[nodiscard]] std::string focused();
 
+    /// In the window's coordinates.
+    [[nodiscard]] QRectF placeOf(const std::string& name);
     [[nodiscard]] QColor colorAt(int x, int y);
+    /// The window with one pixel a point.
+    [[nodiscard]] QImage picture1x();
+
+    struct LoneParticle {
+        double x;
+        double y;
+        double size;
+        double opacity;
+    };
+
+    /// The next launch has this particle alone in the window, for as long as it takes the others to
+    /// come in from below.
+    void scriptParticle(const LoneParticle& particle);
+
+    void withoutParticles() { scriptParticle({.x = 0, .y = -100, .size = 40, .opacity = 0.08}); }
+
     /// Leaves a picture of the window beside the tests for a person to look at.
     void savePicture(const std::string& name);
 
     SimulatedMachine m_machine;
+    SimulatedDesktop m_desktop;
     std::shared_ptr<FakeEffect> m_keyboard = std::make_shared<FakeEffect>();
     std::shared_ptr<FakeEffect> m_fan = std::make_shared<FakeEffect>();
     FakeStartup m_startup;

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QImage>
+#include <QPointer>
+#include <QQuickItem>
+#include <QtQmlIntegration/qqmlintegration.h>
+
+#include <vector>
+
+#include "app/screens/ContentViewModel.h"
+
+namespace quorvane {
+
+/// Draws the controller's particles, and takes no part in anything else: the mouse passes through.
+/// Each particle's picture is drawn once, since only places and opacities change.
+class FloatingEmojiField : public QQuickItem {
+    Q_OBJECT
+    QML_ELEMENT
+    Q_PROPERTY(quorvane::ContentViewModel* content READ content WRITE setContent NOTIFY
+                   contentChanged REQUIRED FINAL)
+
+public:
+    explicit FloatingEmojiField(QQuickItem* parent = nullptr);
+
+    [[nodiscard]] ContentViewModel* content() const { return m_content; }
+
+    void setContent(ContentViewModel* content);
+
+signals:
+    void contentChanged();
+
+protected:
+    QSGNode* updatePaintNode(QSGNode* old, UpdatePaintNodeData* data) override;
+    void itemChange(ItemChange change, const ItemChangeData& data) override;
+
+private:
+    void takeParticles();
+
+    QPointer<ContentViewModel> m_content;
+    // As they are to be drawn; the controller's own go on while nobody looks.
+    std::vector<FloatingEmoji> m_particles;
+    bool m_scaleChanged = false;
+};
+
+} // namespace quorvane

@@ -1,0 +1,17 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Quorvane
+
+// A text of black weight that is read out as it stands.
+RoundedText {
+    id: root
+
+    property color color: "white"
+
+    colors: [root.color]
+
+    Accessible.role: Accessible.StaticText
+    Accessible.name: root.text
+    Accessible.focusable: false
+}

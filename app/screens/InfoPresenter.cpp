@@ -1,0 +1,33 @@
+#include "app/screens/InfoPresenter.h"
+
+#include <utility>
+
+#include "app/screens/Text.h"
+
+namespace quorvane {
+
+InfoPresenter::InfoPresenter(ContentView& content, QObject* parent)
+    : QObject(parent), m_content(content),
+      m_followed(content.showInfo().observe([this] { follow(); })) {}
+
+void InfoPresenter::present(const ToggleRowText& row) {
+    if (isShown())
+        m_waiting = &row;
+    m_content.presentInfo(row);
+}
+
+void InfoPresenter::dismiss() {
+    m_content.dismissInfo();
+    if (const auto* row = std::exchange(m_waiting, nullptr))
+        m_content.presentInfo(*row);
+}
+
+void InfoPresenter::follow() {
+    if (isShown()) {
+        m_title = toQString(m_content.activeInfoLabel().get());
+        m_text = toQString(m_content.activeInfoText().get());
+    }
+    emit changed();
+}
+
+} // namespace quorvane

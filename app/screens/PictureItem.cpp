@@ -1,0 +1,97 @@
+#include "app/screens/PictureItem.h"
+
+#include <QPainter>
+#include <QQuickWindow>
+
+#include <cmath>
+#include <utility>
+
+#include "app/screens/PictureNode.h"
+
+namespace quorvane {
+
+namespace {
+
+// For the edges of letters and outlines that stand out beyond an item's bounds.
+constexpr double pictureMargin = 4;
+
+} // namespace
+
+PictureItem::PictureItem(QQuickItem* parent) : QQuickItem(parent) {
+    setFlag(ItemHasContents);
+    connect(this, &PictureItem::glowLookChanged, this, [this] { redraw(); });
+}
+
+void PictureItem::setGlow(double glow) {
+    if (m_glow == glow)
+        return;
+    m_glow = glow;
+    update();
+    emit glowChanged();
+}
+
+void PictureItem::redraw() {
+    m_stale = true;
+    update();
+}
+
+void PictureItem::geometryChange(const QRectF& now, const QRectF& before) {
+    QQuickItem::geometryChange(now, before);
+    now.size() == before.size() ? update() : redraw();
+}
+
+void PictureItem::itemChange(ItemChange change, const ItemChangeData& data) {
+    QQuickItem::itemChange(change, data);
+    if (change == ItemDevicePixelRatioHasChanged || change == ItemSceneChange)
+        redraw();
+}
+
+QImage PictureItem::picture(double margin, double scale) const {
+    const QSizeF size = this->size() + QSizeF(2 * margin, 2 * margin);
+    QImage image((size * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing |
+                           QPainter::SmoothPixmapTransform);
+    painter.scale(scale, scale);
+    painter.translate(margin, margin);
+    draw(painter);
+    return image;
+}
+
+// The last tenths of a blur are too faint to be missed.
+double PictureItem::glowMargin() const {
+    return std::ceil(m_glowRadius * 1.4);
+}
+
+// A picture is sharp only where its pixels are the window's.
+QRectF PictureItem::onPixels(const QRectF& place, double scale) const {
+    const QPointF scene = mapToScene(place.topLeft());
+    const QPointF snapped(std::round(scene.x() * scale) / scale,
+                          std::round(scene.y() * scale) / scale);
+    return place.translated(snapped - scene);
+}
+
+QSGNode* PictureItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData* /*data*/) {
+    if (width() <= 0 || height() <= 0) {
+        delete old;
+        return nullptr;
+    }
+    auto* node = old ? static_cast<PictureNode*>(old) : new PictureNode(*window());
+    const double scale = window()->effectiveDevicePixelRatio();
+    // A scene that was let go, say of a window that was hidden, has lost its pictures too.
+    if (std::exchange(m_stale, false) || !old) {
+        node->setPicture(picture(pictureMargin, scale));
+        node->setGlowSource(m_glowRadius > 0 ? picture(glowMargin(), scale) : QImage(),
+                            {.color = m_glowColor, .radius = m_glowRadius * scale});
+    }
+    const auto placed = [&](const QImage& image, double margin) {
+        return onPixels({QPointF(-margin, -margin), QSizeF(image.size()) / scale}, scale);
+    };
+    node->place(placed(node->picture(), pictureMargin),
+                placed(node->glowSource(), glowMargin()).translated(0, m_glowOffset));
+    node->setGlow(m_glow);
+    return node;
+}
+
+} // namespace quorvane

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QColor>
+#include <QImage>
+#include <QQuickItem>
+#include <QtQmlIntegration/qqmlintegration.h>
+
+class QPainter;
+
+namespace quorvane {
+
+/// A picture that is drawn once, over a glow of its own shape whose radius follows `glow`. Neither
+/// is drawn again from frame to frame: the glow was blurred once at a few radii, and what is shown
+/// is two neighbours of them, the one fading into the other.
+class PictureItem : public QQuickItem {
+    Q_OBJECT
+    QML_ANONYMOUS
+    /// With the alpha that the glow has.
+    Q_PROPERTY(QColor glowColor MEMBER m_glowColor NOTIFY glowLookChanged FINAL)
+    /// How far the full glow reaches; none at 0.
+    Q_PROPERTY(double glowRadius MEMBER m_glowRadius NOTIFY glowLookChanged FINAL)
+    /// How far below the picture it lies.
+    Q_PROPERTY(double glowOffset MEMBER m_glowOffset NOTIFY glowLookChanged FINAL)
+    /// 0 to 1.
+    Q_PROPERTY(double glow READ glow WRITE setGlow NOTIFY glowChanged FINAL)
+
+public:
+    explicit PictureItem(QQuickItem* parent = nullptr);
+
+    [[nodiscard]] double glow() const { return m_glow; }
+
+    void setGlow(double glow);
+
+signals:
+    void glowLookChanged();
+    void glowChanged();
+
+protected:
+    /// Draws in the item's own coordinates; a few points beyond its bounds are still seen.
+    virtual void draw(QPainter& painter) const = 0;
+    /// Has it drawn anew.
+    void redraw();
+
+    QSGNode* updatePaintNode(QSGNode* old, UpdatePaintNodeData* data) override;
+    void geometryChange(const QRectF& now, const QRectF& before) override;
+    void itemChange(ItemChange change, const ItemChangeData& data) override;
+
+private:
+    [[nodiscard]] QImage picture(double margin, double scale) const;
+    [[nodiscard]] double glowMargin() const;
+    [[nodiscard]] QRectF onPixels(const QRectF& place, double scale) const;
+
+    QColor m_glowColor = Qt::transparent;
+    double m_glowRadius = 0;
+    double m_glowOffset = 0;
+    double m_glow = 0;
+    bool m_stale = true;
+};
+
+} // namespace quorvane

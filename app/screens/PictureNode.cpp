@@ -1,0 +1,79 @@
+#include "app/screens/PictureNode.h"
+
+#include <QQuickWindow>
+
+#include <algorithm>
+#include <cmath>
+
+#include "app/screens/Blur.h"
+
+namespace quorvane {
+
+PictureNode::PictureNode(QQuickWindow& window)
+    : m_window(window), m_pictureNode(window.createImageNode()) {
+    const auto prepare = [](QSGImageNode& node) {
+        node.setFlag(OwnedByParent, false);
+        node.setFiltering(QSGTexture::Linear);
+    };
+    for (Layer& layer : m_layers) {
+        layer.image.reset(window.createImageNode());
+        prepare(*layer.image);
+        layer.opacity.setFlag(OwnedByParent, false);
+        layer.opacity.setOpacity(0);
+        appendChildNode(&layer.opacity);
+    }
+    prepare(*m_pictureNode);
+}
+
+void PictureNode::setPicture(const QImage& picture) {
+    m_picture = picture;
+    std::unique_ptr<QSGTexture> texture(m_window.createTextureFromImage(picture));
+    m_pictureNode->setTexture(texture.get());
+    m_pictureTexture = std::move(texture);
+    // A node without a texture must not be in the scene.
+    if (!m_pictureNode->parent())
+        appendChildNode(m_pictureNode.get());
+}
+
+void PictureNode::setGlowSource(const QImage& source, const GlowLook& look) {
+    for (Layer& layer : m_layers)
+        layer.opacity.removeAllChildNodes();
+    m_blurs = {};
+    m_glowSource = source;
+    m_look = look;
+}
+
+void PictureNode::place(const QRectF& picture, const QRectF& glow) {
+    m_pictureNode->setRect(picture);
+    for (Layer& layer : m_layers)
+        layer.image->setRect(glow);
+}
+
+void PictureNode::setGlow(double glow) {
+    if (m_glowSource.isNull())
+        return;
+    const double at = std::clamp(glow, 0.0, 1.0) * steps;
+    const int below = std::min(static_cast<int>(at), steps - 1);
+    show(m_layers[0], below, std::min(1.0, below + 1 - at));
+    show(m_layers[1], below + 1, at - below);
+}
+
+// Step 0 is no glow at all: it lies hidden behind the picture.
+void PictureNode::show(Layer& layer, int step, double opacity) {
+    layer.opacity.setOpacity(step == 0 ? 0 : opacity);
+    if (step == 0 || opacity <= 0)
+        return;
+    layer.image->setTexture(blur(step));
+    if (!layer.image->parent())
+        layer.opacity.appendChildNode(layer.image.get());
+}
+
+QSGTexture* PictureNode::blur(int step) {
+    auto& texture = m_blurs.at(static_cast<std::size_t>(step) - 1);
+    if (!texture)
+        texture.reset(m_window.createTextureFromImage(
+            blurred(m_glowSource, m_look.radius * step / steps, m_look.color)));
+    return texture.get();
+}
+
+} // namespace quorvane

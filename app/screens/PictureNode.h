@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QColor>
+#include <QImage>
+#include <QSGImageNode>
+#include <QSGNode>
+#include <QSGTexture>
+
+#include <array>
+#include <memory>
+
+class QQuickWindow;
+
+namespace quorvane {
+
+/// The scene's side of a picture and its glow. Render thread, as the toolkit's nodes are.
+class PictureNode final : public QSGNode {
+public:
+    /// At full size; the radius in the picture's own pixels.
+    struct GlowLook {
+        QColor color;
+        double radius = 0;
+    };
+
+    explicit PictureNode(QQuickWindow& window);
+
+    void setPicture(const QImage& picture);
+    /// The shape that glows; a null image is no glow.
+    void setGlowSource(const QImage& source, const GlowLook& look);
+    void place(const QRectF& picture, const QRectF& glow);
+    /// 0 to 1.
+    void setGlow(double glow);
+
+    [[nodiscard]] const QImage& picture() const { return m_picture; }
+
+    [[nodiscard]] const QImage& glowSource() const { return m_glowSource; }
+
+private:
+    // The radii at which the glow is blurred are so many even steps of the full one. From none to
+    // the first, the first fades in.
+    static constexpr int steps = 5;
+
+    /// One of the two blurs that are shown at a time.
+    struct Layer {
+        QSGOpacityNode opacity;
+        std::unique_ptr<QSGImageNode> image;
+    };
+
+    void show(Layer& layer, int step, double opacity);
+    [[nodiscard]] QSGTexture* blur(int step);
+
+    QQuickWindow& m_window;
+    QImage m_picture;
+    QImage m_glowSource;
+    GlowLook m_look;
+    std::unique_ptr<QSGTexture> m_pictureTexture;
+    std::array<std::unique_ptr<QSGTexture>, steps> m_blurs;
+    std::array<Layer, 2> m_layers;
+    std::unique_ptr<QSGImageNode> m_pictureNode;
+};
+
+} // namespace quorvane

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "app/screens/PictureItem.h"
+
+namespace quorvane {
+
+/// A filled rectangle whose straight edges turn into its corners without a jump in their bending.
+class SmoothRectangle : public PictureItem {
+    Q_OBJECT
+    QML_ELEMENT
+    Q_PROPERTY(QColor color MEMBER m_color NOTIFY lookChanged REQUIRED FINAL)
+    /// Of the circle that the corners come closest to.
+    Q_PROPERTY(double radius MEMBER m_radius NOTIFY lookChanged FINAL)
+
+public:
+    explicit SmoothRectangle(QQuickItem* parent = nullptr);
+
+signals:
+    void lookChanged();
+
+protected:
+    void draw(QPainter& painter) const override;
+
+private:
+    QColor m_color;
+    double m_radius = 0;
+};
+
+} // namespace quorvane
