@@ -52,7 +52,7 @@ class ControlPanel(EndToEndTest):
         self._check_warning()
         self.leave()
 
-    def _focus(self, name, tabs=8):
+    def _focus(self, name, tabs=20):
         for _ in range(tabs):
             if self.panel.is_focused(name):
                 return

@@ -43,6 +43,33 @@ class ScreenReader:
         return None
 
 
+class Announcements:
+    """What a screen reader is told of switches, from now on until it is closed."""
+
+    def __init__(self):
+        self._heard = []
+        self._listener = Atspi.EventListener.new(self._hear)
+        self._listener.register("object:state-changed:checked")
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self._listener.deregister("object:state-changed:checked")
+
+    def _hear(self, event):
+        self._heard.append((event.source.get_name(), bool(event.detail1)))
+
+    def wait_for(self, name, on):
+        """Waits until it has been told that the switch of this name is on, or off."""
+        def heard():
+            # Nobody else runs the loop from which the announcements come.
+            while GLib.MainContext.default().iteration(False):
+                pass
+            return (name, on) in self._heard
+        wait_until(heard, f'"{name}" to be announced {"on" if on else "off"}')
+
+
 def _children(node):
     for index in range(node.get_child_count()):
         child = node.get_child_at_index(index)
@@ -113,6 +140,10 @@ class Application:
         """Whether what has this name has the keyboard."""
         return any(node.get_state_set().contains(Atspi.StateType.FOCUSED)
                    for node in self._matches(name, ()))
+
+    def description(self, name, *roles):
+        """What is told of something beyond its name."""
+        return self.find(name, *roles).get_description()
 
     def place(self, name, *roles):
         """Where something is on the screen: x, y, width, height."""

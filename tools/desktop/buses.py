@@ -70,7 +70,7 @@ class AccessibilityBus:
 
 
 class Services:
-    """The stand-ins for logind and UPower on a system bus, in a process of their own."""
+    """The stand-ins for services on a bus, in a process of their own."""
 
     def __init__(self, env, bus, stack, names=("login", "power")):
         self._process = processes.start(
@@ -99,6 +99,12 @@ class Services:
     def repeat_lid(self):
         """Announces the lid's state again although it has not changed."""
         self._tell("lid same")
+
+    def ask_for_less_motion(self):
+        self._tell("motion reduced")
+
+    def ask_for_usual_motion(self):
+        self._tell("motion usual")
 
     def prepare_for_sleep(self):
         self._tell("sleep")

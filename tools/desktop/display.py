@@ -80,6 +80,14 @@ class Display:
         """Has the window manager close the focused window, as the button in its title bar does."""
         self.press_key("alt+F4")
 
+    def minimise(self, window):
+        """Has the window manager put a window away."""
+        self.xdotool("windowminimize", window)
+
+    def restore(self, window):
+        """Has the window manager bring a window back that was put away."""
+        self.xdotool("windowactivate", window)
+
     def screenshot(self, path, window="root"):
         """Writes a picture of the whole screen, or of one window, as PNG."""
         subprocess.run(

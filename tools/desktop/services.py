@@ -1,6 +1,6 @@
-"""Stand-ins for logind and UPower; told on standard input what happens to the machine.
+"""Stand-ins for logind, UPower and the settings portal; told on standard input what happens.
 
-Usage: services.py BUS-ADDRESS [login] [power]
+Usage: services.py BUS-ADDRESS [login] [power] [portal]
 """
 
 import sys
@@ -14,6 +14,8 @@ from gi.repository import GLib
 PROPERTIES = "org.freedesktop.DBus.Properties"
 UPOWER = "org.freedesktop.UPower"
 LOGIN = "org.freedesktop.login1.Manager"
+PORTAL = "org.freedesktop.portal.Settings"
+MOTION = ("org.gnome.desktop.interface", "enable-animations")
 
 
 class Login(dbus.service.Object):
@@ -59,6 +61,29 @@ class Power(dbus.service.Object):
         self.PropertiesChanged(UPOWER, {"LidIsClosed": dbus.Boolean(self._closed)}, [])
 
 
+class Portal(dbus.service.Object):
+    """What of the settings portal tells of animations."""
+
+    def __init__(self, connection, animations):
+        self._animations = animations
+        name = dbus.service.BusName("org.freedesktop.portal.Desktop", connection)
+        super().__init__(name, "/org/freedesktop/portal/desktop")
+
+    @dbus.service.method(PORTAL, in_signature="ss", out_signature="v")
+    def Read(self, group, key):
+        if (group, key) != MOTION:
+            raise dbus.DBusException("no such setting")
+        return dbus.Boolean(self._animations, variant_level=1)
+
+    @dbus.service.signal(PORTAL, signature="ssv")
+    def SettingChanged(self, group, key, value):
+        pass
+
+    def set_animations(self, animations):
+        self._animations = animations
+        self.SettingChanged(*MOTION, dbus.Boolean(animations))
+
+
 def main():
     dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
     connection = dbus.bus.BusConnection(sys.argv[1])
@@ -72,6 +97,10 @@ def main():
         commands["lid closed"] = lambda: power.move_lid(True)
         commands["lid open"] = lambda: power.move_lid(False)
         commands["lid same"] = power.announce
+    if "portal" in sys.argv[2:]:
+        portal = Portal(connection, animations=False)
+        commands["motion usual"] = lambda: portal.set_animations(True)
+        commands["motion reduced"] = lambda: portal.set_animations(False)
     loop = GLib.MainLoop()
 
     def obey(channel, _condition):

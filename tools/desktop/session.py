@@ -5,7 +5,7 @@ import os
 import tempfile
 
 from . import processes
-from .buses import AccessibilityBus, Bus
+from .buses import AccessibilityBus, Bus, Services
 from .display import Display
 from .program import Program
 from .sound import SoundServer
@@ -55,6 +55,10 @@ class Session:
     def system_bus(self, name, stack):
         """A private system bus with nothing on it, until `stack` is closed."""
         return Bus(self._env, self.directory, name, stack)
+
+    def settings_portal(self, stack):
+        """A settings portal that asks for less motion from the start, until `stack` is closed."""
+        return Services(self._env, self._bus, stack, ["portal"])
 
     def environment(self, home):
         """What a program in this session gets, with a home folder of its own, no system bus."""

@@ -1,0 +1,89 @@
+"""Nothing is drawn that nobody can see, or that nobody wants to move."""
+
+import pathlib
+import subprocess
+import sys
+import time
+import unittest
+
+from harness import ANY_WORDS, ENTER, EndToEndTest
+from desktop import processes
+
+WINDOW = "Quorvane"
+# The toolkit says each frame on standard error.
+TELL_FRAMES = {"QT_LOGGING_RULES": "qt.scenegraph.time.renderloop.debug=true"}
+FRAME = "frame rendered"
+LOOK = 1.5
+"""Seconds for which frames are counted: dozens of them, if there are any."""
+
+
+class Frames(EndToEndTest):
+    def _launch(self):
+        self.skip_hardware_check()
+        self.launch(**TELL_FRAMES)
+        self.screens().find(ENTER)
+        self.window, = self.wait_until(lambda: self.session.display.windows(WINDOW), "the window")
+
+    def _count(self):
+        return sum(FRAME in line for line in self.program.errors.text)
+
+    def _wait_for_frames(self, why):
+        before = self._count()
+        self.wait_until(lambda: self._count() >= before + 10, f"frames: {why}", 15)
+
+    def _wait_for_no_frames(self, why):
+        """The last ones may be under way yet: waits for a stretch of time without any."""
+        def none():
+            before = self._count()
+            time.sleep(LOOK)
+            return self._count() == before
+        self.wait_until(none, f"no frames: {why}", 15)
+
+    def test_there_are_frames_while_the_glow_can_be_seen(self):
+        self._launch()
+        self._wait_for_frames("glow and particles")
+        self.leave(ANY_WORDS)
+
+    def test_there_are_none_while_the_window_is_minimised(self):
+        self._launch()
+        self._wait_for_frames("it is to be seen")
+        self.session.display.minimise(self.window)
+        self._wait_for_no_frames("it is minimised")
+        self.session.display.restore(self.window)
+        self._wait_for_frames("it is back")
+        self.leave(ANY_WORDS)
+
+    def test_there_are_none_while_another_window_covers_it(self):
+        self._launch()
+        self._wait_for_frames("it is to be seen")
+        cover = processes.start(
+            [sys.executable, str(pathlib.Path(processes.__file__).with_name("window.py")),
+             "204060"], dict(self.environment), stdout=subprocess.PIPE)
+        self.stack.callback(processes.end, cover)
+        self.assertTrue(cover.stdout.readline())
+        self._wait_for_no_frames("a full-screen window covers it")
+        processes.end(cover)
+        self._wait_for_frames("it is uncovered")
+        self.leave(ANY_WORDS)
+
+    def test_there_are_none_for_those_who_ask_for_less_motion(self):
+        portal = self.session.settings_portal(self.stack)
+        self._launch()
+        self._wait_for_no_frames("less motion is asked for")
+        portal.ask_for_usual_motion()
+        self._wait_for_frames("the usual motion is asked for")
+        portal.ask_for_less_motion()
+        self._wait_for_no_frames("less motion is asked for again")
+        self.leave(ANY_WORDS)
+
+    def test_a_desktop_without_a_portal_says_it_in_a_file(self):
+        folder = pathlib.Path(self.environment["XDG_CONFIG_HOME"], "gtk-3.0")
+        folder.mkdir(parents=True)
+        (folder / "settings.ini").write_text("[Settings]\ngtk-enable-animations=0\n")
+        self._launch()
+        self._wait_for_no_frames("less motion is asked for")
+        self.leave(ANY_WORDS)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,151 @@
+"""The whole way of a new user, with the mouse, with the keyboard and with a screen reader."""
+
+import unittest
+
+from harness import CHECK, CONTINUE, ENTER, LEAVE, EndToEndTest
+from desktop.accessibility import SWITCHES, Announcements
+
+INFOS = {
+    "Build quality": ("Build Quality", "Premium hinge quality simulation. Experience the authentic "
+                      "build quality of a real Windows laptop.\n\nTry moving your laptop lid to "
+                      "feel the difference."),
+    "Keyboard": ("Tactile Feedback", "Genuine keyboard feedback. Feel the premium tactile response "
+                 "of original Windows hardware.\n\nJust start typing anything."),
+    "Thermals": ("Thermal Performance", "Original Windows fan acoustics. Authentic thermal "
+                 "management at its finest.\n\nEnable and enjoy. Trackpad vibration included."),
+    "Stability": ("System Stability", "Experience the legendary Windows stability. Random crashes "
+                  "included at no extra cost.\n\nSit back and wait. It will happen."),
+    "Performance": ("Multitasking Performance", "Advanced multitasking optimization. Your Mac will "
+                    "occasionally take a moment to think.\n\nJust keep using your Mac normally. "
+                    "Freezes will come to you."),
+    "Startup": ("Boot Experience", "The iconic startup experience. Relive the classic moment of "
+                "booting a real Windows machine.\n\nClose the lid and open it again to hear it."),
+}
+STARTUP = "Startup"
+KEYBOARD = "Keyboard"
+
+
+class NewUser(EndToEndTest):
+    def _arrive(self):
+        """From a first launch to the control panel; returns what can be switched."""
+        self.launch()
+        self.panel = self.screens()
+        self.panel.press(CHECK)
+        self.panel.find(CONTINUE)
+        may_hear_keys = self.panel.shows("Accessibility granted")
+        self.panel.press(CONTINUE)
+        self.panel.press(ENTER)
+        self.panel.find(LEAVE)
+        self.panel.wait_until_gone(ENTER)
+        rows = [row for row in INFOS if self.panel.shows(row, *SWITCHES)]
+        self.assertIn("Build quality", rows)
+        for row in rows:
+            self.assertEqual(self.panel.is_on(row), row == STARTUP, row)
+        return [row for row in rows if row != KEYBOARD or may_hear_keys]
+
+    def _turn_over_twice(self, row, act):
+        """On and off again, or off and on: a stop screen would take the screen in the end."""
+        before = self.panel.is_on(row)
+        for expected in (not before, before):
+            act(row)
+            self.wait_until(lambda: self.panel.is_on(row) == expected, f"{row}: {expected}", 10)
+
+    def _click(self, name):
+        left, top, width, height = self.panel.settled_place(name)
+        self.session.display.click(left + width // 2, top + height // 2)
+
+    def _focus(self, name):
+        for _ in range(2 * len(INFOS) + 2):
+            self.session.display.press_key("Tab")
+            try:
+                self.wait_until(lambda: self.panel.is_focused(name), name, 0.3)
+                return
+            except AssertionError:
+                continue
+        self.fail(f'Tab does not reach "{name}"\n{self.panel.describe()}')
+
+    def _press_space_on(self, name):
+        if not self.panel.is_focused(name):
+            self._focus(name)
+        self.session.display.press_key("space")
+
+    def _read(self, row, act):
+        title, text = INFOS[row]
+        act(f"About {row}")
+        self.panel.find(title)
+        self.panel.find(text)
+        self.panel.find("OK")
+
+    def test_goes_all_the_way_with_a_screen_reader(self):
+        rows = self._arrive()
+        for row in rows:
+            self._read(row, self.panel.press)
+            self.panel.press("OK")
+            self.panel.wait_until_gone("OK")
+            with Announcements() as announcements:
+                before = self.panel.is_on(row)
+                self._turn_over_twice(row, self.panel.toggle)
+                announcements.wait_for(row, not before)
+                announcements.wait_for(row, before)
+        self.panel.press(LEAVE)
+        self.panel.find(ENTER)
+        self.leave()
+
+        self.launch()
+        screens = self.screens()
+        screens.find(ENTER)
+        self.assertFalse(screens.shows(CHECK))
+        self.leave()
+
+    def test_goes_all_the_way_with_the_mouse(self):
+        rows = self._arrive()
+        for row in rows:
+            self._read(row, self._click)
+            self._click("OK")
+            self.panel.wait_until_gone("OK")
+            self._turn_over_twice(row, self._click)
+        self._click(LEAVE)
+        self.panel.find(ENTER)
+        self.leave()
+
+    def test_goes_all_the_way_with_the_keyboard(self):
+        rows = self._arrive()
+        for row, key in zip(rows, ("Return", "Escape") * len(rows)):
+            self._read(row, self._press_space_on)
+            self.session.display.press_key(key)
+            self.panel.wait_until_gone("OK")
+            self._turn_over_twice(row, self._press_space_on)
+        self._press_space_on(LEAVE)
+        self.panel.find(ENTER)
+        self.leave()
+
+    def test_the_stop_button_is_announced_by_the_switches(self):
+        self._arrive()
+        self.panel.toggle("Build quality")
+        self.wait_until(lambda: self.panel.is_on("Build quality"), "the switch to be on")
+        with Announcements() as announcements:
+            self.panel.press(LEAVE)
+            announcements.wait_for("Build quality", False)
+        self.panel.press(ENTER)
+        self.panel.find(LEAVE)
+        for row in INFOS:
+            if self.panel.shows(row, *SWITCHES):
+                self.assertFalse(self.panel.is_on(row), row)
+        self.leave()
+
+    def test_an_info_button_pressed_under_a_popup_has_its_turn_after_it(self):
+        rows = self._arrive()
+        later = rows[-1]
+        press_later = self.panel.presser(f"About {later}")
+        self._read("Build quality", self.panel.press)
+        press_later()
+        self.assertTrue(self.panel.shows("Build Quality"))
+        self.panel.press("OK")
+        self.panel.find(INFOS[later][0])
+        self.panel.press("OK")
+        self.panel.wait_until_gone("OK")
+        self.leave()
+
+
+if __name__ == "__main__":
+    unittest.main()
