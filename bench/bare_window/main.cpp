@@ -1,11 +1,14 @@
 #include <QGuiApplication>
 #include <QQuickView>
 
-// What the toolkit itself takes: the least program that puts a window of the same size on screen.
+// What the toolkit itself takes: the least program that puts a window of the same size on screen,
+// and, with a number as its argument, changes one item's opacity so many times a second.
 int main(int argc, char** argv) {
     const QGuiApplication application(argc, argv);
     QQuickView window;
     window.resize(550, 780);
+    if (argc > 1)
+        window.setInitialProperties({{"rate", QString::fromLocal8Bit(argv[1]).toDouble()}});
     window.setSource(QUrl("qrc:/bare/Bare.qml"));
     window.show();
     return QGuiApplication::exec();
