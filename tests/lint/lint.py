@@ -153,7 +153,7 @@ def run(command):
 
 def check_format(_build):
     """clang-format would change nothing."""
-    return run(["clang-format", "--dry-run", "--Werror", *tracked("*.h", "*.cpp")])
+    return run(["clang-format", "--dry-run", "--Werror", *sources()])
 
 
 def database_for_clang(build):

@@ -14,18 +14,18 @@ QV_AVAILABLE(10.10)
 @interface AVAudioFormat : NSObject
 - (nullable instancetype)initStandardFormatWithSampleRate:(double)sampleRate
                                                  channels:(AVAudioChannelCount)channels;
-@property (nonatomic, readonly) AVAudioChannelCount channelCount;
-@property (nonatomic, readonly) double sampleRate;
+@property(nonatomic, readonly) AVAudioChannelCount channelCount;
+@property(nonatomic, readonly) double sampleRate;
 @end
 
 QV_AVAILABLE(10.10)
 @interface AVAudioPCMBuffer : NSObject
 - (nullable instancetype)initWithPCMFormat:(AVAudioFormat*)format
                              frameCapacity:(AVAudioFrameCount)frameCapacity;
-@property (nonatomic, readonly) AVAudioFormat* format;
-@property (nonatomic) AVAudioFrameCount frameLength;
+@property(nonatomic, readonly) AVAudioFormat* format;
+@property(nonatomic) AVAudioFrameCount frameLength;
 // One array a channel; none unless the samples are floats.
-@property (nonatomic, readonly) float* _Nonnull const* _Nullable floatChannelData;
+@property(nonatomic, readonly) float* _Nonnull const* _Nullable floatChannelData;
 @end
 
 QV_AVAILABLE(10.10)
@@ -33,16 +33,16 @@ QV_AVAILABLE(10.10)
 - (nullable instancetype)initForReading:(NSURL*)fileURL
                                   error:(NSError* _Nullable* _Nullable)outError;
 - (BOOL)readIntoBuffer:(AVAudioPCMBuffer*)buffer error:(NSError* _Nullable* _Nullable)outError;
-@property (nonatomic, readonly) AVAudioFormat* processingFormat;
-@property (nonatomic, readonly) AVAudioFramePosition length;
-@property (nonatomic) AVAudioFramePosition framePosition;
+@property(nonatomic, readonly) AVAudioFormat* processingFormat;
+@property(nonatomic, readonly) AVAudioFramePosition length;
+@property(nonatomic) AVAudioFramePosition framePosition;
 @end
 
 @class AVAudioEngine;
 
 QV_AVAILABLE(10.10)
 @interface AVAudioNode : NSObject
-@property (nonatomic, readonly, nullable) AVAudioEngine* engine;
+@property(nonatomic, readonly, nullable) AVAudioEngine* engine;
 @end
 
 QV_AVAILABLE(10.10)
@@ -53,7 +53,7 @@ QV_AVAILABLE(10.10)
 
 typedef void (^AVAudioNodeCompletionHandler)(void);
 
-QV_OPTIONS(NSUInteger, AVAudioPlayerNodeBufferOptions) {
+QV_OPTIONS(NSUInteger, AVAudioPlayerNodeBufferOptions){
     AVAudioPlayerNodeBufferLoops = 1UL << 0,
     AVAudioPlayerNodeBufferInterrupts = 1UL << 1,
     AVAudioPlayerNodeBufferInterruptsAtLoop = 1UL << 2,
@@ -70,7 +70,7 @@ QV_AVAILABLE(10.10)
 - (void)pause;
 - (void)stop;
 // Of the protocol AVAudioMixing.
-@property (nonatomic) float volume;
+@property(nonatomic) float volume;
 @end
 
 QV_EXTERN const NSNotificationName AVAudioEngineConfigurationChangeNotification QV_AVAILABLE(10.10);
@@ -80,14 +80,12 @@ QV_AVAILABLE(10.10)
 - (instancetype)init;
 - (void)attachNode:(AVAudioNode*)node;
 - (void)detachNode:(AVAudioNode*)node;
-- (void)connect:(AVAudioNode*)node1
-             to:(AVAudioNode*)node2
-         format:(nullable AVAudioFormat*)format;
+- (void)connect:(AVAudioNode*)node1 to:(AVAudioNode*)node2 format:(nullable AVAudioFormat*)format;
 - (BOOL)startAndReturnError:(NSError* _Nullable* _Nullable)outError;
 - (void)stop;
-@property (readonly, nonatomic) AVAudioMixerNode* mainMixerNode;
-@property (readonly, nonatomic, getter=isRunning) BOOL running;
-@property (readonly, nonatomic) NSSet<AVAudioNode*>* attachedNodes QV_AVAILABLE(10.15);
+@property(readonly, nonatomic) AVAudioMixerNode* mainMixerNode;
+@property(readonly, nonatomic, getter=isRunning) BOOL running;
+@property(readonly, nonatomic) NSSet<AVAudioNode*>* attachedNodes QV_AVAILABLE(10.15);
 @end
 
 QV_AVAILABLE(10.7)
@@ -97,8 +95,8 @@ QV_AVAILABLE(10.7)
 - (BOOL)prepareToPlay;
 - (BOOL)play;
 - (void)stop;
-@property (readonly, getter=isPlaying) BOOL playing;
-@property (readonly) NSTimeInterval duration;
+@property(readonly, getter=isPlaying) BOOL playing;
+@property(readonly) NSTimeInterval duration;
 @property float volume;
 @property NSTimeInterval currentTime;
 @property NSInteger numberOfLoops;

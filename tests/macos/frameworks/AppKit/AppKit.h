@@ -10,9 +10,9 @@
 QV_NONNULL_BEGIN
 
 @interface NSWorkspace : NSObject
-@property (class, readonly, strong) NSWorkspace* sharedWorkspace;
-@property (readonly, strong) NSNotificationCenter* notificationCenter;
-@property (readonly) BOOL accessibilityDisplayShouldReduceMotion QV_AVAILABLE(10.12);
+@property(class, readonly, strong) NSWorkspace* sharedWorkspace;
+@property(readonly, strong) NSNotificationCenter* notificationCenter;
+@property(readonly) BOOL accessibilityDisplayShouldReduceMotion QV_AVAILABLE(10.12);
 @end
 
 QV_EXTERN const NSNotificationName NSWorkspaceDidWakeNotification;
@@ -23,17 +23,17 @@ QV_EXTERN const NSNotificationName NSWorkspaceAccessibilityDisplayOptionsDidChan
 
 QV_AVAILABLE(10.6)
 @interface NSRunningApplication : NSObject
-@property (class, readonly, strong) NSRunningApplication* currentApplication;
-@property (readonly, getter=isActive) BOOL active;
+@property(class, readonly, strong) NSRunningApplication* currentApplication;
+@property(readonly, getter=isActive) BOOL active;
 @end
 
-QV_ENUM(NSInteger, NSHapticFeedbackPattern) {
+QV_ENUM(NSInteger, NSHapticFeedbackPattern){
     NSHapticFeedbackPatternGeneric = 0,
     NSHapticFeedbackPatternAlignment,
     NSHapticFeedbackPatternLevelChange,
 } QV_AVAILABLE(10.11);
 
-QV_ENUM(NSUInteger, NSHapticFeedbackPerformanceTime) {
+QV_ENUM(NSUInteger, NSHapticFeedbackPerformanceTime){
     NSHapticFeedbackPerformanceTimeDefault = 0,
     NSHapticFeedbackPerformanceTimeNow,
     NSHapticFeedbackPerformanceTimeDrawCompleted,
@@ -47,7 +47,7 @@ QV_AVAILABLE(10.11)
 
 QV_AVAILABLE(10.11)
 @interface NSHapticFeedbackManager : NSObject
-@property (class, readonly, strong) id<NSHapticFeedbackPerformer> defaultPerformer;
+@property(class, readonly, strong) id<NSHapticFeedbackPerformer> defaultPerformer;
 @end
 
 QV_NONNULL_END

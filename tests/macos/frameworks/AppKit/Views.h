@@ -22,11 +22,11 @@ QV_NONNULL_BEGIN
 - (void)drawRect:(NSRect)dirtyRect;
 - (BOOL)acceptsFirstMouse:(nullable NSEvent*)event;
 @property NSRect bounds;
-@property (readonly, getter=isFlipped) BOOL flipped;
+@property(readonly, getter=isFlipped) BOOL flipped;
 @property BOOL needsDisplay;
 @property BOOL wantsLayer QV_AVAILABLE(10.5);
-@property (copy) NSArray<__kindof NSView*>* subviews;
-@property (nullable, readonly, unsafe_unretained) NSWindow* window;
+@property(copy) NSArray<__kindof NSView*>* subviews;
+@property(nullable, readonly, unsafe_unretained) NSWindow* window;
 @end
 
 typedef NSString* NSAppearanceName;
@@ -38,16 +38,16 @@ QV_AVAILABLE(10.9)
 @end
 
 @interface NSView (NSAppearanceCustomization)
-@property (nullable, strong) NSAppearance* appearance QV_AVAILABLE(10.9);
+@property(nullable, strong) NSAppearance* appearance QV_AVAILABLE(10.9);
 @end
 
-QV_ENUM(NSUInteger, NSProgressIndicatorStyle) {
+QV_ENUM(NSUInteger, NSProgressIndicatorStyle){
     NSProgressIndicatorStyleBar = 0,
     NSProgressIndicatorStyleSpinning = 1,
 };
 
 @interface NSProgressIndicator : NSView
-@property (getter=isIndeterminate) BOOL indeterminate;
+@property(getter=isIndeterminate) BOOL indeterminate;
 @property NSProgressIndicatorStyle style;
 - (void)startAnimation:(nullable id)sender;
 @end

@@ -10,28 +10,28 @@ QV_NONNULL_BEGIN
 
 @interface NSScreen : NSObject
 // The screen of the window with the keyboard focus.
-@property (class, readonly, strong, nullable) NSScreen* mainScreen;
-@property (readonly) NSRect frame;
+@property(class, readonly, strong, nullable) NSScreen* mainScreen;
+@property(readonly) NSRect frame;
 @end
 
 typedef NSInteger NSWindowLevel;
 
-QV_OPTIONS(NSUInteger, NSWindowStyleMask) {
+QV_OPTIONS(NSUInteger, NSWindowStyleMask){
     NSWindowStyleMaskBorderless = 0,
     NSWindowStyleMaskNonactivatingPanel = 1 << 7,
 };
 
-QV_ENUM(NSUInteger, NSBackingStoreType) {
+QV_ENUM(NSUInteger, NSBackingStoreType){
     NSBackingStoreBuffered = 2,
 };
 
-QV_OPTIONS(NSUInteger, NSWindowCollectionBehavior) {
+QV_OPTIONS(NSUInteger, NSWindowCollectionBehavior){
     NSWindowCollectionBehaviorDefault = 0,
     NSWindowCollectionBehaviorCanJoinAllSpaces = 1 << 0,
     NSWindowCollectionBehaviorFullScreenAuxiliary QV_AVAILABLE(10.7) = 1 << 8,
 };
 
-QV_OPTIONS(NSUInteger, NSWindowOcclusionState) {
+QV_OPTIONS(NSUInteger, NSWindowOcclusionState){
     NSWindowOcclusionStateVisible = 1UL << 1,
 } QV_AVAILABLE(10.9);
 
@@ -43,16 +43,16 @@ QV_OPTIONS(NSUInteger, NSWindowOcclusionState) {
 - (void)setFrame:(NSRect)frameRect display:(BOOL)flag;
 - (void)orderFrontRegardless;
 - (void)orderOut:(nullable id)sender;
-@property (readonly) NSRect frame;
+@property(readonly) NSRect frame;
 @property NSWindowLevel level;
-@property (getter=isOpaque) BOOL opaque;
-@property (nullable, copy) NSColor* backgroundColor;
+@property(getter=isOpaque) BOOL opaque;
+@property(nullable, copy) NSColor* backgroundColor;
 @property NSWindowCollectionBehavior collectionBehavior;
 @property BOOL ignoresMouseEvents;
 @property BOOL hidesOnDeactivate;
-@property (getter=isReleasedWhenClosed) BOOL releasedWhenClosed;
-@property (nullable, strong) __kindof NSView* contentView;
-@property (readonly) NSWindowOcclusionState occlusionState QV_AVAILABLE(10.9);
+@property(getter=isReleasedWhenClosed) BOOL releasedWhenClosed;
+@property(nullable, strong) __kindof NSView* contentView;
+@property(readonly) NSWindowOcclusionState occlusionState QV_AVAILABLE(10.9);
 @end
 
 QV_EXTERN const NSNotificationName NSWindowDidChangeOcclusionStateNotification QV_AVAILABLE(10.9);

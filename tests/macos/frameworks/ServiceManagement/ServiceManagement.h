@@ -6,7 +6,7 @@
 
 QV_NONNULL_BEGIN
 
-QV_ENUM(NSInteger, SMAppServiceStatus) {
+QV_ENUM(NSInteger, SMAppServiceStatus){
     SMAppServiceStatusNotRegistered = 0,
     SMAppServiceStatusEnabled = 1,
     SMAppServiceStatusRequiresApproval = 2,
@@ -15,8 +15,8 @@ QV_ENUM(NSInteger, SMAppServiceStatus) {
 
 QV_AVAILABLE(13.0)
 @interface SMAppService : NSObject
-@property (class, readonly) SMAppService* mainAppService;
-@property (readonly) SMAppServiceStatus status;
+@property(class, readonly) SMAppService* mainAppService;
+@property(readonly) SMAppServiceStatus status;
 @end
 
 QV_NONNULL_END

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/Desktop.h"
+
+namespace quorvane {
+
+/// The desktop's accessibility settings, and whether anything of the window is to be seen.
+class MacDesktop final : public Desktop {
+public:
+    MacDesktop();
+    MacDesktop(const MacDesktop&) = delete;
+    MacDesktop& operator=(const MacDesktop&) = delete;
+    ~MacDesktop() override;
+
+    [[nodiscard]] const Observable<bool>& reducesMotion() const override { return m_reducesMotion; }
+
+    [[nodiscard]] const Observable<bool>& windowIsCovered() const override { return m_isCovered; }
+
+    /// `window` is the toolkit's number of it: its view.
+    void watchWindow(std::uintptr_t window) override;
+
+private:
+    struct Observers;
+
+    Observable<bool> m_reducesMotion;
+    Observable<bool> m_isCovered;
+    std::unique_ptr<Observers> m_observers;
+};
+
+} // namespace quorvane

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+
+#include "platform/macos/MacDesktop.h"
+#include "platform/macos/MacPlatform.h"
+#include "platform/macos/MacTerminationSignals.h"
+
+/// The machine that the program runs on, under the names by which the main program knows it.
+namespace quorvane::Host {
+
+using Desktop = MacDesktop;
+using Platform = MacPlatform;
+using TerminationSignals = MacTerminationSignals;
+
+/// There is but one display server, and the toolkit knows it.
+class DisplayServer {
+public:
+    [[nodiscard]] static std::string error() { return {}; }
+
+    void release() {}
+};
+
+} // namespace quorvane::Host
