@@ -54,10 +54,10 @@ bool OpenALAudioLibrary::resolve() {
         find(alcMakeContextCurrent, "alcMakeContextCurrent") &&
         find(alcGetString, "alcGetString") && find(alcGetIntegerv, "alcGetIntegerv") &&
         find(alcGetProcAddress, "alcGetProcAddress") && find(alGenSources, "alGenSources") &&
-        find(alDeleteSources, "alDeleteSources") && find(alSourcei, "alSourcei") &&
-        find(alGetSourcei, "alGetSourcei") && find(alSourcePlay, "alSourcePlay") &&
-        find(alSourcePause, "alSourcePause") && find(alSourceStop, "alSourceStop") &&
-        find(alSourceQueueBuffers, "alSourceQueueBuffers") &&
+        find(alDeleteSources, "alDeleteSources") && find(alSourcef, "alSourcef") &&
+        find(alSourcei, "alSourcei") && find(alGetSourcei, "alGetSourcei") &&
+        find(alSourcePlay, "alSourcePlay") && find(alSourcePause, "alSourcePause") &&
+        find(alSourceStop, "alSourceStop") && find(alSourceQueueBuffers, "alSourceQueueBuffers") &&
         find(alSourceUnqueueBuffers, "alSourceUnqueueBuffers") &&
         find(alGenBuffers, "alGenBuffers") && find(alDeleteBuffers, "alDeleteBuffers") &&
         find(alBufferData, "alBufferData");

@@ -32,6 +32,7 @@ public:
     LPALCGETPROCADDRESS alcGetProcAddress = nullptr;
     LPALGENSOURCES alGenSources = nullptr;
     LPALDELETESOURCES alDeleteSources = nullptr;
+    LPALSOURCEF alSourcef = nullptr;
     LPALSOURCEI alSourcei = nullptr;
     LPALGETSOURCEI alGetSourcei = nullptr;
     LPALSOURCEPLAY alSourcePlay = nullptr;

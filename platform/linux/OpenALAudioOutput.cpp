@@ -7,16 +7,6 @@
 
 namespace quorvane {
 
-namespace {
-
-// OpenAL says nothing when a device goes, so it is asked, but only while something sounds: the
-// mixer wakes hundreds of times as often then.
-constexpr std::chrono::milliseconds connectionCheckInterval{250};
-// The mixer works in whole periods, so a sound may end a little after its computed end.
-constexpr std::chrono::milliseconds shortestWait{2};
-
-} // namespace
-
 OpenALAudioOutput::OpenALAudioOutput() {
     configureOpenALAudio();
     m_thread = std::thread([this] { run(); });
@@ -26,6 +16,8 @@ OpenALAudioOutput::~OpenALAudioOutput() {
     {
         const std::lock_guard lock(m_mutex);
         closeDevice();
+        m_clips.clear();
+        m_holds = 0;
         m_quit = true;
     }
     m_changed.notify_one();
@@ -50,8 +42,7 @@ void OpenALAudioOutput::stopEngine(const void* engine) {
     if (std::erase(m_runningEngines, engine) == 0)
         return;
     stopVoicesOf(engine);
-    if (m_runningEngines.empty())
-        closeDevice();
+    closeWhenUnneeded();
     m_changed.notify_one();
 }
 
@@ -82,11 +73,11 @@ void OpenALAudioOutput::remove(const std::shared_ptr<OpenALAudioVoice>& voice) {
 }
 
 void OpenALAudioOutput::schedule(OpenALAudioVoice& voice, std::shared_ptr<const PCMBuffer> buffer,
-                                 AudioPlayerNode::Completion completion) {
+                                 BufferOptions options, AudioPlayerNode::Completion completion) {
     bool playing = false;
     {
         const std::lock_guard lock(m_mutex);
-        voice.schedule(std::move(buffer), std::move(completion));
+        voice.schedule(std::move(buffer), options, std::move(completion));
         playing = voice.isPlaying();
     }
     if (playing)
@@ -115,33 +106,51 @@ void OpenALAudioOutput::stop(OpenALAudioVoice& voice) {
     m_changed.notify_one();
 }
 
-std::optional<AudioError> OpenALAudioOutput::openDevice() {
-    if (!m_library)
-        m_library = OpenALAudioLibrary::load();
-    if (!m_library)
-        return AudioError{"OpenAL is not installed."};
-    auto opened = OpenALAudioDevice::open(*m_library);
-    if (auto* error = std::get_if<AudioError>(&opened)) {
-        // Whatever back end it has settled on, the next attempt is to choose anew.
-        m_library.reset();
-        return std::move(*error);
+void OpenALAudioOutput::setVolume(OpenALAudioVoice& voice, float volume) {
+    const std::lock_guard lock(m_mutex);
+    voice.setVolume(volume);
+}
+
+void OpenALAudioOutput::add(const std::shared_ptr<OpenALAudioClip>& clip) {
+    const std::lock_guard lock(m_mutex);
+    m_clips.push_back(clip);
+}
+
+void OpenALAudioOutput::remove(const std::shared_ptr<OpenALAudioClip>& clip) {
+    const std::lock_guard lock(m_mutex);
+    clip->stop();
+    clip->abandon();
+    m_changed.notify_one();
+}
+
+bool OpenALAudioOutput::play(OpenALAudioClip& clip) {
+    const std::lock_guard lock(m_mutex);
+    noticeLoss();
+    tidyClips();
+    m_changed.notify_one();
+    if (clip.isSounding())
+        return true;
+    clip.stop();
+    if (!m_device && openDevice()) {
+        clip.request();
+        return false;
     }
-    m_device = std::move(std::get<std::unique_ptr<OpenALAudioDevice>>(opened));
-    return std::nullopt;
+    m_device->resume();
+    clip.play(*m_device);
+    return true;
 }
 
-void OpenALAudioOutput::closeDevice() {
-    m_device.reset();
-    m_idleSince.reset();
+void OpenALAudioOutput::hold() {
+    const std::lock_guard lock(m_mutex);
+    if (m_holds++ == 0)
+        m_nextAttempt = Clock::now();
+    m_changed.notify_one();
 }
 
-void OpenALAudioOutput::noticeLoss() {
-    if (!m_device || m_device->isConnected())
-        return;
-    for (const void* engine : m_runningEngines)
-        stopVoicesOf(engine);
-    m_runningEngines.clear();
-    closeDevice();
+void OpenALAudioOutput::release() {
+    const std::lock_guard lock(m_mutex);
+    --m_holds;
+    closeWhenUnneeded();
     m_changed.notify_one();
 }
 
@@ -165,82 +174,6 @@ void OpenALAudioOutput::finish(OpenALAudioVoice::Completions completions, Clock:
 void OpenALAudioOutput::finishHeard(OpenALAudioVoice::Completions completions) {
     if (!completions.empty())
         finish(std::move(completions), Clock::now() + m_device->latency());
-}
-
-bool OpenALAudioOutput::isSounding() const {
-    return std::any_of(m_voices.begin(), m_voices.end(),
-                       [](const auto& voice) { return voice->isSounding(); });
-}
-
-void OpenALAudioOutput::pauseWhenIdle() {
-    if (!m_device || m_device->isPaused() || isSounding()) {
-        m_idleSince.reset();
-        return;
-    }
-    const Clock::time_point now = Clock::now();
-    if (!m_idleSince)
-        m_idleSince = now;
-    if (now - *m_idleSince >= idleTime)
-        m_device->pause();
-}
-
-std::optional<OpenALAudioOutput::Clock::time_point> OpenALAudioOutput::nextWake() const {
-    std::optional<Clock::time_point> wake;
-    const auto atLatest = [&wake](Clock::time_point time) {
-        wake = wake ? std::min(*wake, time) : time;
-    };
-    const Clock::time_point now = Clock::now();
-    for (const auto& voice : m_voices)
-        if (const auto left = voice->timeToEnd())
-            atLatest(now + std::clamp<std::chrono::nanoseconds>(*left, shortestWait,
-                                                                connectionCheckInterval));
-    for (const Finished& finished : m_finished)
-        atLatest(finished.due);
-    if (m_device && !m_device->isPaused() && m_idleSince)
-        atLatest(*m_idleSince + idleTime);
-    return wake;
-}
-
-OpenALAudioVoice::Completions OpenALAudioOutput::takeDue(Clock::time_point now) {
-    OpenALAudioVoice::Completions due;
-    std::erase_if(m_finished, [&](Finished& finished) {
-        if (finished.due > now)
-            return false;
-        due.push_back(std::move(finished.completion));
-        return true;
-    });
-    return due;
-}
-
-void OpenALAudioOutput::run() {
-    std::unique_lock lock(m_mutex);
-    while (!m_quit) {
-        noticeLoss();
-        for (const auto& voice : m_voices)
-            finishHeard(voice->takeFinished());
-        runCompletions(lock, takeDue(Clock::now()));
-        pauseWhenIdle();
-        if (m_quit)
-            break;
-        if (const auto wake = nextWake())
-            m_changed.wait_until(lock, *wake);
-        else
-            m_changed.wait(lock);
-    }
-    runCompletions(lock, takeDue(Clock::time_point::max()));
-}
-
-/// Without the lock, so that what a completion does can never wait for this thread.
-void OpenALAudioOutput::runCompletions(std::unique_lock<std::mutex>& lock,
-                                       OpenALAudioVoice::Completions completions) {
-    if (completions.empty())
-        return;
-    lock.unlock();
-    for (const auto& completion : completions)
-        if (completion)
-            completion();
-    completions.clear();
-    lock.lock();
 }
 
 } // namespace quorvane

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -9,21 +10,26 @@
 #include <vector>
 
 #include "platform/Audio.h"
+#include "platform/linux/OpenALAudioClip.h"
 #include "platform/linux/OpenALAudioDevice.h"
 #include "platform/linux/OpenALAudioLibrary.h"
 #include "platform/linux/OpenALAudioVoice.h"
 
 namespace quorvane {
 
-/// The one output device that all engines share, open while any of them runs, and the thread that
-/// waits for sounds to end. Everything is guarded by one mutex; calls come from the main thread,
-/// completions from the thread here. The owner of the last reference must not be a completion.
+/// The one output device that all engines and file players share, open while an engine runs, a
+/// hold lives or a file player sounds, and the thread that waits for sounds to end and for devices
+/// to come. Everything is guarded by one mutex; calls come from the main thread, completions from
+/// the thread here. The owner of the last reference must not be a completion.
 class OpenALAudioOutput {
 public:
     using Clock = std::chrono::steady_clock;
     /// Silence after which the device is paused: an open stream wakes the processor hundreds of
     /// times a second, even with nothing to play.
     static constexpr std::chrono::seconds idleTime{10};
+
+    /// How long the device stays open after the last file player fell silent.
+    static constexpr std::chrono::seconds lingerTime{2};
 
     OpenALAudioOutput();
     OpenALAudioOutput(const OpenALAudioOutput&) = delete;
@@ -42,10 +48,32 @@ public:
     /// The voice's node is gone.
     void remove(const std::shared_ptr<OpenALAudioVoice>& voice);
     void schedule(OpenALAudioVoice& voice, std::shared_ptr<const PCMBuffer> buffer,
-                  AudioPlayerNode::Completion completion);
+                  BufferOptions options, AudioPlayerNode::Completion completion);
     void play(OpenALAudioVoice& voice);
     void pause(OpenALAudioVoice& voice);
     void stop(OpenALAudioVoice& voice);
+    void setVolume(OpenALAudioVoice& voice, float volume);
+
+    void add(const std::shared_ptr<OpenALAudioClip>& clip);
+    /// The clip's player is gone.
+    void remove(const std::shared_ptr<OpenALAudioClip>& clip);
+    /// Opens the device if need be; without one, the clip waits for it. Whether it sounds.
+    bool play(OpenALAudioClip& clip);
+
+    /// Runs `access`, which is given nothing, with the mutex held and everything up to date; a
+    /// clip may be read and changed there.
+    template <class Access>
+    auto withClips(Access access) {
+        const std::lock_guard lock(m_mutex);
+        noticeLoss();
+        tidyClips();
+        m_changed.notify_one();
+        return access();
+    }
+
+    /// Keeps the device open and its stream running, until as many calls of `release`.
+    void hold();
+    void release();
 
 private:
     struct Finished {
@@ -56,13 +84,19 @@ private:
     // All of these run with the mutex held.
     std::optional<AudioError> openDevice();
     void closeDevice();
+    void closeWhenUnneeded();
+    void tryToOpen();
     void noticeLoss();
+    void tidyClips();
+    [[nodiscard]] bool isAwaited() const;
     [[nodiscard]] bool runs(const void* engine) const;
     void stopVoicesOf(const void* engine);
     void finish(OpenALAudioVoice::Completions completions, Clock::time_point due);
     void finishHeard(OpenALAudioVoice::Completions completions);
     [[nodiscard]] bool isSounding() const;
     void pauseWhenIdle();
+    [[nodiscard]] bool areClipsSounding() const;
+    [[nodiscard]] bool isStreamNeeded() const;
     [[nodiscard]] std::optional<Clock::time_point> nextWake() const;
     [[nodiscard]] OpenALAudioVoice::Completions takeDue(Clock::time_point now);
 
@@ -77,7 +111,13 @@ private:
     std::unique_ptr<OpenALAudioDevice> m_device;
     std::vector<const void*> m_runningEngines;
     std::vector<std::shared_ptr<OpenALAudioVoice>> m_voices;
+    std::vector<std::shared_ptr<OpenALAudioClip>> m_clips;
     std::vector<Finished> m_finished;
+    std::size_t m_holds = 0;
+    // Until when the device stays open although nothing needs it.
+    Clock::time_point m_lingersUntil;
+    // When the thread may try again to open a device that something waits for.
+    Clock::time_point m_nextAttempt;
     // Since when the open device has had nothing to play; none while it has.
     std::optional<Clock::time_point> m_idleSince;
     std::thread m_thread;

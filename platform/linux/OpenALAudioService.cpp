@@ -1,10 +1,12 @@
 #include "platform/linux/OpenALAudioService.h"
 
+#include <algorithm>
 #include <cmath>
 #include <new>
 #include <utility>
 #include <vector>
 
+#include "platform/linux/OpenALAudioFilePlayer.h"
 #include "platform/linux/OpenALAudioOutput.h"
 #include "platform/linux/SndfileAudioFile.h"
 
@@ -22,9 +24,9 @@ public:
 
     ~OpenALAudioPlayerNode() override { m_output->remove(m_voice); }
 
-    void scheduleBuffer(std::shared_ptr<const PCMBuffer> buffer, BufferOptions /*options*/,
+    void scheduleBuffer(std::shared_ptr<const PCMBuffer> buffer, BufferOptions options,
                         Completion completion) override {
-        m_output->schedule(*m_voice, std::move(buffer), std::move(completion));
+        m_output->schedule(*m_voice, std::move(buffer), options, std::move(completion));
     }
 
     void play() override { m_output->play(*m_voice); }
@@ -33,7 +35,10 @@ public:
 
     void stop() override { m_output->stop(*m_voice); }
 
-    void setVolume(float volume) override { m_volume = volume; }
+    void setVolume(float volume) override {
+        m_volume = std::clamp(volume, 0.0F, 1.0F);
+        m_output->setVolume(*m_voice, m_volume);
+    }
 
     [[nodiscard]] float volume() const override { return m_volume; }
 
@@ -73,6 +78,22 @@ private:
     std::shared_ptr<OpenALAudioOutput> m_output;
     // An engine keeps what is attached to it.
     std::vector<std::shared_ptr<AudioPlayerNode>> m_nodes;
+};
+
+class OpenALAudioHold final : public AudioOutputHold {
+public:
+    explicit OpenALAudioHold(std::shared_ptr<OpenALAudioOutput> output)
+        : m_output(std::move(output)) {
+        m_output->hold();
+    }
+
+    OpenALAudioHold(const OpenALAudioHold&) = delete;
+    OpenALAudioHold& operator=(const OpenALAudioHold&) = delete;
+
+    ~OpenALAudioHold() override { m_output->release(); }
+
+private:
+    std::shared_ptr<OpenALAudioOutput> m_output;
 };
 
 } // namespace
@@ -118,11 +139,11 @@ std::optional<AudioFormat> OpenALAudioService::standardFormat(double sampleRate,
 
 std::variant<std::shared_ptr<AudioFilePlayer>, AudioError>
 OpenALAudioService::createFilePlayer(const std::filesystem::path& path) {
-    return AudioError{path.string() + ": there are no file players yet"};
+    return OpenALAudioFilePlayer::open(m_output, path);
 }
 
 std::shared_ptr<AudioOutputHold> OpenALAudioService::holdOutput() {
-    return std::make_shared<AudioOutputHold>();
+    return std::make_shared<OpenALAudioHold>(m_output);
 }
 
 } // namespace quorvane

@@ -4,52 +4,50 @@
 #include <cmath>
 #include <utility>
 
+#include "platform/linux/OpenALAudioSamples.h"
+
 namespace quorvane {
 
-namespace {
-
-/// The buffer's sound on two channels. OpenAL passes two channels through as they are, while it
-/// would place a single one in space, at another level. A third channel and more are left out.
-std::vector<float> inStereo(const PCMBuffer& buffer) {
-    const std::size_t channels = buffer.format.channels;
-    std::vector<float> stereo(std::size_t{buffer.frameLength} * 2);
-    for (std::size_t frame = 0; frame < buffer.frameLength; ++frame) {
-        stereo[frame * 2] = buffer.samples[frame * channels];
-        stereo[frame * 2 + 1] =
-            buffer.samples[frame * channels + std::min<std::size_t>(1, channels - 1)];
-    }
-    return stereo;
+void OpenALAudioVoice::schedule(std::shared_ptr<const PCMBuffer> buffer, BufferOptions options,
+                                Completion completion) {
+    // Nothing, over and over, would stop OpenAL.
+    const bool loops = options == BufferOptions::Loops && buffer->frameLength > 0;
+    m_scheduled.push_back(
+        {.buffer = std::move(buffer), .loops = loops, .completion = std::move(completion)});
 }
 
-} // namespace
-
-void OpenALAudioVoice::schedule(std::shared_ptr<const PCMBuffer> buffer, Completion completion) {
-    m_scheduled.push_back({.buffer = std::move(buffer), .completion = std::move(completion)});
+void OpenALAudioVoice::setVolume(float volume) {
+    m_volume = std::clamp(volume, 0.0F, 1.0F);
+    if (m_source)
+        m_device->al().alSourcef(m_source, AL_GAIN, m_volume);
 }
 
 void OpenALAudioVoice::createSource() {
     const OpenALAudioLibrary& al = m_device->al();
-    al.alGenSources(1, &m_source);
-    al.alSourcei(m_source, AL_DIRECT_CHANNELS_SOFT, AL_TRUE);
-    al.alSourcei(m_source, AL_SOURCE_RELATIVE, AL_TRUE);
+    m_source = createStereoSource(al);
+    al.alSourcef(m_source, AL_GAIN, m_volume);
 }
 
 void OpenALAudioVoice::upload(Scheduled& scheduled) {
     const OpenALAudioLibrary& al = m_device->al();
-    const PCMBuffer& buffer = *scheduled.buffer;
-    al.alGenBuffers(1, &scheduled.name);
-    const auto rate = static_cast<ALsizei>(std::lround(buffer.format.sampleRate));
-    const auto fill = [&](const std::vector<float>& samples) {
-        const std::size_t values = std::size_t{buffer.frameLength} * 2;
-        al.alBufferData(scheduled.name, AL_FORMAT_STEREO_FLOAT32, samples.data(),
-                        static_cast<ALsizei>(values * sizeof(float)), rate);
-    };
-    if (buffer.format.channels == 2)
-        fill(buffer.samples);
-    else
-        fill(inStereo(buffer));
+    scheduled.name = uploadSound(al, *scheduled.buffer);
     al.alSourceQueueBuffers(m_source, 1, &scheduled.name);
     ++m_uploadedCount;
+}
+
+/// What follows a loop waits for ever, so it stays here.
+void OpenALAudioVoice::uploadUpToLoop() {
+    while (m_uploadedCount < m_scheduled.size() &&
+           (m_uploadedCount == 0 || !m_scheduled[m_uploadedCount - 1].loops))
+        upload(m_scheduled[m_uploadedCount]);
+    loopWhenAlone();
+}
+
+/// A source repeats all of its queue, so it is told to only once the rest has been taken out. Until
+/// then the loop sounds for the first time, without a gap before it.
+void OpenALAudioVoice::loopWhenAlone() {
+    if (m_uploadedCount == 1 && m_scheduled.front().loops)
+        m_device->al().alSourcei(m_source, AL_LOOPING, AL_TRUE);
 }
 
 OpenALAudioVoice::Completions OpenALAudioVoice::play(OpenALAudioDevice& device) {
@@ -59,9 +57,8 @@ OpenALAudioVoice::Completions OpenALAudioVoice::play(OpenALAudioDevice& device) 
         createSource();
     Completions finished = takeFinished();
     const std::size_t before = m_uploadedCount;
-    for (std::size_t i = before; i < m_scheduled.size(); ++i)
-        upload(m_scheduled[i]);
-    const ALint state = sourceState();
+    uploadUpToLoop();
+    const ALint state = stateOf(m_device->al(), m_source);
     // It may have run out between the two looks; the new ones then are not to be taken for heard.
     if (state == AL_STOPPED)
         takeHeads(before, finished);
@@ -83,6 +80,7 @@ OpenALAudioVoice::Completions OpenALAudioVoice::stop() {
     Completions dropped;
     if (m_source) {
         m_device->al().alSourceStop(m_source);
+        m_device->al().alSourcei(m_source, AL_LOOPING, AL_FALSE);
         takeHeads(m_uploadedCount, dropped);
         m_device->al().alDeleteSources(1, &m_source);
         m_source = 0;
@@ -101,6 +99,8 @@ OpenALAudioVoice::Completions OpenALAudioVoice::takeFinished() {
         ALint processed = 0;
         m_device->al().alGetSourcei(m_source, AL_BUFFERS_PROCESSED, &processed);
         takeHeads(static_cast<std::size_t>(processed), finished);
+        if (processed > 0)
+            loopWhenAlone();
     }
     return finished;
 }
@@ -117,15 +117,11 @@ void OpenALAudioVoice::takeHeads(std::size_t count, Completions& completions) {
     }
 }
 
-ALint OpenALAudioVoice::sourceState() const {
-    ALint state = AL_INITIAL;
-    m_device->al().alGetSourcei(m_source, AL_SOURCE_STATE, &state);
-    return state;
-}
-
 std::optional<std::chrono::nanoseconds> OpenALAudioVoice::timeToEnd() const {
     if (!isSounding())
         return std::nullopt;
+    if (m_scheduled.front().loops)
+        return std::chrono::nanoseconds::max();
     ALint offset = 0;
     m_device->al().alGetSourcei(m_source, AL_SAMPLE_OFFSET, &offset);
     const PCMBuffer& head = *m_scheduled.front().buffer;

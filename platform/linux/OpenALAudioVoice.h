@@ -22,7 +22,9 @@ public:
     /// The engine that the node is attached to, as an identity only; null without one.
     const void* engine = nullptr;
 
-    void schedule(std::shared_ptr<const PCMBuffer> buffer, Completion completion);
+    void schedule(std::shared_ptr<const PCMBuffer> buffer, BufferOptions options,
+                  Completion completion);
+    void setVolume(float volume);
     /// Hands the device what it does not have yet, and sounds. The completions are of what had
     /// sounded to its end unnoticed.
     [[nodiscard]] Completions play(OpenALAudioDevice& device);
@@ -40,19 +42,22 @@ public:
 
     [[nodiscard]] bool isEmpty() const { return m_scheduled.empty(); }
 
-    /// Time until the buffer that sounds now has been mixed to its end; none in silence.
+    /// Time until the buffer that sounds now has been mixed to its end, the longest there is for a
+    /// loop; none in silence.
     [[nodiscard]] std::optional<std::chrono::nanoseconds> timeToEnd() const;
 
 private:
     struct Scheduled {
         std::shared_ptr<const PCMBuffer> buffer;
+        bool loops = false;
         Completion completion;
         ALuint name = 0;
     };
 
     void createSource();
     void upload(Scheduled& scheduled);
-    [[nodiscard]] ALint sourceState() const;
+    void uploadUpToLoop();
+    void loopWhenAlone();
     void takeHeads(std::size_t count, Completions& completions);
 
     OpenALAudioDevice* m_device = nullptr;
@@ -61,6 +66,7 @@ private:
     // Of those, from the head, how many the source has in its queue.
     std::size_t m_uploadedCount = 0;
     bool m_playing = false;
+    float m_volume = 1;
 };
 
 } // namespace quorvane

@@ -1,6 +1,8 @@
 #include "tests/contract/AudioContractSide.h"
 
 #include <chrono>
+#include <cstdlib>
+#include <string_view>
 #include <thread>
 
 #include "platform/linux/OpenALAudioService.h"
@@ -13,14 +15,20 @@ namespace {
 
 class LinuxAudioSide final : public AudioContractSide {
 public:
-    LinuxAudioSide() {
+    /// `settings` as a person would write them in OpenAL Soft's file.
+    explicit LinuxAudioSide(std::string_view settings) {
         m_server.start();
+        writeText(m_folder.path() / ".alsoftrc", settings);
+        // After the server, which has set the environment that OpenAL's settings come from.
+        unsetenv("ALSOFT_CONF"); // NOLINT(concurrency-mt-unsafe): no other thread yet.
+        m_audio = std::make_unique<OpenALAudioService>();
+        writeWAV(clipFile(), clip());
         makeMP3(goodFile(), chirp({.sampleRate = 44100, .channels = 2}, goodFileFrames));
         copyFirstHalf(goodFile(), truncatedFile());
         writeText(nonAudioFile(), "Dear laptop, this is a letter and not a sound.\n");
     }
 
-    AudioService& service() override { return m_audio; }
+    AudioService& service() override { return *m_audio; }
 
     void pass(double seconds) override {
         std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
@@ -57,16 +65,35 @@ public:
         return m_folder.path() / "missing.mp3";
     }
 
+    [[nodiscard]] std::filesystem::path clipFile() const override {
+        return m_folder.path() / "clip.wav";
+    }
+
+    void startRecording() override {
+        m_recorder = std::make_unique<PulseRecorder>(m_folder.path());
+    }
+
+    [[nodiscard]] std::vector<float> finishRecording() override { return m_recorder->finish(); }
+
 private:
     TemporaryFolder m_folder;
     PulseServer m_server{m_folder.path()};
-    OpenALAudioService m_audio;
+    std::unique_ptr<PulseRecorder> m_recorder;
+    std::unique_ptr<OpenALAudioService> m_audio;
 };
 
 } // namespace
 
 std::unique_ptr<AudioContractSide> makeLinuxAudioSide() {
-    return std::make_unique<LinuxAudioSide>();
+    return std::make_unique<LinuxAudioSide>("");
+}
+
+std::unique_ptr<AudioContractSide> makeSteadyLinuxAudioSide() {
+    return std::make_unique<LinuxAudioSide>("period_size = 2048\nperiods = 4\n");
+}
+
+PCMBuffer AudioContractSide::clip() {
+    return chirp({.sampleRate = 44100, .channels = 2}, 22050);
 }
 
 } // namespace quorvane

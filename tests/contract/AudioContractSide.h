@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <vector>
 
 #include "platform/Audio.h"
 
@@ -33,9 +34,20 @@ public:
     [[nodiscard]] virtual std::filesystem::path truncatedFile() const = 0;
     [[nodiscard]] virtual std::filesystem::path nonAudioFile() const = 0;
     [[nodiscard]] virtual std::filesystem::path missingFile() const = 0;
+    /// The sound of `clip`, to the precision of 16 bits.
+    [[nodiscard]] virtual std::filesystem::path clipFile() const = 0;
+    /// Half a second of a chirp at 44.1 kHz in stereo.
+    [[nodiscard]] static PCMBuffer clip();
+
+    /// What the output device plays from now on is written down.
+    virtual void startRecording() = 0;
+    /// Interleaved stereo at 44.1 kHz; ends the recording.
+    [[nodiscard]] virtual std::vector<float> finishRecording() = 0;
 };
 
 std::unique_ptr<AudioContractSide> makeSimulatedAudioSide();
 std::unique_ptr<AudioContractSide> makeLinuxAudioSide();
+/// With a long buffer that a busy machine does not run dry: for what sounds, not when.
+std::unique_ptr<AudioContractSide> makeSteadyLinuxAudioSide();
 
 } // namespace quorvane

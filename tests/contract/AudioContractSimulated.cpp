@@ -4,6 +4,7 @@
 
 #include "platform/simulated/SimulatedAudio.h"
 #include "platform/simulated/SimulatedRunLoop.h"
+#include "tests/contract/SoundFiles.h"
 
 namespace quorvane {
 
@@ -14,8 +15,8 @@ public:
     SimulatedAudioSide() {
         const AudioFormat format{.sampleRate = 44100, .channels = 2};
         const std::vector<float> half(static_cast<std::size_t>(goodFileFrames), 0.25F);
-        const std::vector<float> whole(half.size() * 2, 0.25F);
-        m_audio.addFile(goodFile(), format, whole);
+        m_audio.addFile(goodFile(), format, chirp(format, goodFileFrames).samples);
+        m_audio.addFile(clipFile(), clip().format, clip().samples);
         m_audio.addTruncatedFile(truncatedFile(), format, half, goodFileFrames);
         m_audio.addNonAudioFile(nonAudioFile());
     }
@@ -44,7 +45,16 @@ public:
         return "/sounds/missing.mp3";
     }
 
+    [[nodiscard]] std::filesystem::path clipFile() const override { return "/sounds/clip.wav"; }
+
+    void startRecording() override { m_recordedFrom = now(); }
+
+    [[nodiscard]] std::vector<float> finishRecording() override {
+        return m_audio.render(m_recordedFrom, now(), {.sampleRate = 44100, .channels = 2});
+    }
+
 private:
+    double m_recordedFrom = 0;
     SimulatedRunLoop m_runLoop;
     SimulatedAudio m_audio{m_runLoop};
 };

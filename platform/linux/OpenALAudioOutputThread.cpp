@@ -1,0 +1,119 @@
+#include <algorithm>
+#include <utility>
+
+#include "platform/linux/OpenALAudioOutput.h"
+
+namespace quorvane {
+
+namespace {
+
+// OpenAL says nothing when a device goes, so it is asked, but only while its stream runs: the
+// mixer wakes hundreds of times as often then.
+constexpr std::chrono::milliseconds connectionCheckInterval{250};
+// With nothing to be heard, for a hold: the loss is noticed anyway when the next sound is played.
+constexpr std::chrono::milliseconds silentCheckInterval{1000};
+// The mixer works in whole periods, so a sound may end a little after its computed end.
+constexpr std::chrono::milliseconds shortestWait{2};
+
+} // namespace
+
+bool OpenALAudioOutput::isSounding() const {
+    return areClipsSounding() || std::any_of(m_voices.begin(), m_voices.end(),
+                                             [](const auto& voice) { return voice->isSounding(); });
+}
+
+bool OpenALAudioOutput::areClipsSounding() const {
+    return std::any_of(m_clips.begin(), m_clips.end(),
+                       [](const auto& clip) { return clip->isSounding() || clip->isFading(); });
+}
+
+bool OpenALAudioOutput::isStreamNeeded() const {
+    return m_holds > 0 || isSounding();
+}
+
+void OpenALAudioOutput::pauseWhenIdle() {
+    if (m_device && m_holds > 0)
+        m_device->resume();
+    if (!m_device || m_device->isPaused() || isStreamNeeded()) {
+        m_idleSince.reset();
+        return;
+    }
+    const Clock::time_point now = Clock::now();
+    if (!m_idleSince)
+        m_idleSince = now;
+    if (now - *m_idleSince >= idleTime)
+        m_device->pause();
+}
+
+std::optional<OpenALAudioOutput::Clock::time_point> OpenALAudioOutput::nextWake() const {
+    std::optional<Clock::time_point> wake;
+    const auto atLatest = [&wake](Clock::time_point time) {
+        wake = wake ? std::min(*wake, time) : time;
+    };
+    const Clock::time_point now = Clock::now();
+    for (const auto& voice : m_voices)
+        if (const auto left = voice->timeToEnd())
+            atLatest(now + std::clamp<std::chrono::nanoseconds>(*left, shortestWait,
+                                                                connectionCheckInterval));
+    for (const auto& clip : m_clips)
+        if (const auto time = clip->nextWake())
+            atLatest(std::max(*time, now + shortestWait));
+    for (const Finished& finished : m_finished)
+        atLatest(finished.due);
+    if (m_device && isStreamNeeded())
+        atLatest(now + (isSounding() ? connectionCheckInterval : silentCheckInterval));
+    if (m_device && m_runningEngines.empty() && m_holds == 0)
+        atLatest(std::max(m_lingersUntil, now + shortestWait));
+    if (m_device && !m_device->isPaused() && m_idleSince)
+        atLatest(*m_idleSince + idleTime);
+    if (isAwaited())
+        atLatest(m_nextAttempt);
+    return wake;
+}
+
+OpenALAudioVoice::Completions OpenALAudioOutput::takeDue(Clock::time_point now) {
+    OpenALAudioVoice::Completions due;
+    std::erase_if(m_finished, [&](Finished& finished) {
+        if (finished.due > now)
+            return false;
+        due.push_back(std::move(finished.completion));
+        return true;
+    });
+    return due;
+}
+
+void OpenALAudioOutput::run() {
+    std::unique_lock lock(m_mutex);
+    while (!m_quit) {
+        noticeLoss();
+        tidyClips();
+        tryToOpen();
+        for (const auto& voice : m_voices)
+            finishHeard(voice->takeFinished());
+        runCompletions(lock, takeDue(Clock::now()));
+        closeWhenUnneeded();
+        pauseWhenIdle();
+        if (m_quit)
+            break;
+        if (const auto wake = nextWake())
+            m_changed.wait_until(lock, *wake);
+        else
+            m_changed.wait(lock);
+    }
+    runCompletions(lock, takeDue(Clock::time_point::max()));
+}
+
+/// Without the lock, so that what a completion does can never wait for this thread.
+void OpenALAudioOutput::runCompletions(std::unique_lock<std::mutex>& lock,
+                                       OpenALAudioVoice::Completions completions) {
+    if (completions.empty())
+        return;
+    lock.unlock();
+    for (const auto& completion : completions)
+        if (completion)
+            completion();
+    completions.clear();
+    lock.lock();
+}
+
+} // namespace quorvane

@@ -1,0 +1,213 @@
+#include "tests/contract/AudioContract.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <variant>
+
+#include "tests/contract/Recording.h"
+
+namespace quorvane {
+namespace {
+
+// Files and their recording are of 16 bits or more.
+constexpr double inaudible = 1e-4;
+
+/// What is promised about sound that can be heard, on the recorded output.
+class AudioRecordedContract : public AudioContract {
+protected:
+    [[nodiscard]] Recording finish() { return Recording(m_side->finishRecording()); }
+
+    void play(const PCMBuffer& sound, BufferOptions options) {
+        m_node->scheduleBuffer(std::make_shared<PCMBuffer>(sound), options, nullptr);
+        m_node->play();
+    }
+
+    /// Half a second at a level of 0.5.
+    [[nodiscard]] static PCMBuffer level() {
+        PCMBuffer sound = AudioContractSide::clip();
+        sound.samples.assign(sound.samples.size(), 0.5F);
+        return sound;
+    }
+
+    [[nodiscard]] std::shared_ptr<AudioFilePlayer> player() {
+        return std::get<std::shared_ptr<AudioFilePlayer>>(
+            audio().createFilePlayer(m_side->clipFile()));
+    }
+
+    /// Whether `level` is heard for at least 0.1 s.
+    [[nodiscard]] static bool holds(const Recording& recording, double level) {
+        std::size_t run = 0;
+        for (std::size_t frame = 0; frame < recording.length() && run < 4410; ++frame)
+            run = std::abs(recording.at(frame, 0) - level) < inaudible ? run + 1 : 0;
+        return run == 4410;
+    }
+
+    /// Largest difference of `frames` frames from `start` on from the clip over and over.
+    [[nodiscard]] static double differenceFromLoop(const Recording& recording, std::size_t start,
+                                                   std::size_t frames) {
+        const PCMBuffer clip = AudioContractSide::clip();
+        double largest = 0;
+        for (std::size_t done = 0; done < frames; done += clip.frameLength)
+            largest =
+                std::max(largest, recording.largestDifference(
+                                      start + done, clip, 0,
+                                      std::min<std::size_t>(clip.frameLength, frames - done)));
+        return largest;
+    }
+};
+
+TEST_P(AudioRecordedContract, ANodesVolumeChangesWhatSounds) {
+    start();
+    m_side->startRecording();
+    EXPECT_EQ(m_node->volume(), 1);
+    m_node->setVolume(0);
+    play(level(), BufferOptions::Loops);
+    pass(0.5);
+    m_node->setVolume(0.5F);
+    EXPECT_EQ(m_node->volume(), 0.5F);
+    pass(0.5);
+    m_node->setVolume(1);
+    pass(0.5);
+    const Recording recording = finish();
+    EXPECT_TRUE(holds(recording, 0));
+    EXPECT_TRUE(holds(recording, 0.25));
+    EXPECT_TRUE(holds(recording, 0.5));
+}
+
+TEST_P(AudioRecordedContract, ANodesVolumeIsBoundedAndKeptByStop) {
+    start();
+    m_node->setVolume(-1);
+    EXPECT_EQ(m_node->volume(), 0);
+    m_node->setVolume(7);
+    EXPECT_EQ(m_node->volume(), 1);
+    m_node->setVolume(0.5F);
+    m_node->stop();
+    EXPECT_EQ(m_node->volume(), 0.5F);
+    m_side->startRecording();
+    play(level(), BufferOptions::Once);
+    pass(0.7);
+    EXPECT_TRUE(holds(finish(), 0.25));
+}
+
+TEST_P(AudioRecordedContract, ALoopedBufferComesAgainWithoutAGapUntilItIsStopped) {
+    start();
+    m_side->startRecording();
+    const auto completed = std::make_shared<std::atomic<int>>(0);
+    m_node->scheduleBuffer(std::make_shared<PCMBuffer>(AudioContractSide::clip()),
+                           BufferOptions::Loops, [completed] { ++*completed; });
+    m_node->play();
+    pass(2);
+    EXPECT_EQ(*completed, 0);
+    m_node->stop();
+    secondsUntil([&] { return *completed == 1; });
+    pass(0.5);
+    const Recording recording = finish();
+    const auto begin = recording.soundFrom(0);
+    ASSERT_TRUE(begin);
+    const std::size_t end = recording.silenceFrom(*begin, 8820);
+    ASSERT_GE(end, *begin + 3 * std::size_t{22050});
+    EXPECT_LT(differenceFromLoop(recording, *begin, 3 * std::size_t{22050}), inaudible);
+    EXPECT_FALSE(recording.soundFrom(end));
+}
+
+TEST_P(AudioRecordedContract, ALoopFollowsWhatWasScheduledBeforeWithoutAGap) {
+    start();
+    m_side->startRecording();
+    play(AudioContractSide::clip(), BufferOptions::Once);
+    play(AudioContractSide::clip(), BufferOptions::Loops);
+    pass(2.5);
+    const Recording recording = finish();
+    const auto begin = recording.soundFrom(0);
+    ASSERT_TRUE(begin);
+    ASSERT_GE(recording.length(), *begin + 4 * std::size_t{22050});
+    EXPECT_LT(differenceFromLoop(recording, *begin, 4 * std::size_t{22050}), inaudible);
+}
+
+TEST_P(AudioRecordedContract, AFilePlayerSoundsOnceFrameForFrame) {
+    const auto clip = player();
+    m_side->startRecording();
+    ASSERT_TRUE(clip->play());
+    pass(1);
+    const Recording recording = finish();
+    const auto begin = recording.soundFrom(0);
+    ASSERT_TRUE(begin);
+    ASSERT_GE(recording.length(), *begin + 22050);
+    EXPECT_LT(differenceFromLoop(recording, *begin, 22050), inaudible);
+    EXPECT_FALSE(recording.soundFrom(*begin + 22050));
+}
+
+TEST_P(AudioRecordedContract, AFilePlayersLoopHasNoGap) {
+    const auto clip = player();
+    clip->setNumberOfLoops(-1);
+    m_side->startRecording();
+    ASSERT_TRUE(clip->play());
+    pass(2.5);
+    const Recording recording = finish();
+    const auto begin = recording.soundFrom(0);
+    ASSERT_TRUE(begin);
+    ASSERT_GE(recording.length(), *begin + 4 * std::size_t{22050});
+    EXPECT_LT(differenceFromLoop(recording, *begin, 4 * std::size_t{22050}), inaudible);
+}
+
+TEST_P(AudioRecordedContract, ACountOfLoopsHasNoGapEither) {
+    const auto clip = player();
+    clip->setNumberOfLoops(2);
+    m_side->startRecording();
+    ASSERT_TRUE(clip->play());
+    pass(2.2);
+    const Recording recording = finish();
+    const auto begin = recording.soundFrom(0);
+    ASSERT_TRUE(begin);
+    ASSERT_GE(recording.length(), *begin + 3 * std::size_t{22050});
+    EXPECT_LT(differenceFromLoop(recording, *begin, 3 * std::size_t{22050}), inaudible);
+    EXPECT_FALSE(recording.soundFrom(*begin + 3 * std::size_t{22050}));
+}
+
+TEST_P(AudioRecordedContract, ARestartIsHeardFromItsBeginningAndNothingOfTheOldOneRemains) {
+    const auto clip = player();
+    m_side->startRecording();
+    ASSERT_TRUE(clip->play());
+    pass(0.3);
+    clip->setCurrentTime(0);
+    EXPECT_TRUE(clip->play());
+    pass(1);
+    const Recording recording = finish();
+    const auto begin = recording.soundFrom(0);
+    ASSERT_TRUE(begin);
+    const std::size_t end = recording.silenceFrom(*begin, 4410);
+    ASSERT_GT(end, *begin + 22050);
+    EXPECT_FALSE(recording.soundFrom(end));
+    // The old one may fade out over a mixing period.
+    constexpr std::size_t fade = 4410;
+    EXPECT_LT(recording.largestDifference(end - 22050 + fade, AudioContractSide::clip(), fade,
+                                          22050 - fade),
+              inaudible);
+}
+
+TEST_P(AudioRecordedContract, AFilePlayersVolumeChangesWhatSounds) {
+    const auto clip = player();
+    clip->setNumberOfLoops(-1);
+    clip->setVolume(0.5F);
+    m_side->startRecording();
+    ASSERT_TRUE(clip->play());
+    pass(0.6);
+    clip->setVolume(0);
+    pass(0.5);
+    const Recording recording = finish();
+    const auto begin = recording.soundFrom(0);
+    ASSERT_TRUE(begin);
+    PCMBuffer half = AudioContractSide::clip();
+    for (float& sample : half.samples)
+        sample /= 2;
+    EXPECT_LT(recording.largestDifference(*begin, half, 0, 22050), inaudible);
+    EXPECT_TRUE(holds(recording, 0));
+}
+
+INSTANTIATE_TEST_SUITE_P(Sides, AudioRecordedContract,
+                         ::testing::Values(NamedAudioSide{"Simulated", &makeSimulatedAudioSide},
+                                           NamedAudioSide{"Linux", &makeSteadyLinuxAudioSide}),
+                         [](const auto& side) { return side.param.name; });
+
+} // namespace
+} // namespace quorvane
