@@ -8,7 +8,7 @@ import subprocess
 import unittest
 import wave
 
-from harness import BUILD, LOADED, EndToEndTest, wait_until
+from harness import BUILD, LOADED, REPOSITORY, EndToEndTest, wait_until
 
 FILES = {
     "bin/quorvane",
@@ -85,6 +85,13 @@ class Installed(EndToEndTest):
             sound.setparams((1, 2, 8000, 0, "NONE", ""))
             sound.writeframes(bytes(round(2 * 8000 * STAND_IN_LENGTH)))
         self.assertEqual(self._length_of_the_creak(), STAND_IN_LENGTH)
+
+    def test_udev_rules_name_every_product_that_may_hold_the_lid_sensor(self):
+        source = (REPOSITORY / "sensing/LidAngleSensor.cpp").read_text(encoding="utf-8")
+        products, = re.findall(r"productIDs\{(.*?)\}", source)
+        rules = (self.prefix / "lib/udev/rules.d/70-quorvane.rules").read_text(encoding="utf-8")
+        self.assertEqual(sorted(re.findall(r":05AC:(\w{4})\.", rules)),
+                         sorted(re.findall(r"0x(\w{4})", products.upper().replace("0X", "0x"))))
 
     def test_desktop_entry_is_valid_and_names_what_was_installed(self):
         subprocess.run(["desktop-file-validate", self.prefix / "share/applications/quorvane.desktop"],

@@ -25,6 +25,8 @@ from desktop.display import Display  # noqa: E402
 from desktop.program import Program  # noqa: E402
 from desktop.recording import Recording  # noqa: E402
 
+import device_rights  # noqa: E402
+
 RATE = 48000
 PATIENCE = 60.0
 """Seconds for what takes a second or two on real hardware."""
@@ -186,6 +188,14 @@ def hidraw_contract(lab, build):
     (lab.folder(name) / "result.json").write_text(text, encoding="utf-8")
 
 
+def rights(lab):
+    """What the program's udev rules change for the person at the machine."""
+    name = "device_rights"
+    found_rights = device_rights.look(
+        lambda product, stack: lab.lid(name, stack, "--keep", "--product", product))
+    (lab.folder(name) / "rights.json").write_text(json.dumps(found_rights), encoding="utf-8")
+
+
 def play(lab, name, scenario, *arguments):
     """Plays one scenario; its failure is left in its folder and does not stop the others."""
     print(f"lab: {name}", flush=True)
@@ -210,6 +220,7 @@ def main():
         play(lab, "first_reading_0", found, "first_reading_0", ("--angle", "0"))
         play(lab, "first_reading_200", found, "first_reading_200", ("--angle", "200"))
         play(lab, "hidraw_contract", hidraw_contract, build)
+        play(lab, "device_rights", rights)
 
 
 if __name__ == "__main__":

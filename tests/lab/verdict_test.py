@@ -238,5 +238,27 @@ class HidrawContract(unittest.TestCase):
         self.assertRegex(result["output"], r"\[  PASSED  \] 1\d tests")
 
 
+class DeviceRights(unittest.TestCase):
+    """What udev makes of the program's rules: who may open which device."""
+
+    @classmethod
+    def setUpClass(cls):
+        rights = json.loads((_load("device_rights") / "rights.json").read_text(encoding="utf-8"))
+        cls.without = {name for name, given in rights["without"].items() if given}
+        cls.given = {name for name, given in rights["with"].items() if given}
+        cls.devices = set(rights["with"])
+
+    def test_without_the_rules_the_person_is_let_at_no_device(self):
+        self.assertEqual(self.without, set())
+
+    def test_person_is_let_at_the_lid_sensors_and_at_what_buzzes_and_has_no_keys(self):
+        self.assertEqual(self.given, {"0x8103", "0x8104", "0x8105", "0x8262",
+                                      "touchpad that buzzes"})
+
+    def test_person_is_not_let_at_keyboards_nor_other_devices(self):
+        self.assertEqual(self.devices - self.given, {"0xabc1", "touchpad", "keyboard",
+                                                     "keyboard that buzzes"})
+
+
 if __name__ == "__main__":
     unittest.main(verbosity=2)

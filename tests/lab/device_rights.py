@@ -1,0 +1,69 @@
+"""Whom udev lets at which device, with the program's rules and without them."""
+
+import contextlib
+import pathlib
+import re
+import shutil
+import subprocess
+
+from desktop.waiting import wait_until
+from input_device import (ABS_X, ABS_Y, BTN_TOOL_FINGER, BTN_TOUCH, EV_ABS, EV_FF, EV_KEY,
+                          FF_RUMBLE, KEYBOARD_KEYS, InputDevice)
+
+RULES = pathlib.Path(__file__).resolve().parents[2] / "resources/70-quorvane.rules"
+PLACE = pathlib.Path("/run/udev/rules.d")
+
+# Without 0x8102, which the kernel keeps for a driver of its own.
+LIDS = ("0x8103", "0x8104", "0x8105", "0x8262")
+OTHER_PRODUCT = "0xabc1"
+
+FINGER = {EV_KEY: (BTN_TOUCH, BTN_TOOL_FINGER), EV_ABS: (ABS_X, ABS_Y)}
+KEYS = {EV_KEY: KEYBOARD_KEYS}
+BUZZ = {EV_FF: (FF_RUMBLE,)}
+INPUT_DEVICES = {
+    "touchpad": FINGER,
+    "touchpad that buzzes": FINGER | BUZZ,
+    "keyboard": KEYS,
+    "keyboard that buzzes": KEYS | BUZZ,
+}
+
+
+def _hidraw_node():
+    # Which comes a little after the device's start.
+    nodes = pathlib.Path("/sys/class/hidraw")
+    wait_until(lambda: any(nodes.iterdir()), "the node of the HID device", 10)
+    node, = nodes.iterdir()
+    return node
+
+
+def _given_to_the_seat(node):
+    """Whether udev would let the person at the machine at this device."""
+    rules = subprocess.run(["udevadm", "test", "--action=add", node], check=True,
+                           capture_output=True, text=True)
+    # It is silent about what it understands, at least of rules that only tag.
+    output = rules.stdout + rules.stderr
+    if re.search(rf"{re.escape(RULES.name)}:\d+ ", output):
+        raise RuntimeError(f"udev does not like the rules:\n{output}")
+    # Tags that another device with this number once had are among the TAGS as well.
+    return re.search(r"^CURRENT_TAGS=.*:uaccess:", output, re.M) is not None
+
+
+def _look(plug_lid):
+    """Each device's name and whether the person is let at it."""
+    rights = {}
+    for product in (*LIDS, OTHER_PRODUCT):
+        with contextlib.ExitStack() as stack:
+            plug_lid(product, stack)
+            rights[product] = _given_to_the_seat(_hidraw_node())
+    for name, codes in INPUT_DEVICES.items():
+        with contextlib.closing(InputDevice(name, codes)) as device:
+            rights[name] = _given_to_the_seat(device.node)
+    return rights
+
+
+def look(plug_lid):
+    """The rights before and after the rules are there; `plug_lid(product, stack)` makes a lid."""
+    without = _look(plug_lid)
+    PLACE.mkdir(parents=True)
+    shutil.copy(RULES, PLACE)
+    return {"without": without, "with": _look(plug_lid)}
