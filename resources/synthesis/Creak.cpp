@@ -66,9 +66,9 @@ public:
         constexpr double unsteadiness = 0.12;
         /// Of a slip: how far the force falls.
         constexpr double slipLength = 0.9;
-        const double keep = std::exp(-1 / (memory * sampleRate));
+        constexpr double keep = 1 - 1 / (memory * sampleRate);
         m_wander = keep * m_wander + std::sqrt(1 - keep * keep) * unsteadiness * draws.normal();
-        return wanted(time) * std::exp(m_wander) * slipLength / sampleRate;
+        return wanted(time) * (1 + m_wander + m_wander * m_wander / 2) * slipLength / sampleRate;
     }
 
 private:
@@ -78,8 +78,7 @@ private:
         const Gesture& from = gestures[m_gesture];
         const Gesture& to = gestures[m_gesture + 1];
         const double way = (time - from.time) / (to.time - from.time);
-        return from.rate *
-               std::pow(to.rate / from.rate, (1 - std::cos(std::numbers::pi * way)) / 2);
+        return from.rate + way * way * (3 - 2 * way) * (to.rate - from.rate);
     }
 
     std::size_t m_gesture = 0;
@@ -128,5 +127,5 @@ Sound makeCreak() {
 
 int main(int argc, char** argv) {
     using namespace quorvane::synthesis;
-    return writeSound(std::span(argv, static_cast<std::size_t>(argc)), makeCreak(), 0.56);
+    return writeSound(std::span(argv, static_cast<std::size_t>(argc)), makeCreak(), 0.66);
 }

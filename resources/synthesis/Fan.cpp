@@ -98,8 +98,8 @@ Sound bladeTone() {
         const double turn = angle(time);
         const double phase = fullTurn * turn;
         const double load = strain(time) * (1 + 0.15 * std::sin(phase));
-        tone[i] = load * (std::sin(blades * phase) + 0.45 * std::sin(2 * blades * phase + 1) +
-                          0.2 * std::sin(3 * blades * phase + 2)) +
+        tone[i] = load * (std::sin(blades * phase) + 0.6 * std::sin(2 * blades * phase + 1) +
+                          0.3 * std::sin(3 * blades * phase + 2)) +
                   0.5 * std::sin(phase) + 0.3 * std::sin(2 * phase + 0.5);
     }
     return tone;
@@ -141,7 +141,7 @@ Sound bearing(Draws& draws) {
 }
 
 Sound makeFan() {
-    Draws draws(6);
+    Draws draws(8);
     Sound fan = bladeTone();
     const Sound air = turbulence(draws);
     const Sound balls = bearing(draws);

@@ -11,7 +11,7 @@ namespace {
 /// What is left of the friction while sliding.
 constexpr double sliding = 0.42;
 /// The speed (lengths a second) over which friction falls from resting to sliding.
-constexpr double fallSpeed = 60;
+constexpr double fallSpeed = 45;
 /// Of the bristles, against the spring's; their damping is a share of critical.
 constexpr double bristleStiffness = 60;
 constexpr double bristleDamping = 0.8;
@@ -24,6 +24,19 @@ constexpr double forgetting = 0.15;
 constexpr double restTime = 0.006;
 constexpr double restGain = 0.3;
 
+// Stick and slip is chaotic: whatever differs in the last bit is another creak a moment later. So
+// nothing here is asked of the mathematical library, which rounds by the processor's abilities, but
+// what every processor rounds alike: sums, products, quotients and square roots.
+
+double square(double x) {
+    return x * x;
+}
+
+/// From 0 to 1 as `way` goes from 0 to 1, level at both ends.
+double smooth(double way) {
+    return square(way) * (3 - 2 * way);
+}
+
 } // namespace
 
 Surface::Surface(double bump, Draws& draws) : m_bump(bump), m_heights(4096) {
@@ -35,15 +48,14 @@ double Surface::at(double place) const {
     const double count = std::max(0.0, place / m_bump);
     const auto index = static_cast<std::size_t>(count);
     const double way = count - static_cast<double>(index);
-    const double blend = (1 - std::cos(std::numbers::pi * way)) / 2;
     const double from = m_heights[index % m_heights.size()];
     const double to = m_heights[(index + 1) % m_heights.size()];
-    return from + blend * (to - from);
+    return from + smooth(way) * (to - from);
 }
 
 StickSlip::StickSlip(double slipRate, Draws& draws)
     : m_bumps(0.31, draws), m_ground(13, draws), m_grain(0.05, draws), m_patches(23, draws),
-      m_mass(1 / std::pow(2 * std::numbers::pi * slipRate, 2)) {}
+      m_mass(1 / square(2 * std::numbers::pi * slipRate)) {}
 
 double StickSlip::load() const {
     // Rust in patches, and smooth metal between them.
@@ -51,7 +63,7 @@ double StickSlip::load() const {
     const double height = 0.4 * m_ground.at(m_place) +
                           (0.04 + 0.45 * rust * rust * rust) * m_bumps.at(m_place) +
                           0.1 * m_grain.at(m_place);
-    return std::exp(height);
+    return std::max(0.2, 1 + height + square(height) / 2);
 }
 
 double StickSlip::yielding(double speed, double limit) const {
@@ -62,13 +74,13 @@ double StickSlip::yielding(double speed, double limit) const {
         return 0;
     if (bent >= 1)
         return 1;
-    return 0.5 + 0.5 * std::sin(std::numbers::pi * (bent - (1 + elastic) / 2) / (1 - elastic));
+    return smooth((bent - elastic) / (1 - elastic));
 }
 
 double StickSlip::move(double pull, double duration) {
     m_stretch += pull;
     const double speed = m_speed;
-    const double fallen = std::exp(-std::pow(speed / fallSpeed, 2));
+    const double fallen = 1 / (1 + square(speed / fallSpeed));
     const double strength =
         load() * (sliding + (1 - sliding - restGain + restGain * m_rest) * fallen);
     const double limit = strength / bristleStiffness;
@@ -82,7 +94,7 @@ double StickSlip::move(double pull, double duration) {
     m_place += m_speed * duration;
     m_stretch -= m_speed * duration;
     m_rest += (1 - m_rest) * duration / restTime;
-    m_rest *= std::exp(-std::abs(speed) * duration / forgetting);
+    m_rest /= 1 + std::abs(speed) * duration / forgetting;
     return friction;
 }
 

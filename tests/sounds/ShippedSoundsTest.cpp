@@ -1,0 +1,75 @@
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "tests/sounds/Measures.h"
+#include "tests/sounds/ShippedSounds.h"
+
+namespace quorvane {
+namespace {
+
+/// What each sound is to reach when it is played, in LUFS: quiet enough for the peaks of a creak
+/// and an engine, loud enough for a blower that is pushed too hard.
+constexpr double targetLoudness = -21;
+
+/// A crack is over before the gate of integrated loudness has seen its first block. The ear sums up
+/// what is so short over some 35 ms: the impulse time constant of sound level meters (IEC 60651).
+constexpr double impulseTime = 0.035;
+
+class ShippedSounds : public ::testing::TestWithParam<ShippedSound> {
+protected:
+    Samples m_sound = shipped(GetParam());
+};
+
+TEST_P(ShippedSounds, LastAsLongAsTheirEffectsWant) {
+    EXPECT_GE(m_sound.size(), frames(GetParam().shortest));
+    EXPECT_LE(m_sound.size(), frames(GetParam().longest));
+}
+
+TEST_P(ShippedSounds, AreEquallyLoudAtTheVolumesAtWhichTheyArePlayed) {
+    const bool isCrack = GetParam().name == std::string(crack.name);
+    const double loudness =
+        isCrack ? loudestStretch(m_sound, impulseTime) : integratedLoudness(m_sound);
+    EXPECT_NEAR(loudness + decibels(GetParam().volume), targetLoudness, 1.5);
+}
+
+TEST_P(ShippedSounds, LeaveADecibelOfPeak) {
+    EXPECT_LE(truePeak(m_sound), -1);
+}
+
+TEST_P(ShippedSounds, HaveNoOffset) {
+    EXPECT_LT(std::abs(mean(m_sound)), 1e-3 * rootMeanSquare(m_sound));
+}
+
+TEST_P(ShippedSounds, AreWhatTheirProgramsMakeBarTheCodecsNoise) {
+    const std::filesystem::path rebuilt =
+        std::filesystem::current_path() / (std::string(GetParam().name) + "-rebuilt.wav");
+    const std::string command = std::string("'" QUORVANE_SYNTHESES "/") + GetParam().synthesis +
+                                "' '" + rebuilt.string() + "'";
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    Samples difference = decoded(rebuilt.string());
+    std::filesystem::remove(rebuilt);
+    ASSERT_EQ(difference.size(), m_sound.size());
+    for (std::size_t i = 0; i < difference.size(); ++i)
+        difference[i] -= m_sound[i];
+    EXPECT_LT(decibels(rootMeanSquare(difference) / rootMeanSquare(m_sound)), -20);
+}
+
+std::string nameOf(const ::testing::TestParamInfo<ShippedSound>& info) {
+    return info.param.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(All, ShippedSounds, ::testing::ValuesIn(shippedSounds), nameOf);
+
+TEST(ShippedSoundFiles, TogetherTakeLessThan800kB) {
+    std::uintmax_t bytes = 0;
+    for (const ShippedSound& sound : shippedSounds)
+        bytes += std::filesystem::file_size(pathOf(sound));
+    EXPECT_LT(bytes, 800'000U);
+}
+
+} // namespace
+} // namespace quorvane
