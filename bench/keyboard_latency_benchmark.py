@@ -1,0 +1,241 @@
+#!/usr/bin/python3
+"""How long a key takes to be heard, beside bucklespring, on one display and one sound server.
+
+Usage: keyboard_latency_benchmark.py BUILD_FOLDER [TURNS [KEYS [REST]]]
+
+Turn by turn each of the two is started, gets KEYS (10) keys 0.6 s apart, and is ended; TURNS (5).
+Then each rests for REST (60) s, during which its processor time is counted, and gets one key more,
+twice. Every time is from the key event to the first loud sample at the sound server's output, on
+the sound server's own clock. Prints figures, and judges none of them.
+"""
+
+import contextlib
+import ctypes
+import os
+import pathlib
+import statistics
+import subprocess
+import sys
+import time
+
+import numpy
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "tools"))
+
+from desktop import processes  # noqa: E402 (found through the line above)
+from desktop.session import Session  # noqa: E402
+from desktop.typist import Typist  # noqa: E402
+from desktop.waiting import wait_until  # noqa: E402
+
+OTHER = "/usr/games/buckle"
+SWITCH = "Keyboard"
+STARTED = "⌨️ [KEYBOARD] Event tap started — global monitoring active"
+RATE = 48000
+LOUD = 0.01
+"""Share of full scale; the null sink has no noise."""
+
+APART = 0.6
+HOLD = 0.08
+SETTLED = 2.0
+RESTS = 2
+KEY = "a"
+
+
+def processor_time(pid):
+    """Seconds of processor time of all threads of a process so far."""
+    # The number of another process's clock, as clock_getcpuclockid() makes it.
+    return time.clock_gettime((~pid << 3) | 2)
+
+
+class _SampleFormat(ctypes.Structure):
+    _fields_ = [("format", ctypes.c_int), ("rate", ctypes.c_uint32), ("channels", ctypes.c_uint8)]
+
+
+class _BufferSizes(ctypes.Structure):
+    _fields_ = [(name, ctypes.c_uint32)
+                for name in ("maximum", "target", "ahead", "least", "fragment")]
+
+
+def clicks(server, count):
+    """Plays clicks; when each is heard by the sound server's own word."""
+    library = ctypes.CDLL("libpulse-simple.so.0")
+    library.pa_simple_new.restype = ctypes.c_void_p
+    library.pa_simple_get_latency.restype = ctypes.c_uint64
+    library.pa_simple_get_latency.argtypes = [ctypes.c_void_p, ctypes.c_void_p]
+    library.pa_simple_write.argtypes = [
+        ctypes.c_void_p, ctypes.c_char_p, ctypes.c_size_t, ctypes.c_void_p]
+    library.pa_simple_free.argtypes = [ctypes.c_void_p]
+    little_endian_16, playback, default = 3, 1, 0xFFFFFFFF
+    sizes = _BufferSizes(default, RATE * 2 // 10, default, default, default)
+    stream = library.pa_simple_new(
+        server.encode(), b"clicks", playback, None, b"clicks",
+        ctypes.byref(_SampleFormat(little_endian_16, RATE, 1)), None, ctypes.byref(sizes), None)
+    if not stream:
+        raise SystemExit("the sound server takes no clicks")
+    silence = bytes(RATE // 100 * 2)
+    click = (numpy.ones(RATE // 100) * 16000).astype("<i2").tobytes()
+    heard = []
+    for _ in range(count):
+        for _ in range(50):
+            library.pa_simple_write(stream, silence, len(silence), None)
+        delay = library.pa_simple_get_latency(stream, None) / 1e6
+        heard.append(time.monotonic() + delay)
+        library.pa_simple_write(stream, click, len(click), None)
+    for _ in range(50):
+        library.pa_simple_write(stream, silence, len(silence), None)
+    library.pa_simple_free(stream)
+    return heard
+
+
+def onset(recording, since, until):
+    """When the first loud sample between two instants is recorded; none: None."""
+    recording.level(since, until)
+    loud = numpy.flatnonzero(abs(recording.samples(since, until)) > LOUD)
+    return since + loud[0] / RATE if len(loud) else None
+
+
+class Bench:
+    """The desktop, and what was measured on it."""
+
+    def __init__(self, build, stack):
+        self._build = build
+        self._session = stack.enter_context(Session())
+        self._typist = Typist(self._session.display.name, stack)
+        self._recording = self._session.recording
+        self._recording.wait_for_start()
+        self._home = os.path.join(self._session.directory, "home")
+        self.environment = self._session.environment(self._home)
+        settings = pathlib.Path(self.environment["XDG_CONFIG_HOME"], "quorvane", "quorvane.ini")
+        settings.parent.mkdir(parents=True)
+        settings.write_text("[General]\nhardwareChecked=true\n", encoding="utf-8")
+        self._server = self._find_sound_server()
+
+    def _find_sound_server(self):
+        mine = os.getpid()
+        for entry in pathlib.Path("/proc").glob("[0-9]*"):
+            with contextlib.suppress(OSError):
+                status = (entry / "status").read_text()
+                if "Name:\tpulseaudio" in status and f"PPid:\t{mine}\n" in status:
+                    return int(entry.name)
+        raise SystemExit("where is the sound server?")
+
+    @contextlib.contextmanager
+    def ours(self):
+        """The program with the switch on; its process."""
+        with contextlib.ExitStack() as stack:
+            program = self._session.run([str(self._build / "quorvane")], self.environment, stack)
+            screens = self._session.reader.application(program)
+            screens.press("MAKE ME SUFFER 😭")
+            screens.find(SWITCH)
+            screens.toggle(SWITCH)
+            program.wait_for_line(STARTED)
+            yield program.pid
+            program.terminate()
+            program.wait_for_exit()
+
+    @contextlib.contextmanager
+    def other(self):
+        """bucklespring, ready; its process."""
+        with contextlib.ExitStack() as stack:
+            process = processes.start([OTHER], dict(self.environment, ALSOFT_DRIVERS="pulse"),
+                                      stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+            stack.callback(processes.end, process)
+            wait_until(self._is_heard, "bucklespring to make a sound", 20)
+            yield process.pid
+
+    def _is_heard(self):
+        earliest = self._stroke()
+        return onset(self._recording, earliest, earliest + 0.4) is not None
+
+    def _stroke(self):
+        earliest, _ = self._typist.press(KEY)
+        time.sleep(HOLD)
+        self._typist.release(KEY)
+        return earliest
+
+    def type(self, count):
+        """The instants of `count` keys."""
+        time.sleep(SETTLED)
+        instants = []
+        for _ in range(count):
+            instants.append(self._stroke())
+            time.sleep(max(0.0, instants[-1] + APART - time.monotonic()))
+        return instants
+
+    def rest(self, pid, seconds):
+        """The instant of a key after that long; milliseconds of processor time a second."""
+        time.sleep(SETTLED)
+        before = processor_time(pid), processor_time(self._server), time.monotonic()
+        time.sleep(seconds)
+        after = processor_time(pid), processor_time(self._server), time.monotonic()
+        spent = [(b - a) / (after[2] - before[2]) * 1000 for a, b in zip(before[:2], after[:2])]
+        instant = self._stroke()
+        time.sleep(APART)
+        return instant, spent
+
+    def clock_error(self):
+        """How much later the recording says that something sounded than the sound server does."""
+        errors = []
+        for heard in clicks(self._session.sound.address, 15):
+            at = onset(self._recording, heard - 0.2, heard + 0.2)
+            if at is not None:
+                errors.append(at - heard)
+        print(f"clock of the recording, by {len(errors)} clicks: {statistics.median(errors) * 1000:.1f} ms"
+              f" ({min(errors) * 1000:.1f} to {max(errors) * 1000:.1f}) taken off")
+        return statistics.median(errors)
+
+    def latencies(self, instants, error):
+        """Milliseconds; a key that was not heard is left out, and told."""
+        found = []
+        for instant in instants:
+            at = onset(self._recording, instant + error, instant + error + 0.4)
+            if at is None:
+                print(f"a key at {instant:.3f} was not heard")
+            else:
+                found.append((at - error - instant) * 1000)
+        return found
+
+
+def percentile(values, share):
+    return sorted(values)[min(len(values) - 1, round(share * (len(values) - 1)))]
+
+
+def main():
+    build = pathlib.Path(sys.argv[1])
+    turns, keys, rest = [int(given) if given else default for given, default in zip(
+        (sys.argv[2:] + [""] * 3)[:3], (5, 10, 60))]
+    typed = {"ours": [], "other": []}
+    rested = {"ours": [], "other": []}
+    spent = {"ours": [], "other": []}
+    with contextlib.ExitStack() as stack:
+        bench = Bench(build, stack)
+        sides = {"ours": bench.ours, "other": bench.other}
+        for _ in range(turns):
+            for name, side in sides.items():
+                with side():
+                    typed[name] += bench.type(keys)
+        for _ in range(RESTS):
+            for name, side in sides.items():
+                with side() as pid:
+                    instant, cost = bench.rest(pid, rest)
+                    rested[name].append(instant)
+                    spent[name].append(cost)
+        error = bench.clock_error()
+        medians = {}
+        for name, title in (("ours", "Quorvane"), ("other", "bucklespring")):
+            values = bench.latencies(typed[name], error)
+            first = bench.latencies(rested[name], error)
+            medians[name] = statistics.median(values)
+            print(f"== {title}\n{len(values)} keys (ms): median {medians[name]:.1f}, "
+                  f"90th percentile {percentile(values, 0.9):.1f}, "
+                  f"{min(values):.1f} to {max(values):.1f}")
+            print(f"first key after {rest} s (ms): {', '.join(f'{value:.1f}' for value in first)}")
+            print("at rest (ms of processor time a second): "
+                  + ", ".join(f"{own:.2f} (sound server {server:.2f})" for own, server in spent[name]))
+        print(f"== ratio of the medians, ours to the other: {medians['ours'] / medians['other']:.2f}")
+        idle = [statistics.median(own for own, _ in spent[name]) for name in ("ours", "other")]
+        print(f"== ratio at rest: {idle[0] / idle[1]:.2f}")
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,265 @@
+"""Every key press cracks, in whatever program, and nothing else is made of it."""
+
+import os
+import re
+import subprocess
+import sys
+import time
+import unittest
+
+import dbus.bus
+import dbus.lowlevel
+import numpy
+
+from harness import REPOSITORY, EndToEndTest
+from desktop import processes
+from desktop.typist import Typist
+
+SWITCH = "Keyboard"
+LOADED = "✅ [KEYBOARD] keyboard.mp3 loaded"
+STARTED = "⌨️ [KEYBOARD] Event tap started — global monitoring active"
+
+LOUD = 0.02
+"""Share of full scale that a crack begins with; the null sink has no noise."""
+
+APART = 0.04
+"""Seconds of less than that after which a new crack may begin: one decays within half of it."""
+
+REACTION = 0.5
+"""Seconds that a key may take to be heard; generous for a busy machine."""
+
+RATE_LIMIT = 0.15
+TOLERANCE = 0.02
+"""Seconds by which cracks may sound earlier or later than they were begun: an output buffer."""
+
+ATTEMPTS = 8
+HOLD = 2.0
+SECRET = "xq7zvkjw9"
+BURST = [*"abcdefghijklmnopqrstuvwxyz0123456789", *(f"F{n}" for n in range(1, 13)),
+         *(f"KP_{n}" for n in range(10)), "space", "Tab", "minus", "equal", "comma", "period"]
+
+
+class KeyboardTest(EndToEndTest):
+    """The switch is on, and another program's window has the keyboard."""
+
+    listens = True
+
+    def setUp(self):
+        super().setUp()
+        self.panel = self.launch_into_control_panel(creak=False)
+        self.panel.toggle(SWITCH)
+        self.program.wait_for_line(STARTED)
+        self.typist = Typist(self.session.display.name, self.stack)
+        self._open_window()
+
+    def _open_window(self):
+        process = processes.start(
+            [sys.executable, str(REPOSITORY / "tools" / "desktop" / "window.py"), "336699"],
+            self.environment, stdout=subprocess.PIPE)
+        self.stack.callback(processes.end, process)
+        self.window = processes.Lines(process.stdout)
+        _, number = self.window.wait_for(lambda line: line.isdigit(), "its id")
+        self.wait_until(lambda: self.session.display.xdotool("getwindowfocus") == number,
+                        "the window to have the keyboard", 15)
+
+    def presses(self):
+        """How many key presses, repeats among them, the other program's window has got."""
+        return self.window.text.count("key")
+
+    def onsets(self, begin, end):
+        """When a crack begins between two instants."""
+        self.recording.level(begin, end)
+        loud = numpy.flatnonzero(abs(self.recording.samples(begin, end)) > LOUD) / 48000
+        if not len(loud):
+            return []
+        first = numpy.concatenate(([True], numpy.diff(loud) > APART))
+        return [begin + at for at in loud[first]]
+
+    def assert_cracks(self, count, begin, end, why):
+        self.assertEqual(len(self.onsets(begin, end)), count, why)
+
+    def stroke_twice(self, gap):
+        """Two keys `gap` seconds apart; when each was pressed, and the cracks that came of it."""
+        before = time.monotonic()
+        first, _ = self.typist.stroke("a")
+        time.sleep(max(0.0, first + gap - time.monotonic()))
+        second, _ = self.typist.stroke("b")
+        onsets = self.onsets(before, second + REACTION + 0.3)
+        return second - first, onsets
+
+
+class Keys(KeyboardTest):
+    def test_a_key_in_another_programs_window_cracks(self):
+        self.assert_silent(time.monotonic() - 0.3, time.monotonic(), "before the key")
+        earliest, _ = self.typist.stroke("a")
+        onset, = self.onsets(earliest, earliest + REACTION + 0.3)
+        self.assertLess(onset - earliest, REACTION)
+        self.wait_until(lambda: self.presses() == 1, "the key in the window")
+        self.assertIn(LOADED, self.program.console.text)
+        self.leave()
+
+    def test_keys_that_xdotool_types_crack(self):
+        begin = time.monotonic()
+        self.session.display.xdotool("type", "--delay", 400, "key")
+        self.assert_cracks(3, begin, time.monotonic() + REACTION, "three letters")
+        self.leave()
+
+    def test_a_held_key_cracks_once(self):
+        begin, _ = self.typist.press("a")
+        time.sleep(HOLD)
+        _, end = self.typist.release("a")
+        self.assert_cracks(1, begin, end + REACTION, "a held key")
+        self.assertGreater(self.presses(), 10, "the display server has not repeated the key")
+        self.leave()
+
+    def test_modifiers_alone_are_silent(self):
+        begin = time.monotonic()
+        for modifier in ("Shift_L", "Control_L", "Alt_L", "Super_L", "Caps_Lock", "Caps_Lock"):
+            self.typist.stroke(modifier)
+        self.wait_until(lambda: self.presses() >= 4, "the modifiers in the window")
+        self.assert_silent(begin, time.monotonic() + REACTION, "modifiers alone")
+        self.typist.press("Shift_L")
+        begin, _ = self.typist.stroke("a")
+        self.typist.release("Shift_L")
+        self.assert_cracks(1, begin, begin + REACTION + 0.3, "a capital letter")
+        self.leave()
+
+    def test_switched_off_keys_are_silent(self):
+        self.panel.toggle(SWITCH)
+        self.wait_until(lambda: not self.panel.is_on(SWITCH), "the switch to be off")
+        begin, _ = self.typist.stroke("a")
+        self.wait_until(lambda: self.presses() == 1, "the key in the window")
+        self.assert_silent(begin, begin + REACTION + 0.3, "with the switch off")
+        self.panel.toggle(SWITCH)
+        self.wait_until(lambda: self.program.console.text.count(STARTED) == 2, "the second start")
+        begin, _ = self.typist.stroke("a")
+        self.assert_cracks(1, begin, begin + REACTION + 0.3, "switched on again")
+        self.leave()
+
+
+class RateLimit(KeyboardTest):
+    """What is so close to the limit is judged by when things really happened: a busy machine may
+    bring two keys closer together, or further apart, on their way to the program."""
+
+    def check_distance(self, onsets):
+        for earlier, later in zip(onsets, onsets[1:]):
+            self.assertGreater(later - earlier, RATE_LIMIT - TOLERANCE)
+
+    def test_two_keys_closer_than_the_limit_crack_once(self):
+        seen = []
+        while len(seen) < ATTEMPTS:
+            gap, onsets = self.stroke_twice(0.1)
+            self.check_distance(onsets)
+            seen.append((round(gap, 3), len(onsets)))
+            if len(onsets) == 1 and gap < RATE_LIMIT - TOLERANCE:
+                break
+        else:
+            self.fail(f"gaps and cracks: {seen}")
+        self.leave()
+
+    def test_two_keys_further_apart_than_the_limit_crack_twice(self):
+        seen = []
+        while len(seen) < ATTEMPTS:
+            gap, onsets = self.stroke_twice(0.2)
+            self.check_distance(onsets)
+            seen.append((round(gap, 3), len(onsets)))
+            if len(onsets) == 2:
+                break
+        else:
+            self.fail(f"gaps and cracks: {seen}")
+        self.leave()
+
+    def test_a_burst_cracks_once_and_is_not_replayed(self):
+        self.assertEqual(len(BURST), 64)
+        seen = []
+        while len(seen) < ATTEMPTS:
+            begin, end = self.typist.press(*BURST)
+            self.typist.release(*BURST)
+            onsets = self.onsets(begin, end + 1.5)
+            self.check_distance(onsets)
+            self.assertLess(onsets[-1] - end, REACTION, "a replay")
+            seen.append((round(end - begin, 3), len(onsets)))
+            if len(onsets) == 1:
+                break
+        else:
+            self.fail(f"lengths and cracks: {seen}")
+        self.leave()
+
+
+class Privacy(KeyboardTest):
+    def _monitor(self, address):
+        process = processes.start(["dbus-monitor", "--address", address], self.environment,
+                                  stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        self.stack.callback(processes.end, process)
+        lines = processes.Lines(process.stdout)
+        connection = dbus.bus.BusConnection(address)
+        self.stack.callback(connection.close)
+        return connection, lines
+
+    def _names_of_the_program(self, connection):
+        bus = dbus.Interface(connection.get_object("org.freedesktop.DBus", "/org/freedesktop/DBus"),
+                             "org.freedesktop.DBus")
+        return [name for name in map(str, bus.ListNames()) if name.startswith(":")
+                and self._process_of(bus, name) == self.program.pid]
+
+    @staticmethod
+    def _process_of(bus, name):
+        try:
+            return int(bus.GetConnectionUnixProcessID(name))
+        except dbus.DBusException:
+            return None
+
+    def _files(self):
+        """All that is in the program's home, byte for byte."""
+        files = {}
+        for folder, _, names in os.walk(self.home):
+            for name in names:
+                path = os.path.join(folder, name)
+                if os.path.isfile(path):
+                    with open(path, "rb") as file:
+                        files[path] = file.read()
+        return files
+
+    def _sync(self, connection, lines, mark):
+        """Returns when the monitor has seen all that was sent so far."""
+        connection.send_message(dbus.lowlevel.SignalMessage("/mark", "quorvane.Test", mark))
+        connection.flush()
+        lines.wait_for(lambda line: f"member={mark}" in line, mark)
+
+    def test_what_is_typed_leaves_no_trace(self):
+        addresses = [self.environment["DBUS_SESSION_BUS_ADDRESS"],
+                     os.environ["AT_SPI_BUS_ADDRESS"]]
+        monitors = [self._monitor(address) for address in addresses]
+        for connection, lines in monitors:
+            self._sync(connection, lines, "Begin")
+        files, console, errors = self._files(), self.program.console.text, self.program.errors.text
+        names = [self._names_of_the_program(connection) for connection, _ in monitors]
+        self.assertTrue(names[0] or names[1], "the program is on no bus")
+        typed = time.monotonic()
+        self.session.display.xdotool("type", "--delay", 200, SECRET)
+        self.wait_until(lambda: self.presses() >= len(SECRET), "the secret in the window")
+        self.assertGreater(len(self.onsets(typed, time.monotonic() + REACTION)), 3,
+                           "it has not been listening")
+        for connection, lines in monitors:
+            self._sync(connection, lines, "End")
+        self.assertEqual(self.program.console.text, console)
+        self.assertEqual(self.program.errors.text, errors)
+        self.assertEqual(self._files(), files)
+        for (_, lines), own in zip(monitors, names):
+            self._check_traffic(lines.text, own)
+        self.leave()
+        self.assertEqual(self._files(), files)
+        text = "\n".join([*self.program.console.text, *self.program.errors.text])
+        self.assertNotIn(SECRET, text)
+
+    def _check_traffic(self, lines, names):
+        begin = next(i for i, line in enumerate(lines) if "member=Begin" in line)
+        end = next(i for i, line in enumerate(lines) if "member=End" in line)
+        sent = [line for line in lines[begin:end]
+                if (sender := re.search(r"sender=(\S+)", line)) and sender[1] in names]
+        self.assertEqual(sent, [])
+        self.assertNotIn(SECRET, "\n".join(lines))
+
+
+if __name__ == "__main__":
+    unittest.main()
