@@ -21,12 +21,11 @@ namespace fs = std::filesystem;
 constexpr auto helperName = "quorvane-keyboard-access";
 
 fs::path findHelper() {
-    const auto own = fs::path(QCoreApplication::applicationDirPath().toStdString()) / helperName;
-    const auto installed = fs::path(QUORVANE_LIBEXEC) / helperName;
+    const fs::path folder(QCoreApplication::applicationDirPath().toStdString());
     std::error_code error;
-    for (const fs::path& path : {own, installed})
-        if (fs::exists(path, error))
-            return path;
+    for (const fs::path& place : {folder, folder.parent_path() / QUORVANE_LIBEXEC})
+        if (fs::exists(place / helperName, error))
+            return place / helperName;
     return {};
 }
 

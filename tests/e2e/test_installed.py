@@ -7,15 +7,18 @@ import re
 import subprocess
 import unittest
 import wave
+import xml.etree.ElementTree
 
 from harness import BUILD, LOADED, REPOSITORY, EndToEndTest, wait_until
 
 FILES = {
     "bin/quorvane",
     "lib/udev/rules.d/70-quorvane.rules",
+    "libexec/quorvane-keyboard-access",
     "share/applications/quorvane.desktop",
     "share/doc/quorvane/LICENSE",
     "share/icons/hicolor/scalable/apps/quorvane.svg",
+    "share/polkit-1/actions/org.quorvane.keyboard-access.policy",
     "share/quorvane/creaking.mp3",
     "share/quorvane/fanmac.mp3",
     "share/quorvane/keyboard.mp3",
@@ -66,6 +69,15 @@ class Installed(EndToEndTest):
         files = {str(file.relative_to(self.prefix)) for file in self.package.rglob("*")
                  if not file.is_dir()}
         self.assertEqual(files, FILES)
+
+    def test_polkit_is_told_of_the_program_in_its_place(self):
+        policy = xml.etree.ElementTree.parse(
+            self.prefix / "share/polkit-1/actions/org.quorvane.keyboard-access.policy")
+        program = policy.find(".//annotate[@key='org.freedesktop.policykit.exec.path']").text
+        self.assertEqual(program, "/usr/libexec/quorvane-keyboard-access")
+        rights = [policy.find(f".//{who}").text
+                  for who in ("allow_any", "allow_inactive", "allow_active")]
+        self.assertEqual(rights, ["no", "no", "auth_admin"])
 
     def test_it_runs(self):
         self._launch_as_a_desktop_does("--version")
