@@ -1,6 +1,7 @@
 #include "tests/sounds/ShippedSounds.h"
 
 #include <memory>
+#include <ostream>
 #include <stdexcept>
 #include <utility>
 #include <variant>
@@ -8,6 +9,10 @@
 #include "platform/linux/SndfileAudioFile.h"
 
 namespace quorvane {
+
+std::ostream& operator<<(std::ostream& stream, const ShippedSound& sound) {
+    return stream << sound.name;
+}
 
 std::string pathOf(const ShippedSound& sound) {
     return std::string(QUORVANE_RESOURCES "/") + sound.name + ".mp3";

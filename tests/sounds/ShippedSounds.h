@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <iosfwd>
 #include <string>
 
 #include "tests/sounds/Measures.h"
@@ -18,6 +19,9 @@ struct ShippedSound {
     /// The program that makes it.
     const char* synthesis;
 };
+
+/// For the tests' names.
+std::ostream& operator<<(std::ostream& stream, const ShippedSound& sound);
 
 inline constexpr ShippedSound creak{"creaking", 1.0, 2, 4, "creak_synthesis"};
 inline constexpr ShippedSound crack{"keyboard", 0.5, 0.02, 0.25, "crack_synthesis"};
