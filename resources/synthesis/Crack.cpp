@@ -82,12 +82,14 @@ Sound makeAvalanche(Draws& draws) {
     constexpr double end = 0.085;
     Sound sound(frames(length));
     double wait = 0.00007;
-    for (double time = mainBreak; time < end; time += draws.exponential(wait)) {
+    double time = mainBreak;
+    while (time < end) {
         const double stress = std::exp(-(time - mainBreak) / calming);
         // Energies between these bounds fall off with the power that the measurements gave.
         const double size = std::sqrt(draws.power(0.0004, 1, 1.6));
         addSplinter(sound, time, size, std::pow(size, 0.3) * stress, draws);
         wait *= 1.02;
+        time += draws.exponential(wait);
     }
     // The large ones of the main break, and those that the blow breaks of what it left.
     for (int i = 0; i < 7; ++i)

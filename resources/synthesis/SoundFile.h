@@ -10,7 +10,9 @@ namespace quorvane::synthesis {
 constexpr double sampleRate = 44100;
 
 constexpr std::size_t frames(double seconds) {
-    return static_cast<std::size_t>(seconds * sampleRate + 0.5);
+    const double count = seconds * sampleRate;
+    const auto whole = static_cast<std::size_t>(count);
+    return count - static_cast<double>(whole) < 0.5 ? whole : whole + 1;
 }
 
 /// One channel of samples from -1 to 1.

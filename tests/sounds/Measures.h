@@ -13,7 +13,9 @@ using Samples = std::vector<float>;
 inline constexpr double sampleRate = 44100;
 
 constexpr std::size_t frames(double seconds) {
-    return static_cast<std::size_t>(seconds * sampleRate + 0.5);
+    const double count = seconds * sampleRate;
+    const auto whole = static_cast<std::size_t>(count);
+    return count - static_cast<double>(whole) < 0.5 ? whole : whole + 1;
 }
 
 /// Of a factor of amplitude, in dB.
