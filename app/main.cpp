@@ -13,11 +13,12 @@
 #include "app/OrrowinApp.h"
 #include "app/screens/MainWindow.h"
 #include "app/screens/PressControl.h"
-#include "platform/linux/DisplayServer.h"
-#include "platform/linux/LinuxDesktop.h"
-#include "platform/linux/LinuxPlatform.h"
-#include "platform/linux/TerminationSignals.h"
 #include "platform/simulated/LiveMachine.h"
+#ifdef QUORVANE_MACOS
+#include "platform/macos/MacHost.h"
+#else
+#include "platform/linux/LinuxHost.h"
+#endif
 
 namespace {
 
@@ -72,17 +73,17 @@ void playScenario(LiveMachine& machine, MainWindow& window) {
          .quit = [&window] { window.close(); }});
 }
 
-int runWindow(QGuiApplication& application, TerminationSignals& termination,
+int runWindow(QGuiApplication& application, Host::TerminationSignals& termination,
               const std::optional<Scenario>& scenario) {
-    LinuxPlatform linuxPlatform;
+    Host::Platform host;
     std::optional<LiveMachine> machine;
     if (scenario)
-        machine.emplace(*scenario, linuxPlatform.platform());
-    const Platform platform = machine ? machine->platform() : linuxPlatform.platform();
+        machine.emplace(*scenario, host.platform());
+    const Platform platform = machine ? machine->platform() : host.platform();
 
     OrrowinApp app(platform);
     const std::unique_ptr<ContentView> content = app.makeContentView();
-    LinuxDesktop desktop;
+    Host::Desktop desktop;
     MainWindow window(*content, platform, desktop);
     QObject::connect(&window, &MainWindow::appeared, &window, [&machine, &window] {
         if (machine)
@@ -101,8 +102,8 @@ int runWindow(QGuiApplication& application, TerminationSignals& termination,
 // `name` is the toolkit's to keep, in the form that it asks for.
 // NOLINTNEXTLINE(readability-non-const-parameter)
 int run(char* name, const std::optional<Scenario>& scenario) {
-    TerminationSignals termination;
-    DisplayServer display;
+    Host::TerminationSignals termination;
+    Host::DisplayServer display;
     if (!display.error().empty()) {
         complain(display.error());
         return cannotRun;

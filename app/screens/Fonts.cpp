@@ -3,17 +3,36 @@
 #include <QFontDatabase>
 #include <QGuiApplication>
 
+#ifdef QUORVANE_MACOS
+#include "platform/macos/MacSymbols.h"
+#endif
+
 namespace quorvane::Fonts {
 
 namespace {
 
 constexpr auto textFont = "Inter";
+#ifdef QUORVANE_MACOS
+constexpr auto emojiFont = "Apple Color Emoji";
+#else
 constexpr auto emojiFont = "Noto Color Emoji";
+#endif
 
 // The distribution has no rounded face that is heavier than bold. An outline with round joins makes
 // up for the rest, and makes it rounder still.
 constexpr auto roundedFont = "Quicksand";
 constexpr double outlineOfAnEm = 0.062;
+
+// The rounded face that there is; empty without any.
+QString roundedFamily() {
+#ifdef QUORVANE_MACOS
+    // The system has its own in every weight, and keeps it out of the list of families.
+    static const QString family = QString::fromStdString(roundedSystemFontFamily());
+    return family;
+#else
+    return QFontDatabase::hasFamily(roundedFont) ? QString(roundedFont) : QString();
+#endif
+}
 
 } // namespace
 
@@ -33,13 +52,14 @@ QFont heavy(int pixelSize) {
     QFont font = QGuiApplication::font();
     font.setPixelSize(pixelSize);
     font.setWeight(QFont::Black);
-    if (!QFontDatabase::hasFamily(roundedFont))
+    const QString rounded = roundedFamily();
+    if (rounded.isEmpty())
         return font;
     QStringList families = font.families();
-    families.prepend(roundedFont);
+    families.prepend(rounded);
     font.setFamilies(families);
     // The outlines of neighbours must not touch.
-    font.setLetterSpacing(QFont::AbsoluteSpacing, outline(roundedFont, pixelSize) / 2);
+    font.setLetterSpacing(QFont::AbsoluteSpacing, outline(rounded, pixelSize) / 2);
     return font;
 }
 

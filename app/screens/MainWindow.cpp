@@ -9,6 +9,9 @@
 
 #include "app/OrrowinApp.h"
 #include "app/screens/Fonts.h"
+#ifdef QUORVANE_MACOS
+#include "app/screens/SystemSymbols.h"
+#endif
 
 void qml_register_types_Quorvane();
 
@@ -46,6 +49,10 @@ MainWindow::~MainWindow() {
 
 bool MainWindow::show() {
     m_window.engine()->addImportPath("qrc:/qt/qml");
+#ifdef QUORVANE_MACOS
+    // The engine's to delete.
+    m_window.engine()->addImageProvider(QStringLiteral("symbols"), new SystemSymbols);
+#endif
     m_window.setInitialProperties({{"content", QVariant::fromValue(&m_model)}});
     m_window.setSource(QUrl("qrc:/qt/qml/Quorvane/MainView.qml"));
     if (m_window.status() != QQuickView::Ready)

@@ -2,7 +2,8 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 
-// One of the drawn symbols, by its name. One that is missing leaves its place empty.
+// A symbol by its name: the system's own on a Mac, one of the drawn ones elsewhere. One that is
+// missing leaves its place empty.
 Image {
     id: root
 
@@ -12,7 +13,8 @@ Image {
     width: root.size
     height: root.size
     sourceSize: Qt.size(root.size, root.size)
-    source: "qrc:/symbols/" + root.name + ".svg"
+    source: Qt.platform.os === "osx" ? "image://symbols/" + root.name
+                                     : "qrc:/symbols/" + root.name + ".svg"
 
     // Whatever it stands beside says it.
     Accessible.ignored: true

@@ -16,9 +16,13 @@ using TerminationSignals = MacTerminationSignals;
 /// There is but one display server, and the toolkit knows it.
 class DisplayServer {
 public:
-    [[nodiscard]] static std::string error() { return {}; }
+    /// Empty: nothing is wrong.
+    [[nodiscard]] const std::string& error() const { return m_error; }
 
     void release() {}
+
+private:
+    std::string m_error;
 };
 
 } // namespace quorvane::Host

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/linux/LinuxConsole.h"
+#include "platform/macos/MacConsole.h"
 #include "platform/simulated/SimulatedSystem.h"
 
 namespace quorvane {
@@ -40,6 +41,7 @@ private:
     SimulatedConsole m_console;
 };
 
+template <typename DescriptorConsole>
 class PipeSide final : public ConsoleContractSide {
 public:
     PipeSide() : m_ends(makePipe()), m_console(m_ends[1]) {}
@@ -75,7 +77,7 @@ private:
 
     std::array<int, 2> m_ends;
     std::string m_text;
-    LinuxConsole m_console;
+    DescriptorConsole m_console;
 };
 
 using ConsoleSideMaker = std::unique_ptr<ConsoleContractSide> (*)();
@@ -108,7 +110,8 @@ std::unique_ptr<ConsoleContractSide> make() {
 }
 
 INSTANTIATE_TEST_SUITE_P(Simulated, ConsoleContract, testing::Values(&make<SimulatedSide>));
-INSTANTIATE_TEST_SUITE_P(Linux, ConsoleContract, testing::Values(&make<PipeSide>));
+INSTANTIATE_TEST_SUITE_P(Linux, ConsoleContract, testing::Values(&make<PipeSide<LinuxConsole>>));
+INSTANTIATE_TEST_SUITE_P(Mac, ConsoleContract, testing::Values(&make<PipeSide<MacConsole>>));
 
 } // namespace
 

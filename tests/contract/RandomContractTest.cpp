@@ -7,6 +7,7 @@
 #include <set>
 
 #include "platform/linux/LinuxRandom.h"
+#include "platform/macos/MacRandom.h"
 #include "platform/simulated/SimulatedSystem.h"
 
 namespace quorvane {
@@ -78,6 +79,7 @@ std::unique_ptr<Random> make() {
 
 INSTANTIATE_TEST_SUITE_P(Simulated, RandomContract, testing::Values(&make<SimulatedRandom>));
 INSTANTIATE_TEST_SUITE_P(Linux, RandomContract, testing::Values(&make<LinuxRandom>));
+INSTANTIATE_TEST_SUITE_P(Mac, RandomContract, testing::Values(&make<MacRandom>));
 
 } // namespace
 

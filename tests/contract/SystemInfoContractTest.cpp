@@ -2,7 +2,9 @@
 #include <memory>
 
 #include "platform/linux/LinuxSystemInfo.h"
+#include "platform/macos/MacSystemInfo.h"
 #include "platform/simulated/SimulatedSystem.h"
+#include "tests/macos/StandInTest.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -54,6 +56,19 @@ private:
     LinuxSystemInfo m_info{m_root.path(), [this] { return std::vector{m_root.path() / "event0"}; }};
 };
 
+class MacSide final : public SystemInfoContractSide {
+public:
+    SystemInfo& info() override { return m_info; }
+
+    void setModel(const std::string& model) override { standin::machine().model = model; }
+
+    void setTrusted(bool trusted) override { standin::machine().trusted = trusted; }
+
+private:
+    StandInMachine m_machine;
+    MacSystemInfo m_info;
+};
+
 using SystemInfoSideMaker = std::unique_ptr<SystemInfoContractSide> (*)();
 
 class SystemInfoContract : public testing::TestWithParam<SystemInfoSideMaker> {
@@ -86,6 +101,7 @@ std::unique_ptr<SystemInfoContractSide> make() {
 
 INSTANTIATE_TEST_SUITE_P(Simulated, SystemInfoContract, testing::Values(&make<SimulatedSide>));
 INSTANTIATE_TEST_SUITE_P(Linux, SystemInfoContract, testing::Values(&make<LinuxSide>));
+INSTANTIATE_TEST_SUITE_P(MacStandIn, SystemInfoContract, testing::Values(&make<MacSide>));
 
 } // namespace
 

@@ -14,15 +14,6 @@ protected:
     MacSystemInfo m_info;
 };
 
-TEST_F(MacSystemInfoTest, AModelThatIsNotKnownIsEmpty) {
-    EXPECT_EQ(m_info.modelName(), "");
-}
-
-TEST_F(MacSystemInfoTest, TheModelIsTheMakersName) {
-    standin::machine().model = "MacBookPro18,3";
-    EXPECT_EQ(m_info.modelName(), "MacBookPro18,3");
-}
-
 TEST_F(MacSystemInfoTest, ThePlainQuestionOfTrustAsksNobody) {
     EXPECT_FALSE(m_info.isProcessTrusted());
     standin::machine().trusted = true;

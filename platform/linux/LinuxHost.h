@@ -1,0 +1,16 @@
+#pragma once
+
+#include "platform/linux/DisplayServer.h"
+#include "platform/linux/LinuxDesktop.h"
+#include "platform/linux/LinuxPlatform.h"
+#include "platform/linux/TerminationSignals.h"
+
+/// The machine that the program runs on, under the names by which the main program knows it.
+namespace quorvane::Host {
+
+using Desktop = LinuxDesktop;
+using DisplayServer = quorvane::DisplayServer;
+using Platform = LinuxPlatform;
+using TerminationSignals = quorvane::TerminationSignals;
+
+} // namespace quorvane::Host
