@@ -32,6 +32,29 @@ bool isButton(std::size_t code) {
            code >= BTN_TRIGGER_HAPPY;
 }
 
+void setMask(int descriptor, std::uint32_t type, const EvdevKeyboard::Keys& codes) {
+    std::array<std::uint8_t, (KEY_CNT + 7) / 8> bytes{};
+    for (std::size_t code = 0; code < codes.size(); ++code)
+        bytes[code / 8] = static_cast<std::uint8_t>(bytes[code / 8] | (codes[code] << (code % 8)));
+    input_mask mask{};
+    mask.type = type;
+    mask.codes_size = static_cast<std::uint32_t>(bytes.size());
+    mask.codes_ptr = reinterpret_cast<std::uintptr_t>(bytes.data());
+    // Not having it costs wake-ups and nothing else.
+    static_cast<void>(ioctl(descriptor, EVIOCSMASK, &mask));
+}
+
+/// Of all that the node carries, only keys are to come here.
+void askForKeysOnly(int descriptor) {
+    EvdevKeyboard::Keys types;
+    types.set(EV_KEY);
+    setMask(descriptor, EV_SYN, types);
+    EvdevKeyboard::Keys keys;
+    for (std::size_t code = 0; code < keys.size(); ++code)
+        keys[code] = !isButton(code);
+    setMask(descriptor, EV_KEY, keys);
+}
+
 } // namespace
 
 std::unique_ptr<EvdevKeyboard> EvdevKeyboard::open(const std::filesystem::path& node,
@@ -39,6 +62,7 @@ std::unique_ptr<EvdevKeyboard> EvdevKeyboard::open(const std::filesystem::path& 
     const int descriptor = ::open(node.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     if (descriptor < 0)
         return nullptr;
+    askForKeysOnly(descriptor);
     return std::unique_ptr<EvdevKeyboard>(new EvdevKeyboard(descriptor, std::move(sink), query));
 }
 
@@ -122,6 +146,11 @@ void EvdevKeyboard::catchUp() {
     const auto now = m_query(m_descriptor);
     if (!now)
         return;
+    // Some dozens of events are lost. With no key down they were no repeats: keys were pressed.
+    if (m_down.none() && now->none()) {
+        deliver({.type = TapEventType::KeyDown});
+        deliver({.type = TapEventType::KeyUp});
+    }
     for (std::size_t key = 0; key < m_down.size(); ++key)
         if (now->test(key) != m_down.test(key))
             handleKey(key, now->test(key) ? 1 : released);
@@ -130,15 +159,20 @@ void EvdevKeyboard::catchUp() {
 void EvdevKeyboard::handleKey(std::size_t key, int value) {
     const bool isRepeat = value == repeated || (value != released && m_down.test(key));
     m_down.set(key, value != released);
-    if (!m_delivers || isButton(key))
+    if (isButton(key))
         return;
     if (isModifier(key)) {
         if (!isRepeat)
-            m_sink({.type = TapEventType::FlagsChanged});
+            deliver({.type = TapEventType::FlagsChanged});
     } else {
-        m_sink({.type = value == released ? TapEventType::KeyUp : TapEventType::KeyDown,
-                .keyboardAutorepeat = isRepeat ? 1 : 0});
+        deliver({.type = value == released ? TapEventType::KeyUp : TapEventType::KeyDown,
+                 .keyboardAutorepeat = isRepeat ? 1 : 0});
     }
+}
+
+void EvdevKeyboard::deliver(const TapEvent& event) const {
+    if (m_delivers)
+        m_sink(event);
 }
 
 } // namespace quorvane

@@ -49,6 +49,7 @@ private:
     void handleReport(const input_event& event);
     void handleKey(std::size_t key, int value);
     void catchUp();
+    void deliver(const TapEvent& event) const;
 
     int m_descriptor;
     KeyEventReader::Sink m_sink;

@@ -52,19 +52,19 @@ void X11Modifiers::addMapped(xcb_connection_t* connection) {
 
 void X11Modifiers::addBySymbol(xcb_connection_t* connection) {
     const xcb_setup_t& setup = *xcb_get_setup(connection);
-    const int count = setup.max_keycode - setup.min_keycode + 1;
+    const auto count = static_cast<std::uint8_t>(setup.max_keycode - setup.min_keycode + 1);
     const XcbReply<xcb_get_keyboard_mapping_reply_t> reply{xcb_get_keyboard_mapping_reply(
-        connection,
-        xcb_get_keyboard_mapping(connection, setup.min_keycode, static_cast<uint8_t>(count)),
-        nullptr)};
-    if (!reply)
+        connection, xcb_get_keyboard_mapping(connection, setup.min_keycode, count), nullptr)};
+    if (!reply || reply->keysyms_per_keycode == 0)
         return;
     const xcb_keysym_t* symbols = xcb_get_keyboard_mapping_keysyms(reply.get());
-    const int length = xcb_get_keyboard_mapping_keysyms_length(reply.get());
-    const int perKeycode = reply->keysyms_per_keycode;
-    for (int key = 0; perKeycode > 0 && (key + 1) * perKeycode <= length; ++key)
-        if (isModifier(symbols[key * perKeycode]))
-            m_keycodes.set(static_cast<std::size_t>(setup.min_keycode + key));
+    const xcb_keysym_t* end = symbols + xcb_get_keyboard_mapping_keysyms_length(reply.get());
+    // A key's own symbol is the first of its row.
+    for (std::size_t key = setup.min_keycode; symbols < end && key < m_keycodes.size(); ++key) {
+        if (isModifier(*symbols))
+            m_keycodes.set(key);
+        symbols += reply->keysyms_per_keycode;
+    }
 }
 
 } // namespace quorvane

@@ -136,6 +136,16 @@ TEST_F(EvdevKeyboardTest, AKeyThatIsHeldAllAlongIsNoPressAfterAGap) {
     EXPECT_THAT(heard(), IsEmpty());
 }
 
+TEST_F(EvdevKeyboardTest, AGapWithNoKeyDownBeforeOrAfterHidesAPress) {
+    openKeyboard();
+    holdOnTheDevice({});
+    m_pipe.sendEvent(EV_SYN, SYN_DROPPED, 0);
+    m_pipe.send(KEY_A, 0);
+    EXPECT_THAT(heard(), ElementsAre(keyDown, keyUp));
+    m_pipe.send(KEY_A, 1);
+    EXPECT_THAT(heard(), ElementsAre(keyDown));
+}
+
 TEST_F(EvdevKeyboardTest, AKeyThatIsDownSinceBeforeIsNoPress) {
     holdOnTheDevice({KEY_A});
     openKeyboard();
