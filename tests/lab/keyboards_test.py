@@ -12,6 +12,9 @@ RESULTS = pathlib.Path(os.environ["LAB_RESULTS"])
 ONSET = 0.4
 """Seconds from a key to its crack on an emulated processor."""
 
+EARLY = 0.1
+"""Seconds by which the recording's clock may be ahead; it is silent before every deed."""
+
 CRACK = 0.35
 """Seconds that one crack lasts at most, with the output's buffer."""
 
@@ -45,7 +48,7 @@ class Typing(unittest.TestCase):
     def loud(self, deed):
         """When it is loud between a deed's beginning and end, in seconds from the beginning."""
         begin, end = self.deeds[deed]["begin"], self.deeds[deed]["end"]
-        return [at - begin for at in self.sound.loud_windows(begin, end, AUDIBLE)]
+        return [at - begin for at in self.sound.loud_windows(begin - EARLY, end - EARLY, AUDIBLE)]
 
     def assert_one_crack(self, deed):
         loud = self.loud(deed)
