@@ -12,7 +12,7 @@ Image {
 
     width: root.size
     height: root.size
-    sourceSize: Qt.size(root.size, root.size)
+    sourceSize { width: root.size; height: root.size }
     source: Qt.platform.os === "osx" ? "image://symbols/" + root.name
                                      : "qrc:/symbols/" + root.name + ".svg"
 
