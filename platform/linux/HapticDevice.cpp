@@ -30,10 +30,12 @@ HapticDevice::~HapticDevice() {
 }
 
 bool HapticDevice::play(HapticPattern pattern) {
-    const auto& own = m_effects.at(static_cast<std::size_t>(pattern));
-    const auto any = std::find_if(m_effects.begin(), m_effects.end(),
-                                  [](const auto& effect) { return effect.has_value(); });
-    return m_port->play(own ? *own : any->value());
+    std::optional<int> effect = m_effects.at(static_cast<std::size_t>(pattern));
+    for (const auto& other : m_effects) {
+        if (!effect)
+            effect = other;
+    }
+    return effect && m_port->play(*effect);
 }
 
 /// Whether it took one at least; another one is then felt in place of what it has no room for.

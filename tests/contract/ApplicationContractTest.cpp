@@ -1,0 +1,114 @@
+#include <QGuiApplication>
+#include <QWindow>
+#include <gtest/gtest.h>
+#include <memory>
+
+#include "platform/linux/LinuxApplication.h"
+#include "platform/simulated/SimulatedSystem.h"
+#include "tests/support/Environment.h"
+#include "tests/support/QtApplication.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace quorvane {
+
+namespace {
+
+class ApplicationContractSide {
+public:
+    ApplicationContractSide() = default;
+    ApplicationContractSide(const ApplicationContractSide&) = delete;
+    ApplicationContractSide& operator=(const ApplicationContractSide&) = delete;
+    virtual ~ApplicationContractSide() = default;
+
+    virtual const Application& application() = 0;
+    virtual void setStartsAtLogin(bool starts) = 0;
+    virtual void bringToFront() = 0;
+    virtual void leaveFront() = 0;
+};
+
+class SimulatedSide final : public ApplicationContractSide {
+public:
+    SimulatedSide() { m_simulated.active = false; }
+
+    const Application& application() override { return m_simulated; }
+
+    void setStartsAtLogin(bool starts) override {
+        m_simulated.loginItem = starts ? LoginItemStatus::Enabled : LoginItemStatus::NotRegistered;
+    }
+
+    void bringToFront() override { m_simulated.active = true; }
+
+    void leaveFront() override { m_simulated.active = false; }
+
+private:
+    SimulatedApplication m_simulated;
+};
+
+class LinuxSide final : public ApplicationContractSide {
+public:
+    const Application& application() override { return m_linux; }
+
+    void setStartsAtLogin(bool starts) override {
+        m_config.write("autostart/quorvane.desktop",
+                       std::string("[Desktop Entry]\nType=Application\nExec=quorvane\nHidden=") +
+                           (starts ? "false\n" : "true\n"));
+    }
+
+    void bringToFront() override {
+        m_window = std::make_unique<QWindow>();
+        m_window->show();
+        m_window->requestActivate();
+        QtApplication::runUntil([this] { return m_window->isActive(); });
+    }
+
+    void leaveFront() override {
+        m_window.reset();
+    }
+
+private:
+    TemporaryFolder m_config;
+    EnvironmentVariable m_home{"XDG_CONFIG_HOME", m_config.path().string()};
+    EnvironmentVariable m_platform{"QT_QPA_PLATFORM", "offscreen"};
+    int m_count = 1;
+    char m_name[5] = "test";                  // NOLINT(modernize-avoid-c-arrays): what Qt asks for.
+    char* m_arguments[2] = {m_name, nullptr}; // NOLINT(modernize-avoid-c-arrays): the same.
+    QGuiApplication m_toolkit{m_count, m_arguments};
+    std::unique_ptr<QWindow> m_window;
+    LinuxApplication m_linux;
+};
+
+using ApplicationSideMaker = std::unique_ptr<ApplicationContractSide> (*)();
+
+class ApplicationContract : public testing::TestWithParam<ApplicationSideMaker> {
+protected:
+    std::unique_ptr<ApplicationContractSide> m_side = GetParam()();
+};
+
+TEST_P(ApplicationContract, TheLoginItemIsWhatItIsWhenItIsAskedFor) {
+    m_side->setStartsAtLogin(false);
+    EXPECT_EQ(m_side->application().loginItemStatus(), LoginItemStatus::NotRegistered);
+    m_side->setStartsAtLogin(true);
+    EXPECT_EQ(m_side->application().loginItemStatus(), LoginItemStatus::Enabled);
+    m_side->setStartsAtLogin(false);
+    EXPECT_EQ(m_side->application().loginItemStatus(), LoginItemStatus::NotRegistered);
+}
+
+TEST_P(ApplicationContract, TheProgramIsActiveWhileItIsInFront) {
+    EXPECT_FALSE(m_side->application().isActive());
+    m_side->bringToFront();
+    EXPECT_TRUE(m_side->application().isActive());
+    m_side->leaveFront();
+    EXPECT_FALSE(m_side->application().isActive());
+}
+
+template <typename Side>
+std::unique_ptr<ApplicationContractSide> make() {
+    return std::make_unique<Side>();
+}
+
+INSTANTIATE_TEST_SUITE_P(Simulated, ApplicationContract, testing::Values(&make<SimulatedSide>));
+INSTANTIATE_TEST_SUITE_P(Linux, ApplicationContract, testing::Values(&make<LinuxSide>));
+
+} // namespace
+
+} // namespace quorvane

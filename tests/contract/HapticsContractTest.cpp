@@ -1,0 +1,138 @@
+#include <gmock/gmock.h>
+#include <memory>
+#include <vector>
+
+#include "platform/linux/HapticEffects.h"
+#include "platform/linux/LinuxHaptics.h"
+#include "platform/simulated/SimulatedHaptics.h"
+#include "platform/simulated/SimulatedRunLoop.h"
+#include "tests/support/FakeForceFeedback.h"
+#include "tests/support/QtApplication.h"
+
+namespace quorvane {
+
+namespace {
+
+using testing::ElementsAre;
+
+class HapticsContractSide {
+public:
+    HapticsContractSide() = default;
+    HapticsContractSide(const HapticsContractSide&) = delete;
+    HapticsContractSide& operator=(const HapticsContractSide&) = delete;
+    virtual ~HapticsContractSide() = default;
+
+    virtual HapticService& service() = 0;
+    /// A performer whose pulses are felt from now on.
+    virtual std::shared_ptr<HapticPerformer> readyPerformer() = 0;
+    /// What was felt since the performer was ready.
+    virtual std::vector<HapticPattern> pulses() = 0;
+};
+
+class SimulatedSide final : public HapticsContractSide {
+public:
+    HapticService& service() override { return m_haptics; }
+
+    std::shared_ptr<HapticPerformer> readyPerformer() override {
+        return m_haptics.defaultPerformer();
+    }
+
+    std::vector<HapticPattern> pulses() override {
+        std::vector<HapticPattern> patterns;
+        for (const auto& pulse : m_haptics.pulses())
+            patterns.push_back(pulse.pattern);
+        return patterns;
+    }
+
+private:
+    SimulatedRunLoop m_runLoop;
+    SimulatedHaptics m_haptics{m_runLoop};
+};
+
+/// On a device that is not one of this machine's.
+class LinuxSide final : public HapticsContractSide {
+public:
+    LinuxSide() {
+        m_machine->plug({.node = {.node = "event0", .number = 0, .kind = HapticKind::Rumble}});
+    }
+
+    HapticService& service() override { return m_haptics; }
+
+    std::shared_ptr<HapticPerformer> readyPerformer() override {
+        auto performer = m_haptics.defaultPerformer();
+        const bool isReady = QtApplication::runUntil([&] {
+            performer->performFeedback(HapticPattern::Generic, HapticPerformanceTime::Now);
+            return !m_machine->plays().empty();
+        });
+        EXPECT_TRUE(isReady);
+        m_before = m_machine->plays().size();
+        return performer;
+    }
+
+    std::vector<HapticPattern> pulses() override {
+        std::vector<HapticPattern> patterns;
+        const auto plays = m_machine->plays();
+        for (std::size_t i = m_before; i < plays.size(); ++i)
+            patterns.push_back(patternOf(plays[i].effect));
+        return patterns;
+    }
+
+private:
+    static HapticPattern patternOf(const ff_effect& effect) {
+        for (const auto pattern : {HapticPattern::Generic, HapticPattern::Alignment}) {
+            if (hapticEffect(HapticKind::Rumble, pattern).u.rumble.weak_magnitude ==
+                effect.u.rumble.weak_magnitude)
+                return pattern;
+        }
+        return HapticPattern::LevelChange;
+    }
+
+    QtApplication m_application;
+    std::shared_ptr<FakeForceFeedback> m_machine = std::make_shared<FakeForceFeedback>();
+    LinuxHaptics m_haptics{m_machine};
+    std::size_t m_before = 0;
+};
+
+using HapticsSideMaker = std::unique_ptr<HapticsContractSide> (*)();
+
+class HapticsContract : public testing::TestWithParam<HapticsSideMaker> {
+protected:
+    std::unique_ptr<HapticsContractSide> m_side = GetParam()();
+};
+
+TEST_P(HapticsContract, ThereIsAlwaysAPerformer) {
+    EXPECT_NE(m_side->service().defaultPerformer(), nullptr);
+    EXPECT_NE(m_side->service().defaultPerformer(), nullptr);
+}
+
+TEST_P(HapticsContract, EachRequestIsOnePulseInTheirOrder) {
+    const auto performer = m_side->readyPerformer();
+    performer->performFeedback(HapticPattern::LevelChange, HapticPerformanceTime::Now);
+    performer->performFeedback(HapticPattern::Generic, HapticPerformanceTime::Now);
+    performer->performFeedback(HapticPattern::Alignment, HapticPerformanceTime::Default);
+    performer->performFeedback(HapticPattern::Alignment, HapticPerformanceTime::DrawCompleted);
+    EXPECT_THAT(m_side->pulses(), ElementsAre(HapticPattern::LevelChange, HapticPattern::Generic,
+                                              HapticPattern::Alignment, HapticPattern::Alignment));
+}
+
+TEST_P(HapticsContract, EveryPerformerOfTheMomentIsTheSameDevices) {
+    const auto first = m_side->readyPerformer();
+    first->performFeedback(HapticPattern::Generic, HapticPerformanceTime::Now);
+    m_side->service().defaultPerformer()->performFeedback(HapticPattern::LevelChange,
+                                                          HapticPerformanceTime::Now);
+    first->performFeedback(HapticPattern::Alignment, HapticPerformanceTime::Now);
+    EXPECT_THAT(m_side->pulses(), ElementsAre(HapticPattern::Generic, HapticPattern::LevelChange,
+                                              HapticPattern::Alignment));
+}
+
+template <typename Side>
+std::unique_ptr<HapticsContractSide> make() {
+    return std::make_unique<Side>();
+}
+
+INSTANTIATE_TEST_SUITE_P(Simulated, HapticsContract, testing::Values(&make<SimulatedSide>));
+INSTANTIATE_TEST_SUITE_P(Linux, HapticsContract, testing::Values(&make<LinuxSide>));
+
+} // namespace
+
+} // namespace quorvane

@@ -1,0 +1,166 @@
+#include <cstring>
+#include <gmock/gmock.h>
+#include <memory>
+#include <set>
+
+#include "platform/linux/HapticDevice.h"
+#include "platform/linux/HapticEffects.h"
+#include "platform/linux/HapticScan.h"
+#include "tests/support/FakeForceFeedback.h"
+
+namespace quorvane {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+HapticNode rumble(int number) {
+    return {.node = "event" + std::to_string(number), .number = number, .kind = HapticKind::Rumble};
+}
+
+HapticNode touchpad(int number) {
+    return {
+        .node = "event" + std::to_string(number), .number = number, .kind = HapticKind::Touchpad};
+}
+
+HapticEffect clickOf(const ff_effect& effect) {
+    HapticEffect click;
+    std::memcpy(static_cast<void*>(&click), &effect.u, sizeof click);
+    return click;
+}
+
+constexpr std::array patterns{HapticPattern::Generic, HapticPattern::Alignment,
+                              HapticPattern::LevelChange};
+
+TEST(HapticScanTest, CapabilitiesTellWhatADeviceMakesPulsesOf) {
+    EXPECT_EQ(hapticKind("0"), std::nullopt);
+    EXPECT_EQ(hapticKind(""), std::nullopt);
+    EXPECT_EQ(hapticKind("no number"), std::nullopt);
+    // Bit 0x50 and its like, of words of 64 bits.
+    EXPECT_EQ(hapticKind("107030000 0"), HapticKind::Rumble);
+    EXPECT_EQ(hapticKind("8000 0"), HapticKind::Touchpad);
+    EXPECT_EQ(hapticKind("18000 0"), HapticKind::Touchpad);
+    // Springs and the like are for steering wheels, and no pulse.
+    EXPECT_EQ(hapticKind("200000 0"), std::nullopt);
+    EXPECT_EQ(hapticKind("10000"), std::nullopt);
+}
+
+TEST(HapticScanTest, TouchpadsComeFirstAndThenTheLowestNumber) {
+    std::vector nodes{rumble(10), rumble(2), touchpad(11), touchpad(7)};
+    sortBySuitability(nodes);
+    EXPECT_THAT(nodes, ElementsAre(touchpad(7), touchpad(11), rumble(2), rumble(10)));
+}
+
+TEST(HapticEffectsTest, ATouchpadIsOnlyEverAskedToClick) {
+    for (const auto pattern : patterns) {
+        const auto effect = hapticEffect(HapticKind::Touchpad, pattern);
+        EXPECT_EQ(effect.type, hapticEffectType);
+        EXPECT_EQ(effect.id, -1);
+        const auto click = clickOf(effect);
+        EXPECT_EQ(click.hidUsage, 0x1003);
+        EXPECT_GT(click.intensity, 0);
+        EXPECT_LE(click.intensity, 100);
+        EXPECT_EQ(click.repeatCount, 0);
+    }
+}
+
+TEST(HapticEffectsTest, TheClickLiesWhereTheKernelReadsIt) {
+    EXPECT_EQ(offsetof(ff_effect, u), 16U);
+    EXPECT_EQ(sizeof(HapticEffect), 12U);
+    EXPECT_EQ(offsetof(HapticEffect, vendorWaveformPage), 4U);
+    EXPECT_EQ(offsetof(HapticEffect, intensity), 6U);
+    EXPECT_EQ(offsetof(HapticEffect, retriggerPeriod), 10U);
+}
+
+TEST(HapticEffectsTest, ARumbleIsOverBeforeTheNextPulse) {
+    for (const auto pattern : patterns) {
+        const auto effect = hapticEffect(HapticKind::Rumble, pattern);
+        EXPECT_EQ(effect.type, FF_RUMBLE);
+        EXPECT_GT(effect.replay.length, 0);
+        EXPECT_LT(effect.replay.length, 40);
+        EXPECT_GT(effect.u.rumble.strong_magnitude + effect.u.rumble.weak_magnitude, 0);
+    }
+}
+
+TEST(HapticEffectsTest, PatternsFeelDifferent) {
+    std::set<int> clicks;
+    std::set<int> rumbles;
+    for (const auto pattern : patterns) {
+        clicks.insert(clickOf(hapticEffect(HapticKind::Touchpad, pattern)).intensity);
+        const auto effect = hapticEffect(HapticKind::Rumble, pattern);
+        rumbles.insert(effect.u.rumble.strong_magnitude * 0x10000 + effect.u.rumble.weak_magnitude);
+    }
+    EXPECT_EQ(clicks.size(), patterns.size());
+    EXPECT_EQ(rumbles.size(), patterns.size());
+}
+
+TEST(HapticDeviceTest, WithoutDevicesThereIsNone) {
+    FakeForceFeedback machine;
+    EXPECT_EQ(HapticDevice::openBest(machine), nullptr);
+}
+
+TEST(HapticDeviceTest, ATouchpadIsPreferred) {
+    FakeForceFeedback machine;
+    machine.plug({.node = rumble(1)});
+    machine.plug({.node = touchpad(9)});
+    const auto device = HapticDevice::openBest(machine);
+    EXPECT_THAT(machine.opened(), ElementsAre("event9"));
+}
+
+TEST(HapticDeviceTest, OneThatCannotBeOpenedOrTakesNoEffectIsPassedOver) {
+    FakeForceFeedback machine;
+    machine.plug({.node = touchpad(1), .mayBeOpened = false});
+    machine.plug({.node = touchpad(2), .room = 0});
+    machine.plug({.node = rumble(3)});
+    const auto device = HapticDevice::openBest(machine);
+    EXPECT_THAT(machine.opened(), ElementsAre("event3"));
+}
+
+TEST(HapticDeviceTest, EachPatternPlaysItsOwnEffect) {
+    FakeForceFeedback machine;
+    machine.plug({.node = rumble(1)});
+    const auto device = HapticDevice::openBest(machine);
+    ASSERT_NE(device, nullptr);
+    for (const auto pattern : patterns) {
+        EXPECT_TRUE(device->play(pattern));
+        EXPECT_EQ(machine.plays().back().effect.u.rumble.weak_magnitude,
+                  hapticEffect(HapticKind::Rumble, pattern).u.rumble.weak_magnitude);
+    }
+    EXPECT_EQ(machine.uploads(), 3);
+}
+
+TEST(HapticDeviceTest, ADeviceWithRoomForOneEffectPlaysThatForAll) {
+    FakeForceFeedback machine;
+    machine.plug({.node = rumble(1), .room = 1});
+    const auto device = HapticDevice::openBest(machine);
+    ASSERT_NE(device, nullptr);
+    for (const auto pattern : patterns)
+        EXPECT_TRUE(device->play(pattern));
+    EXPECT_EQ(machine.plays().size(), 3U);
+}
+
+TEST(HapticDeviceTest, ItLeavesNothingBehind) {
+    FakeForceFeedback machine;
+    machine.plug({.node = rumble(1)});
+    auto device = HapticDevice::openBest(machine);
+    EXPECT_EQ(machine.effectsOn("event1"), 3U);
+    device.reset();
+    EXPECT_EQ(machine.effectsOn("event1"), 0U);
+    EXPECT_THAT(machine.opened(), IsEmpty());
+}
+
+TEST(HapticDeviceTest, ADeviceThatHasGoneSaysSo) {
+    FakeForceFeedback machine;
+    machine.plug({.node = rumble(1)});
+    auto device = HapticDevice::openBest(machine);
+    ASSERT_NE(device, nullptr);
+    machine.unplug("event1");
+    EXPECT_FALSE(device->play(HapticPattern::Generic));
+    device.reset();
+    EXPECT_THAT(machine.opened(), IsEmpty());
+}
+
+} // namespace
+
+} // namespace quorvane

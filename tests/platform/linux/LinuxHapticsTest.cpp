@@ -1,0 +1,183 @@
+#include <chrono>
+#include <gmock/gmock.h>
+#include <memory>
+#include <string>
+
+#include "platform/linux/LinuxHaptics.h"
+#include "tests/support/FakeForceFeedback.h"
+#include "tests/support/QtApplication.h"
+
+namespace quorvane {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class LinuxHapticsTest : public testing::Test {
+protected:
+    void plugRumble(int number) {
+        m_machine->plug({.node = {.node = "event" + std::to_string(number),
+                                  .number = number,
+                                  .kind = HapticKind::Rumble}});
+    }
+
+    static void pulse(HapticPerformer& performer) {
+        performer.performFeedback(HapticPattern::Alignment, HapticPerformanceTime::Now);
+    }
+
+    [[nodiscard]] std::size_t pulses() const { return m_machine->plays().size(); }
+
+    /// Pulses until one is felt.
+    [[nodiscard]] bool isFelt(HapticPerformer& performer) const {
+        const auto before = pulses();
+        return QtApplication::runUntil([&] {
+            pulse(performer);
+            return pulses() > before;
+        });
+    }
+
+    /// Waits until nothing is open any more.
+    [[nodiscard]] bool isClosed() const {
+        return QtApplication::runUntil([&] { return m_machine->opened().empty(); });
+    }
+
+    QtApplication m_application;
+    std::shared_ptr<FakeForceFeedback> m_machine = std::make_shared<FakeForceFeedback>();
+    LinuxHaptics m_haptics{m_machine};
+};
+
+TEST_F(LinuxHapticsTest, NothingIsOpenedBeforeAPerformerIsAskedFor) {
+    plugRumble(1);
+    QtApplication::runFor(50);
+    EXPECT_EQ(m_machine->timesListed(), 0);
+    EXPECT_THAT(m_machine->opened(), IsEmpty());
+}
+
+TEST_F(LinuxHapticsTest, APerformerThatIsAskedForAtEachPulseIsOpenedOnce) {
+    plugRumble(1);
+    ASSERT_TRUE(isFelt(*m_haptics.defaultPerformer()));
+    const auto before = pulses();
+    for (int i = 0; i < 100; ++i) {
+        pulse(*m_haptics.defaultPerformer());
+        QtApplication::runFor(1);
+    }
+    EXPECT_EQ(pulses(), before + 100);
+    EXPECT_EQ(m_machine->timesListed(), 1);
+    EXPECT_EQ(m_machine->uploads(), 3);
+    EXPECT_THAT(m_machine->opened(), ElementsAre("event1"));
+}
+
+TEST_F(LinuxHapticsTest, ItIsErasedAndClosedSoonAfterItsLastUse) {
+    using Clock = std::chrono::steady_clock;
+    plugRumble(1);
+    ASSERT_TRUE(isFelt(*m_haptics.defaultPerformer()));
+    const auto last = Clock::now();
+    ASSERT_TRUE(isClosed());
+    // One and a half and some more for a busy machine; at once would be too soon.
+    EXPECT_GT(Clock::now() - last, std::chrono::milliseconds(500));
+    EXPECT_EQ(m_machine->effectsOn("event1"), 0U);
+    ASSERT_TRUE(isFelt(*m_haptics.defaultPerformer()));
+    EXPECT_EQ(m_machine->timesListed(), 2);
+}
+
+TEST_F(LinuxHapticsTest, WhatSomebodyHoldsStaysOpen) {
+    plugRumble(1);
+    const auto performer = m_haptics.defaultPerformer();
+    ASSERT_TRUE(isFelt(*performer));
+    QtApplication::runFor(2500);
+    pulse(*performer);
+    EXPECT_EQ(pulses(), 2U);
+    EXPECT_EQ(m_machine->timesListed(), 1);
+}
+
+TEST_F(LinuxHapticsTest, TwoUsersShareOneDevice) {
+    plugRumble(1);
+    const auto first = m_haptics.defaultPerformer();
+    const auto second = m_haptics.defaultPerformer();
+    ASSERT_TRUE(isFelt(*first));
+    const auto before = pulses();
+    pulse(*first);
+    pulse(*second);
+    EXPECT_EQ(pulses(), before + 2);
+    EXPECT_EQ(m_machine->uploads(), 3);
+}
+
+TEST_F(LinuxHapticsTest, TheEndOfTheServiceErasesAndCloses) {
+    plugRumble(1);
+    auto haptics = std::make_unique<LinuxHaptics>(m_machine);
+    const auto performer = haptics->defaultPerformer();
+    ASSERT_TRUE(isFelt(*performer));
+    haptics.reset();
+    EXPECT_THAT(m_machine->opened(), IsEmpty());
+    EXPECT_EQ(m_machine->effectsOn("event1"), 0U);
+    pulse(*performer);
+    EXPECT_EQ(pulses(), 1U);
+}
+
+TEST_F(LinuxHapticsTest, WithoutDevicesRequestsAreIgnoredAndNothingIsLookedForTwice) {
+    for (int i = 0; i < 100; ++i) {
+        pulse(*m_haptics.defaultPerformer());
+        QtApplication::runFor(1);
+    }
+    EXPECT_EQ(m_machine->timesListed(), 1);
+    EXPECT_EQ(pulses(), 0U);
+}
+
+TEST_F(LinuxHapticsTest, ADeviceThatComesLaterIsFoundOnceTheLastPerformerIsForgotten) {
+    pulse(*m_haptics.defaultPerformer());
+    ASSERT_TRUE(QtApplication::runUntil([&] { return m_machine->timesListed() == 1; }));
+    plugRumble(1);
+    bool isFoundAnew = false;
+    for (int tries = 0; tries < 5 && !isFoundAnew; ++tries) {
+        QtApplication::runFor(2000);
+        pulse(*m_haptics.defaultPerformer());
+        isFoundAnew = m_machine->timesListed() == 2;
+    }
+    EXPECT_TRUE(isFelt(*m_haptics.defaultPerformer()));
+}
+
+TEST_F(LinuxHapticsTest, ADeviceThatVanishesIsDroppedAndTheNextPerformerTakesAnother) {
+    plugRumble(1);
+    plugRumble(2);
+    const auto performer = m_haptics.defaultPerformer();
+    ASSERT_TRUE(isFelt(*performer));
+    m_machine->unplug("event1");
+    pulse(*performer);
+    EXPECT_TRUE(isClosed());
+    pulse(*performer);
+    EXPECT_EQ(pulses(), 1U);
+    ASSERT_TRUE(isFelt(*m_haptics.defaultPerformer()));
+    EXPECT_EQ(m_machine->plays().back().node, "event2");
+}
+
+TEST_F(LinuxHapticsTest, ADeviceThatIsSlowToTakeItsEffectsHoldsNothingUp) {
+    plugRumble(1);
+    m_machine->doNotAnswer();
+    const auto performer = m_haptics.defaultPerformer();
+    for (int i = 0; i < 10; ++i) {
+        pulse(*performer);
+        QtApplication::runFor(5);
+    }
+    EXPECT_EQ(pulses(), 0U);
+    m_machine->answer();
+    EXPECT_TRUE(isFelt(*performer));
+}
+
+TEST_F(LinuxHapticsTest, ADeviceThatNeverAnswersDoesNotHoldUpTheEnd) {
+    using Clock = std::chrono::steady_clock;
+    plugRumble(1);
+    m_machine->doNotAnswer();
+    auto haptics = std::make_unique<LinuxHaptics>(m_machine);
+    pulse(*haptics->defaultPerformer());
+    ASSERT_TRUE(QtApplication::runUntil([&] { return !m_machine->opened().empty(); }));
+    const auto start = Clock::now();
+    haptics.reset();
+    EXPECT_LT(Clock::now() - start, std::chrono::seconds(10));
+    m_machine->answer();
+    EXPECT_TRUE(isClosed());
+}
+
+} // namespace
+
+} // namespace quorvane
