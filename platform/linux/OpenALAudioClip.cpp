@@ -41,7 +41,7 @@ void OpenALAudioClip::setPlace(double seconds) {
     if (sounds)
         start(lengthFromPlace());
     if (m_request)
-        request();
+        request(Clock::now());
 }
 
 void OpenALAudioClip::setVolume(float volume) {
@@ -58,8 +58,8 @@ void OpenALAudioClip::play(OpenALAudioDevice& device) {
     start(lengthFromPlace());
 }
 
-void OpenALAudioClip::request() {
-    m_request = {.time = Clock::now(), .left = lengthFromPlace()};
+void OpenALAudioClip::request(Clock::time_point time) {
+    m_request = {.time = time, .left = lengthFromPlace()};
 }
 
 void OpenALAudioClip::stop() {

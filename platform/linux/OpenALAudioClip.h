@@ -45,8 +45,9 @@ public:
 
     /// Sounds on from its place, unless it sounds already.
     void play(OpenALAudioDevice& device);
-    /// Is to sound as soon as there is a device, from where it would be by then.
-    void request();
+    /// Was to sound from `time` on, and is to as soon as there is a device, from where it would be
+    /// by then.
+    void request(Clock::time_point time);
     /// Falls silent and forgets what was requested.
     void stop();
 

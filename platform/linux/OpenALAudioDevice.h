@@ -10,7 +10,8 @@
 namespace quorvane {
 
 /// An open output device and the one context on it, which is OpenAL's current one while this object
-/// lives. One thread at a time.
+/// lives. One thread at a time opens, closes, pauses and
+/// resumes, all of which wait for the sound server; meanwhile others may ask.
 class OpenALAudioDevice {
 public:
     /// Opens the default device; the error when there is none that anybody could hear.

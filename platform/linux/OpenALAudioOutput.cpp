@@ -7,31 +7,42 @@
 
 namespace quorvane {
 
-OpenALAudioOutput::OpenALAudioOutput() {
+namespace {
+
+// A thread that is stuck in the sound server's client library is left behind when the program ends.
+constexpr std::chrono::seconds partingTime{2};
+
+} // namespace
+
+std::shared_ptr<OpenALAudioOutput> OpenALAudioOutput::create() {
     configureOpenALAudio();
-    m_thread = std::thread([this] { run(); });
+    const std::shared_ptr<OpenALAudioOutput> output(new OpenALAudioOutput);
+    output->m_thread = std::thread([output] { output->run(); });
+    // The thread has a reference too, so it is another's end that ends it.
+    return {output.get(), [output](OpenALAudioOutput* /*owned by the capture*/) { output->end(); }};
 }
 
-OpenALAudioOutput::~OpenALAudioOutput() {
-    {
-        const std::lock_guard lock(m_mutex);
-        closeDevice();
-        m_clips.clear();
-        m_holds = 0;
-        m_quit = true;
-    }
+void OpenALAudioOutput::end() {
+    std::unique_lock lock(m_mutex);
+    closeDevice();
+    m_holds = 0;
+    m_quit = true;
     m_changed.notify_one();
-    m_thread.join();
+    const bool ended = m_served.wait_for(lock, partingTime, [this] { return m_ended; });
+    lock.unlock();
+    if (ended)
+        m_thread.join();
+    else
+        m_thread.detach();
 }
 
 std::optional<AudioError> OpenALAudioOutput::startEngine(const void* engine) {
-    const std::lock_guard lock(m_mutex);
+    std::unique_lock lock(m_mutex);
     noticeLoss();
     if (runs(engine))
         return std::nullopt;
-    if (!m_device)
-        if (auto error = openDevice())
-            return error;
+    if (auto error = awaitDevice(lock))
+        return error;
     m_runningEngines.push_back(engine);
     m_changed.notify_one();
     return std::nullopt;
@@ -89,7 +100,6 @@ void OpenALAudioOutput::play(OpenALAudioVoice& voice) {
     noticeLoss();
     if (!runs(voice.engine))
         return;
-    m_device->resume();
     finishHeard(voice.play(*m_device));
     m_changed.notify_one();
 }
@@ -124,20 +134,20 @@ void OpenALAudioOutput::remove(const std::shared_ptr<OpenALAudioClip>& clip) {
 }
 
 bool OpenALAudioOutput::play(OpenALAudioClip& clip) {
-    const std::lock_guard lock(m_mutex);
+    std::unique_lock lock(m_mutex);
     noticeLoss();
     tidyClips();
-    m_changed.notify_one();
     if (clip.isSounding())
         return true;
     clip.stop();
-    if (!m_device && openDevice()) {
-        clip.request();
-        return false;
-    }
-    m_device->resume();
-    clip.play(*m_device);
-    return true;
+    const auto asked = Clock::now();
+    const bool opened = !awaitDevice(lock);
+    if (opened)
+        clip.play(*m_device);
+    else
+        clip.request(asked);
+    m_changed.notify_one();
+    return opened;
 }
 
 void OpenALAudioOutput::hold() {

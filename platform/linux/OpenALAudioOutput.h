@@ -20,7 +20,9 @@ namespace quorvane {
 /// The one output device that all engines and file players share, open while an engine runs, a
 /// hold lives or a file player sounds, and the thread that waits for sounds to end and for devices
 /// to come. Everything is guarded by one mutex; calls come from the main thread, completions from
-/// the thread here. The owner of the last reference must not be a completion.
+/// the thread here. That thread alone makes the calls that wait for the sound server, without the
+/// mutex, so that one that hangs holds up nobody. The owner of the last reference must not be a
+/// completion.
 class OpenALAudioOutput {
 public:
     using Clock = std::chrono::steady_clock;
@@ -31,10 +33,10 @@ public:
     /// How long the device stays open after the last file player fell silent.
     static constexpr std::chrono::seconds lingerTime{2};
 
-    OpenALAudioOutput();
+    [[nodiscard]] static std::shared_ptr<OpenALAudioOutput> create();
     OpenALAudioOutput(const OpenALAudioOutput&) = delete;
     OpenALAudioOutput& operator=(const OpenALAudioOutput&) = delete;
-    ~OpenALAudioOutput();
+    ~OpenALAudioOutput() = default;
 
     // Engines are told apart by their address.
 
@@ -81,11 +83,19 @@ private:
         Clock::time_point due;
     };
 
-    // All of these run with the mutex held.
-    std::optional<AudioError> openDevice();
+    OpenALAudioOutput() = default;
+    void end();
+
+    // All of these run with the mutex held; those that are given the lock let go of it meanwhile.
+    std::optional<AudioError> awaitDevice(std::unique_lock<std::mutex>& lock);
+    template <class Call>
+    void unlocked(std::unique_lock<std::mutex>& lock, Call call);
+    // What the thread alone does: whether there was something to do.
+    bool closeLater(std::unique_lock<std::mutex>& lock);
+    bool tryToOpen(std::unique_lock<std::mutex>& lock);
+    bool pauseOrResume(std::unique_lock<std::mutex>& lock);
     void closeDevice();
     void closeWhenUnneeded();
-    void tryToOpen();
     void noticeLoss();
     void tidyClips();
     [[nodiscard]] bool isAwaited() const;
@@ -94,7 +104,6 @@ private:
     void finish(OpenALAudioVoice::Completions completions, Clock::time_point due);
     void finishHeard(OpenALAudioVoice::Completions completions);
     [[nodiscard]] bool isSounding() const;
-    void pauseWhenIdle();
     [[nodiscard]] bool areClipsSounding() const;
     [[nodiscard]] bool isStreamNeeded() const;
     [[nodiscard]] std::optional<Clock::time_point> nextWake() const;
@@ -106,9 +115,21 @@ private:
 
     std::mutex m_mutex;
     std::condition_variable m_changed;
+    // Tells callers that wait for the thread.
+    std::condition_variable m_served;
     bool m_quit = false;
+    bool m_ended = false;
+    // The thread's own, whether it holds the mutex or not.
     std::unique_ptr<OpenALAudioLibrary> m_library;
     std::unique_ptr<OpenALAudioDevice> m_device;
+    // To be closed by the thread.
+    std::unique_ptr<OpenALAudioDevice> m_closing;
+    // Since when the thread has been in a call that may wait for the sound server.
+    std::optional<Clock::time_point> m_blockedSince;
+    // Callers that wait for a device, attempts to open one so far, and why the last one failed.
+    std::size_t m_waiters = 0;
+    std::size_t m_attempts = 0;
+    AudioError m_openError;
     std::vector<const void*> m_runningEngines;
     std::vector<std::shared_ptr<OpenALAudioVoice>> m_voices;
     std::vector<std::shared_ptr<OpenALAudioClip>> m_clips;

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <utility>
+#include <variant>
 
 #include "platform/linux/OpenALAudioOutput.h"
 
@@ -9,31 +10,35 @@ namespace {
 
 // For one who waits for a device. An attempt that fails costs some 2 ms of processor time.
 constexpr std::chrono::milliseconds attemptInterval{500};
+// A device opens within some milliseconds, on a very busy machine within some hundred.
+constexpr std::chrono::seconds openingTime{3};
 
 } // namespace
 
-std::optional<AudioError> OpenALAudioOutput::openDevice() {
-    if (!m_library)
-        m_library = OpenALAudioLibrary::load();
-    if (!m_library)
-        return AudioError{"OpenAL is not installed."};
-    auto opened = OpenALAudioDevice::open(*m_library);
-    if (auto* error = std::get_if<AudioError>(&opened)) {
-        // Whatever back end it has settled on, the next attempt is to choose anew.
-        m_library.reset();
-        return std::move(*error);
-    }
-    m_device = std::move(std::get<std::unique_ptr<OpenALAudioDevice>>(opened));
-    for (const auto& clip : m_clips)
-        clip->deviceOpened(*m_device);
-    return std::nullopt;
+/// Has the thread open a device, unless there is one, and waits for it, but not for a sound server
+/// that hangs: once one has, nobody waits until its client library has given up.
+std::optional<AudioError> OpenALAudioOutput::awaitDevice(std::unique_lock<std::mutex>& lock) {
+    if (m_device)
+        return std::nullopt;
+    const std::size_t before = m_attempts;
+    const auto deadline = m_blockedSince.value_or(Clock::now()) + openingTime;
+    ++m_waiters;
+    m_changed.notify_one();
+    m_served.wait_until(lock, deadline, [&] { return m_device || m_attempts != before; });
+    --m_waiters;
+    if (m_device)
+        return std::nullopt;
+    return m_attempts != before ? m_openError : AudioError{"The sound server does not answer."};
 }
 
 void OpenALAudioOutput::closeDevice() {
+    if (!m_device)
+        return;
     for (const auto& clip : m_clips)
         clip->leaveDevice(false);
-    m_device.reset();
+    m_closing = std::move(m_device);
     m_idleSince.reset();
+    m_changed.notify_one();
 }
 
 void OpenALAudioOutput::noticeLoss() {
@@ -52,7 +57,7 @@ void OpenALAudioOutput::noticeLoss() {
 /// Without an engine, a hold or a sound; soon after the last one of a file player, since the next
 /// is to come fast and that one to be heard to its end.
 void OpenALAudioOutput::closeWhenUnneeded() {
-    if (!m_device || !m_runningEngines.empty() || m_holds > 0)
+    if (!m_device || !m_runningEngines.empty() || m_holds > 0 || m_waiters > 0)
         return;
     if (!areClipsSounding() && Clock::now() >= m_lingersUntil)
         closeDevice();
@@ -65,12 +70,70 @@ bool OpenALAudioOutput::isAwaited() const {
                                        [](const auto& clip) { return clip->isRequested(); }));
 }
 
-void OpenALAudioOutput::tryToOpen() {
-    const auto now = Clock::now();
-    if (!isAwaited() || now < m_nextAttempt)
-        return;
-    if (openDevice())
-        m_nextAttempt = now + attemptInterval;
+/// Without the lock, as are all calls that may wait for the sound server.
+template <class Call>
+void OpenALAudioOutput::unlocked(std::unique_lock<std::mutex>& lock, Call call) {
+    m_blockedSince = Clock::now();
+    lock.unlock();
+    call();
+    lock.lock();
+    m_blockedSince.reset();
+}
+
+bool OpenALAudioOutput::closeLater(std::unique_lock<std::mutex>& lock) {
+    if (!m_closing)
+        return false;
+    unlocked(lock, [device = std::move(m_closing)]() mutable { device.reset(); });
+    return true;
+}
+
+bool OpenALAudioOutput::tryToOpen(std::unique_lock<std::mutex>& lock) {
+    const bool due = isAwaited() && Clock::now() >= m_nextAttempt;
+    if (m_device || m_quit || (m_waiters == 0 && !due))
+        return false;
+    std::variant<std::unique_ptr<OpenALAudioDevice>, AudioError> opened;
+    unlocked(lock, [&] {
+        if (!m_library)
+            m_library = OpenALAudioLibrary::load();
+        if (m_library)
+            opened = OpenALAudioDevice::open(*m_library);
+        else
+            opened = AudioError{"OpenAL is not installed."};
+        // Whatever back end it has settled on, the next attempt is to choose anew.
+        if (std::holds_alternative<AudioError>(opened))
+            m_library.reset();
+    });
+    ++m_attempts;
+    if (auto* error = std::get_if<AudioError>(&opened)) {
+        m_openError = std::move(*error);
+        m_nextAttempt = Clock::now() + attemptInterval;
+    } else {
+        m_device = std::move(std::get<std::unique_ptr<OpenALAudioDevice>>(opened));
+        for (const auto& clip : m_clips)
+            clip->deviceOpened(*m_device);
+    }
+    m_served.notify_all();
+    return true;
+}
+
+/// Stops the stream after a while in which nothing needed it, and starts it for what does.
+bool OpenALAudioOutput::pauseOrResume(std::unique_lock<std::mutex>& lock) {
+    const bool needed = isStreamNeeded();
+    if (!m_device || needed || m_device->isPaused())
+        m_idleSince.reset();
+    else if (!m_idleSince)
+        m_idleSince = Clock::now();
+    if (!m_device)
+        return false;
+    // The device is only ever closed on this thread, so it is there while the call takes.
+    OpenALAudioDevice& device = *m_device;
+    if (needed && device.isPaused())
+        unlocked(lock, [&] { device.resume(); });
+    else if (m_idleSince && Clock::now() - *m_idleSince >= idleTime)
+        unlocked(lock, [&] { device.pause(); });
+    else
+        return false;
+    return true;
 }
 
 void OpenALAudioOutput::tidyClips() {

@@ -31,20 +31,6 @@ bool OpenALAudioOutput::isStreamNeeded() const {
     return m_holds > 0 || isSounding();
 }
 
-void OpenALAudioOutput::pauseWhenIdle() {
-    if (m_device && m_holds > 0)
-        m_device->resume();
-    if (!m_device || m_device->isPaused() || isStreamNeeded()) {
-        m_idleSince.reset();
-        return;
-    }
-    const Clock::time_point now = Clock::now();
-    if (!m_idleSince)
-        m_idleSince = now;
-    if (now - *m_idleSince >= idleTime)
-        m_device->pause();
-}
-
 std::optional<OpenALAudioOutput::Clock::time_point> OpenALAudioOutput::nextWake() const {
     std::optional<Clock::time_point> wake;
     const auto atLatest = [&wake](Clock::time_point time) {
@@ -87,20 +73,23 @@ void OpenALAudioOutput::run() {
     while (!m_quit) {
         noticeLoss();
         tidyClips();
-        tryToOpen();
         for (const auto& voice : m_voices)
             finishHeard(voice->takeFinished());
         runCompletions(lock, takeDue(Clock::now()));
         closeWhenUnneeded();
-        pauseWhenIdle();
-        if (m_quit)
-            break;
+        // Time has passed, and much may have changed, when one of these had something to do.
+        if (closeLater(lock) || tryToOpen(lock) || pauseOrResume(lock) || m_quit)
+            continue;
         if (const auto wake = nextWake())
             m_changed.wait_until(lock, *wake);
         else
             m_changed.wait(lock);
     }
+    closeDevice();
+    closeLater(lock);
     runCompletions(lock, takeDue(Clock::time_point::max()));
+    m_ended = true;
+    m_served.notify_all();
 }
 
 /// Without the lock, so that what a completion does can never wait for this thread.

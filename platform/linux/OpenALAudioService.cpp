@@ -98,7 +98,7 @@ private:
 
 } // namespace
 
-OpenALAudioService::OpenALAudioService() : m_output(std::make_shared<OpenALAudioOutput>()) {}
+OpenALAudioService::OpenALAudioService() : m_output(OpenALAudioOutput::create()) {}
 
 OpenALAudioService::~OpenALAudioService() = default;
 

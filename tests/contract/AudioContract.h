@@ -69,7 +69,7 @@ protected:
     void pass(double seconds) { m_side->pass(seconds); }
 
     /// Seconds until `condition` holds; fails after `limit`.
-    double secondsUntil(const std::function<bool()>& condition, double limit = 5) {
+    double secondsUntil(const std::function<bool()>& condition, double limit = 15) {
         const double start = m_side->now();
         while (!condition() && m_side->now() - start < limit)
             pass(0.002);

@@ -85,6 +85,11 @@ void ChildProcess::end(int signal) {
     wait();
 }
 
+void ChildProcess::send(int signal) const {
+    if (m_pid > 0)
+        ::kill(m_pid, signal);
+}
+
 void ChildProcess::wait() {
     waitpid(m_pid, nullptr, 0);
     m_pid = -1;
@@ -135,6 +140,10 @@ void PulseServer::start() {
 void PulseServer::kill() {
     m_process.reset();
     std::filesystem::remove(m_socket);
+}
+
+void PulseServer::freeze() {
+    m_process->send(SIGSTOP);
 }
 
 bool PulseServer::accepts() const {

@@ -25,6 +25,8 @@ public:
     void wait();
     /// Sends `signal` and waits for the end.
     void end(int signal);
+    /// Sends `signal`.
+    void send(int signal) const;
 
 private:
     pid_t m_pid = -1;
@@ -53,6 +55,8 @@ public:
 
     void start();
     void kill();
+    /// It stays there and answers nobody any more.
+    void freeze();
 
     [[nodiscard]] const std::filesystem::path& folder() const { return m_folder; }
 
