@@ -2,6 +2,7 @@
 #include <optional>
 
 #include "platform/linux/KeyboardAccessPrompt.h"
+#include "platform/linux/LinuxSystemInfo.h"
 #include "tests/support/Environment.h"
 #include "tests/support/OpenFiles.h"
 #include "tests/support/QtApplication.h"
@@ -96,6 +97,23 @@ TEST_F(KeyboardAccessPromptTest, ItSaysNothingOnTheConsole) {
     EXPECT_TRUE(hasCalls(m_call + "end\n"));
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST_F(KeyboardAccessPromptTest, OnlyWhoIsNotTrustedAndWantsAPromptGetsIt) {
+    installPkexec();
+    answer();
+    const EnvironmentVariable wayland("WAYLAND_DISPLAY", "wayland-0");
+    const auto node = m_folder.write("event0", "");
+    const auto keyboards = [&node] { return std::vector{node}; };
+    LinuxSystemInfo info("/", keyboards);
+    EXPECT_TRUE(info.isProcessTrustedWithOptions(true));
+    fs::remove(node);
+    EXPECT_FALSE(info.isProcessTrustedWithOptions(false));
+    EXPECT_FALSE(info.isProcessTrusted());
+    EXPECT_FALSE(info.isProcessTrustedWithOptions(true));
+    const auto helper =
+        QCoreApplication::applicationDirPath().toStdString() + "/quorvane-keyboard-access";
+    EXPECT_TRUE(hasCalls("--disable-internal-agent " + helper + "\nend\n"));
 }
 
 TEST_F(KeyboardAccessPromptTest, WithoutPolkitNothingHappens) {
