@@ -30,6 +30,8 @@ Item {
 
         Text {
             anchors.verticalCenter: parent.verticalCenter
+            // What follows stands on whole pixels, so that it is sharp.
+            width: Math.ceil(implicitWidth)
             text: root.label
             textFormat: Text.PlainText
             color: "white"
