@@ -89,7 +89,7 @@ std::unique_ptr<AudioContractSide> makeLinuxAudioSide() {
 }
 
 std::unique_ptr<AudioContractSide> makeSteadyLinuxAudioSide() {
-    return std::make_unique<LinuxAudioSide>("period_size = 2048\nperiods = 4\n");
+    return std::make_unique<LinuxAudioSide>("period_size = 2048\nperiods = 8\n");
 }
 
 PCMBuffer AudioContractSide::clip() {

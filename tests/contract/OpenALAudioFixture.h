@@ -46,7 +46,7 @@ public:
 protected:
     void SetUp() override {
         m_server.start();
-        writeText(m_folder.path() / ".alsoftrc", "period_size = 2048\nperiods = 4\n");
+        writeText(m_folder.path() / ".alsoftrc", "period_size = 2048\nperiods = 8\n");
         unsetenv("ALSOFT_CONF"); // NOLINT(concurrency-mt-unsafe): no other thread yet.
         // After the server, which has set the environment.
         m_audio = std::make_unique<OpenALAudioService>();

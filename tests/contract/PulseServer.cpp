@@ -174,8 +174,8 @@ std::uintmax_t PulseRecorder::recordedBytes() const {
 }
 
 std::vector<float> PulseRecorder::finish() {
-    // What has been played but not yet written is some periods at most.
-    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    // What has been played but not yet written is the longest buffer of any test, and some more.
+    std::this_thread::sleep_for(std::chrono::milliseconds(700));
     m_process.end(SIGTERM);
     std::ifstream stream(m_file, std::ios::binary);
     const std::vector<char> bytes{std::istreambuf_iterator<char>(stream), {}};
