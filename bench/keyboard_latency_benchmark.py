@@ -131,6 +131,8 @@ class Bench:
         with contextlib.ExitStack() as stack:
             program = self._session.run([str(self._build / "quorvane")], self.environment, stack)
             screens = self._session.reader.application(program)
+            # The only line without a tag comes with the first frame.
+            program.console.wait_for(lambda line: "[" not in line, "about the creak")
             screens.press("MAKE ME SUFFER 😭")
             screens.find(SWITCH)
             screens.toggle(SWITCH)

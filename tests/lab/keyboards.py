@@ -150,6 +150,8 @@ def typing(lab, reader):
         settle()
         with lab.program("typing", stack) as (program, facts):
             app = reader.application(program)
+            # The only line without a tag comes with the first frame.
+            program.console.wait_for(lambda line: "[" not in line, "about the creak", PATIENCE)
             app.press("MAKE ME SUFFER 😭", PATIENCE)
             app.find(SWITCH, timeout=PATIENCE)
             facts["files_before"] = _open_files(program.pid)
