@@ -26,6 +26,7 @@ from desktop.program import Program  # noqa: E402
 from desktop.recording import Recording  # noqa: E402
 
 import device_rights  # noqa: E402
+import keyboards  # noqa: E402
 
 RATE = 48000
 PATIENCE = 60.0
@@ -221,6 +222,7 @@ def main():
         play(lab, "first_reading_200", found, "first_reading_200", ("--angle", "200"))
         play(lab, "hidraw_contract", hidraw_contract, build)
         play(lab, "device_rights", rights)
+        keyboards.play_all(play, lab, build, reader)
 
 
 if __name__ == "__main__":
