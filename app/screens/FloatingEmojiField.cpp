@@ -88,7 +88,8 @@ QSGNode* FloatingEmojiField::updatePaintNode(QSGNode* old, UpdatePaintNodeData* 
         delete old;
         old = nullptr;
     }
-    QSGNode* node = old ? old : new QSGNode;
+    // The software renderer loses the place of an opacity that changes right below any other node.
+    QSGNode* node = old ? old : new QSGTransformNode;
     if (!old) {
         for (const FloatingEmoji& particle : m_particles)
             node->appendChildNode(

@@ -13,8 +13,10 @@ class QQuickWindow;
 
 namespace quorvane {
 
-/// The scene's side of a picture and its glow. Render thread, as the toolkit's nodes are.
-class PictureNode final : public QSGNode {
+/// The scene's side of a picture and its glow. Render thread, as the toolkit's nodes are. A
+/// transform node that transforms nothing, because the software renderer loses the place of an
+/// opacity that changes right below any other node.
+class PictureNode final : public QSGTransformNode {
 public:
     /// At full size; the radius in the picture's own pixels.
     struct GlowLook {

@@ -40,12 +40,11 @@ Item {
         }
 
         // A step a spoke, as such wheels turn.
-        SequentialAnimation {
+        Timer {
             running: root.turning
-            loops: Animation.Infinite
-
-            PauseAnimation { duration: 83 }
-            ScriptAction { script: wheel.rotation = (wheel.rotation + 30) % 360 }
+            repeat: true
+            interval: 83
+            onTriggered: wheel.rotation = (wheel.rotation + 30) % 360
         }
     }
 }

@@ -6,6 +6,7 @@
 int main(int argc, char** argv) {
     const QGuiApplication application(argc, argv);
     QQuickView window;
+    window.setTitle("bare_window");
     window.resize(550, 780);
     if (argc > 1)
         window.setInitialProperties({{"rate", QString::fromLocal8Bit(argv[1]).toDouble()}});

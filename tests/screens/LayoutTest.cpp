@@ -30,6 +30,7 @@ TEST_F(Layout, OfTheHardwareCheck) {
 }
 
 TEST_F(Layout, OfTheScan) {
+    m_desktop.motionReduced = true;
     launch();
     press(check);
     settle();
@@ -127,8 +128,9 @@ TEST_F(Layout, OfTheRows) {
         const QRectF place = placeOf(rows[i]);
         EXPECT_EQ(place.size(), QSizeF(42, 26)) << rows[i];
         EXPECT_EQ(place.right(), 480) << rows[i];
-        if (i > 0)
+        if (i > 0) {
             EXPECT_EQ(place.top() - placeOf(rows[i - 1]).bottom(), 10) << rows[i];
+        }
         EXPECT_EQ(lookOf(rows[i]), (Look{.size = 14, .weight = QFont::DemiBold})) << rows[i];
         const QQuickItem* label = text(rows[i]);
         EXPECT_EQ(label->mapToScene({0, 0}).x(), 30 + 40 + 18 + 10) << rows[i];

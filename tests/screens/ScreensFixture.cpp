@@ -194,7 +194,7 @@ void ScreensTest::scriptParticle(const LoneParticle& particle) {
 
 QColor ScreensTest::colorAt(int x, int y) {
     const QImage picture = m_window->window().grabWindow();
-    const double scale = picture.devicePixelRatio();
+    const double scale = static_cast<double>(picture.width()) / m_window->window().width();
     return picture.pixelColor(static_cast<int>(x * scale), static_cast<int>(y * scale));
 }
 
@@ -202,7 +202,7 @@ void ScreensTest::savePicture(const std::string& name) {
     const QString folder = QCoreApplication::applicationDirPath() + "/screens";
     ASSERT_TRUE(QDir().mkpath(folder));
     const QImage picture = m_window->window().grabWindow();
-    const double ratio = picture.devicePixelRatio();
+    const double ratio = m_window->window().effectiveDevicePixelRatio();
     const QString scale = ratio == 1 ? QString() : QString("@%1x").arg(ratio);
     EXPECT_TRUE(picture.save(folder + "/" + toQString(name) + scale + ".png"));
 }

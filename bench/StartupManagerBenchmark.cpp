@@ -1,0 +1,59 @@
+// Constructs the startup manager once, as the program does at its start, and prints how long that
+// took and, of it, loading the clip, in milliseconds. For a process of its own each time: the first
+// sound that a process loads is the one that a start-up waits for.
+
+#include <QCoreApplication>
+
+#include <cstdio>
+#include <string_view>
+
+#include "effects/startup/StartupSoundManager.h"
+#include "platform/linux/LinuxPlatform.h"
+
+namespace {
+
+using namespace quorvane;
+
+/// Notes when each line comes and prints none.
+class LineClock final : public Console {
+public:
+    explicit LineClock(RunLoop& runLoop) : m_runLoop(runLoop) {}
+
+    void print(std::string_view line) override {
+        if (line.find("[STARTUP]") != std::string_view::npos)
+            m_loaded = m_runLoop.currentMediaTime();
+    }
+
+    [[nodiscard]] double loaded() const { return m_loaded; }
+
+private:
+    RunLoop& m_runLoop;
+    double m_loaded = 0;
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const QCoreApplication application(argc, argv);
+    LinuxPlatform linuxPlatform;
+    const Platform machine = linuxPlatform.platform();
+    LineClock console(machine.runLoop);
+    const Platform platform{.runLoop = machine.runLoop,
+                            .hid = machine.hid,
+                            .workspace = machine.workspace,
+                            .defaultCenter = machine.defaultCenter,
+                            .audio = machine.audio,
+                            .eventTaps = machine.eventTaps,
+                            .haptics = machine.haptics,
+                            .screens = machine.screens,
+                            .application = machine.application,
+                            .userDefaults = machine.userDefaults,
+                            .bundle = machine.bundle,
+                            .system = machine.system,
+                            .random = machine.random,
+                            .console = console};
+    const double begun = machine.runLoop.currentMediaTime();
+    const auto manager = StartupSoundManager::create(platform);
+    const double done = machine.runLoop.currentMediaTime();
+    std::printf("%.3f %.3f\n", (done - begun) * 1000, (console.loaded() - begun) * 1000);
+}
