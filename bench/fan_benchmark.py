@@ -17,22 +17,16 @@ import sys
 import time
 import wave
 
+from stop_screen_benchmark import processor_time
+
+from desktop import processes
+from desktop.session import Session
+
 REPOSITORY = pathlib.Path(__file__).resolve().parents[1]
-sys.path.insert(0, str(REPOSITORY / "tools"))
-
-from desktop import processes  # noqa: E402 (found through the line above)
-from desktop.session import Session  # noqa: E402
-
 FAN = REPOSITORY / "resources" / "fanmac.mp3"
 SWITCH = "Thermals"
 SETTLING = 3.0
 """Seconds after a change that are left out."""
-
-
-def processor_time(pid):
-    """Seconds of processor time of all threads of a process so far."""
-    # The number of another process's clock, as clock_getcpuclockid() makes it.
-    return time.clock_gettime((~pid << 3) | 2)
 
 
 def share(pid, seconds):

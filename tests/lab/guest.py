@@ -26,6 +26,7 @@ from desktop.program import Program  # noqa: E402
 from desktop.recording import Recording  # noqa: E402
 
 import device_rights  # noqa: E402
+import force_feedback  # noqa: E402
 import keyboards  # noqa: E402
 
 RATE = 48000
@@ -223,6 +224,7 @@ def main():
         play(lab, "hidraw_contract", hidraw_contract, build)
         play(lab, "device_rights", rights)
         keyboards.play_all(play, lab, build, reader)
+        force_feedback.play_all(play, lab, reader)
 
 
 if __name__ == "__main__":

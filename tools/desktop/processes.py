@@ -85,6 +85,11 @@ class Lines:
         with self._changed:
             return [text for _, text in self._lines]
 
+    def times(self, text):
+        """When each of the lines so far came that is exactly `text`."""
+        with self._changed:
+            return [arrived for arrived, line in self._lines if line == text]
+
     def since(self, start):
         """The lines so far, each after the seconds from `start` at which it came."""
         with self._changed:

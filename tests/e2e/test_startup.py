@@ -1,0 +1,293 @@
+"""A machine that wakes up, or a program that was opened at login, roars."""
+
+import pathlib
+import subprocess
+import time
+import unittest
+
+import numpy
+
+import clips
+from harness import ENTER, REPOSITORY, EndToEndTest
+from desktop import processes
+from desktop.waiting import TimedOut
+
+TRACTOR = REPOSITORY / "resources" / "tractor.mp3"
+SWITCH = "Startup"
+
+LOADED = "✅ [STARTUP] tractor.mp3 loaded"
+GENERATED = "✅ [RUMBLE] Buffer generated: 25.0Hz + 12.5Hz sub"
+PLAYING = "🚜 [STARTUP] Playing tractor + rumble + haptic!"
+BEGINNING = [PLAYING, "🔊 [RUMBLE] Started with 3.0s ramp-up", "📳 [HAPTIC] Started with ramp-up"]
+COMPLETE = "🚜 [STARTUP] Sequence complete"
+ENDING = ["🔊 [RUMBLE] Stopped", "📳 [HAPTIC] Stopped", COMPLETE]
+
+RAMP = 3.0
+STEPS = 30
+LATE = 1.0
+"""Seconds by which a busy machine may be late."""
+
+EARLY = 0.1
+"""Seconds by which a line of the console or a sound may be dated too early."""
+
+
+class StartupTest(EndToEndTest):
+    """What the tests of the sequence have in common."""
+
+    def wake_until_it_plays(self, services):
+        """Wakes the machine up until the program hears it; returns when the sequence began."""
+        before = len(self.times(PLAYING))
+
+        def hears():
+            services.prepare_for_sleep()
+            services.wake_up()
+            try:
+                return self.wait_until(lambda: self.times(PLAYING)[before:], PLAYING, 1.0)
+            except TimedOut:
+                return None
+        # Nothing tells from outside when the program has begun to listen.
+        return self.wait_until(hears, "the sequence", 20)[0]
+
+    def startup_lines(self):
+        return [line for line in self.program.console.text if line in BEGINNING + ENDING]
+
+    def times(self, text):
+        return self.program.console.times(text)
+
+    def resources_with_silence(self, seconds):
+        """Resources whose clip leaves the rumble to be heard alone."""
+        folder = self.resources_without("tractor.mp3")
+        clips.write_silence(folder / "tractor.mp3", seconds)
+        return str(folder)
+
+    def write_autostart_entry(self):
+        folder = pathlib.Path(self.environment["XDG_CONFIG_HOME"], "autostart")
+        folder.mkdir(parents=True, exist_ok=True)
+        (folder / "quorvane.desktop").write_text(
+            "[Desktop Entry]\nType=Application\nName=Quorvane\nExec=quorvane\n", encoding="utf-8")
+
+
+class Waking(StartupTest):
+    listens = True
+
+    ATTEMPTS = 4
+
+    def test_a_machine_that_wakes_roars_for_as_long_as_the_clip(self):
+        clip = clips.length(TRACTOR)
+        services = self.start_system_bus("login")
+        self.skip_hardware_check()
+        self.launch()
+        self.screens()
+        quiet_until = time.monotonic()
+        self.assert_silent(self.started + 0.5, quiet_until, "before the machine wakes")
+        begun = self.wake_until_it_plays(services)
+        sounded = self.recording.wait_for_sound(begun - EARLY, 2.0)
+        self.assertLess(sounded - begun, 0.1 + LATE)
+        # A second wake-up meanwhile changes nothing.
+        services.prepare_for_sleep()
+        services.wake_up()
+        completed = self.program.wait_for_line(COMPLETE, clip + 10)
+        self.assertGreater(completed - begun, clip - EARLY)
+        self.assertLess(completed - begun, clip + LATE)
+        self.assertEqual(self.startup_lines(), BEGINNING + ENDING)
+        self.assert_roars(begun + LATE, completed - LATE)
+        self.assert_silent(completed + LATE, completed + LATE + 1.0, "after the sequence")
+
+        services.prepare_for_sleep()
+        services.wake_up()
+        self.wait_until(lambda: len(self.times(PLAYING)) == 2, "the next sequence")
+        self.leave()
+
+    def assert_roars(self, begin, end):
+        """The clip is heard above the rumble, which has nothing above 300 Hz, and the rumble."""
+        samples = self.recording.samples(begin, end)
+        spectrum = numpy.square(numpy.abs(numpy.fft.rfft(samples)))
+        frequencies = numpy.fft.rfftfreq(len(samples), 1 / self.session.sound.RATE)
+        power = 2 * spectrum / len(samples) ** 2
+        engine = 10 * numpy.log10(power[frequencies > 300].sum())
+        rumble = 10 * numpy.log10(power[(frequencies > 8) & (frequencies < 80)].sum())
+        self.assertGreater(engine, -50, "the engine")
+        self.assertGreater(rumble, -30, "the rumble")
+
+    def test_the_rumble_rises_evenly_over_three_seconds(self):
+        services = self.start_system_bus("login")
+        self.skip_hardware_check()
+        self.launch(QUORVANE_RESOURCES=self.resources_with_silence(6))
+        self.screens()
+        # A machine that is too busy drops sound now and then, which is soft for it.
+        for _ in range(self.ATTEMPTS):
+            error = self._error_of_rise(services)
+            if error < 0.08:
+                break
+        self.assertLess(error, 0.08)
+        self.leave()
+
+    def _error_of_rise(self, services):
+        """By how much of full volume the rise of one sequence is off at most."""
+        before = len(self.times(COMPLETE))
+        begun = self.wake_until_it_plays(services)
+        self.wait_until(lambda: len(self.times(COMPLETE)) > before, "the end of the sequence", 20)
+        self.recording.level(begun, time.monotonic())
+        start, full = self._find_rumble(begun)
+        self.assertGreater(start - begun, -EARLY)
+        self.assertLess(start - begun, 0.1 + LATE)
+        errors = []
+        for number in range(STEPS):
+            at = start + number * RAMP / STEPS
+            # A tick is late rather than early, and heard a little later.
+            errors.append(self._gain(start, at, at + RAMP / STEPS) / full - number / STEPS)
+        print(f"rumble: from {start - begun:.3f} s, at {full:.3f} of its samples, off by "
+              f"{min(errors):.3f} to {max(errors):.3f} on its way")
+        return max(map(abs, errors))
+
+    def _find_rumble(self, begun):
+        """When the loop began, by what the last seconds are, and the gain there."""
+        rate = self.session.sound.RATE
+        begin = begun + RAMP + LATE
+        heard = self.recording.samples(begin, begin + 1)
+        spectrum = numpy.fft.rfft(heard) * numpy.fft.rfft(rumble(numpy.arange(rate) / rate)).conj()
+        likeness = numpy.fft.irfft(spectrum)
+        shift = int(numpy.argmax(likeness)) / rate
+        # The loop is a second long: of the possible starts, the one nearest to the console's word.
+        start = begin + shift - round(begin + shift - begun - 0.05)
+        return start, self._gain(start, begin, begin + 1)
+
+    def _gain(self, start, begin, end):
+        """How loud the rumble that began at `start` is between two instants."""
+        heard = self.recording.samples(begin, end)
+        clean = rumble(begin - start + numpy.arange(len(heard)) / self.session.sound.RATE)
+        return float(heard @ clean / (clean @ clean))
+
+    def test_switched_off_it_stays_silent(self):
+        services = self.start_system_bus("login")
+        panel = self.launch_into_control_panel(creak=False)
+        self.wait_until(lambda: panel.is_on(SWITCH), "the switch, which is on at first")
+        panel.toggle(SWITCH)
+        self.wait_until(lambda: not panel.is_on(SWITCH), "the switch to be off")
+        off = time.monotonic()
+        services.prepare_for_sleep()
+        services.wake_up()
+        self.assert_silent(off, off + 2.0, "a machine that wakes with the switch off")
+        self.assertEqual(self.startup_lines(), [])
+        panel.toggle(SWITCH)
+        self.wake_until_it_plays(services)
+        self.leave()
+
+
+class OpenedAtLogin(StartupTest):
+    """On a desktop that leaves the keyboard where it is when a window comes."""
+
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        config = pathlib.Path(cls.session.directory, "no-focus.xml")
+        config.write_text("""<?xml version="1.0"?>
+<openbox_config xmlns="http://openbox.org/3.4/rc"><focus><focusNew>no</focusNew></focus>
+</openbox_config>""", encoding="utf-8")
+        env = dict(cls.session.environment(cls.session.directory))
+        manager = processes.start(
+            ["openbox", "--sm-disable", "--replace", "--config-file", config], env,
+            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        cls.addClassCleanup(processes.end, manager)
+
+    def test_in_the_background_it_roars_once_after_half_a_second(self):
+        self.write_autostart_entry()
+        self.launch(QUORVANE_RESOURCES=self.resources_with_silence(2))
+        loaded, _ = self.program.console.wait_for(lambda line: line == GENERATED, GENERATED)
+        playing = self.program.wait_for_line(PLAYING)
+        self.assertGreater(playing - loaded, 0.5 - EARLY)
+        self.program.wait_for_line(COMPLETE)
+        time.sleep(1)
+        self.assertEqual(self.startup_lines(), BEGINNING + ENDING)
+        self.leave()
+
+    def test_without_an_autostart_entry_it_stays_silent(self):
+        self.launch()
+        screens = self.screens()
+        screens.find("CHECK HARDWARE 🔍")
+        time.sleep(1.5)
+        self.assertEqual(self.startup_lines(), [])
+        self.leave()
+
+
+class OpenedByHand(StartupTest):
+    """On a desktop that gives a new window the keyboard."""
+
+    TRIES = 6
+
+    def test_in_front_it_stays_silent(self):
+        # A busy machine may take longer than half a second until the window is in front, and then
+        # it is right to roar; not each time.
+        self.write_autostart_entry()
+        for _ in range(self.TRIES):
+            self.launch(QUORVANE_RESOURCES=self.resources_with_silence(1)
+                        if not pathlib.Path(self.home, "resources").exists()
+                        else str(pathlib.Path(self.home, "resources")))
+            self.screens()
+            time.sleep(1.5)
+            lines = self.startup_lines()
+            self.leave()
+            if not lines:
+                return
+        self.fail(f"it roared at each of {self.TRIES} starts by hand")
+
+
+def rumble(times):
+    """What is to be heard of it at full volume, at these seconds since its loop began."""
+    tau = 2 * numpy.pi * times
+    partials = 0.5 * numpy.sin(25 * tau) + 0.3 * numpy.sin(50 * tau) + 0.2 * numpy.sin(12.5 * tau)
+    return numpy.abs(numpy.sin(4 * tau)) * partials
+
+
+class Faults(StartupTest):
+    listens = True
+
+    def _wake_twice(self, services):
+        for _ in range(2):
+            services.prepare_for_sleep()
+            services.wake_up()
+            time.sleep(0.5)
+
+    def test_without_the_clip_a_wake_up_does_nothing(self):
+        services = self.start_system_bus("login")
+        folder = self.resources_without("*.mp3")
+        screens = self.launch_into_control_panel(creak=False, QUORVANE_RESOURCES=str(folder))
+        begun = time.monotonic()
+        self._wake_twice(services)
+        self.assert_silent(begun, begun + 1.5, "a wake-up without a clip")
+        self.assertEqual(self.startup_lines(), [])
+        self.assertNotIn(LOADED, self.program.console.text)
+        self.assertIn(GENERATED, self.program.console.text)
+        self.assertTrue(screens.is_on(SWITCH))
+        self.leave()
+
+    def test_with_a_clip_that_is_no_sound_a_wake_up_does_nothing(self):
+        services = self.start_system_bus("login")
+        folder = self.resources_without("*.mp3")
+        for name in ("creaking", "fanmac", "keyboard", "tractor"):
+            (folder / f"{name}.mp3").write_text("no sound at all\n" * 100)
+        self.launch_into_control_panel(creak=False, QUORVANE_RESOURCES=str(folder))
+        begun = time.monotonic()
+        self._wake_twice(services)
+        self.assert_silent(begun, begun + 1.5, "a wake-up with a clip that is none")
+        self.assertEqual(self.startup_lines(), [])
+        self.assertIn(LOADED, self.program.console.text)
+        # The decoder's library says on standard error what it stumbles over.
+        self.leave("")
+
+    def test_without_a_sound_device_the_sequence_keeps_its_time(self):
+        services = self.start_system_bus("login")
+        self.skip_hardware_check()
+        folder = self.resources_with_silence(3)
+        self.launch(QUORVANE_RESOURCES=folder, PULSE_SERVER=f"unix:{self.home}/nobody",
+                    ALSA_CONFIG_PATH="/nonexistent")
+        self.screens().find(ENTER)
+        begun = self.wake_until_it_plays(services)
+        completed = self.program.wait_for_line(COMPLETE, 20)
+        self.assertGreater(completed - begun, 3 - EARLY)
+        self.assertLess(completed - begun, 3 + 3 * LATE)
+        self.leave("")
+
+
+if __name__ == "__main__":
+    unittest.main()

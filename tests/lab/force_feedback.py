@@ -1,0 +1,154 @@
+"""What can be felt, on a device of the machine's own kernel: what is played.
+
+Every scenario leaves what happened on its devices, and when it did what, for force_feedback_test.py
+to judge.
+"""
+
+import contextlib
+import json
+import pathlib
+import subprocess
+import sys
+import time
+
+from desktop import processes
+from desktop.buses import Bus, Services
+from desktop.waiting import wait_until
+
+HERE = pathlib.Path(__file__).resolve().parent
+PATIENCE = 60.0
+
+ENTER = "MAKE ME SUFFER 😭"
+FAN = "Thermals"
+PLAYING = "🚜 [STARTUP] Playing tractor + rumble + haptic!"
+COMPLETE = "🚜 [STARTUP] Sequence complete"
+
+EFFECTS = 3
+"""How many the program uploads: one a pattern."""
+
+FAN_TIME = 5.0
+MOMENT = 2.0
+
+
+class Pad:
+    """A device that rumbles, in a process of its own."""
+
+    def __init__(self, env, log, stack):
+        self._log = log
+        self._process = processes.start([sys.executable, HERE / "force_feedback_device.py", log],
+                                        env, stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+        stack.callback(processes.end, self._process)
+        if self._process.stdout.readline() != b"ready\n":
+            raise RuntimeError("the kernel did not make the device")
+
+    def unplug(self):
+        """Comes back when the device has gone."""
+        self._process.stdin.close()
+        self._process.wait(PATIENCE)
+
+    def count(self, event):
+        """How often something happened so far."""
+        lines = self._log.read_text(encoding="utf-8").splitlines()
+        return sum(json.loads(line)["event"] == event for line in lines)
+
+    def wait_for(self, event, count):
+        """Waits until something has happened that often in all."""
+        wait_until(lambda: self.count(event) >= count, f"{count} times '{event}' on the pad")
+
+
+def _skip_hardware_check(lab):
+    settings = pathlib.Path(lab.desktop.env["XDG_CONFIG_HOME"], "quorvane", "quorvane.ini")
+    settings.parent.mkdir(parents=True, exist_ok=True)
+    settings.write_text("[General]\nhardwareChecked=true\n", encoding="utf-8")
+
+
+def _enter(reader, program):
+    app = reader.application(program)
+    app.press(ENTER, PATIENCE)
+    app.find(FAN, timeout=PATIENCE)
+    return app
+
+
+def _system_bus(lab, folder, stack):
+    """A stand-in for logind, where the programs that start from now on find it."""
+    env = lab.desktop.env
+    before = env["DBUS_SYSTEM_BUS_ADDRESS"]
+    stack.callback(lambda: env.update(DBUS_SYSTEM_BUS_ADDRESS=before))
+    # Its socket belongs in a file system of this machine's.
+    bus = Bus(env, env["HOME"], f"system-{folder.name}", stack)
+    env["DBUS_SYSTEM_BUS_ADDRESS"] = bus.address
+    return Services(env, bus, stack, ["login"])
+
+
+def felt(lab, reader):
+    """The fan, switched off again; the engine as the machine wakes; the end by SIGTERM."""
+    name = "felt"
+    folder = lab.folder(name)
+    with contextlib.ExitStack() as stack:
+        logind = _system_bus(lab, folder, stack)
+        pad = Pad(lab.desktop.env, folder / "pad.log", stack)
+        with lab.program(name, stack) as (program, facts):
+            app = _enter(reader, program)
+            facts["untouched"] = pad.count("upload") == 0
+            facts["fan_on"] = time.monotonic()
+            app.toggle(FAN)
+            pad.wait_for("upload", EFFECTS)
+            time.sleep(FAN_TIME)
+            facts["switching_off"] = time.monotonic()
+            app.toggle(FAN)
+            facts["fan_off"] = time.monotonic()
+            pad.wait_for("erase", EFFECTS)
+            logind.wake_up()
+            facts["awake"] = program.wait_for_line(PLAYING, PATIENCE)
+            facts["complete"] = program.wait_for_line(COMPLETE, PATIENCE)
+            pad.wait_for("erase", 2 * EFFECTS)
+            facts["fan_on_again"] = time.monotonic()
+            app.toggle(FAN)
+            pad.wait_for("upload", 3 * EFFECTS)
+            time.sleep(MOMENT)
+
+
+def unplugged(lab, reader):
+    """The device goes while the fan runs; another one comes for the fan's next start."""
+    name = "unplugged"
+    folder = lab.folder(name)
+    with contextlib.ExitStack() as stack:
+        first = Pad(lab.desktop.env, folder / "first.log", stack)
+        with lab.program(name, stack) as (program, facts):
+            app = _enter(reader, program)
+            app.toggle(FAN)
+            first.wait_for("upload", EFFECTS)
+            time.sleep(MOMENT)
+            facts["unplugging"] = time.monotonic()
+            first.unplug()
+            second = Pad(lab.desktop.env, folder / "second.log", stack)
+            time.sleep(MOMENT)
+            facts["switching_off"] = time.monotonic()
+            app.toggle(FAN)
+            time.sleep(MOMENT)
+            app.toggle(FAN)
+            second.wait_for("upload", EFFECTS)
+            second.wait_for("play", 2)
+
+
+def killed(lab, reader):
+    """The fan runs when the program is killed."""
+    name = "killed"
+    folder = lab.folder(name)
+    with contextlib.ExitStack() as stack:
+        pad = Pad(lab.desktop.env, folder / "pad.log", stack)
+        with lab.program(name, stack) as (program, facts):
+            app = _enter(reader, program)
+            app.toggle(FAN)
+            pad.wait_for("play", 2)
+            facts["killed"] = time.monotonic()
+            program.kill()
+            program.wait_for_exit(PATIENCE)
+            pad.wait_for("erase", EFFECTS)
+
+
+def play_all(play, lab, reader):
+    """Every scenario of this file, in an order of no meaning."""
+    _skip_hardware_check(lab)
+    for scenario in (felt, unplugged, killed):
+        play(lab, scenario.__name__, scenario, reader)
