@@ -31,6 +31,7 @@ from desktop.waiting import wait_until  # noqa: E402
 OTHER = "/usr/games/buckle"
 SWITCH = "Keyboard"
 TITLE = "Quorvane"
+CLICKS = 7
 STARTED = "⌨️ [KEYBOARD] Event tap started — global monitoring active"
 RATE = 48000
 LOUD = 0.01
@@ -115,6 +116,8 @@ class Bench:
         settings.parent.mkdir(parents=True)
         settings.write_text("[General]\nhardwareChecked=true\n", encoding="utf-8")
         self._server = self._find_sound_server()
+        self.errors = []
+        self.unheard = 0
 
     def _find_sound_server(self):
         mine = os.getpid()
@@ -190,25 +193,28 @@ class Bench:
         return instant, spent
 
     def clock_error(self):
-        """How much later the recording says that something sounded than the sound server does."""
+        """How much later the recording says that something sounded than the sound server does.
+
+        It changes when the recorder was too late for some of the sound, so it is asked for beside
+        every turn.
+        """
         errors = []
-        for heard in clicks(self._session.sound.address, 25):
+        for heard in clicks(self._session.sound.address, CLICKS):
             at = onset(self._recording, heard - 0.2, heard + 0.2)
             if at is not None:
                 errors.append(at - heard)
-        middle, *ends = [value * 1000 for value in (
-            statistics.median(errors), min(errors), max(errors))]
-        print(f"clock of the recording, by {len(errors)} clicks: {middle:.1f} ms "
-              f"({ends[0]:.1f} to {ends[1]:.1f}) taken off")
-        return middle / 1000
+        error = statistics.median(errors)
+        self.errors.append(error)
+        return error
 
     def latencies(self, instants, error):
-        """Milliseconds; a key that was not heard is left out, and told."""
+        """Milliseconds; a key that was not heard is left out, and counted."""
         found = []
         for instant in instants:
-            at = onset(self._recording, instant + error, instant + error + 0.4)
+            # Were the clock's error not what it is taken for, a figure below zero would tell.
+            at = onset(self._recording, instant + error - 0.1, instant + error + 0.4)
             if at is None:
-                print(f"a key at {instant:.3f} was not heard")
+                self.unheard += 1
             else:
                 found.append((at - error - instant) * 1000)
         return found
@@ -222,37 +228,38 @@ def main():
     build = pathlib.Path(sys.argv[1])
     turns, keys, rest = [int(given) if given else default for given, default in zip(
         (sys.argv[2:] + [""] * 3)[:3], (5, 10, 60))]
-    typed = {"ours": [], "other": []}
-    rested = {"ours": [], "other": []}
-    spent = {"ours": [], "other": []}
+    typed, rested, spent = ({"ours": [], "other": []} for _ in range(3))
     with contextlib.ExitStack() as stack:
         bench = Bench(build, stack)
         sides = {"ours": bench.ours, "other": bench.other}
         for _ in range(turns):
             for name, side in sides.items():
                 with side():
-                    typed[name] += bench.type(keys)
+                    instants = bench.type(keys)
+                typed[name] += bench.latencies(instants, bench.clock_error())
         for _ in range(RESTS):
             for name, side in sides.items():
                 with side() as pid:
                     instant, cost = bench.rest(pid, rest)
-                    rested[name].append(instant)
-                    spent[name].append(cost)
+                rested[name] += bench.latencies([instant], bench.clock_error())
+                spent[name].append(cost)
         report(bench, typed, rested, spent)
 
 
 def report(bench, typed, rested, spent):
     """Prints what came of it."""
-    error = bench.clock_error()
     medians, idle = {}, {}
+    print("clock of the recording, by clicks (ms): "
+          + " ".join(f"{error * 1000:.0f}" for error in bench.errors)
+          + f"; keys that were not heard: {bench.unheard}")
     for name, title in (("ours", "Quorvane"), ("other", "bucklespring")):
-        values = bench.latencies(typed[name], error)
+        values = typed[name]
         medians[name] = statistics.median(values)
         idle[name] = statistics.median(own for own, _ in spent[name])
         print(f"== {title}\n{len(values)} keys (ms): median {medians[name]:.1f}, "
               f"90th percentile {percentile(values, 0.9):.1f}, "
               f"{min(values):.1f} to {max(values):.1f}")
-        first = ", ".join(f"{value:.1f}" for value in bench.latencies(rested[name], error))
+        first = ", ".join(f"{value:.1f}" for value in rested[name])
         print(f"first key after the rest (ms): {first}")
         costs = ", ".join(f"{own:.2f} (sound server {server:.2f})" for own, server in spent[name])
         print(f"at rest (ms of processor time a second): {costs}")
