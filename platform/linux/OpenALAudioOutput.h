@@ -126,9 +126,11 @@ private:
     std::unique_ptr<OpenALAudioDevice> m_closing;
     // Since when the thread has been in a call that may wait for the sound server.
     std::optional<Clock::time_point> m_blockedSince;
-    // Callers that wait for a device, attempts to open one so far, and why the last one failed.
+    // Callers that wait for a device; requests to open one so far, those of them for which that
+    // has been tried, and why it failed the last time.
     std::size_t m_waiters = 0;
-    std::size_t m_attempts = 0;
+    std::size_t m_requests = 0;
+    std::size_t m_answered = 0;
     AudioError m_openError;
     std::vector<const void*> m_runningEngines;
     std::vector<std::shared_ptr<OpenALAudioVoice>> m_voices;

@@ -20,15 +20,16 @@ constexpr std::chrono::seconds openingTime{3};
 std::optional<AudioError> OpenALAudioOutput::awaitDevice(std::unique_lock<std::mutex>& lock) {
     if (m_device)
         return std::nullopt;
-    const std::size_t before = m_attempts;
+    // An attempt that had begun before may have missed what is there now.
+    const std::size_t request = ++m_requests;
     const auto deadline = m_blockedSince.value_or(Clock::now()) + openingTime;
     ++m_waiters;
     m_changed.notify_one();
-    m_served.wait_until(lock, deadline, [&] { return m_device || m_attempts != before; });
+    m_served.wait_until(lock, deadline, [&] { return m_device || m_answered >= request; });
     --m_waiters;
     if (m_device)
         return std::nullopt;
-    return m_attempts != before ? m_openError : AudioError{"The sound server does not answer."};
+    return m_answered >= request ? m_openError : AudioError{"The sound server does not answer."};
 }
 
 void OpenALAudioOutput::closeDevice() {
@@ -89,8 +90,9 @@ bool OpenALAudioOutput::closeLater(std::unique_lock<std::mutex>& lock) {
 
 bool OpenALAudioOutput::tryToOpen(std::unique_lock<std::mutex>& lock) {
     const bool due = isAwaited() && Clock::now() >= m_nextAttempt;
-    if (m_device || m_quit || (m_waiters == 0 && !due))
+    if (m_device || m_quit || (m_answered == m_requests && !due))
         return false;
+    const std::size_t requests = m_requests;
     std::variant<std::unique_ptr<OpenALAudioDevice>, AudioError> opened;
     unlocked(lock, [&] {
         if (!m_library)
@@ -103,12 +105,13 @@ bool OpenALAudioOutput::tryToOpen(std::unique_lock<std::mutex>& lock) {
         if (std::holds_alternative<AudioError>(opened))
             m_library.reset();
     });
-    ++m_attempts;
+    m_answered = requests;
     if (auto* error = std::get_if<AudioError>(&opened)) {
         m_openError = std::move(*error);
         m_nextAttempt = Clock::now() + attemptInterval;
     } else {
         m_device = std::move(std::get<std::unique_ptr<OpenALAudioDevice>>(opened));
+        m_answered = m_requests;
         for (const auto& clip : m_clips)
             clip->deviceOpened(*m_device);
     }
