@@ -31,7 +31,8 @@ struct Truth final : Object {
 };
 
 String& constantString(const std::string& text) {
-    static std::map<std::string, String*> strings;
+    // Never destroyed, as what is in it is not.
+    static auto& strings = *new std::map<std::string, String*>;
     String*& string = strings[text];
     if (!string)
         string = immortal(new String(text));
