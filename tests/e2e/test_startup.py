@@ -124,24 +124,34 @@ class Waking(StartupTest):
                 errors.setdefault(step, []).append(error)
             if len(errors) > STEPS - 6:
                 break
+        self.assertGreater(len(errors), STEPS / 2)
         errors = {step: statistics.median(each) for step, each in errors.items()}
         print(f"rumble: {len(errors)} steps heard, off by {min(errors.values()):.3f} to "
               f"{max(errors.values()):.3f} of full volume")
-        self.assertGreater(len(errors), STEPS / 2)
-        self.assertLess(max(map(abs, errors.values())), 0.1)
+        self.assertLess(max(map(abs, errors.values())), 0.12)
         self.leave()
 
     def _errors_of_rise(self, services):
-        """By how much of full volume the steps of one sequence are off, those that are whole."""
+        """By how much of full volume the steps of one sequence are off, those that are whole.
+
+        Their common delay, on the way from the console's line to the ear, is no error.
+        """
         before = len(self.times(COMPLETE))
         begun = self.wake_until_it_plays(services)
         self.wait_until(lambda: len(self.times(COMPLETE)) > before, "the end of the sequence", 20)
         self.recording.level(begun, time.monotonic())
         length = RAMP / STEPS
         gains = [self._gain(begun + i * length, length) for i in range(round(5.5 / length))]
-        full = statistics.median(gain for gain in gains[STEPS + 5:] if gain is not None)
-        return [(step, gain / full - step / STEPS) for step, gain in enumerate(gains[:STEPS])
-                if gain is not None]
+        steady = [gain for gain in gains[STEPS + 5:] if gain is not None]
+        if not steady:
+            return []
+        full = statistics.median(steady)
+        errors = [(step, gain / full - step / STEPS) for step, gain in enumerate(gains[:STEPS])
+                  if gain is not None]
+        common = statistics.median(error for _, error in errors) if errors else 0
+        self.assertLess(-common * RAMP, LATE)
+        self.assertGreater(-common * RAMP, -EARLY)
+        return [(step, error - common) for step, error in errors]
 
     def _gain(self, begin, length):
         """How loud the rumble is for `length` seconds; none where it is not whole, or too soft."""
