@@ -14,7 +14,7 @@ namespace {
 
 // The glyph at `size` in the middle of a square that is large enough for it.
 QImage drawGlyph(double size, double scale) {
-    const double side = std::ceil(size * 1.5);
+    const double side = std::ceil(size * 1.3);
     QImage image((QSizeF(side, side) * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
     image.setDevicePixelRatio(scale);
     image.fill(Qt::transparent);
@@ -30,22 +30,30 @@ QImage drawGlyph(double size, double scale) {
 /// One particle's part of the scene.
 class ParticleNode final : public QSGOpacityNode {
 public:
-    ParticleNode(QQuickWindow& window, double size, double scale) {
+    ParticleNode(QQuickWindow& window, double size, double scale) : m_scale(scale) {
         const QImage picture = drawGlyph(size, scale);
         m_side = picture.deviceIndependentSize().width();
         m_image = window.createImageNode();
         m_image->setOwnsTexture(true);
         m_image->setTexture(window.createTextureFromImage(picture));
-        m_image->setFiltering(QSGTexture::Linear);
+        m_image->setFiltering(QSGTexture::Nearest);
         appendChildNode(m_image);
     }
 
     void show(const FloatingEmoji& particle) {
         setOpacity(particle.opacity);
-        m_image->setRect(particle.x - m_side / 2, particle.y - m_side / 2, m_side, m_side);
+        m_image->setRect(onPixel(particle.x - m_side / 2), onPixel(particle.y - m_side / 2), m_side,
+                         m_side);
     }
 
 private:
+    // A picture that lies on whole pixels takes no filter to draw, which is most of the cost of one
+    // where the processor draws.
+    [[nodiscard]] double onPixel(double place) const {
+        return std::round(place * m_scale) / m_scale;
+    }
+
+    double m_scale;
     QSGImageNode* m_image; // The scene's, as a child.
     double m_side;
 };

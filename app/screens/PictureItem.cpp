@@ -20,6 +20,7 @@ constexpr double pictureMargin = 4;
 PictureItem::PictureItem(QQuickItem* parent) : QQuickItem(parent) {
     setFlag(ItemHasContents);
     connect(this, &PictureItem::glowLookChanged, this, [this] { redraw(); });
+    connect(this, &QQuickItem::scaleChanged, this, [this] { update(); });
 }
 
 void PictureItem::setGlow(double glow) {
@@ -90,6 +91,7 @@ QSGNode* PictureItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData* /*data*
     };
     node->place(placed(node->picture(), pictureMargin),
                 placed(node->glowSource(), glowMargin()).translated(0, m_glowOffset));
+    node->setScaled(this->scale() != 1);
     node->setGlow(m_glow);
     return node;
 }

@@ -11,10 +11,7 @@ namespace quorvane {
 
 PictureNode::PictureNode(QQuickWindow& window)
     : m_window(window), m_pictureNode(window.createImageNode()) {
-    const auto prepare = [](QSGImageNode& node) {
-        node.setFlag(OwnedByParent, false);
-        node.setFiltering(QSGTexture::Linear);
-    };
+    const auto prepare = [](QSGImageNode& node) { node.setFlag(OwnedByParent, false); };
     for (Layer& layer : m_layers) {
         layer.image.reset(window.createImageNode());
         prepare(*layer.image);
@@ -47,6 +44,13 @@ void PictureNode::place(const QRectF& picture, const QRectF& glow) {
     m_pictureNode->setRect(picture);
     for (Layer& layer : m_layers)
         layer.image->setRect(glow);
+}
+
+void PictureNode::setScaled(bool scaled) {
+    const auto filtering = scaled ? QSGTexture::Linear : QSGTexture::Nearest;
+    m_pictureNode->setFiltering(filtering);
+    for (Layer& layer : m_layers)
+        layer.image->setFiltering(filtering);
 }
 
 void PictureNode::setGlow(double glow) {

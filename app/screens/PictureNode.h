@@ -30,6 +30,8 @@ public:
     /// The shape that glows; a null image is no glow.
     void setGlowSource(const QImage& source, const GlowLook& look);
     void place(const QRectF& picture, const QRectF& glow);
+    /// Whether the pictures' pixels are not the window's.
+    void setScaled(bool scaled);
     /// 0 to 1.
     void setGlow(double glow);
 

@@ -9,7 +9,7 @@ namespace quorvane {
 
 /// One line of text in the rounded heavy face, in one colour or in a gradient that runs from its
 /// left end through its middle to its right end.
-class RoundedText : public PictureItem {
+class RoundedText : public quorvane::PictureItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(QString text READ text WRITE setText NOTIFY textChanged REQUIRED FINAL)

@@ -8,7 +8,7 @@ namespace quorvane {
 
 /// A picture of a local file, as large as it can be drawn in `height` without losing its shape.
 /// Takes no place if there is no such picture.
-class ShadowedImage : public PictureItem {
+class ShadowedImage : public quorvane::PictureItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(QUrl source READ source WRITE setSource NOTIFY sourceChanged REQUIRED FINAL)

@@ -5,7 +5,7 @@
 namespace quorvane {
 
 /// A filled rectangle whose straight edges turn into its corners without a jump in their bending.
-class SmoothRectangle : public PictureItem {
+class SmoothRectangle : public quorvane::PictureItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(QColor color MEMBER m_color NOTIFY lookChanged REQUIRED FINAL)
