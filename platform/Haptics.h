@@ -31,9 +31,9 @@ public:
     HapticService& operator=(const HapticService&) = delete;
     virtual ~HapticService() = default;
 
-    /// The performer of the device that is best suited now; never null, and cheap enough to be asked
-    /// for at every pulse. What it has opened is closed within two seconds of its last reference and
-    /// the last time that it was asked for.
+    /// The performer of the device that is best suited now; never null, and cheap enough to be
+    /// asked for at every pulse. What it has opened is closed within two seconds of its last
+    /// reference and the last time that it was asked for.
     [[nodiscard]] virtual std::shared_ptr<HapticPerformer> defaultPerformer() = 0;
 };
 

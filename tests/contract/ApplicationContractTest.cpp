@@ -61,9 +61,7 @@ public:
         QtApplication::runUntil([this] { return m_window->isActive(); });
     }
 
-    void leaveFront() override {
-        m_window.reset();
-    }
+    void leaveFront() override { m_window.reset(); }
 
 private:
     TemporaryFolder m_config;
