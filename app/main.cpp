@@ -117,6 +117,8 @@ int run(char* name, const std::optional<Scenario>& scenario) {
     QGuiApplication application(count, arguments.data());
     display.release();
     QGuiApplication::setQuitOnLastWindowClosed(false);
+    // By this a dock finds the icon.
+    QGuiApplication::setDesktopFileName("quorvane");
     return runWindow(application, termination, scenario);
 }
 
