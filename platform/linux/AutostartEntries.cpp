@@ -51,7 +51,7 @@ std::vector<std::string> split(const std::string& text) {
     return parts;
 }
 
-/// One file, as the specification of the desktops reads it.
+/// One file, as the desktops read it.
 class Entry {
 public:
     explicit Entry(const fs::path& file) {

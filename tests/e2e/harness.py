@@ -30,11 +30,15 @@ CONTINUE = "CONTINUE"
 ENTER = "MAKE ME SUFFER 😭"
 LEAVE = "STOP, I'M SUFFERING 😭"
 CREAK_SWITCH = "Build quality"
+STARTUP_SWITCH = "Startup"
 
 LOADED = r"✅ Φορτώθηκε: creaking\.mp3 \((\d+\.\d)s\)"
 NO_SENSOR = "⚠️ [SENSOR] No HID lid sensor found — using sleep/wake fallback"
 MONITORING = "📡 [SENSOR] Sleep/wake monitoring started"
 FINISHED = "✅ [AUDIO] Τελείωσε — ready for next"
+
+OTHER_EFFECTS = ("[STARTUP]", "[RUMBLE]", "[HAPTIC]", "[KEYBOARD]", "[FAN]")
+"""The tags of the lines that have nothing to do with the lid."""
 
 AUDIBLE = -50.0
 """dBFS above which somebody would hear the creak."""
@@ -120,6 +124,11 @@ class EndToEndTest(unittest.TestCase):
             screens.toggle(CREAK_SWITCH)
             self.wait_until(lambda: screens.is_on(CREAK_SWITCH), "the switch to be on")
         return screens
+
+    def lid_lines(self):
+        """The console lines that tell of the sensor and of the creak."""
+        return [line for line in self.program.console.text
+                if not any(tag in line for tag in OTHER_EFFECTS)]
 
     def leave(self, complaints=None):
         """Ends the program and makes sure that it ends well.
