@@ -201,10 +201,11 @@ class Probe:
         env["PATH"] = f"{home}:{env['PATH']}"
         # Where the program was built may be a folder that this user cannot enter.
         env["QUORVANE_RESOURCES"] = str(home)
-        shutil.copy(CRACK, home)
+        for file in (CRACK, build / "keyboard_probe", build / "quorvane-keyboard-access"):
+            shutil.copy(file, home)
         self._process = processes.start(
             ["setpriv", f"--reuid={NOBODY.pw_uid}", f"--regid={NOBODY.pw_gid}", "--clear-groups",
-             str(build / "keyboard_probe"), what],
+             str(home / "keyboard_probe"), what],
             env, stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         stack.callback(processes.end, self._process)
         self.lines = processes.Lines(self._process.stdout)
