@@ -5,8 +5,6 @@
 namespace quorvane {
 namespace {
 
-using testing::Contains;
-
 // Runs where there is but one plain font; elsewhere there is nothing to see.
 class MissingFonts : public ScreensTest {
 protected:

@@ -83,7 +83,8 @@ TEST_F(FanManagerTest, the_trackpad_pulses_twice_every_twentieth_of_a_second) {
     machine.runLoop.advance(0.951);
     ASSERT_EQ(pulses().size(), 40U);
     for (std::size_t i = 0; i < pulses().size(); ++i) {
-        EXPECT_NEAR(pulses()[i].at, 0.05 * static_cast<double>(i / 2 + 1), 1e-9);
+        const std::size_t tick = i / 2 + 1;
+        EXPECT_NEAR(pulses()[i].at, 0.05 * static_cast<double>(tick), 1e-9);
         EXPECT_EQ(pulses()[i].pattern,
                   i % 2 == 0 ? HapticPattern::LevelChange : HapticPattern::Generic);
         EXPECT_EQ(pulses()[i].time, HapticPerformanceTime::Now);
