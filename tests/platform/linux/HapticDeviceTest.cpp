@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <memory>
 #include <set>
+#include <utility>
 
 #include "platform/linux/HapticDevice.h"
 #include "platform/linux/HapticEffects.h"
@@ -85,11 +86,11 @@ TEST(HapticEffectsTest, ARumbleIsOverBeforeTheNextPulse) {
 
 TEST(HapticEffectsTest, PatternsFeelDifferent) {
     std::set<int> clicks;
-    std::set<int> rumbles;
+    std::set<std::pair<int, int>> rumbles;
     for (const auto pattern : patterns) {
         clicks.insert(clickOf(hapticEffect(HapticKind::Touchpad, pattern)).intensity);
         const auto effect = hapticEffect(HapticKind::Rumble, pattern);
-        rumbles.insert(effect.u.rumble.strong_magnitude * 0x10000 + effect.u.rumble.weak_magnitude);
+        rumbles.emplace(effect.u.rumble.strong_magnitude, effect.u.rumble.weak_magnitude);
     }
     EXPECT_EQ(clicks.size(), patterns.size());
     EXPECT_EQ(rumbles.size(), patterns.size());
