@@ -1,8 +1,8 @@
 #include "tests/contract/AudioContract.h"
 
-#include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <optional>
 #include <variant>
 
 #include "tests/contract/Recording.h"
@@ -43,17 +43,21 @@ protected:
         return run == 4410;
     }
 
-    /// Largest difference of `frames` frames from `start` on from the clip over and over.
-    [[nodiscard]] static double differenceFromLoop(const Recording& recording, std::size_t start,
-                                                   std::size_t frames) {
+    /// Expects the clip `times` times without a gap, from the first sound on. The frame after that;
+    /// none when the recording has less.
+    static std::optional<std::size_t> expectClips(const Recording& recording, std::size_t times) {
         const PCMBuffer clip = AudioContractSide::clip();
-        double largest = 0;
-        for (std::size_t done = 0; done < frames; done += clip.frameLength)
-            largest =
-                std::max(largest, recording.largestDifference(
-                                      start + done, clip, 0,
-                                      std::min<std::size_t>(clip.frameLength, frames - done)));
-        return largest;
+        const auto begin = recording.soundFrom(0);
+        EXPECT_TRUE(begin);
+        if (!begin)
+            return {};
+        const std::size_t end = *begin + times * clip.frameLength;
+        EXPECT_GE(recording.length(), end);
+        if (recording.length() < end)
+            return {};
+        for (std::size_t place = *begin; place < end; place += clip.frameLength)
+            EXPECT_LT(recording.largestDifference(place, clip, 0, clip.frameLength), inaudible);
+        return end;
     }
 };
 
@@ -103,12 +107,9 @@ TEST_P(AudioRecordedContract, ALoopedBufferComesAgainWithoutAGapUntilItIsStopped
     secondsUntil([&] { return *completed == 1; });
     pass(0.5);
     const Recording recording = finish();
-    const auto begin = recording.soundFrom(0);
-    ASSERT_TRUE(begin);
-    const std::size_t end = recording.silenceFrom(*begin, 8820);
-    ASSERT_GE(end, *begin + 3 * std::size_t{22050});
-    EXPECT_LT(differenceFromLoop(recording, *begin, 3 * std::size_t{22050}), inaudible);
-    EXPECT_FALSE(recording.soundFrom(end));
+    const auto threeTimes = expectClips(recording, 3);
+    ASSERT_TRUE(threeTimes);
+    EXPECT_FALSE(recording.soundFrom(recording.silenceFrom(*threeTimes, 8820)));
 }
 
 TEST_P(AudioRecordedContract, ALoopFollowsWhatWasScheduledBeforeWithoutAGap) {
@@ -117,11 +118,7 @@ TEST_P(AudioRecordedContract, ALoopFollowsWhatWasScheduledBeforeWithoutAGap) {
     play(AudioContractSide::clip(), BufferOptions::Once);
     play(AudioContractSide::clip(), BufferOptions::Loops);
     pass(2.5);
-    const Recording recording = finish();
-    const auto begin = recording.soundFrom(0);
-    ASSERT_TRUE(begin);
-    ASSERT_GE(recording.length(), *begin + 4 * std::size_t{22050});
-    EXPECT_LT(differenceFromLoop(recording, *begin, 4 * std::size_t{22050}), inaudible);
+    expectClips(finish(), 4);
 }
 
 TEST_P(AudioRecordedContract, AFilePlayerSoundsOnceFrameForFrame) {
@@ -130,11 +127,9 @@ TEST_P(AudioRecordedContract, AFilePlayerSoundsOnceFrameForFrame) {
     ASSERT_TRUE(clip->play());
     pass(1);
     const Recording recording = finish();
-    const auto begin = recording.soundFrom(0);
-    ASSERT_TRUE(begin);
-    ASSERT_GE(recording.length(), *begin + 22050);
-    EXPECT_LT(differenceFromLoop(recording, *begin, 22050), inaudible);
-    EXPECT_FALSE(recording.soundFrom(*begin + 22050));
+    const auto end = expectClips(recording, 1);
+    ASSERT_TRUE(end);
+    EXPECT_FALSE(recording.soundFrom(*end));
 }
 
 TEST_P(AudioRecordedContract, AFilePlayersLoopHasNoGap) {
@@ -143,11 +138,7 @@ TEST_P(AudioRecordedContract, AFilePlayersLoopHasNoGap) {
     m_side->startRecording();
     ASSERT_TRUE(clip->play());
     pass(2.5);
-    const Recording recording = finish();
-    const auto begin = recording.soundFrom(0);
-    ASSERT_TRUE(begin);
-    ASSERT_GE(recording.length(), *begin + 4 * std::size_t{22050});
-    EXPECT_LT(differenceFromLoop(recording, *begin, 4 * std::size_t{22050}), inaudible);
+    expectClips(finish(), 4);
 }
 
 TEST_P(AudioRecordedContract, ACountOfLoopsHasNoGapEither) {
@@ -157,11 +148,9 @@ TEST_P(AudioRecordedContract, ACountOfLoopsHasNoGapEither) {
     ASSERT_TRUE(clip->play());
     pass(2.2);
     const Recording recording = finish();
-    const auto begin = recording.soundFrom(0);
-    ASSERT_TRUE(begin);
-    ASSERT_GE(recording.length(), *begin + 3 * std::size_t{22050});
-    EXPECT_LT(differenceFromLoop(recording, *begin, 3 * std::size_t{22050}), inaudible);
-    EXPECT_FALSE(recording.soundFrom(*begin + 3 * std::size_t{22050}));
+    const auto end = expectClips(recording, 3);
+    ASSERT_TRUE(end);
+    EXPECT_FALSE(recording.soundFrom(*end));
 }
 
 TEST_P(AudioRecordedContract, ARestartIsHeardFromItsBeginningAndNothingOfTheOldOneRemains) {

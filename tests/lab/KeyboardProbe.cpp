@@ -13,6 +13,7 @@
 
 #include "effects/keyboard/KeyboardCrackManager.h"
 #include "platform/linux/LinuxPlatform.h"
+#include "tests/support/ExchangedPlatform.h"
 
 namespace quorvane {
 
@@ -51,24 +52,9 @@ void runUntilInputEnds() {
     QCoreApplication::exec();
 }
 
-int probeEffect(Platform platform) {
+int probeEffect(const Platform& platform) {
     OverheardSystem system(platform.system);
-    const auto manager = KeyboardCrackManager::create(Platform{
-        .runLoop = platform.runLoop,
-        .hid = platform.hid,
-        .workspace = platform.workspace,
-        .defaultCenter = platform.defaultCenter,
-        .audio = platform.audio,
-        .eventTaps = platform.eventTaps,
-        .haptics = platform.haptics,
-        .screens = platform.screens,
-        .application = platform.application,
-        .userDefaults = platform.userDefaults,
-        .bundle = platform.bundle,
-        .system = system,
-        .random = platform.random,
-        .console = platform.console,
-    });
+    const auto manager = KeyboardCrackManager::create(exchange(platform, {.system = &system}));
     const auto told = manager->isActive().observe([&] { tell("active", manager->isActive()); });
     manager->start();
     std::cout << "started" << std::endl;

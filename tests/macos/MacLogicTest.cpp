@@ -5,6 +5,7 @@
 #include "platform/simulated/SimulatedMachine.h"
 #include "sensing/LidAngleSensor.h"
 #include "tests/macos/StandInTest.h"
+#include "tests/support/ExchangedPlatform.h"
 
 namespace quorvane {
 
@@ -26,20 +27,8 @@ protected:
     }
 
     Platform platform() {
-        return {.runLoop = m_rest.runLoop,
-                .hid = m_hid,
-                .workspace = m_rest.workspace,
-                .defaultCenter = m_rest.defaultCenter,
-                .audio = m_rest.audio,
-                .eventTaps = m_eventTaps,
-                .haptics = m_rest.haptics,
-                .screens = m_rest.screens,
-                .application = m_rest.application,
-                .userDefaults = m_rest.userDefaults,
-                .bundle = m_rest.bundle,
-                .system = m_system,
-                .random = m_rest.random,
-                .console = m_rest.console};
+        return exchange(m_rest.platform(),
+                        {.hid = &m_hid, .eventTaps = &m_eventTaps, .system = &m_system});
     }
 
     std::shared_ptr<standin::Device> plugIn(int productID, std::vector<std::uint8_t> report) {

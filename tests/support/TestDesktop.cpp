@@ -1,14 +1,9 @@
 #include "tests/support/TestDesktop.h"
 
-#include <fcntl.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
-#include <unistd.h>
 #include <xcb/xtest.h>
 
 #include <array>
 #include <chrono>
-#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <stdexcept>
@@ -29,49 +24,7 @@ struct FreeReply {
 template <class Reply>
 using Answer = std::unique_ptr<Reply, FreeReply>;
 
-[[noreturn]] void become(const std::vector<std::string>& command, int output) {
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    dup2(output, STDOUT_FILENO);
-    dup2(open("/dev/null", O_WRONLY | O_CLOEXEC), STDERR_FILENO);
-    std::vector<char*> arguments;
-    arguments.reserve(command.size() + 1);
-    for (const std::string& argument : command)
-        arguments.push_back(const_cast<char*>(argument.c_str()));
-    arguments.push_back(nullptr);
-    execvp(arguments.front(), arguments.data());
-    _exit(127);
-}
-
 } // namespace
-
-TestProgram::TestProgram(const std::vector<std::string>& command) {
-    std::array<int, 2> ends{};
-    if (pipe2(ends.data(), O_CLOEXEC) != 0)
-        throw std::runtime_error("no pipe");
-    m_pid = fork();
-    if (m_pid == 0)
-        become(command, ends[1]);
-    ::close(ends[1]);
-    m_output = ends[0];
-    if (m_pid < 0)
-        throw std::runtime_error("cannot fork");
-}
-
-std::string TestProgram::line() const {
-    std::string text;
-    for (char letter = 0; read(m_output, &letter, 1) == 1 && letter != '\n';)
-        text += letter;
-    return text;
-}
-
-void TestProgram::end() {
-    if (m_pid < 0)
-        return;
-    kill(m_pid, SIGKILL);
-    waitpid(m_pid, nullptr, 0);
-    m_pid = -1;
-    ::close(m_output);
-}
 
 TestDesktop::TestDesktop(const std::vector<std::string>& serverOptions) {
     startServer(serverOptions);
@@ -186,6 +139,8 @@ void TestDesktop::recolor(xcb_window_t window, QRgb color) {
 }
 
 void TestDesktop::close(xcb_window_t window) {
+    if (window == m_activated)
+        m_activated = XCB_WINDOW_NONE;
     xcb_destroy_window(m_connection, window);
     xcb_flush(m_connection);
 }
@@ -203,6 +158,7 @@ void TestDesktop::activate(xcb_window_t window) {
     xcb_flush(m_connection);
     if (!waitFor([this, window] { return focus() == window; }))
         throw std::runtime_error("the window does not get the keyboard");
+    m_activated = window;
     // The window may have had it before, and be raised only now.
     awaitWindowManager(window);
 }
@@ -238,6 +194,9 @@ void TestDesktop::click(QPoint place) {
     fake(XCB_BUTTON_PRESS, leftButton, place);
     fake(XCB_BUTTON_RELEASE, leftButton, place);
     xcb_flush(m_connection);
+    // It sees each click first and only then lets the window have it.
+    if (m_activated != XCB_WINDOW_NONE)
+        awaitWindowManager(m_activated);
     work(50);
 }
 

@@ -8,28 +8,9 @@
 #include <vector>
 #include <xcb/xcb.h>
 
-#include <sys/types.h>
+#include "tests/support/TestProgram.h"
 
 namespace quorvane {
-
-/// A program that is ended with this object, and with the test if that dies first.
-class TestProgram {
-public:
-    explicit TestProgram(const std::vector<std::string>& command);
-    TestProgram(const TestProgram&) = delete;
-    TestProgram& operator=(const TestProgram&) = delete;
-
-    ~TestProgram() { end(); }
-
-    /// The next line that it writes; waits for it. Empty at its end.
-    [[nodiscard]] std::string line() const;
-    /// At once, with nothing that it could do about it.
-    void end();
-
-private:
-    pid_t m_pid = -1;
-    int m_output = -1;
-};
 
 /// A virtual display of 1280 by 800 with a window manager, the toolkit's application on it, and a
 /// person who looks, clicks and types.
@@ -103,6 +84,8 @@ private:
     std::unique_ptr<TestProgram> m_windowManager;
     xcb_connection_t* m_connection = nullptr;
     const xcb_screen_t* m_screen = nullptr;
+    // The window that was given the keyboard last, while it is there.
+    xcb_window_t m_activated = XCB_WINDOW_NONE;
     int m_titles = 0;
     int m_clicks = 0;
     int m_keys = 0;

@@ -1,9 +1,6 @@
-#include "effects/keyboard/KeyboardCrackManager.h"
+#include "tests/effects/keyboard/KeyboardCrackManagerFixture.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include "platform/simulated/SimulatedMachine.h"
 
 namespace quorvane {
 namespace {
@@ -11,41 +8,6 @@ namespace {
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-constexpr auto crackPath = "sounds/keyboard.mp3";
-constexpr auto startedLine = "⌨️ [KEYBOARD] Event tap started — global monitoring active";
-constexpr auto failedLine = "⚠️ [KEYBOARD] Failed to create event tap — no permission?";
-
-class KeyboardCrackManagerTest : public testing::Test {
-protected:
-    KeyboardCrackManagerTest() {
-        machine.audio.addFile(crackPath, {.sampleRate = 1000, .channels = 1},
-                              std::vector<float>(200, 0.5F));
-        machine.bundle.addResource("keyboard", "mp3", crackPath);
-        machine.system.trusted = true;
-        // A machine that has been up for a moment.
-        machine.runLoop.advance(10);
-    }
-
-    void makeManager() { manager = KeyboardCrackManager::create(machine.platform()); }
-
-    void makeListening() {
-        makeManager();
-        manager->start();
-    }
-
-    /// One key, heard to its end as far as the main queue is concerned.
-    void press(std::int64_t autorepeat = 0) {
-        EXPECT_TRUE(machine.eventTaps.send(
-            {.type = TapEventType::KeyDown, .keyboardAutorepeat = autorepeat}));
-        machine.runLoop.runMainQueue();
-    }
-
-    [[nodiscard]] std::size_t cracks() const { return machine.audio.timeline().size(); }
-
-    SimulatedMachine machine;
-    std::shared_ptr<KeyboardCrackManager> manager;
-};
 
 // Loading.
 
@@ -197,97 +159,6 @@ TEST_F(KeyboardCrackManagerTest, the_retry_outlives_the_manager_harmlessly) {
 }
 
 // Keys.
-
-TEST_F(KeyboardCrackManagerTest, a_key_cracks_from_the_main_queue_not_from_the_tap) {
-    makeListening();
-    machine.runLoop.holdMainQueue(true);
-    EXPECT_TRUE(machine.eventTaps.pressKey());
-    EXPECT_EQ(cracks(), 0U);
-    machine.runLoop.holdMainQueue(false);
-    machine.runLoop.runMainQueue();
-    EXPECT_EQ(cracks(), 1U);
-}
-
-TEST_F(KeyboardCrackManagerTest, the_first_crack_after_launch_always_plays) {
-    makeListening();
-    press();
-    EXPECT_EQ(cracks(), 1U);
-}
-
-TEST_F(KeyboardCrackManagerTest, two_keys_0_149_s_apart_give_one_crack) {
-    makeListening();
-    press();
-    machine.runLoop.advance(0.149);
-    press();
-    EXPECT_EQ(cracks(), 1U);
-}
-
-TEST_F(KeyboardCrackManagerTest, two_keys_0_15_s_apart_give_two_cracks) {
-    makeListening();
-    machine.runLoop.advance(0.25);
-    press();
-    // Both instants are such that their difference, as doubles, is no less than 0.15.
-    machine.runLoop.advance(0.15);
-    ASSERT_GE(machine.runLoop.currentMediaTime() - 10.25, 0.15);
-    press();
-    EXPECT_EQ(cracks(), 2U);
-}
-
-TEST_F(KeyboardCrackManagerTest, a_key_that_was_too_early_does_not_delay_the_next_crack) {
-    makeListening();
-    press();
-    machine.runLoop.advance(0.1);
-    press();
-    machine.runLoop.advance(0.06);
-    press();
-    EXPECT_EQ(cracks(), 2U);
-}
-
-TEST_F(KeyboardCrackManagerTest, a_burst_of_keys_at_one_instant_gives_one_crack_and_no_replay) {
-    makeListening();
-    for (int i = 0; i < 64; ++i)
-        EXPECT_TRUE(machine.eventTaps.pressKey());
-    machine.runLoop.runMainQueue();
-    machine.runLoop.advance(60);
-    EXPECT_EQ(cracks(), 1U);
-}
-
-TEST_F(KeyboardCrackManagerTest, a_held_key_cracks_once_however_long_it_is_held) {
-    makeListening();
-    press();
-    for (int i = 0; i < 100; ++i) {
-        machine.runLoop.advance(0.2);
-        press(/*autorepeat=*/1);
-    }
-    EXPECT_EQ(cracks(), 1U);
-}
-
-TEST_F(KeyboardCrackManagerTest, key_ups_modifiers_and_notices_never_crack_nor_reenable) {
-    makeListening();
-    const auto calls = machine.eventTaps.calls();
-    for (const auto type : {TapEventType::KeyUp, TapEventType::FlagsChanged,
-                            TapEventType::DisabledByTimeout, TapEventType::DisabledByUserInput})
-        EXPECT_TRUE(machine.eventTaps.send({.type = type}));
-    machine.runLoop.advance(1);
-    EXPECT_EQ(cracks(), 0U);
-    EXPECT_EQ(machine.eventTaps.calls(), calls);
-}
-
-TEST_F(KeyboardCrackManagerTest, every_crack_starts_the_clip_anew_and_cuts_the_one_before) {
-    makeListening();
-    press();
-    machine.runLoop.advance(0.16);
-    press();
-    const auto& sounds = machine.audio.timeline();
-    ASSERT_EQ(sounds.size(), 2U);
-    EXPECT_EQ(sounds[1].offset, 0);
-    EXPECT_NEAR(sounds[0].stopTime, sounds[1].startTime, 1e-9);
-    EXPECT_THAT(
-        machine.audio.filePlayer(0).calls(),
-        ElementsAre("prepare", "volume 0.5", "currentTime 0", "play", "currentTime 0", "play"));
-}
-
-// Stopping.
 
 TEST_F(KeyboardCrackManagerTest, stopping_disables_removes_and_closes_in_that_order) {
     makeListening();

@@ -1,0 +1,114 @@
+#pragma once
+
+#include <QProcess>
+#include <cmath>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "effects/crash/BSODView.h"
+#include "effects/crash/FreezeView.h"
+#include "effects/crash/OverlayRecipe.h"
+#include "platform/linux/LinuxScreens.h"
+#include "tests/support/TestDesktop.h"
+
+namespace quorvane {
+
+inline constexpr QRgb blue = qRgb(0, 120, 212);
+inline constexpr QRgb red = qRgb(200, 0, 0);
+inline constexpr QRgb green = qRgb(0, 200, 0);
+inline constexpr QRgb white = qRgb(255, 255, 255);
+// A quarter of white over the blue.
+inline constexpr QRgb faint = qRgb(64, 154, 223);
+inline constexpr QPoint farFromText(1000, 700);
+
+inline bool isNear(QRgb one, QRgb other) {
+    constexpr int tolerance = 3;
+    return std::abs(qRed(one) - qRed(other)) <= tolerance &&
+           std::abs(qGreen(one) - qGreen(other)) <= tolerance &&
+           std::abs(qBlue(one) - qBlue(other)) <= tolerance;
+}
+
+inline QRgb veiled(QRgb color) {
+    const auto veil = [](int value) { return qRound(value * 0.45 + 255 * 0.55); };
+    return qRgb(veil(qRed(color)), veil(qGreen(color)), veil(qBlue(color)));
+}
+
+/// The rectangle around all that is not blue in a part of a picture.
+inline QRect drawnIn(const QImage& picture, const QRect& part) {
+    QRect drawn;
+    for (int y = part.top(); y <= part.bottom(); ++y)
+        for (int x = part.left(); x <= part.right(); ++x)
+            if (!isNear(picture.pixel(x, y), blue))
+                drawn |= QRect(x, y, 1, 1);
+    return drawn;
+}
+
+/// The panels of the real service on a desktop of their own.
+class LinuxScreensTest : public testing::Test {
+protected:
+    explicit LinuxScreensTest(const std::vector<std::string>& serverOptions = {})
+        : m_desktop(serverOptions) {
+        m_stop->errorMessage = "SYSTEM_THREAD_EXCEPTION_NOT_HANDLED";
+        m_stop->errorCode = "0xC000021A";
+    }
+
+    std::shared_ptr<OverlayPanel> showStopScreen() {
+        return show({.opaque = true, .background = BSODView::background, .ignoresMouseEvents = {}},
+                    std::make_shared<BSODView>(m_stop));
+    }
+
+    std::shared_ptr<OverlayPanel> showFreeze() {
+        return show({.opaque = false,
+                     .background = {.red = 0, .green = 0, .blue = 0, .alpha = 0},
+                     .ignoresMouseEvents = false},
+                    std::make_shared<FreezeView>());
+    }
+
+    std::shared_ptr<OverlayPanel> show(const OverlayAppearance& appearance,
+                                       const std::shared_ptr<const OverlayView>& view) {
+        const auto screen = m_screens.mainScreen();
+        EXPECT_TRUE(screen);
+        auto panel = showOverlay(m_screens, *screen, appearance, view);
+        TestDesktop::work(50);
+        return panel;
+    }
+
+    bool comesToShow(QPoint place, QRgb color) {
+        return TestDesktop::waitFor([&] { return isNear(m_desktop.look(place), color); });
+    }
+
+    static void xrandr(const QStringList& arguments) {
+        ASSERT_EQ(QProcess::execute("xrandr", arguments), 0);
+    }
+
+    bool comesToCover(const QRect& place) {
+        return TestDesktop::waitFor([&] { return m_desktop.panels() == std::vector{place}; });
+    }
+
+    static void useSmallMode() {
+        xrandr({"--newmode", "small", "50", "1024", "1048", "1152", "1296", "600", "603", "613",
+                "624"});
+        xrandr({"--addmode", "screen", "small"});
+        xrandr({"--output", "screen", "--mode", "small"});
+    }
+
+    static void splitScreen() {
+        xrandr({"--setmonitor", "left", "640/170x800/210+0+0", "screen"});
+        xrandr({"--setmonitor", "right", "640/170x800/210+640+0", "none"});
+    }
+
+    TestDesktop m_desktop;
+    std::shared_ptr<StopScreen> m_stop = std::make_shared<StopScreen>();
+    LinuxScreens m_screens;
+};
+
+/// On an X server that lacks what makes it quick.
+class PoorServerTest : public LinuxScreensTest {
+protected:
+    PoorServerTest() : LinuxScreensTest({"-extension", "MIT-SHM", "-extension", "RANDR"}) {}
+};
+
+} // namespace quorvane

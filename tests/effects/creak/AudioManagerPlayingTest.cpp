@@ -1,0 +1,225 @@
+#include "tests/effects/creak/AudioManagerFixture.h"
+
+#include <gmock/gmock.h>
+
+namespace quorvane {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+// The threshold.
+
+struct Trigger {
+    double velocity;
+    bool creaks;
+};
+
+class TriggerTest : public AudioManagerTest, public testing::WithParamInterface<Trigger> {};
+
+TEST_P(TriggerTest, decides_whether_it_creaks) {
+    load();
+    manager->update(GetParam().velocity);
+    EXPECT_EQ(manager->isPlaying(), GetParam().creaks);
+    EXPECT_EQ(sounds().size(), GetParam().creaks ? 1U : 0U);
+}
+
+INSTANTIATE_TEST_SUITE_P(Velocities, TriggerTest,
+                         testing::Values(Trigger{1.0, true}, Trigger{-1.0, true},
+                                         Trigger{0.999, false}, Trigger{-0.999, false},
+                                         Trigger{0, false}, Trigger{500, true}));
+
+// Playing.
+
+TEST_F(AudioManagerTest, the_first_fast_update_starts_the_engine_schedules_and_plays) {
+    load();
+    manager->update(50);
+    EXPECT_THAT(node().calls(), ElementsAre("attach", "connect 1000/1", "schedule", "play"));
+    EXPECT_EQ(machine.audio.engineStartCount(), 1U);
+}
+
+TEST_F(AudioManagerTest, a_fast_update_while_playing_changes_nothing) {
+    load();
+    manager->update(50);
+    const auto calls = node().calls();
+    machine.runLoop.advance(1);
+    manager->update(90);
+    EXPECT_EQ(node().calls(), calls);
+}
+
+TEST_F(AudioManagerTest, slow_updates_while_idle_or_paused_change_nothing) {
+    load();
+    manager->update(0.5);
+    EXPECT_THAT(node().calls(), ElementsAre("attach", "connect 1000/1"));
+    manager->update(50);
+    manager->update(0);
+    const auto calls = node().calls();
+    manager->update(0);
+    EXPECT_EQ(node().calls(), calls);
+}
+
+TEST_F(AudioManagerTest, motion_that_goes_on_plays_the_creak_once_to_its_end_and_then_afresh) {
+    load();
+    for (int i = 0; i < 60 * 5; ++i) {
+        manager->update(20);
+        machine.runLoop.advance(1.0 / 60);
+    }
+    ASSERT_EQ(sounds().size(), 3U);
+    EXPECT_NEAR(sounds()[0].stopTime - sounds()[0].startTime, clipLength, 1e-6);
+    EXPECT_EQ(sounds()[1].offset, 0);
+    EXPECT_NEAR(sounds()[1].startTime - sounds()[0].stopTime, 0, 1.0 / 60 + 1e-6);
+    EXPECT_THAT(machine.console.lines, ElementsAre(completionLine, completionLine));
+}
+
+TEST_F(AudioManagerTest, motion_that_stops_half_way_pauses_and_resumes_in_place) {
+    load();
+    manager->update(50);
+    machine.runLoop.advance(1);
+    manager->update(0.2);
+    EXPECT_FALSE(manager->isPlaying());
+    machine.runLoop.advance(30);
+    manager->update(-3);
+    EXPECT_TRUE(manager->isPlaying());
+    ASSERT_EQ(sounds().size(), 2U);
+    EXPECT_NEAR(sounds()[0].stopTime - sounds()[0].startTime, 1, 1e-9);
+    EXPECT_NEAR(sounds()[1].offset, 1, 1e-9);
+    EXPECT_EQ(std::count(node().calls().begin(), node().calls().end(), "schedule"), 1);
+}
+
+TEST_F(AudioManagerTest, the_completion_resets_prints_and_calls_the_hook_on_the_main_thread) {
+    load();
+    bool onMain = false;
+    int completed = 0;
+    manager->onCompleted = [&] {
+        ++completed;
+        onMain = machine.runLoop.isMainThread();
+        EXPECT_FALSE(manager->isPlaying());
+    };
+    manager->update(50);
+    machine.runLoop.advance(clipLength + 0.01);
+    EXPECT_EQ(completed, 1);
+    EXPECT_TRUE(onMain);
+    EXPECT_THAT(machine.console.lines, ElementsAre(completionLine));
+}
+
+TEST_F(AudioManagerTest, a_fast_update_between_the_end_and_the_completion_step_is_ignored) {
+    load();
+    manager->update(50);
+    machine.runLoop.holdMainQueue(true);
+    machine.runLoop.advance(clipLength + 0.01);
+    ASSERT_TRUE(manager->isPlaying());
+    const auto calls = node().calls();
+    manager->update(50);
+    EXPECT_EQ(node().calls(), calls);
+    machine.runLoop.holdMainQueue(false);
+    machine.runLoop.runMainQueue();
+    manager->update(50);
+    EXPECT_EQ(sounds().size(), 2U);
+}
+
+TEST_F(AudioManagerTest, a_pending_completion_does_nothing_once_the_manager_is_gone) {
+    load();
+    manager->update(50);
+    machine.runLoop.holdMainQueue(true);
+    machine.runLoop.advance(clipLength + 0.01);
+    manager.reset();
+    machine.runLoop.holdMainQueue(false);
+    machine.runLoop.runMainQueue();
+    EXPECT_THAT(machine.console.lines, IsEmpty());
+}
+
+TEST_F(AudioManagerTest, stop_falls_silent_and_the_next_creak_starts_from_its_beginning) {
+    load();
+    manager->update(50);
+    machine.runLoop.advance(1);
+    manager->stop();
+    machine.runLoop.advance(1);
+    EXPECT_FALSE(manager->isPlaying());
+    EXPECT_NEAR(sounds()[0].stopTime - sounds()[0].startTime, 1, 1e-9);
+    manager->update(50);
+    EXPECT_EQ(sounds().back().offset, 0);
+    EXPECT_EQ(machine.audio.runningEngineCount(), 1U) << "the engine keeps running";
+}
+
+TEST_F(AudioManagerTest, stop_while_paused_forgets_the_place) {
+    load();
+    manager->update(50);
+    machine.runLoop.advance(1);
+    manager->update(0);
+    manager->stop();
+    machine.runLoop.advance(0.1);
+    manager->update(50);
+    EXPECT_EQ(sounds().back().offset, 0);
+}
+
+TEST_F(AudioManagerTest, stop_before_anything_was_played_is_harmless) {
+    manager->stop();
+    load();
+    manager->stop();
+    manager->update(50);
+    EXPECT_TRUE(manager->isPlaying());
+}
+
+TEST_F(AudioManagerTest, an_engine_that_does_not_start_is_tried_again_silently) {
+    load();
+    machine.audio.setFault(AudioFault::EngineStart, "no device");
+    manager->update(50);
+    manager->update(50);
+    EXPECT_FALSE(manager->isPlaying());
+    EXPECT_THAT(machine.console.lines, IsEmpty());
+    EXPECT_EQ(machine.audio.engineStartCount(), 2U);
+    machine.audio.clearFault(AudioFault::EngineStart);
+    manager->update(50);
+    EXPECT_TRUE(manager->isPlaying());
+    EXPECT_EQ(sounds().size(), 1U);
+}
+
+TEST_F(AudioManagerTest, an_output_device_that_goes_and_comes_back_is_used_again) {
+    load();
+    manager->update(50);
+    machine.runLoop.advance(1);
+    machine.audio.setOutputDevicePresent(false);
+    machine.runLoop.advance(0.1);
+    EXPECT_FALSE(manager->isPlaying());
+    manager->update(50);
+    EXPECT_FALSE(manager->isPlaying());
+    machine.audio.setOutputDevicePresent(true);
+    manager->update(50);
+    EXPECT_TRUE(manager->isPlaying());
+    EXPECT_EQ(sounds().back().offset, 0);
+}
+
+TEST_F(AudioManagerTest, the_output_is_the_clip_itself_while_it_plays) {
+    load();
+    const double start = machine.runLoop.currentMediaTime();
+    manager->update(50);
+    machine.runLoop.advance(0.5);
+    manager->update(0);
+    machine.runLoop.advance(0.5);
+    const auto heard = machine.audio.render(start, start + 1, format);
+    ASSERT_EQ(heard.size(), 1000U);
+    EXPECT_EQ(heard[499], 0.5F);
+    EXPECT_EQ(heard[501], 0.0F);
+}
+
+TEST_F(AudioManagerTest, flags_notify_only_when_they_change) {
+    load();
+    int notices = 0;
+    const auto playing = manager->isPlaying().observe([&] { ++notices; });
+    manager->update(50);
+    manager->update(60);
+    EXPECT_EQ(notices, 1);
+    manager->stop();
+    manager->stop();
+    EXPECT_EQ(notices, 2);
+}
+
+TEST_F(AudioManagerTest, its_destruction_stops_the_engine) {
+    load();
+    manager->update(50);
+    manager.reset();
+    EXPECT_EQ(machine.audio.runningEngineCount(), 0U);
+}
+
+} // namespace
+} // namespace quorvane

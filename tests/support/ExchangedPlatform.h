@@ -1,0 +1,34 @@
+#pragma once
+
+#include "platform/Platform.h"
+
+namespace quorvane {
+
+/// Services to take the places of a platform's own; null keeps that.
+struct ExchangedServices {
+    HIDService* hid = nullptr;
+    EventTapService* eventTaps = nullptr;
+    SystemInfo* system = nullptr;
+};
+
+/// The platform with some services exchanged; all of them must outlive what it is given to.
+inline Platform exchange(const Platform& platform, const ExchangedServices& services) {
+    return {
+        .runLoop = platform.runLoop,
+        .hid = services.hid != nullptr ? *services.hid : platform.hid,
+        .workspace = platform.workspace,
+        .defaultCenter = platform.defaultCenter,
+        .audio = platform.audio,
+        .eventTaps = services.eventTaps != nullptr ? *services.eventTaps : platform.eventTaps,
+        .haptics = platform.haptics,
+        .screens = platform.screens,
+        .application = platform.application,
+        .userDefaults = platform.userDefaults,
+        .bundle = platform.bundle,
+        .system = services.system != nullptr ? *services.system : platform.system,
+        .random = platform.random,
+        .console = platform.console,
+    };
+}
+
+} // namespace quorvane
