@@ -1,9 +1,15 @@
 #!/usr/bin/python3
 """The lints themselves: what they must find, and what they must leave alone."""
 
+import os
+import pathlib
+import subprocess
+import tempfile
 import unittest
 
 import lint
+
+OWN_CODE_ONLY = pathlib.Path(os.environ["QUORVANE_BUILD_DIR"]) / "tests/lint/own_code_only.so"
 
 
 class Includes(unittest.TestCase):
@@ -50,6 +56,40 @@ class Clocks(unittest.TestCase):
                      "Random& random", "platform.random.uniform(1)", "double currentMediaTime() const;"):
             with self.subTest(code):
                 self.assertFalse(self.found(code))
+
+
+@unittest.skipUnless(OWN_CODE_ONLY.exists(), "clang's headers were not there for the build")
+class OwnCodeOnly(unittest.TestCase):
+    """clang-tidy with the plug-in."""
+
+    FILES = {
+        "system/library.h": "#define LIBRARY_RESULT(name) int name\n"
+                            "inline int library() { int left; left = 1; return left; }\n",
+        "own.h": "inline int own() { int below; below = 1; return below; }\n",
+        "main.cpp": "#include <library.h>\n"
+                    '#include "own.h"\n'
+                    "namespace deep { struct Thing { int all() { int here; here = library(); "
+                    "return here + own(); } }; }\n"
+                    "LIBRARY_RESULT(of_a_macro)() { int inside; inside = 1; return inside; }\n",
+    }
+
+    def complaints(self, *options):
+        """The variables of which it says that they have no initial value."""
+        with tempfile.TemporaryDirectory() as folder:
+            for name, text in self.FILES.items():
+                file = pathlib.Path(folder, name)
+                file.parent.mkdir(exist_ok=True)
+                file.write_text(text, encoding="utf-8")
+            said = subprocess.run(
+                ["clang-tidy", "--quiet", "--checks=-*,cppcoreguidelines-init-variables",
+                 "--header-filter=.*", "--system-headers", *options, f"{folder}/main.cpp", "--",
+                 f"-isystem{folder}/system"], check=False, capture_output=True, text=True).stdout
+        return {name for name in ("left", "below", "here", "inside")
+                if f"variable '{name}' is not initialized" in said}
+
+    def test_it_finds_all_that_is_written_here(self):
+        self.assertEqual(self.complaints(), {"left", "below", "here", "inside"})
+        self.assertEqual(self.complaints(f"--load={OWN_CODE_ONLY}"), {"below", "here", "inside"})
 
 
 if __name__ == "__main__":
