@@ -15,8 +15,9 @@ from desktop import processes
 from desktop.buses import Bus, Services
 from desktop.waiting import wait_until
 
+from stage import PATIENCE
+
 HERE = pathlib.Path(__file__).resolve().parent
-PATIENCE = 60.0
 
 ENTER = "MAKE ME SUFFER 😭"
 FAN = "Thermals"
@@ -56,19 +57,6 @@ class Pad:
         wait_until(lambda: self.count(event) >= count, f"{count} times '{event}' on the pad")
 
 
-def _skip_hardware_check(lab):
-    settings = pathlib.Path(lab.desktop.env["XDG_CONFIG_HOME"], "quorvane", "quorvane.ini")
-    settings.parent.mkdir(parents=True, exist_ok=True)
-    settings.write_text("[General]\nhardwareChecked=true\n", encoding="utf-8")
-
-
-def _enter(reader, program):
-    app = reader.application(program)
-    app.press(ENTER, PATIENCE)
-    app.find(FAN, timeout=PATIENCE)
-    return app
-
-
 def _system_bus(lab, folder, stack):
     """A stand-in for logind, where the programs that start from now on find it."""
     env = lab.desktop.env
@@ -80,42 +68,58 @@ def _system_bus(lab, folder, stack):
     return Services(env, bus, stack, ["login"])
 
 
-def felt(lab, reader):
+@contextlib.contextmanager
+def _at_the_panel(lab, name, stack):
+    """A later launch, as far as the panel with the fan's switch, and the end by SIGTERM."""
+    lab.set_first_launch(False)
+    with lab.program(name, stack) as (program, facts):
+        app = lab.reader.application(program)
+        app.press(ENTER, PATIENCE)
+        app.find(FAN, timeout=PATIENCE)
+        yield app, program, facts
+
+
+def _fan_once(app, pad, facts):
+    facts["fan_on"] = time.monotonic()
+    app.toggle(FAN)
+    pad.wait_for("upload", EFFECTS)
+    time.sleep(FAN_TIME)
+    facts["switching_off"] = time.monotonic()
+    app.toggle(FAN)
+    facts["fan_off"] = time.monotonic()
+    pad.wait_for("erase", EFFECTS)
+
+
+def _engine_once(logind, program, pad, facts):
+    logind.wake_up()
+    facts["awake"] = program.wait_for_line(PLAYING, PATIENCE)
+    facts["complete"] = program.wait_for_line(COMPLETE, PATIENCE)
+    pad.wait_for("erase", 2 * EFFECTS)
+
+
+def felt(lab, name):
     """The fan, switched off again; the engine as the machine wakes; the end by SIGTERM."""
-    name = "felt"
     folder = lab.folder(name)
     with contextlib.ExitStack() as stack:
         logind = _system_bus(lab, folder, stack)
         pad = Pad(lab.desktop.env, folder / "pad.log", stack)
-        with lab.program(name, stack) as (program, facts):
-            app = _enter(reader, program)
+        with _at_the_panel(lab, name, stack) as (app, program, facts):
             facts["untouched"] = pad.count("upload") == 0
-            facts["fan_on"] = time.monotonic()
-            app.toggle(FAN)
-            pad.wait_for("upload", EFFECTS)
-            time.sleep(FAN_TIME)
-            facts["switching_off"] = time.monotonic()
-            app.toggle(FAN)
-            facts["fan_off"] = time.monotonic()
-            pad.wait_for("erase", EFFECTS)
-            logind.wake_up()
-            facts["awake"] = program.wait_for_line(PLAYING, PATIENCE)
-            facts["complete"] = program.wait_for_line(COMPLETE, PATIENCE)
-            pad.wait_for("erase", 2 * EFFECTS)
+            with lab.watch.timed():
+                _fan_once(app, pad, facts)
+                _engine_once(logind, program, pad, facts)
             facts["fan_on_again"] = time.monotonic()
             app.toggle(FAN)
             pad.wait_for("upload", 3 * EFFECTS)
             time.sleep(MOMENT)
 
 
-def unplugged(lab, reader):
+def unplugged(lab, name):
     """The device goes while the fan runs; another one comes for the fan's next start."""
-    name = "unplugged"
     folder = lab.folder(name)
     with contextlib.ExitStack() as stack:
         first = Pad(lab.desktop.env, folder / "first.log", stack)
-        with lab.program(name, stack) as (program, facts):
-            app = _enter(reader, program)
+        with _at_the_panel(lab, name, stack) as (app, _, facts), lab.watch.timed():
             app.toggle(FAN)
             first.wait_for("upload", EFFECTS)
             time.sleep(MOMENT)
@@ -131,14 +135,11 @@ def unplugged(lab, reader):
             second.wait_for("play", 2)
 
 
-def killed(lab, reader):
+def killed(lab, name):
     """The fan runs when the program is killed."""
-    name = "killed"
-    folder = lab.folder(name)
     with contextlib.ExitStack() as stack:
-        pad = Pad(lab.desktop.env, folder / "pad.log", stack)
-        with lab.program(name, stack) as (program, facts):
-            app = _enter(reader, program)
+        pad = Pad(lab.desktop.env, lab.folder(name) / "pad.log", stack)
+        with _at_the_panel(lab, name, stack) as (app, program, facts), lab.watch.timed():
             app.toggle(FAN)
             pad.wait_for("play", 2)
             facts["killed"] = time.monotonic()
@@ -147,8 +148,7 @@ def killed(lab, reader):
             pad.wait_for("erase", EFFECTS)
 
 
-def play_all(play, lab, reader):
-    """Every scenario of this file, in an order of no meaning."""
-    _skip_hardware_check(lab)
+def play_all(play):
+    """Every scenario of this file, each by `play(name, scenario)`, in an order of no meaning."""
     for scenario in (felt, unplugged, killed):
-        play(lab, scenario.__name__, scenario, reader)
+        play(scenario.__name__, scenario)

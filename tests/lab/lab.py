@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Plays the lab's scenarios on the built program in a machine of its own.
 
-    lab.py BUILD_DIRECTORY [--time-limit SECONDS]
+    lab.py BUILD_DIRECTORY [--time-limit SECONDS] [SCENARIO ...]
 
 The machine is kept under BUILD_DIRECTORY/lab/machine, what it leaves behind is below
 BUILD_DIRECTORY/lab/results. Status 0 says that every scenario was played, not that the program
@@ -23,11 +23,12 @@ def main():
     """Makes the machine if need be and runs it once."""
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("build", type=pathlib.Path)
+    parser.add_argument("scenarios", nargs="*", metavar="SCENARIO")
     parser.add_argument("--time-limit", type=float, default=300)
-    arguments = parser.parse_args()
+    arguments = parser.parse_intermixed_args()
     build = arguments.build.resolve()
     job = shlex.join(["exec", "/usr/bin/python3", str(HERE / "guest.py"), str(build),
-                      "/run/results"])
+                      "/run/results", *arguments.scenarios])
     began = time.monotonic()
     try:
         kernel, initramfs = machine.prepare(build / "lab" / "machine")

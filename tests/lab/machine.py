@@ -28,7 +28,9 @@ KERNEL_METAPACKAGE = "linux-image-amd64"
 QEMU = [
     "qemu-system-x86_64", "-accel", "tcg,thread=single", "-machine", "pc", "-cpu", "Nehalem-v1",
     # The guest's clock counts instructions (one every 2 ns), so that a busy host makes the machine
-    # late, but never short of time: nothing that is measured inside depends on the host's load.
+    # late, but never short of time. Only while the machine has nothing to do does its clock follow
+    # the host's: what standstill.py watches. Were it to skip such times instead (sleep=off), every
+    # answer of the host's would seem to take some hundred times as long.
     "-smp", "1", "-icount", "shift=1,sleep=on",
     "-m", "2048", "-nic", "none", "-display", "none", "-monitor", "none",
     "-no-reboot", "-no-user-config", "-nodefaults", "-serial", "stdio",

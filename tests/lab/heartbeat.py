@@ -1,0 +1,44 @@
+#!/usr/bin/python3
+"""Wakes every 10 ms, ahead of all else on the machine, and writes down when it came late.
+
+    heartbeat.py LOG
+
+A beat that comes late tells that the machine stood still: no program can hold this one up. "ready"
+on standard output says that it beats; it ends when standard input ends.
+
+The log has one JSON object a line, with the CLOCK_MONOTONIC seconds at which a beat was due and at
+which it came.
+"""
+
+import json
+import os
+import select
+import sys
+import time
+
+BEAT = 0.01
+LATE = 0.005
+PRIORITY = 50
+
+
+def beat(out, due):
+    """One beat; returns when the next one is due."""
+    now = time.monotonic()
+    if now - due > LATE:
+        out.write(json.dumps({"due": due, "came": now}) + "\n")
+    missed = max(0, int((now - due) / BEAT))
+    return due + (missed + 1) * BEAT
+
+
+def main():
+    """Beats until told to end."""
+    os.sched_setscheduler(0, os.SCHED_FIFO, os.sched_param(PRIORITY))
+    with open(sys.argv[1], "w", encoding="utf-8", buffering=1) as out:
+        print("ready", flush=True)
+        due = time.monotonic() + BEAT
+        while not select.select([sys.stdin], [], [], max(0, due - time.monotonic()))[0]:
+            due = beat(out, due)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,113 @@
+"""A lid sensor of the machine's own kernel: what is played with it."""
+
+import contextlib
+import pathlib
+import subprocess
+import sys
+import time
+
+from desktop import processes
+
+import device_rights
+from stage import PATIENCE
+
+HERE = pathlib.Path(__file__).resolve().parent
+
+SCRIPT = ("still:1", "open:50:0.7", "still:1.5", "close:50:0.7", "still:1.5", "open:50:0.5")
+AFTER_VANISHING = 5.0
+AFTER_SWITCHING_OFF = 1.5
+
+class Lid:
+    """The lid device, in a process of its own."""
+
+    def __init__(self, env, log, stack, *arguments):
+        command = [sys.executable, HERE / "lid_device.py", "--log", log, *arguments]
+        self._process = processes.start(command, env, stdin=subprocess.PIPE,
+                                        stdout=subprocess.PIPE)
+        stack.callback(processes.end, self._process)
+        if self._process.stdout.readline() != b"ready\n":
+            raise RuntimeError("the kernel did not start the lid device")
+
+    def begin_to_move(self):
+        """Starts the script."""
+        self._process.stdin.write(b"go\n")
+        self._process.stdin.flush()
+
+    def wait_until_gone(self, timeout):
+        """Waits for the end of the script."""
+        self._process.wait(timeout)
+
+
+
+def _plug(lab, scenario, stack, *arguments):
+    return Lid(lab.desktop.env, lab.folder(scenario) / "device.log", stack, *arguments)
+
+
+def _to_the_panel(lab, program, folder):
+    """The first launch, as far as the panel with the creak's switch."""
+    app = lab.reader.application(program)
+    app.press("CHECK HARDWARE 🔍", PATIENCE)
+    app.find("Lid sensor detected", timeout=PATIENCE)
+    app.press("CONTINUE", PATIENCE)
+    app.press("MAKE ME SUFFER 😭", PATIENCE)
+    app.find("Build quality", timeout=PATIENCE)
+    lab.desktop.display.screenshot(folder / "panel.png")
+    return app
+
+
+def moving_lid(lab, name, *script, after_vanishing=0.0):
+    """The first launch, the way to the creak's switch, a lid that moves and then vanishes."""
+    lab.set_first_launch(True)
+    folder = lab.folder(name)
+    with contextlib.ExitStack() as stack:
+        recording = lab.desktop.record(folder / "recorder.log", stack)
+        lid = _plug(lab, name, stack, "--product", "0x8104", "--angle", "100", *script)
+        with lab.program(name, stack) as (program, facts):
+            app = _to_the_panel(lab, program, folder)
+            with lab.watch.timed():
+                app.toggle("Build quality")
+                lid.begin_to_move()
+                lid.wait_until_gone(PATIENCE)
+                time.sleep(after_vanishing)
+                facts["switching_off"] = time.monotonic()
+                app.toggle("Build quality")
+                facts["switched_off"] = time.monotonic()
+                time.sleep(AFTER_SWITCHING_OFF)
+            lab.leave_sound(name, recording, facts)
+
+
+def found(lab, name, *lids):
+    """What the console says of the sensor at a later launch, with these devices plugged in."""
+    with contextlib.ExitStack() as stack:
+        for lid in lids:
+            _plug(lab, name, stack, "--keep", *lid)
+        with lab.program(name, stack) as (program, _):
+            program.console.wait_for(lambda line: "[SENSOR]" in line, "about the sensor", PATIENCE)
+
+
+def hidraw_contract(lab, name):
+    """The HID service's own contract test, on a device of this kernel."""
+    with contextlib.ExitStack() as stack:
+        _plug(lab, name, stack, "--keep", "--product", "0x8104", "--angle", "100")
+        lab.run_contract(name, "contract_hidraw", QUORVANE_HIDRAW_ANGLE="100")
+
+
+def rights(lab, name):
+    """What the program's udev rules change for the person at the machine."""
+    plug = lambda product, stack: _plug(lab, name, stack, "--keep", "--product", product)
+    lab.leave(name, "rights.json", device_rights.look(plug))
+
+
+def play_all(play):
+    """The lid's scenarios, each by `play(name, scenario, *arguments)`.
+
+    The first is a rehearsal, which nobody judges: whatever the program reads of the host's files
+    when the lid creaks, the machine has in its own memory from then on.
+    """
+    play("rehearsal", moving_lid, *SCRIPT[:2])
+    play("moving_lid", moving_lid, *SCRIPT, after_vanishing=AFTER_VANISHING)
+    play("found_by_scan", found, ("--product", "0xabc1"))
+    play("first_reading_0", found, ("--angle", "0"))
+    play("first_reading_200", found, ("--angle", "200"))
+    play("hidraw_contract", hidraw_contract)
+    play("device_rights", rights)

@@ -1,0 +1,141 @@
+"""Where the scenarios are played: the machine's desktop, and the program on it."""
+
+import contextlib
+import json
+import pathlib
+import shutil
+import subprocess
+import tempfile
+import time
+
+from desktop import processes
+from desktop.buses import AccessibilityBus, Bus
+from desktop.display import Display
+from desktop.program import Program
+from desktop.recording import Recording
+
+from standstill import Watch
+
+RATE = 48000
+PATIENCE = 60.0
+"""Seconds for what takes a second or two on real hardware."""
+
+# The program plays into one end of the loopback and the recorder listens at the other.
+ALSA_CONFIG = """
+</usr/share/alsa/alsa.conf>
+pcm.!default { type hw card Loopback device 0 subdevice 0 }
+pcm.lab_ear {
+    type plug
+    slave { pcm "hw:Loopback,1,0" format S16_LE rate 48000 channels 2 }
+}
+"""
+
+
+class Desktop:
+    """A display, a session bus with accessibility, and the way to the sound loopback."""
+
+    def __init__(self, directory, stack):
+        self.env = processes.base_environment(str(directory))
+        alsa = directory / "alsa.conf"
+        alsa.write_text(ALSA_CONFIG, encoding="utf-8")
+        self.env.update({
+            "ALSA_CONFIG_PATH": str(alsa),
+            "ALSOFT_DRIVERS": "alsa",
+            "DBUS_SYSTEM_BUS_ADDRESS": f"unix:path={directory}/no-system-bus",
+            "QT_QUICK_BACKEND": "software",
+            "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
+        })
+        self.display = Display(self.env, stack, 800, 900)
+        bus = Bus(self.env, str(directory), "session", stack)
+        self.env["DISPLAY"] = self.display.name
+        self.accessibility = AccessibilityBus(self.env, bus.address, stack)
+        self.env["DBUS_SESSION_BUS_ADDRESS"] = bus.address
+
+    def record(self, log, stack):
+        """Starts to record what comes out of the loopback; `log` tells of lost samples."""
+        with open(log, "wb") as errors:
+            recorder = processes.start(
+                ["arecord", "-q", "-D", "lab_ear", "-f", "S16_LE", "-r", str(RATE), "-c", "1",
+                 "-t", "raw", "--period-time=20000", "--buffer-time=2000000"],
+                self.env, stdout=subprocess.PIPE, stderr=errors)
+        stack.callback(processes.end, recorder)
+        recording = Recording(recorder.stdout, RATE)
+        recording.wait_for_start()
+        return recording
+
+
+class Lab:
+    """The machine's desktop, and the program on it."""
+
+    def __init__(self, build, results, stack):
+        self.build = build
+        self._results = results
+        home = pathlib.Path(stack.enter_context(
+            tempfile.TemporaryDirectory(prefix="lab-", ignore_cleanup_errors=True)))
+        self._played = home / "played"
+        self.desktop = Desktop(home, stack)
+        # Connects to the accessibility bus of this process's environment as it is loaded.
+        from desktop.accessibility import ScreenReader
+        self.reader = ScreenReader(self.desktop.accessibility.address)
+        self.watch = Watch(self.desktop.env, home / "heartbeat.log", stack)
+
+    def folder(self, scenario):
+        """Where a scenario leaves what it has seen.
+
+        In the machine's memory: a line of a log that had to wait for the host would hold up its
+        writer in the midst of what is timed.
+        """
+        folder = self._played / scenario
+        folder.mkdir(parents=True, exist_ok=True)
+        return folder
+
+    def forget(self, scenario):
+        """Makes room for playing a scenario once more."""
+        shutil.rmtree(self._played / scenario, ignore_errors=True)
+
+    def hand_over(self, scenario):
+        """Gives what a scenario has left to the host."""
+        shutil.copytree(self.folder(scenario), self._results / scenario)
+
+    def set_first_launch(self, is_first):
+        """Makes the next launch the first one, which checks the hardware, or a later one."""
+        settings = pathlib.Path(self.desktop.env["XDG_CONFIG_HOME"], "quorvane", "quorvane.ini")
+        settings.parent.mkdir(parents=True, exist_ok=True)
+        settings.unlink(missing_ok=True)
+        if not is_first:
+            settings.write_text("[General]\nhardwareChecked=true\n", encoding="utf-8")
+
+    @contextlib.contextmanager
+    def program(self, scenario, stack):
+        """The program, ended by SIGTERM; its console and end are kept, and so is what is added."""
+        facts = {}
+        began = time.monotonic()
+        program = Program([self.build / "quorvane"], self.desktop.env, stack)
+        try:
+            yield program, facts
+            facts["alive_before_sigterm"] = program.is_running
+            facts["sigterm"] = time.monotonic()
+            program.terminate()
+            facts["status"], facts["ended"] = program.wait_for_exit(PATIENCE)
+        finally:
+            facts.update(began=began, console=program.console.text, errors=program.errors.text)
+            self.leave(scenario, "program.json", facts)
+
+    def run_contract(self, scenario, program, **settings):
+        """One of the services' own test programs; what it says is kept."""
+        result = subprocess.run([self.build / program], env=self.desktop.env | settings,
+                                check=False, stdin=subprocess.DEVNULL, capture_output=True,
+                                text=True, timeout=2 * PATIENCE)
+        self.leave(scenario, "result.json", {"status": result.returncode,
+                                             "output": result.stdout + result.stderr})
+
+    def leave(self, scenario, name, facts):
+        """Writes down what a scenario has found out."""
+        text = json.dumps(facts, ensure_ascii=False, indent=1)
+        (self.folder(scenario) / name).write_text(text, encoding="utf-8")
+
+    def leave_sound(self, scenario, recording, facts):
+        """Keeps what was recorded, and when that was."""
+        facts["sound_end"] = recording.end
+        facts["sound_start"] = recording.end - len(recording.samples()) / RATE
+        recording.save(self.folder(scenario) / "sound.wav")
