@@ -1,13 +1,14 @@
 #pragma once
 
-#include <QImage>
 #include <QPointer>
 #include <QQuickItem>
 #include <QtQmlIntegration/qqmlintegration.h>
 
+#include <memory>
 #include <vector>
 
 #include "app/screens/ContentViewModel.h"
+#include "app/screens/SceneValue.h"
 
 namespace quorvane {
 
@@ -39,6 +40,8 @@ private:
     QPointer<ContentViewModel> m_content;
     // As they are to be drawn; the controller's own go on while nobody looks.
     std::vector<FloatingEmoji> m_particles;
+    std::shared_ptr<SceneValue<std::vector<FloatingEmoji>>> m_newer =
+        std::make_shared<SceneValue<std::vector<FloatingEmoji>>>();
     bool m_scaleChanged = false;
 };
 

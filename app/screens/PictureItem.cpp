@@ -27,7 +27,9 @@ void PictureItem::setGlow(double glow) {
     if (m_glow == glow)
         return;
     m_glow = glow;
-    update();
+    m_glowForNode->put(glow);
+    if (window())
+        window()->update();
     emit glowChanged();
 }
 
@@ -78,7 +80,7 @@ QSGNode* PictureItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData* /*data*
         delete old;
         return nullptr;
     }
-    auto* node = old ? static_cast<PictureNode*>(old) : new PictureNode(*window());
+    auto* node = old ? static_cast<PictureNode*>(old) : new PictureNode(*window(), m_glowForNode);
     const double scale = window()->effectiveDevicePixelRatio();
     // A scene that was let go, say of a window that was hidden, has lost its pictures too.
     if (std::exchange(m_stale, false) || !old) {

@@ -5,6 +5,10 @@
 #include <QQuickItem>
 #include <QtQmlIntegration/qqmlintegration.h>
 
+#include <memory>
+
+#include "app/screens/SceneValue.h"
+
 class QPainter;
 
 namespace quorvane {
@@ -54,6 +58,7 @@ private:
     double m_glowRadius = 0;
     double m_glowOffset = 0;
     double m_glow = 0;
+    std::shared_ptr<SceneValue<double>> m_glowForNode = std::make_shared<SceneValue<double>>();
     bool m_stale = true;
 };
 

@@ -4,13 +4,15 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "app/screens/Blur.h"
 
 namespace quorvane {
 
-PictureNode::PictureNode(QQuickWindow& window)
-    : m_window(window), m_pictureNode(window.createImageNode()) {
+PictureNode::PictureNode(QQuickWindow& window, std::shared_ptr<SceneValue<double>> glow)
+    : m_window(window), m_newerGlow(std::move(glow)), m_pictureNode(window.createImageNode()) {
+    setFlag(UsePreprocess);
     const auto prepare = [](QSGImageNode& node) { node.setFlag(OwnedByParent, false); };
     for (Layer& layer : m_layers) {
         layer.image.reset(window.createImageNode());
@@ -51,6 +53,11 @@ void PictureNode::setScaled(bool scaled) {
     m_pictureNode->setFiltering(filtering);
     for (Layer& layer : m_layers)
         layer.image->setFiltering(filtering);
+}
+
+void PictureNode::preprocess() {
+    if (const auto glow = m_newerGlow->take())
+        setGlow(*glow);
 }
 
 void PictureNode::setGlow(double glow) {

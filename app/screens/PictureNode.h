@@ -9,6 +9,8 @@
 #include <array>
 #include <memory>
 
+#include "app/screens/SceneValue.h"
+
 class QQuickWindow;
 
 namespace quorvane {
@@ -24,7 +26,8 @@ public:
         double radius = 0;
     };
 
-    explicit PictureNode(QQuickWindow& window);
+    /// Shows each newer `glow` by itself.
+    PictureNode(QQuickWindow& window, std::shared_ptr<SceneValue<double>> glow);
 
     void setPicture(const QImage& picture);
     /// The shape that glows; a null image is no glow.
@@ -34,6 +37,8 @@ public:
     void setScaled(bool scaled);
     /// 0 to 1.
     void setGlow(double glow);
+
+    void preprocess() override;
 
     [[nodiscard]] const QImage& picture() const { return m_picture; }
 
@@ -54,6 +59,7 @@ private:
     [[nodiscard]] QSGTexture* blur(int step);
 
     QQuickWindow& m_window;
+    std::shared_ptr<SceneValue<double>> m_newerGlow;
     QImage m_picture;
     QImage m_glowSource;
     GlowLook m_look;

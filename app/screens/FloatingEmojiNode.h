@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QSGNode>
+
+#include <memory>
+#include <vector>
+
+#include "app/FloatingEmoji.h"
+#include "app/screens/SceneValue.h"
+
+class QQuickWindow;
+
+namespace quorvane {
+
+/// The scene's side of the particles, which all have one picture each. On the thread that draws, as
+/// the toolkit's nodes are.
+class FloatingEmojiNode final : public QSGNode {
+public:
+    using Particles = std::vector<FloatingEmoji>;
+
+    /// Shows each of the `newer` particles by itself.
+    FloatingEmojiNode(QQuickWindow& window, const Particles& particles,
+                      std::shared_ptr<SceneValue<Particles>> newer);
+    FloatingEmojiNode(const FloatingEmojiNode&) = delete;
+    FloatingEmojiNode& operator=(const FloatingEmojiNode&) = delete;
+    ~FloatingEmojiNode() override;
+
+    /// As many as there were at first, and of the same sizes.
+    void show(const Particles& particles);
+
+    void preprocess() override;
+
+private:
+    class Picture;
+
+    std::shared_ptr<SceneValue<Particles>> m_newer;
+    std::vector<Picture> m_pictures;
+};
+
+} // namespace quorvane
