@@ -1,11 +1,10 @@
 #include "platform/linux/OpenALAudioService.h"
 
 #include <algorithm>
-#include <cmath>
-#include <new>
 #include <utility>
 #include <vector>
 
+#include "platform/PCMBuffers.h"
 #include "platform/linux/OpenALAudioFilePlayer.h"
 #include "platform/linux/OpenALAudioOutput.h"
 #include "platform/linux/SndfileAudioFile.h"
@@ -117,24 +116,12 @@ OpenALAudioService::openFile(const std::filesystem::path& path) {
 
 std::shared_ptr<PCMBuffer> OpenALAudioService::createBuffer(const AudioFormat& format,
                                                             std::uint32_t frameCapacity) {
-    if (format.channels == 0 || !(format.sampleRate > 0))
-        return nullptr;
-    try {
-        auto buffer = std::make_shared<PCMBuffer>();
-        buffer->format = format;
-        buffer->frameCapacity = frameCapacity;
-        buffer->samples.resize(std::size_t{frameCapacity} * format.channels);
-        return buffer;
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
+    return makePCMBuffer(format, frameCapacity);
 }
 
 std::optional<AudioFormat> OpenALAudioService::standardFormat(double sampleRate,
                                                               unsigned channels) {
-    if (!std::isfinite(sampleRate) || sampleRate <= 0 || channels < 1 || channels > 2)
-        return std::nullopt;
-    return AudioFormat{.sampleRate = sampleRate, .channels = channels};
+    return makeStandardFormat(sampleRate, channels);
 }
 
 std::variant<std::shared_ptr<AudioFilePlayer>, AudioError>

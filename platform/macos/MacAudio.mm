@@ -2,10 +2,9 @@
 
 #import <AVFAudio/AVFAudio.h>
 
-#include <cmath>
-#include <new>
 #include <utility>
 
+#include "platform/PCMBuffers.h"
 #include "platform/macos/MacAudioEngine.h"
 #include "platform/macos/MacAudioFilePlayer.h"
 #include "platform/macos/MacAudioFormat.h"
@@ -73,22 +72,15 @@ std::shared_ptr<PCMBuffer> MacAudio::createBuffer(const AudioFormat& format,
                                                   std::uint32_t frameCapacity) {
     if (!standardFormat(format.sampleRate, format.channels))
         return nullptr;
-    try {
-        auto buffer = std::make_shared<PCMBuffer>();
-        buffer->format = format;
-        buffer->frameCapacity = frameCapacity;
-        buffer->samples.resize(std::size_t{frameCapacity} * format.channels);
-        return buffer;
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
+    return makePCMBuffer(format, frameCapacity);
 }
 
 std::optional<AudioFormat> MacAudio::standardFormat(double sampleRate, unsigned channels) {
     // The system makes a format of any number.
-    if (!std::isfinite(sampleRate) || sampleRate <= 0 || channels < 1 || channels > 2)
+    const auto wanted = makeStandardFormat(sampleRate, channels);
+    if (!wanted)
         return std::nullopt;
-    AVAudioFormat* format = standardAudioFormat({.sampleRate = sampleRate, .channels = channels});
+    AVAudioFormat* format = standardAudioFormat(*wanted);
     if (!format)
         return std::nullopt;
     return toAudioFormat(format);

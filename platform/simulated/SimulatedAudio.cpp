@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "platform/PCMBuffers.h"
 #include "platform/simulated/SimulatedAudioEngine.h"
 
 namespace quorvane {
@@ -94,21 +95,15 @@ SimulatedAudio::openFile(const std::filesystem::path& path) {
 
 std::shared_ptr<PCMBuffer> SimulatedAudio::createBuffer(const AudioFormat& format,
                                                         std::uint32_t frameCapacity) {
-    if (m_machine->fault(AudioFault::BufferCreation) || format.channels == 0 ||
-        !(format.sampleRate > 0))
+    if (m_machine->fault(AudioFault::BufferCreation))
         return nullptr;
-    auto buffer = std::make_shared<PCMBuffer>();
-    buffer->format = format;
-    buffer->frameCapacity = frameCapacity;
-    buffer->samples.resize(std::size_t{frameCapacity} * format.channels);
-    return buffer;
+    return makePCMBuffer(format, frameCapacity);
 }
 
 std::optional<AudioFormat> SimulatedAudio::standardFormat(double sampleRate, unsigned channels) {
-    if (m_machine->fault(AudioFault::StandardFormat) || !std::isfinite(sampleRate) ||
-        sampleRate <= 0 || channels < 1 || channels > 2)
+    if (m_machine->fault(AudioFault::StandardFormat))
         return std::nullopt;
-    return AudioFormat{.sampleRate = sampleRate, .channels = channels};
+    return makeStandardFormat(sampleRate, channels);
 }
 
 std::variant<std::shared_ptr<AudioFilePlayer>, AudioError>
