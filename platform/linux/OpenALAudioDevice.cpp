@@ -44,6 +44,13 @@ bool OpenALAudioDevice::isConnected() const {
     return connected == ALC_TRUE;
 }
 
+/// OpenAL passes on the server's description of the output; the default device of its other back
+/// ends is called "ALSA Default" and the like.
+bool OpenALAudioDevice::isOnSoundServer() const {
+    const std::string_view name = m_al.alcGetString(m_device, ALC_ALL_DEVICES_SPECIFIER);
+    return !name.ends_with(" Default");
+}
+
 std::chrono::nanoseconds OpenALAudioDevice::latency() const {
     ALCint64SOFT nanoseconds = 0;
     if (m_al.alcGetInteger64vSOFT)

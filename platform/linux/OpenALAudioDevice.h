@@ -25,6 +25,8 @@ public:
 
     /// False for good once the device or its server has gone.
     [[nodiscard]] bool isConnected() const;
+    /// It is a stream on PulseAudio or what answers in its place, rather than a sound card.
+    [[nodiscard]] bool isOnSoundServer() const;
     /// How long after the mixing of a frame it is heard; 0 where that is unknown.
     [[nodiscard]] std::chrono::nanoseconds latency() const;
 

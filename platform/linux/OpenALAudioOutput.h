@@ -14,6 +14,7 @@
 #include "platform/linux/OpenALAudioDevice.h"
 #include "platform/linux/OpenALAudioLibrary.h"
 #include "platform/linux/OpenALAudioVoice.h"
+#include "platform/linux/PulseAudioSilence.h"
 
 namespace quorvane {
 
@@ -22,13 +23,16 @@ namespace quorvane {
 /// to come. Everything is guarded by one mutex; calls come from the main thread, completions from
 /// the thread here. That thread alone makes the calls that wait for the sound server, without the
 /// mutex, so that one that hangs holds up nobody. The owner of the last reference must not be a
-/// completion.
+/// completion. Where a sound server plays, a held device is kept running by a silent stream, and
+/// its own rests.
 class OpenALAudioOutput {
 public:
     using Clock = std::chrono::steady_clock;
     /// Silence after which the device is paused: an open stream wakes the processor hundreds of
     /// times a second, even with nothing to play.
     static constexpr std::chrono::seconds idleTime{10};
+    /// The same while a hold lives and something else keeps the output running.
+    static constexpr std::chrono::seconds heldIdleTime{3};
 
     /// How long the device stays open after the last file player fell silent.
     static constexpr std::chrono::seconds lingerTime{2};
@@ -94,6 +98,7 @@ private:
     bool closeLater(std::unique_lock<std::mutex>& lock);
     bool tryToOpen(std::unique_lock<std::mutex>& lock);
     bool pauseOrResume(std::unique_lock<std::mutex>& lock);
+    bool keepRunning(std::unique_lock<std::mutex>& lock);
     void closeDevice();
     void closeWhenUnneeded();
     void noticeLoss();
@@ -106,6 +111,7 @@ private:
     [[nodiscard]] bool isSounding() const;
     [[nodiscard]] bool areClipsSounding() const;
     [[nodiscard]] bool isStreamNeeded() const;
+    [[nodiscard]] Clock::duration idleLimit() const;
     [[nodiscard]] std::optional<Clock::time_point> nextWake() const;
     [[nodiscard]] OpenALAudioVoice::Completions takeDue(Clock::time_point now);
 
@@ -124,6 +130,10 @@ private:
     std::unique_ptr<OpenALAudioDevice> m_device;
     // To be closed by the thread.
     std::unique_ptr<OpenALAudioDevice> m_closing;
+    // Keeps the output running in the stead of a held device's own stream, which then may rest.
+    // Made once for each device: there is none where it cannot be.
+    std::unique_ptr<PulseAudioSilence> m_silence;
+    bool m_silenceTried = false;
     // Since when the thread has been in a call that may wait for the sound server.
     std::optional<Clock::time_point> m_blockedSince;
     // Callers that wait for a device; requests to open one so far, those of them for which that

@@ -132,10 +132,29 @@ bool OpenALAudioOutput::pauseOrResume(std::unique_lock<std::mutex>& lock) {
     OpenALAudioDevice& device = *m_device;
     if (needed && device.isPaused())
         unlocked(lock, [&] { device.resume(); });
-    else if (m_idleSince && Clock::now() - *m_idleSince >= idleTime)
+    else if (m_idleSince && Clock::now() - *m_idleSince >= idleLimit())
         unlocked(lock, [&] { device.pause(); });
     else
         return false;
+    return true;
+}
+
+/// A held output is kept running by a silent stream, where there can be one, since that costs next
+/// to nothing while the device's own wakes the processor hundreds of times a second.
+bool OpenALAudioOutput::keepRunning(std::unique_lock<std::mutex>& lock) {
+    if (!m_device || m_holds == 0) {
+        m_silenceTried = false;
+        if (!m_silence)
+            return false;
+        unlocked(lock, [silence = std::move(m_silence)]() mutable { silence.reset(); });
+        return true;
+    }
+    if (m_silenceTried || !m_device->isOnSoundServer())
+        return false;
+    m_silenceTried = true;
+    std::unique_ptr<PulseAudioSilence> silence;
+    unlocked(lock, [&] { silence = PulseAudioSilence::start(); });
+    m_silence = std::move(silence);
     return true;
 }
 

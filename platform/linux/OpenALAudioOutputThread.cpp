@@ -28,7 +28,12 @@ bool OpenALAudioOutput::areClipsSounding() const {
 }
 
 bool OpenALAudioOutput::isStreamNeeded() const {
-    return m_holds > 0 || isSounding();
+    const bool rests = m_silence && m_silence->isPlaying();
+    return isSounding() || (m_holds > 0 && !rests);
+}
+
+OpenALAudioOutput::Clock::duration OpenALAudioOutput::idleLimit() const {
+    return m_holds > 0 ? heldIdleTime : idleTime;
 }
 
 std::optional<OpenALAudioOutput::Clock::time_point> OpenALAudioOutput::nextWake() const {
@@ -46,12 +51,12 @@ std::optional<OpenALAudioOutput::Clock::time_point> OpenALAudioOutput::nextWake(
             atLatest(std::max(*time, now + shortestWait));
     for (const Finished& finished : m_finished)
         atLatest(finished.due);
-    if (m_device && isStreamNeeded())
+    if (m_device && (m_holds > 0 || isSounding()))
         atLatest(now + (isSounding() ? connectionCheckInterval : silentCheckInterval));
     if (m_device && m_runningEngines.empty() && m_holds == 0)
         atLatest(std::max(m_lingersUntil, now + shortestWait));
     if (m_device && !m_device->isPaused() && m_idleSince)
-        atLatest(*m_idleSince + idleTime);
+        atLatest(*m_idleSince + idleLimit());
     if (isAwaited())
         atLatest(m_nextAttempt);
     return wake;
@@ -78,7 +83,8 @@ void OpenALAudioOutput::run() {
         runCompletions(lock, takeDue(Clock::now()));
         closeWhenUnneeded();
         // Time has passed, and much may have changed, when one of these had something to do.
-        if (closeLater(lock) || tryToOpen(lock) || pauseOrResume(lock) || m_quit)
+        if (closeLater(lock) || keepRunning(lock) || tryToOpen(lock) || pauseOrResume(lock) ||
+            m_quit)
             continue;
         if (const auto wake = nextWake())
             m_changed.wait_until(lock, *wake);
@@ -87,6 +93,7 @@ void OpenALAudioOutput::run() {
     }
     closeDevice();
     closeLater(lock);
+    keepRunning(lock);
     runCompletions(lock, takeDue(Clock::time_point::max()));
     m_ended = true;
     m_served.notify_all();
