@@ -38,6 +38,8 @@ struct TextStyle {
     double size = 0;
     Weight weight = Weight::Regular;
     Color color;
+
+    bool operator==(const TextStyle&) const = default;
 };
 
 /// An indeterminate circular progress indicator.

@@ -92,10 +92,18 @@ const LaidOutTexts::Text& LaidOutTexts::get(std::string_view text, const TextSty
         QString lines = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
         lines.replace(QLatin1Char('\n'), QChar::LineSeparator);
         kept->layout.setText(lines);
-        kept->layout.setFont(toolkitFont(style));
+        kept->layout.setFont(font(style));
         kept->room = layOut(kept->layout, width);
     }
     return *kept;
+}
+
+const QFont& LaidOutTexts::font(const TextStyle& style) {
+    const auto kept = std::find_if(m_fonts.begin(), m_fonts.end(),
+                                   [&style](const auto& each) { return each.first == style; });
+    if (kept != m_fonts.end())
+        return kept->second;
+    return m_fonts.emplace_back(style, toolkitFont(style)).second;
 }
 
 PaintedCanvas::PaintedCanvas(QPainter& painter, LaidOutTexts& texts)
@@ -119,16 +127,22 @@ void PaintedCanvas::fill(const Rect& rect, const Color& color) {
 
 void PaintedCanvas::strokeArc(double centerX, double centerY, double radius, double lineWidth,
                               double fraction, const Color& color) {
-    if (fraction <= 0)
+    strokeArc(centerX, centerY, radius, lineWidth, 0, fraction, color);
+}
+
+void PaintedCanvas::strokeArc(double centerX, double centerY, double radius, double lineWidth,
+                              double from, double to, const Color& color) {
+    if (to <= from)
         return;
     const QRectF square(centerX - radius, centerY - radius, 2 * radius, 2 * radius);
     QPainterPath path;
     // A whole circle has no ends, and so no seam at the top.
-    if (fraction >= 1) {
+    if (from <= 0 && to >= 1) {
         path.addEllipse(square);
     } else {
-        path.arcMoveTo(square, 90);
-        path.arcTo(square, 90, -360 * fraction);
+        const double start = 90 - 360 * from;
+        path.arcMoveTo(square, start);
+        path.arcTo(square, start, -360 * (to - from));
     }
     m_painter.setRenderHint(QPainter::Antialiasing);
     m_painter.strokePath(

@@ -4,6 +4,8 @@
 #include <QTextLayout>
 #include <memory>
 #include <unordered_map>
+#include <utility>
+#include <vector>
 
 #include "platform/Canvas.h"
 
@@ -20,7 +22,11 @@ public:
     const Text& get(std::string_view text, const TextStyle& style, double width);
 
 private:
+    [[nodiscard]] const QFont& font(const TextStyle& style);
+
     std::unordered_map<std::string, std::unique_ptr<Text>> m_texts;
+    // Few, and dear to make.
+    std::vector<std::pair<TextStyle, QFont>> m_fonts;
 };
 
 /// Draws with a painter whose unit is a point. The texts are kept for other canvases.
@@ -35,6 +41,9 @@ public:
     void fill(const Rect& rect, const Color& color) override;
     void strokeArc(double centerX, double centerY, double radius, double lineWidth, double fraction,
                    const Color& color) override;
+    /// The arc from `from` to `to`, fractions of the circle from its top.
+    void strokeArc(double centerX, double centerY, double radius, double lineWidth, double from,
+                   double to, const Color& color);
 
 private:
     QPainter& m_painter;

@@ -12,11 +12,12 @@ QRect pixelsAround(const Rect& rect, double scale) {
         .toAlignedRect();
 }
 
-void copyRows(const QImage& from, QImage& to, QPoint place) {
+void copyRows(const QImage& from, QPoint start, QImage& to, const QRect& place) {
     constexpr qsizetype bytesPerPixel = 4;
-    for (int row = 0; row < from.height(); ++row)
+    for (int row = 0; row < place.height(); ++row)
         std::memcpy(to.scanLine(place.y() + row) + place.x() * bytesPerPixel,
-                    from.constScanLine(row), static_cast<size_t>(from.width() * bytesPerPixel));
+                    from.constScanLine(start.y() + row) + start.x() * bytesPerPixel,
+                    static_cast<size_t>(place.width() * bytesPerPixel));
 }
 
 } // namespace
@@ -40,6 +41,8 @@ void PaintedOverlay::drawAll(QImage& image) {
     m_region = changingPixels(image);
     m_still = image.copy(m_region);
     m_work = QImage(m_still.size(), m_still.format());
+    m_drawn.clear();
+    m_paintedStep.reset();
     // Nothing but what has just been kept is drawn over, so this does not come back here.
     static_cast<void>(drawChanges(image));
 }
@@ -54,22 +57,42 @@ QRect PaintedOverlay::changingPixels(const QImage& image) {
     return pixels & image.rect();
 }
 
-QRect PaintedOverlay::drawChanges(QImage& image) {
+QRegion PaintedOverlay::drawChanges(QImage& image) {
     if (m_region.isEmpty())
         return {};
-    copyRows(m_still, m_work, {0, 0});
-    paintChanging(m_work, sizeOf(image));
-    // In one go: the display server may be reading the image, and never finds it half drawn.
-    copyRows(m_work, image, m_region.topLeft());
-    return m_region;
+    const QRegion changed = changedPixels(sizeOf(image));
+    for (const QRect& part : changed) {
+        const QRect here = part.translated(-m_region.topLeft());
+        copyRows(m_still, here.topLeft(), m_work, here);
+        paintChanging(part);
+        // In one go: the display server may be reading the image, and never finds it half drawn.
+        copyRows(m_work, here.topLeft(), image, part);
+    }
+    return changed;
 }
 
-void PaintedOverlay::paintChanging(QImage& part, Size size) {
-    QPainter painter(&part);
+QRegion PaintedOverlay::changedPixels(Size size) {
+    m_next.clear();
+    m_view->drawChanging(m_next, size);
+    QRegion changed;
+    for (const Rect& rect : m_next.differences(m_drawn))
+        changed += pixelsAround(rect, m_scale);
+    m_drawn.swap(m_next);
+    if (m_spinner && std::exchange(m_paintedStep, m_step) != m_step)
+        changed += pixelsAround(spinnerBounds(*m_spinner), m_scale);
+    return changed & m_region;
+}
+
+void PaintedOverlay::paintChanging(const QRect& part) {
+    QPainter painter(&m_work);
+    painter.setClipRect(part.translated(-m_region.topLeft()));
     painter.translate(-m_region.topLeft());
     painter.scale(m_scale, m_scale);
     PaintedCanvas canvas(painter, m_texts);
-    m_view->drawChanging(canvas, size);
+    m_drawn.paint(canvas, {.x = part.x() / m_scale,
+                           .y = part.y() / m_scale,
+                           .width = part.width() / m_scale,
+                           .height = part.height() / m_scale});
     if (m_spinner)
         drawSpinner(painter, *m_spinner, m_step);
 }

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <QImage>
+#include <QRegion>
 #include <memory>
 #include <optional>
 
 #include "platform/Screens.h"
+#include "platform/linux/DrawingList.h"
 #include "platform/linux/PaintedCanvas.h"
 
 namespace quorvane {
@@ -18,8 +20,9 @@ public:
 
     /// Draws everything over what the image holds.
     void drawAll(QImage& image);
-    /// Draws what changes afresh; the pixels that may differ now, which may be none.
-    [[nodiscard]] QRect drawChanges(QImage& image);
+    /// Draws what has changed since it was last drawn; the pixels that may differ now, which may be
+    /// none.
+    [[nodiscard]] QRegion drawChanges(QImage& image);
 
     /// Whether it has a spinner, and so has to be drawn anew at each of its steps.
     [[nodiscard]] bool spins() const { return m_spinner.has_value(); }
@@ -28,7 +31,8 @@ public:
 
 private:
     [[nodiscard]] QRect changingPixels(const QImage& image);
-    void paintChanging(QImage& part, Size size);
+    [[nodiscard]] QRegion changedPixels(Size size);
+    void paintChanging(const QRect& part);
     [[nodiscard]] Size sizeOf(const QImage& image) const;
 
     std::shared_ptr<const OverlayView> m_view;
@@ -36,6 +40,10 @@ private:
     LaidOutTexts m_texts;
     std::optional<Spinner> m_spinner;
     int m_step = 0;
+    // The step that is in the image.
+    std::optional<int> m_paintedStep;
+    DrawingList m_drawn{m_texts};
+    DrawingList m_next{m_texts};
     // Where things change, what is still there, and room to draw in out of sight.
     QRect m_region;
     QImage m_still;

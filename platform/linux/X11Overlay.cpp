@@ -68,9 +68,12 @@ void X11Overlay::keepUp() {
 }
 
 void X11Overlay::drawChanges() {
-    const QRect changed = m_painted->drawChanges(m_image.image());
-    if (!changed.isEmpty())
-        show(changed);
+    const QRegion changed = m_painted->drawChanges(m_image.image());
+    if (changed.isEmpty())
+        return;
+    for (const QRect& part : changed)
+        m_window->show(m_image, part);
+    m_connection.flush();
 }
 
 void X11Overlay::show(const QRect& part) {
