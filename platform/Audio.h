@@ -86,8 +86,8 @@ public:
     [[nodiscard]] virtual float volume() const = 0;
 };
 
-/// Plays one sound file, decoded into memory when the player is made, on the output device, which
-/// it opens when it first needs it. Main thread only.
+/// Plays one sound file, decoded into memory once, on the output device, which it opens when it
+/// first needs it. Main thread only.
 class AudioFilePlayer {
 public:
     AudioFilePlayer() = default;

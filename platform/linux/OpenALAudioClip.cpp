@@ -18,11 +18,8 @@ constexpr OpenALAudioClip::Seconds longestBuffer{0.5};
 
 } // namespace
 
-OpenALAudioClip::OpenALAudioClip(std::shared_ptr<const PCMBuffer> sound)
-    : m_sound(std::move(sound)) {}
-
 double OpenALAudioClip::duration() const {
-    return m_sound->frameLength / m_sound->format.sampleRate;
+    return m_frames / m_format.sampleRate;
 }
 
 double OpenALAudioClip::place() const {
@@ -30,7 +27,7 @@ double OpenALAudioClip::place() const {
         return m_place;
     ALint offset = 0;
     m_device->al().alGetSourcei(m_sources.at(m_current).name, AL_SAMPLE_OFFSET, &offset);
-    return std::fmod(offset / m_sound->format.sampleRate, duration());
+    return std::fmod(offset / m_format.sampleRate, duration());
 }
 
 void OpenALAudioClip::setPlace(double seconds) {
@@ -165,13 +162,12 @@ void OpenALAudioClip::start(Seconds left) {
     al.alSourcef(source.name, AL_GAIN, m_volume);
     const double queueLength = duration() * std::max(1, source.queued);
     const double begin = std::isfinite(left.count()) ? queueLength - left.count() : m_place;
-    const auto frame = static_cast<ALint>(std::lround(begin * m_sound->format.sampleRate));
+    const auto frame = static_cast<ALint>(std::lround(begin * m_format.sampleRate));
     // A sound from its start is not faded in, and is only told so by not being told a place.
     if (frame > 0)
         al.alSourcei(
             source.name, AL_SAMPLE_OFFSET,
-            std::min(frame,
-                     static_cast<ALint>(m_sound->frameLength) * std::max(1, source.queued) - 1));
+            std::min(frame, static_cast<ALint>(m_frames) * std::max(1, source.queued) - 1));
     al.alSourcePlay(source.name);
     m_started = {.time = Clock::now(), .left = left};
     m_sounding = true;

@@ -3,8 +3,10 @@
 #include <array>
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
+#include <utility>
 
 #include "platform/Audio.h"
 #include "platform/linux/OpenALAudioDevice.h"
@@ -28,8 +30,14 @@ public:
     /// More repetitions than this count as endless.
     static constexpr int mostLoops = 1000;
 
-    /// `sound` is not empty.
-    explicit OpenALAudioClip(std::shared_ptr<const PCMBuffer> sound);
+    /// Its sound will have this format and so many frames, more than none.
+    OpenALAudioClip(const AudioFormat& format, std::uint32_t frames)
+        : m_format(format), m_frames(frames) {}
+
+    [[nodiscard]] bool hasSound() const { return m_sound != nullptr; }
+
+    /// Gives it its sound, without which it cannot be played.
+    void setSound(std::shared_ptr<const PCMBuffer> sound) { m_sound = std::move(sound); }
 
     [[nodiscard]] double duration() const;
     [[nodiscard]] double place() const;
@@ -94,6 +102,8 @@ private:
     void load(Source& source) const;
     void fadeOut();
 
+    AudioFormat m_format;
+    std::uint32_t m_frames;
     std::shared_ptr<const PCMBuffer> m_sound;
     float m_volume = 1;
     int m_loops = 0;

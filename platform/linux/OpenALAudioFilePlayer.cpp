@@ -14,22 +14,30 @@ namespace quorvane {
 namespace {
 
 constexpr double mostBytes = 256.0 * 1024 * 1024;
+// Seconds of sound that are decoded in less than a millisecond. What is longer waits for its first
+// use: until then its memory would be held for nothing.
+constexpr double longestAhead = 1;
 
-std::variant<std::shared_ptr<const PCMBuffer>, AudioError>
-decode(AudioFile& file, const std::filesystem::path& path) {
-    const AudioFormat format = file.processingFormat();
+std::optional<AudioError> unplayable(SndfileAudioFile& file, const std::filesystem::path& path) {
     const auto frames = static_cast<double>(file.length());
     if (!(frames > 0))
         return AudioError{path.string() + ": there is no sound in it"};
-    if (frames * format.channels * sizeof(float) > mostBytes)
+    if (frames * file.processingFormat().channels * sizeof(float) > mostBytes)
         return AudioError{path.string() + ": the sound is too long"};
-    auto buffer = std::make_shared<PCMBuffer>();
-    buffer->format = format;
-    buffer->frameCapacity = static_cast<std::uint32_t>(file.length());
-    buffer->samples.resize(std::size_t{buffer->frameCapacity} * format.channels);
-    if (auto error = file.read(*buffer))
-        return *std::move(error);
-    return buffer;
+    return file.findEnd();
+}
+
+// Null if it cannot be decoded to its end, or there is not enough memory.
+std::shared_ptr<const PCMBuffer> decode(AudioFile& file) {
+    try {
+        auto buffer = std::make_shared<PCMBuffer>();
+        buffer->format = file.processingFormat();
+        buffer->frameCapacity = static_cast<std::uint32_t>(file.length());
+        buffer->samples.resize(std::size_t{buffer->frameCapacity} * buffer->format.channels);
+        return file.read(*buffer) ? nullptr : buffer;
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
 }
 
 } // namespace
@@ -37,24 +45,20 @@ decode(AudioFile& file, const std::filesystem::path& path) {
 std::variant<std::shared_ptr<AudioFilePlayer>, AudioError>
 OpenALAudioFilePlayer::open(const std::shared_ptr<OpenALAudioOutput>& output,
                             const std::filesystem::path& path) {
-    try {
-        auto file = SndfileAudioFile::open(path);
-        if (auto* error = std::get_if<AudioError>(&file))
-            return std::move(*error);
-        auto sound = decode(*std::get<std::shared_ptr<AudioFile>>(file), path);
-        if (auto* error = std::get_if<AudioError>(&sound))
-            return std::move(*error);
-        return std::make_shared<OpenALAudioFilePlayer>(
-            output, std::make_shared<OpenALAudioClip>(
-                        std::get<std::shared_ptr<const PCMBuffer>>(std::move(sound))));
-    } catch (const std::bad_alloc&) {
-        return AudioError{path.string() + ": there is not enough memory for it"};
-    }
+    auto opened = SndfileAudioFile::open(path);
+    if (auto* error = std::get_if<AudioError>(&opened))
+        return std::move(*error);
+    auto file = std::get<std::shared_ptr<SndfileAudioFile>>(std::move(opened));
+    if (auto error = unplayable(*file, path))
+        return *std::move(error);
+    return std::make_shared<OpenALAudioFilePlayer>(output, std::move(file));
 }
 
 OpenALAudioFilePlayer::OpenALAudioFilePlayer(std::shared_ptr<OpenALAudioOutput> output,
-                                             std::shared_ptr<OpenALAudioClip> clip)
-    : m_output(std::move(output)), m_clip(std::move(clip)) {
+                                             std::shared_ptr<AudioFile> file)
+    : m_output(std::move(output)), m_file(std::move(file)),
+      m_clip(std::make_shared<OpenALAudioClip>(m_file->processingFormat(),
+                                               static_cast<std::uint32_t>(m_file->length()))) {
     m_output->add(m_clip);
 }
 
@@ -90,13 +94,22 @@ void OpenALAudioFilePlayer::setNumberOfLoops(int count) {
     m_output->withClips([&] { m_clip->setLoops(count); });
 }
 
-// All that needs no device is done when the file is opened.
 bool OpenALAudioFilePlayer::prepareToPlay() {
-    return true;
+    return m_clip->duration() > longestAhead || load();
 }
 
 bool OpenALAudioFilePlayer::play() {
-    return m_output->play(*m_clip);
+    return load() && m_output->play(*m_clip);
+}
+
+// Decodes outside the output's lock, which its thread needs meanwhile.
+bool OpenALAudioFilePlayer::load() {
+    if (!m_file)
+        return m_clip->hasSound();
+    auto sound = decode(*m_file);
+    m_file.reset();
+    m_output->withClips([&] { m_clip->setSound(std::move(sound)); });
+    return m_clip->hasSound();
 }
 
 void OpenALAudioFilePlayer::stop() {

@@ -11,8 +11,9 @@ namespace quorvane {
 class OpenALAudioClip;
 class OpenALAudioOutput;
 
-/// Plays a sound file, which is decoded whole when it is opened, on the shared output device. More
-/// than OpenALAudioClip::mostLoops repetitions count as endless. Main thread only.
+/// Plays a sound file on the shared output device. The file is decoded whole and once: a short one
+/// by `prepareToPlay`, a long one, which takes some milliseconds and megabytes, when it is first
+/// played. More than OpenALAudioClip::mostLoops repetitions count as endless. Main thread only.
 class OpenALAudioFilePlayer final : public AudioFilePlayer {
 public:
     /// The error also for a file that ends before its length, has no sound in it, or too much to
@@ -20,7 +21,7 @@ public:
     [[nodiscard]] static std::variant<std::shared_ptr<AudioFilePlayer>, AudioError>
     open(const std::shared_ptr<OpenALAudioOutput>& output, const std::filesystem::path& path);
     OpenALAudioFilePlayer(std::shared_ptr<OpenALAudioOutput> output,
-                          std::shared_ptr<OpenALAudioClip> clip);
+                          std::shared_ptr<AudioFile> file);
     OpenALAudioFilePlayer(const OpenALAudioFilePlayer&) = delete;
     OpenALAudioFilePlayer& operator=(const OpenALAudioFilePlayer&) = delete;
     ~OpenALAudioFilePlayer() override;
@@ -38,7 +39,11 @@ public:
     [[nodiscard]] bool isPlaying() const override;
 
 private:
+    bool load();
+
     std::shared_ptr<OpenALAudioOutput> m_output;
+    // Until it has been decoded.
+    std::shared_ptr<AudioFile> m_file;
     std::shared_ptr<OpenALAudioClip> m_clip;
 };
 

@@ -111,7 +111,10 @@ std::shared_ptr<AudioPlayerNode> OpenALAudioService::createPlayerNode() {
 
 std::variant<std::shared_ptr<AudioFile>, AudioError>
 OpenALAudioService::openFile(const std::filesystem::path& path) {
-    return SndfileAudioFile::open(path);
+    auto file = SndfileAudioFile::open(path);
+    if (auto* error = std::get_if<AudioError>(&file))
+        return std::move(*error);
+    return std::get<std::shared_ptr<SndfileAudioFile>>(std::move(file));
 }
 
 std::shared_ptr<PCMBuffer> OpenALAudioService::createBuffer(const AudioFormat& format,

@@ -6,6 +6,7 @@
 #include <fstream>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 namespace quorvane {
 
@@ -24,7 +25,7 @@ std::optional<AudioError> accessError(const std::filesystem::path& path) {
 
 } // namespace
 
-std::variant<std::shared_ptr<AudioFile>, AudioError>
+std::variant<std::shared_ptr<SndfileAudioFile>, AudioError>
 SndfileAudioFile::open(const std::filesystem::path& path) {
     if (auto error = accessError(path))
         return *std::move(error);
@@ -32,7 +33,7 @@ SndfileAudioFile::open(const std::filesystem::path& path) {
     Handle file(sf_open(path.c_str(), SFM_READ, &info));
     if (!file || info.channels <= 0)
         return AudioError{path.string() + ": not a sound file that can be decoded"};
-    return std::shared_ptr<AudioFile>(new SndfileAudioFile(std::move(file), info, path));
+    return std::shared_ptr<SndfileAudioFile>(new SndfileAudioFile(std::move(file), info, path));
 }
 
 SndfileAudioFile::SndfileAudioFile(Handle file, const SF_INFO& info, std::filesystem::path path)
@@ -55,8 +56,20 @@ std::optional<AudioError> SndfileAudioFile::read(PCMBuffer& buffer) {
     const sf_count_t got = sf_readf_float(m_file.get(), buffer.samples.data(), wanted);
     buffer.frameLength = static_cast<std::uint32_t>(std::max<sf_count_t>(got, 0));
     if (got < m_info.frames)
-        return AudioError{m_path.string() + ": the sound ends before its length"};
+        return endsTooSoon();
     return std::nullopt;
+}
+
+std::optional<AudioError> SndfileAudioFile::findEnd() {
+    std::vector<float> frame(static_cast<std::size_t>(m_info.channels));
+    if (m_info.seekable && (sf_seek(m_file.get(), m_info.frames - 1, SEEK_SET) < 0 ||
+                            sf_readf_float(m_file.get(), frame.data(), 1) < 1))
+        return endsTooSoon();
+    return std::nullopt;
+}
+
+AudioError SndfileAudioFile::endsTooSoon() const {
+    return {m_path.string() + ": the sound ends before its length"};
 }
 
 } // namespace quorvane

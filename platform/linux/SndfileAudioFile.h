@@ -14,12 +14,15 @@ namespace quorvane {
 /// LAME tag and leaves them out of the sound; an MP3 without that tag keeps them.
 class SndfileAudioFile final : public AudioFile {
 public:
-    [[nodiscard]] static std::variant<std::shared_ptr<AudioFile>, AudioError>
+    [[nodiscard]] static std::variant<std::shared_ptr<SndfileAudioFile>, AudioError>
     open(const std::filesystem::path& path);
 
     [[nodiscard]] AudioFormat processingFormat() const override;
     [[nodiscard]] std::int64_t length() const override;
     std::optional<AudioError> read(PCMBuffer& buffer) override;
+    /// Looks for its last frame without decoding what comes before: a file that has been cut off
+    /// still tells the length that it had. The error if it is not there.
+    [[nodiscard]] std::optional<AudioError> findEnd();
 
 private:
     struct Closer {
@@ -29,6 +32,8 @@ private:
     using Handle = std::unique_ptr<SNDFILE, Closer>;
 
     SndfileAudioFile(Handle file, const SF_INFO& info, std::filesystem::path path);
+
+    [[nodiscard]] AudioError endsTooSoon() const;
 
     Handle m_file;
     SF_INFO m_info;
