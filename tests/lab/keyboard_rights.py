@@ -83,8 +83,7 @@ def _run_probe(lab, name, what, scenario, *, is_readable=False):
             _allow(keyboard)
         home = stack.enter_context(_home())
         probe = Probe(lab, home, stack, what)
-        with lab.watch.timed():
-            scenario(lab, keyboard, probe, stack)
+        scenario(lab, keyboard, probe, stack)
         probe.finish(lab, name)
 
 
@@ -110,9 +109,11 @@ def _agree(lab):
 
 
 def _permitted(lab, _keyboard, probe, _stack):
-    wait_until(probe.asked.exists, "the prompt")
-    _agree(lab)
-    probe.lines.wait_for(lambda line: line == "active yes", "the retry", PATIENCE)
+    # The right has to be there when the effect looks once more.
+    with lab.watch.timed():
+        wait_until(probe.asked.exists, "the prompt")
+        _agree(lab)
+        probe.lines.wait_for(lambda line: line == "active yes", "the retry", PATIENCE)
 
 
 def _readable_later(_lab, one, probe, stack):
