@@ -5,8 +5,6 @@
 #include <QQmlEngine>
 #include <QQuickItem>
 
-#include <future>
-
 #include "app/OrrowinApp.h"
 #include "app/screens/Fonts.h"
 #ifdef QUORVANE_MACOS
@@ -19,12 +17,12 @@ namespace quorvane {
 
 MainWindow::MainWindow(ContentView& content, const Platform& platform, Desktop& desktop)
     : m_content(content), m_desktop(desktop), m_model(content, platform, desktop),
+      // The toolkit's first look at the installed fonts and the window, which loads the graphics
+      // driver, are what takes longest before the first frame, and neither needs the other.
+      m_font(std::async(std::launch::async, Fonts::text, QGuiApplication::font())),
       m_coverFollowed(desktop.windowIsCovered().observe([this] { updateSeen(); })) {
     // The screens' types register themselves, if only the linker keeps them.
     [[maybe_unused]] auto* volatile keep = &qml_register_types_Quorvane;
-    // The toolkit's first look at the installed fonts and its loading of the graphics driver are
-    // what takes longest before the first frame, and neither needs the other.
-    auto font = std::async(std::launch::async, Fonts::text, QGuiApplication::font());
     // The window's texts stand still at their natural size, where the system's own rendering is
     // both sharper and faster to start with.
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
@@ -37,7 +35,7 @@ MainWindow::MainWindow(ContentView& content, const Platform& platform, Desktop& 
     m_window.setResizeMode(QQuickView::SizeRootObjectToView);
     m_window.setColor(Qt::black);
     m_window.create();
-    QGuiApplication::setFont(font.get());
+    QGuiApplication::setFont(m_font.get());
     m_window.installEventFilter(this);
     connect(&m_window, &QQuickWindow::frameSwapped, this, &MainWindow::onFirstFrame,
             static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));

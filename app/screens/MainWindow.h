@@ -1,7 +1,10 @@
 #pragma once
 
+#include <QFont>
 #include <QObject>
 #include <QQuickView>
+
+#include <future>
 
 #include "app/screens/ContentViewModel.h"
 
@@ -43,6 +46,7 @@ private:
     ContentView& m_content;
     Desktop& m_desktop;
     ContentViewModel m_model;
+    std::future<QFont> m_font;
     QQuickView m_window;
     Subscription m_coverFollowed;
     bool m_appeared = false;

@@ -1,9 +1,25 @@
 #include "app/screens/ShadowedImage.h"
 
-#include <QPaintDevice>
+#include <QGuiApplication>
+#include <QImageReader>
 #include <QPainter>
 
 namespace quorvane {
+
+namespace {
+
+// Told the format, the toolkit does not load all that it could read others with to ask them.
+constexpr auto format = "png";
+
+// The painter's own scaling looks at neighbouring pixels only, too few for a picture several times
+// the size.
+QImage load(const QString& file, const QSize& size) {
+    const QImage picture = QImageReader(file, format).read();
+    return picture.isNull() ? picture
+                            : picture.scaled(size, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+}
+
+} // namespace
 
 ShadowedImage::ShadowedImage(QQuickItem* parent) : PictureItem(parent) {
     connect(this, &ShadowedImage::shownHeightChanged, this, &ShadowedImage::measure);
@@ -13,29 +29,37 @@ void ShadowedImage::setSource(const QUrl& source) {
     if (m_source == source)
         return;
     m_source = source;
-    m_image = source.isEmpty() ? QImage() : QImage(source.toLocalFile());
+    m_fileSize = source.isEmpty() ? QSize() : QImageReader(file(), format).size();
     measure();
     redraw();
     emit sourceChanged();
 }
 
-void ShadowedImage::measure() {
-    if (m_image.isNull())
-        setImplicitSize(0, 0);
-    else
-        setImplicitSize(m_shownHeight * m_image.width() / m_image.height(), m_shownHeight);
+QString ShadowedImage::file() const {
+    return m_source.toLocalFile();
 }
 
-// The painter's own scaling looks at neighbouring pixels only, too few for a picture several times
-// the size.
+// Loading takes longer than all the rest of the screen, so it begins before its turn to be drawn.
+void ShadowedImage::measure() {
+    if (!isPresent() || m_shownHeight <= 0) {
+        setImplicitSize(0, 0);
+        return;
+    }
+    setImplicitSize(m_shownHeight * m_fileSize.width() / m_fileSize.height(), m_shownHeight);
+    m_loadedSize =
+        (QSizeF(implicitWidth(), implicitHeight()) * qGuiApp->devicePixelRatio()).toSize();
+    m_loaded = std::async(std::launch::async, load, file(), m_loadedSize);
+}
+
 void ShadowedImage::draw(QPainter& painter) const {
-    if (m_image.isNull())
+    if (!m_loaded.valid())
         return;
     const double scale = painter.transform().m11();
-    QImage scaled =
-        m_image.scaled((size() * scale).toSize(), Qt::KeepAspectRatio, Qt::SmoothTransformation);
-    scaled.setDevicePixelRatio(scale);
-    painter.drawImage(QPointF(0, 0), scaled);
+    const QSize wanted = (size() * scale).toSize();
+    // Only a window that has come to a screen with another scale waits here for long.
+    QImage picture = wanted == m_loadedSize ? m_loaded.get() : load(file(), wanted);
+    picture.setDevicePixelRatio(scale);
+    painter.drawImage(QPointF(0, 0), picture);
 }
 
 } // namespace quorvane

@@ -2,12 +2,14 @@
 
 #include <QUrl>
 
+#include <future>
+
 #include "app/screens/PictureItem.h"
 
 namespace quorvane {
 
-/// A picture of a local file, as large as it can be drawn in `height` without losing its shape.
-/// Takes no place if there is no such picture.
+/// A local PNG file's picture at a height of `shownHeight`, in its own shape. Only what is shown of
+/// it is kept. Takes no place if there is no such picture.
 class ShadowedImage : public quorvane::PictureItem {
     Q_OBJECT
     QML_ELEMENT
@@ -23,7 +25,7 @@ public:
 
     void setSource(const QUrl& source);
 
-    [[nodiscard]] bool isPresent() const { return !m_image.isNull(); }
+    [[nodiscard]] bool isPresent() const { return !m_fileSize.isEmpty(); }
 
 signals:
     void sourceChanged();
@@ -34,10 +36,14 @@ protected:
 
 private:
     void measure();
+    [[nodiscard]] QString file() const;
 
     QUrl m_source;
     double m_shownHeight = 0;
-    QImage m_image;
+    QSize m_fileSize;
+    // In the window's pixels.
+    QSize m_loadedSize;
+    std::shared_future<QImage> m_loaded;
 };
 
 } // namespace quorvane
