@@ -8,6 +8,8 @@
 #include <cmath>
 #include <utility>
 
+#include "app/screens/OpaqueBounds.h"
+
 namespace quorvane {
 
 namespace {
@@ -58,6 +60,10 @@ public:
     Picture(QQuickWindow& window, const FloatingEmoji& particle)
         : m_window(window), m_scale(window.effectiveDevicePixelRatio()),
           m_glyph(drawGlyph(particle, m_scale)), m_node(window.createImageNode()) {
+        if (const QRect seen = opaqueBounds(m_glyph); !seen.isEmpty()) {
+            m_glyph = m_glyph.copy(seen.adjusted(-cell, -cell, cell, cell));
+            m_offset = seen.topLeft() - QPoint(cell, cell);
+        }
         m_node->setOwnsTexture(true);
         // What lies on whole pixels takes no filter to draw, which is most of the cost of a picture
         // where the processor draws.
@@ -74,18 +80,19 @@ public:
         const auto place = [&](double centre) {
             return static_cast<int>(std::lround((centre - sideOf(particle) / 2) * m_scale));
         };
-        const QPoint corner(place(particle.x), place(particle.y));
+        const QPoint corner = QPoint(place(particle.x), place(particle.y)) + m_offset;
         // A power of two, and so right for negative places too.
         const QPoint within(corner.x() & (cell - 1), corner.y() & (cell - 1));
-        const double side = m_glyph.width() - cell;
-        m_node->setRect(QRectF(QPointF(corner - within) / m_scale, QSizeF(side, side) / m_scale));
-        m_node->setSourceRect(QRectF(QPoint(cell, cell) - within, QSizeF(side, side)));
+        const QSizeF size(m_glyph.width() - cell, m_glyph.height() - cell);
+        m_node->setRect(QRectF(QPointF(corner - within) / m_scale, size / m_scale));
+        m_node->setSourceRect(QRectF(QPoint(cell, cell) - within, size));
     }
 
 private:
     QQuickWindow& m_window;
     double m_scale;
     QImage m_glyph;
+    QPoint m_offset; // Of the glyph in its square, in pixels.
     double m_opacity = -1;
     QSGImageNode* m_node; // The scene's, as a child.
 };

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "app/screens/Blur.h"
+#include "app/screens/OpaqueBounds.h"
 
 namespace quorvane {
 
@@ -44,8 +45,7 @@ void PictureNode::setGlowSource(const QImage& source, const GlowLook& look) {
 
 void PictureNode::place(const QRectF& picture, const QRectF& glow) {
     m_pictureNode->setRect(picture);
-    for (Layer& layer : m_layers)
-        layer.image->setRect(glow);
+    m_glowPlace = glow;
 }
 
 void PictureNode::setScaled(bool scaled) {
@@ -74,17 +74,31 @@ void PictureNode::show(Layer& layer, int step, double opacity) {
     layer.opacity.setOpacity(step == 0 ? 0 : opacity);
     if (step == 0 || opacity <= 0)
         return;
-    layer.image->setTexture(blur(step));
+    const BlurStep& shown = blur(step);
+    layer.image->setTexture(shown.texture.get());
+    layer.image->setRect(placeOf(shown));
+    layer.image->setSourceRect(QRectF({}, QSizeF(shown.bounds.size())));
     if (!layer.image->parent())
         layer.opacity.appendChildNode(layer.image.get());
 }
 
-QSGTexture* PictureNode::blur(int step) {
-    auto& texture = m_blurs.at(static_cast<std::size_t>(step) - 1);
-    if (!texture)
-        texture.reset(m_window.createTextureFromImage(
-            blurred(m_glowSource, m_look.radius * step / steps, m_look.color)));
-    return texture.get();
+const PictureNode::BlurStep& PictureNode::blur(int step) {
+    BlurStep& blur = m_blurs.at(static_cast<std::size_t>(step) - 1);
+    if (!blur.texture) {
+        const QImage picture = blurred(m_glowSource, m_look.radius * step / steps, m_look.color);
+        blur.bounds = opaqueBounds(picture);
+        // A texture of nothing is none.
+        if (blur.bounds.isEmpty())
+            blur.bounds = {0, 0, 1, 1};
+        blur.texture.reset(m_window.createTextureFromImage(picture.copy(blur.bounds)));
+    }
+    return blur;
+}
+
+QRectF PictureNode::placeOf(const BlurStep& blur) const {
+    const double pixel = m_glowPlace.width() / m_glowSource.width();
+    return {m_glowPlace.topLeft() + QPointF(blur.bounds.topLeft()) * pixel,
+            QSizeF(blur.bounds.size()) * pixel};
 }
 
 } // namespace quorvane

@@ -55,16 +55,24 @@ private:
         std::unique_ptr<QSGImageNode> image;
     };
 
+    /// The glow at one radius, as far as there is anything to be seen of it.
+    struct BlurStep {
+        std::unique_ptr<QSGTexture> texture;
+        QRect bounds;
+    };
+
     void show(Layer& layer, int step, double opacity);
-    [[nodiscard]] QSGTexture* blur(int step);
+    [[nodiscard]] const BlurStep& blur(int step);
+    [[nodiscard]] QRectF placeOf(const BlurStep& blur) const;
 
     QQuickWindow& m_window;
     std::shared_ptr<SceneValue<double>> m_newerGlow;
     QImage m_picture;
     QImage m_glowSource;
+    QRectF m_glowPlace;
     GlowLook m_look;
     std::unique_ptr<QSGTexture> m_pictureTexture;
-    std::array<std::unique_ptr<QSGTexture>, steps> m_blurs;
+    std::array<BlurStep, steps> m_blurs;
     std::array<Layer, 2> m_layers;
     std::unique_ptr<QSGImageNode> m_pictureNode;
 };
