@@ -1,5 +1,6 @@
 #include <QFile>
 #include <QGuiApplication>
+#include <QQuickWindow>
 
 #include <array>
 #include <csignal>
@@ -99,6 +100,14 @@ int runWindow(QGuiApplication& application, Host::TerminationSignals& terminatio
     return status;
 }
 
+// Without a graphics card, the toolkit would have the processor play one, which draws the whole
+// window anew for every step of the glow; its own way to draw without one draws what changed. Who
+// asks for something else gets it.
+void chooseRenderer() {
+    if (!qEnvironmentVariableIsSet("QT_QUICK_BACKEND") && !Host::hasGraphicsCard())
+        QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
+}
+
 // `name` is the toolkit's to keep, in the form that it asks for.
 // NOLINTNEXTLINE(readability-non-const-parameter)
 int run(char* name, const std::optional<Scenario>& scenario) {
@@ -112,6 +121,7 @@ int run(char* name, const std::optional<Scenario>& scenario) {
         complain("SIMULATED MACHINE: the devices are a scenario's, not those of this machine");
     qInstallMessageHandler(complainForToolkit);
     // The toolkit is given no options: all there are have been understood.
+    chooseRenderer();
     int count = 1;
     std::array<char*, 2> arguments{name, nullptr};
     QGuiApplication application(count, arguments.data());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/linux/DisplayServer.h"
+#include "platform/linux/GraphicsCard.h"
 #include "platform/linux/LinuxDesktop.h"
 #include "platform/linux/LinuxPlatform.h"
 #include "platform/linux/TerminationSignals.h"
@@ -12,5 +13,6 @@ using Desktop = LinuxDesktop;
 using DisplayServer = quorvane::DisplayServer;
 using Platform = LinuxPlatform;
 using TerminationSignals = quorvane::TerminationSignals;
+using quorvane::hasGraphicsCard;
 
 } // namespace quorvane::Host

@@ -13,6 +13,10 @@ using Desktop = MacDesktop;
 using Platform = MacPlatform;
 using TerminationSignals = MacTerminationSignals;
 
+inline bool hasGraphicsCard() {
+    return true;
+}
+
 /// There is but one display server, and the toolkit knows it.
 class DisplayServer {
 public:

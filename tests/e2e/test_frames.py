@@ -13,19 +13,24 @@ WINDOW = "Quorvane"
 # The toolkit says each frame on standard error.
 TELL_FRAMES = {"QT_LOGGING_RULES": "qt.scenegraph.time.renderloop.debug=true"}
 FRAME = "frame rendered"
+GRAPHICS_DRIVER = r"_dri\.so|libgallium|libnvidia-glcore"
 LOOK = 1.5
 """Seconds for which frames are counted: dozens of them, if there are any."""
 
 
 class Frames(EndToEndTest):
-    def _launch(self):
+    def _launch(self, **environment):
         self.skip_hardware_check()
-        self.launch(**TELL_FRAMES)
+        self.launch(**TELL_FRAMES, **environment)
         self.screens().find(ENTER)
         self.window, = self.wait_until(lambda: self.session.display.windows(WINDOW), "the window")
 
+    def _loaded(self):
+        """The files that the program has loaded, libraries among them."""
+        return pathlib.Path("/proc", str(self.program.pid), "maps").read_text()
+
     def _count(self):
-        return sum(FRAME in line for line in self.program.errors.text)
+        return sum(FRAME in line.lower() for line in self.program.errors.text)
 
     def _wait_for_frames(self, why):
         before = self._count()
@@ -42,6 +47,19 @@ class Frames(EndToEndTest):
     def test_there_are_frames_while_the_glow_can_be_seen(self):
         self._launch()
         self._wait_for_frames("glow and particles")
+        self.leave(ANY_WORDS)
+
+    def test_no_driver_plays_a_graphics_card_where_there_is_none(self):
+        devices = pathlib.Path("/dev")
+        if [*devices.glob("dri/renderD*"), *devices.glob("nvidiactl")]:
+            self.skipTest("there may be a graphics card")
+        self._launch()
+        self.assertNotRegex(self._loaded(), GRAPHICS_DRIVER)
+        self.leave(ANY_WORDS)
+
+    def test_who_asks_for_another_renderer_gets_it(self):
+        self._launch(QT_QUICK_BACKEND="rhi")
+        self.assertRegex(self._loaded(), GRAPHICS_DRIVER)
         self.leave(ANY_WORDS)
 
     def test_there_are_none_while_the_window_is_minimised(self):
