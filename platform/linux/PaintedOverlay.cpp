@@ -60,8 +60,8 @@ QRect PaintedOverlay::changingPixels(const QImage& image) {
 QRegion PaintedOverlay::drawChanges(QImage& image) {
     if (m_region.isEmpty())
         return {};
-    const QRegion changed = changedPixels(sizeOf(image));
-    for (const QRect& part : changed) {
+    QRegion changed = changedPixels(sizeOf(image));
+    for (const QRect& part : std::as_const(changed)) {
         const QRect here = part.translated(-m_region.topLeft());
         copyRows(m_still, here.topLeft(), m_work, here);
         paintChanging(part);
