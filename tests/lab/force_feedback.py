@@ -119,7 +119,7 @@ def unplugged(lab, name):
     folder = lab.folder(name)
     with contextlib.ExitStack() as stack:
         first = Pad(lab.desktop.env, folder / "first.log", stack)
-        with _at_the_panel(lab, name, stack) as (app, _, facts), lab.watch.timed():
+        with _at_the_panel(lab, name, stack) as (app, _, facts):
             app.toggle(FAN)
             first.wait_for("upload", EFFECTS)
             time.sleep(MOMENT)

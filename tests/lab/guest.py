@@ -39,20 +39,27 @@ class Player:
         A scenario in which the machine stood still says nothing about the program and is played
         again; the last attempt counts whatever it was.
         """
+        self._play(ATTEMPTS, name, scenario, *arguments, **options)
+
+    def rehearse(self, name, scenario, *arguments, **options):
+        """Plays one that nobody judges: once will do."""
+        self._play(1, name, scenario, *arguments, **options)
+
+    def _play(self, attempts, name, scenario, *arguments, **options):
         if self._wanted and name not in self._wanted:
             return
-        for attempt in range(1, ATTEMPTS + 1):
-            print(f"lab: {name}", flush=True)
-            self._lab.forget(name)
+        for attempt in range(1, attempts + 1):
             self._play_once(name, scenario, *arguments, **options)
             spans, complaint = self._lab.watch.take()
             self._lab.leave(name, "standstill.json", {"spans": spans, "complaint": complaint})
             if not complaint:
                 break
-            print(f"lab: {name}, attempt {attempt} of {ATTEMPTS}: {complaint}", flush=True)
+            print(f"lab: {name}, attempt {attempt} of {attempts}: {complaint}", flush=True)
         self._lab.hand_over(name)
 
     def _play_once(self, name, scenario, *arguments, **options):
+        print(f"lab: {name}", flush=True)
+        self._lab.forget(name)
         try:
             scenario(self._lab, name, *arguments, **options)
         except Exception:  # pylint: disable=broad-except

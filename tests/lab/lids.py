@@ -99,12 +99,12 @@ def rights(lab, name):
 
 
 def play_all(play):
-    """The lid's scenarios, each by `play(name, scenario, *arguments)`.
+    """The lid's scenarios, each by `play(name, scenario, *arguments, **options)`.
 
-    The first is a rehearsal, which nobody judges: whatever the program reads of the host's files
+    They begin with a rehearsal, which nobody judges: whatever the program reads of the host's files
     when the lid creaks, the machine has in its own memory from then on.
     """
-    play("rehearsal", moving_lid, *SCRIPT[:2])
+    play.rehearse("rehearsal", moving_lid, *SCRIPT[:2])
     play("moving_lid", moving_lid, *SCRIPT, after_vanishing=AFTER_VANISHING)
     play("found_by_scan", found, ("--product", "0xabc1"))
     play("first_reading_0", found, ("--angle", "0"))
