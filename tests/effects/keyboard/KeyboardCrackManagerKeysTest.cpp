@@ -5,9 +5,7 @@
 namespace quorvane {
 namespace {
 
-using testing::Contains;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 TEST_F(KeyboardCrackManagerTest, a_key_cracks_from_the_main_queue_not_from_the_tap) {
     makeListening();
