@@ -26,7 +26,7 @@ Samples decoded(const std::string& path) {
     const auto opened = SndfileAudioFile::open(path);
     if (const auto* error = std::get_if<AudioError>(&opened))
         throw std::runtime_error(error->description);
-    AudioFile& file = *std::get<std::shared_ptr<AudioFile>>(opened);
+    AudioFile& file = *std::get<std::shared_ptr<SndfileAudioFile>>(opened);
     PCMBuffer buffer;
     buffer.format = file.processingFormat();
     if (!(buffer.format == AudioFormat{.sampleRate = sampleRate, .channels = 1}))
