@@ -50,7 +50,8 @@ Backdrop {
 
             Scanning {
                 anchors.horizontalCenter: stack.horizontalCenter
-                turning: root.content.animates
+                // Asked once more as the window closes, when its screen has gone.
+                turning: root?.content.animates ?? false
             }
         }
 
