@@ -1,5 +1,5 @@
 // Constructs the startup manager once, as the program does at its start, and prints how long that
-// took and, of it, loading the clip, in milliseconds. For a process of its own each time: the first
+// took and, of it, opening the clip, in milliseconds. For a process of its own each time: the first
 // sound that a process loads is the one that a start-up waits for.
 
 #include <QCoreApplication>
@@ -9,6 +9,7 @@
 
 #include "effects/startup/StartupSoundManager.h"
 #include "platform/linux/LinuxPlatform.h"
+#include "tests/support/ExchangedPlatform.h"
 
 namespace {
 
@@ -38,20 +39,7 @@ int main(int argc, char** argv) {
     LinuxPlatform linuxPlatform;
     const Platform machine = linuxPlatform.platform();
     LineClock console(machine.runLoop);
-    const Platform platform{.runLoop = machine.runLoop,
-                            .hid = machine.hid,
-                            .workspace = machine.workspace,
-                            .defaultCenter = machine.defaultCenter,
-                            .audio = machine.audio,
-                            .eventTaps = machine.eventTaps,
-                            .haptics = machine.haptics,
-                            .screens = machine.screens,
-                            .application = machine.application,
-                            .userDefaults = machine.userDefaults,
-                            .bundle = machine.bundle,
-                            .system = machine.system,
-                            .random = machine.random,
-                            .console = console};
+    const Platform platform = exchange(machine, {.console = &console});
     const double begun = machine.runLoop.currentMediaTime();
     const auto manager = StartupSoundManager::create(platform);
     const double done = machine.runLoop.currentMediaTime();

@@ -9,6 +9,7 @@ struct ExchangedServices {
     HIDService* hid = nullptr;
     EventTapService* eventTaps = nullptr;
     SystemInfo* system = nullptr;
+    Console* console = nullptr;
 };
 
 /// The platform with some services exchanged; all of them must outlive what it is given to.
@@ -27,7 +28,7 @@ inline Platform exchange(const Platform& platform, const ExchangedServices& serv
         .bundle = platform.bundle,
         .system = services.system != nullptr ? *services.system : platform.system,
         .random = platform.random,
-        .console = platform.console,
+        .console = services.console != nullptr ? *services.console : platform.console,
     };
 }
 
