@@ -213,7 +213,7 @@ TEST_F(OpenALAudioSettings, TheProgramAsksForAShortBuffer) {
     const std::string key = "Buffer Latency: ";
     const auto place = text.find(key);
     ASSERT_NE(place, std::string::npos) << text;
-    EXPECT_LT(std::stoi(text.substr(place + key.size())), 23000);
+    EXPECT_LT(std::stoi(text.substr(place + key.size())), 19000);
 }
 
 TEST_F(OpenALAudioSettings, AnOpenDeviceWithNothingToPlaySoonWakesNobody) {
