@@ -29,10 +29,11 @@ class Onboarding(EndToEndTest):
         screens.find(CONTINUE)
         waited = time.monotonic() - pressed
         self.assertGreater(waited, 1.45)
-        self.assertLess(waited, 3.0)
+        self.assertLess(waited, 6.0)
         for feature, text in ROWS.items():
-            self.assertTrue(screens.shows(feature), feature)
-            self.assertTrue(text is None or screens.shows(text), text)
+            screens.find(feature)
+            if text is not None:
+                screens.find(text)
 
         screens.press(CONTINUE)
         screens.find(ENTER)
