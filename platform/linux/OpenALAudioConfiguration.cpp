@@ -16,12 +16,12 @@ namespace quorvane {
 namespace {
 
 // The drivers are those that end in a real device: OpenAL's own last resort plays to nobody and
-// calls that a success. Four periods of 192 frames are 16 ms at 48 kHz. Of shorter buffers more runs
-// dry on a busy machine, and longer ones make a key's crack late; with fewer periods PulseAudio wakes
-// more often, with two all the time. A period is one tick of the kernel's clock, by which sound
-// cards without an interrupt of their own go: with one of 320 frames they drop out. Stereo on
-// speakers with nothing done to it, so that a sound leaves as it is in its file; the resampler
-// matters only for files of another rate than the device's.
+// calls that a success. Four periods of 192 frames are 16 ms at 48 kHz. Of shorter buffers more
+// runs dry on a busy machine, and longer ones make a key's crack late; with fewer periods
+// PulseAudio wakes more often, with two all the time. A period is one tick of the kernel's clock,
+// by which sound cards without an interrupt of their own go: with one of 320 frames they drop out.
+// Stereo on speakers with nothing done to it, so that a sound leaves as it is in its file; the
+// resampler matters only for files of another rate than the device's.
 constexpr std::string_view ownSettings = R"([general]
 drivers = pulse,alsa
 channels = stereo
