@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <utility>
 
 namespace quorvane {
 
@@ -138,10 +139,10 @@ std::optional<Rect> DrawingList::Arc::growth(const Arc& before) const {
 void DrawingList::Arc::paint(PaintedCanvas& canvas, const Rect& part) const {
     std::optional<int> first;
     int last = 0;
+    Rect next = around(0);
     for (int step = 0; step <= steps; ++step) {
-        const double at = static_cast<double>(step) / steps;
-        const double next = static_cast<double>(step + 1) / steps;
-        if (!touches(united(around(at), around(next)), part))
+        const Rect here = std::exchange(next, around(static_cast<double>(step + 1) / steps));
+        if (!touches(united(here, next), part))
             continue;
         first = first.value_or(step);
         last = step + 1;

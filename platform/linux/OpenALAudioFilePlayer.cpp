@@ -1,10 +1,10 @@
 #include "platform/linux/OpenALAudioFilePlayer.h"
 
 #include <cstdint>
-#include <new>
 #include <string>
 #include <utility>
 
+#include "platform/PCMBuffers.h"
 #include "platform/linux/OpenALAudioClip.h"
 #include "platform/linux/OpenALAudioOutput.h"
 #include "platform/linux/SndfileAudioFile.h"
@@ -29,15 +29,8 @@ std::optional<AudioError> unplayable(SndfileAudioFile& file, const std::filesyst
 
 // Null if it cannot be decoded to its end, or there is not enough memory.
 std::shared_ptr<const PCMBuffer> decode(AudioFile& file) {
-    try {
-        auto buffer = std::make_shared<PCMBuffer>();
-        buffer->format = file.processingFormat();
-        buffer->frameCapacity = static_cast<std::uint32_t>(file.length());
-        buffer->samples.resize(std::size_t{buffer->frameCapacity} * buffer->format.channels);
-        return file.read(*buffer) ? nullptr : buffer;
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
+    auto buffer = makePCMBuffer(file.processingFormat(), static_cast<std::uint32_t>(file.length()));
+    return buffer && !file.read(*buffer) ? buffer : nullptr;
 }
 
 } // namespace

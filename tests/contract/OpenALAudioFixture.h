@@ -8,6 +8,7 @@
 #include <iterator>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -35,6 +36,19 @@ inline bool waitUntil(const std::function<bool()>& condition, double seconds = 2
 inline std::string readText(const std::filesystem::path& path) {
     std::ifstream stream(path);
     return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+/// How often all threads of this process together have gone to sleep by themselves so far.
+inline long voluntarySwitches() {
+    long sum = 0;
+    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
+        std::ifstream status(task.path() / "status");
+        constexpr std::string_view key = "voluntary_ctxt_switches:";
+        for (std::string line; std::getline(status, line);)
+            if (line.starts_with(key))
+                sum += std::stol(line.substr(key.size()));
+    }
+    return sum;
 }
 
 /// Sound through OpenAL Soft on a sound server of the test's own, with a buffer that a busy machine

@@ -1,6 +1,5 @@
 #include <chrono>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -15,19 +14,6 @@
 
 namespace quorvane {
 namespace {
-
-/// How often all threads of this process together have gone to sleep by themselves so far.
-long voluntarySwitches() {
-    long sum = 0;
-    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
-        std::ifstream status(task.path() / "status");
-        constexpr std::string_view key = "voluntary_ctxt_switches:";
-        for (std::string line; std::getline(status, line);)
-            if (line.starts_with(key))
-                sum += std::stol(line.substr(key.size()));
-    }
-    return sum;
-}
 
 class OpenALAudioHold : public OpenALAudio {
 protected:

@@ -2,7 +2,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <string>
 #include <thread>
@@ -25,19 +24,6 @@ constexpr AudioFormat stereo = OpenALAudio::stereo;
 constexpr AudioFormat mono{.sampleRate = 44100, .channels = 1};
 // Sound passes as 32-bit floats; this is a twentieth of a 16-bit step.
 constexpr double inaudible = 1.5e-6;
-
-/// How often all threads of this process together went to sleep by themselves so far.
-long voluntarySwitches() {
-    long sum = 0;
-    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
-        std::ifstream status(task.path() / "status");
-        constexpr std::string_view key = "voluntary_ctxt_switches:";
-        for (std::string line; std::getline(status, line);)
-            if (line.starts_with(key))
-                sum += std::stol(line.substr(key.size()));
-    }
-    return sum;
-}
 
 long switchesInASecond() {
     const long before = voluntarySwitches();

@@ -29,7 +29,7 @@ class Onboarding(EndToEndTest):
         screens.find(CONTINUE)
         waited = time.monotonic() - pressed
         self.assertGreater(waited, 1.45)
-        self.assertLess(waited, 6.0)
+        self.assertLess(waited, 3.0)
         for feature, text in ROWS.items():
             screens.find(feature)
             if text is not None:

@@ -17,6 +17,7 @@ SCRIPT = ("still:1", "open:50:0.7", "still:1.5", "close:50:0.7", "still:1.5", "o
 AFTER_VANISHING = 5.0
 AFTER_SWITCHING_OFF = 1.5
 
+
 class Lid:
     """The lid device, in a process of its own."""
 
@@ -36,7 +37,6 @@ class Lid:
     def wait_until_gone(self, timeout):
         """Waits for the end of the script."""
         self._process.wait(timeout)
-
 
 
 def _plug(lab, scenario, stack, *arguments):
