@@ -139,10 +139,10 @@ std::optional<Rect> DrawingList::Arc::growth(const Arc& before) const {
 void DrawingList::Arc::paint(PaintedCanvas& canvas, const Rect& part) const {
     std::optional<int> first;
     int last = 0;
-    Rect next = around(0);
+    Rect ahead = around(0);
     for (int step = 0; step <= steps; ++step) {
-        const Rect here = std::exchange(next, around(static_cast<double>(step + 1) / steps));
-        if (!touches(united(here, next), part))
+        const Rect behind = std::exchange(ahead, around(static_cast<double>(step + 1) / steps));
+        if (!touches(united(behind, ahead), part))
             continue;
         first = first.value_or(step);
         last = step + 1;
