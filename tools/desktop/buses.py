@@ -8,7 +8,6 @@ import dbus
 import dbus.bus
 
 from . import processes
-from .waiting import wait_until
 
 _CONFIG = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
@@ -34,14 +33,13 @@ class Bus:
         config = f"{socket}.conf"
         with open(config, "w", encoding="utf-8") as file:
             file.write(_CONFIG.format(socket=socket))
-        daemon = processes.start(
+        daemon = processes.Server(
             ["dbus-daemon", f"--config-file={config}", "--nofork", "--nopidfile",
              "--nosyslog", "--print-address=1"],
-            env, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
-        stack.callback(processes.end, daemon)
-        self.address = daemon.stdout.readline().decode().strip()
+            env, stack, stdout=subprocess.PIPE)
+        self.address = daemon.process.stdout.readline().decode().strip()
         if not self.address:
-            raise RuntimeError(f"the {name} bus did not start")
+            raise daemon.failure(f"the {name} bus has no address")
 
 
 class AccessibilityBus:
@@ -51,12 +49,10 @@ class AccessibilityBus:
 
     def __init__(self, env, session_address, stack):
         self._session_address = session_address
-        launcher = processes.start(
+        launcher = processes.Server(
             [self.LAUNCHER, "--launch-immediately"],
-            dict(env, DBUS_SESSION_BUS_ADDRESS=session_address, GSETTINGS_BACKEND="memory"),
-            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        stack.callback(processes.end, launcher)
-        self.address = wait_until(self._ask_for_address, "the accessibility bus")
+            dict(env, DBUS_SESSION_BUS_ADDRESS=session_address, GSETTINGS_BACKEND="memory"), stack)
+        self.address = launcher.wait_until(self._ask_for_address, "the accessibility bus")
 
     def _ask_for_address(self):
         connection = dbus.bus.BusConnection(self._session_address)

@@ -4,7 +4,6 @@ import os
 import subprocess
 
 from . import processes
-from .waiting import wait_until
 
 
 class Display:
@@ -13,28 +12,24 @@ class Display:
     def __init__(self, env, stack, width=1280, height=1024):
         self.name = self._start_server(env, stack, width, height)
         self._env = dict(env, DISPLAY=self.name)
-        manager = processes.start(
-            ["openbox", "--sm-disable"], self._env,
-            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        stack.callback(processes.end, manager)
-        wait_until(lambda: self._xdotool_works("get_num_desktops"), "the window manager")
+        manager = processes.Server(["openbox", "--sm-disable"], self._env, stack)
+        manager.wait_until(lambda: self._xdotool_works("get_num_desktops"), "the window manager")
 
     def _start_server(self, env, stack, width, height):
         # The server itself picks a number that is free, which no look before the leap can promise.
         read_end, write_end = os.pipe()
         try:
-            server = processes.start(
+            server = processes.Server(
                 ["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{width}x{height}x24",
                  "-nolisten", "tcp", "-noreset"],
-                env, pass_fds=(write_end,), stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+                env, stack, pass_fds=(write_end,))
         finally:
             os.close(write_end)
-        stack.callback(processes.end, server)
-        self.server_pid = server.pid
+        self.server_pid = server.process.pid
         with os.fdopen(read_end) as answer:
             number = answer.readline().strip()
         if not number:
-            raise RuntimeError("Xvfb did not start")
+            raise server.failure("it offers no display")
         return f":{number}"
 
     def _xdotool_works(self, *arguments):

@@ -7,7 +7,7 @@ import subprocess
 import threading
 import time
 
-from .waiting import TimedOut
+from .waiting import TimedOut, wait_until
 
 _libc = ctypes.CDLL(None, use_errno=True)
 _PR_SET_PDEATHSIG = 1
@@ -22,6 +22,49 @@ def start(command, env, **popen_options):
     """Starts `command` (a list) with exactly the environment `env`."""
     popen_options.setdefault("stdin", subprocess.DEVNULL)
     return subprocess.Popen(command, env=env, preexec_fn=_end_with_parent, **popen_options)
+
+
+class NotStarted(RuntimeError):
+    """A server that could not be started.
+
+    `step` names it, `output` is what it wrote.
+    """
+
+    def __init__(self, step, reason, output=""):
+        super().__init__(f"{step} did not start: {reason}")
+        self.step = step
+        self.output = output
+
+
+class Server:
+    """A server of the desktop, ended with `stack`. What it writes goes to a file in its home."""
+
+    def __init__(self, command, env, stack, **popen_options):
+        self._name = os.path.basename(command[0])
+        self._log = os.path.join(env["HOME"], f"{self._name}.log")
+        with open(self._log, "ab") as log:
+            popen_options.setdefault("stdout", log)
+            try:
+                self.process = start(command, env, stderr=log, **popen_options)
+            except FileNotFoundError:
+                raise NotStarted(self._name, "it is not installed") from None
+        stack.callback(end, self.process)
+
+    def wait_until(self, condition, what):
+        """Waits until it can be used; returns what `condition` returned."""
+        def looked_at():
+            if self.process.poll() is not None:
+                raise self.failure(f"it ended with status {self.process.returncode}")
+            return condition()
+        try:
+            return wait_until(looked_at, what)
+        except TimedOut as error:
+            raise self.failure(str(error)) from None
+
+    def failure(self, reason):
+        """The error to raise when it does not do what it is there for."""
+        with open(self._log, encoding="utf-8", errors="replace") as log:
+            return NotStarted(self._name, reason, log.read())
 
 
 def end(process, patience=3.0):
@@ -39,9 +82,9 @@ def end(process, patience=3.0):
 
 
 def base_environment(home):
-    """What every process of a desktop gets: nothing of the caller's session, a home of its own."""
+    """What every process of a desktop gets: of the caller's only the PATH, and a home of its own."""
     environment = {
-        "PATH": "/usr/local/bin:/usr/bin:/bin",
+        "PATH": os.environ.get("PATH", os.defpath),
         "HOME": home,
         "LANG": "C.UTF-8",
         "XDG_RUNTIME_DIR": os.path.join(home, "runtime"),

@@ -5,7 +5,6 @@ import subprocess
 
 from . import processes
 from .recording import Recording
-from .waiting import wait_until
 
 
 class SoundServer:
@@ -29,14 +28,13 @@ class SoundServer:
     def start(self, stack):
         """Starts the server and returns once it can be used."""
         os.makedirs(self._directory, mode=0o700, exist_ok=True)
-        server = processes.start(
+        server = processes.Server(
             ["pulseaudio", "-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1",
              "--disallow-exit", "--realtime=no", "--high-priority=no", "--log-level=error",
              "-L", f"module-null-sink sink_name={self.SINK} rate={self.RATE} channels=2",
              "-L", f"module-native-protocol-unix auth-anonymous=1 socket={self._socket}"],
-            self._env, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        stack.callback(processes.end, server)
-        wait_until(self._answers, "the sound server")
+            self._env, stack)
+        server.wait_until(self._answers, "the sound server")
 
     def _answers(self):
         return subprocess.run(
