@@ -16,7 +16,7 @@ mount --rbind /dev "$ROOT/dev"
 mount -t tmpfs -o mode=1777 tmpfs "$ROOT/dev/shm"
 mount -t tmpfs -o mode=1777 tmpfs "$ROOT/tmp"
 mount -t tmpfs tmpfs "$ROOT/run"
-exec chroot --userspec="$PERSON" "$ROOT" env -i HOME="$PLACE" PATH="$SEARCH" sh -c 'cd "$HOME" && exec "$@"' sh "$@"
+exec chroot --userspec="$PERSON" "$ROOT" env -i HOME="$PLACE" PATH="$SEARCH" /bin/sh -c 'cd "$HOME" && exec "$@"' sh "$@"
 """
 
 
