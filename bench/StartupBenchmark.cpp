@@ -20,6 +20,8 @@
 #include <thread>
 #include <vector>
 
+#include "bench/Row.h"
+
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -167,11 +169,6 @@ double median(const std::vector<Sample>& samples, double Sample::*field) {
     return values.size() % 2 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
 }
 
-void report(const char* what, const char* unit, double program, double bare) {
-    std::printf("%-26s %8.1f %s   bare window %8.1f %s   ratio %.2f\n", what, program, unit, bare,
-                unit, program / bare);
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
@@ -191,8 +188,8 @@ int main(int argc, char** argv) {
         bare.push_back(measure(display, argv[2]));
     }
     std::printf("Medians of %d starts each, in turn:\n", repetitions);
-    report("process start to frame", "ms", median(program, &Sample::milliseconds),
-           median(bare, &Sample::milliseconds));
-    report("memory at rest (PSS)", "MB", median(program, &Sample::megabytes),
-           median(bare, &Sample::megabytes));
+    quorvane::printRow("process start to frame", median(program, &Sample::milliseconds),
+                       "bare window", median(bare, &Sample::milliseconds), "ms");
+    quorvane::printRow("memory at rest (PSS)", median(program, &Sample::megabytes), "bare window",
+                       median(bare, &Sample::megabytes), "MB");
 }

@@ -16,6 +16,8 @@ import statistics
 import sys
 import time
 
+import rows
+
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "tools"))
 
 from desktop.session import Session  # noqa: E402 (found through the line above)
@@ -121,7 +123,7 @@ def measure(bench, turns, renderer, rate):
         medians.append(own)
         each = "  ".join(f"{figure[0]:.1f}" for figure in figures)
         print(f"{name}: {own:.1f} % of a processor ({each}), display server {shown:.1f} %")
-    print(f"ratio of the medians: {medians[0] / medians[1]:.2f}")
+    return medians
 
 
 def main():
@@ -131,7 +133,9 @@ def main():
         bench = Bench(build, session)
         for name, renderer in RENDERERS.items():
             print(f"== {name}", flush=True)
-            measure(bench, turns, renderer, count_frames(bench, renderer))
+            ours, bare = measure(bench, turns, renderer, count_frames(bench, renderer))
+            rows.print_row(f"control panel, {name}: processor", ours, "bare window", bare,
+                           "% of a core")
 
 
 if __name__ == "__main__":

@@ -17,6 +17,7 @@ import sys
 import time
 import wave
 
+import rows
 from stop_screen_benchmark import processor_time
 
 from desktop import processes
@@ -88,7 +89,8 @@ def main():
     print_figures("control panel, fan on", on)
     print_figures("the fan itself", fan)
     print_figures("paplay", other)
-    print(f"the fan above paplay: {statistics.median(fan) - statistics.median(other):.2f} % of a core")
+    rows.print_row("fan: processor", statistics.median(fan), "paplay", statistics.median(other),
+                   "% of a core")
 
 
 if __name__ == "__main__":

@@ -21,6 +21,8 @@ import time
 
 import numpy
 
+import rows
+
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "tools"))
 
 from desktop import processes  # noqa: E402 (found through the line above)
@@ -263,9 +265,9 @@ def report(bench, typed, rested, spent):
         print(f"first key after the rest (ms): {first}")
         costs = ", ".join(f"{own:.2f} (sound server {server:.2f})" for own, server in spent[name])
         print(f"at rest (ms of processor time a second): {costs}")
-    print("== ratios, ours to the other: "
-          f"median {medians['ours'] / medians['other']:.2f}, "
-          f"at rest {idle['ours'] / idle['other']:.2f}")
+    rows.print_row("key to sound: median", medians["ours"], "bucklespring", medians["other"], "ms")
+    rows.print_row("keys armed, at rest: processor", idle["ours"], "bucklespring", idle["other"],
+                   "ms/s")
 
 
 if __name__ == "__main__":

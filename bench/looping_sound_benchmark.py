@@ -14,6 +14,7 @@ import sys
 import tempfile
 import time
 
+import rows
 from stop_screen_benchmark import memory, print_figures, processor_time
 
 from desktop import processes
@@ -60,9 +61,9 @@ def main():
             for name, command in commands.items():
                 turns[name].append(measure(command, environment))
     medians = {name: print_figures(name, figures) for name, figures in turns.items()}
-    print("== file player less paplay")
     for key, value in medians["file player, looping"].items():
-        print(f"{key}: {value - medians['paplay'][key]:+.1f}")
+        name, unit = key.rstrip(")").split(" (")
+        rows.print_row(f"looping file player: {name}", value, "paplay", medians["paplay"][key], unit)
 
 
 if __name__ == "__main__":

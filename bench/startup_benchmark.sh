@@ -25,10 +25,10 @@ mkdir "$scratch/config"
 export XDG_CONFIG_HOME=$scratch/config
 
 for screen in "first launch" "later launches"; do
-    echo "== $screen"
     "$build/startup_benchmark" "$build/quorvane" "$build/bare_window" "$repetitions" 2>"$scratch/errors" \
         >"$scratch/figures" || { cat "$scratch/errors" >&2; exit 1; }
-    grep -v '^.*\[' "$scratch/figures" | grep -E '^(Medians|process|memory)'
+    # The programs' own console lines are among them.
+    sed -n "s/^row\t/row\t$screen: /p" "$scratch/figures"
     mkdir -p "$scratch/config/quorvane"
     printf '[General]\nhardwareChecked=true\n' >"$scratch/config/quorvane/quorvane.ini"
 done

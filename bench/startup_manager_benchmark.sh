@@ -1,5 +1,5 @@
 #!/bin/bash
-# What the startup manager's construction adds to start-up: a process of its own each time.
+# How long the startup manager's construction takes, in a process of its own each time.
 # usage: startup_manager_benchmark.sh BUILD_FOLDER [REPETITIONS]
 set -euo pipefail
 
@@ -12,7 +12,7 @@ done | sort -n | awk '
     { total[NR] = $1; clip[NR] = $2 }
     END {
         middle = int((NR + 1) / 2)
-        printf "construction: median %.1f ms (%.1f to %.1f), of it the clip %.1f ms\n",
-            total[middle], total[1], total[NR], clip[middle]
+        printf "construction: %.1f to %.1f ms\n", total[1], total[NR]
+        printf "row\tstartup manager: construction\t%.3f\tof it, the clip\t%.3f\tms\n",
+            total[middle], clip[middle]
     }'
-"$(dirname "$0")/startup_benchmark.sh" "$build" "$repetitions" | grep -A2 'later'

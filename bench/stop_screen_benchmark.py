@@ -17,6 +17,8 @@ import time
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "tools"))
 
+import rows
+
 from desktop import processes  # noqa: E402 (found through the line above)
 from desktop.eye import Eye  # noqa: E402
 from desktop.session import Session  # noqa: E402
@@ -154,9 +156,10 @@ def main():
             others.append(measure_other(session, environment, server))
     own = print_figures("one stop screen", ours)
     other = print_figures(f"xscreensaver's bsod ({OTHER_SCREEN}), {SHOWN_FOR:g} s", others)
-    print("== ratio of the medians, ours to the other")
-    for key in ("processor time (ms)", "display server (ms)", "memory (MiB)"):
-        print(f"{key.split(' (')[0]}: {own[key] / other[key]:.2f}")
+    for key, unit in (("processor time (ms)", "ms"), ("display server (ms)", "ms"),
+                      ("memory (MiB)", "MiB")):
+        rows.print_row(f"stop screen: {key.split(' (')[0]}", own[key],
+                       f"xscreensaver's bsod ({OTHER_SCREEN})", other[key], unit)
 
 
 if __name__ == "__main__":
