@@ -1,0 +1,54 @@
+#!/usr/bin/python3
+"""What the build looks for and compiles: the program without its tests, and the same with them."""
+
+import json
+import os
+import pathlib
+import re
+import subprocess
+import tempfile
+import unittest
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+
+
+class Configuration(unittest.TestCase):
+    def configure(self, *options, **environment):
+        folder = self.enterContext(tempfile.TemporaryDirectory())
+        done = subprocess.run(["cmake", "--preset", "default", "-B", folder, *options], cwd=ROOT,
+                              env=os.environ | environment, capture_output=True, text=True)
+        return pathlib.Path(folder), done
+
+    def commands(self, *options):
+        """How each object file is compiled."""
+        folder, done = self.configure(*options)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        entries = json.loads((folder / "compile_commands.json").read_text())
+        commands = [entry["command"].replace(str(folder), "BUILD") for entry in entries]
+        return {re.search(r" -o (\S+)", command)[1]: command for command in commands}
+
+    def test_the_tests_change_nothing_of_how_the_program_is_compiled(self):
+        alone = self.commands()
+        beside_tests = self.commands("-DQUORVANE_TESTS=ON", "-DQUORVANE_BENCHMARKS=ON")
+        self.assertGreater(len(alone), 100)
+        self.assertGreater(len(beside_tests), len(alone))
+        self.assertEqual([file for file, command in alone.items()
+                          if beside_tests.get(file) != command], [])
+
+    def test_the_program_alone_has_no_tests_and_no_benchmarks(self):
+        names = [name for name in self.commands() if name.startswith(("tests/", "bench/"))]
+        self.assertEqual(names, [])
+
+    def test_everything_that_is_missing_is_named_at_once(self):
+        _, done = self.configure("-DCMAKE_DISABLE_FIND_PACKAGE_Qt6=ON",
+                                 "-DCMAKE_DISABLE_FIND_PACKAGE_nlohmann_json=ON",
+                                 PKG_CONFIG_LIBDIR="/nonexistent")
+        self.assertNotEqual(done.returncode, 0)
+        words = done.stderr.split()
+        for name in ("Qt6Quick", "Qt6DBus", "nlohmann_json", "sndfile", "libudev", "xcb-randr"):
+            self.assertIn(name, words)
+        self.assertNotIn("GTest", words)
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
