@@ -154,6 +154,50 @@ TEST_F(LidAngleSensorDiscoveryTest, without_a_sensor_both_flags_are_set_and_one_
     EXPECT_THAT(machine.console.lines, ElementsAre(fallbackLine));
 }
 
+TEST_F(LidAngleSensorDiscoveryTest, a_manager_with_an_empty_list_is_closed_and_released) {
+    sensor->probeSensor();
+    const auto& calls = machine.hid.calls();
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), "close"), 6);
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), "release"), 6);
+}
+
+TEST_F(LidAngleSensorDiscoveryTest, the_line_comes_before_the_flags_and_found_before_fallback) {
+    std::vector<std::string> order;
+    const auto found = sensor->sensorFound().observe([&] {
+        order.push_back(machine.console.lines.empty() ? "silent" : machine.console.lines.back());
+        order.emplace_back("found");
+    });
+    const auto fallback = sensor->usingSleepWake().observe([&] { order.emplace_back("fallback"); });
+    sensor->probeSensor();
+    EXPECT_THAT(order, ElementsAre(fallbackLine, "found", "fallback"));
+}
+
+TEST_F(LidAngleSensorDiscoveryTest, the_scan_takes_the_first_device_that_qualifies) {
+    machine.hid.addDevice(0x0001)->setAngle(0);
+    machine.hid.addDevice(0x0002)->setAngle(60);
+    machine.hid.addDevice(0x0003)->setAngle(61);
+    sensor->probeSensor();
+    EXPECT_THAT(machine.console.lines,
+                ElementsAre("✅ [SENSOR] Found lid sensor via scan! ProductID=0x2, angle=60°"));
+}
+
+TEST_F(LidAngleSensorDiscoveryTest, a_repeated_probe_that_finds_one_again_replaces_what_it_held) {
+    probeLidAt(100);
+    machine.hid.forgetCalls();
+    lid->unplug();
+    const auto second = machine.hid.addDevice(0x8104);
+    second->setAngle(80);
+    sensor->probeSensor();
+    EXPECT_THAT(machine.hid.calls(),
+                ElementsAre("create", "match 1452:33028", "schedule", "open", "copy", "release"))
+        << "the earlier manager is let go of, and neither is closed";
+    EXPECT_THAT(machine.console.lines,
+                ElementsAre("✅ [SENSOR] Found lid sensor! ProductID=0x8104, angle=100°",
+                            "✅ [SENSOR] Found lid sensor! ProductID=0x8104, angle=80°"));
+    sensor->start();
+    EXPECT_EQ(sensor->angle(), 80);
+}
+
 TEST_F(LidAngleSensorDiscoveryTest, a_repeated_probe_notifies_nobody_when_nothing_changed) {
     probeLidAt(100);
     int notices = 0;

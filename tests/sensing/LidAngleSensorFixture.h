@@ -20,6 +20,14 @@ protected:
         ASSERT_FALSE(sensor->usingSleepWake());
     }
 
+    /// From now on the lid moves evenly, from 100 degrees.
+    void moveLid(double degreesPerSecond) {
+        const double start = machine.runLoop.currentMediaTime();
+        lid->setAngle([start, degreesPerSecond](double time) {
+            return 100 + degreesPerSecond * (time - start);
+        });
+    }
+
     /// Lets time pass to the next poll and no further.
     void advanceOnePoll() {
         machine.runLoop.advance(*machine.runLoop.nextDeadline() -

@@ -6,7 +6,9 @@ namespace quorvane {
 
 /// Services to take the places of a platform's own; null keeps that.
 struct ExchangedServices {
+    RunLoop* runLoop = nullptr;
     HIDService* hid = nullptr;
+    NotificationCenter* workspace = nullptr;
     EventTapService* eventTaps = nullptr;
     SystemInfo* system = nullptr;
     Console* console = nullptr;
@@ -15,9 +17,9 @@ struct ExchangedServices {
 /// The platform with some services exchanged; all of them must outlive what it is given to.
 inline Platform exchange(const Platform& platform, const ExchangedServices& services) {
     return {
-        .runLoop = platform.runLoop,
+        .runLoop = services.runLoop != nullptr ? *services.runLoop : platform.runLoop,
         .hid = services.hid != nullptr ? *services.hid : platform.hid,
-        .workspace = platform.workspace,
+        .workspace = services.workspace != nullptr ? *services.workspace : platform.workspace,
         .defaultCenter = platform.defaultCenter,
         .audio = platform.audio,
         .eventTaps = services.eventTaps != nullptr ? *services.eventTaps : platform.eventTaps,

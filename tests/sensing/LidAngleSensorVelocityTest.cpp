@@ -1,0 +1,154 @@
+#include "tests/sensing/LidAngleSensorFixture.h"
+
+#include <cmath>
+#include <string>
+
+namespace quorvane {
+namespace {
+
+using LidAngleSensorVelocityTest = LidAngleSensorFixture;
+
+TEST_F(LidAngleSensorVelocityTest, ten_degrees_in_a_fifth_of_a_second_are_fifty_a_second) {
+    probeLidAt(100);
+    moveLid(50);
+    sensor->start();
+    machine.runLoop.advance(0.2);
+    EXPECT_EQ(sensor->angle(), 110);
+    EXPECT_NEAR(sensor->velocity(), 50, 1e-6);
+}
+
+TEST_F(LidAngleSensorVelocityTest, a_sample_exactly_as_old_as_the_window_stays) {
+    probeLidAt(100);
+    sensor->start();
+    lid->setAngle(106);
+    machine.runLoop.advance(0.2);
+    EXPECT_NEAR(sensor->velocity(), 30, 1e-6);
+    advanceOnePoll();
+    EXPECT_EQ(sensor->velocity(), 0);
+}
+
+TEST_F(LidAngleSensorVelocityTest, a_falling_angle_has_a_negative_velocity) {
+    probeLidAt(100);
+    moveLid(-50);
+    sensor->start();
+    machine.runLoop.advance(0.2);
+    EXPECT_NEAR(sensor->velocity(), -50, 1e-6);
+}
+
+TEST_F(LidAngleSensorVelocityTest, the_velocity_is_the_slope_from_the_oldest_sample_of_the_window) {
+    probeLidAt(100);
+    sensor->start();
+    lid->setAngle(103);
+    advanceOnePoll();
+    EXPECT_NEAR(sensor->velocity(), 90, 1e-4);
+    advanceOnePoll();
+    EXPECT_NEAR(sensor->velocity(), 45, 1e-4);
+}
+
+TEST_F(LidAngleSensorVelocityTest, the_velocity_is_zero_a_window_after_the_lid_stopped) {
+    probeLidAt(100);
+    sensor->start();
+    machine.runLoop.advance(1);
+    lid->setAngle(103);
+    advanceOnePoll();
+    for (int sample = 1; sample <= 5; ++sample) {
+        EXPECT_GT(sensor->velocity(), 0) << "the resting sample is in the window";
+        advanceOnePoll();
+    }
+    advanceOnePoll();
+    EXPECT_EQ(sensor->velocity(), 0);
+}
+
+TEST_F(LidAngleSensorVelocityTest,
+       after_a_gap_longer_than_the_window_the_velocity_waits_for_new_samples) {
+    probeLidAt(100);
+    moveLid(30);
+    sensor->start();
+    machine.runLoop.advance(1);
+    const double before = sensor->velocity();
+    EXPECT_NEAR(before, 30, 6);
+    machine.runLoop.block(0.5);
+    lid->setAngle(20);
+    machine.runLoop.advance(0);
+    EXPECT_EQ(sensor->angle(), 20);
+    EXPECT_EQ(sensor->velocity(), before) << "the history holds the newest sample alone";
+    machine.runLoop.advance(0.05);
+    EXPECT_EQ(sensor->velocity(), 0);
+}
+
+// Two samples and nothing else in the history: the later one is six degrees on.
+struct TwoSamples {
+    double secondsApart;
+    double velocity;
+};
+
+class TwoSamplesTest : public LidAngleSensorFixture,
+                       public testing::WithParamInterface<TwoSamples> {};
+
+TEST_P(TwoSamplesTest, give_a_velocity_only_within_the_bounds_of_their_distance) {
+    probeLidAt(100);
+    // A start reads at once, and stopping keeps the history, so that the distance is free.
+    sensor->start();
+    sensor->stop();
+    machine.runLoop.advance(GetParam().secondsApart);
+    lid->setAngle(106);
+    sensor->start();
+    EXPECT_NEAR(sensor->velocity(), GetParam().velocity, 1e-6);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Distances, TwoSamplesTest,
+    testing::Values(TwoSamples{0.029, 0}, TwoSamples{0.030, 0}, TwoSamples{0.031, 193.5483871},
+                    TwoSamples{0.199, 30.1507538}, TwoSamples{0.200, 30}, TwoSamples{0.201, 0}),
+    [](const auto& samples) {
+        return std::to_string(std::lround(samples.param.secondsApart * 1000)) + "_ms";
+    });
+
+class LatePollTest : public LidAngleSensorFixture {
+protected:
+    /// After a second of even motion the main thread is busy, until a late poll at 20 degrees; the
+    /// next one, `gap` seconds later and on the grid again, reads 26.
+    void pollLateAndThenAfter(double gap) {
+        probeLidAt(100);
+        moveLid(30);
+        sensor->start();
+        machine.runLoop.advance(1);
+        before = sensor->velocity();
+        ASSERT_NEAR(before, 30, 6);
+        machine.runLoop.block(0.5 - gap);
+        lid->setAngle(20);
+        machine.runLoop.advance(0);
+        ASSERT_EQ(sensor->angle(), 20);
+        EXPECT_EQ(sensor->velocity(), before) << "the history holds the late sample alone";
+        lid->setAngle(26);
+        machine.runLoop.advance(gap);
+        ASSERT_EQ(sensor->angle(), 26);
+    }
+
+    double before = 0;
+};
+
+TEST_F(LatePollTest, samples_29_ms_apart_leave_the_velocity_as_it_was) {
+    pollLateAndThenAfter(0.029);
+    EXPECT_EQ(sensor->velocity(), before);
+    advanceOnePoll();
+    EXPECT_NEAR(sensor->velocity(), 6 / (0.029 + 1.0 / 30), 1e-4);
+}
+
+TEST_F(LatePollTest, samples_31_ms_apart_give_a_velocity) {
+    pollLateAndThenAfter(0.031);
+    EXPECT_NEAR(sensor->velocity(), 193.5483871, 1e-5);
+}
+
+TEST_F(LidAngleSensorVelocityTest, stopping_keeps_the_history_for_a_start_within_the_window) {
+    probeLidAt(100);
+    sensor->start();
+    sensor->stop();
+    machine.runLoop.advance(0.1);
+    lid->setAngle(110);
+    sensor->start();
+    EXPECT_NEAR(sensor->velocity(), 100, 1e-6);
+}
+
+} // namespace
+} // namespace quorvane
