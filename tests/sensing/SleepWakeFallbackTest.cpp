@@ -1,15 +1,14 @@
 #include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <vector>
+#include <thread>
+#include <utility>
 
 #include "platform/simulated/SimulatedMachine.h"
 #include "sensing/LidAngleSensor.h"
 
 namespace quorvane {
 namespace {
-
-constexpr double tick = 0.05;
 
 class SleepWakeFallbackTest : public testing::Test {
 protected:
@@ -18,12 +17,12 @@ protected:
         sensor->start();
     }
 
-    void wake() { machine.workspace.post(WorkspaceNotification::screensDidWake); }
+    void wake() { machine.workspace.post("NSWorkspaceScreensDidWakeNotification"); }
 
-    void sleep() { machine.workspace.post(WorkspaceNotification::screensDidSleep); }
+    void sleep() { machine.workspace.post("NSWorkspaceScreensDidSleepNotification"); }
 
     /// Lets `count` ticks of a burst that has just begun pass.
-    void ticks(int count) { machine.runLoop.advance(count * tick); }
+    void ticks(int count) { machine.runLoop.advance(count * 0.05); }
 
     SimulatedMachine machine;
     std::shared_ptr<LidAngleSensor> sensor = LidAngleSensor::create(machine.platform());
@@ -136,6 +135,67 @@ TEST_F(SleepWakeFallbackTest, a_burst_whose_sensor_has_gone_ends_its_timer) {
     sensor.reset();
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
     EXPECT_EQ(machine.workspace.observerCount(), 0U);
+}
+
+TEST_F(SleepWakeFallbackTest, a_tick_that_finds_the_sensor_gone_ends_its_timer) {
+    wake();
+    // The last reference goes on another thread, so the sensor itself waits on the main queue.
+    machine.runLoop.holdMainQueue(true);
+    std::thread([last = std::move(sensor)]() mutable { last.reset(); }).join();
+    ASSERT_EQ(machine.runLoop.pendingCount(), 1U);
+    ticks(1);
+    EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
+    machine.runLoop.holdMainQueue(false);
+    machine.runLoop.runMainQueue();
+    EXPECT_EQ(machine.workspace.observerCount(), 0U);
+}
+
+TEST_F(SleepWakeFallbackTest, a_notification_that_finds_the_sensor_gone_does_nothing) {
+    machine.runLoop.holdMainQueue(true);
+    std::thread([last = std::move(sensor)]() mutable { last.reset(); }).join();
+    wake();
+    EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
+    machine.runLoop.holdMainQueue(false);
+    machine.runLoop.runMainQueue();
+}
+
+TEST_F(SleepWakeFallbackTest, it_works_again_after_stopping_and_starting) {
+    wake();
+    ticks(3);
+    sensor->stop();
+    const auto lines = machine.console.lines.size();
+    sensor->start();
+    EXPECT_TRUE(sensor->isRunning());
+    EXPECT_EQ(machine.workspace.observerCount(), 2U);
+    EXPECT_EQ(machine.console.lines.size(), lines + 1);
+    EXPECT_EQ(machine.console.lines.back(), "📡 [SENSOR] Sleep/wake monitoring started");
+    EXPECT_EQ(sensor->velocity(), 0) << "the burst of before does not go on";
+    sleep();
+    EXPECT_EQ(sensor->velocity(), -80);
+    ticks(1);
+    EXPECT_NEAR(sensor->velocity(), -74.4, 1e-9);
+    EXPECT_EQ(machine.runLoop.pendingCount(), 1U);
+}
+
+TEST_F(SleepWakeFallbackTest, stopping_prints_nothing) {
+    const auto lines = machine.console.lines;
+    wake();
+    sensor->stop();
+    EXPECT_EQ(machine.console.lines, lines);
+}
+
+TEST_F(SleepWakeFallbackTest, neither_the_machines_own_wake_up_nor_the_default_centre_counts) {
+    machine.workspace.post("NSWorkspaceDidWakeNotification");
+    machine.defaultCenter.post("NSWorkspaceScreensDidWakeNotification");
+    EXPECT_EQ(sensor->velocity(), 0);
+}
+
+TEST_F(SleepWakeFallbackTest, the_burst_ends_at_61_ticks_of_a_twentieth_of_a_second) {
+    wake();
+    machine.runLoop.advance(3.049);
+    EXPECT_GT(sensor->velocity(), 1);
+    machine.runLoop.advance(0.001);
+    EXPECT_EQ(sensor->velocity(), 0);
 }
 
 TEST_F(SleepWakeFallbackTest, a_second_start_adds_no_observers) {
