@@ -1,6 +1,7 @@
 #include "tests/effects/creak/AudioManagerFixture.h"
 
 #include <gmock/gmock.h>
+#include <string>
 
 namespace quorvane {
 namespace {
@@ -128,6 +129,63 @@ TEST_F(AudioManagerTest, a_pending_completion_does_nothing_once_the_manager_is_g
     EXPECT_THAT(machine.console.lines, IsEmpty());
 }
 
+TEST_F(AudioManagerTest, the_flag_rises_after_the_node_plays_and_falls_after_it_is_silent) {
+    load();
+    std::vector<std::string> order;
+    const auto playing = manager->isPlaying().observe([&] {
+        order.push_back(node().calls().back());
+        order.emplace_back(manager->isPlaying() ? "on" : "off");
+    });
+    manager->update(50);
+    manager->update(0);
+    manager->update(50);
+    manager->stop();
+    EXPECT_THAT(order, ElementsAre("play", "on", "pause", "off", "play", "on", "stop", "off"));
+}
+
+TEST_F(AudioManagerTest, the_completion_drops_the_flag_prints_its_line_and_calls_the_hook_last) {
+    load();
+    std::vector<std::size_t> lines;
+    const auto playing =
+        manager->isPlaying().observe([&] { lines.push_back(machine.console.lines.size()); });
+    manager->onCompleted = [&] { lines.push_back(machine.console.lines.size()); };
+    manager->update(50);
+    machine.runLoop.advance(clipLength + 0.01);
+    EXPECT_THAT(lines, ElementsAre(0U, 0U, 1U)) << "played, silent, hook";
+}
+
+TEST_F(AudioManagerTest, stop_with_the_completion_still_on_its_way_leaves_it_idle) {
+    load();
+    manager->update(50);
+    machine.runLoop.holdMainQueue(true);
+    machine.runLoop.advance(clipLength + 0.01);
+    manager->stop();
+    EXPECT_FALSE(manager->isPlaying());
+    machine.runLoop.holdMainQueue(false);
+    machine.runLoop.runMainQueue();
+    EXPECT_FALSE(manager->isPlaying());
+    EXPECT_THAT(machine.console.lines, ElementsAre(completionLine));
+    manager->update(50);
+    EXPECT_EQ(node().scheduledCount(), 1U);
+    EXPECT_EQ(sounds().back().offset, 0);
+}
+
+TEST_F(AudioManagerTest, the_completion_of_a_creak_that_was_stopped_changes_nothing_more) {
+    load();
+    manager->update(50);
+    machine.runLoop.advance(1);
+    manager->stop();
+    machine.runLoop.runMainQueue();
+    EXPECT_FALSE(manager->isPlaying());
+    manager->update(50);
+    EXPECT_EQ(node().scheduledCount(), 1U);
+    machine.runLoop.advance(clipLength - 0.001);
+    EXPECT_TRUE(manager->isPlaying());
+    machine.runLoop.advance(0.002);
+    EXPECT_FALSE(manager->isPlaying());
+    EXPECT_EQ(node().scheduledCount(), 0U);
+}
+
 TEST_F(AudioManagerTest, stop_falls_silent_and_the_next_creak_starts_from_its_beginning) {
     load();
     manager->update(50);
@@ -152,6 +210,12 @@ TEST_F(AudioManagerTest, stop_while_paused_forgets_the_place) {
     EXPECT_EQ(sounds().back().offset, 0);
 }
 
+TEST_F(AudioManagerTest, stop_reaches_the_node_also_while_nothing_plays) {
+    load();
+    manager->stop();
+    EXPECT_THAT(node().calls(), ElementsAre("attach", "connect 1000/1", "stop"));
+}
+
 TEST_F(AudioManagerTest, stop_before_anything_was_played_is_harmless) {
     manager->stop();
     load();
@@ -168,10 +232,13 @@ TEST_F(AudioManagerTest, an_engine_that_does_not_start_is_tried_again_silently) 
     EXPECT_FALSE(manager->isPlaying());
     EXPECT_THAT(machine.console.lines, IsEmpty());
     EXPECT_EQ(machine.audio.engineStartCount(), 2U);
+    EXPECT_THAT(node().calls(), ElementsAre("attach", "connect 1000/1"))
+        << "nothing is scheduled or played on an engine that does not run";
     machine.audio.clearFault(AudioFault::EngineStart);
     manager->update(50);
     EXPECT_TRUE(manager->isPlaying());
     EXPECT_EQ(sounds().size(), 1U);
+    EXPECT_EQ(node().scheduledCount(), 1U);
 }
 
 TEST_F(AudioManagerTest, an_output_device_that_goes_and_comes_back_is_used_again) {

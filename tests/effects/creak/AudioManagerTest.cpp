@@ -1,6 +1,7 @@
 #include "tests/effects/creak/AudioManagerFixture.h"
 
 #include <gmock/gmock.h>
+#include <string>
 
 namespace quorvane {
 namespace {
@@ -24,6 +25,49 @@ TEST_F(AudioManagerTest, loading_decodes_connects_and_names_the_clip_with_its_le
     EXPECT_THAT(machine.console.lines, ElementsAre("✅ Φορτώθηκε: creaking.mp3 (2.4s)"));
     EXPECT_THAT(node().calls(), ElementsAre("attach", "connect 1000/1"));
     EXPECT_EQ(machine.audio.engineStartCount(), 0U);
+}
+
+TEST_F(AudioManagerTest, it_counts_as_loaded_once_it_is_connected_and_says_so_last) {
+    std::vector<std::string> atTheFlag;
+    const auto loaded = manager->isLoaded().observe([&] {
+        atTheFlag = node().calls();
+        EXPECT_THAT(machine.console.lines, IsEmpty());
+    });
+    manager->loadSound("creaking", "mp3");
+    EXPECT_THAT(atTheFlag, ElementsAre("attach", "connect 1000/1"));
+}
+
+TEST_F(AudioManagerTest, the_length_in_its_line_is_rounded_to_a_tenth) {
+    machine.audio.addFile("x/short.wav", {.sampleRate = 1000, .channels = 2},
+                          std::vector<float>(2 * 1260));
+    manager->loadSound("x/short.wav");
+    EXPECT_THAT(machine.console.lines, ElementsAre("✅ Φορτώθηκε: short.wav (1.3s)"));
+    EXPECT_THAT(node().calls(), ElementsAre("attach", "connect 1000/2"));
+}
+
+// Frames are counted in 32 bits; a file that claims another number is a mistake in the program.
+
+TEST_F(AudioManagerTest, the_largest_count_of_frames_is_no_mistake) {
+    machine.audio.addTruncatedFile(clipPath, format, std::vector<float>(1), 4294967295);
+    // Without the memory for it.
+    machine.audio.setFault(AudioFault::BufferCreation, "");
+    manager->loadSound("creaking", "mp3");
+    EXPECT_FALSE(manager->isLoaded());
+    EXPECT_THAT(machine.console.lines, IsEmpty());
+}
+
+using AudioManagerDeathTest = AudioManagerTest;
+
+TEST_F(AudioManagerDeathTest, a_negative_count_of_frames_ends_the_program) {
+    machine.audio.addTruncatedFile(clipPath, format, std::vector<float>(1), -1);
+    machine.audio.setFault(AudioFault::BufferCreation, "");
+    EXPECT_DEATH(manager->loadSound("creaking", "mp3"), "");
+}
+
+TEST_F(AudioManagerDeathTest, a_count_of_frames_beyond_32_bits_ends_the_program) {
+    machine.audio.addTruncatedFile(clipPath, format, std::vector<float>(1), 4294967296);
+    machine.audio.setFault(AudioFault::BufferCreation, "");
+    EXPECT_DEATH(manager->loadSound("creaking", "mp3"), "");
 }
 
 TEST_F(AudioManagerTest, a_missing_resource_is_named) {
@@ -55,12 +99,24 @@ TEST_F(AudioManagerTest, a_buffer_that_cannot_be_made_prints_nothing) {
     EXPECT_THAT(machine.console.lines, IsEmpty());
 }
 
-TEST_F(AudioManagerTest, a_failed_load_after_a_good_one_silences_it) {
+TEST_F(AudioManagerTest, every_kind_of_failed_load_after_a_good_one_silences_it) {
+    const auto expectSilence = [&] {
+        EXPECT_FALSE(manager->isLoaded());
+        manager->update(50);
+        EXPECT_FALSE(manager->isPlaying());
+        EXPECT_THAT(sounds(), IsEmpty());
+    };
     load();
     manager->loadSound("missing", "mp3");
-    manager->update(50);
-    EXPECT_FALSE(manager->isPlaying());
-    EXPECT_THAT(sounds(), IsEmpty());
+    expectSilence();
+    for (const auto fault :
+         {AudioFault::FileOpen, AudioFault::FileRead, AudioFault::BufferCreation}) {
+        load();
+        machine.audio.setFault(fault, "broken");
+        manager->loadSound("creaking", "mp3");
+        expectSilence();
+        machine.audio.clearFault(fault);
+    }
 }
 
 TEST_F(AudioManagerTest, before_and_after_a_failed_load_updates_do_and_print_nothing) {
