@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <string>
+#include <vector>
 
 #include "platform/simulated/SimulatedMachine.h"
 
@@ -100,6 +102,40 @@ TEST_F(FanManagerTest, the_performer_is_looked_up_once_a_start) {
     manager->start();
     machine.runLoop.advance(10);
     EXPECT_EQ(machine.haptics.lookups(), 2);
+}
+
+TEST_F(FanManagerTest, it_is_active_once_all_of_it_runs_and_inactive_once_all_of_it_has_ended) {
+    makeManager();
+    std::vector<std::string> calls;
+    std::vector<std::size_t> timers;
+    const auto active = manager->isActive().observe([&] {
+        calls.push_back(machine.audio.filePlayer(0).calls().back());
+        timers.push_back(machine.runLoop.pendingCount());
+    });
+    manager->start();
+    manager->stop();
+    EXPECT_THAT(calls, ElementsAre("play", "stop"));
+    EXPECT_THAT(timers, ElementsAre(1U, 0U));
+}
+
+TEST_F(FanManagerTest, it_rewinds_before_it_plays) {
+    makeManager();
+    manager->start();
+    EXPECT_THAT(machine.audio.filePlayer(0).calls(),
+                ElementsAre("loops -1", "volume 0.6", "prepare", "currentTime 0", "play"));
+}
+
+TEST_F(FanManagerTest, stopping_while_idle_reaches_the_player_all_the_same) {
+    makeManager();
+    manager->stop();
+    EXPECT_EQ(machine.audio.filePlayer(0).calls().back(), "stop");
+}
+
+TEST_F(FanManagerTest, stopping_without_a_sound_is_harmless) {
+    machine.bundle.removeResources();
+    makeManager();
+    manager->stop();
+    EXPECT_FALSE(manager->isActive());
 }
 
 TEST_F(FanManagerTest, a_second_start_creates_no_second_timer_and_does_not_rewind) {
