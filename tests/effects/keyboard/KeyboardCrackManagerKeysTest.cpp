@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include "tests/support/ExchangedPlatform.h"
+
 namespace quorvane {
 namespace {
 
@@ -96,7 +98,92 @@ TEST_F(KeyboardCrackManagerTest, every_crack_starts_the_clip_anew_and_cuts_the_o
         ElementsAre("prepare", "volume 0.5", "currentTime 0", "play", "currentTime 0", "play"));
 }
 
-// Stopping.
+TEST_F(KeyboardCrackManagerTest, cracks_are_spaced_by_the_clock_that_nobody_sets) {
+    makeListening();
+    press();
+    machine.runLoop.setDate(2e9);
+    press();
+    EXPECT_EQ(cracks(), 1U);
+    machine.runLoop.setDate(1e9);
+    machine.runLoop.advance(0.2);
+    press();
+    EXPECT_EQ(cracks(), 2U);
+}
+
+TEST_F(KeyboardCrackManagerTest, a_key_whose_manager_goes_before_its_turn_cracks_nothing) {
+    makeListening();
+    machine.runLoop.holdMainQueue(true);
+    EXPECT_TRUE(machine.eventTaps.pressKey());
+    manager.reset();
+    machine.runLoop.holdMainQueue(false);
+    machine.runLoop.runMainQueue();
+    EXPECT_EQ(cracks(), 0U);
+}
+
+TEST_F(KeyboardCrackManagerTest, without_a_sound_a_crack_is_silent) {
+    machine.bundle.removeResources();
+    makeManager();
+    manager->playCrack();
+    EXPECT_EQ(cracks(), 0U);
+}
+
+// The callback by itself, as a system would call it that does not keep to the mask.
+
+/// Taps that let a test call the callback that they were given.
+class CallableTaps final : public EventTapService {
+public:
+    explicit CallableTaps(EventTapService& taps) : m_taps(taps) {}
+
+    std::shared_ptr<EventTap> createTap(TapLocation location, TapPlacement placement,
+                                        TapOptions options, std::uint64_t events,
+                                        TapCallback given) override {
+        callback = given;
+        return m_taps.createTap(location, placement, options, events, given);
+    }
+
+    TapCallback callback = nullptr;
+
+private:
+    EventTapService& m_taps;
+};
+
+class TapCallbackTest : public KeyboardCrackManagerTest {
+protected:
+    TapCallbackTest() {
+        manager = KeyboardCrackManager::create(exchange(machine.platform(), {.eventTaps = &taps}));
+        manager->start();
+    }
+
+    /// How many cracks an event gives that reaches the callback.
+    std::size_t cracksOf(const TapEvent& event) {
+        machine.runLoop.advance(1);
+        const std::size_t before = cracks();
+        EXPECT_EQ(&taps.callback(event), &event) << "the event goes on as it is";
+        machine.runLoop.runMainQueue();
+        return cracks() - before;
+    }
+
+    CallableTaps taps{machine.eventTaps};
+};
+
+TEST_F(TapCallbackTest, cracks_at_a_key_that_goes_down_and_at_nothing_else) {
+    EXPECT_EQ(cracksOf({.type = TapEventType::KeyDown}), 1U);
+    EXPECT_EQ(cracksOf({.type = TapEventType::KeyDown, .keyboardAutorepeat = 1}), 0U);
+    EXPECT_EQ(cracksOf({.type = TapEventType::KeyDown, .keyboardAutorepeat = -1}), 0U);
+    EXPECT_EQ(cracksOf({.type = TapEventType::KeyUp}), 0U);
+    EXPECT_EQ(cracksOf({.type = TapEventType::FlagsChanged}), 0U);
+    EXPECT_EQ(cracksOf({.type = TapEventType::DisabledByTimeout}), 0U);
+    EXPECT_EQ(cracksOf({.type = TapEventType::DisabledByUserInput}), 0U);
+    EXPECT_EQ(cracksOf({.type = TapEventType::KeyDown}), 1U);
+}
+
+TEST_F(TapCallbackTest, gives_the_event_back_also_when_the_manager_has_gone) {
+    manager.reset();
+    const TapEvent event;
+    EXPECT_EQ(&taps.callback(event), &event);
+    machine.runLoop.runMainQueue();
+    EXPECT_EQ(cracks(), 0U);
+}
 
 } // namespace
 } // namespace quorvane

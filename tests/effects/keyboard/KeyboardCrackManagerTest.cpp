@@ -57,6 +57,34 @@ TEST_F(KeyboardCrackManagerTest, the_tap_listens_to_key_downs_of_the_session_onl
     EXPECT_EQ(machine.console.lines.back(), startedLine);
 }
 
+TEST_F(KeyboardCrackManagerTest, it_is_active_once_the_tap_and_the_output_are_ready) {
+    makeManager();
+    std::vector<std::string> calls;
+    std::vector<std::size_t> holds;
+    const auto active = manager->isActive().observe([&] {
+        calls.push_back(machine.eventTaps.calls().back());
+        holds.push_back(machine.audio.holdCount());
+        EXPECT_EQ(machine.console.lines.size(), 1U) << "its own line comes last";
+    });
+    manager->start();
+    EXPECT_EQ(machine.console.lines.back(), startedLine);
+    EXPECT_THAT(calls, ElementsAre("enable yes"));
+    EXPECT_THAT(holds, ElementsAre(1U));
+}
+
+TEST_F(KeyboardCrackManagerTest, it_is_inactive_once_the_tap_and_the_output_are_let_go) {
+    makeListening();
+    std::size_t open = 1;
+    std::size_t holds = 1;
+    const auto active = manager->isActive().observe([&] {
+        open = machine.eventTaps.openCount();
+        holds = machine.audio.holdCount();
+    });
+    manager->stop();
+    EXPECT_EQ(open, 0U);
+    EXPECT_EQ(holds, 0U);
+}
+
 TEST_F(KeyboardCrackManagerTest, starting_twice_creates_no_second_tap) {
     makeListening();
     const auto calls = machine.eventTaps.calls();
@@ -92,73 +120,7 @@ TEST_F(KeyboardCrackManagerTest, the_output_is_held_while_listening_so_that_no_k
     EXPECT_EQ(machine.audio.holdCount(), 0U);
 }
 
-// Permission.
-
-TEST_F(KeyboardCrackManagerTest, without_permission_the_person_is_asked_once) {
-    machine.system.trusted = false;
-    makeListening();
-    EXPECT_EQ(machine.system.prompts, 1);
-    EXPECT_FALSE(manager->isActive());
-    EXPECT_FALSE(manager->hasPermission());
-    EXPECT_THAT(machine.eventTaps.calls(), IsEmpty());
-    machine.runLoop.advance(60);
-    EXPECT_EQ(machine.system.prompts, 1);
-}
-
-TEST_F(KeyboardCrackManagerTest, permission_given_within_three_seconds_starts_the_tap_then) {
-    machine.system.trusted = false;
-    makeListening();
-    machine.system.trusted = true;
-    machine.runLoop.advance(2.999);
-    EXPECT_FALSE(manager->isActive());
-    machine.runLoop.advance(0.001);
-    EXPECT_TRUE(manager->isActive());
-    EXPECT_TRUE(manager->hasPermission());
-}
-
-TEST_F(KeyboardCrackManagerTest, there_is_one_retry_only) {
-    machine.system.trusted = false;
-    makeListening();
-    machine.runLoop.advance(3);
-    machine.system.trusted = true;
-    machine.runLoop.advance(60);
-    EXPECT_FALSE(manager->isActive());
-    EXPECT_FALSE(manager->hasPermission());
-    manager->start();
-    EXPECT_TRUE(manager->isActive());
-}
-
-TEST_F(KeyboardCrackManagerTest, the_retry_of_an_active_manager_does_nothing) {
-    machine.system.trusted = false;
-    makeListening();
-    machine.system.trusted = true;
-    manager->start();
-    const auto calls = machine.eventTaps.calls();
-    machine.system.trusted = false;
-    machine.runLoop.advance(3);
-    EXPECT_TRUE(manager->hasPermission());
-    EXPECT_EQ(machine.eventTaps.calls(), calls);
-}
-
-TEST_F(KeyboardCrackManagerTest, stopping_does_not_call_the_retry_off) {
-    machine.system.trusted = false;
-    makeListening();
-    manager->stop();
-    machine.system.trusted = true;
-    machine.runLoop.advance(3);
-    EXPECT_TRUE(manager->isActive());
-}
-
-TEST_F(KeyboardCrackManagerTest, the_retry_outlives_the_manager_harmlessly) {
-    machine.system.trusted = false;
-    makeListening();
-    manager.reset();
-    machine.system.trusted = true;
-    machine.runLoop.advance(3);
-    EXPECT_THAT(machine.eventTaps.calls(), IsEmpty());
-}
-
-// Keys.
+// Stopping.
 
 TEST_F(KeyboardCrackManagerTest, stopping_disables_removes_and_closes_in_that_order) {
     makeListening();
@@ -169,6 +131,13 @@ TEST_F(KeyboardCrackManagerTest, stopping_disables_removes_and_closes_in_that_or
     EXPECT_FALSE(manager->isActive());
     EXPECT_TRUE(manager->hasPermission());
     EXPECT_EQ(machine.eventTaps.openCount(), 0U);
+}
+
+TEST_F(KeyboardCrackManagerTest, stopping_lets_the_last_crack_sound_to_its_end) {
+    makeListening();
+    press();
+    manager->stop();
+    EXPECT_TRUE(machine.audio.filePlayer(0).isPlaying());
 }
 
 TEST_F(KeyboardCrackManagerTest, stopping_prints_nothing) {
