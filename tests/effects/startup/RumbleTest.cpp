@@ -1,5 +1,6 @@
 #include "effects/startup/Rumble.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -8,7 +9,6 @@
 namespace quorvane {
 namespace {
 
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -65,6 +65,23 @@ TEST_F(RumbleTest, another_frequency_changes_the_samples_and_the_line) {
     EXPECT_THAT(machine.console.lines,
                 ElementsAre("✅ [RUMBLE] Buffer generated: 30.5Hz + 15.25Hz sub"));
     EXPECT_EQ(manager->rumbleBuffer()->samples[1234], expectedSample(1234, 30.5));
+}
+
+TEST_F(RumbleTest, of_two_channels_only_the_first_is_filled) {
+    makeManager();
+    manager->generateRumbleBuffer(44100, {.sampleRate = 44100, .channels = 2});
+    const auto& samples = manager->rumbleBuffer()->samples;
+    ASSERT_EQ(samples.size(), 88200U);
+    EXPECT_EQ(samples[2 * 1234], expectedSample(1234, 25));
+    EXPECT_NE(samples[2 * 1234], 0);
+    EXPECT_EQ(samples[2 * 1234 + 1], 0);
+}
+
+TEST_F(RumbleTest, no_frames_at_all_are_a_buffer_too) {
+    makeManager();
+    manager->generateRumbleBuffer(0.5, {.sampleRate = 44100, .channels = 1});
+    EXPECT_EQ(manager->rumbleBuffer()->frameLength, 0U);
+    EXPECT_THAT(machine.console.lines, ElementsAre(bufferLine));
 }
 
 TEST_F(RumbleTest, the_frame_count_is_the_rate_without_its_fraction) {
@@ -125,6 +142,31 @@ TEST_F(RumbleTest, a_lower_volume_on_the_way_caps_the_ramp_and_keeps_its_steps) 
     EXPECT_EQ(rumble().volume(), 0.4F);
 }
 
+TEST_F(RumbleTest, a_higher_volume_on_the_way_keeps_the_steps_too) {
+    makeManager();
+    manager->rumbleVolume() = 0.3F;
+    manager->startRumble();
+    advance(1);
+    EXPECT_NEAR(rumble().volume(), 0.1F, 1e-6);
+    manager->rumbleVolume() = 1.0F;
+    advance(1);
+    EXPECT_NEAR(rumble().volume(), 0.2F, 1e-6);
+    advance(5);
+    EXPECT_NEAR(rumble().volume(), 0.3F, 1e-6);
+}
+
+TEST_F(RumbleTest, the_ramps_timer_ends_with_its_thirtieth_step) {
+    makeManager();
+    manager->startRumble();
+    advance(2.999);
+    EXPECT_EQ(machine.runLoop.pendingCount(), 1U);
+    advance(0.001);
+    EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
+    EXPECT_EQ(std::count_if(rumble().calls().begin(), rumble().calls().end(),
+                            [](const std::string& call) { return call.starts_with("volume"); }),
+              31);
+}
+
 TEST_F(RumbleTest, stopping_cancels_what_is_left_of_the_ramp) {
     makeManager();
     manager->startRumble();
@@ -158,81 +200,7 @@ TEST_F(RumbleTest, stopping_what_does_not_run_only_prints_its_line) {
     manager->stopHaptic();
     EXPECT_THAT(machine.console.lines, ElementsAre(rumbleStoppedLine, hapticStoppedLine));
     EXPECT_THAT(machine.audio.timeline(), IsEmpty());
-}
-
-// The trackpad.
-
-TEST_F(RumbleTest, the_pulse_rate_rises_from_5_to_25_over_the_ramp_and_stays) {
-    EXPECT_DOUBLE_EQ(hapticRate(0, 3), 5);
-    EXPECT_DOUBLE_EQ(hapticRate(1.5, 3), 15);
-    EXPECT_DOUBLE_EQ(hapticRate(3, 3), 25);
-    EXPECT_DOUBLE_EQ(hapticRate(300, 3), 25);
-}
-
-TEST_F(RumbleTest, a_pulse_is_due_in_the_first_sixtieth_of_a_second_of_its_period) {
-    EXPECT_TRUE(isHapticPulseDue(0, 5));
-    EXPECT_TRUE(isHapticPulseDue(0.016, 5));
-    EXPECT_FALSE(isHapticPulseDue(0.0167, 5));
-    EXPECT_FALSE(isHapticPulseDue(0.199, 5));
-    EXPECT_TRUE(isHapticPulseDue(0.201, 5));
-}
-
-TEST_F(RumbleTest, the_trackpad_pulses_by_the_phase_of_each_tick) {
-    makeManager();
-    // Scheduled first, so it sees each tick's date just before the manager does.
-    const double start = machine.runLoop.currentDate();
-    std::vector<double> expected;
-    machine.runLoop.scheduledTimer(1.0 / 60, true, [&](Timer&) {
-        const double elapsed = machine.runLoop.currentDate() - start;
-        const double rate = std::fmin(elapsed / 3, 1) * 20 + 5;
-        if (std::fmod(elapsed, 1 / rate) < 1.0 / 60)
-            expected.push_back(machine.runLoop.currentMediaTime());
-    });
-    manager->startHaptic();
-    advance(6);
-    ASSERT_GT(expected.size(), 100U);
-    ASSERT_EQ(pulses().size(), expected.size());
-    for (std::size_t i = 0; i < expected.size(); ++i) {
-        EXPECT_EQ(pulses()[i].at, expected[i]);
-        EXPECT_EQ(pulses()[i].pattern, HapticPattern::Alignment);
-        EXPECT_EQ(pulses()[i].time, HapticPerformanceTime::Now);
-    }
-}
-
-TEST_F(RumbleTest, at_full_rate_the_trackpad_pulses_25_times_a_second) {
-    makeManager();
-    manager->startHaptic();
-    advance(3);
-    const auto before = pulses().size();
-    advance(4);
-    // Of the 12 ticks of 5 periods, 5 are well inside a pulse's sixtieth and one is on its edge,
-    // where the date's last digits decide.
-    EXPECT_GE(pulses().size() - before, 100U);
-    EXPECT_LE(pulses().size() - before, 120U);
-}
-
-TEST_F(RumbleTest, stopping_ends_the_pulses_at_once) {
-    makeManager();
-    manager->startHaptic();
-    advance(1.5);
-    manager->stopHaptic();
-    EXPECT_FALSE(manager->isPulsing());
-    const auto count = pulses().size();
-    advance(5);
-    EXPECT_EQ(pulses().size(), count);
-    EXPECT_THAT(machine.console.lines, Contains(hapticStoppedLine));
-}
-
-TEST_F(RumbleTest, a_new_start_begins_the_ramp_anew) {
-    makeManager();
-    manager->startHaptic();
-    advance(3);
-    manager->stopHaptic();
-    const auto before = pulses().size();
-    manager->startHaptic();
-    advance(1);
-    // 5 a second rising to 11.7: some 8 in the first second, not 25.
-    EXPECT_NEAR(static_cast<double>(pulses().size() - before), 8, 3);
+    EXPECT_EQ(rumble().calls().back(), "stop");
 }
 
 } // namespace

@@ -39,7 +39,7 @@ protected:
         machine.console.lines.clear();
     }
 
-    void wakeUp() { machine.workspace.post(WorkspaceNotification::didWake); }
+    void wakeUp() { machine.workspace.post("NSWorkspaceDidWakeNotification"); }
 
     void advance(double seconds) { machine.runLoop.advance(seconds); }
 

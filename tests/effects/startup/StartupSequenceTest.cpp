@@ -1,5 +1,10 @@
 #include "tests/effects/startup/StartupFixture.h"
 
+#include <functional>
+#include <string>
+
+#include "tests/support/ExchangedPlatform.h"
+
 namespace quorvane {
 namespace {
 
@@ -59,6 +64,56 @@ TEST_F(StartupSequenceTest, waking_up_plays_everything_at_once_and_ends_after_th
     EXPECT_EQ(rumble().state(), SimulatedAudioVoice::State::Stopped);
 }
 
+/// A console that notes with each line what was going on when it was printed.
+class WatchingConsole final : public Console {
+public:
+    void print(std::string_view line) override {
+        if (state)
+            lines.push_back(state() + std::string(line));
+    }
+
+    std::function<std::string()> state;
+    std::vector<std::string> lines;
+};
+
+TEST_F(StartupSequenceTest, the_clip_then_the_rumble_then_the_pulses_and_so_they_end) {
+    WatchingConsole console;
+    manager = StartupSoundManager::create(exchange(machine.platform(), {.console = &console}));
+    console.state = [&] {
+        std::string state = manager->isPlayingTractor() ? "busy" : "idle";
+        state += tractor().isPlaying() ? " clip" : "";
+        state += rumble().state() == SimulatedAudioVoice::State::Sounding ? " rumble" : "";
+        state += manager->isRamping() ? " ramp" : "";
+        return state + (manager->isPulsing() ? " pulses: " : ": ");
+    };
+    wakeUp();
+    EXPECT_THAT(console.lines,
+                ElementsAre(std::string("busy: ") + playingLine,
+                            std::string("busy clip rumble ramp: ") + rumbleLine,
+                            std::string("busy clip rumble ramp pulses: ") + hapticLine));
+    EXPECT_EQ(machine.audio.timeline().at(0).file, tractorPath) << "before the rumble";
+    console.lines.clear();
+    advance(clipLength);
+    EXPECT_THAT(console.lines, ElementsAre(std::string("busy pulses: ") + rumbleStoppedLine,
+                                           std::string("busy: ") + hapticStoppedLine,
+                                           std::string("idle: ") + completeLine));
+    manager.reset();
+}
+
+TEST_F(StartupSequenceTest, a_shorter_clip_ends_the_ramps_on_their_way) {
+    machine.audio.addFile(tractorPath, {.sampleRate = 100, .channels = 1},
+                          std::vector<float>(150, 0.25F));
+    makeManager();
+    wakeUp();
+    advance(1.499);
+    EXPECT_TRUE(manager->isRamping());
+    EXPECT_TRUE(manager->isPulsing());
+    advance(0.001);
+    EXPECT_FALSE(manager->isRamping());
+    EXPECT_FALSE(manager->isPulsing());
+    EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
+}
+
 TEST_F(StartupSequenceTest, the_clip_is_not_stopped_by_the_sequence) {
     makeManager();
     wakeUp();
@@ -92,8 +147,9 @@ TEST_F(StartupSequenceTest, a_wake_up_after_the_end_starts_a_new_sequence) {
 
 TEST_F(StartupSequenceTest, waking_screens_start_nothing) {
     makeManager();
-    machine.workspace.post(WorkspaceNotification::screensDidWake);
-    machine.workspace.post(WorkspaceNotification::screensDidSleep);
+    machine.workspace.post("NSWorkspaceScreensDidWakeNotification");
+    machine.workspace.post("NSWorkspaceScreensDidSleepNotification");
+    machine.defaultCenter.post("NSWorkspaceDidWakeNotification");
     EXPECT_FALSE(manager->isPlayingTractor());
 }
 
@@ -136,90 +192,6 @@ TEST_F(StartupSequenceTest, the_guards_hold_for_every_caller) {
     EXPECT_EQ(machine.console.lines, lines);
 }
 
-// The login.
-
-TEST_F(StartupSequenceTest, opened_at_login_in_the_background_it_plays_once_after_half_a_second) {
-    machine.application.loginItem = LoginItemStatus::Enabled;
-    makeManager();
-    advance(0.499);
-    EXPECT_FALSE(manager->isPlayingTractor());
-    advance(0.001);
-    EXPECT_TRUE(manager->isPlayingTractor());
-    advance(60);
-    EXPECT_EQ(machine.console.lines.size(), 6U);
-}
-
-TEST_F(StartupSequenceTest, not_registered_at_login_it_stays_silent) {
-    for (const auto status : {LoginItemStatus::NotRegistered, LoginItemStatus::RequiresApproval,
-                              LoginItemStatus::NotFound}) {
-        machine.application.loginItem = status;
-        makeManager();
-        advance(2);
-        EXPECT_THAT(machine.console.lines, IsEmpty());
-    }
-}
-
-TEST_F(StartupSequenceTest, in_front_half_a_second_after_launch_it_stays_silent) {
-    machine.application.loginItem = LoginItemStatus::Enabled;
-    makeManager();
-    advance(0.4);
-    machine.application.active = true;
-    advance(2);
-    EXPECT_THAT(machine.console.lines, IsEmpty());
-}
-
-TEST_F(StartupSequenceTest, in_front_at_launch_only_it_plays) {
-    machine.application.loginItem = LoginItemStatus::Enabled;
-    machine.application.active = true;
-    makeManager();
-    advance(0.4);
-    machine.application.active = false;
-    advance(0.2);
-    EXPECT_TRUE(manager->isPlayingTractor());
-}
-
-TEST_F(StartupSequenceTest, switched_off_within_the_half_second_the_login_stays_silent) {
-    machine.application.loginItem = LoginItemStatus::Enabled;
-    makeManager();
-    manager->startupSoundEnabled() = false;
-    advance(2);
-    EXPECT_THAT(machine.console.lines, IsEmpty());
-}
-
-// Leaving.
-
-TEST_F(StartupSequenceTest, the_login_outlives_the_manager_harmlessly) {
-    machine.application.loginItem = LoginItemStatus::Enabled;
-    makeManager();
-    manager.reset();
-    advance(2);
-    EXPECT_THAT(machine.console.lines, IsEmpty());
-}
-
-TEST_F(StartupSequenceTest, the_last_line_is_printed_even_when_the_manager_is_gone) {
-    makeManager();
-    wakeUp();
-    manager.reset();
-    advance(clipLength);
-    EXPECT_THAT(machine.console.lines,
-                ElementsAre(playingLine, rumbleLine, hapticLine, completeLine));
-}
-
-TEST_F(StartupSequenceTest, letting_go_of_the_manager_ends_wake_ups_pulses_and_the_engine) {
-    makeManager();
-    wakeUp();
-    advance(1);
-    const auto count = pulses().size();
-    ASSERT_GT(count, 0U);
-    EXPECT_EQ(machine.audio.runningEngineCount(), 1U);
-    manager.reset();
-    EXPECT_EQ(machine.audio.runningEngineCount(), 0U);
-    EXPECT_EQ(machine.workspace.observerCount(), 0U);
-    advance(20);
-    EXPECT_EQ(pulses().size(), count);
-    EXPECT_EQ(machine.runLoop.pendingCount(), 0U) << "the ramp's timer ends itself";
-}
-
 // What goes wrong.
 
 TEST_F(StartupSequenceTest, an_engine_that_does_not_start_costs_the_rumble_only) {
@@ -231,12 +203,20 @@ TEST_F(StartupSequenceTest, an_engine_that_does_not_start_costs_the_rumble_only)
         ElementsAre(playingLine, "⚠️ [RUMBLE] Error: no such thing as sound", hapticLine));
     EXPECT_TRUE(tractor().isPlaying());
     EXPECT_FALSE(manager->isRamping());
+    EXPECT_THAT(rumble().calls(), ElementsAre("attach", "connect 44100/1"))
+        << "no volume, nothing scheduled, nothing played";
     advance(clipLength);
     EXPECT_GT(pulses().size(), 0U);
     EXPECT_EQ(machine.console.lines.back(), completeLine);
     machine.audio.clearFault(AudioFault::EngineStart);
     wakeUp();
     EXPECT_TRUE(manager->isRamping()) << "the next sequence tries again";
+}
+
+TEST_F(StartupSequenceTest, without_the_format_of_the_rumble_the_program_ends) {
+    machine.audio.setFault(AudioFault::StandardFormat, "");
+    EXPECT_DEATH((void)StartupSoundManager::create(machine.platform()),
+                 "StartupSoundManager: there is no format of one channel at 44100 Hz");
 }
 
 TEST_F(StartupSequenceTest, without_memory_for_the_rumble_the_rest_goes_on) {

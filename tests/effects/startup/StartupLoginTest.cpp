@@ -1,0 +1,77 @@
+#include "tests/effects/startup/StartupFixture.h"
+
+namespace quorvane {
+namespace {
+
+using testing::IsEmpty;
+
+using StartupLoginTest = StartupFixture;
+
+TEST_F(StartupLoginTest, opened_at_login_in_the_background_it_plays_once_after_half_a_second) {
+    machine.application.loginItem = LoginItemStatus::Enabled;
+    makeManager();
+    advance(0.499);
+    EXPECT_FALSE(manager->isPlayingTractor());
+    advance(0.001);
+    EXPECT_TRUE(manager->isPlayingTractor());
+    advance(60);
+    EXPECT_EQ(machine.console.lines.size(), 6U);
+}
+
+TEST_F(StartupLoginTest, not_registered_at_login_it_stays_silent) {
+    for (const auto status : {LoginItemStatus::NotRegistered, LoginItemStatus::RequiresApproval,
+                              LoginItemStatus::NotFound}) {
+        machine.application.loginItem = status;
+        makeManager();
+        EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
+        advance(2);
+        EXPECT_THAT(machine.console.lines, IsEmpty());
+    }
+}
+
+TEST_F(StartupLoginTest, registered_after_its_start_it_stays_silent) {
+    makeManager();
+    machine.application.loginItem = LoginItemStatus::Enabled;
+    advance(2);
+    EXPECT_THAT(machine.console.lines, IsEmpty());
+}
+
+TEST_F(StartupLoginTest, a_wake_up_within_the_half_second_leaves_nothing_for_the_login) {
+    machine.application.loginItem = LoginItemStatus::Enabled;
+    makeManager();
+    advance(0.2);
+    wakeUp();
+    const auto lines = machine.console.lines;
+    advance(1);
+    EXPECT_EQ(machine.console.lines, lines);
+}
+
+TEST_F(StartupLoginTest, in_front_half_a_second_after_launch_it_stays_silent) {
+    machine.application.loginItem = LoginItemStatus::Enabled;
+    makeManager();
+    advance(0.4);
+    machine.application.active = true;
+    advance(2);
+    EXPECT_THAT(machine.console.lines, IsEmpty());
+}
+
+TEST_F(StartupLoginTest, in_front_at_launch_only_it_plays) {
+    machine.application.loginItem = LoginItemStatus::Enabled;
+    machine.application.active = true;
+    makeManager();
+    advance(0.4);
+    machine.application.active = false;
+    advance(0.2);
+    EXPECT_TRUE(manager->isPlayingTractor());
+}
+
+TEST_F(StartupLoginTest, switched_off_within_the_half_second_the_login_stays_silent) {
+    machine.application.loginItem = LoginItemStatus::Enabled;
+    makeManager();
+    manager->startupSoundEnabled() = false;
+    advance(2);
+    EXPECT_THAT(machine.console.lines, IsEmpty());
+}
+
+} // namespace
+} // namespace quorvane
