@@ -1,9 +1,11 @@
 #include "effects/crash/FreezeManager.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <vector>
 
-#include "base/UniformDraw.h"
+#include "effects/crash/FreezeView.h"
 #include "platform/simulated/SimulatedMachine.h"
 
 namespace quorvane {
@@ -11,9 +13,10 @@ namespace {
 
 using testing::ElementsAre;
 
+// Draws are of 0 to 2^53.
 constexpr std::uint64_t lowest = 0;
-constexpr std::uint64_t highest = uniformDrawBound;
-constexpr std::uint64_t middle = uniformDrawBound / 2;
+constexpr std::uint64_t highest = 9007199254740992;
+constexpr std::uint64_t middle = 4503599627370496;
 
 class FreezeManagerTest : public testing::Test {
 protected:
@@ -57,7 +60,6 @@ TEST_F(FreezeManagerTest, both_ends_of_both_ranges_can_be_reached) {
     EXPECT_EQ(shown(), 1U);
     machine.runLoop.advance(0.001);
     EXPECT_EQ(shown(), 0U);
-    EXPECT_EQ(machine.random.bounds().front(), std::uint64_t{1} << 53U);
 }
 
 TEST_F(FreezeManagerTest, the_panel_is_made_by_the_recipe_step_by_step) {
@@ -68,6 +70,57 @@ TEST_F(FreezeManagerTest, the_panel_is_made_by_the_recipe_step_by_step) {
                 ElementsAre("create 0,0 1440x900 style 128 backing 2 defer no", "level 1000",
                             "opaque no", "background 0,0,0,0", "behavior 257", "ignores mouse no",
                             "content view", "frame 0,0 1440x900 display yes", "front"));
+}
+
+TEST_F(FreezeManagerTest, the_panel_shows_the_freeze_view) {
+    manager->start();
+    machine.runLoop.advance(40);
+    const auto& view = machine.screens.panels().at(0)->view;
+    EXPECT_NE(dynamic_cast<const FreezeView*>(view.get()), nullptr);
+}
+
+TEST_F(FreezeManagerTest, each_freeze_draws_its_length_and_then_the_wait_after_it) {
+    machine.random.script({highest, highest});
+    manager->start();
+    EXPECT_EQ(machine.random.bounds().size(), 1U);
+    machine.runLoop.advance(40);
+    EXPECT_EQ(machine.random.bounds().size(), 2U);
+    machine.runLoop.advance(4);
+    EXPECT_THAT(machine.random.bounds(),
+                ElementsAre(9007199254740992, 9007199254740992, 9007199254740992));
+}
+
+TEST_F(FreezeManagerTest, it_follows_the_screen_that_is_the_main_one_by_then) {
+    manager->start();
+    machine.screens.setMainScreen(Rect{.x = 100, .y = 50, .width = 800, .height = 600});
+    machine.runLoop.advance(40);
+    EXPECT_EQ(machine.screens.panels().at(0)->calls.front(),
+              "create 100,50 800x600 style 128 backing 2 defer no");
+    EXPECT_EQ(machine.screens.panels().at(0)->calls.at(7), "frame 100,50 800x600 display yes");
+}
+
+TEST_F(FreezeManagerTest, it_is_active_before_it_waits_and_inactive_before_the_panel_goes) {
+    std::vector<std::size_t> pending;
+    std::vector<std::size_t> panels;
+    const auto active = manager->isActive().observe([&] {
+        pending.push_back(machine.runLoop.pendingCount());
+        panels.push_back(shown());
+    });
+    machine.random.script({lowest});
+    manager->start();
+    machine.runLoop.advance(20);
+    manager->stop();
+    EXPECT_THAT(pending, ElementsAre(0U, 1U));
+    EXPECT_THAT(panels, ElementsAre(0U, 1U));
+}
+
+TEST_F(FreezeManagerTest, the_panel_is_ordered_out_once) {
+    machine.random.script({lowest, lowest});
+    manager->start();
+    machine.runLoop.advance(23);
+    manager->stop();
+    const auto& calls = machine.screens.panels().at(0)->calls;
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), "out"), 1);
 }
 
 TEST_F(FreezeManagerTest, a_start_while_active_schedules_nothing) {
