@@ -18,6 +18,26 @@ TEST(AnimationProgress, IsThereAtOnceWithoutAnimation) {
     EXPECT_EQ(Animation{}.progress(0), 1);
 }
 
+TEST(AnimationProgress, HasNoMotionWithoutAnimationLaterEither) {
+    EXPECT_EQ(Animation{}.progress(5), 1);
+}
+
+TEST(Animation, IsMadeOfWhatItsNameSays) {
+    constexpr Animation spring = Animation::spring(0.4, 0.825);
+    EXPECT_EQ(spring.curve, Animation::Curve::Spring);
+    EXPECT_EQ(spring.response, 0.4);
+    EXPECT_EQ(spring.dampingFraction, 0.825);
+    EXPECT_FALSE(spring.repeatsForever);
+    constexpr Animation linear = Animation::linear(20).repeatForever(/*reversing=*/false);
+    EXPECT_EQ(linear.curve, Animation::Curve::Linear);
+    EXPECT_EQ(linear.duration, 20);
+    EXPECT_TRUE(linear.repeatsForever);
+    EXPECT_FALSE(linear.autoreverses);
+    EXPECT_EQ(glow.curve, Animation::Curve::EaseInOut);
+    EXPECT_EQ(glow.duration, 1.5);
+    EXPECT_TRUE(glow.repeatsForever && glow.autoreverses);
+}
+
 TEST(AnimationProgress, IsLinearOverItsDurationAndThenRests) {
     constexpr Animation animation = Animation::linear(20);
     EXPECT_EQ(animation.progress(0), 0);

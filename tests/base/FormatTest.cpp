@@ -21,6 +21,7 @@ TEST(Format, doubles_take_their_shortest_exact_form) {
 TEST(Format, doubles_beyond_plain_notation_get_no_false_decimal) {
     EXPECT_EQ(formatDouble(1e300), "1e+300");
     EXPECT_EQ(formatDouble(INFINITY), "inf");
+    EXPECT_EQ(formatDouble(NAN), "nan");
 }
 
 TEST(Format, one_decimal_is_rounded_like_printf) {

@@ -116,5 +116,34 @@ TEST(Observable, a_moved_subscription_still_counts_and_the_old_handle_does_not) 
     EXPECT_EQ(notices, 1);
 }
 
+TEST(Observable, a_subscription_that_is_assigned_over_ends) {
+    Observable<int> value;
+    int first = 0;
+    int second = 0;
+    Subscription subscription = value.observe([&] { ++first; });
+    subscription = value.observe([&] { ++second; });
+    value = 1;
+    EXPECT_EQ(first, 0);
+    EXPECT_EQ(second, 1);
+}
+
+TEST(Observable, a_cancelled_observer_is_let_go_of_at_once) {
+    Observable<int> value;
+    const auto captured = std::make_shared<int>();
+    Subscription subscription = value.observe([captured] {});
+    EXPECT_EQ(captured.use_count(), 2);
+    subscription.cancel();
+    EXPECT_EQ(captured.use_count(), 1);
+}
+
+TEST(Observable, a_notice_of_what_is_kept_elsewhere_is_told_every_time) {
+    ChangeNotice notice;
+    int notices = 0;
+    const auto subscription = notice.observe([&] { ++notices; });
+    notice.notify();
+    notice.notify();
+    EXPECT_EQ(notices, 2);
+}
+
 } // namespace
 } // namespace quorvane

@@ -91,7 +91,12 @@ TEST(Spring, RestsOnceItIsNearAndSlow) {
     const Spring spring{.response = 0.4, .dampingFraction = 0.825};
     EXPECT_TRUE(spring.isAtRest({.displacement = 0.0009, .velocity = 0.001}, 0.001));
     EXPECT_FALSE(spring.isAtRest({.displacement = 0.0011, .velocity = 0}, 0.001));
-    // Crossing its place of rest at speed.
+    EXPECT_FALSE(spring.isAtRest({.displacement = -0.0011, .velocity = 0}, 0.001));
+    // Crossing its place of rest at speed: within a radian, 0.4 / 2 pi s, it goes on for 0.00099
+    // and for 0.00101.
+    EXPECT_TRUE(spring.isAtRest({.displacement = 0, .velocity = 0.015551}, 0.001));
+    EXPECT_FALSE(spring.isAtRest({.displacement = 0, .velocity = 0.015865}, 0.001));
+    EXPECT_FALSE(spring.isAtRest({.displacement = 0, .velocity = -0.015865}, 0.001));
     EXPECT_FALSE(spring.isAtRest({.displacement = 0, .velocity = 1}, 0.001));
     EXPECT_TRUE(spring.isAtRest(spring.after(1.5, {.displacement = -1, .velocity = 0}), 0.001));
 }
