@@ -1,6 +1,7 @@
 #include "platform/InProcessNotificationCenter.h"
 
 #include <gtest/gtest.h>
+#include <memory>
 #include <vector>
 
 namespace quorvane {
@@ -42,6 +43,37 @@ TEST(InProcessNotificationCenter, an_observer_may_remove_itself_and_others_meanw
     center.addObserver("a", [&] { told.push_back(3); });
     center.post("a");
     EXPECT_EQ(told, (std::vector{1, 3}));
+}
+
+TEST(InProcessNotificationCenter, tells_those_who_observe_the_name_in_the_order_they_came) {
+    InProcessNotificationCenter center;
+    std::vector<int> told;
+    center.addObserver("a", [&] { told.push_back(1); });
+    center.addObserver("b", [&] { told.push_back(2); });
+    center.addObserver("a", [&] { told.push_back(3); });
+    center.post("a");
+    EXPECT_EQ(told, (std::vector{1, 3}));
+    center.post("c");
+    EXPECT_EQ(told, (std::vector{1, 3}));
+}
+
+TEST(InProcessNotificationCenter, a_token_is_never_zero_nor_given_twice) {
+    InProcessNotificationCenter center;
+    const auto first = center.addObserver("a", [] {});
+    center.removeObserver(first);
+    const auto second = center.addObserver("a", [] {});
+    EXPECT_NE(first, 0U);
+    EXPECT_NE(second, first);
+}
+
+TEST(InProcessNotificationCenter, a_removed_observer_is_told_nothing_and_lets_go_of_its_block) {
+    InProcessNotificationCenter center;
+    const auto captured = std::make_shared<int>();
+    const auto token = center.addObserver("a", [captured] { ++*captured; });
+    center.removeObserver(token);
+    center.post("a");
+    EXPECT_EQ(*captured, 0);
+    EXPECT_EQ(captured.use_count(), 1);
 }
 
 } // namespace

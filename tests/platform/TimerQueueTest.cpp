@@ -38,6 +38,68 @@ TEST(TimerQueue, an_invalidated_timer_leaves_at_once_and_lets_go_of_what_it_capt
     EXPECT_FALSE(queue.nextDeadline());
 }
 
+TEST(TimerQueue, work_is_due_at_its_instant_and_not_a_nanosecond_before) {
+    TimerQueue queue;
+    int ran = 0;
+    queue.schedule(0, 1, false, [&](Timer&) { ++ran; });
+    EXPECT_FALSE(queue.runNext(999'999'999));
+    EXPECT_TRUE(queue.runNext(1'000'000'000));
+    EXPECT_EQ(ran, 1);
+    EXPECT_FALSE(queue.runNext(1'000'000'000));
+}
+
+TEST(TimerQueue, a_timer_that_does_not_repeat_has_ended_before_its_block_runs) {
+    TimerQueue queue;
+    bool valid = true;
+    const auto timer = queue.schedule(0, 1, false, [&](Timer& self) {
+        valid = self.isValid();
+        self.invalidate();
+    });
+    EXPECT_TRUE(timer->isValid());
+    queue.runNext(1'000'000'000);
+    EXPECT_FALSE(valid);
+    EXPECT_EQ(queue.pendingCount(), 0U);
+}
+
+TEST(TimerQueue, a_repeating_timer_may_end_itself_in_its_block) {
+    TimerQueue queue;
+    int ran = 0;
+    auto captured = std::make_shared<int>();
+    const auto timer = queue.schedule(0, 1, true, [&, captured](Timer& self) {
+        ++ran;
+        self.invalidate();
+        EXPECT_EQ(captured.use_count(), 2) << "the block lives until it returns";
+    });
+    EXPECT_TRUE(queue.runNext(1'000'000'000));
+    EXPECT_FALSE(queue.runNext(9'000'000'000));
+    EXPECT_EQ(ran, 1);
+    EXPECT_FALSE(timer->isValid());
+    EXPECT_EQ(captured.use_count(), 1);
+}
+
+TEST(TimerQueue, a_repeating_timer_stays_valid_and_skips_what_was_missed) {
+    TimerQueue queue;
+    const auto timer = queue.schedule(5, 1, true, [](Timer&) {});
+    EXPECT_EQ(queue.nextDeadline(), 1'000'000'005);
+    queue.runNext(1'000'000'005);
+    EXPECT_TRUE(timer->isValid());
+    EXPECT_EQ(queue.nextDeadline(), 2'000'000'005);
+    queue.runNext(4'000'000'004);
+    EXPECT_EQ(queue.nextDeadline(), 4'000'000'005);
+    // Exactly at a grid point: that one counts as fired.
+    queue.runNext(7'000'000'005);
+    EXPECT_EQ(queue.nextDeadline(), 8'000'000'005);
+}
+
+TEST(TimerQueue, a_negative_or_no_interval_counts_as_a_tenth_of_a_millisecond) {
+    TimerQueue queue;
+    queue.schedule(0, 0, true, [](Timer&) {});
+    EXPECT_EQ(queue.nextDeadline(), 100'000);
+    TimerQueue other;
+    other.schedule(0, -5, false, [](Timer&) {});
+    EXPECT_EQ(other.nextDeadline(), 100'000);
+}
+
 TEST(TimerQueue, a_handle_may_outlive_the_queue) {
     auto queue = std::make_unique<TimerQueue>();
     const auto timer = queue->schedule(0, 1, true, [](Timer&) {});

@@ -157,6 +157,71 @@ TEST_F(ScenarioPlayerTest, lets_events_happen_at_their_times) {
     EXPECT_THAT(happened, ElementsAre("OK", "sleep", "hello", "key", "quit"));
 }
 
+TEST_F(ScenarioPlayerTest, keys_are_told_as_what_they_are) {
+    std::vector<std::pair<TapEventType, std::int64_t>> keys;
+    play(R"({"events": [{"at": 1, "key": "down"}, {"at": 2, "key": "repeat"},
+                        {"at": 3, "key": "up"}, {"at": 4, "key": "flags"}]})")
+        .start({.press = {},
+                .key =
+                    [&](const TapEvent& event) {
+                        keys.emplace_back(event.type, event.keyboardAutorepeat);
+                    },
+                .quit = {}});
+    machine.runLoop.advance(4);
+    EXPECT_THAT(keys,
+                ElementsAre(std::pair(TapEventType::KeyDown, 0),
+                            std::pair(TapEventType::KeyDown, 1), std::pair(TapEventType::KeyUp, 0),
+                            std::pair(TapEventType::FlagsChanged, 0)));
+}
+
+TEST_F(ScenarioPlayerTest, screens_and_machine_wake_up_each_in_its_own_words) {
+    std::vector<std::string> happened;
+    for (const char* name :
+         {"NSWorkspaceScreensDidSleepNotification", "NSWorkspaceScreensDidWakeNotification",
+          "NSWorkspaceDidWakeNotification"})
+        machine.workspace.addObserver(name, [&happened, name] { happened.emplace_back(name); });
+    play(R"({"events": [{"at": 1, "screens": "wake"}, {"at": 2, "machine": "wake"},
+                        {"at": 3, "screens": "sleep"}]})")
+        .start({});
+    machine.runLoop.advance(3);
+    EXPECT_THAT(happened, ElementsAre("NSWorkspaceScreensDidWakeNotification",
+                                      "NSWorkspaceDidWakeNotification",
+                                      "NSWorkspaceScreensDidSleepNotification"));
+}
+
+TEST_F(ScenarioPlayerTest, times_count_from_its_making_and_what_is_past_happens_at_once) {
+    machine.runLoop.advance(5);
+    std::vector<double> pressed;
+    ScenarioPlayer& late = play(R"({"events": [{"at": 1, "press": "a"}, {"at": 3, "press": "b"}],
+                                    "hid": [{"product": "0x8104", "lid": [[0, 10], [4, 50]]}]})");
+    machine.runLoop.advance(2);
+    late.start(
+        {.press = [&](std::string_view) { pressed.push_back(machine.runLoop.currentMediaTime()); },
+         .key = {},
+         .quit = {}});
+    machine.runLoop.advance(2);
+    ASSERT_EQ(pressed.size(), 2U);
+    EXPECT_NEAR(pressed[0], 7, 0.001);
+    EXPECT_NEAR(pressed[1], 8, 1e-6);
+    const auto sensor = LidAngleSensor::create(machine.platform());
+    sensor->probeSensor();
+    EXPECT_EQ(machine.console.lines.back(),
+              "✅ [SENSOR] Found lid sensor! ProductID=0x8104, angle=50°");
+}
+
+TEST_F(ScenarioPlayerTest, faults_of_the_machine_are_furnished_too) {
+    play(R"({"hidManagerRefusesOpen": true,
+             "hid": [{"vendor": "0x046d", "product": 7, "refusesOpen": true}]})");
+    EXPECT_TRUE(machine.hid.managerRefusesOpen);
+    EXPECT_FALSE(machine.system.trusted);
+    machine.hid.managerRefusesOpen = false;
+    const auto manager = machine.hid.createManager();
+    manager->setDeviceMatching({.vendorID = 0x046D, .productID = 7});
+    const auto devices = manager->copyDevices();
+    ASSERT_TRUE(devices && devices->size() == 1);
+    EXPECT_NE(devices->front()->open(), hidSuccess);
+}
+
 TEST_F(ScenarioPlayerTest, an_event_that_nobody_handles_passes) {
     play(R"({"events": [{"at": 0, "press": "OK"}, {"at": 0, "key": "up"}]})").start({});
     machine.runLoop.advance(1);
