@@ -107,5 +107,54 @@ TEST_F(ContentViewHardwareCheckTest,
               (CheckRow{.feature = "Launch at login", .passed = true, .ok = "Ready", .fail = ""}));
 }
 
+TEST_F(ContentViewHardwareCheckTest, each_row_shows_its_own_result) {
+    makeView();
+    const auto passed = [this] {
+        view->runHardwareCheck();
+        machine.runLoop.advance(1.5);
+        std::string rows;
+        for (const CheckRow& each : view->checkRows())
+            rows += each.passed ? '+' : '-';
+        return rows;
+    };
+    EXPECT_EQ(passed(), "---+++");
+    machine.system.trusted = true;
+    EXPECT_EQ(passed(), "-+-+++");
+    machine.system.trusted = false;
+    machine.system.model = "MacBook";
+    EXPECT_EQ(passed(), "--++++");
+    machine.system.model = "";
+    addLid(100);
+    EXPECT_EQ(passed(), "+--+++");
+}
+
+TEST_F(ContentViewHardwareCheckTest, the_rows_say_what_they_are_about_and_what_was_found) {
+    std::vector<std::string> rows;
+    for (const CheckRow& each : makeCheckRows(true, true, true))
+        rows.push_back(std::string(each.feature) + ": " + std::string(each.ok));
+    EXPECT_THAT(
+        rows, ElementsAre("Lid creak: Lid sensor detected", "Keyboard crack: Accessibility granted",
+                          "Trackpad vibration: Force Touch trackpad detected", "Fan noise: Ready",
+                          "Startup sound: Ready", "Launch at login: Ready"));
+}
+
+TEST_F(ContentViewHardwareCheckTest, the_flag_is_stored_before_the_screen_changes) {
+    makeView();
+    bool stored = false;
+    const auto screen = view->screen().observe(
+        [&] { stored = machine.userDefaults.boolForKey("hardwareChecked"); });
+    view->confirmHardwareCheck();
+    EXPECT_TRUE(stored);
+}
+
+TEST_F(ContentViewHardwareCheckTest, without_a_keyboard_effect_the_check_still_ends) {
+    machine.system.trusted = true;
+    ContentView alone(machine.platform(), nullptr, {});
+    alone.runHardwareCheck();
+    machine.runLoop.advance(1.5);
+    EXPECT_TRUE(alone.checkDone());
+    EXPECT_TRUE(alone.hasAccessibility());
+}
+
 } // namespace
 } // namespace quorvane

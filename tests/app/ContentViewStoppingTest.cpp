@@ -1,5 +1,10 @@
 #include "tests/app/ContentViewFixture.h"
 
+#include <algorithm>
+
+#include "tests/support/ExchangedPlatform.h"
+#include "tests/support/WatchedRunLoop.h"
+
 namespace quorvane {
 namespace {
 
@@ -11,6 +16,12 @@ using ContentViewStoppingTest = ContentViewFixture;
 TEST_F(ContentViewStoppingTest,
        the_stop_button_stops_everything_in_its_order_and_shows_the_warning) {
     makeReturningView().enterSufferingMode();
+    for (const ToggleRow& each : view->toggleRows())
+        each.setOn(true);
+    machine.workspace.post("NSWorkspaceScreensDidWakeNotification");
+    machine.runLoop.advance(0.1);
+    ASSERT_TRUE(view->audioManager().isPlaying());
+    calls.clear();
     std::vector<std::string> order;
     const auto note = [&](std::string what) {
         return [&order, this, what = std::move(what)] {
@@ -19,16 +30,15 @@ TEST_F(ContentViewStoppingTest,
             order.push_back(what);
         };
     };
-    view->setHingeCreak(true);
-    machine.workspace.post(WorkspaceNotification::screensDidWake);
-    machine.runLoop.advance(0.1);
     const auto suffering = view->sufferingMode().observe(note("sufferingMode"));
+    const auto screen = view->screen().observe(note("screen"));
     const auto enabled = view->audioEnabled().observe(note("audioEnabled"));
     const auto playing = view->audioManager().isPlaying().observe(note("creak"));
     const auto sound = startup.startupSoundEnabled().observe(note("startup"));
     view->leaveSufferingMode();
-    EXPECT_THAT(order, ElementsAre("sufferingMode", "audioEnabled", "creak", "keyboard stop",
-                                   "fan stop", "bsod stop", "freeze stop", "startup"));
+    EXPECT_THAT(order,
+                ElementsAre("sufferingMode", "screen", "audioEnabled", "creak", "keyboard stop",
+                            "fan stop", "bsod stop", "freeze stop", "startup"));
     EXPECT_EQ(view->screen(), Screen::Warning);
 }
 
@@ -38,6 +48,31 @@ TEST_F(ContentViewStoppingTest, the_stop_button_with_every_effect_off_still_stop
     EXPECT_THAT(calls, ElementsAre("keyboard stop", "fan stop", "bsod stop", "freeze stop"));
     EXPECT_EQ(machine.audio.node(0).calls().back(), "stop");
     EXPECT_EQ(view->screen(), Screen::Warning);
+}
+
+TEST_F(ContentViewStoppingTest, the_velocity_feed_has_ended_before_the_creak_is_stopped) {
+    WatchedRunLoop runLoop(machine.runLoop);
+    machine.userDefaults.setBool("hardwareChecked", true);
+    ContentView watched(exchange(machine.platform(), {.runLoop = &runLoop}), &startup, {});
+    watched.onAppear();
+    watched.setHingeCreak(true);
+    const auto& node = machine.audio.node(0).calls();
+    const auto stops = [&] { return std::count(node.begin(), node.end(), "stop"); };
+    std::vector<std::pair<bool, long>> enabledAndStops;
+    runLoop.onInvalidate = [&] { enabledAndStops.emplace_back(watched.audioEnabled(), stops()); };
+    watched.stopAudio();
+    EXPECT_EQ(stops(), 1);
+    watched.setHingeCreak(true);
+    watched.setHingeCreak(false);
+    EXPECT_EQ(stops(), 2);
+    EXPECT_THAT(enabledAndStops, ElementsAre(std::pair(false, 0L), std::pair(false, 1L)));
+}
+
+TEST_F(ContentViewStoppingTest, only_the_stop_button_animates_the_way_back) {
+    makeReturningView().enterSufferingMode();
+    view->onDisappear();
+    EXPECT_EQ(view->screen(), Screen::Warning);
+    EXPECT_EQ(view->screenAnimation().curve, Animation::Curve::None);
 }
 
 TEST_F(ContentViewStoppingTest, on_first_entry_only_startup_is_on_and_on_the_second_nothing) {

@@ -60,7 +60,7 @@ TEST_F(ContentViewSwitchesTest, without_a_sensor_waking_screens_creak_for_the_le
                           std::vector<float>(4000, 0.5F));
     makeReturningView().enterSufferingMode();
     view->setHingeCreak(true);
-    machine.workspace.post(WorkspaceNotification::screensDidWake);
+    machine.workspace.post("NSWorkspaceScreensDidWakeNotification");
     machine.runLoop.advance(5);
     const auto& sounds = machine.audio.timeline();
     ASSERT_EQ(sounds.size(), 1U);
@@ -70,7 +70,7 @@ TEST_F(ContentViewSwitchesTest, without_a_sensor_waking_screens_creak_for_the_le
 TEST_F(ContentViewSwitchesTest, switching_the_creak_off_silences_it_at_once_and_rewinds) {
     makeReturningView().enterSufferingMode();
     view->setHingeCreak(true);
-    machine.workspace.post(WorkspaceNotification::screensDidWake);
+    machine.workspace.post("NSWorkspaceScreensDidWakeNotification");
     machine.runLoop.advance(0.5);
     view->setHingeCreak(false);
     EXPECT_FALSE(view->audioManager().isPlaying());
@@ -97,7 +97,7 @@ TEST_F(ContentViewSwitchesTest, creak_on_twice_leaves_the_earlier_timer_firing_e
     EXPECT_EQ(machine.runLoop.pendingCount(), idle + 2);
     view->setHingeCreak(false);
     EXPECT_EQ(machine.runLoop.pendingCount(), idle + 1);
-    machine.workspace.post(WorkspaceNotification::screensDidWake);
+    machine.workspace.post("NSWorkspaceScreensDidWakeNotification");
     machine.runLoop.advance(0.1);
     EXPECT_TRUE(view->audioManager().isPlaying()) << "the orphaned feed still feeds";
 }
@@ -180,29 +180,6 @@ TEST_F(ContentViewSwitchesTest, the_startup_switch_is_the_startup_experiences_ow
     EXPECT_FALSE(startup.startupSoundEnabled());
     row("Startup").setOn(true);
     EXPECT_TRUE(startup.startupSoundEnabled());
-}
-
-// The info popup.
-
-TEST_F(ContentViewSwitchesTest, an_info_button_fills_the_popup_and_dismissal_leaves_its_texts) {
-    makeReturningView().presentInfo(ToggleRowTexts::thermals);
-    EXPECT_TRUE(view->showInfo());
-    EXPECT_EQ(view->activeInfoLabel().get(), "Thermal Performance");
-    view->dismissInfo();
-    EXPECT_FALSE(view->showInfo());
-    EXPECT_EQ(view->activeInfoLabel().get(), "Thermal Performance");
-    EXPECT_EQ(view->activeInfoText().get(),
-              "Original Windows fan acoustics. Authentic thermal management at its finest.\n\n"
-              "Enable and enjoy. Trackpad vibration included.");
-}
-
-TEST_F(ContentViewSwitchesTest, every_info_text_has_one_blank_line) {
-    makeView();
-    for (const ToggleRow& each : view->toggleRows()) {
-        const auto blank = each.text.info.find("\n\n");
-        EXPECT_NE(blank, std::string_view::npos) << each.text.label;
-        EXPECT_EQ(each.text.info.find('\n', blank + 2), std::string_view::npos) << each.text.label;
-    }
 }
 
 } // namespace

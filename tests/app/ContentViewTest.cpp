@@ -1,5 +1,7 @@
 #include "tests/app/ContentViewFixture.h"
 
+#include <utility>
+
 namespace quorvane {
 namespace {
 
@@ -46,13 +48,18 @@ TEST_F(ContentViewTest, rows_of_effects_that_do_not_exist_are_not_there) {
     EXPECT_FALSE(alone.sufferingMode());
 }
 
-TEST_F(ContentViewTest, the_rows_stand_in_their_order) {
-    makeView();
-    std::vector<std::string_view> labels;
-    for (const ToggleRow& each : view->toggleRows())
-        labels.push_back(each.text.label);
-    EXPECT_THAT(labels, ElementsAre("Build quality", "Keyboard", "Thermals", "Stability",
-                                    "Performance", "Startup"));
+TEST_F(ContentViewTest, the_sensor_and_the_creak_come_first_then_the_effects_then_the_particles) {
+    std::vector<std::pair<std::size_t, std::size_t>> nodesAndDraws;
+    const auto note = [&] {
+        nodesAndDraws.emplace_back(machine.audio.nodeCount(), machine.random.bounds().size());
+        return std::make_shared<FakeEffect>();
+    };
+    const ContentView made(machine.platform(), &startup,
+                           {.keyboard = note, .fan = note, .bsod = note, .freeze = note});
+    EXPECT_THAT(nodesAndDraws, ElementsAre(std::pair(1U, 0U), std::pair(1U, 0U), std::pair(1U, 0U),
+                                           std::pair(1U, 0U)));
+    // Two halves of an identity and six values for each of twelve.
+    EXPECT_EQ(machine.random.bounds().size(), 96U);
 }
 
 // Screens.
@@ -72,13 +79,38 @@ TEST_F(ContentViewTest, suffering_is_not_remembered) {
 }
 
 TEST_F(ContentViewTest, the_three_buttons_change_the_screen_with_a_spring) {
-    const Animation spring = Animation::spring(0.4, 0.825);
+    const Animation spring{
+        .curve = Animation::Curve::Spring, .response = 0.4, .dampingFraction = 0.825};
     makeView().confirmHardwareCheck();
     EXPECT_EQ(view->screenAnimation(), spring);
     view->enterSufferingMode();
     EXPECT_EQ(view->screenAnimation(), spring);
     view->leaveSufferingMode();
     EXPECT_EQ(view->screenAnimation(), spring);
+}
+
+TEST_F(ContentViewTest, the_screen_knows_how_it_is_to_change_when_it_does) {
+    makeView();
+    std::vector<Animation::Curve> curves;
+    const auto changed =
+        view->screen().observe([&] { curves.push_back(view->screenAnimation().curve); });
+    view->confirmHardwareCheck();
+    view->enterSufferingMode();
+    view->stopAudio();
+    machine.defaultCenter.post("autoStartSimulation");
+    using Curve = Animation::Curve;
+    EXPECT_THAT(curves, ElementsAre(Curve::Spring, Curve::Spring, Curve::None, Curve::None));
+}
+
+TEST_F(ContentViewTest, the_panel_is_entered_before_the_sensor_starts) {
+    addLid(100);
+    makeReturningView();
+    std::vector<std::string> order;
+    const auto suffering = view->sufferingMode().observe([&] { order.emplace_back("suffering"); });
+    const auto screen = view->screen().observe([&] { order.emplace_back("screen"); });
+    const auto running = view->sensor().isRunning().observe([&] { order.emplace_back("sensor"); });
+    view->enterSufferingMode();
+    EXPECT_THAT(order, ElementsAre("suffering", "screen", "sensor"));
 }
 
 TEST_F(ContentViewTest, entering_starts_the_sensor_and_no_effect) {
@@ -111,14 +143,40 @@ TEST_F(ContentViewTest,
 
 TEST_F(ContentViewTest, appearing_starts_the_animations) {
     makeReturningView();
+    using Curve = Animation::Curve;
     EXPECT_EQ(view->textScale().get(),
-              (AnimatedValue{.value = 1.0, .animation = Animation::spring(0.6, 0.6)}));
-    EXPECT_EQ(
-        view->emojiRotation().get(),
-        (AnimatedValue{.value = 360, .animation = Animation::linear(20).repeatForever(false)}));
-    EXPECT_EQ(
-        view->glowAmount().get(),
-        (AnimatedValue{.value = 1.0, .animation = Animation::easeInOut(1.5).repeatForever(true)}));
+              (AnimatedValue{
+                  .value = 1.0,
+                  .animation = {.curve = Curve::Spring, .response = 0.6, .dampingFraction = 0.6}}));
+    EXPECT_EQ(view->emojiRotation().get(),
+              (AnimatedValue{
+                  .value = 360,
+                  .animation = {.curve = Curve::Linear, .duration = 20, .repeatsForever = true}}));
+    EXPECT_EQ(view->glowAmount().get(), (AnimatedValue{.value = 1.0,
+                                                       .animation = {.curve = Curve::EaseInOut,
+                                                                     .duration = 1.5,
+                                                                     .repeatsForever = true,
+                                                                     .autoreverses = true}}));
+}
+
+TEST_F(ContentViewTest,
+       appearing_loads_animates_lets_the_particles_drift_and_probes_in_that_order) {
+    addLid(100);
+    machine.userDefaults.setBool("hardwareChecked", true);
+    makeView();
+    std::vector<std::string> order;
+    const auto note = [&](const AnyObservable& what, std::string name) {
+        return what.observe([&order, this, name = std::move(name)] {
+            order.push_back(name + (machine.runLoop.pendingCount() > 0 ? ", drifting" : ""));
+        });
+    };
+    const auto loaded = note(view->audioManager().isLoaded(), "loaded");
+    const auto scale = note(view->textScale(), "scale");
+    const auto rotation = note(view->emojiRotation(), "rotation");
+    const auto glow = note(view->glowAmount(), "glow");
+    const auto found = note(view->sensor().sensorFound(), "found");
+    view->onAppear();
+    EXPECT_THAT(order, ElementsAre("loaded", "scale", "rotation", "glow", "found, drifting"));
 }
 
 TEST_F(ContentViewTest, the_particles_move_twenty_times_a_second_on_every_screen) {
@@ -137,6 +195,30 @@ TEST_F(ContentViewTest, the_particles_move_twenty_times_a_second_on_every_screen
     EXPECT_EQ(steps, 40) << "nothing in the view ever stops them";
 }
 
+TEST_F(ContentViewTest, every_particle_has_moved_by_a_twentieth_of_its_speeds_when_it_is_told) {
+    makeView();
+    const auto before = view->floatingEmojis();
+    ASSERT_EQ(before.size(), 12U);
+    int told = 0;
+    const auto moved = view->floatingEmojisMoved().observe([&] {
+        ++told;
+        for (std::size_t i = 0; i < before.size(); ++i) {
+            const FloatingEmoji& now = view->floatingEmojis().at(i);
+            EXPECT_EQ(now.id, before[i].id);
+            // One that was near the top has entered again at the bottom.
+            if (before[i].y - before[i].speed / 20 >= -80) {
+                EXPECT_DOUBLE_EQ(now.y, before[i].y - before[i].speed / 20);
+                EXPECT_DOUBLE_EQ(now.x, before[i].x + before[i].drift / 20);
+            } else {
+                EXPECT_EQ(now.y, 700);
+            }
+        }
+    });
+    view->onAppear();
+    machine.runLoop.advance(0.05);
+    EXPECT_EQ(told, 1);
+}
+
 TEST_F(ContentViewTest, a_second_appearance_adds_a_second_particle_timer) {
     makeView().onAppear();
     view->onAppear();
@@ -144,34 +226,6 @@ TEST_F(ContentViewTest, a_second_appearance_adds_a_second_particle_timer) {
     const auto moved = view->floatingEmojisMoved().observe([&] { ++steps; });
     machine.runLoop.advance(1);
     EXPECT_EQ(steps, 40);
-}
-
-// The notification.
-
-TEST_F(ContentViewTest, auto_start_enters_the_control_panel_without_animation) {
-    addLid(100);
-    makeReturningView();
-    machine.defaultCenter.post("autoStartSimulation");
-    EXPECT_EQ(view->screen(), Screen::ControlPanel);
-    EXPECT_EQ(view->screenAnimation(), Animation{});
-    EXPECT_TRUE(view->sensor().isRunning());
-}
-
-TEST_F(ContentViewTest, auto_start_while_suffering_does_not_start_the_sensor_again) {
-    addLid(100);
-    makeReturningView().enterSufferingMode();
-    view->sensor().stop();
-    machine.defaultCenter.post("autoStartSimulation");
-    EXPECT_FALSE(view->sensor().isRunning());
-}
-
-TEST_F(ContentViewTest, auto_start_on_the_hardware_check_leads_to_the_panel_once_it_is_confirmed) {
-    makeView().onAppear();
-    machine.defaultCenter.post("autoStartSimulation");
-    EXPECT_TRUE(view->sufferingMode());
-    EXPECT_EQ(view->screen(), Screen::HardwareCheck);
-    view->confirmHardwareCheck();
-    EXPECT_EQ(view->screen(), Screen::ControlPanel);
 }
 
 } // namespace

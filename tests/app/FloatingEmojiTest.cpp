@@ -4,15 +4,15 @@
 #include <gtest/gtest.h>
 #include <set>
 
-#include "base/UniformDraw.h"
 #include "platform/simulated/SimulatedSystem.h"
 
 namespace quorvane {
 namespace {
 
+// Draws are of 0 to 2^53.
 constexpr std::uint64_t lowest = 0;
-constexpr std::uint64_t highest = uniformDrawBound;
-constexpr std::uint64_t middle = uniformDrawBound / 2;
+constexpr std::uint64_t highest = 9007199254740992;
+constexpr std::uint64_t middle = 4503599627370496;
 
 TEST(FloatingEmoji, draws_each_value_uniformly_in_the_order_of_the_fields) {
     SimulatedRandom random;
@@ -26,7 +26,9 @@ TEST(FloatingEmoji, draws_each_value_uniformly_in_the_order_of_the_fields) {
     EXPECT_EQ(emojis[0].opacity, 0.08);
     EXPECT_EQ(emojis[0].speed, 40);
     EXPECT_EQ(emojis[0].drift, 0);
-    EXPECT_EQ(random.bounds().size(), 8U);
+    constexpr std::uint64_t bits = 18446744073709551615U;
+    EXPECT_THAT(random.bounds(), testing::ElementsAre(bits, bits, highest, highest, highest,
+                                                      highest, highest, highest));
 }
 
 TEST(FloatingEmoji, reaches_both_ends_of_every_range) {
@@ -78,14 +80,32 @@ TEST(FloatingEmoji, exactly_at_the_top_edge_it_stays_and_beyond_it_enters_anew) 
     EXPECT_EQ(emoji.y, -80);
     EXPECT_DOUBLE_EQ(emoji.x, 900.2) << "sideways drift has no bounds";
     emoji.step(random);
-    const FloatingEmoji respawned{.id = {7, 8},
-                                  .x = 500,
-                                  .y = 700,
-                                  .size = 44,
-                                  .opacity = uniformInRange(middle, 0.08, 0.2),
-                                  .speed = 40,
-                                  .drift = -30};
+    const FloatingEmoji respawned{
+        .id = {7, 8}, .x = 500, .y = 700, .size = 44, .opacity = 0.14, .speed = 40, .drift = -30};
+    EXPECT_DOUBLE_EQ(emoji.opacity, respawned.opacity);
+    emoji.opacity = respawned.opacity;
     EXPECT_EQ(emoji, respawned) << "drawn in the order x, drift, speed, opacity";
+}
+
+TEST(FloatingEmoji, drifts_beyond_either_side_and_stays_there_until_it_enters_again) {
+    SimulatedRandom random;
+    FloatingEmoji emoji{
+        .id = {}, .x = 1, .y = 300, .size = 50, .opacity = 0.1, .speed = 20, .drift = -30};
+    emoji.step(random);
+    EXPECT_DOUBLE_EQ(emoji.x, -0.5);
+    emoji.step(random);
+    EXPECT_DOUBLE_EQ(emoji.x, -2);
+    emoji.x = 499;
+    emoji.drift = 30;
+    emoji.step(random);
+    EXPECT_DOUBLE_EQ(emoji.x, 500.5);
+    EXPECT_TRUE(random.bounds().empty());
+    emoji.x = -40;
+    emoji.y = -80;
+    random.script({lowest, middle, middle, middle});
+    emoji.step(random);
+    EXPECT_EQ(emoji.x, 0);
+    EXPECT_EQ(emoji.y, 700);
 }
 
 } // namespace
