@@ -133,10 +133,13 @@ public:
             std::shared_ptr<HIDDevice> m_lid;
         };
 
-        return std::make_shared<Manager>(lid);
+        auto manager = std::make_shared<Manager>(lid);
+        managers.push_back(manager);
+        return manager;
     }
 
     std::shared_ptr<AskedLid> lid = std::make_shared<AskedLid>();
+    std::vector<std::weak_ptr<HIDManager>> managers;
 };
 
 TEST(LidAngleSensorQuestions, every_reading_asks_for_feature_report_1_with_room_for_eight_bytes) {
@@ -150,6 +153,19 @@ TEST(LidAngleSensorQuestions, every_reading_asks_for_feature_report_1_with_room_
     EXPECT_THAT(
         hid.lid->questions,
         Each(Question{.type = HIDReportType::Feature, .reportID = 1, .room = 8, .length = 8}));
+}
+
+TEST(LidAngleSensorQuestions, a_repeated_probe_holds_the_manager_that_found_the_sensor_last) {
+    SimulatedMachine machine;
+    AskedHID hid;
+    const auto sensor = LidAngleSensor::create(exchange(machine.platform(), {.hid = &hid}));
+    sensor->probeSensor();
+    ASSERT_THAT(hid.managers, SizeIs(1));
+    EXPECT_FALSE(hid.managers[0].expired());
+    sensor->probeSensor();
+    ASSERT_THAT(hid.managers, SizeIs(2));
+    EXPECT_TRUE(hid.managers[0].expired());
+    EXPECT_FALSE(hid.managers[1].expired());
 }
 
 } // namespace

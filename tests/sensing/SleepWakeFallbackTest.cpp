@@ -6,6 +6,7 @@
 
 #include "platform/simulated/SimulatedMachine.h"
 #include "sensing/LidAngleSensor.h"
+#include "tests/support/ExchangedPlatform.h"
 
 namespace quorvane {
 namespace {
@@ -175,6 +176,31 @@ TEST_F(SleepWakeFallbackTest, it_works_again_after_stopping_and_starting) {
     ticks(1);
     EXPECT_NEAR(sensor->velocity(), -74.4, 1e-9);
     EXPECT_EQ(machine.runLoop.pendingCount(), 1U);
+}
+
+/// A workspace that counts what it is asked to forget.
+class CountingWorkspace final : public InProcessNotificationCenter {
+public:
+    void removeObserver(Token token) override {
+        ++removals;
+        InProcessNotificationCenter::removeObserver(token);
+    }
+
+    int removals = 0;
+};
+
+TEST(SleepWakeObservers, are_removed_once_each_however_often_it_is_stopped) {
+    SimulatedMachine machine;
+    CountingWorkspace workspace;
+    const auto sensor =
+        LidAngleSensor::create(exchange(machine.platform(), {.workspace = &workspace}));
+    sensor->stop();
+    EXPECT_EQ(workspace.removals, 0);
+    sensor->probeSensor();
+    sensor->start();
+    sensor->stop();
+    sensor->stop();
+    EXPECT_EQ(workspace.removals, 2);
 }
 
 TEST_F(SleepWakeFallbackTest, stopping_prints_nothing) {
