@@ -156,6 +156,22 @@ TEST_F(ContentViewSwitchesTest, the_keyboard_row_gives_no_reason_that_is_not_the
     EXPECT_EQ(row("Keyboard").hint->get(), "");
 }
 
+TEST_F(ContentViewSwitchesTest, a_keyboard_that_runs_has_nothing_to_explain) {
+    makeReturningView();
+    machine.system.trusted = false;
+    row("Keyboard").setOn(true);
+    EXPECT_TRUE(row("Keyboard").isOn->get());
+    EXPECT_EQ(row("Keyboard").hint->get(), "");
+}
+
+TEST_F(ContentViewSwitchesTest, only_the_keyboards_row_can_explain_itself) {
+    makeReturningView();
+    std::vector<bool> hints;
+    for (const ToggleRow& each : view->toggleRows())
+        hints.push_back(each.hint != nullptr);
+    EXPECT_THAT(hints, ElementsAre(false, true, false, false, false, false));
+}
+
 TEST_F(ContentViewSwitchesTest, the_stop_button_takes_the_keyboard_rows_reason_away) {
     makeReturningView();
     keyboard->canStart = false;

@@ -30,7 +30,8 @@ SpringState integrate(const Spring& spring, double time, SpringState state) {
 class SpringOfAnyDamping : public testing::TestWithParam<double> {};
 
 INSTANTIATE_TEST_SUITE_P(Dampings, SpringOfAnyDamping,
-                         testing::Values(0.0, 0.2, 0.6, 0.825, 1 - 1e-9, 1.0, 1 + 1e-9, 1.5, 4.0));
+                         testing::Values(0.0, 0.2, 0.6, 0.825, 0.995, 1 - 1e-9, 1.0, 1 + 1e-9,
+                                         1.005, 1.5, 4.0));
 
 TEST_P(SpringOfAnyDamping, MovesAsTheEquationOfMotionSays) {
     const Spring spring{.response = 0.4, .dampingFraction = GetParam()};

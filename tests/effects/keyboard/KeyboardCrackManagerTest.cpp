@@ -133,6 +133,14 @@ TEST_F(KeyboardCrackManagerTest, stopping_disables_removes_and_closes_in_that_or
     EXPECT_EQ(machine.eventTaps.openCount(), 0U);
 }
 
+TEST_F(KeyboardCrackManagerTest, stopping_twice_does_nothing_more) {
+    makeListening();
+    manager->stop();
+    const auto calls = machine.eventTaps.calls();
+    manager->stop();
+    EXPECT_EQ(machine.eventTaps.calls(), calls);
+}
+
 TEST_F(KeyboardCrackManagerTest, stopping_lets_the_last_crack_sound_to_its_end) {
     makeListening();
     press();

@@ -18,11 +18,13 @@ TEST_F(HapticRampTest, the_pulse_rate_rises_from_5_to_25_over_the_ramp_and_stays
     EXPECT_DOUBLE_EQ(hapticRate(1.5, 3), 15);
     EXPECT_DOUBLE_EQ(hapticRate(3, 3), 25);
     EXPECT_DOUBLE_EQ(hapticRate(300, 3), 25);
+    EXPECT_DOUBLE_EQ(hapticRate(-1.5, 3), -5) << "only a clock that is set back comes there";
 }
 
 TEST_F(HapticRampTest, a_pulse_is_due_in_the_first_sixtieth_of_a_second_of_its_period) {
     EXPECT_TRUE(isHapticPulseDue(0, 5));
     EXPECT_TRUE(isHapticPulseDue(0.016, 5));
+    EXPECT_FALSE(isHapticPulseDue(1.0 / 60, 5));
     EXPECT_FALSE(isHapticPulseDue(0.0167, 5));
     EXPECT_FALSE(isHapticPulseDue(0.199, 5));
     EXPECT_TRUE(isHapticPulseDue(0.201, 5));
