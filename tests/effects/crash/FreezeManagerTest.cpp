@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include "effects/crash/FreezeView.h"
@@ -121,6 +123,14 @@ TEST_F(FreezeManagerTest, the_panel_is_ordered_out_once) {
     manager->stop();
     const auto& calls = machine.screens.panels().at(0)->calls;
     EXPECT_EQ(std::count(calls.begin(), calls.end(), "out"), 1);
+}
+
+TEST_F(FreezeManagerTest, may_be_let_go_of_on_another_thread) {
+    manager->start();
+    std::thread([last = std::move(manager)]() mutable { last.reset(); }).join();
+    machine.runLoop.runMainQueue();
+    machine.runLoop.advance(100);
+    EXPECT_EQ(freezes(), 0U);
 }
 
 TEST_F(FreezeManagerTest, a_start_while_active_schedules_nothing) {

@@ -1,8 +1,10 @@
-#include <cmath>
+#include <array>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "effects/crash/BSODView.h"
 #include "effects/crash/FreezeView.h"
@@ -11,7 +13,22 @@
 namespace quorvane {
 namespace {
 
+using testing::ElementsAre;
+using Weight = TextStyle::Weight;
+
 constexpr Size notebook{.width = 1440, .height = 900};
+constexpr double tolerance = 1e-9;
+
+constexpr Color white(double opacity) {
+    return {.red = 1, .green = 1, .blue = 1, .alpha = opacity};
+}
+
+std::vector<std::string> textsOn(const SimulatedCanvas& canvas) {
+    std::vector<std::string> texts;
+    for (const auto& text : canvas.texts)
+        texts.push_back(text.text);
+    return texts;
+}
 
 class BSODViewTest : public testing::Test {
 protected:
@@ -23,6 +40,12 @@ protected:
     void draw(Size size) {
         view.drawStill(canvas, size);
         view.drawChanging(canvas, size);
+    }
+
+    void expectAt(std::string_view text, double x, double y) const {
+        const Rect& room = canvas.textStarting(text).room;
+        EXPECT_NEAR(room.x, x, tolerance) << text;
+        EXPECT_NEAR(room.y, y, tolerance) << text;
     }
 
     std::shared_ptr<StopScreen> screen = std::make_shared<StopScreen>();
@@ -37,78 +60,116 @@ TEST_F(BSODViewTest, fills_the_whole_screen_with_its_blue) {
     EXPECT_EQ(canvas.fills[0].color, (Color{.red = 0, .green = 0.47, .blue = 0.83, .alpha = 1}));
 }
 
+TEST_F(BSODViewTest, says_these_texts_and_no_others) {
+    screen->progress = 0.42;
+    draw(notebook);
+    EXPECT_THAT(
+        textsOn(canvas),
+        testing::UnorderedElementsAre(
+            ":(",
+            "Your Mac ran into a problem that it couldn't handle, and now it needs to restart.",
+            "If you'd like to know more, you can search online later for this error:\n"
+            "SYSTEM_THREAD_EXCEPTION_NOT_HANDLED",
+            "42%", "Complete: 42%", "0xC000021A"));
+}
+
 TEST_F(BSODViewTest, hangs_its_texts_from_the_top_left_corner_with_their_gaps) {
     draw(notebook);
-    const auto& face = canvas.textStarting(":(");
-    const auto& sentence = canvas.textStarting("Your Mac ran into");
-    const auto& hint = canvas.textStarting("If you'd like");
-    EXPECT_EQ(face.room.x, 100);
-    EXPECT_EQ(face.room.y, 80);
-    EXPECT_EQ(sentence.room.x, 100);
-    EXPECT_DOUBLE_EQ(sentence.room.y, face.room.y + face.room.height + 24);
-    EXPECT_DOUBLE_EQ(hint.room.y, sentence.room.y + sentence.room.height + 32);
-    EXPECT_DOUBLE_EQ(canvas.arcs.at(0).centerY - 35, hint.room.y + hint.room.height + 40);
-    EXPECT_EQ(canvas.arcs[0].centerX, 135);
+    // The face is 144 points high, the sentence 57.6, the hint 38.4, each line beside the ring
+    // 16.8, and the ring 70.
+    expectAt(":(", 100, 80);
+    expectAt("Your Mac ran into", 100, 80 + 144 + 24);
+    expectAt("If you'd like", 100, 248 + 57.6 + 32);
+    constexpr double rowTop = 337.6 + 38.4 + 40;
+    ASSERT_EQ(canvas.arcs.size(), 2U);
+    for (const auto& arc : canvas.arcs) {
+        EXPECT_NEAR(arc.centerX, 135, tolerance);
+        EXPECT_NEAR(arc.centerY, rowTop + 35, tolerance);
+    }
+    constexpr double linesTop = rowTop + (70 - (16.8 + 4 + 16.8)) / 2;
+    expectAt("Complete: ", 100 + 70 + 32, linesTop);
+    expectAt("0xC000021A", 100 + 70 + 32, linesTop + 16.8 + 4);
+    // In the ring, two letters wide and 19.2 points high.
+    expectAt("0%", 135 - 8, rowTop + 35 - 9.6);
 }
 
 TEST_F(BSODViewTest, says_its_texts_in_their_sizes_weights_and_opacities) {
     draw(notebook);
-    const auto check = [&](std::string_view text, double size, TextStyle::Weight weight,
-                           double opacity) {
+    const auto check = [&](std::string_view text, double size, Weight weight, double opacity) {
         const auto& drawn = canvas.textStarting(text);
         EXPECT_EQ(drawn.style.size, size) << text;
         EXPECT_EQ(drawn.style.weight, weight) << text;
-        EXPECT_EQ(drawn.style.color, (Color{.red = 1, .green = 1, .blue = 1, .alpha = opacity}));
+        EXPECT_EQ(drawn.style.color, white(opacity)) << text;
     };
-    using Weight = TextStyle::Weight;
     check(":(", 120, Weight::Light, 1);
-    check("Your Mac ran into a problem that it couldn't handle, and now it needs to restart.", 24,
-          Weight::Bold, 1);
-    check("If you'd like to know more, you can search online later for this error:\n"
-          "SYSTEM_THREAD_EXCEPTION_NOT_HANDLED",
-          16, Weight::Regular, 0.8);
+    check("Your Mac", 24, Weight::Bold, 1);
+    check("If you'd like", 16, Weight::Regular, 0.8);
     check("0%", 16, Weight::Bold, 1);
     check("Complete: 0%", 14, Weight::Regular, 0.8);
     check("0xC000021A", 14, Weight::Regular, 0.6);
 }
 
-TEST_F(BSODViewTest, the_sentence_is_at_most_700_points_wide_and_narrower_screens_wrap_it_more) {
-    draw(notebook);
-    EXPECT_LE(canvas.textStarting("Your Mac").room.width, 700);
-    const double height = canvas.textStarting("Your Mac").room.height;
-    SimulatedCanvas narrow;
-    view.drawStill(narrow, {.width = 600, .height = 1024});
-    EXPECT_LE(narrow.textStarting("Your Mac").room.width, 400);
-    EXPECT_GT(narrow.textStarting("Your Mac").room.height, height);
-}
-
-TEST_F(BSODViewTest, the_ring_is_a_faint_circle_under_an_arc_as_long_as_the_progress) {
-    screen->progress = 0.25;
-    draw(notebook);
-    ASSERT_EQ(canvas.arcs.size(), 2U);
-    EXPECT_EQ(canvas.arcs[0].fraction, 1);
-    EXPECT_EQ(canvas.arcs[0].color.alpha, 0.25);
-    EXPECT_EQ(canvas.arcs[1].fraction, 0.25);
-    EXPECT_EQ(canvas.arcs[1].color.alpha, 1);
-    for (const auto& arc : canvas.arcs) {
-        EXPECT_EQ(arc.radius, 35);
-        EXPECT_EQ(arc.lineWidth, 3);
-        EXPECT_EQ(arc.centerX, 135);
+TEST_F(BSODViewTest, the_sentence_takes_700_points_and_less_where_there_are_less) {
+    // Letters are 12 points wide: 58 of them on a line of 700 points.
+    for (const auto& [width, line] : {std::pair(1440.0, 58 * 12), std::pair(900.0, 58 * 12),
+                                      std::pair(880.0, 56 * 12), std::pair(600.0, 33 * 12)}) {
+        SimulatedCanvas each;
+        view.drawStill(each, {.width = width, .height = 1024});
+        EXPECT_EQ(each.textStarting("Your Mac").room.width, line) << width;
     }
 }
 
-TEST_F(BSODViewTest, the_number_is_centred_in_the_ring_and_the_lines_beside_it) {
-    screen->progress = 0.5;
-    draw(notebook);
-    const auto& number = canvas.textStarting("50%");
-    const double centerY = canvas.arcs[0].centerY;
-    EXPECT_DOUBLE_EQ(number.room.x + number.room.width / 2, 135);
-    EXPECT_DOUBLE_EQ(number.room.y + number.room.height / 2, centerY);
-    const auto& complete = canvas.textStarting("Complete: 50%");
-    const auto& code = canvas.textStarting("0xC000021A");
-    EXPECT_EQ(complete.room.x, 100 + 70 + 32);
-    EXPECT_DOUBLE_EQ(code.room.y, complete.room.y + complete.room.height + 4);
-    EXPECT_DOUBLE_EQ((complete.room.y + code.room.y + code.room.height) / 2, centerY);
+TEST_F(BSODViewTest, every_stop_code_has_a_line_of_its_own_on_every_screen) {
+    for (const char* name : {"SYSTEM_THREAD_EXCEPTION_NOT_HANDLED", "DRIVER_IRQL_NOT_LESS_OR_EQUAL",
+                             "SYSTEM_SERVICE_EXCEPTION", "WINLOGON_FATAL_ERROR",
+                             "PAGE_FAULT_IN_NONPAGED_AREA", "CRITICAL_PROCESS_DIED"})
+        for (int width = 800; width <= 3840; width += 16) {
+            screen->errorMessage = name;
+            SimulatedCanvas each;
+            view.drawStill(each, {.width = static_cast<double>(width), .height = 600});
+            const auto& hint = each.textStarting("If you'd like");
+            EXPECT_TRUE(hint.text.ends_with(std::string("error:\n") + name)) << hint.text;
+            ASSERT_NEAR(hint.room.height, 2 * 1.2 * 16, tolerance) << name << " at " << width;
+        }
+}
+
+TEST_F(BSODViewTest, nothing_reaches_into_the_padding_on_any_screen) {
+    screen->progress = 1;
+    for (const Size size :
+         {Size{.width = 800, .height = 600}, Size{.width = 800, .height = 1280},
+          Size{.width = 1024, .height = 600}, Size{.width = 1080, .height = 1920}, notebook,
+          Size{.width = 3840, .height = 2160}, Size{.width = 2160, .height = 3840}}) {
+        SimulatedCanvas each;
+        view.drawStill(each, size);
+        view.drawChanging(each, size);
+        ASSERT_EQ(each.texts.size(), 6U);
+        for (const auto& text : each.texts) {
+            EXPECT_GE(text.room.x, 100) << text.text;
+            EXPECT_GE(text.room.y, 80) << text.text;
+            EXPECT_LE(text.room.x + text.room.width, size.width - 100) << text.text;
+            EXPECT_LE(text.room.y + text.room.height, size.height - 80) << text.text;
+        }
+        ASSERT_EQ(each.arcs.size(), 2U);
+        EXPECT_LE(each.arcs[0].centerY + 35, size.height - 80);
+    }
+}
+
+TEST_F(BSODViewTest, the_ring_is_a_faint_circle_under_an_arc_as_long_as_the_progress) {
+    for (const double progress : {0.0, 0.25, 0.5, 1.0}) {
+        screen->progress = progress;
+        SimulatedCanvas each;
+        view.drawStill(each, notebook);
+        view.drawChanging(each, notebook);
+        ASSERT_EQ(each.arcs.size(), 2U);
+        EXPECT_EQ(each.arcs[0].fraction, 1);
+        EXPECT_EQ(each.arcs[0].color, white(0.25));
+        EXPECT_EQ(each.arcs[1].fraction, progress);
+        EXPECT_EQ(each.arcs[1].color, white(1));
+        for (const auto& arc : each.arcs) {
+            EXPECT_EQ(arc.radius, 35);
+            EXPECT_EQ(arc.lineWidth, 3);
+        }
+    }
 }
 
 struct Percent {
@@ -120,67 +181,129 @@ class PercentTest : public BSODViewTest, public testing::WithParamInterface<Perc
 
 TEST_P(PercentTest, is_cut_off_and_never_rounded) {
     screen->progress = GetParam().progress;
-    draw(notebook);
-    EXPECT_EQ(canvas.textStarting("Complete").text, std::string("Complete: ") + GetParam().text);
+    view.drawChanging(canvas, notebook);
+    const std::string percent = GetParam().text;
+    EXPECT_THAT(textsOn(canvas), ElementsAre(percent, "Complete: " + percent));
 }
 
 INSTANTIATE_TEST_SUITE_P(Values, PercentTest,
                          testing::Values(Percent{0, "0%"}, Percent{0.009, "0%"},
-                                         Percent{0.994, "99%"}, Percent{0.999, "99%"},
+                                         Percent{0.015, "1%"}, Percent{0.5, "50%"},
+                                         Percent{0.505, "50%"}, Percent{0.99, "99%"},
+                                         Percent{0.994, "99%"}, Percent{0.9999, "99%"},
                                          Percent{1, "100%"}));
+
+TEST_F(BSODViewTest, what_is_still_is_the_same_at_every_progress) {
+    view.drawStill(canvas, notebook);
+    screen->progress = 0.73;
+    SimulatedCanvas later;
+    view.drawStill(later, notebook);
+    EXPECT_EQ(textsOn(canvas), textsOn(later));
+    ASSERT_EQ(canvas.arcs.size(), 1U);
+    ASSERT_EQ(later.arcs.size(), 1U);
+    EXPECT_EQ(later.arcs[0].fraction, 1);
+}
 
 TEST_F(BSODViewTest, what_changes_is_drawn_within_its_bounds) {
     for (const Size size :
          {notebook, Size{.width = 1024, .height = 600}, Size{.width = 3840, .height = 2160},
           Size{.width = 800, .height = 1280}}) {
+        screen->progress = 0;
+        const Rect bounds = view.changingBounds(canvas, size);
         SimulatedCanvas each;
         screen->progress = 1;
         view.drawChanging(each, size);
-        const Rect bounds = view.changingBounds(each, size);
+        EXPECT_EQ(view.changingBounds(each, size), bounds);
+        ASSERT_EQ(each.texts.size(), 2U);
         for (const auto& text : each.texts) {
             EXPECT_GE(text.room.x, bounds.x);
             EXPECT_GE(text.room.y, bounds.y);
             EXPECT_LE(text.room.x + text.room.width, bounds.x + bounds.width);
             EXPECT_LE(text.room.y + text.room.height, bounds.y + bounds.height);
         }
-        EXPECT_LE(each.arcs[0].centerY + 36.5, bounds.y + bounds.height);
-        EXPECT_GE(each.arcs[0].centerY - 36.5, bounds.y);
+        ASSERT_EQ(each.arcs.size(), 1U);
+        // Half of the line's width is outside of the circle.
+        EXPECT_LE(bounds.x, each.arcs[0].centerX - 36.5);
+        EXPECT_LE(bounds.y, each.arcs[0].centerY - 36.5);
+        EXPECT_GE(bounds.y + bounds.height, each.arcs[0].centerY + 36.5);
         EXPECT_LT(bounds.width * bounds.height, 0.06 * size.width * size.height);
     }
 }
 
-TEST_F(BSODViewTest, tells_of_progress_and_of_nothing_else) {
+TEST_F(BSODViewTest, tells_of_each_change_of_the_progress_for_as_long_as_it_is_asked_to) {
     int changes = 0;
-    const auto subscription = view.observeChanges([&] { ++changes; });
+    std::optional<Subscription> subscription = view.observeChanges([&] { ++changes; });
+    screen->progress = 0.5;
     screen->progress = 0.5;
     EXPECT_EQ(changes, 1);
+    screen->progress = 0.51;
+    EXPECT_EQ(changes, 2);
+    subscription.reset();
+    screen->progress = 0.52;
+    EXPECT_EQ(changes, 2);
 }
 
-TEST(FreezeView, washes_the_desktop_out_under_a_large_grey_spinner_and_its_words) {
-    const FreezeView view;
+TEST_F(BSODViewTest, nothing_in_it_spins) {
+    EXPECT_FALSE(view.spinner(canvas, notebook));
+}
+
+TEST(FreezeView, washes_the_whole_desktop_out) {
     SimulatedCanvas canvas;
-    view.drawStill(canvas, notebook);
+    FreezeView().drawStill(canvas, notebook);
     ASSERT_EQ(canvas.fills.size(), 1U);
-    EXPECT_EQ(canvas.fills[0].color, (Color{.red = 1, .green = 1, .blue = 1, .alpha = 0.55}));
-    const auto& text = canvas.textStarting("(Not Responding)");
-    EXPECT_EQ(text.style.size, 22);
-    EXPECT_EQ(text.style.weight, TextStyle::Weight::Medium);
-    EXPECT_EQ(text.style.color.alpha, 0.8);
-    EXPECT_DOUBLE_EQ(text.room.x + text.room.width / 2, 720);
-    const auto spinner = view.spinner(canvas, notebook);
+    EXPECT_EQ(canvas.fills[0].rect, (Rect{.x = 0, .y = 0, .width = 1440, .height = 900}));
+    EXPECT_EQ(canvas.fills[0].color, white(0.55));
+}
+
+TEST(FreezeView, says_in_grey_that_it_does_not_respond) {
+    SimulatedCanvas canvas;
+    FreezeView().drawStill(canvas, notebook);
+    ASSERT_THAT(textsOn(canvas), ElementsAre("(Not Responding)"));
+    const TextStyle& style = canvas.texts[0].style;
+    EXPECT_EQ(style.size, 22);
+    EXPECT_EQ(style.weight, Weight::Medium);
+    EXPECT_NEAR(style.color.red * 255, 142, tolerance);
+    EXPECT_NEAR(style.color.green * 255, 142, tolerance);
+    EXPECT_NEAR(style.color.blue * 255, 147, tolerance);
+    EXPECT_EQ(style.color.alpha, 0.8);
+}
+
+TEST(FreezeView, the_spinner_is_grey_and_three_times_its_own_size) {
+    SimulatedCanvas canvas;
+    const auto spinner = FreezeView().spinner(canvas, notebook);
     ASSERT_TRUE(spinner);
     EXPECT_EQ(spinner->scale, 3);
-    EXPECT_EQ(spinner->centerX, 720);
-    EXPECT_LT(spinner->centerY + 16 + 40, text.room.y + 1e-9);
+    EXPECT_NEAR(spinner->tint.red * 255, 142, tolerance);
+    EXPECT_NEAR(spinner->tint.green * 255, 142, tolerance);
+    EXPECT_NEAR(spinner->tint.blue * 255, 147, tolerance);
+    EXPECT_EQ(spinner->tint.alpha, 1);
 }
 
-TEST(FreezeView, the_whole_stack_is_centred) {
+TEST(FreezeView, stacks_both_in_the_middle_of_every_screen) {
+    for (const Size size :
+         {notebook, Size{.width = 800, .height = 1280}, Size{.width = 3840, .height = 2160}}) {
+        SimulatedCanvas canvas;
+        const FreezeView view;
+        view.drawStill(canvas, size);
+        // The spinner keeps the 32 points of its own size; below it come 20 of spacing and 20 of
+        // padding, and the text, 176 by 26.4.
+        const double top = (size.height - (32 + 20 + 20 + 26.4)) / 2;
+        const auto spinner = view.spinner(canvas, size);
+        ASSERT_TRUE(spinner);
+        EXPECT_NEAR(spinner->centerX, size.width / 2, tolerance);
+        EXPECT_NEAR(spinner->centerY, top + 16, tolerance);
+        const Rect& room = canvas.textStarting("(Not Responding)").room;
+        EXPECT_NEAR(room.x, (size.width - 176) / 2, tolerance);
+        EXPECT_NEAR(room.y, top + 32 + 20 + 20, tolerance);
+    }
+}
+
+TEST(FreezeView, nothing_in_it_changes_but_the_spinner) {
     const FreezeView view;
     SimulatedCanvas canvas;
-    view.drawStill(canvas, notebook);
-    const auto& text = canvas.textStarting("(Not Responding)");
-    const double top = view.spinner(canvas, notebook)->centerY - 16;
-    EXPECT_NEAR(top, 900 - (text.room.y + text.room.height), 1e-9);
+    view.drawChanging(canvas, notebook);
+    EXPECT_TRUE(canvas.texts.empty() && canvas.fills.empty() && canvas.arcs.empty());
+    EXPECT_EQ(view.changingBounds(canvas, notebook), Rect{});
 }
 
 } // namespace
