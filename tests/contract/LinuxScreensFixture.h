@@ -36,14 +36,33 @@ inline QRgb veiled(QRgb color) {
     return qRgb(veil(qRed(color)), veil(qGreen(color)), veil(qBlue(color)));
 }
 
-/// The rectangle around all that is not blue in a part of a picture.
-inline QRect drawnIn(const QImage& picture, const QRect& part) {
+/// The rectangle around all that is not of the background's colour in a part of a picture.
+inline QRect drawnIn(const QImage& picture, const QRect& part, QRgb background = blue) {
     QRect drawn;
     for (int y = part.top(); y <= part.bottom(); ++y)
         for (int x = part.left(); x <= part.right(); ++x)
-            if (!isNear(picture.pixel(x, y), blue))
+            if (!isNear(picture.pixel(x, y), background))
                 drawn |= QRect(x, y, 1, 1);
     return drawn;
+}
+
+/// The rectangles around the lines of text in a part of a picture: between two lines are rows of
+/// pixels where nothing is drawn.
+inline std::vector<QRect> linesIn(const QImage& picture, const QRect& part) {
+    std::vector<QRect> lines;
+    bool inLine = false;
+    for (int y = part.top(); y <= part.bottom(); ++y) {
+        const QRect row = drawnIn(picture, {part.left(), y, part.width(), 1});
+        if (row.isEmpty()) {
+            inLine = false;
+            continue;
+        }
+        if (!inLine)
+            lines.emplace_back();
+        inLine = true;
+        lines.back() |= row;
+    }
+    return lines;
 }
 
 /// The panels of the real service on a desktop of their own.
@@ -95,9 +114,14 @@ protected:
         xrandr({"--output", "screen", "--mode", "small"});
     }
 
-    static void splitScreen() {
-        xrandr({"--setmonitor", "left", "640/170x800/210+0+0", "screen"});
-        xrandr({"--setmonitor", "right", "640/170x800/210+640+0", "none"});
+    /// Two monitors beside each other; `primary` is one of their names.
+    static void splitScreen(const QString& primary = {}) {
+        // The tool marks the primary one so.
+        const auto name = [&primary](const QString& each) {
+            return (each == primary ? "*" : "") + each;
+        };
+        xrandr({"--setmonitor", name("left"), "640/170x800/210+0+0", "screen"});
+        xrandr({"--setmonitor", name("right"), "640/170x800/210+640+0", "none"});
     }
 
     TestDesktop m_desktop;
@@ -105,10 +129,12 @@ protected:
     LinuxScreens m_screens;
 };
 
-/// On an X server that lacks what makes it quick.
+/// On an X server that lacks what makes it quick, and takes no request of more than a megabyte.
 class PoorServerTest : public LinuxScreensTest {
 protected:
-    PoorServerTest() : LinuxScreensTest({"-extension", "MIT-SHM", "-extension", "RANDR"}) {}
+    PoorServerTest()
+        : LinuxScreensTest(
+              {"-extension", "MIT-SHM", "-extension", "RANDR", "-maxbigreqsize", "1"}) {}
 };
 
 } // namespace quorvane

@@ -138,6 +138,12 @@ void TestDesktop::recolor(xcb_window_t window, QRgb color) {
     xcb_flush(m_connection);
 }
 
+void TestDesktop::raise(xcb_window_t window) {
+    const uint32_t mode = XCB_STACK_MODE_ABOVE;
+    xcb_configure_window(m_connection, window, XCB_CONFIG_WINDOW_STACK_MODE, &mode);
+    xcb_flush(m_connection);
+}
+
 void TestDesktop::close(xcb_window_t window) {
     if (window == m_activated)
         m_activated = XCB_WINDOW_NONE;
@@ -272,16 +278,41 @@ QRect TestDesktop::rectOf(xcb_window_t window) const {
     return reply ? QRect(reply->x, reply->y, reply->width, reply->height) : QRect();
 }
 
-std::vector<QRect> TestDesktop::panels() const {
+std::vector<xcb_window_t> TestDesktop::panelWindows() const {
     const Answer<xcb_query_tree_reply_t> tree{
         xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, m_screen->root), nullptr)};
-    std::vector<QRect> places;
+    std::vector<xcb_window_t> windows;
     for (int i = 0; i < xcb_query_tree_children_length(tree.get()); ++i) {
         const xcb_window_t window = xcb_query_tree_children(tree.get())[i];
         if (isPanel(window))
-            places.push_back(rectOf(window));
+            windows.push_back(window);
     }
+    return windows;
+}
+
+std::vector<QRect> TestDesktop::panels() const {
+    std::vector<QRect> places;
+    for (const xcb_window_t window : panelWindows())
+        places.push_back(rectOf(window));
     return places;
+}
+
+std::vector<uint32_t> TestDesktop::panelProperty(const std::string& name) const {
+    const Answer<xcb_get_property_reply_t> reply{xcb_get_property_reply(
+        m_connection,
+        xcb_get_property(m_connection, 0, panelWindows().back(), atom(name), XCB_ATOM_ANY, 0, 64),
+        nullptr)};
+    if (!reply || reply->format != 32)
+        return {};
+    const auto* numbers = static_cast<const uint32_t*>(xcb_get_property_value(reply.get()));
+    return {numbers, numbers + xcb_get_property_value_length(reply.get()) / sizeof(uint32_t)};
+}
+
+bool TestDesktop::panelHasPointer() const {
+    const Answer<xcb_test_compare_cursor_reply_t> reply{xcb_test_compare_cursor_reply(
+        m_connection, xcb_test_compare_cursor(m_connection, panelWindows().back(), XCB_CURSOR_NONE),
+        nullptr)};
+    return reply && !reply->same;
 }
 
 void TestDesktop::pause() {

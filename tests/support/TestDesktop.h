@@ -33,6 +33,8 @@ public:
     /// A window like those of menus, above everything that is there.
     xcb_window_t openMenu(const QRect& place, QRgb color);
     void recolor(xcb_window_t window, QRgb color);
+    /// Puts a window above everything that is there.
+    void raise(xcb_window_t window);
     void close(xcb_window_t window);
     /// Gives a window the keyboard, by way of the window manager.
     void activate(xcb_window_t window);
@@ -51,6 +53,11 @@ public:
     [[nodiscard]] xcb_window_t focus() const;
     /// The places of the panels that are up, the foremost last.
     [[nodiscard]] std::vector<QRect> panels() const;
+    /// The numbers that a property of the foremost panel holds, which has to be there.
+    [[nodiscard]] std::vector<uint32_t> panelProperty(const std::string& name) const;
+    /// Whether the foremost panel has a pointer of its own, in place of what is beneath it.
+    [[nodiscard]] bool panelHasPointer() const;
+    [[nodiscard]] xcb_atom_t atom(const std::string& name) const;
 
     /// Lets the program work until the condition holds, for some seconds at most; whether it held.
     template <typename Condition>
@@ -69,13 +76,14 @@ public:
 private:
     static void pause();
     void startServer(const std::vector<std::string>& options);
-    [[nodiscard]] xcb_atom_t atom(const std::string& name) const;
     [[nodiscard]] bool hasOwner(const std::string& selection) const;
     [[nodiscard]] bool windowManagerIsThere() const;
     void awaitWindowManager(xcb_window_t window);
     [[nodiscard]] bool isUp(xcb_window_t window) const;
     [[nodiscard]] bool isPanel(xcb_window_t window) const;
     [[nodiscard]] QRect rectOf(xcb_window_t window) const;
+    // The foremost last.
+    [[nodiscard]] std::vector<xcb_window_t> panelWindows() const;
     xcb_window_t makeWindow(const QRect& place, QRgb color, bool overrideRedirect);
     void fake(uint8_t type, uint8_t detail, QPoint place);
     void readEvents();
