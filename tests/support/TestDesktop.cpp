@@ -118,7 +118,10 @@ xcb_window_t TestDesktop::openWindow(const QRect& place, QRgb color, bool fullSc
                         XCB_ATOM_WM_SIZE_HINTS, 32, placed.size(), placed.data());
     xcb_map_window(m_connection, window);
     xcb_flush(m_connection);
-    if (!waitFor([this, window] { return isUp(window); }))
+    if (!waitFor([this, window] {
+            wakeWindowManager();
+            return isUp(window);
+        }))
         throw std::runtime_error("the window does not come up");
     activate(window);
     return window;
@@ -167,6 +170,14 @@ void TestDesktop::activate(xcb_window_t window) {
     m_activated = window;
     // The window may have had it before, and be raised only now.
     awaitWindowManager(window);
+}
+
+/// Gives the window manager an event. What it has read while it was starting it may look at only
+/// when the next event comes.
+void TestDesktop::wakeWindowManager() {
+    xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, m_screen->root, atom("WAKE_UP"),
+                        XCB_ATOM_STRING, 8, 0, nullptr);
+    xcb_flush(m_connection);
 }
 
 /// Returns when the window manager has dealt with everything so far: it handles what it is told in

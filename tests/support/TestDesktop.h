@@ -78,6 +78,7 @@ private:
     void startServer(const std::vector<std::string>& options);
     [[nodiscard]] bool hasOwner(const std::string& selection) const;
     [[nodiscard]] bool windowManagerIsThere() const;
+    void wakeWindowManager();
     void awaitWindowManager(xcb_window_t window);
     [[nodiscard]] bool isUp(xcb_window_t window) const;
     [[nodiscard]] bool isPanel(xcb_window_t window) const;
