@@ -2,6 +2,9 @@
 
 #include <QElapsedTimer>
 #include <array>
+#include <fstream>
+
+#include <unistd.h>
 
 #include <gmock/gmock.h>
 
@@ -13,6 +16,13 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+
+/// The addresses that this process has memory at.
+double megabytes() {
+    double pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    return pages * static_cast<double>(sysconf(_SC_PAGESIZE)) / (1 << 20);
+}
 
 } // namespace
 
@@ -147,6 +157,21 @@ TEST_F(LinuxScreensTest, panelsGoWithTheService) {
     panel->orderFrontRegardless();
     panel->orderOut();
     EXPECT_THAT(m_desktop.panels(), IsEmpty());
+}
+
+TEST_F(LinuxScreensTest, panelsThatAreGoneLeaveNoMemoryBehind) {
+    const auto showAndClear = [this] {
+        const auto panel = m_screens.createPanel({.width = 1280, .height = 800}, 128, 2, false);
+        panel->setContentView(std::make_shared<BSODView>(m_stop));
+        panel->orderFrontRegardless();
+        panel->orderOut();
+    };
+    showAndClear();
+    const double before = megabytes();
+    for (int panel = 0; panel < 20; ++panel)
+        showAndClear();
+    // The pixels of one are 4 MB.
+    EXPECT_LT(megabytes() - before, 20);
 }
 
 TEST_F(LinuxScreensTest, nothingIsLeftOfAProgramThatIsKilled) {
