@@ -62,19 +62,23 @@ void BSODManager::showBSOD() {
     m_screen->progress = 0.0;
     m_isShowing = true;
     showPanel();
-    const double startDate = m_platform.runLoop.currentDate();
+    const Start start{.date = m_platform.runLoop.currentDate(),
+                      .mediaTime = m_platform.runLoop.currentMediaTime()};
     if (m_progressTimer)
         m_progressTimer->invalidate();
     m_progressTimer = m_platform.runLoop.scheduledTimer(
-        progressInterval, true, [weak = weak_from_this(), startDate](Timer& timer) {
+        progressInterval, true, [weak = weak_from_this(), start](Timer& timer) {
             if (const auto manager = weak.lock())
-                manager->tick(timer, startDate);
+                manager->tick(timer, start);
             else
                 timer.invalidate();
         });
 }
 
 void BSODManager::showPanel() {
+    // After a late turn of the main thread two screens can come within 5 s. A panel that is no
+    // longer held would take the clicks until the program ends.
+    removePanel();
     const auto screen = m_platform.screens.mainScreen();
     if (!screen)
         return;
@@ -84,9 +88,16 @@ void BSODManager::showPanel() {
                     std::make_shared<BSODView>(m_screen));
 }
 
-void BSODManager::tick(Timer& timer, double startDate) {
-    const double elapsed = m_platform.runLoop.currentDate() - startDate;
-    const double fraction = std::min(elapsed / showDuration, 1.0);
+double BSODManager::fractionSince(const Start& start) const {
+    // The wall clock can be set back; the other one tells when the time is over all the same.
+    if (m_platform.runLoop.currentMediaTime() - start.mediaTime >= showDuration)
+        return 1.0;
+    const double elapsed = m_platform.runLoop.currentDate() - start.date;
+    return std::clamp(elapsed / showDuration, 0.0, 1.0);
+}
+
+void BSODManager::tick(Timer& timer, const Start& start) {
+    const double fraction = fractionSince(start);
     m_screen->progress = fraction;
     if (fraction < 1.0)
         return;

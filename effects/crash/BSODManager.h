@@ -13,8 +13,9 @@
 namespace quorvane {
 
 /// Covers the main screen with a stop screen every 15 seconds, for 5 seconds in which its progress
-/// runs from 0 to 1. Main thread only; owned through a shared pointer. Its owner calls `stop`
-/// before letting go of it: a panel that is up then would stay up.
+/// runs from 0 to 1. The progress follows the wall clock; the screen ends after 5 seconds even if
+/// that clock is set back meanwhile. Main thread only; owned through a shared pointer. Its owner
+/// calls `stop` before letting go of it: a panel that is up then would stay up.
 class BSODManager final : public EffectManager, public std::enable_shared_from_this<BSODManager> {
 public:
     struct StopCode {
@@ -57,9 +58,16 @@ public:
 private:
     explicit BSODManager(const Platform& platform);
 
+    /// When a stop screen came up, on both clocks.
+    struct Start {
+        double date;
+        double mediaTime;
+    };
+
     void showBSOD();
     void showPanel();
-    void tick(Timer& timer, double startDate);
+    void tick(Timer& timer, const Start& start);
+    [[nodiscard]] double fractionSince(const Start& start) const;
     void removePanel();
 
     Platform m_platform;
