@@ -104,6 +104,9 @@ void X11SharedImage::put(xcb_window_t window, xcb_gcontext_t context, uint8_t de
 void X11SharedImage::send(xcb_window_t window, xcb_gcontext_t context, uint8_t depth,
                           const QRect& part) const {
     const size_t longest = xcb_get_maximum_request_length(m_connection.get()) * size_t{4};
+    // The connection is broken.
+    if (longest <= imageHeader)
+        return;
     const auto rowBytes = static_cast<size_t>(part.width()) * bytesPerPixel;
     const int rows = static_cast<int>(std::max<size_t>((longest - imageHeader) / rowBytes, 1));
     for (int top = part.top(); top <= part.bottom(); top += rows) {
