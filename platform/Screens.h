@@ -67,6 +67,10 @@ public:
     virtual void setCollectionBehavior(unsigned behavior) = 0;
     virtual void setIgnoresMouseEvents(bool ignores) = 0;
     virtual void setContentView(std::shared_ptr<const OverlayView> view) = 0;
+    /// Within how many seconds of being shown it will be ordered out; 0, as at first: not known.
+    /// Where the system allows it, the platform removes a panel that is still up 2 s after that,
+    /// because the main thread hangs then.
+    virtual void setTimeLimit(double seconds) = 0;
     virtual void setFrame(const Rect& frame, bool display) = 0;
     virtual void orderFrontRegardless() = 0;
     virtual void orderOut() = 0;

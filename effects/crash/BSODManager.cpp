@@ -82,10 +82,12 @@ void BSODManager::showPanel() {
     const auto screen = m_platform.screens.mainScreen();
     if (!screen)
         return;
-    m_bsodWindow =
-        showOverlay(m_platform.screens, *screen,
-                    {.opaque = true, .background = BSODView::background, .ignoresMouseEvents = {}},
-                    std::make_shared<BSODView>(m_screen));
+    m_bsodWindow = showOverlay(m_platform.screens, *screen,
+                               {.opaque = true,
+                                .background = BSODView::background,
+                                .ignoresMouseEvents = {},
+                                .timeLimit = showDuration},
+                               std::make_shared<BSODView>(m_screen));
 }
 
 double BSODManager::fractionSince(const Start& start) const {

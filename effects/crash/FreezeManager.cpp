@@ -64,11 +64,14 @@ void FreezeManager::showFreeze() {
         return;
     // Two chains may overlap; a panel that nobody holds any more would take the clicks for ever.
     removePanel();
-    m_freezeWindow =
-        showOverlay(m_platform.screens, *screen,
-                    {.opaque = false, .background = clearColor, .ignoresMouseEvents = false},
-                    std::make_shared<FreezeView>());
-    m_platform.runLoop.asyncAfter(draw(shortestFreeze, longestFreeze), [weak = weak_from_this()] {
+    const double length = draw(shortestFreeze, longestFreeze);
+    m_freezeWindow = showOverlay(m_platform.screens, *screen,
+                                 {.opaque = false,
+                                  .background = clearColor,
+                                  .ignoresMouseEvents = false,
+                                  .timeLimit = length},
+                                 std::make_shared<FreezeView>());
+    m_platform.runLoop.asyncAfter(length, [weak = weak_from_this()] {
         const auto manager = weak.lock();
         if (manager && manager->m_isActive)
             manager->endFreeze();

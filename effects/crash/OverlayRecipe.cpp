@@ -16,6 +16,7 @@ std::shared_ptr<OverlayPanel> showOverlay(ScreenService& screens, const Screen& 
                                  PanelCollectionBehavior::fullScreenAuxiliary);
     if (appearance.ignoresMouseEvents)
         panel->setIgnoresMouseEvents(*appearance.ignoresMouseEvents);
+    panel->setTimeLimit(appearance.timeLimit);
     panel->setContentView(std::move(view));
     // Read afresh: the screen may have changed since the panel was made.
     panel->setFrame(screen.frame(), /*display=*/true);

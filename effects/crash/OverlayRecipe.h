@@ -13,6 +13,8 @@ struct OverlayAppearance {
     Color background;
     /// None: left as the panel has it.
     std::optional<bool> ignoresMouseEvents;
+    /// Seconds after which the panel is to be gone; 0: none.
+    double timeLimit = 0;
 };
 
 /// Puts a panel with `view` over the whole of `screen`, above everything, without activating the

@@ -38,7 +38,10 @@ LinuxScreens::LinuxScreens() = default;
 LinuxScreens::~LinuxScreens() = default;
 
 const std::shared_ptr<X11Overlays>& LinuxScreens::overlays() {
-    if (!std::exchange(m_tried, true) && QGuiApplication::platformName() == QLatin1String("xcb"))
+    // The watchdog ends a connection, and so do tools that end the client of a window.
+    if (m_overlays && m_overlays->connection().isBroken())
+        m_overlays.reset();
+    if (!m_overlays && QGuiApplication::platformName() == QLatin1String("xcb"))
         if (auto connection = X11Connection::open())
             m_overlays = std::make_shared<X11Overlays>(std::move(connection));
     return m_overlays;

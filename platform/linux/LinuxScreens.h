@@ -28,7 +28,6 @@ private:
     [[nodiscard]] const std::shared_ptr<X11Overlays>& overlays();
 
     std::shared_ptr<X11Overlays> m_overlays;
-    bool m_tried = false;
 };
 
 } // namespace quorvane

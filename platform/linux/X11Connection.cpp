@@ -79,6 +79,12 @@ void X11Connection::readEvents() {
         m_readable.setEnabled(false);
 }
 
+bool X11Connection::isBroken() {
+    // The library learns of it only by reading.
+    readEvents();
+    return xcb_connection_has_error(m_connection) != 0;
+}
+
 xcb_atom_t X11Connection::atom(std::string_view name) const {
     const auto cookie = xcb_intern_atom(m_connection, /*only_if_exists=*/0,
                                         static_cast<uint16_t>(name.size()), name.data());

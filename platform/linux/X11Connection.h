@@ -36,8 +36,12 @@ public:
     void setReading(bool reading);
     /// Hands over the events that are there now.
     void readEvents();
+    /// Whether nothing can be asked of the server any more. Hands over the events that are there.
+    [[nodiscard]] bool isBroken();
 
     [[nodiscard]] xcb_connection_t* get() const { return m_connection; }
+
+    [[nodiscard]] int socket() const { return xcb_get_file_descriptor(m_connection); }
 
     [[nodiscard]] const xcb_screen_t& screen() const { return *m_screen; }
 

@@ -54,6 +54,10 @@ void X11Panel::setContentView(std::shared_ptr<const OverlayView> view) {
     showAnew();
 }
 
+void X11Panel::setTimeLimit(double seconds) {
+    m_timeLimit = seconds;
+}
+
 void X11Panel::setFrame(const Rect& frame, bool /*display*/) {
     m_frame = frame;
     const auto overlays = m_overlays.lock();
@@ -72,6 +76,8 @@ void X11Panel::orderFrontRegardless() {
         // A server without any visual that it could be drawn for has no overlays.
         if (m_monitor.pixels.isEmpty() || overlays->connection().visual(24) == 0)
             return;
+        if (m_timeLimit > 0)
+            m_watchdog.emplace(overlays->connection().socket(), m_timeLimit);
         m_overlay = makeOverlay(*overlays);
     }
     overlays->add(shared_from_this());
@@ -81,6 +87,7 @@ void X11Panel::orderOut() {
     m_overlay.reset();
     if (const auto overlays = m_overlays.lock())
         overlays->remove(*this);
+    m_watchdog.reset();
 }
 
 const X11OverlayWindow* X11Panel::window() const {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/Screens.h"
+#include "platform/linux/PanelWatchdog.h"
 #include "platform/linux/X11Monitors.h"
 #include "platform/linux/X11Overlay.h"
 
@@ -25,6 +26,7 @@ public:
     void setCollectionBehavior(unsigned behavior) override;
     void setIgnoresMouseEvents(bool ignores) override;
     void setContentView(std::shared_ptr<const OverlayView> view) override;
+    void setTimeLimit(double seconds) override;
     void setFrame(const Rect& frame, bool display) override;
     void orderFrontRegardless() override;
     void orderOut() override;
@@ -52,7 +54,10 @@ private:
     bool m_opaque = true;
     Color m_background;
     bool m_ignoresMouse = false;
+    double m_timeLimit = 0;
     std::unique_ptr<X11Overlay> m_overlay;
+    // From before the window comes until after it has gone.
+    std::optional<PanelWatchdog> m_watchdog;
 };
 
 } // namespace quorvane

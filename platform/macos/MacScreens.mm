@@ -77,6 +77,9 @@ public:
         m_panel.contentView = makeMacOverlayView(std::move(view), m_panel.frame.size);
     }
 
+    /// Panels belong to the main thread, and the window server offers no way round it.
+    void setTimeLimit(double /*seconds*/) override {}
+
     void setFrame(const Rect& frame, bool display) override {
         [m_panel setFrame:toNSRect(frame) display:display];
     }

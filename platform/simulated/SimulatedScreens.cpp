@@ -59,6 +59,8 @@ public:
         m_record->view = std::move(view);
     }
 
+    void setTimeLimit(double seconds) override { m_record->timeLimit = seconds; }
+
     void setFrame(const Rect& frame, bool display) override {
         note("frame ", rectText(frame), " display ", yesOrNo(display));
         m_record->frame = frame;

@@ -57,6 +57,7 @@ struct SimulatedPanel {
     std::vector<std::string> calls;
     std::shared_ptr<const OverlayView> view;
     Rect frame;
+    double timeLimit = 0;
     bool shown = false;
 };
 

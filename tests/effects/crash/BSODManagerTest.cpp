@@ -66,6 +66,7 @@ TEST_F(BSODManagerTest, the_panel_is_made_by_the_recipe_step_by_step) {
                             "opaque yes", "background 0,0.47,0.83,1", "behavior 257",
                             "content view", "frame 10,20 1280x800 display yes", "front"));
     EXPECT_NE(machine.screens.panels().at(0)->view, nullptr);
+    EXPECT_EQ(machine.screens.panels().at(0)->timeLimit, 5);
 }
 
 TEST_F(BSODManagerTest, progress_is_the_share_of_five_seconds_on_the_wall_clock) {

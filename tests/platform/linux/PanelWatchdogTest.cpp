@@ -1,0 +1,115 @@
+#include "platform/linux/PanelWatchdog.h"
+
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <optional>
+#include <thread>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace quorvane {
+
+namespace {
+
+using testing::internal::CaptureStderr;
+using testing::internal::GetCapturedStderr;
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+double secondsSince(Clock::time_point start) {
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+/// A connection, of which the test is the server.
+class PanelWatchdogTest : public testing::Test {
+protected:
+    PanelWatchdogTest() { socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, m_ends.data()); }
+
+    ~PanelWatchdogTest() override {
+        close(m_ends[0]);
+        close(m_ends[1]);
+    }
+
+    [[nodiscard]] int client() const { return m_ends[0]; }
+
+    /// Whether the client's side is shut down within that time.
+    [[nodiscard]] bool isShutDownWithin(double seconds) const {
+        pollfd server{.fd = m_ends[1], .events = POLLIN, .revents = 0};
+        poll(&server, 1, static_cast<int>(seconds * 1000));
+        return (server.revents & POLLHUP) != 0;
+    }
+
+private:
+    std::array<int, 2> m_ends{};
+};
+
+} // namespace
+
+TEST_F(PanelWatchdogTest, ConnectionIsShutDownTwoSecondsAfterTheTimeLimitAndItIsTold) {
+    CaptureStderr();
+    const auto start = Clock::now();
+    const PanelWatchdog watchdog(client(), 0.5);
+    EXPECT_TRUE(isShutDownWithin(10));
+    EXPECT_GT(secondsSince(start), 2.45);
+    EXPECT_LT(secondsSince(start), 3.0);
+    std::this_thread::sleep_for(milliseconds(100));
+    EXPECT_EQ(GetCapturedStderr(),
+              "quorvane: the main thread hangs: removed a panel that was overdue\n");
+}
+
+TEST_F(PanelWatchdogTest, PanelThatGoesInTimeLeavesTheConnectionAlone) {
+    std::optional<PanelWatchdog> watchdog(std::in_place, client(), 0.1);
+    EXPECT_FALSE(isShutDownWithin(1.8)) << "late by less than 2 s";
+    const auto start = Clock::now();
+    watchdog.reset();
+    EXPECT_LT(secondsSince(start), 0.2) << "its end waits for nothing";
+    EXPECT_FALSE(isShutDownWithin(1));
+}
+
+TEST_F(PanelWatchdogTest, ProcessThatWasHaltedHasHalfASecondToRemoveThePanelItself) {
+    const pid_t child = fork();
+    if (child == 0) {
+        std::optional<PanelWatchdog> watchdog(std::in_place, client(), 0.1);
+        raise(SIGSTOP);
+        std::this_thread::sleep_for(milliseconds(250));
+        watchdog.reset();
+        _exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, WUNTRACED), child);
+    ASSERT_TRUE(WIFSTOPPED(status));
+    EXPECT_FALSE(isShutDownWithin(3)) << "it is halted";
+    kill(child, SIGCONT);
+    EXPECT_FALSE(isShutDownWithin(1));
+    kill(child, SIGKILL);
+    waitpid(child, &status, 0);
+}
+
+TEST_F(PanelWatchdogTest, ProcessThatWasHaltedAndStillHangsLosesThePanel) {
+    CaptureStderr();
+    const pid_t child = fork();
+    if (child == 0) {
+        const PanelWatchdog watchdog(client(), 0.1);
+        raise(SIGSTOP);
+        std::this_thread::sleep_for(std::chrono::seconds(10));
+        _exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, WUNTRACED), child);
+    std::this_thread::sleep_for(milliseconds(2500));
+    kill(child, SIGCONT);
+    EXPECT_TRUE(isShutDownWithin(1));
+    std::this_thread::sleep_for(milliseconds(100));
+    kill(child, SIGKILL);
+    waitpid(child, &status, 0);
+    EXPECT_NE(GetCapturedStderr(), "");
+}
+
+} // namespace quorvane
