@@ -59,8 +59,10 @@ xcb_cursor_t X11Overlays::arrow() {
 }
 
 void X11Overlays::add(std::shared_ptr<X11Panel> panel) {
-    if (m_shown.empty())
+    if (m_shown.empty()) {
+        m_stopSignals.emplace(m_connection->socket());
         watch(true);
+    }
     std::erase(m_shown, panel);
     const auto place = std::find_if(m_shown.begin(), m_shown.end(), [&panel](const auto& other) {
         return other->level() <= panel->level();
@@ -74,6 +76,8 @@ void X11Overlays::remove(const X11Panel& panel) {
     if (m_shown.empty())
         watch(false);
     m_connection->settle();
+    if (m_shown.empty())
+        m_stopSignals.reset();
 }
 
 void X11Overlays::watch(bool desktop) {

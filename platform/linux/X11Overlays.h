@@ -3,8 +3,10 @@
 #include <QElapsedTimer>
 #include <QTimer>
 #include <memory>
+#include <optional>
 #include <vector>
 
+#include "platform/linux/StopSignals.h"
 #include "platform/linux/X11Connection.h"
 
 namespace quorvane {
@@ -45,6 +47,8 @@ private:
     xcb_cursor_t m_arrow = XCB_CURSOR_NONE;
     // RandR's first event; 0: the server has no RandR.
     int m_screensEvent;
+    // While a panel is up.
+    std::optional<StopSignals> m_stopSignals;
     // The foremost first.
     std::vector<std::shared_ptr<X11Panel>> m_shown;
     QTimer m_raise;
