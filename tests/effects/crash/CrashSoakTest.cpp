@@ -1,6 +1,9 @@
+#include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <iostream>
+#include <map>
 #include <memory>
 #include <optional>
 #include <random>
@@ -17,8 +20,13 @@ namespace {
 constexpr double minute = 60;
 constexpr double hour = 60 * minute;
 
+bool isStopScreen(const SimulatedPanel& panel) {
+    return dynamic_cast<const BSODView*>(panel.view.get()) != nullptr;
+}
+
 /// Both effects on one machine for a while, switched on and off at random, with a screen that comes
-/// and goes. The seed repeats the run.
+/// and goes, a wall clock that is moved and a main thread that is blocked. The seed repeats the
+/// run.
 class Soak {
 public:
     explicit Soak(std::uint64_t seed) : m_chance(seed) {
@@ -27,14 +35,13 @@ public:
     }
 
     void run(double seconds) {
-        const double end = m_machine.runLoop.currentMediaTime() + seconds;
-        while (m_machine.runLoop.currentMediaTime() < end && !testing::Test::HasFailure()) {
-            m_machine.runLoop.advance(std::exponential_distribution<>(1.0 / 5)(m_chance));
-            check();
+        const double end = now() + seconds;
+        while (now() < end && !testing::Test::HasFailure()) {
+            pass(exponential(5));
             doSomething();
             check();
         }
-        m_bsod->stop();
+        stopScreens();
         m_freeze->stop();
         EXPECT_TRUE(m_machine.screens.shownPanels().empty()) << "a panel outlived both effects";
         // What cannot be cancelled ends by itself.
@@ -43,29 +50,84 @@ public:
         EXPECT_TRUE(m_machine.screens.shownPanels().empty());
     }
 
+    [[nodiscard]] std::size_t stopScreensShown() const { return m_stopScreens; }
+
 private:
+    [[nodiscard]] double now() const { return m_machine.runLoop.currentMediaTime(); }
+
+    double exponential(double mean) { return std::exponential_distribution<>(1 / mean)(m_chance); }
+
+    /// Lets time pass, and looks at each instant at which something happens.
+    void pass(double seconds) {
+        const double end = now() + seconds;
+        while (now() < end && !testing::Test::HasFailure()) {
+            const double due = m_machine.runLoop.nextDeadline().value_or(end);
+            m_machine.runLoop.advance(std::max(std::min(due, end) - now(), 0.0) + instant);
+            check();
+        }
+    }
+
     void doSomething() {
-        switch (std::uniform_int_distribution<>(0, 7)(m_chance)) {
+        switch (std::uniform_int_distribution<>(0, 10)(m_chance)) {
         case 0:
-            m_bsod->stop();
+            stopScreens();
             break;
         case 1:
             m_freeze->stop();
             break;
         case 2:
-            m_machine.screens.setMainScreen(std::nullopt);
+            setScreen(std::nullopt);
             break;
         case 3:
-            m_machine.screens.setMainScreen(Rect{.x = 0, .y = 0, .width = 1024, .height = 600});
+            setScreen(Rect{.x = 0, .y = 0, .width = 1024, .height = 600});
             break;
         case 4:
         case 5:
-            m_bsod->start();
+            startScreens();
+            break;
+        case 6:
+            m_machine.runLoop.sleep(exponential(5));
+            break;
+        case 7:
+            m_machine.runLoop.setDate(m_machine.runLoop.currentDate() +
+                                      std::uniform_real_distribution<>(-20, 20)(m_chance));
+            break;
+        case 8:
+            m_machine.runLoop.block(exponential(10));
+            m_machine.runLoop.advance(0);
             break;
         default:
-            m_freeze->start();
+            startFreezes();
             break;
         }
+    }
+
+    void setScreen(std::optional<Rect> frame) {
+        m_machine.screens.setMainScreen(frame);
+        m_hasScreen = frame.has_value();
+        // A freeze that finds no screen is the last one until the effect is started again.
+        m_freezesMayEnd = m_freezesMayEnd || !m_hasScreen;
+    }
+
+    void startScreens() {
+        if (!m_bsod->isActive())
+            m_started = now();
+        m_bsod->start();
+        if (!m_due)
+            m_due = m_started + 15;
+    }
+
+    void stopScreens() {
+        m_bsod->stop();
+        m_due.reset();
+    }
+
+    void startFreezes() {
+        if (!m_freeze->isActive()) {
+            m_lastFreeze = now();
+            m_freezesMayEnd = !m_hasScreen;
+        }
+        m_freeze->start();
     }
 
     void checkProgress() const {
@@ -73,22 +135,81 @@ private:
         EXPECT_LE(m_bsod->progress(), 1.0);
     }
 
-    void check() const {
+    void check() {
+        checkProgress();
+        checkPromise();
+        checkShown();
+        EXPECT_TRUE(m_freezesMayEnd || !m_freeze->isActive() || now() - m_lastFreeze < 40.001)
+            << "no freeze for " << now() - m_lastFreeze << " s";
+    }
+
+    /// A stop screen every 15 s from the start on; those that are missed while the main thread is
+    /// blocked come as one, as soon as it goes on.
+    void checkPromise() {
+        if (m_due && now() >= *m_due) {
+            m_promised += m_hasScreen ? 1 : 0;
+            m_screenWasThere = m_hasScreen;
+            m_due = m_started + 15 * (std::floor((now() - m_started) / 15) + 1);
+        }
+        const auto& panels = m_machine.screens.panels();
+        for (; m_counted < panels.size(); ++m_counted)
+            m_stopScreens += isStopScreen(*panels[m_counted]) ? 1 : 0;
+        EXPECT_EQ(m_stopScreens, m_promised) << "at " << now();
+    }
+
+    void checkShown() {
         std::size_t stopScreens = 0;
         std::size_t freezes = 0;
-        for (const auto& panel : m_machine.screens.shownPanels())
-            ++(dynamic_cast<const BSODView*>(panel->view.get()) ? stopScreens : freezes);
-        EXPECT_LE(stopScreens, m_bsod->isShowing() ? 1U : 0U);
+        std::map<std::shared_ptr<SimulatedPanel>, double> shown;
+        for (const auto& panel : m_machine.screens.shownPanels()) {
+            const auto known = m_shown.find(panel);
+            shown[panel] = known == m_shown.end() ? now() : known->second;
+            checkTime(*panel, now() - shown[panel]);
+            ++(isStopScreen(*panel) ? stopScreens : freezes);
+        }
+        m_shown = std::move(shown);
+        EXPECT_EQ(stopScreens, m_bsod->isShowing() && m_screenWasThere ? 1U : 0U) << "at " << now();
         EXPECT_TRUE(m_bsod->isActive() || !m_bsod->isShowing());
         EXPECT_LE(freezes, m_freeze->isActive() ? 1U : 0U);
-        checkProgress();
+        if (freezes > 0 || m_wasFrozen)
+            m_lastFreeze = now();
+        m_wasFrozen = freezes > 0;
     }
+
+    static void checkTime(const SimulatedPanel& panel, double upFor) {
+        if (isStopScreen(panel)) {
+            EXPECT_EQ(panel.timeLimit, 5);
+            EXPECT_LT(upFor, 5.02) << "it ends with a tick of the progress";
+            return;
+        }
+        EXPECT_GE(panel.timeLimit, 3);
+        EXPECT_LE(panel.timeLimit, 4);
+        EXPECT_LT(upFor, panel.timeLimit + 0.001);
+    }
+
+    // Longer than the rounding of times.
+    static constexpr double instant = 1e-6;
 
     std::mt19937_64 m_chance;
     SimulatedMachine m_machine;
     std::shared_ptr<BSODManager> m_bsod = BSODManager::create(m_machine.platform());
     std::shared_ptr<FreezeManager> m_freeze = FreezeManager::create(m_machine.platform());
     Subscription m_bsodMoved;
+    bool m_hasScreen = true;
+    // When the stop screens were started, and when the next one is due.
+    double m_started = 0;
+    std::optional<double> m_due;
+    bool m_screenWasThere = false;
+    std::size_t m_promised = 0;
+    std::size_t m_stopScreens = 0;
+    // Of the panels that there ever were, those that have been counted.
+    std::size_t m_counted = 0;
+    // When the last freeze ended, or the freezes were started.
+    double m_lastFreeze = 0;
+    bool m_wasFrozen = false;
+    bool m_freezesMayEnd = false;
+    // When each panel that is up was first seen.
+    std::map<std::shared_ptr<SimulatedPanel>, double> m_shown;
 };
 
 /// A number from the environment, so that a longer soak or a failed seed needs no rebuilding.
@@ -101,7 +222,9 @@ TEST(CrashSoak, a_day_and_a_night) {
     const std::uint64_t seed = setting("QUORVANE_SOAK_SEED", std::random_device{}());
     const std::uint64_t hours = setting("QUORVANE_SOAK_HOURS", 24);
     std::cout << "QUORVANE_SOAK_SEED=" << seed << '\n';
-    Soak(seed).run(static_cast<double>(hours) * hour);
+    Soak soak(seed);
+    soak.run(static_cast<double>(hours) * hour);
+    EXPECT_GT(soak.stopScreensShown(), 50 * hours);
 }
 
 TEST(CrashSoak, a_thousand_times_ten_minutes) {
