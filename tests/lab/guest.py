@@ -10,7 +10,7 @@ Without a SCENARIO all of them are played.
 import contextlib
 import pathlib
 import sys
-import traceback
+import time
 
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(SOURCE / "tools"))
@@ -21,51 +21,29 @@ import force_feedback  # noqa: E402
 import keyboard_rights  # noqa: E402
 import keyboards  # noqa: E402
 import lids  # noqa: E402
+from player import Player, TooManyRetries  # noqa: E402
 from stage import Lab  # noqa: E402
 
-ATTEMPTS = 4
+
+def asking(lab, name):
+    """Somebody asks the host for files, one after the other, while something is timed."""
+    asked = 0
+    with lab.watch.timed():
+        until = time.monotonic() + 1
+        while time.monotonic() < until:
+            pathlib.Path(f"/usr/no-such-file-{asked}").exists()
+            asked += 1
+    lab.leave(name, "asked.json", {"asked": asked})
 
 
-class Player:
-    """Plays scenarios, one after the other: each owns the machine's HID devices and sound."""
-
-    def __init__(self, lab, wanted):
-        self._lab = lab
-        self._wanted = wanted
-
-    def __call__(self, name, scenario, *arguments, **options):
-        """Plays one; its failure is left in its folder and does not stop the others.
-
-        A scenario in which the machine stood still says nothing about the program and is played
-        again; the last attempt counts whatever it was.
-        """
-        self._play(ATTEMPTS, name, scenario, *arguments, **options)
-
-    def rehearse(self, name, scenario, *arguments, **options):
-        """Plays one that nobody judges: once will do."""
-        self._play(1, name, scenario, *arguments, **options)
-
-    def _play(self, attempts, name, scenario, *arguments, **options):
-        if self._wanted and name not in self._wanted:
-            return
-        for attempt in range(1, attempts + 1):
-            self._play_once(name, scenario, *arguments, **options)
-            spans, complaint = self._lab.watch.take()
-            self._lab.leave(name, "standstill.json", {"spans": spans, "complaint": complaint})
-            if not complaint:
-                break
-            print(f"lab: {name}, attempt {attempt} of {attempts}: {complaint}", flush=True)
-        self._lab.hand_over(name)
-
-    def _play_once(self, name, scenario, *arguments, **options):
-        print(f"lab: {name}", flush=True)
-        self._lab.forget(name)
-        try:
-            scenario(self._lab, name, *arguments, **options)
-        except Exception:  # pylint: disable=broad-except
-            (self._lab.folder(name) / "failure").write_text(traceback.format_exc(),
-                                                            encoding="utf-8")
-            traceback.print_exc()
+def play_all(lab, play):
+    """Every scenario there is."""
+    lids.play_all(play)
+    play("asking", asking)
+    with keyboards.device_manager(lab.desktop.env):
+        keyboards.play_all(play)
+        keyboard_rights.play_all(play)
+    force_feedback.play_all(play)
 
 
 def main():
@@ -75,11 +53,11 @@ def main():
     with contextlib.ExitStack() as stack:
         lab = Lab(build, results, stack)
         play = Player(lab, sys.argv[3:])
-        lids.play_all(play)
-        with keyboards.device_manager(lab.desktop.env):
-            keyboards.play_all(play)
-            keyboard_rights.play_all(play)
-        force_feedback.play_all(play)
+        try:
+            play_all(lab, play)
+            print(f"lab: {play.finish()}", flush=True)
+        except TooManyRetries as error:
+            sys.exit(f"lab: {error}")
 
 
 if __name__ == "__main__":

@@ -32,10 +32,11 @@ class Probe:
         pkexec = home / "pkexec"
         pkexec.write_text(f'#!/bin/sh\necho "$@" >>{self.asked}\n')
         pkexec.chmod(0o755)
-        os.chown(home, NOBODY.pw_uid, NOBODY.pw_gid)
         env = dict(processes.base_environment(str(home)), WAYLAND_DISPLAY="wayland-0",
                    DBUS_SYSTEM_BUS_ADDRESS=lab.desktop.env["DBUS_SYSTEM_BUS_ADDRESS"])
         env["PATH"] = f"{home}:{env['PATH']}"
+        for folder in (home, *filter(pathlib.Path.is_dir, home.iterdir())):
+            os.chown(folder, NOBODY.pw_uid, NOBODY.pw_gid)
         # Where the program was built may be a folder that this user cannot enter.
         env["QUORVANE_RESOURCES"] = str(home)
         for file in (CRACK, lab.build / "keyboard_probe", lab.build / "quorvane-keyboard-access"):

@@ -14,6 +14,7 @@ from stage import PATIENCE
 HERE = pathlib.Path(__file__).resolve().parent
 
 SCRIPT = ("still:1", "open:50:0.7", "still:1.5", "close:50:0.7", "still:1.5", "open:50:0.5")
+COLD_SCRIPT = ("still:1", "open:50:1.5")
 AFTER_VANISHING = 5.0
 AFTER_SWITCHING_OFF = 1.5
 
@@ -76,6 +77,12 @@ def moving_lid(lab, name, *script, after_vanishing=0.0):
             lab.leave_sound(name, recording, facts)
 
 
+def cold_creak(lab, name):
+    """The first creak on a machine that has read nothing of the program's files yet."""
+    pathlib.Path("/proc/sys/vm/drop_caches").write_text("3", encoding="ascii")
+    moving_lid(lab, name, *COLD_SCRIPT, after_vanishing=AFTER_SWITCHING_OFF)
+
+
 def found(lab, name, *lids):
     """What the console says of the sensor at a later launch, with these devices plugged in."""
     with contextlib.ExitStack() as stack:
@@ -89,7 +96,10 @@ def hidraw_contract(lab, name):
     """The HID service's own contract test, on a device of this kernel."""
     with contextlib.ExitStack() as stack:
         _plug(lab, name, stack, "--keep", "--product", "0x8104", "--angle", "100")
-        lab.run_contract(name, "contract_hidraw", QUORVANE_HIDRAW_ANGLE="100")
+        # Those two need a device that the contract can move and unplug.
+        lab.run_contract(name, "contract_hidraw", QUORVANE_HIDRAW_ANGLE="100",
+                         GTEST_FILTER="-*.EachReportHoldsTheAngleOfItsMoment/*"
+                                      ":*.ADeviceThatIsGoneFailsEveryLaterCall/*")
 
 
 def rights(lab, name):
@@ -101,10 +111,10 @@ def rights(lab, name):
 def play_all(play):
     """The lid's scenarios, each by `play(name, scenario, *arguments, **options)`.
 
-    They begin with a rehearsal, which nobody judges: whatever the program reads of the host's files
-    when the lid creaks, the machine has in its own memory from then on.
+    What the program reads of the host's files when the lid creaks for the first time, the machine
+    has in its own memory from then on.
     """
-    play.rehearse("rehearsal", moving_lid, *SCRIPT[:2])
+    play("cold_creak", cold_creak)
     play("moving_lid", moving_lid, *SCRIPT, after_vanishing=AFTER_VANISHING)
     play("found_by_scan", found, ("--product", "0xabc1"))
     play("first_reading_0", found, ("--angle", "0"))

@@ -89,13 +89,9 @@ class Lab:
         folder.mkdir(parents=True, exist_ok=True)
         return folder
 
-    def forget(self, scenario):
-        """Makes room for playing a scenario once more."""
-        shutil.rmtree(self._played / scenario, ignore_errors=True)
-
-    def hand_over(self, scenario):
-        """Gives what a scenario has left to the host."""
-        shutil.copytree(self.folder(scenario), self._results / scenario)
+    def hand_over(self, scenario, attempt):
+        """Gives what an attempt at a scenario has left to the host, and makes room for another."""
+        shutil.move(self.folder(scenario), self._results / scenario / attempt)
 
     def set_first_launch(self, is_first):
         """Makes the next launch the first one, which checks the hardware, or a later one."""

@@ -1,28 +1,34 @@
-"""What the machine left behind is what it should be.
+"""What the lid's scenarios left behind is what it should be.
 
-LAB_RESULTS names the folder of the run, LAB_CLIP the creak's sound file.
+LAB_CLIP is the creak's sound file.
 """
 
-import json
+import functools
 import os
 import pathlib
 import tempfile
-import unittest
 
 import numpy
 
 import sound
+from verdicts import Scenario, in_every_attempt, main
 
-RESULTS = pathlib.Path(os.environ["LAB_RESULTS"])
 CLIP = pathlib.Path(os.environ["LAB_CLIP"])
 
-ONSET = 0.3
+ONSET = 0.2
 """Seconds from the beginning of a motion to its sound. On the way lie a reading every 1/30 s, the
-feed every 1/60 s, the output's buffer and, the first time, the opening of the output device."""
+feed every 1/60 s and the output's buffer: 0.08 at the most, and 0.1 for which the machine may stand
+still."""
 
-RELEASE = 0.4
-"""Seconds from the end of the motion to silence: 0.2 s until the mean slope is 0, and as much again
-for reading, feed, buffer and an emulated processor."""
+FIRST_ONSET = 0.25
+"""The same with the opening of the output device, some 0.06."""
+
+COLD_ONSET = 0.5
+"""The same on a machine that has read nothing of the program's files yet."""
+
+RELEASE = (0.14, 0.35)
+"""Seconds from the end of the motion to silence: 0.2 s until the mean slope is 0, a reading more or
+less, and on the late side a buffer and 0.1 for which the machine may stand still."""
 
 PLACE = 0.08
 """Seconds by which a place in the clip may be off. A restart would be off by almost a second."""
@@ -35,26 +41,16 @@ LIKENESS = 0.8
 """Correlation from which on a slice has been found; a wrong place comes to some 0.5."""
 
 
-def _load(scenario):
-    folder = RESULTS / scenario
-    failure = folder / "failure"
-    if failure.exists():
-        raise AssertionError(f"{scenario} failed in the machine:\n{failure.read_text()}")
-    return folder
+class WithLid(Scenario):
+    """What every scenario with a program and lid devices has."""
 
+    @property
+    def console(self):
+        return self.facts["console"]
 
-class Scenario(unittest.TestCase):
-    """What every scenario with a program has."""
-
-    NAME = ""
-
-    @classmethod
-    def setUpClass(cls):
-        cls.folder = _load(cls.NAME)
-        cls.facts = json.loads((cls.folder / "program.json").read_text(encoding="utf-8"))
-        cls.console = cls.facts["console"]
-        lines = (cls.folder / "device.log").read_text(encoding="utf-8").splitlines()
-        cls.device = [json.loads(line) for line in lines]
+    @property
+    def device(self):
+        return self.json_lines("device.log")
 
     def sensor_lines(self):
         return [line for line in self.console if "[SENSOR]" in line]
@@ -67,28 +63,38 @@ class Scenario(unittest.TestCase):
             self.sensor_lines(),
             ["⚠️ [SENSOR] No HID lid sensor found — using sleep/wake fallback"])
 
-    def readings(self, begin, end):
-        return [entry for entry in self.device
-                if entry["event"] == "reading" and begin <= entry["time"] < end]
+    def assert_left_properly(self):
+        """The program was there until it was told to leave, and complained of nothing."""
+        self.assertEqual(self.facts["errors"], [])
+        self.assertTrue(self.facts["alive_before_sigterm"])
+        self.assertEqual(self.facts["status"], 0)
 
 
-class MovingLid(Scenario):
-    """The lid rests, opens, rests, closes, rests, opens and vanishes meanwhile."""
+class Creaking(WithLid):
+    """The lid moves and vanishes meanwhile, and all the while it is recorded."""
 
-    NAME = "moving_lid"
+    MOTIONS = 0
 
     @classmethod
-    def setUpClass(cls):
-        super().setUpClass()
-        cls.sound = sound.Recording(cls.folder / "sound.wav", cls.facts["sound_start"])
-        cls.moves = [(entry["time"], entry["slope"]) for entry in cls.device
+    def open(cls, attempt):
+        super().open(attempt)
+        facts = cls.json("program.json")
+        device = cls.json_lines("device.log")
+        cls.sound = sound.Recording(cls.folder / "sound.wav", facts["sound_start"])
+        cls.moves = [(entry["time"], entry["slope"]) for entry in device
                      if entry["event"] == "move"]
-        (cls.gone,) = (entry["time"] for entry in cls.device if entry["event"] == "gone")
+        (cls.gone,) = (entry["time"] for entry in device if entry["event"] == "gone")
         ends = [at for at, _ in cls.moves[1:]] + [cls.gone]
         cls.spans = [(at, end) for (at, slope), end in zip(cls.moves, ends) if slope]
         cls.rests = [(at, end) for (at, slope), end in zip(cls.moves, ends) if not slope]
+        if len(cls.spans) != cls.MOTIONS or len(cls.rests) != cls.MOTIONS:
+            raise AssertionError(f"not the moves of {cls.NAME}: {cls.moves}")
+
+    @functools.cached_property
+    def clip(self):
+        """The creak's sound file."""
         with tempfile.TemporaryDirectory() as scratch:
-            cls.clip = sound.Clip(CLIP, cls.sound.rate, pathlib.Path(scratch))
+            return sound.Clip(CLIP, self.sound.rate, pathlib.Path(scratch))
 
     def creak(self, number):
         """When the sound of a motion began and ended."""
@@ -119,45 +125,87 @@ class MovingLid(Scenario):
               f"the last {end - last[0]:.2f} s before the end")
         return began, ended
 
-    def test_no_sample_of_the_recording_was_lost(self):
-        self.assertEqual((self.folder / "recorder.log").read_text(encoding="utf-8"), "")
+    def assert_silent_until_the_lid_moves(self):
+        moves = self.spans[0][0]
+        self.assertGreater(moves - self.sound.start, 1)
+        self.assertEqual(self.sound.loud_windows(self.sound.start, moves), [])
 
-    def test_console_names_the_sensor_its_product_and_its_angle(self):
+    def assert_sensor_was_found(self):
         self.assertEqual(self.sensor_lines(),
                          ["✅ [SENSOR] Found lid sensor! ProductID=0x8104, angle=100°"])
 
+
+class ColdCreak(Creaking):
+    """The lid opens once, on a machine that has read nothing of the program's files yet."""
+
+    NAME = "cold_creak"
+    MOTIONS = 1
+
+    @in_every_attempt
+    def test_console_names_the_sensor(self):
+        self.assert_sensor_was_found()
+
+    @in_every_attempt
+    def test_nothing_sounds_before_the_lid_moves(self):
+        self.assert_silent_until_the_lid_moves()
+
+    def test_creak_begins_in_spite_of_all_that_is_read_for_it(self):
+        begin = self.spans[0][0]
+        loud = self.sound.loud_windows(begin, self.facts["switching_off"])
+        self.assertTrue(loud, "no sound at all")
+        print(f"sound after {loud[0] - begin:.3f} s")
+        self.assertLess(loud[0] - begin, COLD_ONSET)
+
+    @in_every_attempt
+    def test_program_leaves_properly_when_told(self):
+        self.assert_left_properly()
+
+
+class MovingLid(Creaking):
+    """The lid rests, opens, rests, closes, rests, opens and vanishes meanwhile."""
+
+    NAME = "moving_lid"
+    MOTIONS = 3
+
+    def test_no_sample_of_the_recording_was_lost(self):
+        self.assertEqual((self.folder / "recorder.log").read_text(encoding="utf-8"), "")
+
+    @in_every_attempt
+    def test_console_names_the_sensor_its_product_and_its_angle(self):
+        self.assert_sensor_was_found()
+
     def test_lid_is_read_thirty_times_a_second(self):
         first, last = self.rests[0][0], self.gone
-        rate = len(self.readings(first, last)) / (last - first)
+        rate = sum(entry["event"] == "reading" and first <= entry["time"] < last
+                   for entry in self.device) / (last - first)
         print(f"{rate:.2f} readings a second")
         self.assertGreater(rate, 29)
         self.assertLess(rate, 31)
 
+    @in_every_attempt
     def test_nothing_sounds_before_the_lid_moves(self):
-        self.assertEqual(self.sound.loud_windows(self.sound.start, self.spans[0][0]), [])
+        self.assert_silent_until_the_lid_moves()
 
     def test_creak_begins_soon_after_the_lid_begins_to_move(self):
         for number, (begin, _) in enumerate(self.spans):
             delay = self.creak(number)[0] - begin
             print(f"motion {number + 1}: sound after {delay:.3f} s")
             self.assertGreater(delay, 0)
-            self.assertLess(delay, ONSET)
+            self.assertLess(delay, ONSET if number else FIRST_ONSET)
 
     def test_creak_is_audible_while_the_lid_moves(self):
         for number, (_, end) in enumerate(self.spans):
             level = self.sound.level(self.creak(number)[0], end)
             print(f"motion {number + 1}: {level:.1f} dBFS")
-            self.assertGreater(level, -40)
+            # As loud as the clip itself.
+            self.assertAlmostEqual(level, -23, delta=4)
 
-    def test_silence_soon_after_the_lid_comes_to_rest(self):
+    def test_silence_once_the_mean_slope_is_over_after_the_lid_comes_to_rest(self):
         for number, (_, end) in enumerate(self.spans[:-1]):
             delay = self.creak(number)[1] - end
             print(f"motion {number + 1}: silent after {delay:.3f} s")
-            self.assertLess(delay, RELEASE)
-
-    def test_creak_goes_on_for_as_long_as_the_slope_is_averaged(self):
-        for number, (_, end) in enumerate(self.spans[:-1]):
-            self.assertGreater(self.creak(number)[1] - end, 0.1)
+            self.assertGreater(delay, RELEASE[0])
+            self.assertLess(delay, RELEASE[1])
 
     def test_first_creak_starts_at_the_start_of_the_clip(self):
         (earliest, latest), _ = self.places_in_clip(0)
@@ -185,12 +233,12 @@ class MovingLid(Scenario):
         self.assertGreater(end - self.facts["switched_off"], 1)
         self.assertEqual(self.sound.loud_windows(self.facts["switched_off"] + 0.3, end), [])
 
+    @in_every_attempt
     def test_program_outlives_the_lid_and_leaves_properly_when_told(self):
-        self.assertTrue(self.facts["alive_before_sigterm"])
-        self.assertEqual(self.facts["status"], 0)
+        self.assert_left_properly()
 
 
-class FoundByScan(Scenario):
+class FoundByScan(WithLid):
     """A product that is in no list."""
 
     NAME = "found_by_scan"
@@ -200,10 +248,10 @@ class FoundByScan(Scenario):
                          ["✅ [SENSOR] Found lid sensor via scan! ProductID=0xabc1, angle=100°"])
 
     def test_program_leaves_properly_when_told(self):
-        self.assertEqual(self.facts["status"], 0)
+        self.assert_left_properly()
 
 
-class FirstReading0(Scenario):
+class FirstReading0(WithLid):
     """A reading that no hinge in use can have."""
 
     NAME = "first_reading_0"
@@ -212,10 +260,10 @@ class FirstReading0(Scenario):
         self.assert_refused(0)
 
     def test_program_leaves_properly_when_told(self):
-        self.assertEqual(self.facts["status"], 0)
+        self.assert_left_properly()
 
 
-class FirstReading200(Scenario):
+class FirstReading200(WithLid):
     """A reading beyond what a hinge opens to."""
 
     NAME = "first_reading_200"
@@ -224,26 +272,27 @@ class FirstReading200(Scenario):
         self.assert_refused(200)
 
     def test_program_leaves_properly_when_told(self):
-        self.assertEqual(self.facts["status"], 0)
+        self.assert_left_properly()
 
 
-class HidrawContract(unittest.TestCase):
+class HidrawContract(Scenario):
     """The HID service's own test program, run in the machine."""
 
+    NAME = "hidraw_contract"
+
     def test_contract_is_kept_on_a_device_of_the_kernel(self):
-        folder = _load("hidraw_contract")
-        result = json.loads((folder / "result.json").read_text(encoding="utf-8"))
-        print(result["output"])
-        self.assertEqual(result["status"], 0)
-        self.assertRegex(result["output"], r"\[  PASSED  \] 1\d tests")
+        self.assert_contract_kept(12)
 
 
-class DeviceRights(unittest.TestCase):
+class DeviceRights(Scenario):
     """What udev makes of the program's rules: who may open which device."""
 
+    NAME = "device_rights"
+
     @classmethod
-    def setUpClass(cls):
-        rights = json.loads((_load("device_rights") / "rights.json").read_text(encoding="utf-8"))
+    def open(cls, attempt):
+        super().open(attempt)
+        rights = cls.json("rights.json")
         cls.without = {name for name, given in rights["without"].items() if given}
         cls.given = {name for name, given in rights["with"].items() if given}
         cls.devices = set(rights["with"])
@@ -260,5 +309,17 @@ class DeviceRights(unittest.TestCase):
                                                      "keyboard that buzzes"})
 
 
+class Asking(Scenario):
+    """One second of questions to the host."""
+
+    NAME = "asking"
+
+    def test_waiting_for_the_hosts_files_is_no_standstill(self):
+        # Else all attempts were void, and the machine's run has failed.
+        self.assertGreater(self.json("asked.json")["asked"], 500)
+        self.assertLess(sum(end - begin for begin, end in self.json("standstill.json")["spans"]),
+                        0.1)
+
+
 if __name__ == "__main__":
-    unittest.main(verbosity=2)
+    main()
