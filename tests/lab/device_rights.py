@@ -7,15 +7,17 @@ import shutil
 import subprocess
 
 from desktop.waiting import wait_until
+
 from input_device import (ABS_X, ABS_Y, BTN_TOOL_FINGER, BTN_TOUCH, EV_ABS, EV_FF, EV_KEY,
                           FF_RUMBLE, KEYBOARD_KEYS, InputDevice)
+from lid_device import LidDevice
 
 RULES = pathlib.Path(__file__).resolve().parents[2] / "resources/70-quorvane.rules"
 PLACE = pathlib.Path("/run/udev/rules.d")
 
 # Without 0x8102, which the kernel keeps for a driver of its own.
-LIDS = ("0x8103", "0x8104", "0x8105", "0x8262")
-OTHER_PRODUCT = "0xabc1"
+LIDS = (0x8103, 0x8104, 0x8105, 0x8262)
+OTHER_PRODUCT = 0xABC1
 
 FINGER = {EV_KEY: (BTN_TOUCH, BTN_TOOL_FINGER), EV_ABS: (ABS_X, ABS_Y)}
 KEYS = {EV_KEY: KEYBOARD_KEYS}
@@ -48,22 +50,31 @@ def _given_to_the_seat(node):
     return re.search(r"^CURRENT_TAGS=.*:uaccess:", output, re.M) is not None
 
 
-def _look(plug_lid):
+@contextlib.contextmanager
+def _lid(product):
+    """A lid sensor that is there but never answers: nothing is asked of it."""
+    device = LidDevice(product)
+    try:
+        yield
+    finally:
+        device.destroy()
+
+
+def _look():
     """Each device's name and whether the person is let at it."""
     rights = {}
     for product in (*LIDS, OTHER_PRODUCT):
-        with contextlib.ExitStack() as stack:
-            plug_lid(product, stack)
-            rights[product] = _given_to_the_seat(_hidraw_node())
+        with _lid(product):
+            rights[f"{product:#06x}"] = _given_to_the_seat(_hidraw_node())
     for name, codes in INPUT_DEVICES.items():
         with contextlib.closing(InputDevice(name, codes)) as device:
             rights[name] = _given_to_the_seat(device.node)
     return rights
 
 
-def look(plug_lid):
-    """The rights before and after the rules are there; `plug_lid(product, stack)` makes a lid."""
-    without = _look(plug_lid)
+def look():
+    """The rights before and after the rules are there."""
+    without = _look()
     PLACE.mkdir(parents=True)
     shutil.copy(RULES, PLACE)
-    return {"without": without, "with": _look(plug_lid)}
+    return {"without": without, "with": _look()}

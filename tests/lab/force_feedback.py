@@ -27,8 +27,8 @@ COMPLETE = "🚜 [STARTUP] Sequence complete"
 EFFECTS = 3
 """How many the program uploads: one a pattern."""
 
-FAN_TIME = 5.0
-MOMENT = 2.0
+FAN_TIME = 4.5
+MOMENT = 1.0
 
 
 class Pad:

@@ -23,10 +23,10 @@ KEYS = tuple(range(1, 89))
 BURST = [key for key in KEYS if key not in (29, 42, 54, 56, 58, 69, 70)][:64]
 
 SWITCH = "Keyboard"
-PAUSE = 1.3
+PAUSE = 0.7
 """Seconds between two deeds: a crack is over long before."""
 
-HOLD = 1.5
+HOLD = 1.0
 STROKES = 6
 STROKE = 0.5
 

@@ -85,7 +85,7 @@ class Motion:
 class LidDevice:
     """The device itself, from its creation until `destroy`."""
 
-    def __init__(self, product, motion, log):
+    def __init__(self, product, motion=None, log=None):
         self._motion = motion
         self._log = log
         self.file = os.open("/dev/uhid", os.O_RDWR | os.O_CLOEXEC)

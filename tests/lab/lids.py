@@ -13,10 +13,10 @@ from stage import PATIENCE
 
 HERE = pathlib.Path(__file__).resolve().parent
 
-SCRIPT = ("still:1", "open:50:0.7", "still:1.5", "close:50:0.7", "still:1.5", "open:50:0.5")
-COLD_SCRIPT = ("still:1", "open:50:1.5")
-AFTER_VANISHING = 5.0
-AFTER_SWITCHING_OFF = 1.5
+SCRIPT = ("still:1", "open:50:0.7", "still:1", "close:50:0.7", "still:1", "open:50:0.5")
+COLD_SCRIPT = ("still:1", "open:50:1")
+AFTER_VANISHING = 3.5
+AFTER_SWITCHING_OFF = 1.2
 
 
 class Lid:
@@ -44,7 +44,7 @@ def _plug(lab, scenario, stack, *arguments):
     return Lid(lab.desktop.env, lab.folder(scenario) / "device.log", stack, *arguments)
 
 
-def _to_the_panel(lab, program, folder):
+def _to_the_panel(lab, program):
     """The first launch, as far as the panel with the creak's switch."""
     app = lab.reader.application(program)
     app.press("CHECK HARDWARE 🔍", PATIENCE)
@@ -52,7 +52,6 @@ def _to_the_panel(lab, program, folder):
     app.press("CONTINUE", PATIENCE)
     app.press("MAKE ME SUFFER 😭", PATIENCE)
     app.find("Build quality", timeout=PATIENCE)
-    lab.desktop.display.screenshot(folder / "panel.png")
     return app
 
 
@@ -64,7 +63,7 @@ def moving_lid(lab, name, *script, after_vanishing=0.0):
         recording = lab.desktop.record(folder / "recorder.log", stack)
         lid = _plug(lab, name, stack, "--product", "0x8104", "--angle", "100", *script)
         with lab.program(name, stack) as (program, facts):
-            app = _to_the_panel(lab, program, folder)
+            app = _to_the_panel(lab, program)
             with lab.watch.timed():
                 app.toggle("Build quality")
                 lid.begin_to_move()
@@ -104,8 +103,7 @@ def hidraw_contract(lab, name):
 
 def rights(lab, name):
     """What the program's udev rules change for the person at the machine."""
-    plug = lambda product, stack: _plug(lab, name, stack, "--keep", "--product", product)
-    lab.leave(name, "rights.json", device_rights.look(plug))
+    lab.leave(name, "rights.json", device_rights.look())
 
 
 def play_all(play):
