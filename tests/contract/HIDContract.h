@@ -1,8 +1,10 @@
 #pragma once
 
+#include <array>
 #include <gtest/gtest.h>
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include "platform/HID.h"
 
@@ -26,8 +28,7 @@ public:
     /// What the sensor says now, in degrees; none: nobody knows, but it is a plausible lid angle.
     [[nodiscard]] virtual std::optional<int> angle() const = 0;
 
-    /// Whether the next two can be done to this sensor.
-    [[nodiscard]] virtual bool isOurs() const { return true; }
+    // For the cases that move the sensor or unplug it: a side that cannot does without them.
 
     virtual void setAngle(int) {}
 
@@ -35,6 +36,20 @@ public:
 };
 
 using HIDContractSideMaker = std::unique_ptr<HIDContractSide> (*)();
+
+/// What came of reading a report.
+struct HIDReading {
+    HIDResult result = hidSuccess;
+    std::size_t length = 0;
+    /// Each 0xEE where nothing was written.
+    std::array<std::uint8_t, 8> bytes{};
+
+    [[nodiscard]] int angle() const { return bytes[1] | bytes[2] << 8; }
+};
+
+[[nodiscard]] HIDReading readReport(HIDDevice& device, std::size_t room = 8,
+                                    HIDReportType type = HIDReportType::Feature,
+                                    std::uint8_t reportID = 1);
 
 class HIDContract : public testing::TestWithParam<HIDContractSideMaker> {
 protected:

@@ -23,8 +23,6 @@ public:
         return told ? std::optional(std::stoi(told)) : std::nullopt;
     }
 
-    [[nodiscard]] bool isOurs() const override { return false; }
-
 private:
     // Without industrial I/O, so that all that is found is hidraw.
     TemporaryFolder m_noSysfs;

@@ -58,6 +58,31 @@ private:
     LinuxHID m_hid{m_sysfs.path()};
 };
 
+/// On a sensor that is ours to move.
+class HIDMovedContract : public HIDContract {};
+
+TEST_P(HIDMovedContract, EachReportHoldsTheAngleOfItsMoment) {
+    const auto device = sensor();
+    ASSERT_TRUE(device);
+    ASSERT_EQ(device->open(), hidSuccess);
+    for (const int angle : {1, 90, 255, 256, 359}) {
+        m_side->setAngle(angle);
+        EXPECT_EQ(readReport(*device).angle(), angle);
+    }
+}
+
+TEST_P(HIDMovedContract, ADeviceThatIsGoneFailsEveryLaterCall) {
+    const auto opened = sensor();
+    const auto unopened = sensor();
+    ASSERT_TRUE(opened && unopened);
+    ASSERT_EQ(opened->open(), hidSuccess);
+    m_side->unplug();
+    EXPECT_NE(unopened->open(), hidSuccess);
+    EXPECT_NE(readReport(*opened).result, hidSuccess);
+    EXPECT_NE(readReport(*opened).result, hidSuccess);
+    EXPECT_TRUE(devices({}, m_side->vendorID()).empty());
+}
+
 template <typename Side>
 std::unique_ptr<HIDContractSide> make() {
     return std::make_unique<Side>();
@@ -65,6 +90,8 @@ std::unique_ptr<HIDContractSide> make() {
 
 INSTANTIATE_TEST_SUITE_P(Simulated, HIDContract, testing::Values(&make<SimulatedSide>));
 INSTANTIATE_TEST_SUITE_P(LinuxIIO, HIDContract, testing::Values(&make<IIOSide>));
+INSTANTIATE_TEST_SUITE_P(Simulated, HIDMovedContract, testing::Values(&make<SimulatedSide>));
+INSTANTIATE_TEST_SUITE_P(LinuxIIO, HIDMovedContract, testing::Values(&make<IIOSide>));
 
 } // namespace
 
