@@ -1,94 +1,179 @@
 #include "platform/simulated/LiveMachine.h"
 
+#include <array>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <optional>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
 
 #include "platform/simulated/SimulatedMachine.h"
 
 namespace quorvane {
 namespace {
 
-/// A live machine over another simulated one, which plays the real part.
+using testing::ElementsAre;
+using testing::SizeIs;
+
+// A callback carries no context.
+std::vector<std::pair<TapEventType, std::int64_t>> heardKeys;
+
+const TapEvent& hear(const TapEvent& event) {
+    heardKeys.emplace_back(event.type, event.keyboardAutorepeat);
+    return event;
+}
+
+/// A scenario's devices on a machine that is itself simulated, so that its time can be moved.
 class LiveMachineTest : public testing::Test {
 protected:
-    LiveMachine& make(std::string_view text) {
-        live.emplace(std::get<Scenario>(parseScenario(text)), real.platform());
-        return *live;
+    void load(std::string_view text) {
+        m_live.emplace(std::get<Scenario>(parseScenario(text)), m_real.platform());
     }
 
-    SimulatedMachine real;
-    std::optional<LiveMachine> live;
+    std::vector<std::shared_ptr<HIDDevice>> devices(const HIDMatching& matching) {
+        const auto manager = m_live->platform().hid.createManager();
+        manager->setDeviceMatching(matching);
+        manager->scheduleWithRunLoop();
+        return manager->open() == hidSuccess ? manager->copyDevices().value()
+                                             : std::vector<std::shared_ptr<HIDDevice>>{};
+    }
+
+    static int angleOf(HIDDevice& device) {
+        std::array<std::uint8_t, 3> report{};
+        std::size_t length = report.size();
+        EXPECT_EQ(device.open(), hidSuccess);
+        EXPECT_EQ(device.getReport(HIDReportType::Feature, 1, report, length), hidSuccess);
+        return report[1] | report[2] << 8;
+    }
+
+    SimulatedMachine m_real;
+    std::optional<LiveMachine> m_live;
 };
 
 TEST_F(LiveMachineTest, what_the_scenario_describes_is_simulated_and_the_rest_is_real) {
-    const Platform platform = make("{}").platform();
-    EXPECT_NE(&platform.hid, &real.hid);
-    EXPECT_NE(&platform.workspace, &real.workspace);
-    EXPECT_NE(&platform.eventTaps, &real.eventTaps);
-    EXPECT_NE(&platform.system, &real.system);
-    EXPECT_NE(&platform.application, &real.application);
-    EXPECT_EQ(&platform.runLoop, &real.runLoop);
-    EXPECT_EQ(&platform.defaultCenter, &real.defaultCenter);
-    EXPECT_EQ(&platform.audio, &real.audio);
-    EXPECT_EQ(&platform.haptics, &real.haptics);
-    EXPECT_EQ(&platform.screens, &real.screens);
-    EXPECT_EQ(&platform.bundle, &real.bundle);
-    EXPECT_EQ(&platform.random, &real.random);
-    EXPECT_EQ(&platform.console, &real.console);
+    load("{}");
+    const Platform platform = m_live->platform();
+    EXPECT_NE(&platform.hid, &m_real.hid);
+    EXPECT_NE(&platform.workspace, &m_real.workspace);
+    EXPECT_NE(&platform.eventTaps, &m_real.eventTaps);
+    EXPECT_NE(&platform.system, &m_real.system);
+    EXPECT_NE(&platform.application, &m_real.application);
+    EXPECT_EQ(&platform.runLoop, &m_real.runLoop);
+    EXPECT_EQ(&platform.defaultCenter, &m_real.defaultCenter);
+    EXPECT_EQ(&platform.audio, &m_real.audio);
+    EXPECT_EQ(&platform.haptics, &m_real.haptics);
+    EXPECT_EQ(&platform.screens, &m_real.screens);
+    EXPECT_EQ(&platform.bundle, &m_real.bundle);
+    EXPECT_EQ(&platform.random, &m_real.random);
+    EXPECT_EQ(&platform.console, &m_real.console);
 }
 
-TEST_F(LiveMachineTest, settings_are_the_scenarios_own_only_if_it_has_some) {
-    EXPECT_EQ(&make("{}").platform().userDefaults, &real.userDefaults);
-    real.userDefaults.setBool("hardwareChecked", true);
-    UserDefaults& own =
-        make(R"({"defaults": {"hardwareChecked": false, "other": true}})").platform().userDefaults;
-    EXPECT_FALSE(own.boolForKey("hardwareChecked"));
-    EXPECT_TRUE(own.boolForKey("other"));
-    own.setBool("other", false);
-    EXPECT_FALSE(real.userDefaults.hasKey("other"));
-    EXPECT_FALSE(make(R"({"defaults": {}})").platform().userDefaults.boolForKey("hardwareChecked"));
+TEST_F(LiveMachineTest, controls_are_pressed_by_name) {
+    load(R"({"events": [{"at": 3, "press": "OK"}]})");
+    std::string pressed;
+    m_live->start(
+        {.press = [&](std::string_view control) { pressed = control; }, .key = {}, .quit = {}});
+    m_real.runLoop.advance(3);
+    EXPECT_EQ(pressed, "OK");
 }
 
-TEST_F(LiveMachineTest, the_login_item_is_the_scenarios_and_being_in_front_is_real) {
-    real.application.loginItem = LoginItemStatus::Enabled;
-    EXPECT_EQ(make("{}").platform().application.loginItemStatus(), LoginItemStatus::NotRegistered);
-    EXPECT_EQ(make(R"({"loginItem": true})").platform().application.loginItemStatus(),
-              LoginItemStatus::Enabled);
-    real.application.active = false;
-    EXPECT_FALSE(live->platform().application.isActive());
-    real.application.active = true;
-    EXPECT_TRUE(live->platform().application.isActive());
+TEST_F(LiveMachineTest, the_login_item_is_the_scenarios_and_the_focus_the_desktops) {
+    m_real.application.loginItem = LoginItemStatus::Enabled;
+    load("{}");
+    const auto& application = m_live->platform().application;
+    EXPECT_EQ(application.loginItemStatus(), LoginItemStatus::NotRegistered);
+    EXPECT_TRUE(application.isActive());
+    m_real.application.active = false;
+    EXPECT_FALSE(application.isActive());
+    load(R"({"loginItem": true})");
+    EXPECT_EQ(m_live->platform().application.loginItemStatus(), LoginItemStatus::Enabled);
 }
 
-TEST_F(LiveMachineTest, furnishes_the_machine_and_lets_its_events_reach_everybody) {
-    make(R"({"model": "MacBookAir10,1", "trusted": true,
-             "hid": [{"product": "0x8104", "lid": [[0, 90]]}],
-             "events": [{"at": 1, "key": "down"}, {"at": 1, "key": "up"},
-                        {"at": 2, "screens": "wake"}, {"at": 3, "press": "OK"}]})");
-    const Platform platform = live->platform();
-    EXPECT_EQ(platform.system.modelName(), "MacBookAir10,1");
-    EXPECT_TRUE(platform.system.isProcessTrusted());
-    static int keys = 0;
-    keys = 0;
-    const auto tap = platform.eventTaps.createTap(
-        TapLocation::Session, TapPlacement::HeadInsert, TapOptions::ListenOnly,
-        tapEventMask(TapEventType::KeyDown), [](const TapEvent& event) -> const TapEvent& {
-            ++keys;
-            return event;
-        });
+TEST_F(LiveMachineTest, settings_are_the_persons_unless_the_scenario_has_its_own) {
+    load("{}");
+    m_live->platform().userDefaults.setBool("mine", true);
+    EXPECT_TRUE(m_real.userDefaults.boolForKey("mine"));
+    load(R"({"defaults": {"yes": true, "no": false}})");
+    auto& own = m_live->platform().userDefaults;
+    EXPECT_TRUE(own.boolForKey("yes"));
+    EXPECT_FALSE(own.boolForKey("no"));
+    EXPECT_FALSE(own.boolForKey("mine"));
+    own.setBool("new", true);
+    EXPECT_FALSE(m_real.userDefaults.boolForKey("new"));
+}
+
+TEST_F(LiveMachineTest, the_system_is_the_scenarios) {
+    m_real.system.model = "real";
+    m_real.system.trusted = true;
+    load(R"({"model": "scenario"})");
+    EXPECT_EQ(m_live->platform().system.modelName(), "scenario");
+    EXPECT_FALSE(m_live->platform().system.isProcessTrusted());
+}
+
+TEST_F(LiveMachineTest, sleep_and_wake_are_the_scenarios) {
+    load(R"({"events": [{"at": 1, "screens": "sleep"}, {"at": 2, "screens": "wake"},
+                        {"at": 3, "machine": "wake"}]})");
+    std::vector<std::string> heard;
+    for (const std::string_view name :
+         {WorkspaceNotification::screensDidSleep, WorkspaceNotification::screensDidWake,
+          WorkspaceNotification::didWake})
+        m_live->platform().workspace.addObserver(name,
+                                                 [&heard, name] { heard.emplace_back(name); });
+    m_live->start({});
+    m_real.runLoop.advance(3);
+    EXPECT_THAT(heard, ElementsAre("NSWorkspaceScreensDidSleepNotification",
+                                   "NSWorkspaceScreensDidWakeNotification",
+                                   "NSWorkspaceDidWakeNotification"));
+}
+
+TEST_F(LiveMachineTest, its_keys_are_heard_by_its_taps) {
+    load(R"({"trusted": true,
+             "events": [{"at": 1, "key": "down"}, {"at": 1, "key": "repeat"}, {"at": 1, "key": "up"},
+                        {"at": 1, "key": "flags"}]})");
+    heardKeys.clear();
+    const auto tap =
+        m_live->platform().eventTaps.createTap(TapLocation::Session, TapPlacement::HeadInsert,
+                                               TapOptions::ListenOnly, ~std::uint64_t{0}, &hear);
     const auto source = tap->createRunLoopSource(0);
     source->addToRunLoop();
     tap->enable(true);
-    int wakes = 0;
-    platform.workspace.addObserver("NSWorkspaceScreensDidWakeNotification", [&] { ++wakes; });
-    std::string pressed;
-    live->start({.press = [&](std::string_view control) { pressed = control; },
-                 .key = [](const TapEvent&) { ADD_FAILURE() << "its taps get the keys"; },
-                 .quit = {}});
-    real.runLoop.advance(3);
-    EXPECT_EQ(keys, 1);
-    EXPECT_EQ(wakes, 1);
-    EXPECT_EQ(pressed, "OK");
+    m_live->start({});
+    m_real.runLoop.advance(1);
+    EXPECT_THAT(heardKeys,
+                ElementsAre(std::pair(TapEventType::KeyDown, 0),
+                            std::pair(TapEventType::KeyDown, 1), std::pair(TapEventType::KeyUp, 0),
+                            std::pair(TapEventType::FlagsChanged, 0)));
+}
+
+TEST_F(LiveMachineTest, its_time_starts_when_it_is_made) {
+    m_real.runLoop.advance(10);
+    load(R"({"hid": [{"product": "0x8104", "lid": [[0, 100], [2, 140]], "unplugAt": 3}],
+             "events": [{"at": 1, "quit": true}]})");
+    int quits = 0;
+    m_live->start({.press = {}, .key = {}, .quit = [&] { ++quits; }});
+    const auto found = devices({.vendorID = 0x05AC, .productID = 0x8104});
+    ASSERT_THAT(found, SizeIs(1));
+    EXPECT_EQ(angleOf(*found[0]), 100);
+    m_real.runLoop.advance(0.99);
+    EXPECT_EQ(quits, 0);
+    m_real.runLoop.advance(0.01);
+    EXPECT_EQ(quits, 1);
+    EXPECT_EQ(angleOf(*found[0]), 120);
+    m_real.runLoop.advance(2);
+    EXPECT_NE(found[0]->open(), hidSuccess);
+}
+
+TEST_F(LiveMachineTest, a_device_is_what_the_scenario_says_of_it) {
+    load(R"({"hid": [{"vendor": "0x046d", "product": 7, "lid": [[0, 90]]},
+                     {"product": "0x8104", "lid": [[0, 90]], "refusesOpen": true}]})");
+    EXPECT_THAT(devices({.vendorID = 0x046D, .productID = 7}), SizeIs(1));
+    const auto refusing = devices({.vendorID = 0x05AC, .productID = {}});
+    ASSERT_THAT(refusing, SizeIs(1));
+    EXPECT_NE(refusing[0]->open(), hidSuccess);
+    load(R"({"hidManagerRefusesOpen": true})");
+    EXPECT_NE(m_live->platform().hid.createManager()->open(), hidSuccess);
 }
 
 } // namespace
