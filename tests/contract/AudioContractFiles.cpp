@@ -1,5 +1,7 @@
 #include "tests/contract/AudioContract.h"
 
+#include <cmath>
+#include <limits>
 #include <variant>
 
 namespace quorvane {
@@ -16,6 +18,20 @@ TEST_P(AudioContract, ReadsAWholeFile) {
     ASSERT_FALSE(file.read(*buffer));
     EXPECT_EQ(buffer->frameLength, AudioContractSide::goodFileFrames);
     EXPECT_THAT(buffer->samples, ::testing::Contains(::testing::Gt(0.2F)));
+}
+
+TEST_P(AudioContract, AFileGivesItsSamplesAtEveryReading) {
+    const auto opened = audio().openFile(m_side->clipFile());
+    AudioFile& file = *std::get<std::shared_ptr<AudioFile>>(opened);
+    const PCMBuffer clip = AudioContractSide::clip();
+    // As exact as 16 bits are.
+    const auto isClose = ::testing::Pointwise(::testing::FloatNear(1e-4F), clip.samples);
+    for (int reading = 0; reading < 2; ++reading) {
+        const auto buffer = audio().createBuffer(stereo, 22050);
+        ASSERT_FALSE(file.read(*buffer));
+        EXPECT_EQ(buffer->frameLength, 22050U);
+        EXPECT_TRUE(::testing::Matches(isClose)(buffer->samples));
+    }
 }
 
 TEST_P(AudioContract, AMissingFileCannotBeOpened) {
@@ -51,6 +67,16 @@ TEST_P(AudioContract, ABufferNeedsChannelsAndARate) {
     EXPECT_EQ(buffer->frameCapacity, 10);
     EXPECT_EQ(buffer->frameLength, 0);
     EXPECT_EQ(buffer->samples.size(), 20);
+}
+
+TEST_P(AudioContract, AStandardFormatHasAFiniteRateAboveZeroAndOneChannelOrTwo) {
+    EXPECT_EQ(audio().standardFormat(44100, 2), stereo);
+    EXPECT_EQ(audio().standardFormat(8000, 1), (AudioFormat{.sampleRate = 8000, .channels = 1}));
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    for (const double rate : {0.0, -44100.0, infinity, std::nan("")})
+        EXPECT_FALSE(audio().standardFormat(rate, 2)) << rate;
+    for (const unsigned channels : {0U, 3U})
+        EXPECT_FALSE(audio().standardFormat(44100, channels)) << channels;
 }
 
 } // namespace
