@@ -101,7 +101,7 @@ TEST_P(AudioRecordedContract, ALoopedBufferComesAgainWithoutAGapUntilItIsStopped
     m_node->scheduleBuffer(std::make_shared<PCMBuffer>(AudioContractSide::clip()),
                            BufferOptions::Loops, [completed] { ++*completed; });
     m_node->play();
-    pass(2);
+    pass(1.8);
     EXPECT_EQ(*completed, 0);
     m_node->stop();
     secondsUntil([&] { return *completed == 1; });
@@ -117,8 +117,8 @@ TEST_P(AudioRecordedContract, ALoopFollowsWhatWasScheduledBeforeWithoutAGap) {
     m_side->startRecording();
     play(AudioContractSide::clip(), BufferOptions::Once);
     play(AudioContractSide::clip(), BufferOptions::Loops);
-    pass(2.5);
-    expectClips(finish(), 4);
+    pass(1.6);
+    expectClips(finish(), 3);
 }
 
 TEST_P(AudioRecordedContract, AFilePlayerSoundsOnceFrameForFrame) {
@@ -137,8 +137,8 @@ TEST_P(AudioRecordedContract, AFilePlayersLoopHasNoGap) {
     clip->setNumberOfLoops(-1);
     m_side->startRecording();
     ASSERT_TRUE(clip->play());
-    pass(2.5);
-    expectClips(finish(), 4);
+    pass(1.6);
+    expectClips(finish(), 3);
 }
 
 TEST_P(AudioRecordedContract, ACountOfLoopsHasNoGapEither) {
@@ -146,7 +146,7 @@ TEST_P(AudioRecordedContract, ACountOfLoopsHasNoGapEither) {
     clip->setNumberOfLoops(2);
     m_side->startRecording();
     ASSERT_TRUE(clip->play());
-    pass(2.2);
+    pass(1.7);
     const Recording recording = finish();
     const auto end = expectClips(recording, 3);
     ASSERT_TRUE(end);

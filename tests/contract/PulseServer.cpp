@@ -174,8 +174,12 @@ std::uintmax_t PulseRecorder::recordedBytes() const {
 }
 
 std::vector<float> PulseRecorder::finish() {
-    // What has been played but not yet written is the longest buffer of any test, and some more.
-    std::this_thread::sleep_for(std::chrono::milliseconds(700));
+    // What has been played but not yet written is the longest buffer of any test, 0.37 s, and some
+    // more.
+    constexpr std::uintmax_t halfASecond = sizeof(float) * 2 * 44100 / 2;
+    const std::uintmax_t enough = recordedBytes() + halfASecond;
+    if (!waitFor([&] { return recordedBytes() >= enough; }))
+        throw std::runtime_error("parec does not record any more");
     m_process.end(SIGTERM);
     std::ifstream stream(m_file, std::ios::binary);
     const std::vector<char> bytes{std::istreambuf_iterator<char>(stream), {}};
