@@ -1,6 +1,7 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QTimer>
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <functional>
@@ -76,17 +77,23 @@ protected:
 };
 
 TEST_P(RunLoopContract, a_repeating_timer_fires_on_its_grid_and_never_drifts) {
+    constexpr double interval = 0.05;
     const double start = runLoop.currentMediaTime();
-    std::vector<double> instants;
-    const auto timer = runLoop.scheduledTimer(
-        1.0 / 60, true, [&](Timer&) { instants.push_back(runLoop.currentMediaTime() - start); });
-    while (instants.size() < 30)
+    std::vector<double> lateness;
+    const auto timer = runLoop.scheduledTimer(interval, true, [&](Timer&) {
+        const double instant = runLoop.currentMediaTime() - start;
+        EXPECT_GE(instant, static_cast<double>(lateness.size() + 1) * interval - 1e-6)
+            << "firing " << lateness.size() + 1 << " is early";
+        lateness.push_back(std::fmod(instant + 1e-6, interval));
+        // A timer that goes on from the end of its block would be this much later each time.
+        side->keepBusy(0.02);
+    });
+    while (lateness.size() < 10)
         side->rest(0.05);
     timer->invalidate();
-    // Each firing is the next grid point's or a later one's, however late the machine was, and
-    // never an early one.
-    for (std::size_t i = 0; i < instants.size(); ++i)
-        EXPECT_GE(instants[i], static_cast<double>(i + 1) / 60 - 1e-6) << "firing " << i + 1;
+    // A busy machine may be late now and then, and a timer that drifts is on its grid now and then.
+    const auto onTime = [](double late) { return late < 0.01; };
+    EXPECT_GE(std::count_if(lateness.begin(), lateness.end(), onTime), 7);
 }
 
 TEST_P(RunLoopContract, firings_that_a_busy_thread_missed_are_skipped_and_the_grid_is_kept) {
