@@ -58,11 +58,11 @@ TEST_F(LinuxHapticsTest, APerformerThatIsAskedForAtEachPulseIsOpenedOnce) {
     plugRumble(1);
     ASSERT_TRUE(isFelt(*m_haptics.defaultPerformer()));
     const auto before = pulses();
-    for (int i = 0; i < 100; ++i) {
+    for (int i = 0; i < 20; ++i) {
         pulse(*m_haptics.defaultPerformer());
         QtApplication::runFor(1);
     }
-    EXPECT_EQ(pulses(), before + 100);
+    EXPECT_EQ(pulses(), before + 20);
     EXPECT_EQ(m_machine->timesListed(), 1);
     EXPECT_EQ(m_machine->uploads(), 3);
     EXPECT_THAT(m_machine->opened(), ElementsAre("event1"));
@@ -76,6 +76,7 @@ TEST_F(LinuxHapticsTest, ItIsErasedAndClosedSoonAfterItsLastUse) {
     ASSERT_TRUE(isClosed());
     // One and a half and some more for a busy machine; at once would be too soon.
     EXPECT_GT(Clock::now() - last, std::chrono::milliseconds(500));
+    EXPECT_LT(Clock::now() - last, std::chrono::seconds(3));
     EXPECT_EQ(m_machine->effectsOn("event1"), 0U);
     ASSERT_TRUE(isFelt(*m_haptics.defaultPerformer()));
     EXPECT_EQ(m_machine->timesListed(), 2);
@@ -116,7 +117,7 @@ TEST_F(LinuxHapticsTest, TheEndOfTheServiceErasesAndCloses) {
 }
 
 TEST_F(LinuxHapticsTest, WithoutDevicesRequestsAreIgnoredAndNothingIsLookedForTwice) {
-    for (int i = 0; i < 100; ++i) {
+    for (int i = 0; i < 20; ++i) {
         pulse(*m_haptics.defaultPerformer());
         QtApplication::runFor(1);
     }
@@ -132,8 +133,9 @@ TEST_F(LinuxHapticsTest, ADeviceThatComesLaterIsFoundOnceTheLastPerformerIsForgo
     for (int tries = 0; tries < 5 && !isFoundAnew; ++tries) {
         QtApplication::runFor(2000);
         pulse(*m_haptics.defaultPerformer());
-        isFoundAnew = m_machine->timesListed() == 2;
+        isFoundAnew = QtApplication::runUntil([&] { return m_machine->timesListed() == 2; }, 300);
     }
+    ASSERT_TRUE(isFoundAnew);
     EXPECT_TRUE(isFelt(*m_haptics.defaultPerformer()));
 }
 
@@ -173,7 +175,7 @@ TEST_F(LinuxHapticsTest, ADeviceThatNeverAnswersDoesNotHoldUpTheEnd) {
     ASSERT_TRUE(QtApplication::runUntil([&] { return !m_machine->opened().empty(); }));
     const auto start = Clock::now();
     haptics.reset();
-    EXPECT_LT(Clock::now() - start, std::chrono::seconds(10));
+    EXPECT_LT(Clock::now() - start, std::chrono::seconds(3));
     m_machine->answer();
     EXPECT_TRUE(isClosed());
 }
