@@ -1,4 +1,5 @@
 #include <array>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <numbers>
 #include <string>
@@ -6,6 +7,7 @@
 
 #include "platform/linux/IIOLidScan.h"
 #include "platform/linux/LinuxHID.h"
+#include "tests/support/FileRights.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quorvane {
@@ -236,6 +238,23 @@ TEST_F(IIOLidDeviceTest, AZeroThatStaysIsBelievedFromTheSecondReadingOn) {
 TEST_F(IIOLidDeviceTest, AZeroBeforeAnyOtherReadingIsGivenAsItIs) {
     addChromeLid("0");
     EXPECT_THAT(readings({"0", "5"}), ElementsAre(0, 5));
+}
+
+TEST_F(IIOLidDeviceTest, ALidThatMayOnlyBeReadIsRead) {
+    addIntelHinge("112\n");
+    const auto device = m_sysfs.path() / "bus/iio/devices/iio:device0";
+    for (const auto& attribute : std::filesystem::directory_iterator(device))
+        makeReadOnly(attribute.path());
+    const RightsOfAnotherUser rights(m_sysfs.path());
+    EXPECT_THAT(angles(), ElementsAre(112));
+}
+
+TEST_F(IIOLidDeviceTest, ALidThatMayNotBeReadDoesNotOpen) {
+    addChromeLid("112\n");
+    std::filesystem::permissions(m_sysfs.path() / "bus/iio/devices/iio:device0/in_angl_raw",
+                                 std::filesystem::perms::none);
+    const RightsOfAnotherUser rights(m_sysfs.path());
+    EXPECT_THAT(angles(), ElementsAre(unopened));
 }
 
 TEST_F(IIOLidDeviceTest, ALidHasNoProductAndNoVendor) {

@@ -3,6 +3,7 @@
 
 #include "platform/linux/LinuxSystemInfo.h"
 #include "tests/support/Environment.h"
+#include "tests/support/FileRights.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quorvane {
@@ -58,6 +59,20 @@ TEST_F(LinuxSystemInfoTest, AWaylandSessionIsTrustedWhenSomeKeyboardCanBeRead) {
     m_keyboards.push_back(m_root.write("event1", ""));
     EXPECT_TRUE(isTrusted(":0", "wayland-0"));
     EXPECT_TRUE(isTrusted(std::nullopt, "wayland-0"));
+}
+
+TEST_F(LinuxSystemInfoTest, AKeyboardThatMayOnlyBeReadMakesTrust) {
+    m_keyboards.push_back(m_root.write("event1", ""));
+    makeReadOnly(m_keyboards.back());
+    const RightsOfAnotherUser rights(m_root.path());
+    EXPECT_TRUE(isTrusted(std::nullopt, "wayland-0"));
+}
+
+TEST_F(LinuxSystemInfoTest, AKeyboardThatMayNotBeReadMakesNone) {
+    m_keyboards.push_back(m_root.write("event1", ""));
+    fs::permissions(m_keyboards.back(), fs::perms::none);
+    const RightsOfAnotherUser rights(m_root.path());
+    EXPECT_FALSE(isTrusted(std::nullopt, "wayland-0"));
 }
 
 TEST_F(LinuxSystemInfoTest, WithoutAnySessionOnlyAKeyboardMakesTrust) {

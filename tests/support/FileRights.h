@@ -1,0 +1,33 @@
+#pragma once
+
+#include <sys/fsuid.h>
+
+#include <filesystem>
+
+namespace quorvane {
+
+/// While it lives, this thread uses files as a user who owns none of them, root's rights aside.
+class RightsOfAnotherUser {
+public:
+    /// That user may enter `folder`.
+    explicit RightsOfAnotherUser(const std::filesystem::path& folder) {
+        std::filesystem::permissions(folder, std::filesystem::perms{0755});
+        m_before = static_cast<uid_t>(setfsuid(anotherUser));
+    }
+
+    RightsOfAnotherUser(const RightsOfAnotherUser&) = delete;
+    RightsOfAnotherUser& operator=(const RightsOfAnotherUser&) = delete;
+
+    ~RightsOfAnotherUser() { setfsuid(m_before); }
+
+private:
+    static constexpr uid_t anotherUser = 65534;
+
+    uid_t m_before = 0;
+};
+
+inline void makeReadOnly(const std::filesystem::path& file) {
+    std::filesystem::permissions(file, std::filesystem::perms{0444});
+}
+
+} // namespace quorvane

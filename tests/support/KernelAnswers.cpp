@@ -1,0 +1,39 @@
+#include "tests/support/KernelAnswers.h"
+
+#include <cstdarg>
+#include <utility>
+
+namespace quorvane {
+
+namespace {
+
+KernelAnswers::Answer currentAnswer;
+
+} // namespace
+
+KernelAnswers::KernelAnswers(Answer answer)
+    : m_before(std::exchange(currentAnswer, std::move(answer))) {}
+
+KernelAnswers::~KernelAnswers() {
+    currentAnswer = std::move(m_before);
+}
+
+} // namespace quorvane
+
+// NOLINTBEGIN(bugprone-reserved-identifier): the linker's names.
+extern "C" {
+
+int __real_ioctl(int descriptor, unsigned long request, ...);
+
+int __wrap_ioctl(int descriptor, unsigned long request, ...) {
+    std::va_list arguments;
+    va_start(arguments, request);
+    void* argument = va_arg(arguments, void*);
+    va_end(arguments);
+    if (quorvane::currentAnswer)
+        if (const auto result = quorvane::currentAnswer(descriptor, request, argument))
+            return *result;
+    return __real_ioctl(descriptor, request, argument);
+}
+}
+// NOLINTEND(bugprone-reserved-identifier)

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+
+namespace quorvane {
+
+/// Answers ioctl calls in the kernel's place while it lives, so that a device needs no hardware.
+/// For programs that are linked with --wrap=ioctl. The last one made counts.
+class KernelAnswers {
+public:
+    /// What the call returns, with errno set for -1; none: the kernel is asked.
+    using Answer =
+        std::function<std::optional<int>(int descriptor, unsigned long request, void* argument)>;
+
+    explicit KernelAnswers(Answer answer);
+    KernelAnswers(const KernelAnswers&) = delete;
+    KernelAnswers& operator=(const KernelAnswers&) = delete;
+    ~KernelAnswers();
+
+private:
+    Answer m_before;
+};
+
+} // namespace quorvane
