@@ -88,6 +88,25 @@ TEST_F(LinuxEventTapsTest, AKeyThatIsMadeAModifierIsOneFromThenOn) {
     EXPECT_THAT(heard(), ElementsAre(flagsChanged, flagsChanged));
 }
 
+TEST_F(LinuxEventTapsTest, ASymbolTellsWhetherItsKeyIsAModifier) {
+    startToListen();
+    const auto typedAs = [this](xcb_keysym_t symbol) {
+        m_display.remap(letter, symbol);
+        EXPECT_THAT(heard(), IsEmpty());
+        m_display.press(letter);
+        m_display.release(letter);
+        return heard();
+    };
+    // Shift_L, Shift_Lock, Hyper_R, ISO_Lock, ISO_Level3_Shift, ISO_Level5_Lock, Mode_switch,
+    // Num_Lock, Scroll_Lock, XF86Fn, XF86FnRightShift.
+    for (const xcb_keysym_t modifier : {0xFFE1, 0xFFE6, 0xFFEE, 0xFE01, 0xFE03, 0xFE13, 0xFF7E,
+                                        0xFF7F, 0xFF14, 0x100811D0, 0x100811E5})
+        EXPECT_THAT(typedAs(modifier), ElementsAre(flagsChanged, flagsChanged)) << modifier;
+    // Pause, Sys_Req, KP_Space, a dead grave accent, XF86Sleep.
+    for (const xcb_keysym_t key : {0xFF13, 0xFF15, 0xFF80, 0xFE50, 0x1008FF2F})
+        EXPECT_THAT(typedAs(key), ElementsAre(keyDown, keyUp)) << key;
+}
+
 TEST_F(LinuxEventTapsTest, KeysAreHeardWhileAnotherProgramHasGrabbedTheKeyboard) {
     startToListen();
     m_display.grabKeyboard();

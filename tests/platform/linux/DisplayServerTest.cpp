@@ -1,0 +1,129 @@
+#include <algorithm>
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include "platform/linux/DisplayServer.h"
+#include "tests/support/Environment.h"
+#include "tests/support/OpenFiles.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TypingDisplay.h"
+
+namespace quorvane {
+
+namespace {
+
+/// A Wayland server as far as it can be seen from outside: its socket.
+class WaylandSocket {
+public:
+    explicit WaylandSocket(const std::filesystem::path& path) {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        path.string().copy(std::begin(address.sun_path), sizeof address.sun_path - 1);
+        const auto* generic = reinterpret_cast<const sockaddr*>(&address);
+        if (bind(m_descriptor, generic, sizeof address) != 0 || listen(m_descriptor, 1) != 0)
+            throw std::runtime_error("no socket");
+    }
+
+    WaylandSocket(const WaylandSocket&) = delete;
+    WaylandSocket& operator=(const WaylandSocket&) = delete;
+
+    ~WaylandSocket() { close(m_descriptor); }
+
+private:
+    int m_descriptor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+};
+
+class DisplayServerTest : public testing::Test {
+protected:
+    static void set(const char* variable, const std::string& value) {
+        setenv(variable, value.c_str(), 1); // NOLINT(concurrency-mt-unsafe): one thread.
+    }
+
+    /// What the toolkit is told to use; empty: nothing.
+    static std::string choice() {
+        const char* value = std::getenv("QT_QPA_PLATFORM"); // NOLINT(concurrency-mt-unsafe)
+        return value ? value : "";
+    }
+
+    TemporaryFolder m_runtime;
+    // Put back at the end, whatever a case or the program sets.
+    EnvironmentVariable m_toolkit{"QT_QPA_PLATFORM", std::nullopt};
+    EnvironmentVariable m_runtimeFolder{"XDG_RUNTIME_DIR", m_runtime.path().string()};
+    EnvironmentVariable m_wayland{"WAYLAND_DISPLAY", std::nullopt};
+    EnvironmentVariable m_x11{"DISPLAY", std::nullopt};
+};
+
+TEST_F(DisplayServerTest, WithoutADisplayThereIsNothingToRunOn) {
+    EXPECT_EQ(DisplayServer().error(),
+              "there is no display: neither DISPLAY nor WAYLAND_DISPLAY is set");
+    EXPECT_EQ(choice(), "");
+}
+
+TEST_F(DisplayServerTest, AWaylandServerAloneIsUsed) {
+    const WaylandSocket server(m_runtime.path() / "wayland-5");
+    set("WAYLAND_DISPLAY", "wayland-5");
+    const auto before = openDescriptors();
+    EXPECT_EQ(DisplayServer().error(), "");
+    EXPECT_EQ(choice(), "wayland");
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST_F(DisplayServerTest, AWaylandServerMayBeNamedByItsPath) {
+    const auto path = m_runtime.path() / "elsewhere";
+    const WaylandSocket server(path);
+    set("XDG_RUNTIME_DIR", "/nonexistent");
+    set("WAYLAND_DISPLAY", path);
+    EXPECT_EQ(DisplayServer().error(), "");
+    EXPECT_EQ(choice(), "wayland");
+}
+
+TEST_F(DisplayServerTest, AServerThatDoesNotAnswerIsNamed) {
+    set("WAYLAND_DISPLAY", "wayland-5");
+    EXPECT_EQ(DisplayServer().error(), "the display 'wayland-5' does not answer");
+    set("DISPLAY", ":12345");
+    EXPECT_EQ(DisplayServer().error(), "the display ':12345' does not answer");
+    EXPECT_EQ(choice(), "");
+}
+
+TEST_F(DisplayServerTest, ANameTooLongForASocketIsNoServer) {
+    set("WAYLAND_DISPLAY", std::string(200, 'w'));
+    EXPECT_EQ(DisplayServer().error(),
+              "the display '" + std::string(200, 'w') + "' does not answer");
+}
+
+TEST_F(DisplayServerTest, WaylandStandsInForAnXServerThatDoesNotAnswer) {
+    const WaylandSocket server(m_runtime.path() / "wayland-5");
+    set("WAYLAND_DISPLAY", "wayland-5");
+    set("DISPLAY", ":12345");
+    EXPECT_EQ(DisplayServer().error(), "");
+    EXPECT_EQ(choice(), "wayland");
+}
+
+TEST_F(DisplayServerTest, AnXServerIsPreferredAndItsConnectionKeptUntilTheToolkitHasItsOwn) {
+    const TypingDisplay display;
+    const WaylandSocket server(m_runtime.path() / "wayland-5");
+    set("WAYLAND_DISPLAY", "wayland-5");
+    const auto before = openDescriptors();
+    DisplayServer chosen;
+    EXPECT_EQ(chosen.error(), "");
+    EXPECT_EQ(choice(), "xcb");
+    EXPECT_EQ(openDescriptors().size(), before.size() + 1);
+    chosen.release();
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST_F(DisplayServerTest, AChoiceThatThePersonMadeStands) {
+    set("QT_QPA_PLATFORM", "offscreen");
+    EXPECT_EQ(DisplayServer().error(), "");
+    EXPECT_EQ(choice(), "offscreen");
+}
+
+} // namespace
+
+} // namespace quorvane
