@@ -96,7 +96,7 @@ TEST_F(MainWindowTest, ClosedBeforeItAppearedItNeverAppears) {
     QObject::connect(m_window.get(), &MainWindow::closed, [&closed] { ++closed; });
     ASSERT_TRUE(m_window->show());
     m_window->close();
-    work(300);
+    draw();
     EXPECT_EQ(appeared, 0);
     EXPECT_EQ(closed, 1);
 }

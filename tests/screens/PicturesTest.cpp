@@ -27,7 +27,7 @@ TEST_F(Pictures, OfTheHardwareCheck) {
     launch();
     savePicture("hardware-check");
     press("CHECK HARDWARE 🔍");
-    work(300);
+    draw();
     savePicture("hardware-check-scanning");
     m_machine.runLoop.advance(1.5);
     settle();

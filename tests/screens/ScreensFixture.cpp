@@ -7,9 +7,6 @@
 #include <QQuickItem>
 #include <QTest>
 
-#include <algorithm>
-
-#include "app/screens/SpringValue.h"
 #include "app/screens/Text.h"
 #include "base/UniformDraw.h"
 
@@ -18,8 +15,6 @@ namespace quorvane {
 namespace {
 
 constexpr int patience = 10'000;
-// Longer than several frames of any display.
-constexpr int quietTime = 200;
 
 void visit(QAccessibleInterface* from,
            const std::function<void(QAccessibleInterface& element)>& visitor) {
@@ -73,12 +68,6 @@ void ScreensTest::launchIntoControlPanel() {
     settle();
 }
 
-void ScreensTest::work(int milliseconds) {
-    const QDeadlineTimer deadline(milliseconds);
-    while (!deadline.hasExpired())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 10);
-}
-
 void ScreensTest::waitUntil(const std::function<bool()>& condition, const char* what) {
     const QDeadlineTimer deadline(patience);
     while (!condition() && !deadline.hasExpired())
@@ -86,18 +75,35 @@ void ScreensTest::waitUntil(const std::function<bool()>& condition, const char* 
     ASSERT_TRUE(condition()) << "waited in vain until " << what;
 }
 
-void ScreensTest::settle() {
+// An update that is asked for is drawn within the next round or two, because main() has set the
+// time that it waits to zero.
+void ScreensTest::draw() {
+    constexpr int quietRounds = 5;
     const QDeadlineTimer deadline(patience);
-    for (int before = -1; before != m_frames || isMoving(); work(quietTime)) {
-        before = m_frames;
+    for (int round = 0; round < quietRounds; ++round) {
+        const int before = m_frames;
+        QCoreApplication::processEvents();
+        if (m_frames != before)
+            round = 0;
         ASSERT_FALSE(deadline.hasExpired()) << "the window never comes to rest";
     }
 }
 
-bool ScreensTest::isMoving() {
-    const auto springs = m_window->window().rootObject()->findChildren<SpringValue*>();
-    return std::any_of(springs.begin(), springs.end(),
-                       [](const SpringValue* spring) { return spring->isMoving(); });
+void ScreensTest::animate(int milliseconds) {
+    // What has just been started begins to move with the next event.
+    draw();
+    m_animations.pass(milliseconds);
+    draw();
+}
+
+void ScreensTest::settle() {
+    constexpr int longestAnimation = 10'000;
+    constexpr int step = 100;
+    draw();
+    for (int passed = 0; m_animations.isRunning(); passed += step) {
+        ASSERT_LT(passed, longestAnimation) << "an animation never ends";
+        animate(step);
+    }
 }
 
 std::vector<std::string> ScreensTest::names(QAccessible::Role role) {

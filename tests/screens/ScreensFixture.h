@@ -16,12 +16,14 @@
 #include "app/screens/MainWindow.h"
 #include "platform/simulated/SimulatedDesktop.h"
 #include "platform/simulated/SimulatedMachine.h"
+#include "tests/screens/AnimationClock.h"
 #include "tests/support/FakeEffects.h"
 
 namespace quorvane {
 
 /// The real window over the real controller on a simulated machine, looked at and acted on through
-/// its accessibility tree. The machine's time is virtual, the window's animations are not.
+/// its accessibility tree. The machine's time is virtual, and so is that of the window's
+/// animations.
 class ScreensTest : public testing::Test {
 public:
     ScreensTest(const ScreensTest&) = delete;
@@ -40,10 +42,12 @@ protected:
 
     /// Lets the toolkit work until `condition` holds; fails the test after ten seconds.
     static void waitUntil(const std::function<bool()>& condition, const char* what);
-    /// Lets the toolkit work until nothing moves and no frame has been drawn for a while.
+    /// Handles all events and draws every frame that is asked for. No animation moves.
+    void draw();
+    /// Lets `milliseconds` of the animations' time pass, and draws.
+    void animate(int milliseconds);
+    /// Lets all animations come to their ends, and draws.
     void settle();
-    /// Lets the toolkit work for `milliseconds` of real time.
-    static void work(int milliseconds);
 
     /// What can be found in the window, by role and name, in reading order.
     [[nodiscard]] std::vector<std::string> texts();
@@ -89,12 +93,12 @@ protected:
     FakeStartup m_startup;
     EffectFactories m_effects;
     bool m_withStartup = false;
+    AnimationClock m_animations;
     std::unique_ptr<ContentView> m_content;
     std::unique_ptr<MainWindow> m_window;
     int m_frames = 0;
 
 private:
-    [[nodiscard]] bool isMoving();
     [[nodiscard]] std::vector<std::string> names(QAccessible::Role role);
 };
 

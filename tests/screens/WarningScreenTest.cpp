@@ -28,7 +28,7 @@ TEST_F(WarningScreen, LeadsToTheControlPanelByMouse) {
 TEST_F(WarningScreen, FadesIntoTheControlPanelWhenLeftByItsButton) {
     launchChecked();
     press("MAKE ME SUFFER 😭");
-    work(80);
+    animate(80);
     const auto onTheWay = texts();
     EXPECT_THAT(onTheWay, Contains("CAUTION"));
     EXPECT_THAT(onTheWay, Contains("SIMULATION ACTIVE"));
@@ -46,7 +46,7 @@ TEST_F(WarningScreen, CannotBePressedTwiceOnTheWayOut) {
     launchChecked();
     QAccessibleInterface* button = element("MAKE ME SUFFER 😭");
     button->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
-    work(50);
+    animate(50);
     m_content->leaveSufferingMode();
     m_content->enterSufferingMode();
     const bool before = m_content->sufferingMode();
