@@ -2,6 +2,7 @@
 
 import os
 import pathlib
+import signal
 import subprocess
 import tempfile
 import time
@@ -9,7 +10,7 @@ import unittest
 
 import numpy
 
-from harness import REPOSITORY
+from harness import ENTER, REPOSITORY, EndToEndTest
 from desktop import pictures
 from desktop.recording import Recording
 
@@ -78,6 +79,36 @@ class Pictures(unittest.TestCase):
                                            "rectangle 0,0 54,77"))
         self.assertEqual(pictures.change(before, before), 0)
         self.assertAlmostEqual(pictures.change(before, after), 0.01)
+
+
+class Screens(EndToEndTest):
+    def test_nothing_is_told_of_what_an_ended_program_shows(self):
+        self.skip_hardware_check()
+        self.launch()
+        screens = self.screens()
+        screens.find(ENTER)
+        self.program.kill()
+        self.program.wait_for_exit()
+        for look in (screens.shows, screens.wait_until_gone, screens.find, screens.is_focused):
+            with self.subTest(look=look.__name__):
+                asked = time.monotonic()
+                with self.assertRaisesRegex(AssertionError, "the program has ended"):
+                    look(ENTER)
+                self.assertLess(time.monotonic() - asked, 1.0)
+
+    def test_what_a_program_shows_that_does_not_answer_is_not_gone(self):
+        self.skip_hardware_check()
+        self.launch()
+        screens = self.screens()
+        screens.find(ENTER)
+        os.kill(self.program.pid, signal.SIGSTOP)
+        self.addCleanup(os.kill, self.program.pid, signal.SIGCONT)
+        for look in (screens.shows, screens.wait_until_gone):
+            with self.subTest(look=look.__name__), self.assertRaises(AssertionError):
+                look(ENTER)
+        os.kill(self.program.pid, signal.SIGCONT)
+        self.assertTrue(screens.shows(ENTER))
+        self.leave()
 
 
 class DemoTool(unittest.TestCase):

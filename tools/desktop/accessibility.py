@@ -6,6 +6,7 @@ import warnings
 
 import gi
 
+from . import waiting
 from .waiting import TimedOut, wait_until
 
 gi.require_version("Atspi", "2.0")
@@ -14,6 +15,9 @@ from gi.repository import Atspi, GLib  # noqa: E402 (the version has to be asked
 BUTTON = Atspi.Role.PUSH_BUTTON
 # What a switch is called depends on the toolkit's version.
 SWITCHES = (Atspi.Role.CHECK_BOX, Atspi.Role.TOGGLE_BUTTON)
+
+READABLE_WITHIN = 5.0
+"""Seconds for which a tree may answer with errors: one that is changing, or a busy program."""
 
 
 class ScreenReader:
@@ -28,7 +32,8 @@ class ScreenReader:
 
     def application(self, program):
         """The accessible tree of a running program; waits until it is on the bus."""
-        return Application(wait_until(lambda: self._find(program), "the program on the bus", 15))
+        return Application(wait_until(lambda: self._find(program), "the program on the bus", 15),
+                           program)
 
     @staticmethod
     def _find(program):
@@ -81,11 +86,16 @@ def _shown(node):
     return node.get_state_set().contains(Atspi.StateType.SHOWING)
 
 
-class Application:
-    """What a screen reader knows of one program."""
+class Unreadable(AssertionError):
+    """What is shown cannot be told: the program answers with errors, or not at all."""
 
-    def __init__(self, root):
+
+class Application:
+    """What a screen reader knows of one running program. Nothing can be said of an ended one."""
+
+    def __init__(self, root, program):
         self._root = root
+        self._program = program
 
     def _walk(self, node, depth=0):
         yield depth, node
@@ -93,14 +103,36 @@ class Application:
             if _shown(child):
                 yield from self._walk(child, depth + 1)
 
-    def _matches(self, name, roles):
-        for _ in range(20):
+    def _read(self, evaluate):
+        """What `evaluate` makes of the tree's nodes, each with its depth."""
+        deadline = time.monotonic() + READABLE_WITHIN * waiting.slowness
+        while True:
             try:
-                return [node for _, node in self._walk(self._root)
-                        if node.get_name() == name and (not roles or node.get_role() in roles)]
-            except GLib.Error:
+                result = evaluate(self._walk(self._root))
+                # One that is ending may be seen without children, rather than with an error.
+                self._check_that_it_runs()
+                return result
+            except GLib.Error as error:
+                self._check_that_it_runs()
+                if time.monotonic() >= deadline:
+                    raise Unreadable(f"what is shown cannot be read: {error.message}") from None
                 time.sleep(0.02)  # the screen changed under the walk
-        return []
+
+    def _check_that_it_runs(self):
+        if not self._program.is_running:
+            raise AssertionError("the program has ended: nothing can be said of what it shows")
+
+    def _matches(self, name, roles):
+        return self._read(lambda nodes: [
+            node for _, node in nodes
+            if node.get_name() == name and (not roles or node.get_role() in roles)])
+
+    def _matches_by_now(self, name, roles):
+        """As `_matches` for what is yet to appear: a program that starts may not answer yet."""
+        try:
+            return self._matches(name, roles)
+        except Unreadable:
+            return []
 
     def shows(self, name, *roles):
         """Whether something of this name (and one of the roles, if any is given) can be seen."""
@@ -109,7 +141,7 @@ class Application:
     def find(self, name, *roles, timeout=10.0):
         """Waits until something of this name can be seen and returns it."""
         try:
-            return wait_until(lambda: self._matches(name, roles), f'"{name}" to be shown',
+            return wait_until(lambda: self._matches_by_now(name, roles), f'"{name}" to be shown',
                               timeout, interval=0.05)[0]
         except TimedOut as error:
             raise TimedOut(f"{error}; what is shown:\n{self.describe()}") from None
@@ -163,10 +195,11 @@ class Application:
     def describe(self):
         """The whole tree, for a person to read."""
         try:
-            return "\n".join(f"{'  ' * depth}{node.get_role_name()} '{node.get_name()}'"
-                             for depth, node in self._walk(self._root))
-        except GLib.Error as error:
-            return f"(no tree: {error.message})"
+            return self._read(lambda nodes: "\n".join(
+                f"{'  ' * depth}{node.get_role_name()} '{node.get_name()}'"
+                for depth, node in nodes))
+        except AssertionError as error:
+            return f"({error})"
 
 
 def _do(node, names):
