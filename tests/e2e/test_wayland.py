@@ -17,6 +17,8 @@ LATE = 1.0
 
 
 class WaylandTest(EndToEndTest):
+    waits = True
+
     def setUp(self):
         super().setUp()
         self.desktop = WaylandDisplay(self.stack)
