@@ -43,6 +43,9 @@ OTHER_EFFECTS = ("[STARTUP]", "[RUMBLE]", "[HAPTIC]", "[KEYBOARD]", "[FAN]")
 AUDIBLE = -50.0
 """dBFS above which somebody would hear the creak."""
 
+LISTENING_ATTEMPTS = 3
+"""How often at the most something is listened to; see `hear`."""
+
 OWN_WORDS = "quorvane: "
 """How each line begins that the program itself writes to standard error."""
 
@@ -64,7 +67,11 @@ class EndToEndTest(unittest.TestCase):
     """A session for the class; a home folder, and whatever is started, for each test."""
 
     listens = False
-    """Whether the class's tests need the recording, which takes 2 s to begin."""
+    """Whether the class's tests need the recording, which takes 2 s to begin, and a machine on
+    which nothing computes beside them."""
+
+    waits = False
+    """Whether the class's tests sleep for most of their time, so that they can run beside others."""
 
     program = None
 
@@ -152,15 +159,38 @@ class EndToEndTest(unittest.TestCase):
 
     def start_system_bus(self, *services):
         """A system bus with the stand-ins named; the program will find it."""
-        bus = self.session.system_bus(self._testMethodName, self.stack)
-        self.environment["DBUS_SYSTEM_BUS_ADDRESS"] = bus.address
-        return Services(self.environment, bus, self.stack, services) if services else None
+        self.bus = self.session.system_bus(self._testMethodName, self.stack)
+        self.environment["DBUS_SYSTEM_BUS_ADDRESS"] = self.bus.address
+        return Services(self.environment, self.bus, self.stack, services) if services else None
+
+    def wait_until_wake_ups_are_heard(self):
+        """A program that is shown listens to the system bus, or is just about to."""
+        self.wait_until(lambda: self.bus.is_listened_to("PrepareForSleep"),
+                        "the program to ask for the machine's sleep", 1.0)
 
     # Time and sound.
 
     @staticmethod
     def wait_until(condition, what, timeout=5.0):
         return wait_until(condition, what, timeout)
+
+    def hear(self, check):
+        """Runs `check`, which listens, and again only if the sound server ran dry meanwhile.
+
+        It does so where it, or the program, gets no processor time for longer than its buffers
+        last. What is heard then is no fault of the program's.
+        """
+        for attempt in range(1, LISTENING_ATTEMPTS + 1):
+            begin = time.monotonic()
+            try:
+                return check()
+            except AssertionError as error:
+                dropouts = self.session.sound.dropouts(begin, time.monotonic())
+                error.add_note(f"attempt {attempt}: the sound server ran dry {dropouts} times")
+                if not dropouts or attempt == LISTENING_ATTEMPTS:
+                    raise
+                print(f"{self.id()}: once more, as the sound server ran dry {dropouts} times: "
+                      f"{error}", file=sys.stderr)
 
     def assert_silent(self, begin, end, why):
         last = self.recording.last_sound(begin, end)

@@ -1,7 +1,9 @@
 """Every key press cracks, in whatever program, and nothing else is made of it."""
 
+import math
 import os
 import re
+import statistics
 import subprocess
 import sys
 import time
@@ -35,7 +37,15 @@ RATE_LIMIT = 0.15
 TOLERANCE = 0.02
 """Seconds by which cracks may sound earlier or later than they were begun: an output buffer."""
 
-ATTEMPTS = 8
+TIMES = 10
+"""How often a key, or a pair or a burst of them, is pressed."""
+
+NEARLY_ALWAYS = 9
+"""How often of these it has to be heard as it should."""
+
+LATENCY = 0.15
+"""Seconds within which a key is heard, as a rule: more would feel slow."""
+
 HOLD = 2.0
 SECRET = "xq7zvkjw9"
 TOOLKIT = "member=GetRegisteredEvents"
@@ -83,38 +93,45 @@ class KeyboardTest(EndToEndTest):
         return [begin + at for at in loud[first]]
 
     def assert_cracks(self, count, deed, why):
-        """Never more cracks than `count` of `deed`, which returns its begin and end.
-
-        A sound server that gets no processor time for longer than its buffers last drops what it
-        should have played: fewer are put to the test again.
-        """
-        seen = []
-        while len(seen) < ATTEMPTS:
+        """Exactly `count` cracks come of `deed`, which returns its begin and end."""
+        def check():
             begin, end = deed()
-            onsets = self.onsets(begin, end + REACTION + 0.3)
-            self.assertLessEqual(len(onsets), count, why)
-            seen.append(len(onsets))
-            if len(onsets) == count:
-                return
-        self.fail(f"{why}: cracks {seen}")
+            self.assertEqual(len(self.onsets(begin, end + REACTION + 0.3)), count, why)
+        self.hear(check)
 
-    def stroke_twice(self, gap):
-        """Two keys `gap` seconds apart; when each was pressed, and the cracks that came of it."""
-        before = time.monotonic()
-        first, _ = self.typist.stroke("a")
-        time.sleep(max(0.0, first + gap - time.monotonic()))
-        second, _ = self.typist.stroke("b")
-        onsets = self.onsets(before, second + REACTION + 0.3)
-        return second - first, onsets
+    def do_many_times(self, deed, longest=math.inf):
+        """Does `deed`, which returns its begin and end, until TIMES of them were no longer than
+        `longest`; what was heard of each of these: how long after its begin the cracks came."""
+        spans = []
+        while (short := sum(end - begin < longest for begin, end in spans)) < TIMES:
+            self.assertLess(len(spans), 2 * TIMES, f"most take too long to tell: {spans}")
+            spans.append(deed())
+            time.sleep(REACTION + EARLY)
+        if short < len(spans):
+            print(f"{self.id()}: {len(spans) - short} of {len(spans)} took longer than "
+                  f"{longest:.2f} s and are not counted", file=sys.stderr)
+        onsets = self.onsets(spans[0][0], spans[-1][1] + REACTION + 0.3)
+        heard = [[onset - begin for onset in onsets if begin - EARLY <= onset <= end + REACTION]
+                 for begin, end in spans]
+        self.assertEqual(sum(map(len, heard)), len(onsets),
+                         f"cracks at {onsets}, some of no key: they were pressed at {spans}")
+        return [delays for (begin, end), delays in zip(spans, heard) if end - begin < longest]
 
 
 class Keys(KeyboardTest):
     def test_a_key_in_another_programs_window_cracks(self):
         self.assert_silent(time.monotonic() - 0.3, time.monotonic(), "before the key")
-        self.assert_cracks(1, lambda: self.typist.stroke("a"), "a key")
-        self.wait_until(self.presses, "the key in the window")
+        self.hear(self._check_keys)
+        self.wait_until(lambda: self.presses() >= TIMES, "the keys in the window")
         self.assertIn(LOADED, self.program.console.text)
         self.leave()
+
+    def _check_keys(self):
+        heard = self.do_many_times(lambda: self.typist.stroke("a"))
+        self.assertLessEqual(max(map(len, heard)), 1, f"more than one crack of a key: {heard}")
+        delays = [delay for key in heard for delay in key]
+        self.assertGreaterEqual(len(delays), NEARLY_ALWAYS, f"of {TIMES} keys: {heard}")
+        self.assertLess(statistics.median(delays), LATENCY, f"seconds to be heard: {delays}")
 
     def test_keys_that_xdotool_types_crack(self):
         def type_word():
@@ -165,53 +182,42 @@ class Keys(KeyboardTest):
 
 
 class RateLimit(KeyboardTest):
-    """What is so close to the limit is judged by when things really happened: a busy machine may
-    bring two keys closer together, or further apart, on their way to the program."""
+    """What is so close to the limit is judged by when the keys were really pressed: a busy machine
+    may bring two of them further apart."""
 
-    def check_distance(self, onsets):
-        for earlier, later in zip(onsets, onsets[1:]):
-            self.assertGreater(later - earlier, RATE_LIMIT - TOLERANCE)
+    def check(self, count, deed, longest=math.inf):
+        """Nearly always exactly `count` cracks come of `deed`, and never two close together."""
+        def check_once():
+            heard = self.do_many_times(deed, longest)
+            for delays in heard:
+                for earlier, later in zip(delays, delays[1:]):
+                    self.assertGreater(later - earlier, RATE_LIMIT - TOLERANCE, heard)
+            right = sum(len(delays) == count for delays in heard)
+            self.assertGreaterEqual(right, NEARLY_ALWAYS, f"seconds to be heard: {heard}")
+        self.hear(check_once)
+        self.leave()
+
+    def stroke_twice(self, gap):
+        """Two keys `gap` seconds apart; when the first and the second was pressed."""
+        first, _ = self.typist.stroke("a")
+        time.sleep(max(0.0, first + gap - time.monotonic()))
+        second, _ = self.typist.stroke("b")
+        return first, second
 
     def test_two_keys_closer_than_the_limit_crack_once(self):
-        seen = []
-        while len(seen) < ATTEMPTS:
-            gap, onsets = self.stroke_twice(0.1)
-            self.check_distance(onsets)
-            seen.append((round(gap, 3), len(onsets)))
-            if len(onsets) == 1 and gap < RATE_LIMIT - TOLERANCE:
-                break
-        else:
-            self.fail(f"gaps and cracks: {seen}")
-        self.leave()
+        self.check(1, lambda: self.stroke_twice(0.1), RATE_LIMIT - TOLERANCE)
 
     def test_two_keys_further_apart_than_the_limit_crack_twice(self):
-        seen = []
-        while len(seen) < ATTEMPTS:
-            gap, onsets = self.stroke_twice(0.2)
-            self.check_distance(onsets)
-            seen.append((round(gap, 3), len(onsets)))
-            if len(onsets) == 2:
-                break
-        else:
-            self.fail(f"gaps and cracks: {seen}")
-        self.leave()
+        self.check(2, lambda: self.stroke_twice(0.2))
 
     def test_a_burst_cracks_once_and_is_not_replayed(self):
         self.assertEqual(len(BURST), 64)
-        seen = []
-        while len(seen) < ATTEMPTS:
-            begin, end = self.typist.press(*BURST)
+
+        def press_burst():
+            instants = self.typist.press(*BURST)
             self.typist.release(*BURST)
-            onsets = self.onsets(begin, end + 1.5)
-            self.check_distance(onsets)
-            for onset in onsets:
-                self.assertLess(onset - end, REACTION, "a replay")
-            seen.append((round(end - begin, 3), len(onsets)))
-            if len(onsets) == 1:
-                break
-        else:
-            self.fail(f"lengths and cracks: {seen}")
-        self.leave()
+            return instants
+        self.check(1, press_burst, RATE_LIMIT - TOLERANCE)
 
 
 class Privacy(KeyboardTest):

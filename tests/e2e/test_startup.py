@@ -4,6 +4,7 @@ import math
 import pathlib
 import statistics
 import subprocess
+import sys
 import time
 import unittest
 
@@ -12,7 +13,6 @@ import numpy
 import clips
 from harness import ENTER, REPOSITORY, EndToEndTest
 from desktop import processes
-from desktop.waiting import TimedOut
 
 TRACTOR = REPOSITORY / "resources" / "tractor.mp3"
 SWITCH = "Startup"
@@ -36,19 +36,13 @@ EARLY = 0.1
 class StartupTest(EndToEndTest):
     """What the tests of the sequence have in common."""
 
-    def wake_until_it_plays(self, services):
-        """Wakes the machine up until the program hears it; returns when the sequence began."""
+    def wake(self, services):
+        """Wakes the machine up, once; returns when the sequence began."""
         before = len(self.times(PLAYING))
-
-        def hears():
-            services.prepare_for_sleep()
-            services.wake_up()
-            try:
-                return self.wait_until(lambda: self.times(PLAYING)[before:], PLAYING, 1.0)
-            except TimedOut:
-                return None
-        # Nothing tells from outside when the program has begun to listen.
-        return self.wait_until(hears, "the sequence", 20)[0]
+        self.wait_until_wake_ups_are_heard()
+        services.prepare_for_sleep()
+        services.wake_up()
+        return self.wait_until(lambda: self.times(PLAYING)[before:], PLAYING, 1.0)[0]
 
     def startup_lines(self):
         return [line for line in self.program.console.text if line in BEGINNING + ENDING]
@@ -72,8 +66,6 @@ class StartupTest(EndToEndTest):
 class Waking(StartupTest):
     listens = True
 
-    ATTEMPTS = 4
-
     def test_a_machine_that_wakes_roars_for_as_long_as_the_clip(self):
         clip = clips.length(TRACTOR)
         services = self.start_system_bus("login")
@@ -81,7 +73,7 @@ class Waking(StartupTest):
         self.launch()
         self.screens()
         self.assert_silent(self.started, time.monotonic(), "before the machine wakes")
-        begun = self.wake_until_it_plays(services)
+        begun = self.wake(services)
         sounded = self.recording.wait_for_sound(begun - EARLY, 2.0)
         self.assertLess(sounded - begun, 0.1 + LATE)
         # A second wake-up meanwhile changes nothing.
@@ -115,42 +107,30 @@ class Waking(StartupTest):
         self.skip_hardware_check()
         self.launch(QUORVANE_RESOURCES=self.resources_with_silence(6))
         self.screens()
-        # A machine that is too busy drops sound now and then, so each step is looked for in several
-        # sequences, where it is whole.
-        errors = {}
-        for _ in range(self.ATTEMPTS):
-            for step, error in self._errors_of_rise(services):
-                errors.setdefault(step, []).append(error)
-            if len(errors) > STEPS - 6:
-                break
-        self.assertGreater(len(errors), STEPS / 2)
-        errors = {step: statistics.median(each) for step, each in errors.items()}
-        print(f"rumble: {len(errors)} steps heard, off by {min(errors.values()):.3f} to "
-              f"{max(errors.values()):.3f} of full volume")
-        self.assertLess(max(map(abs, errors.values())), 0.12)
+        self.hear(lambda: self._check_rise(services))
         self.leave()
 
-    def _errors_of_rise(self, services):
-        """By how much of full volume the steps of one sequence are off, those that are whole.
+    def _check_rise(self, services):
+        """Each step is heard but the first ones, which are too soft, and as loud as it should be.
 
         Their common delay, on the way from the console's line to the ear, is no error.
         """
         before = len(self.times(COMPLETE))
-        begun = self.wake_until_it_plays(services)
+        begun = self.wake(services)
         self.wait_until(lambda: len(self.times(COMPLETE)) > before, "the end of the sequence", 20)
         self.recording.level(begun, time.monotonic())
         length = RAMP / STEPS
         gains = [self._gain(begun + i * length, length) for i in range(round(5.5 / length))]
         steady = [gain for gain in gains[STEPS + 5:] if gain is not None]
-        if not steady:
-            return []
+        self.assertGreater(len(steady), 15, "the rumble at full volume")
         full = statistics.median(steady)
         errors = [(step, gain / full - step / STEPS) for step, gain in enumerate(gains[:STEPS])
                   if gain is not None]
-        common = statistics.median(error for _, error in errors) if errors else 0
+        self.assertGreater(len(errors), STEPS - 7, "the steps that are heard")
+        common = statistics.median(error for _, error in errors)
         self.assertLess(-common * RAMP, LATE)
         self.assertGreater(-common * RAMP, -EARLY)
-        return [(step, error - common) for step, error in errors]
+        self.assertLess(max(abs(error - common) for _, error in errors), 0.12)
 
     def _gain(self, begin, length):
         """How loud the rumble is for `length` seconds; none where it is not whole, or too soft."""
@@ -175,18 +155,22 @@ class Waking(StartupTest):
         self.wait_until(lambda: panel.is_on(SWITCH), "the switch, which is on at first")
         panel.toggle(SWITCH)
         self.wait_until(lambda: not panel.is_on(SWITCH), "the switch to be off")
+        self.wait_until_wake_ups_are_heard()
         off = time.monotonic()
         services.prepare_for_sleep()
         services.wake_up()
         self.assert_silent(off, off + 2.0, "a machine that wakes with the switch off")
         self.assertEqual(self.startup_lines(), [])
         panel.toggle(SWITCH)
-        self.wake_until_it_plays(services)
+        self.wait_until(lambda: panel.is_on(SWITCH), "the switch to be on")
+        self.wake(services)
         self.leave()
 
 
 class OpenedAtLogin(StartupTest):
     """On a desktop that leaves the keyboard where it is when a window comes."""
+
+    waits = True
 
     @classmethod
     def setUpClass(cls):
@@ -224,22 +208,35 @@ class OpenedAtLogin(StartupTest):
 class OpenedByHand(StartupTest):
     """On a desktop that gives a new window the keyboard."""
 
-    TRIES = 6
+    waits = True
+
+    STARTS = 5
+    MOST_LATE = 3
+    """How many starts may be too slow to tell: the window has to be in front within 0.5 s."""
 
     def test_in_front_it_stays_silent(self):
-        # A busy machine may take longer than half a second until the window is in front, and then
-        # it is right to roar; not each time.
         self.write_autostart_entry()
         resources = self.resources_with_silence(1)
-        for _ in range(self.TRIES):
+        delays = []
+        while sum(delay < 0.5 - EARLY for delay in delays) < self.STARTS:
             self.launch(QUORVANE_RESOURCES=resources)
-            self.screens()
-            time.sleep(1.5)
-            lines = self.startup_lines()
+            delays.append(self._wait_until_it_is_in_front())
+            self.assertLessEqual(sum(delay >= 0.5 - EARLY for delay in delays), self.MOST_LATE,
+                                 f"in front after {delays} s")
+            time.sleep(1)
+            if delays[-1] < 0.5 - EARLY:
+                self.assertEqual(self.startup_lines(), [], f"in front after {delays[-1]:.2f} s")
             self.leave()
-            if not lines:
-                return
-        self.fail(f"it roared at each of {self.TRIES} starts by hand")
+        print("in front after", *(f"{delay:.2f}" for delay in delays), "s", file=sys.stderr)
+
+    def _wait_until_it_is_in_front(self):
+        """Returns how long after its sounds the program's window has got the keyboard."""
+        display = self.session.display
+        self.wait_until(lambda: (found := display.windows("Quorvane"))
+                        and display.xdotool("getwindowfocus") == str(found[0]), "the window")
+        focused = time.monotonic()
+        loaded, = self.times(GENERATED)
+        return focused - loaded
 
 
 def rumble(times):
@@ -253,6 +250,7 @@ class Faults(StartupTest):
     listens = True
 
     def _wake_twice(self, services):
+        self.wait_until_wake_ups_are_heard()
         for _ in range(2):
             services.prepare_for_sleep()
             services.wake_up()
@@ -292,7 +290,7 @@ class Faults(StartupTest):
         self.launch(QUORVANE_RESOURCES=folder, PULSE_SERVER=f"unix:{self.home}/nobody",
                     ALSA_CONFIG_PATH="/nonexistent")
         self.screens().find(ENTER)
-        begun = self.wake_until_it_plays(services)
+        begun = self.wake(services)
         completed = self.program.wait_for_line(COMPLETE, 20)
         self.assertGreater(completed - begun, 3 - EARLY)
         self.assertLess(completed - begun, 3 + 3 * LATE)

@@ -41,6 +41,17 @@ class Bus:
         if not self.address:
             raise daemon.failure(f"the {name} bus has no address")
 
+    def is_listened_to(self, member):
+        """Whether somebody has asked for the signals of this name."""
+        connection = dbus.bus.BusConnection(self.address)
+        try:
+            daemon = connection.get_object("org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                           introspect=False)
+            rules = daemon.GetAllMatchRules(dbus_interface="org.freedesktop.DBus.Debug.Stats")
+            return any(f"member='{member}'" in rule for own in rules.values() for rule in own)
+        finally:
+            connection.close()
+
 
 class AccessibilityBus:
     """The accessibility bus of a session: its launcher, the bus and (on demand) its registry."""

@@ -37,18 +37,19 @@ class NotStarted(RuntimeError):
 
 
 class Server:
-    """A server of the desktop, ended with `stack`. What it writes goes to a file in its home."""
+    """A server of the desktop, ended with `stack`; `said` is what it writes to standard error."""
 
     def __init__(self, command, env, stack, **popen_options):
         self._name = os.path.basename(command[0])
-        self._log = os.path.join(env["HOME"], f"{self._name}.log")
-        with open(self._log, "ab") as log:
-            popen_options.setdefault("stdout", log)
-            try:
-                self.process = start(command, env, stderr=log, **popen_options)
-            except FileNotFoundError:
-                raise NotStarted(self._name, "it is not installed") from None
+        popen_options.setdefault("stdout", subprocess.DEVNULL)
+        try:
+            self.process = start(command, env, stderr=subprocess.PIPE, **popen_options)
+        except FileNotFoundError:
+            raise NotStarted(self._name, "it is not installed") from None
         stack.callback(end, self.process)
+        self.said = Lines(self.process.stderr)
+        # Closing the pipe would wait for the reader, and the server's own children may keep it open.
+        self.process.stderr = None
 
     def wait_until(self, condition, what):
         """Waits until it can be used; returns what `condition` returned."""
@@ -63,8 +64,9 @@ class Server:
 
     def failure(self, reason):
         """The error to raise when it does not do what it is there for."""
-        with open(self._log, encoding="utf-8", errors="replace") as log:
-            return NotStarted(self._name, reason, log.read())
+        if self.process.poll() is not None:
+            self.said.wait_for_end()
+        return NotStarted(self._name, reason, "".join(f"{line}\n" for line in self.said.text))
 
 
 def end(process, patience=3.0):
@@ -127,6 +129,11 @@ class Lines:
         """The lines so far, without their times."""
         with self._changed:
             return [text for _, text in self._lines]
+
+    def timed(self):
+        """The lines so far, each with the instant at which it came."""
+        with self._changed:
+            return list(self._lines)
 
     def times(self, text):
         """When each of the lines so far came that is exactly `text`."""

@@ -1,10 +1,21 @@
-"""A silent sound server whose output is recorded."""
+"""A silent sound server whose output is recorded, and which tells when it ran dry."""
 
+import math
 import os
 import subprocess
 
 from . import processes
 from .recording import Recording
+
+
+DRY = "end of underrun"
+"""What the server says when a stream that had nothing left to play gets something."""
+
+FRESH = ("Created input", "due to uncorking")
+"""What it says of a stream that begins, or goes on after a pause: that had nothing either."""
+
+SETTLED = 0.1
+"""Seconds after which such a stream has got its first sound."""
 
 
 class SoundServer:
@@ -30,15 +41,30 @@ class SoundServer:
         os.makedirs(self._directory, mode=0o700, exist_ok=True)
         server = processes.Server(
             ["pulseaudio", "-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1",
-             "--disallow-exit", "--realtime=no", "--high-priority=no", "--log-level=error",
+             "--disallow-exit", "--realtime=no", "--high-priority=no", "--log-level=debug",
+             "--log-target=stderr",
              "-L", f"module-null-sink sink_name={self.SINK} rate={self.RATE} channels=2",
              "-L", f"module-native-protocol-unix auth-anonymous=1 socket={self._socket}"],
             self._env, stack)
+        self._log = server.said
         server.wait_until(self._answers, "the sound server")
 
     def _answers(self):
         return subprocess.run(
             ["pactl", "info"], env=self._env, capture_output=True, timeout=10).returncode == 0
+
+    def dropouts(self, begin, end):
+        """How often between two instants something that was playing had nothing left to play.
+
+        Then the server has played silence in its place: the machine was too busy.
+        """
+        count, fresh = 0, -math.inf
+        for arrived, line in self._log.timed():
+            if any(word in line for word in FRESH):
+                fresh = arrived
+            elif DRY in line and begin <= arrived <= end and arrived > fresh + SETTLED:
+                count += 1
+        return count
 
     def record(self, stack):
         """Starts to record all that is played from soon on; see Recording.wait_for_start."""
