@@ -14,10 +14,14 @@ class CommandLine(EndToEndTest):
 
     def test_help_names_every_option(self):
         for display in (self.environment["DISPLAY"], None):
-            status, output, _ = self._run("--help", DISPLAY=display)
-            self.assertEqual(status, 0)
+            status, output, errors = self._run("--help", DISPLAY=display)
+            self.assertEqual((status, errors), (0, ""))
             for option in ("--help", "--version", "--simulated", "--demo"):
                 self.assertIn(option, output)
+
+    def test_a_refusal_tells_where_the_options_are_told(self):
+        _, _, errors = self._run("--no-such-option")
+        self.assertIn("--help", errors.replace("--no-such-option", ""))
 
     def test_version_is_told(self):
         status, output, errors = self._run("--version", DISPLAY=None)
@@ -50,14 +54,12 @@ class CommandLine(EndToEndTest):
 
     def test_a_missing_display_is_told(self):
         status, output, errors = self._run(DISPLAY=None)
-        self.assertNotEqual(status, 0)
-        self.assertEqual(output, "")
+        self.assertEqual((status, output), (1, ""))
         self.assertRegex(errors, "(?m)^quorvane: .*display")
 
     def test_a_display_that_does_not_answer_is_told(self):
         status, output, errors = self._run(DISPLAY=":65000")
-        self.assertNotEqual(status, 0)
-        self.assertEqual(output, "")
+        self.assertEqual((status, output), (1, ""))
         self.assertRegex(errors, "(?m)^quorvane: .*display")
 
     def test_a_reader_of_the_console_that_has_gone_is_no_error(self):
