@@ -4,6 +4,7 @@
 Each check prints what it found and then one line, OK or FAIL and its name.
 """
 
+import ast
 import json
 import os
 import re
@@ -79,20 +80,25 @@ def registered_commands(build):
     return [test.get("command", []) for test in json.loads(listing)["tests"]]
 
 
+def test_classes(path):
+    """The classes of a Python file that have tests of their own."""
+    return [node.name for node in ast.parse(path.read_text()).body
+            if isinstance(node, ast.ClassDef)
+            and any(getattr(part, "name", "").startswith("test_") for part in node.body)]
+
+
 def check_sources(build):
     """Every test source is built, and every test program is run."""
     built = compile_commands(build)
     commands = registered_commands(build)
     paths = {os.path.relpath(word, ROOT) for command in commands for word in command
              if word.startswith("/")}
-    modules = {word.split(".")[0] for command in commands if "unittest" in command
-               for word in command}
+    classes = {word for command in commands if "unittest" in command for word in command}
     problems = [f"{name} is not built" for name in tracked("tests/*.cpp") if name not in built]
     for name in tracked("tests/*.py"):
-        if not re.search(r"^    def test_", (ROOT / name).read_text(), re.M):
-            continue
-        if name not in paths and Path(name).stem not in modules:
-            problems.append(f"{name} is not run")
+        if name not in paths:
+            problems += [f"{name}: {found} is not run" for found in test_classes(ROOT / name)
+                         if f"{Path(name).stem}.{found}" not in classes]
     if not commands:
         problems.append("no test is registered at all")
     return problems
