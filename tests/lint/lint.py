@@ -12,6 +12,8 @@ import subprocess
 import sys
 from pathlib import Path
 
+from tidy import Tidy
+
 ROOT = Path(__file__).resolve().parents[2]
 
 # What each floor of the house may include, besides itself.
@@ -162,48 +164,9 @@ def check_format(_build):
     return run(["clang-format", "--dry-run", "--Werror", *sources()])
 
 
-def database_for_clang(build):
-    """A folder with the build's compile commands less what only its own compiler understands."""
-    commands = json.loads((build / "compile_commands.json").read_text())
-    for entry in commands:
-        entry["command"] = re.sub(
-            r" -include \S*/cmake_pch\.hxx| -Winvalid-pch| -fpch-\S+", "", entry["command"])
-    folder = build / "tidy"
-    folder.mkdir(exist_ok=True)
-    (folder / "compile_commands.json").write_text(json.dumps(commands))
-    return folder
-
-
-def clang_tidy(build):
-    """The command, with the plug-in that spares it the libraries' headers if that was built."""
-    command = ["clang-tidy", "--quiet", "-p", str(database_for_clang(build))]
-    plugin = build / "tests/lint/own_code_only.so"
-    return [*command, f"--load={plugin}"] if plugin.exists() else command
-
-
 def check_tidy(build):
     """clang-tidy has nothing to say."""
-    tidy = clang_tidy(build)
-    names = sorted(name for name in compile_commands(build) if name in set(sources()))
-    # One process a core; what a file says is kept together.
-    running, problems = [], []
-    cores = os.cpu_count() or 1
-
-    def collect():
-        name, process = running.pop(0)
-        output, _ = process.communicate()
-        if process.returncode:
-            problems.append(f"{name}:\n{output.strip()}")
-
-    for name in names:
-        if len(running) >= cores:
-            collect()
-        running.append((name, subprocess.Popen(
-            [*tidy, str(ROOT / name)], cwd=ROOT,
-            stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)))
-    while running:
-        collect()
-    return problems
+    return Tidy(build, ROOT).problems(sources())
 
 
 def check_qml(build):

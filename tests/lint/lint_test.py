@@ -1,6 +1,7 @@
 #!/usr/bin/python3
 """The lints themselves: what they must find, and what they must leave alone."""
 
+import json
 import os
 import pathlib
 import subprocess
@@ -8,6 +9,7 @@ import tempfile
 import unittest
 
 import lint
+import tidy
 
 OWN_CODE_ONLY = pathlib.Path(os.environ["QUORVANE_BUILD_DIR"]) / "tests/lint/own_code_only.so"
 
@@ -58,7 +60,6 @@ class Clocks(unittest.TestCase):
                 self.assertFalse(self.found(code))
 
 
-@unittest.skipUnless(OWN_CODE_ONLY.exists(), "clang's headers were not there for the build")
 class OwnCodeOnly(unittest.TestCase):
     """clang-tidy with the plug-in."""
 
@@ -90,6 +91,93 @@ class OwnCodeOnly(unittest.TestCase):
     def test_it_finds_all_that_is_written_here(self):
         self.assertEqual(self.complaints(), {"left", "below", "here", "inside"})
         self.assertEqual(self.complaints(f"--load={OWN_CODE_ONLY}"), {"below", "here", "inside"})
+
+
+class TidyStamps(unittest.TestCase):
+    """Which sources are checked again, in a build of one source and one header."""
+
+    COMMAND = "c++ -std=c++20 -o main.o -c ../main.cpp"
+
+    def setUp(self):
+        self.root = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory()))
+        self.build = self.root / "build"
+        self.build.mkdir()
+        self.write(".clang-tidy", "Checks: '-*,cppcoreguidelines-init-variables'\n"
+                                  "WarningsAsErrors: '*'\n")
+        self.write("own.h", "inline int own() { return 1; }\n")
+        self.write("main.cpp", '#include "own.h"\nint main() { return own(); }\n')
+        self.compile()
+
+    def write(self, name, text):
+        (self.root / name).write_text(text, encoding="utf-8")
+
+    def compile(self, command=COMMAND):
+        self.write("build/build.ninja", f"rule compile\n  command = {command} -MD -MF main.d\n"
+                                        "  depfile = main.d\n  deps = gcc\n"
+                                        "build main.o: compile ../main.cpp\n")
+        self.write("build/compile_commands.json", json.dumps([
+            {"directory": str(self.build), "command": command,
+             "file": str(self.root / "main.cpp")}]))
+        subprocess.run(["ninja", "-C", self.build], check=True, capture_output=True)
+
+    def is_known(self):
+        tidy.digest.cache_clear()
+        return tidy.Tidy(self.build, self.root).is_known("main.cpp")
+
+    def problem(self):
+        tidy.digest.cache_clear()
+        return tidy.Tidy(self.build, self.root).problem("main.cpp")
+
+    def make_known(self):
+        self.assertIsNone(self.problem())
+        self.assertTrue(self.is_known())
+
+    def test_an_unchanged_source_is_checked_once(self):
+        self.assertFalse(self.is_known())
+        self.make_known()
+        self.compile()
+        self.assertTrue(self.is_known())
+
+    def test_a_new_text_is_checked(self):
+        self.make_known()
+        self.write("main.cpp", '#include "own.h"\nint main() { return own() + 1; }\n')
+        self.assertFalse(self.is_known())
+        self.compile()
+        self.assertFalse(self.is_known())
+        self.make_known()
+
+    def test_a_new_text_of_an_include_is_checked(self):
+        self.make_known()
+        self.write("own.h", "inline int own() { return 2; }\n")
+        self.compile()
+        self.assertFalse(self.is_known())
+
+    def test_other_settings_are_checked(self):
+        self.make_known()
+        self.write(".clang-tidy", "Checks: '-*,bugprone-*'\nWarningsAsErrors: '*'\n")
+        self.assertFalse(self.is_known())
+
+    def test_another_command_is_checked(self):
+        self.make_known()
+        self.compile("c++ -std=c++20 -DNDEBUG -o main.o -c ../main.cpp")
+        self.assertFalse(self.is_known())
+
+    def test_what_was_not_built_since_is_checked_each_time(self):
+        self.write("own.h", "inline int own() { return 2; }\n")
+        self.assertIsNone(self.problem())
+        self.assertFalse(self.is_known())
+
+    def test_a_source_with_a_complaint_is_told_each_time(self):
+        self.make_known()
+        fine = (self.root / "main.cpp").read_text(encoding="utf-8")
+        self.write("main.cpp", "int main() { int left; left = 1; return left; }\n")
+        self.compile()
+        for _ in range(2):
+            self.assertIn("'left' is not initialized", self.problem())
+            self.assertFalse(self.is_known())
+        self.write("main.cpp", fine)
+        self.compile()
+        self.assertFalse(self.is_known())
 
 
 if __name__ == "__main__":
