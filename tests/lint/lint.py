@@ -49,6 +49,9 @@ CLOCKS = re.compile(
     r"|arc4random\w*|getrandom|getentropy)\s*\("
 )
 
+# It measures the sounds that come with the program, and runs next to none of its code.
+NOT_SANITIZED = {"shipped_sounds"}
+
 
 def tracked(*patterns):
     """The repository's files, those that are new and not ignored too."""
@@ -89,8 +92,16 @@ def test_classes(path):
             and any(getattr(part, "name", "").startswith("test_") for part in node.body)]
 
 
+def unsanitized(commands):
+    """The test programs among the commands that no sanitizer run names."""
+    programs = {Path(command[0]).name for command in commands
+                if any(word.startswith("--gtest_filter=") for word in command)}
+    named = (ROOT / "tests/sanitizers/run").read_text()
+    return sorted(name for name in programs - NOT_SANITIZED if f'"{name}"' not in named)
+
+
 def check_sources(build):
-    """Every test source is built, and every test program is run."""
+    """Every test source is built, and every test program is run, with the sanitizers too."""
     built = compile_commands(build)
     commands = registered_commands(build)
     paths = {os.path.relpath(word, ROOT) for command in commands for word in command
@@ -101,6 +112,7 @@ def check_sources(build):
         if name not in paths:
             problems += [f"{name}: {found} is not run" for found in test_classes(ROOT / name)
                          if f"{Path(name).stem}.{found}" not in classes]
+    problems += [f"{name} is not run with the sanitizers" for name in unsanitized(commands)]
     if not commands:
         problems.append("no test is registered at all")
     return problems
