@@ -191,12 +191,24 @@ TEST_F(AudioManagerTest, stop_falls_silent_and_the_next_creak_starts_from_its_be
     manager->update(50);
     machine.runLoop.advance(1);
     manager->stop();
+    EXPECT_EQ(machine.audio.runningEngineCount(), 1U) << "the engine keeps running";
     machine.runLoop.advance(1);
     EXPECT_FALSE(manager->isPlaying());
     EXPECT_NEAR(sounds()[0].stopTime - sounds()[0].startTime, 1, 1e-9);
     manager->update(50);
     EXPECT_EQ(sounds().back().offset, 0);
-    EXPECT_EQ(machine.audio.runningEngineCount(), 1U) << "the engine keeps running";
+    EXPECT_EQ(machine.audio.engineStartCount(), 1U);
+}
+
+TEST_F(AudioManagerTest, after_stop_the_next_creak_waits_for_no_completion) {
+    load();
+    manager->update(50);
+    machine.runLoop.holdMainQueue(true);
+    manager->stop();
+    manager->update(50);
+    EXPECT_EQ(node().state(), SimulatedAudioVoice::State::Sounding);
+    EXPECT_EQ(node().scheduledCount(), 1U);
+    machine.runLoop.holdMainQueue(false);
 }
 
 TEST_F(AudioManagerTest, stop_while_paused_forgets_the_place) {

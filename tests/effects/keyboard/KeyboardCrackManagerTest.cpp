@@ -184,7 +184,9 @@ TEST_F(KeyboardCrackManagerTest, the_rate_limit_survives_stopping_and_starting) 
 TEST_F(KeyboardCrackManagerTest, letting_go_of_the_manager_stops_it) {
     makeListening();
     manager.reset();
-    EXPECT_THAT(machine.eventTaps.calls(), Contains("close"));
+    EXPECT_THAT(machine.eventTaps.calls(),
+                ElementsAre("create location 1 placement 0 options 1 events 0x400", "source 0",
+                            "add", "enable yes", "enable no", "remove", "close"));
     EXPECT_EQ(machine.audio.holdCount(), 0U);
     EXPECT_TRUE(KeyboardCrackManager::shared.expired());
 }
