@@ -43,6 +43,10 @@ TEST(FloatingEmoji, reaches_both_ends_of_every_range) {
     EXPECT_THAT(emojis, testing::ElementsAre(low, high));
 }
 
+TEST(FloatingEmoji, cries) {
+    EXPECT_STREQ(FloatingEmoji::glyph, "😭");
+}
+
 TEST(FloatingEmoji, none_at_all_is_an_empty_list) {
     SimulatedRandom random;
     EXPECT_TRUE(FloatingEmoji::generate(0, random).empty());

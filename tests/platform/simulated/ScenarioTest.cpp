@@ -91,6 +91,16 @@ TEST(Scenario, every_mistake_is_named) {
               R"("0" is not the number of a reading)");
 }
 
+TEST(Scenario, what_is_just_within_bounds_is_no_mistake) {
+    EXPECT_EQ(mistakeIn(R"({"hid": [{"lid": [[0, 0], [1, 65535]]}]})"), "no mistake");
+    EXPECT_EQ(mistakeIn(R"({"hid": [{"lid": [[0, 65536]]}]})"),
+              "a lid's angle is outside 0 to 65535");
+    EXPECT_EQ(mistakeIn(R"({"hid": [{"lid": [[1, 2], [1, 3]]}]})"), "no mistake") << "a jump";
+    EXPECT_EQ(mistakeIn(R"({"hid": [{"readings": {"1": [1, 0]}}]})"), "no mistake");
+    EXPECT_EQ(mistakeIn(R"({"events": [{"at": 0, "quit": true}, {"at": 0, "key": "up"}]})"),
+              "no mistake");
+}
+
 TEST(Scenario, a_file_that_cannot_be_read_says_why) {
     const auto missing = loadScenario("no/such/file.scenario");
     EXPECT_EQ(std::get<ScenarioError>(missing).description, "No such file or directory");
