@@ -1,5 +1,10 @@
 #include "tests/effects/startup/StartupFixture.h"
 
+#include <functional>
+#include <utility>
+
+#include "tests/support/ExchangedPlatform.h"
+
 namespace quorvane {
 namespace {
 
@@ -27,6 +32,31 @@ TEST_F(StartupLoginTest, not_registered_at_login_it_stays_silent) {
         advance(2);
         EXPECT_THAT(machine.console.lines, IsEmpty());
     }
+}
+
+/// A workspace that notes how much is already scheduled when it gets an observer.
+class NotingWorkspace final : public InProcessNotificationCenter {
+public:
+    explicit NotingWorkspace(const SimulatedRunLoop& runLoop) : m_runLoop(runLoop) {}
+
+    Token addObserver(std::string_view name, std::function<void()> block) override {
+        scheduled.push_back(m_runLoop.pendingCount());
+        return InProcessNotificationCenter::addObserver(name, std::move(block));
+    }
+
+    std::vector<std::size_t> scheduled;
+
+private:
+    const SimulatedRunLoop& m_runLoop;
+};
+
+TEST_F(StartupLoginTest, wake_ups_are_observed_before_the_login_is_looked_at) {
+    NotingWorkspace workspace(machine.runLoop);
+    machine.application.loginItem = LoginItemStatus::Enabled;
+    manager = StartupSoundManager::create(exchange(machine.platform(), {.workspace = &workspace}));
+    EXPECT_THAT(workspace.scheduled, testing::ElementsAre(0U));
+    EXPECT_EQ(machine.runLoop.pendingCount(), 1U);
+    manager.reset();
 }
 
 TEST_F(StartupLoginTest, registered_after_its_start_it_stays_silent) {
