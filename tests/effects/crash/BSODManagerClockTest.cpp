@@ -1,0 +1,115 @@
+#include "effects/crash/BSODManager.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+#include "platform/simulated/SimulatedMachine.h"
+
+namespace quorvane {
+namespace {
+
+/// A stop screen while clocks move and the main thread is late.
+class BSODManagerClockTest : public testing::Test {
+protected:
+    [[nodiscard]] std::size_t shown() const { return machine.screens.shownPanels().size(); }
+
+    SimulatedMachine machine;
+    std::shared_ptr<BSODManager> manager = BSODManager::create(machine.platform());
+};
+
+TEST_F(BSODManagerClockTest, progress_is_the_share_of_five_seconds_on_the_wall_clock) {
+    manager->start();
+    machine.runLoop.advance(15);
+    EXPECT_EQ(manager->progress(), 0);
+    machine.runLoop.advance(2.5);
+    EXPECT_NEAR(manager->progress(), 0.5, 1e-6);
+    // Asleep for two seconds: the timers' clock stood still, the wall clock did not.
+    machine.runLoop.sleep(2);
+    machine.runLoop.advance(1.0 / 60);
+    EXPECT_NEAR(manager->progress(), 0.9 + 1.0 / 300, 1e-4);
+}
+
+TEST_F(BSODManagerClockTest, a_late_tick_makes_progress_exactly_one_and_never_more) {
+    manager->start();
+    machine.runLoop.advance(16);
+    double highest = 0;
+    const auto subscription = manager->progress().observe(
+        [&] { highest = std::max(highest, manager->progress().get()); });
+    machine.runLoop.block(8);
+    machine.runLoop.advance(0);
+    EXPECT_EQ(highest, 1.0);
+    EXPECT_EQ(manager->progress(), 1.0);
+    EXPECT_EQ(shown(), 0U);
+}
+
+TEST_F(BSODManagerClockTest, a_late_screen_is_replaced_by_the_next_one_and_no_panel_is_left) {
+    manager->start();
+    machine.runLoop.advance(29);
+    machine.runLoop.block(14.5);
+    machine.runLoop.advance(0.5);
+    ASSERT_EQ(shown(), 1U) << "the one of 30 s, 13.5 s late";
+    machine.runLoop.advance(1);
+    ASSERT_EQ(machine.screens.panels().size(), 3U) << "the one of 45 s";
+    EXPECT_EQ(machine.screens.panels().at(1)->calls.back(), "out");
+    EXPECT_EQ(shown(), 1U);
+    machine.runLoop.advance(4.99);
+    EXPECT_EQ(shown(), 1U);
+    machine.runLoop.advance(0.01);
+    EXPECT_EQ(shown(), 0U);
+    EXPECT_EQ(machine.runLoop.pendingCount(), 1U) << "only one progress timer ran";
+}
+
+TEST_F(BSODManagerClockTest, a_late_screen_goes_when_the_next_one_finds_no_main_screen) {
+    manager->start();
+    machine.runLoop.advance(29);
+    machine.runLoop.block(14.5);
+    machine.runLoop.advance(0);
+    ASSERT_EQ(shown(), 1U);
+    machine.screens.setMainScreen(std::nullopt);
+    machine.runLoop.advance(1.5);
+    EXPECT_EQ(shown(), 0U);
+    EXPECT_TRUE(manager->isShowing());
+}
+
+TEST_F(BSODManagerClockTest, a_clock_set_forward_completes_at_the_next_tick) {
+    manager->start();
+    machine.runLoop.advance(16);
+    machine.runLoop.setDate(machine.runLoop.currentDate() + 3600);
+    machine.runLoop.advance(1.0 / 60);
+    EXPECT_EQ(manager->progress(), 1.0);
+    EXPECT_EQ(shown(), 0U);
+}
+
+TEST_F(BSODManagerClockTest, a_clock_set_back_a_little_takes_the_progress_back) {
+    manager->start();
+    machine.runLoop.advance(17.5);
+    machine.runLoop.setDate(machine.runLoop.currentDate() - 1);
+    machine.runLoop.advance(1.0 / 60);
+    EXPECT_NEAR(manager->progress(), 0.3 + 1.0 / 300, 1e-4);
+    EXPECT_EQ(shown(), 1U);
+}
+
+TEST_F(BSODManagerClockTest, a_clock_set_back_neither_lengthens_the_screen_nor_leaves_a_panel) {
+    manager->start();
+    machine.runLoop.advance(16);
+    double lowest = 1;
+    const auto subscription =
+        manager->progress().observe([&] { lowest = std::min(lowest, manager->progress().get()); });
+    machine.runLoop.setDate(machine.runLoop.currentDate() - 12);
+    machine.runLoop.advance(3.99);
+    EXPECT_EQ(shown(), 1U);
+    EXPECT_EQ(manager->progress(), 0.0);
+    EXPECT_EQ(lowest, 0.0);
+    machine.runLoop.advance(0.01);
+    EXPECT_EQ(shown(), 0U);
+    EXPECT_FALSE(manager->isShowing());
+    EXPECT_EQ(manager->progress(), 1.0);
+    EXPECT_EQ(machine.runLoop.pendingCount(), 1U);
+    machine.runLoop.advance(10);
+    EXPECT_EQ(shown(), 1U);
+    manager->stop();
+    EXPECT_EQ(shown(), 0U);
+}
+
+} // namespace
+} // namespace quorvane
