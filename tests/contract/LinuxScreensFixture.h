@@ -103,8 +103,11 @@ protected:
         ASSERT_EQ(QProcess::execute("xrandr", arguments), 0);
     }
 
-    bool comesToCover(const QRect& place) {
-        return TestDesktop::waitFor([&] { return m_desktop.panels() == std::vector{place}; });
+    bool comesToCover(const QRect& place) { return comesToStack({place}); }
+
+    /// The foremost panel last.
+    bool comesToStack(const std::vector<QRect>& places) {
+        return TestDesktop::waitFor([&] { return m_desktop.panels() == places; });
     }
 
     static void useSmallMode() {

@@ -206,7 +206,15 @@ void TestDesktop::fake(uint8_t type, uint8_t detail, QPoint place) {
                         static_cast<int16_t>(place.x()), static_cast<int16_t>(place.y()), 0);
 }
 
+/// The server takes turns with its clients: what others have sent it by now is done by the second
+/// answer that this one gets.
+void TestDesktop::awaitServer() const {
+    static_cast<void>(focus());
+    static_cast<void>(focus());
+}
+
 void TestDesktop::click(QPoint place) {
+    awaitServer();
     fake(XCB_MOTION_NOTIFY, 0, place);
     fake(XCB_BUTTON_PRESS, leftButton, place);
     fake(XCB_BUTTON_RELEASE, leftButton, place);
@@ -244,6 +252,7 @@ int TestDesktop::takeKeys() {
 }
 
 QImage TestDesktop::look() const {
+    awaitServer();
     const QSize size = rectOf(m_screen->root).size();
     const Answer<xcb_get_image_reply_t> reply{
         xcb_get_image_reply(m_connection,
@@ -290,6 +299,7 @@ QRect TestDesktop::rectOf(xcb_window_t window) const {
 }
 
 std::vector<xcb_window_t> TestDesktop::panelWindows() const {
+    awaitServer();
     const Answer<xcb_query_tree_reply_t> tree{
         xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, m_screen->root), nullptr)};
     std::vector<xcb_window_t> windows;

@@ -79,6 +79,7 @@ private:
     [[nodiscard]] bool hasOwner(const std::string& selection) const;
     [[nodiscard]] bool windowManagerIsThere() const;
     void wakeWindowManager();
+    void awaitServer() const;
     void awaitWindowManager(xcb_window_t window);
     [[nodiscard]] bool isUp(xcb_window_t window) const;
     [[nodiscard]] bool isPanel(xcb_window_t window) const;
