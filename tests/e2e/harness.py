@@ -43,7 +43,7 @@ OTHER_EFFECTS = ("[STARTUP]", "[RUMBLE]", "[HAPTIC]", "[KEYBOARD]", "[FAN]")
 AUDIBLE = -50.0
 """dBFS above which somebody would hear the creak."""
 
-LISTENING_ATTEMPTS = 3
+LISTENING_ATTEMPTS = 4
 """How often at the most something is listened to; see `hear`."""
 
 OWN_WORDS = "quorvane: "

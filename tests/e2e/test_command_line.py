@@ -62,6 +62,10 @@ class CommandLine(EndToEndTest):
         self.assertEqual((status, output), (1, ""))
         self.assertRegex(errors, "(?m)^quorvane: .*display")
 
+    def test_a_reader_of_the_help_that_has_gone_is_no_error(self):
+        program = self.launch("--help", console_reader=False)
+        self.assertEqual(program.wait_for_exit(10)[0], 0)
+
     def test_a_reader_of_the_console_that_has_gone_is_no_error(self):
         self.skip_hardware_check()
         self.launch(console_reader=False)

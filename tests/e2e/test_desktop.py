@@ -102,11 +102,13 @@ class Screens(EndToEndTest):
         screens = self.screens()
         screens.find(ENTER)
         os.kill(self.program.pid, signal.SIGSTOP)
-        self.addCleanup(os.kill, self.program.pid, signal.SIGCONT)
-        for look in (screens.shows, screens.wait_until_gone):
-            with self.subTest(look=look.__name__), self.assertRaises(AssertionError):
-                look(ENTER)
-        os.kill(self.program.pid, signal.SIGCONT)
+        try:
+            for look in (screens.shows, screens.wait_until_gone):
+                with self.subTest(look=look.__name__), self.assertRaisesRegex(AssertionError,
+                                                                              "cannot be read"):
+                    look(ENTER)
+        finally:
+            os.kill(self.program.pid, signal.SIGCONT)
         self.assertTrue(screens.shows(ENTER))
         self.leave()
 

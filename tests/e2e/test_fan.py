@@ -1,6 +1,6 @@
 """The fan never stops until it is told to.
 
-QUORVANE_FAN_SECONDS says how long the fan is listened to (by default 15 s).
+QUORVANE_FAN_SECONDS says how long the fan is listened to (by default 11 s).
 """
 
 import os
@@ -14,7 +14,7 @@ from harness import LEAVE, REPOSITORY, EndToEndTest
 
 FAN = REPOSITORY / "resources" / "fanmac.mp3"
 SWITCH = "Thermals"
-SECONDS = float(os.environ.get("QUORVANE_FAN_SECONDS", "15"))
+SECONDS = float(os.environ.get("QUORVANE_FAN_SECONDS", "11"))
 
 WINDOW = 0.01
 LATE = 1.0

@@ -2,6 +2,7 @@
 
 import os
 import pathlib
+import re
 import subprocess
 import sys
 import time
@@ -28,9 +29,10 @@ class Frames(EndToEndTest):
         self.screens().find(ENTER)
         self.window, = self.wait_until(lambda: self.session.display.windows(WINDOW), "the window")
 
-    def _loaded(self):
-        """The files that the program has loaded, libraries among them."""
-        return pathlib.Path("/proc", str(self.program.pid), "maps").read_text()
+    def _graphics_drivers(self):
+        """What of the libraries that the program has loaded is such a driver."""
+        loaded = pathlib.Path("/proc", str(self.program.pid), "maps").read_text()
+        return set(re.findall(GRAPHICS_DRIVER, loaded))
 
     def _count(self):
         return sum(FRAME in line.lower() for line in self.program.errors.text)
@@ -56,14 +58,13 @@ class Frames(EndToEndTest):
         devices = pathlib.Path("/dev")
         cards = [card for card in (*devices.glob("dri/renderD*"), *devices.glob("nvidiactl"))
                  if os.access(card, os.R_OK | os.W_OK)]
-        expect = self.assertRegex if cards else self.assertNotRegex
         self._launch()
-        expect(self._loaded(), GRAPHICS_DRIVER)
+        self.assertEqual(bool(self._graphics_drivers()), bool(cards), self._graphics_drivers())
         self.leave(OWN_WORDS)
 
     def test_who_asks_for_another_renderer_gets_it(self):
         self._launch(QT_QUICK_BACKEND="rhi")
-        self.assertRegex(self._loaded(), GRAPHICS_DRIVER)
+        self.assertTrue(self._graphics_drivers())
         self.leave(OWN_WORDS)
 
     def test_there_are_none_while_the_window_is_minimised(self):

@@ -39,9 +39,11 @@ class ScreenReader:
     def _find(program):
         if not program.is_running:
             raise AssertionError("the program has ended before it could be seen")
-        for child in _children(Atspi.get_desktop(0)):
+        desktop = Atspi.get_desktop(0)
+        for index in range(desktop.get_child_count()):
+            child = desktop.get_child_at_index(index)
             try:
-                if child.get_process_id() == program.pid:
+                if child is not None and child.get_process_id() == program.pid:
                     return child
             except GLib.Error:
                 pass  # an earlier program that is just leaving
@@ -76,10 +78,12 @@ class Announcements:
 
 
 def _children(node):
-    for index in range(node.get_child_count()):
-        child = node.get_child_at_index(index)
-        if child is not None:
-            yield child
+    count = node.get_child_count()
+    children = [node.get_child_at_index(index) for index in range(count)]
+    # These two say so where others raise an error.
+    if count < 0 or None in children:
+        raise GLib.Error("no answer, or children that have just gone")
+    return children
 
 
 def _shown(node):
@@ -109,7 +113,8 @@ class Application:
         while True:
             try:
                 result = evaluate(self._walk(self._root))
-                # One that is ending may be seen without children, rather than with an error.
+                # An empty name may be no answer, too: only some calls tell that there was none.
+                self._root.get_role()
                 self._check_that_it_runs()
                 return result
             except GLib.Error as error:

@@ -8,8 +8,9 @@ from . import processes
 from .recording import Recording
 
 
-DRY = "end of underrun"
-"""What the server says when a stream that had nothing left to play gets something."""
+DRY = ("Implicit underrun of", "due to end of underrun")
+"""What the server says of a stream that has nothing left to play: of one that is to go on whatever
+comes, at once; of any other, when there is something again."""
 
 FRESH = ("Created input", "due to uncorking")
 """What it says of a stream that begins, or goes on after a pause: that had nothing either."""
@@ -62,8 +63,8 @@ class SoundServer:
         for arrived, line in self._log.timed():
             if any(word in line for word in FRESH):
                 fresh = arrived
-            elif DRY in line and begin <= arrived <= end and arrived > fresh + SETTLED:
-                count += 1
+            elif begin <= arrived <= end and arrived > fresh + SETTLED:
+                count += any(word in line for word in DRY)
         return count
 
     def record(self, stack):
