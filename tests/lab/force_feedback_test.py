@@ -16,8 +16,9 @@ BACK_TO_BACK = 0.005
 """Seconds that two pulses of one tick may be apart, on an emulated processor that does other things
 too."""
 
-KEPT, CLOSED_WITHIN = 0.9, 1.5
-"""Seconds from an effect's end: the device is closed a second after its last use."""
+KEPT, CLOSED_WITHIN = 0.4, 1.7
+"""Seconds from an effect's end: the device is closed at the second of two looks, one every half a
+second, that find it unused."""
 
 RAMP = 3.0
 """Seconds over which the pulse rate rises."""

@@ -33,6 +33,7 @@ def main():
     try:
         kernel, initramfs = machine.prepare(build / "lab" / "machine")
         prepared = time.monotonic()
+        machine.run_first()
         machine.boot(kernel, initramfs, build / "lab" / "results", job, arguments.time_limit)
     except machine.LabError as error:
         print(f"lab: {error}", file=sys.stderr)
