@@ -4,8 +4,8 @@
     lab.py BUILD_DIRECTORY [--time-limit SECONDS] [SCENARIO ...]
 
 The machine is kept under BUILD_DIRECTORY/lab/machine, what it leaves behind is below
-BUILD_DIRECTORY/lab/results. Status 0 says that every scenario was played, not that the program
-passed: that is for verdict_test.py to say.
+BUILD_DIRECTORY/lab/results. Status 0 says that every scenario was played, with no more than two
+retries in all, not that the program passed: that is for the verdicts to say.
 """
 
 import argparse

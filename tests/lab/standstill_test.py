@@ -62,6 +62,8 @@ class Complaint(unittest.TestCase):
         self.assertAlmostEqual(standstill.worst_second([(1, 5)]), 1)
         self.assertAlmostEqual(standstill.worst_second([(1, 1.5), (2.25, 2.5)]), 0.5)
         self.assertAlmostEqual(standstill.worst_second([(1, 1.5), (2, 2.25)]), 0.5)
+        self.assertAlmostEqual(
+            standstill.worst_second([(1, 1.02), (2.5, 2.6), (2.9, 3)]), 0.2)
 
     def test_short_ones_far_apart_are_not(self):
         self.assertIsNone(standstill.complaint(standing(*[0.04] * 20, every=0.7)))
