@@ -44,26 +44,27 @@ def _plug(lab, scenario, stack, *arguments):
     return Lid(lab.desktop.env, lab.folder(scenario) / "device.log", stack, *arguments)
 
 
-def _to_the_panel(lab, program):
-    """The first launch, as far as the panel with the creak's switch."""
+def _to_the_panel(lab, program, is_first):
+    """A launch, as far as the panel with the creak's switch."""
     app = lab.reader.application(program)
-    app.press("CHECK HARDWARE 🔍", PATIENCE)
-    app.find("Lid sensor detected", timeout=PATIENCE)
-    app.press("CONTINUE", PATIENCE)
+    if is_first:
+        app.press("CHECK HARDWARE 🔍", PATIENCE)
+        app.find("Lid sensor detected", timeout=PATIENCE)
+        app.press("CONTINUE", PATIENCE)
     app.press("MAKE ME SUFFER 😭", PATIENCE)
     app.find("Build quality", timeout=PATIENCE)
     return app
 
 
-def moving_lid(lab, name, *script, after_vanishing=0.0):
-    """The first launch, the way to the creak's switch, a lid that moves and then vanishes."""
-    lab.set_first_launch(True)
+def moving_lid(lab, name, *script, after_vanishing, is_first=False):
+    """A launch, the way to the creak's switch, a lid that moves and then vanishes."""
+    lab.set_first_launch(is_first)
     folder = lab.folder(name)
     with contextlib.ExitStack() as stack:
         recording = lab.desktop.record(folder / "recorder.log", stack)
         lid = _plug(lab, name, stack, "--product", "0x8104", "--angle", "100", *script)
         with lab.program(name, stack) as (program, facts):
-            app = _to_the_panel(lab, program)
+            app = _to_the_panel(lab, program, is_first)
             with lab.watch.timed():
                 app.toggle("Build quality")
                 lid.begin_to_move()
@@ -77,13 +78,14 @@ def moving_lid(lab, name, *script, after_vanishing=0.0):
 
 
 def cold_creak(lab, name):
-    """The first creak on a machine that has read nothing of the program's files yet."""
+    """The first launch on a machine that has read nothing of the program's files, and a creak."""
     pathlib.Path("/proc/sys/vm/drop_caches").write_text("3", encoding="ascii")
-    moving_lid(lab, name, *COLD_SCRIPT, after_vanishing=AFTER_SWITCHING_OFF)
+    moving_lid(lab, name, *COLD_SCRIPT, after_vanishing=AFTER_SWITCHING_OFF, is_first=True)
 
 
 def found(lab, name, *lids):
     """What the console says of the sensor at a later launch, with these devices plugged in."""
+    lab.set_first_launch(False)
     with contextlib.ExitStack() as stack:
         for lid in lids:
             _plug(lab, name, stack, "--keep", *lid)
