@@ -147,6 +147,8 @@ TEST_F(FreezeManagerTest, stop_during_a_freeze_clears_it_and_its_end_does_nothin
     EXPECT_EQ(shown(), 0U);
     EXPECT_FALSE(manager->isActive());
     EXPECT_EQ(machine.runLoop.pendingCount(), 1U) << "the end of the freeze cannot be cancelled";
+    machine.runLoop.advance(3);
+    EXPECT_EQ(machine.runLoop.pendingCount(), 0U) << "its end begins no wait";
     machine.runLoop.advance(100);
     EXPECT_EQ(freezes(), 1U);
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
