@@ -5,9 +5,11 @@ namespace quorvane {
 
 namespace {
 
+using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Not;
 using testing::NotNull;
 
 constexpr auto keyDown = static_cast<std::uint32_t>(TapEventType::KeyDown);
@@ -95,9 +97,12 @@ TEST_F(MacEventTapsTest, TheLastReferenceClosesTheTapWhicheverItIs) {
     tap.reset();
     EXPECT_EQ(standin::openTaps(), 1);
     // Still on the run loop, which must not keep it.
+    EXPECT_THAT(m_calls, Not(Contains("CFMachPortInvalidate")));
     source.reset();
     EXPECT_EQ(standin::openTaps(), 0);
     EXPECT_THAT(standin::leftOver(), IsEmpty());
+    // The system may hold the port longer than we do.
+    EXPECT_THAT(m_calls, Contains("CFMachPortInvalidate").Times(1));
     standin::deliver(keyDown, 0);
     EXPECT_THAT(heard(), IsEmpty());
 }

@@ -82,6 +82,48 @@ TEST_F(MacHIDTest, APropertyThatIsATextIsNoInteger) {
     EXPECT_EQ(devices->front()->integerProperty("ProductID"), 0x8104);
 }
 
+TEST_F(MacHIDTest, ADeviceThatIsOpenIsNotOpenedAgain) {
+    plugIn(0x8104);
+    const auto manager = m_hid.createManager();
+    const auto devices = manager->copyDevices();
+    ASSERT_TRUE(devices && devices->size() == 1);
+    EXPECT_EQ(devices->front()->open(), 0);
+    EXPECT_EQ(devices->front()->open(), 0);
+    EXPECT_THAT(m_calls, Contains("IOHIDDeviceOpen(0)").Times(1));
+}
+
+TEST_F(MacHIDTest, ADeviceThatCouldNotBeOpenedIsNotReadUntilItCan) {
+    const auto device = plugIn(0x8104);
+    device->openResult = -1;
+    const auto manager = m_hid.createManager();
+    const auto devices = manager->copyDevices();
+    ASSERT_TRUE(devices && devices->size() == 1);
+    EXPECT_EQ(devices->front()->open(), -1);
+    std::array<std::uint8_t, 8> buffer{};
+    std::size_t length = buffer.size();
+    EXPECT_NE(devices->front()->getReport(HIDReportType::Feature, 1, buffer, length), 0);
+    device->openResult = 0;
+    EXPECT_EQ(devices->front()->open(), 0);
+    EXPECT_EQ(devices->front()->getReport(HIDReportType::Feature, 1, buffer, length), 0);
+}
+
+TEST_F(MacHIDTest, AReadTellsHowManyBytesItGotAndAFailedOneTellsNothing) {
+    const auto device = plugIn(0x8104);
+    const auto manager = m_hid.createManager();
+    const auto devices = manager->copyDevices();
+    ASSERT_TRUE(devices && devices->size() == 1);
+    devices->front()->open();
+    std::array<std::uint8_t, 8> buffer{};
+    std::size_t length = buffer.size();
+    device->readResult = -1;
+    EXPECT_EQ(devices->front()->getReport(HIDReportType::Feature, 1, buffer, length), -1);
+    EXPECT_EQ(length, 8U);
+    device->readResult = 0;
+    EXPECT_EQ(devices->front()->getReport(HIDReportType::Feature, 1, buffer, length), 0);
+    EXPECT_EQ(length, 3U);
+    EXPECT_EQ(buffer[1], 112);
+}
+
 TEST_F(MacHIDTest, EachDeviceIsHeldOnceForAsLongAsItsHandle) {
     plugIn(0x8104);
     plugIn(0x8102);

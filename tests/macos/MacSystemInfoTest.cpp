@@ -14,6 +14,12 @@ protected:
     MacSystemInfo m_info;
 };
 
+TEST_F(MacSystemInfoTest, TheModelIsTheOneThatTheSystemNames) {
+    EXPECT_EQ(m_info.modelName(), "");
+    standin::machine().model = "MacBookPro18,3";
+    EXPECT_EQ(m_info.modelName(), "MacBookPro18,3");
+}
+
 TEST_F(MacSystemInfoTest, ThePlainQuestionOfTrustAsksNobody) {
     EXPECT_FALSE(m_info.isProcessTrusted());
     standin::machine().trusted = true;

@@ -119,6 +119,7 @@ CFRunLoopSourceRef CFMachPortCreateRunLoopSource(CFAllocatorRef, CFMachPortRef p
 }
 
 void CFMachPortInvalidate(CFMachPortRef port) {
+    call("CFMachPortInvalidate");
     if (auto* known = checked<MachPort>(port, "CFMachPortInvalidate")) {
         known->valid = false;
         dropSources(*known);

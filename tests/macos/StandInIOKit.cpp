@@ -125,8 +125,11 @@ IOReturn IOHIDDeviceGetReport(IOHIDDeviceRef device, IOHIDReportType type, CFInd
         return noDevice;
     if (type != kIOHIDReportTypeFeature || reportID != 1)
         return unsupported;
-    if (known->device->readResult != kIOReturnSuccess)
+    if (known->device->readResult != kIOReturnSuccess) {
+        // What the real one leaves there is not said.
+        *length = 0;
         return known->device->readResult;
+    }
     const auto& bytes = known->device->report;
     *length = std::min(*length, static_cast<CFIndex>(bytes.size()));
     std::copy_n(bytes.begin(), *length, report);
