@@ -23,8 +23,8 @@ still."""
 FIRST_ONSET = 0.25
 """The same with the opening of the output device, some 0.06."""
 
-COLD_ONSET = 0.5
-"""The same on a machine that has read nothing of the program's files yet."""
+COLD_ONSET = 0.35
+"""The same on a machine that has read nothing of the program's files yet, some 0.03 more."""
 
 RELEASE = (0.14, 0.35)
 """Seconds from the end of the motion to silence: 0.2 s until the mean slope is 0, a reading more or
