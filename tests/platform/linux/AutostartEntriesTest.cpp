@@ -134,8 +134,8 @@ TEST_F(AutostartEntriesTest, AnEntryNotForCertainDesktopsIsNoneOnThose) {
 }
 
 TEST_F(AutostartEntriesTest, OnlyDesktopFilesAreEntries) {
-    write("quorvane.desktop.bak", entry(m_executable.string()));
-    write("notes.txt", entry(m_executable.string()));
+    write("quorvane.desktop.bak", entry("\"" + m_executable.string() + "\""));
+    write("notes.txt", entry("\"" + m_executable.string() + "\""));
     EXPECT_FALSE(isStarted());
 }
 

@@ -107,9 +107,12 @@ TEST_F(KeyboardAccessPromptTest, OnlyWhoIsNotTrustedAndWantsAPromptGetsIt) {
     const auto keyboards = [&node] { return std::vector{node}; };
     LinuxSystemInfo info("/", keyboards);
     EXPECT_TRUE(info.isProcessTrustedWithOptions(true));
+    QtApplication::runFor(100);
     fs::remove(node);
     EXPECT_FALSE(info.isProcessTrustedWithOptions(false));
     EXPECT_FALSE(info.isProcessTrusted());
+    QtApplication::runFor(100);
+    EXPECT_EQ(fileText(calls()), "");
     EXPECT_FALSE(info.isProcessTrustedWithOptions(true));
     const auto helper =
         QCoreApplication::applicationDirPath().toStdString() + "/quorvane-keyboard-access";
