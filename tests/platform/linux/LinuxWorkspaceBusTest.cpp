@@ -49,6 +49,37 @@ TEST_F(LinuxWorkspaceTest, ANewObserverAfterTheLastOneStartsAfresh) {
     EXPECT_THAT(listener.heard(1), ElementsAre("wake"));
 }
 
+TEST_F(LinuxWorkspaceTest, ALidThatMovedWhileNoOneObservedIsNoEvent) {
+    StandInUPower upower(address());
+    {
+        Listener listener(m_workspace);
+        settle(upower);
+        upower.setLidIsClosed(true);
+        EXPECT_THAT(listener.heard(1), ElementsAre("sleep"));
+    }
+    upower.setLidIsClosed(false);
+    Listener listener(m_workspace);
+    settle(upower, 2);
+    upower.setLidIsClosed(true);
+    EXPECT_THAT(listener.heard(1), ElementsAre("sleep"));
+}
+
+TEST_F(LinuxWorkspaceTest, UPowerIsLeftAloneOnceOnlyTheMachineIsObserved) {
+    StandInUPower upower(address());
+    const StandInLogind logind(address());
+    {
+        const Listener screens(m_workspace);
+        settle(upower);
+    }
+    Listener machine(m_workspace, {{WorkspaceNotification::didWake, "machine"}});
+    ASSERT_TRUE(QtApplication::runUntil([&] {
+        logind.prepareForSleep(false);
+        return !machine.heard(0).empty();
+    }));
+    QtApplication::runFor(quietMilliseconds);
+    EXPECT_EQ(upower.reads(), 1);
+}
+
 TEST_F(LinuxWorkspaceTest, TheLastObserverMayLeaveInsideItsBlock) {
     StandInUPower upower(address());
     int heard = 0;

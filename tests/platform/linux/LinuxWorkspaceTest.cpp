@@ -76,8 +76,8 @@ TEST_F(LinuxWorkspaceTest, AMachineWithoutALidIsNotPutToSleepByOne) {
     Listener listener(m_workspace);
     settle(upower);
     upower.setLidIsClosed(true);
-    logind.prepareForSleep(true);
     upower.setLidIsClosed(false);
+    logind.prepareForSleep(true);
     logind.prepareForSleep(false);
     EXPECT_THAT(listener.heard(2), ElementsAre("sleep", "wake"));
     EXPECT_EQ(listener.heardInAll().size(), 2U);
@@ -149,11 +149,13 @@ TEST_F(LinuxWorkspaceTest, SignalsOfStrangersAreNotBelieved) {
     const StandInLogind otherStranger(address(), QStringLiteral("com.example.OtherStranger"));
     Listener listener(m_workspace);
     settle(upower);
-    stranger.setLidIsClosed(true);
     otherStranger.prepareForSleep(true);
+    upower.setLidIsClosed(true);
+    stranger.setLidIsClosed(false);
     upower.setLidIsClosed(true);
     upower.setLidIsClosed(false);
     EXPECT_THAT(listener.heard(2), ElementsAre("sleep", "wake"));
+    EXPECT_EQ(listener.heardInAll().size(), 2U);
 }
 
 } // namespace
