@@ -107,6 +107,11 @@ TEST_F(LinuxEventTapsTest, ASymbolTellsWhetherItsKeyIsAModifier) {
         EXPECT_THAT(typedAs(key), ElementsAre(keyDown, keyUp)) << key;
 }
 
+TEST_F(LinuxEventTapsTest, ATapHasOneSource) {
+    startToListen();
+    EXPECT_EQ(m_tap->createRunLoopSource(0), m_source);
+}
+
 TEST_F(LinuxEventTapsTest, KeysAreHeardWhileAnotherProgramHasGrabbedTheKeyboard) {
     startToListen();
     m_display.grabKeyboard();
