@@ -175,6 +175,26 @@ TEST_P(RunLoopContract, delayed_blocks_run_once_in_the_order_of_their_deadlines)
     EXPECT_EQ(order, (std::vector{1, 2}));
 }
 
+TEST_P(RunLoopContract, an_earlier_deadline_does_not_wait_for_a_later_one_that_was_there_first) {
+    bool ran = false;
+    runLoop.asyncAfter(10, [] {});
+    runLoop.asyncAfter(0.01, [&] { ran = true; });
+    side->rest(0.1);
+    EXPECT_TRUE(ran);
+}
+
+TEST_P(RunLoopContract, a_block_that_takes_longer_than_its_interval_leaves_room_for_others) {
+    int firings = 0;
+    const auto timer = runLoop.scheduledTimer(0.001, true, [&](Timer& self) {
+        side->keepBusy(0.002);
+        if (++firings == 100)
+            self.invalidate();
+    });
+    side->rest(0.02);
+    EXPECT_LT(firings, 100);
+    timer->invalidate();
+}
+
 TEST_P(RunLoopContract, nothing_runs_early) {
     const double start = runLoop.currentMediaTime();
     double ran = 0;
