@@ -103,6 +103,7 @@ TEST_P(AudioFilePlayerContract, ThePlaceIsBoundedByTheSound) {
     EXPECT_NEAR(m_player->currentTime(), 0.5, 1e-9);
     m_player->setCurrentTime(0.4);
     expectToSoundFor(*m_player, 0.1);
+    EXPECT_EQ(m_player->currentTime(), 0);
 }
 
 TEST_P(AudioFilePlayerContract, ANewPlaceMovesWhatPlays) {
@@ -178,6 +179,9 @@ TEST_P(AudioFilePlayerContract, ADeviceThatComesSoonIsPlayedOnFromWhereTheSoundW
         player->setCurrentTime(0);
     }
     secondsUntil([&] { return player->isPlaying(); });
+    // The sound lasts a second and comes again.
+    const double turns = m_side->now() - start.done - player->currentTime();
+    EXPECT_NEAR(turns, std::round(turns), 0.2);
     expectEnd(*player, start, 4);
 }
 
