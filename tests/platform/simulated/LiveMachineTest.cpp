@@ -152,11 +152,13 @@ TEST_F(LiveMachineTest, its_time_starts_when_it_is_made) {
     load(R"({"hid": [{"product": "0x8104", "lid": [[0, 100], [2, 140]], "unplugAt": 3}],
              "events": [{"at": 1, "quit": true}]})");
     int quits = 0;
-    m_live->start({.press = {}, .key = {}, .quit = [&] { ++quits; }});
+    const auto quit = [&] { ++quits; };
     const auto found = devices({.vendorID = 0x05AC, .productID = 0x8104});
     ASSERT_THAT(found, SizeIs(1));
     EXPECT_EQ(angleOf(*found[0]), 100);
-    m_real.runLoop.advance(0.99);
+    m_real.runLoop.advance(0.5);
+    m_live->start({.press = {}, .key = {}, .quit = quit});
+    m_real.runLoop.advance(0.49);
     EXPECT_EQ(quits, 0);
     m_real.runLoop.advance(0.01);
     EXPECT_EQ(quits, 1);

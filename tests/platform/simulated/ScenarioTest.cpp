@@ -87,6 +87,8 @@ TEST(Scenario, every_mistake_is_named) {
     EXPECT_EQ(mistakeIn(R"({"hid": [{"product": ""}]})"), R"("" is not an ID in hexadecimal)");
     EXPECT_EQ(mistakeIn(R"({"hid": [{"lid": [[1, 2], [0, 3]]}]})"), "a lid's times decrease");
     EXPECT_EQ(mistakeIn(R"({"hid": [{"lid": [[1, -2]]}]})"), "a lid's angle is outside 0 to 65535");
+    EXPECT_EQ(mistakeIn(R"({"hid": [{"lid": [[1, 65536]]}]})"),
+              "a lid's angle is outside 0 to 65535");
     EXPECT_EQ(mistakeIn(R"({"hid": [{"readings": {"0": []}}]})"),
               R"("0" is not the number of a reading)");
 }
