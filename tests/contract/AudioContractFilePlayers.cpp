@@ -25,7 +25,7 @@ protected:
         return error ? error->description : "";
     }
 
-    /// What is done to a player, and when: nobody can tell where in between its sound began.
+    /// When a call to a player began and ended; its sound begins somewhere in between.
     struct Deed {
         double begun = 0;
         double done = 0;

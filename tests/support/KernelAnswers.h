@@ -5,7 +5,7 @@
 
 namespace quorvane {
 
-/// Answers ioctl calls in the kernel's place while it lives, so that a device needs no hardware.
+/// A fake of the kernel's ioctl while it lives, so that a device needs no hardware.
 /// For programs that are linked with --wrap=ioctl. The last one made counts.
 class KernelAnswers {
 public:
