@@ -39,7 +39,7 @@ TEST_F(AudioManagerTest, it_counts_as_loaded_once_it_is_connected_and_says_so_la
 
 TEST_F(AudioManagerTest, the_length_in_its_line_is_rounded_to_a_tenth) {
     machine.audio.addFile("x/short.wav", {.sampleRate = 1000, .channels = 2},
-                          std::vector<float>(2 * 1260));
+                          std::vector<float>(2520));
     manager->loadSound("x/short.wav");
     EXPECT_THAT(machine.console.lines, ElementsAre("✅ Φορτώθηκε: short.wav (1.3s)"));
     EXPECT_THAT(node().calls(), ElementsAre("attach", "connect 1000/2"));
