@@ -21,11 +21,11 @@ SWITCH = "Keyboard"
 LOADED = "✅ [KEYBOARD] keyboard.mp3 loaded"
 STARTED = "⌨️ [KEYBOARD] Event tap started — global monitoring active"
 
-LOUD = 0.004
-"""Share of full scale above which there is a crack; the null sink has no noise."""
+LOUD = 0.1
+"""Share of full scale above which there is a crack: of its 60 ms, the first 20."""
 
 APART = 0.06
-"""Seconds of less than that after which a new crack may begin; one has decayed before."""
+"""Seconds of less than that after which a new crack may begin: two of them 0.1 s apart are two."""
 
 REACTION = 0.5
 """Seconds that a key may take to be heard; generous for a busy machine."""
