@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QAbstractAnimation>
 #include <QAnimationDriver>
+#include <QCoreApplication>
 
 namespace quorvane {
 
@@ -8,14 +10,24 @@ namespace quorvane {
 /// shown then depends on how fast the machine draws, and no test waits for an animation.
 class AnimationClock final : public QAnimationDriver {
 public:
-    AnimationClock() { install(); }
+    AnimationClock() {
+        install();
+        m_endless.start();
+        // The little real time that this has taken belongs to no other animation.
+        pass(0);
+    }
 
     AnimationClock(const AnimationClock&) = delete;
     AnimationClock& operator=(const AnimationClock&) = delete;
 
-    ~AnimationClock() override { uninstall(); }
+    ~AnimationClock() override {
+        m_endless.stop();
+        uninstall();
+    }
 
     void pass(int milliseconds) {
+        // An animation that was started begins to move by two events, one after the other.
+        QCoreApplication::sendPostedEvents();
         m_elapsed += milliseconds;
         advance();
     }
@@ -29,7 +41,17 @@ protected:
     }
 
 private:
+    // Without anything that moves, Qt would wait for QML's timers in real time.
+    class Endless final : public QAbstractAnimation {
+    public:
+        [[nodiscard]] int duration() const override { return -1; }
+
+    protected:
+        void updateCurrentTime(int /*milliseconds*/) override {}
+    };
+
     qint64 m_elapsed = 0;
+    Endless m_endless;
 };
 
 } // namespace quorvane

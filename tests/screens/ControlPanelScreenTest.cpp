@@ -63,7 +63,7 @@ TEST_F(ControlPanelScreen, SwitchesAreToggledByMouseAndSpace) {
     click("Keyboard");
     EXPECT_TRUE(isOn("Keyboard"));
     EXPECT_EQ(m_keyboard->starts, 1);
-    element("Keyboard")->actionInterface()->doAction(QAccessibleActionInterface::setFocusAction());
+    focus("Keyboard");
     type(Qt::Key_Space);
     EXPECT_FALSE(isOn("Keyboard"));
     EXPECT_EQ(m_keyboard->stops, 1);
@@ -75,6 +75,33 @@ TEST_F(ControlPanelScreen, SwitchesFollowTheirEffects) {
     EXPECT_TRUE(isOn("Thermals"));
     m_fan->stop();
     EXPECT_FALSE(isOn("Thermals"));
+}
+
+TEST_F(ControlPanelScreen, EachSwitchIsThatOfItsOwnEffect) {
+    const auto bsod = std::make_shared<FakeEffect>();
+    const auto freeze = std::make_shared<FakeEffect>();
+    m_effects.bsod = [&] { return bsod; };
+    m_effects.freeze = [&] { return freeze; };
+    launchIntoControlPanel();
+    EXPECT_THAT(switches(), ElementsAre("Build quality", "Keyboard", "Thermals", "Stability",
+                                        "Performance", "Startup"));
+    const auto on = [&] {
+        return std::vector{m_content->audioEnabled().get(), m_keyboard->isActive().get(),
+                           m_fan->isActive().get(),         bsod->isActive().get(),
+                           freeze->isActive().get(),        m_startup.startupSoundEnabled().get()};
+    };
+    toggle("Startup");
+    EXPECT_THAT(on(), ElementsAre(false, false, false, false, false, false));
+    toggle("Performance");
+    EXPECT_THAT(on(), ElementsAre(false, false, false, false, true, false));
+    toggle("Stability");
+    EXPECT_THAT(on(), ElementsAre(false, false, false, true, true, false));
+    toggle("Thermals");
+    EXPECT_THAT(on(), ElementsAre(false, false, true, true, true, false));
+    toggle("Keyboard");
+    EXPECT_THAT(on(), ElementsAre(false, true, true, true, true, false));
+    toggle("Build quality");
+    EXPECT_THAT(on(), ElementsAre(true, true, true, true, true, false));
 }
 
 TEST_F(ControlPanelScreen, ASwitchStaysOffWhenItsEffectCannotStart) {
@@ -90,13 +117,14 @@ TEST_F(ControlPanelScreen, ASwitchStaysOffWhenItsEffectCannotStart) {
 TEST_F(ControlPanelScreen, TheStopButtonSwitchesEverythingOffAndGoesBack) {
     launchIntoControlPanel();
     toggle("Build quality");
+    toggle("Keyboard");
     toggle("Thermals");
     press(stop);
     settle();
     EXPECT_THAT(texts(), Contains("CAUTION"));
     press("MAKE ME SUFFER 😭");
     settle();
-    for (const auto& name : switches())
+    for (const char* name : {"Build quality", "Keyboard", "Thermals", "Startup"})
         EXPECT_FALSE(isOn(name)) << name;
 }
 

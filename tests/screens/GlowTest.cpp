@@ -6,7 +6,7 @@ namespace {
 // What glows is looked at beside and below its letters, where nothing else is drawn.
 class Glow : public ScreensTest {
 protected:
-    // Lights of a band above the element, averaged; `channel` 0 to 2 is red to blue.
+    // How light a line below the element is on average.
     double light(const std::string& name, double distance) {
         const QRectF place = placeOf(name);
         const QImage picture = picture1x();

@@ -1,5 +1,10 @@
 #include "tests/screens/ScreensFixture.h"
 
+#include <QTransform>
+
+#include <algorithm>
+#include <utility>
+
 namespace quorvane {
 namespace {
 
@@ -41,10 +46,34 @@ TEST_F(HardwareCheckScreen, ScansForASecondAndAHalf) {
 TEST_F(HardwareCheckScreen, TurnsWhileItScansAndRestsAfterwards) {
     launch();
     press("CHECK HARDWARE 🔍");
-    const int before = m_frames;
-    waitUntil([&] { return m_frames > before + 5; }, "the wheel has turned");
+    draw();
+    const QPointF middle = placeOf("Scanning").center();
+    // Counted clockwise from the top.
+    const auto brightestSpoke = [&] {
+        const QImage picture = picture1x();
+        int brightest = 0;
+        int best = 0;
+        for (int spoke = 0; spoke < 12; ++spoke) {
+            const QPointF way = QTransform().rotate(30 * spoke).map(QPointF(0, -18));
+            const QColor color = picture.pixelColor((middle + way).toPoint());
+            if (std::exchange(best, std::max(best, color.red())) < color.red())
+                brightest = spoke;
+        }
+        return brightest;
+    };
+    EXPECT_EQ(brightestSpoke(), 11);
+    // By a spoke each 83 ms.
+    animate(80);
+    EXPECT_EQ(brightestSpoke(), 11);
+    for (const int next : {0, 1, 2}) {
+        animate(83);
+        EXPECT_EQ(brightestSpoke(), next);
+    }
     m_machine.runLoop.advance(1.5);
     settle();
+    const int before = m_frames;
+    animate(500);
+    EXPECT_EQ(m_frames, before);
 }
 
 TEST_F(HardwareCheckScreen, TellsWhatFailed) {
@@ -60,6 +89,14 @@ TEST_F(HardwareCheckScreen, TellsWhatFailed) {
                     "❌", "Trackpad vibration", "No built-in trackpad — vibration won't work", "✅",
                     "Fan noise", "Ready", "✅", "Startup sound", "Ready", "✅", "Launch at login",
                     "Ready"));
+}
+
+TEST_F(HardwareCheckScreen, TellsOfALidSensor) {
+    m_machine.hid.addDevice(0x8104)->setAngle(90);
+    launch();
+    runCheck();
+    EXPECT_THAT(texts(), Contains("Lid sensor detected"));
+    EXPECT_THAT(texts(), Contains("✅").Times(5));
 }
 
 TEST_F(HardwareCheckScreen, TellsWhatPassed) {
@@ -91,10 +128,12 @@ TEST_F(HardwareCheckScreen, IsLeftWithTheKeyboardAlone) {
 TEST_F(HardwareCheckScreen, IsBlackAboveAndBelowABlueMiddle) {
     launch();
     EXPECT_LE(colorAt(275, 0).lightness(), 1);
+    // 0.6 of #007aff over black.
     const QColor middle = colorAt(5, 390);
-    EXPECT_GT(middle.blue(), 140);
-    EXPECT_GT(middle.blue(), middle.green());
-    EXPECT_LT(middle.red(), 20);
+    EXPECT_EQ(middle.red(), 0);
+    EXPECT_NEAR(middle.green(), 73, 2);
+    EXPECT_NEAR(middle.blue(), 153, 2);
+    EXPECT_NEAR(colorAt(5, 195).blue(), 76, 2);
     EXPECT_LE(colorAt(275, 779).lightness(), 1);
 }
 

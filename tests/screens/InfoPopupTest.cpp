@@ -36,9 +36,24 @@ TEST_F(InfoPopup, ExplainsTheRow) {
                               "Premium hinge quality simulation. Experience the authentic build "
                               "quality of a real Windows laptop.\n\nTry moving your laptop lid to "
                               "feel the difference."}));
-    QAccessibleInterface* title = element("About Build quality");
-    ASSERT_TRUE(title);
     EXPECT_THAT(buttons(), Contains("OK"));
+}
+
+TEST_F(InfoPopup, OfEachRowHasItsOwnTitle) {
+    m_effects.bsod = [] { return std::make_shared<FakeEffect>(); };
+    m_effects.freeze = [] { return std::make_shared<FakeEffect>(); };
+    m_withStartup = true;
+    launchIntoControlPanel();
+    const std::vector<std::pair<std::string, std::string>> rows{
+        {"About Build quality", "Build Quality"},          {"About Keyboard", "Tactile Feedback"},
+        {"About Thermals", "Thermal Performance"},         {"About Stability", "System Stability"},
+        {"About Performance", "Multitasking Performance"}, {"About Startup", "Boot Experience"}};
+    for (const auto& [button, title] : rows) {
+        press(button);
+        EXPECT_THAT(texts(), Contains(title));
+        press("OK");
+        EXPECT_THAT(texts(), Not(Contains(title)));
+    }
 }
 
 TEST_F(InfoPopup, IsDismissedByItsButton) {
@@ -80,7 +95,10 @@ TEST_F(InfoPopup, KeepsKeyboardAndMouseFromTheScreenBelow) {
     }
     click("Build quality");
     EXPECT_FALSE(m_content->audioEnabled());
+    click("STOP, I'M SUFFERING 😭");
+    EXPECT_TRUE(m_content->sufferingMode());
     EXPECT_TRUE(m_content->showInfo());
+    EXPECT_EQ(focused(), "OK");
 }
 
 TEST_F(InfoPopup, KeepsReadersFromTheScreenBelow) {

@@ -1,4 +1,4 @@
-#include "tests/screens/ScreensFixture.h"
+#include "tests/screens/LayoutFixture.h"
 
 #include "app/screens/PressControl.h"
 
@@ -7,6 +7,8 @@ namespace {
 
 class MainWindowTest : public ScreensTest {
 protected:
+    double scaleOfTheSign() { return findText(m_window->window().rootObject(), "⚠️")->scale(); }
+
     [[nodiscard]] bool hasProbed() const { return !m_machine.console.lines.empty(); }
 };
 
@@ -64,8 +66,19 @@ TEST_F(MainWindowTest, TellsTheDesktopItsWindow) {
 
 TEST_F(MainWindowTest, LetsTheWarningSignPopUpOnce) {
     m_machine.userDefaults.setBool(ContentView::hardwareCheckedKey, true);
-    launch();
-    EXPECT_GT(m_frames, 5);
+    appear();
+    EXPECT_EQ(scaleOfTheSign(), 0.5);
+    animate(100);
+    EXPECT_NEAR(scaleOfTheSign(), 0.6728, 0.0001);
+    animate(300);
+    EXPECT_NEAR(scaleOfTheSign(), 1.0459, 0.0001) << "it overshoots";
+    settle();
+    EXPECT_EQ(scaleOfTheSign(), 1);
+    press("MAKE ME SUFFER 😭");
+    settle();
+    press("STOP, I'M SUFFERING 😭");
+    animate(20);
+    EXPECT_EQ(scaleOfTheSign(), 1);
 }
 
 TEST_F(MainWindowTest, ClosingStopsEverythingOnce) {

@@ -7,6 +7,9 @@
 #include <QQuickItem>
 #include <QTest>
 
+#include <algorithm>
+
+#include "app/screens/SpringValue.h"
 #include "app/screens/Text.h"
 #include "base/UniformDraw.h"
 
@@ -29,6 +32,16 @@ std::string nameOf(const QAccessibleInterface& element) {
     return element.text(QAccessible::Name).toStdString();
 }
 
+// What a repeater makes is a child on screen only.
+bool hasMovingSpring(const QQuickItem& item) {
+    const auto springs = item.findChildren<SpringValue*>(Qt::FindDirectChildrenOnly);
+    const auto items = item.childItems();
+    return std::any_of(springs.begin(), springs.end(),
+                       [](const SpringValue* spring) { return spring->isMoving(); }) ||
+           std::any_of(items.begin(), items.end(),
+                       [](const QQuickItem* child) { return hasMovingSpring(*child); });
+}
+
 void act(QAccessibleInterface* element, const QString& action) {
     ASSERT_TRUE(element);
     ASSERT_TRUE(element->actionInterface());
@@ -44,7 +57,7 @@ ScreensTest::ScreensTest() {
 
 ScreensTest::~ScreensTest() = default;
 
-void ScreensTest::launch() {
+void ScreensTest::appear() {
     m_content = std::make_unique<ContentView>(m_machine.platform(),
                                               m_withStartup ? &m_startup : nullptr, m_effects);
     m_window = std::make_unique<MainWindow>(*m_content, m_machine.platform(), m_desktop);
@@ -54,6 +67,10 @@ void ScreensTest::launch() {
                      [this] { ++m_frames; });
     ASSERT_TRUE(m_window->show());
     waitUntil([&appeared] { return appeared; }, "the window has appeared");
+}
+
+void ScreensTest::launch() {
+    appear();
     settle();
 }
 
@@ -90,20 +107,24 @@ void ScreensTest::draw() {
 }
 
 void ScreensTest::animate(int milliseconds) {
-    // What has just been started begins to move with the next event.
     draw();
     m_animations.pass(milliseconds);
     draw();
 }
 
 void ScreensTest::settle() {
-    constexpr int longestAnimation = 10'000;
-    constexpr int step = 100;
+    constexpr int longestSpring = 10'000;
+    constexpr int longestTransition = 200;
     draw();
-    for (int passed = 0; m_animations.isRunning(); passed += step) {
-        ASSERT_LT(passed, longestAnimation) << "an animation never ends";
-        animate(step);
+    for (int passed = 0; isMoving(); passed += longestTransition) {
+        ASSERT_LT(passed, longestSpring) << "a spring never rests";
+        animate(longestTransition);
     }
+    animate(longestTransition);
+}
+
+bool ScreensTest::isMoving() {
+    return hasMovingSpring(*m_window->window().rootObject());
 }
 
 std::vector<std::string> ScreensTest::names(QAccessible::Role role) {
@@ -158,6 +179,16 @@ void ScreensTest::toggle(const std::string& name) {
 
 void ScreensTest::type(Qt::Key key, Qt::KeyboardModifiers modifiers) {
     QTest::keyClick(&m_window->window(), key, modifiers);
+}
+
+void ScreensTest::repeat(Qt::Key key) {
+    QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, QString(), /*autorep=*/true);
+    QCoreApplication::sendEvent(&m_window->window(), &event);
+}
+
+void ScreensTest::focus(const std::string& name) {
+    act(element(name), QAccessibleActionInterface::setFocusAction());
+    ASSERT_EQ(focused(), name);
 }
 
 void ScreensTest::click(const std::string& name) {

@@ -33,7 +33,9 @@ public:
 protected:
     ScreensTest();
 
-    /// Makes and shows the window and waits until it has appeared.
+    /// Makes and shows the window and waits until it has appeared. Its sign is about to pop up.
+    void appear();
+    /// Makes and shows the window and waits until it is at rest.
     void launch();
     /// Launches on the warning screen.
     void launchChecked();
@@ -46,10 +48,11 @@ protected:
     void draw();
     /// Lets `milliseconds` of the animations' time pass, and draws.
     void animate(int milliseconds);
-    /// Lets all animations come to their ends, and draws.
+    /// Lets all animations that have an end come to it, and draws.
     void settle();
 
     /// What can be found in the window, by role and name, in reading order.
+    [[nodiscard]] std::vector<std::string> names(QAccessible::Role role);
     [[nodiscard]] std::vector<std::string> texts();
     [[nodiscard]] std::vector<std::string> buttons();
     [[nodiscard]] std::vector<std::string> switches();
@@ -60,7 +63,10 @@ protected:
     void toggle(const std::string& name);
 
     void type(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+    /// As when the key is held down for so long that it repeats.
+    void repeat(Qt::Key key);
     void click(const std::string& name);
+    void focus(const std::string& name);
     /// The name of what the keyboard acts on; empty if on nothing.
     [[nodiscard]] std::string focused();
 
@@ -99,7 +105,7 @@ protected:
     int m_frames = 0;
 
 private:
-    [[nodiscard]] std::vector<std::string> names(QAccessible::Role role);
+    [[nodiscard]] bool isMoving();
 };
 
 } // namespace quorvane

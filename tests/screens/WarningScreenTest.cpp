@@ -1,5 +1,7 @@
 #include "tests/screens/ScreensFixture.h"
 
+#include "app/screens/PressControl.h"
+
 namespace quorvane {
 namespace {
 
@@ -7,7 +9,17 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;
 
-class WarningScreen : public ScreensTest {};
+constexpr auto enter = "MAKE ME SUFFER 😭";
+constexpr auto stop = "STOP, I'M SUFFERING 😭";
+
+class WarningScreen : public ScreensTest {
+protected:
+    static void expectNear(const QColor& seen, const QColor& wanted) {
+        EXPECT_NEAR(seen.red(), wanted.red(), 1);
+        EXPECT_NEAR(seen.green(), wanted.green(), 1);
+        EXPECT_NEAR(seen.blue(), wanted.blue(), 1);
+    }
+};
 
 TEST_F(WarningScreen, IsWhatLaterLaunchesShow) {
     launchChecked();
@@ -25,13 +37,35 @@ TEST_F(WarningScreen, LeadsToTheControlPanelByMouse) {
     EXPECT_THAT(texts(), Not(Contains("CAUTION")));
 }
 
+// A tenth of a second on, the spring has gone 0.517 of its way.
 TEST_F(WarningScreen, FadesIntoTheControlPanelWhenLeftByItsButton) {
+    withoutParticles();
     launchChecked();
-    press("MAKE ME SUFFER 😭");
-    animate(80);
+    press(enter);
+    animate(100);
     const auto onTheWay = texts();
     EXPECT_THAT(onTheWay, Contains("CAUTION"));
     EXPECT_THAT(onTheWay, Contains("SIMULATION ACTIVE"));
+    // 0.517 of the night over 0.483 of the same over black.
+    expectNear(colorAt(5, 390), {15, 15, 38});
+    // The stop button over that.
+    expectNear(colorAt(100, 690), {136, 35, 38});
+    settle();
+    expectNear(colorAt(5, 390), {20, 20, 51});
+    expectNear(colorAt(100, 690), {255, 59, 48});
+}
+
+TEST_F(WarningScreen, FadesInWhenTheHardwareCheckIsLeft) {
+    withoutParticles();
+    launch();
+    press("CHECK HARDWARE 🔍");
+    m_machine.runLoop.advance(1.5);
+    press("CONTINUE");
+    animate(100);
+    EXPECT_THAT(texts(), Contains("CAUTION"));
+    EXPECT_THAT(texts(), Contains("HARDWARE CHECK"));
+    settle();
+    EXPECT_THAT(texts(), Not(Contains("HARDWARE CHECK")));
 }
 
 TEST_F(WarningScreen, GivesWayAtOnceToANotification) {
@@ -42,17 +76,29 @@ TEST_F(WarningScreen, GivesWayAtOnceToANotification) {
     EXPECT_THAT(texts(), Not(Contains("CAUTION")));
 }
 
-TEST_F(WarningScreen, CannotBePressedTwiceOnTheWayOut) {
+// A screen that fades out is still there to be seen, and lies over the one that fades in.
+TEST_F(WarningScreen, CannotBePressedOnItsWayOut) {
     launchChecked();
-    QAccessibleInterface* button = element("MAKE ME SUFFER 😭");
-    button->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    press(enter);
     animate(50);
-    m_content->leaveSufferingMode();
-    m_content->enterSufferingMode();
-    const bool before = m_content->sufferingMode();
-    button->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
-    EXPECT_EQ(m_content->sufferingMode(), before);
-    settle();
+    ASSERT_TRUE(element(enter));
+    EXPECT_FALSE(pressControl(m_window->window(), enter));
+    EXPECT_TRUE(pressControl(m_window->window(), stop)) << "the next screen can be used at once";
+    EXPECT_FALSE(m_content->sufferingMode());
+}
+
+TEST_F(WarningScreen, CannotBeDisturbedByAControlPanelOnItsWayOut) {
+    m_effects.keyboard = [this] { return m_keyboard; };
+    launchIntoControlPanel();
+    press(stop);
+    animate(50);
+    ASSERT_TRUE(element("Keyboard"));
+    click("Keyboard");
+    toggle("Keyboard");
+    EXPECT_EQ(m_keyboard->starts, 0);
+    EXPECT_FALSE(pressControl(m_window->window(), stop));
+    EXPECT_TRUE(pressControl(m_window->window(), enter));
+    EXPECT_TRUE(m_content->sufferingMode());
 }
 
 TEST_F(WarningScreen, StandsOnTheNightGradient) {
