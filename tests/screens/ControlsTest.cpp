@@ -1,6 +1,10 @@
 #include "tests/screens/LayoutFixture.h"
 
+#include <QImageReader>
 #include <QTest>
+
+#include <cmath>
+#include <utility>
 
 namespace quorvane {
 namespace {
@@ -35,21 +39,37 @@ TEST_F(Controls, ASwitchIsRedOnAGreyCapsule) {
 
 TEST_F(Controls, EveryRowHasItsSymbol) {
     launchIntoControlPanel();
-    for (const auto& row : switches()) {
-        const QRectF place(70, placeOf(row).top() + 4, 18, 18);
-        const QColor night = at(place.topLeft() - QPointF(4, 0));
-        int lit = 0;
-        int brightest = 0;
-        for (int y = 0; y < 18; ++y)
-            for (int x = 0; x < 18; ++x) {
-                const QColor color = at(place.topLeft() + QPointF(x, y));
-                lit += color.lightness() > night.lightness() + 60 ? 1 : 0;
-                brightest = std::max(brightest, color.lightness());
+    const QImage picture = picture1x();
+    // How far what is seen at the row's beginning is from a symbol, 0 to 255 on average.
+    const auto difference = [&](const std::string& row, const QString& symbol) {
+        QImageReader reader(":/symbols/" + symbol + ".svg");
+        reader.setScaledSize({18, 18});
+        const QImage drawn = reader.read();
+        EXPECT_EQ(drawn.size(), QSize(18, 18)) << symbol.toStdString();
+        const QPoint corner(70, qRound(placeOf(row).top()) + 4);
+        const int night = picture.pixelColor(corner - QPoint(4, 0)).lightness();
+        double sum = 0;
+        for (int y = 0; y < drawn.height(); ++y)
+            for (int x = 0; x < drawn.width(); ++x) {
+                const double lit = night + (255 - night) * 0.7 * drawn.pixelColor(x, y).alphaF();
+                sum += std::abs(picture.pixelColor(corner + QPoint(x, y)).lightness() - lit);
             }
-        EXPECT_GT(lit, 25) << row;
-        EXPECT_LT(lit, 200) << row;
-        EXPECT_NEAR(brightest, over(night, Qt::white, 0.7).lightness(), 8) << row;
-    }
+        return sum / (18 * 18);
+    };
+    const std::vector<std::pair<std::string, QString>> rows{
+        {"Build quality", "door.left.hand.open"},
+        {"Keyboard", "keyboard"},
+        {"Thermals", "fan"},
+        {"Stability", "exclamationmark.triangle"},
+        {"Performance", "snowflake"},
+        {"Startup", "power"}};
+    for (const auto& [row, symbol] : rows)
+        for (const auto& [otherRow, other] : rows) {
+            if (other == symbol)
+                EXPECT_LT(difference(row, symbol), 20) << row;
+            else
+                EXPECT_GT(difference(row, other), 30) << row << " and " << otherRow;
+        }
 }
 
 TEST_F(Controls, ControlsShowThatTheMouseIsOnThemAndPresses) {
@@ -70,9 +90,28 @@ TEST_F(Controls, ControlsShowThatTheMouseIsOnThemAndPresses) {
     settle();
     EXPECT_LT(fillOf(stop).lightness(), hovered.lightness());
     QTest::mouseMove(&m_window->window(), {5, 5});
+    settle();
+    EXPECT_EQ(fillOf(stop), buttonBefore) << "the mouse is elsewhere";
     QTest::mouseRelease(&m_window->window(), Qt::LeftButton, {}, {5, 5});
     settle();
     EXPECT_TRUE(m_content->sufferingMode()) << "let go elsewhere";
+}
+
+TEST_F(Controls, ThePopupsButtonShowsThatTheMouseIsOnItAndPresses) {
+    launchIntoControlPanel();
+    press("About Keyboard");
+    settle();
+    const QPoint middle = placeOf("OK").center().toPoint();
+    const auto fill = [&] { return at(placeOf("OK").topLeft() + QPointF(20, 18)); };
+    const QColor blue("#007aff");
+    const QColor ground("#23233a");
+    expectNear(fill(), blue);
+    QTest::mouseMove(&m_window->window(), middle);
+    settle();
+    expectNear(fill(), over(ground, blue, 0.9));
+    QTest::mousePress(&m_window->window(), Qt::LeftButton, {}, middle);
+    settle();
+    expectNear(fill(), over(ground, blue, 0.75));
 }
 
 TEST_F(Controls, AnInfoButtonIsHitWellBesideItsSymbol) {
@@ -87,16 +126,31 @@ TEST_F(Controls, AnInfoButtonIsHitWellBesideItsSymbol) {
     }
 }
 
-TEST_F(Controls, AHintMakesRoomForItself) {
+TEST_F(Controls, AHintIsYellowAndMakesRoomForItself) {
     m_keyboard->canStart = false;
     launchIntoControlPanel();
+    const QRectF below(98, placeOf("Keyboard").bottom() + 1, 382, 9);
+    const QColor night = at(below.topLeft() - QPointF(4, 0));
+    const QColor hintColor = over(night, QColor("#ffd60a"), 0.8);
+    EXPECT_EQ(countOf(hintColor, below, 30), 0);
     toggle("Keyboard");
     settle();
     constexpr auto hint = "Accessibility permission needed — enable in System Settings";
     ASSERT_TRUE(text(hint));
     EXPECT_TRUE(text(hint)->isVisible());
-    EXPECT_GT(text(hint)->mapToScene({0, 0}).y(), placeOf("Keyboard").top() + 18);
-    EXPECT_LE(text(hint)->mapToScene({0, text(hint)->height()}).y(), placeOf("Thermals").top());
+    EXPECT_EQ(
+        lookOf(hint),
+        (Look{.size = 11, .weight = QFont::Medium, .color = QColor("#ffd60a"), .opacity = 0.8}));
+    const QRectF place(text(hint)->mapToScene({0, 0}), text(hint)->size());
+    EXPECT_EQ(place.left(), 98) << "below its label";
+    EXPECT_GT(place.top(), placeOf("Keyboard").top() + 18);
+    EXPECT_LE(place.bottom(), placeOf("Thermals").top());
+    EXPECT_GT(countOf(hintColor, place, 30), 40);
+    m_keyboard->canStart = true;
+    toggle("Keyboard");
+    settle();
+    EXPECT_FALSE(text(hint));
+    EXPECT_EQ(placeOf("Thermals").top() - placeOf("Keyboard").bottom(), 10);
 }
 
 } // namespace

@@ -5,6 +5,8 @@
 #include <QFont>
 #include <QQuickItem>
 
+#include <algorithm>
+#include <cstdlib>
 #include <ostream>
 #include <string>
 
@@ -26,7 +28,8 @@ inline void PrintTo(const Look& look, std::ostream* out) {
 }
 
 inline QQuickItem* findText(QQuickItem* from, const QString& text) {
-    if (from->property("text").toString() == text)
+    const bool isText = from->property("font").isValid() || from->property("pixelSize").isValid();
+    if (isText && from->property("text").toString() == text)
         return from;
     for (QQuickItem* child : from->childItems())
         if (QQuickItem* found = findText(child, text))
@@ -48,6 +51,13 @@ protected:
 
     QQuickItem* text(const std::string& words) {
         return findText(m_window->window().rootObject(), QString::fromStdString(words));
+    }
+
+    // Of the words themselves, whatever else is called so.
+    QRectF placeOfText(const std::string& words) {
+        const QQuickItem* item = text(words);
+        EXPECT_TRUE(item) << "there is no " << words;
+        return item ? item->mapRectToScene(QRectF({}, item->size())) : QRectF();
     }
 
     Look lookOf(const std::string& words) {
@@ -80,6 +90,32 @@ protected:
     }
 
     QColor at(const QPointF& place) { return colorAt(qRound(place.x()), qRound(place.y())); }
+
+    int brightestIn(const QRectF& place) {
+        const QImage picture = picture1x();
+        int brightest = 0;
+        for (int y = qRound(place.top()); y < place.bottom(); ++y)
+            for (int x = qRound(place.left()); x < place.right(); ++x)
+                brightest = std::max(brightest, picture.pixelColor(x, y).lightness());
+        return brightest;
+    }
+
+    // How many of the window's points within `place` are shown in `color`.
+    int countOf(const QColor& color, const QRectF& place, int tolerance = 12) {
+        const QImage picture = picture1x();
+        const QRect points = place.toAlignedRect().intersected(picture.rect());
+        int count = 0;
+        for (int y = points.top(); y <= points.bottom(); ++y)
+            for (int x = points.left(); x <= points.right(); ++x) {
+                const QColor seen = picture.pixelColor(x, y);
+                count += std::abs(seen.red() - color.red()) <= tolerance &&
+                                 std::abs(seen.green() - color.green()) <= tolerance &&
+                                 std::abs(seen.blue() - color.blue()) <= tolerance
+                             ? 1
+                             : 0;
+            }
+        return count;
+    }
 
     // The fill of a big button, beside its label.
     QColor fillOf(const std::string& button) {

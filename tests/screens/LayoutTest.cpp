@@ -29,6 +29,25 @@ TEST_F(Layout, OfTheHardwareCheck) {
     EXPECT_NEAR(placeOf("🔧").top() + button.bottom(), 780, 2) << "the stack is centred";
 }
 
+TEST_F(Layout, OfTheHardwareCheckFromTopToBottom) {
+    m_desktop.motionReduced = true;
+    launch();
+    const std::string words =
+        "Before we begin, let's make sure\nyour Mac is ready for the experience.";
+    EXPECT_NEAR(placeOf("🔧").center().x(), 275, 0.5);
+    EXPECT_NEAR(placeOf("HARDWARE CHECK").center().x(), 275, 0.5);
+    EXPECT_EQ(text(words)->property("horizontalAlignment").toInt(), Qt::AlignHCenter);
+    EXPECT_EQ(placeOf("HARDWARE CHECK").top() - placeOf("🔧").bottom(), 18);
+    EXPECT_EQ(placeOf(words).top() - placeOf("HARDWARE CHECK").bottom(), 18);
+    EXPECT_EQ(placeOf(check).top() - placeOf(words).bottom(), 18 + 6 + 18);
+    press(check);
+    draw();
+    EXPECT_EQ(placeOf("Scanning").top() - placeOf(words).bottom(), 18 + 6 + 18);
+    EXPECT_EQ(placeOf("Scanning hardware...").top() - placeOf("Scanning").bottom(), 16);
+    EXPECT_NEAR(placeOf("Scanning").center().x(), 275, 0.5);
+    EXPECT_NEAR(placeOf("Scanning hardware...").center().x(), 275, 0.5);
+}
+
 TEST_F(Layout, OfTheScan) {
     m_desktop.motionReduced = true;
     launch();
@@ -53,6 +72,19 @@ TEST_F(Layout, OfTheResults) {
     EXPECT_EQ(lookOf("✅").size, 16);
     expectNear(fillOf("CONTINUE"), over(besideOf("CONTINUE"), green, 0.8));
     EXPECT_EQ(placeOf("Lid creak").left(), placeOf("Launch at login").left());
+    const QRectF mark = placeOfText("❌");
+    const QRectF feature = placeOf("Lid creak");
+    const QRectF result = placeOf("Lid sensor not found — this feature won't be available");
+    EXPECT_EQ(mark.left(), 30 + 40);
+    EXPECT_EQ(feature.left() - mark.right(), 12);
+    EXPECT_EQ(result.left(), feature.left());
+    EXPECT_EQ(result.top() - feature.bottom(), 2);
+    EXPECT_NEAR(mark.center().y(), (feature.top() + result.bottom()) / 2, 1);
+    EXPECT_EQ(placeOf("Keyboard crack").top() - result.bottom(), 14);
+    EXPECT_EQ(placeOf("CONTINUE").top() - placeOf("Launch at login").bottom() - 2,
+              result.height() + 26);
+    EXPECT_EQ(placeOf("CONTINUE").left(), 30);
+    EXPECT_EQ(placeOf("CONTINUE").width(), 490);
 }
 
 TEST_F(Layout, OfTheWarning) {
@@ -71,6 +103,23 @@ TEST_F(Layout, OfTheWarning) {
     expectNear(fillOf(enter), red);
     EXPECT_GE(placeOf("⚠️").top(), 30);
     EXPECT_LE(placeOf(enter).bottom(), 750);
+}
+
+TEST_F(Layout, OfTheWarningFromTopToBottom) {
+    launchChecked();
+    const std::vector<std::string> lines{"⚠️",
+                                         "CAUTION",
+                                         "YOU ARE ABOUT TO SEE WHAT",
+                                         "MILLIONS",
+                                         "OF WINDOWS USERS EXPERIENCE",
+                                         "EVERY SINGLE DAY."};
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        EXPECT_NEAR(placeOf(lines[i]).center().x(), 275, 0.5) << lines[i];
+        if (i > 0) {
+            EXPECT_EQ(placeOf(lines[i]).top() - placeOf(lines[i - 1]).bottom(), 14) << lines[i];
+        }
+    }
+    EXPECT_EQ(placeOf(enter).top() - placeOf("EVERY SINGLE DAY.").bottom(), 14 + 10 + 14);
 }
 
 TEST_F(Layout, TheLogosPlaceStaysEmptyWithoutOne) {
@@ -121,9 +170,25 @@ TEST_F(Layout, OfTheControlPanel) {
     EXPECT_EQ(placeOf("🎉 Congratulations!").top() - placeOf("WINDOWS MODE: ENABLED").bottom(), 6);
 }
 
+TEST_F(Layout, OfTheControlPanelFromTopToBottom) {
+    launchIntoControlPanel();
+    const QRectF heading = placeOf("WINDOWS MODE: ENABLED");
+    const QRectF last = placeOf("Your MacBook is now officially a Windows laptop.");
+    for (const char* line :
+         {"💀", "SIMULATION ACTIVE", "WINDOWS MODE: ENABLED", "🎉 Congratulations!",
+          "Your MacBook is now officially a Windows laptop."})
+        EXPECT_NEAR(placeOf(line).center().x(), 275, 0.5) << line;
+    EXPECT_EQ(placeOf("SIMULATION ACTIVE").top() - placeOf("💀").bottom(), 18);
+    EXPECT_EQ(heading.top() - 14 - placeOf("SIMULATION ACTIVE").bottom(), 18);
+    EXPECT_EQ(placeOf("Build quality").top() - last.bottom() - 14, 18 + 8 + 18);
+    EXPECT_NEAR(placeOf("💀").top() - 30, placeOf(stop).top() - placeOf("Startup").bottom(), 2)
+        << "what is above the stop button is centred";
+}
+
 TEST_F(Layout, OfTheRows) {
     launchIntoControlPanel();
     const std::vector<std::string> rows = switches();
+    ASSERT_EQ(rows.size(), 6U);
     for (std::size_t i = 0; i < rows.size(); ++i) {
         const QRectF place = placeOf(rows[i]);
         EXPECT_EQ(place.size(), QSizeF(42, 26)) << rows[i];
