@@ -89,6 +89,7 @@ TEST_F(Controls, ControlsShowThatTheMouseIsOnThemAndPresses) {
     QTest::mousePress(&m_window->window(), Qt::LeftButton, {}, placeOf(stop).center().toPoint());
     settle();
     EXPECT_LT(fillOf(stop).lightness(), hovered.lightness());
+    EXPECT_LT(brightestIn(placeOfText(stop)), 240) << "its words too";
     QTest::mouseMove(&m_window->window(), {5, 5});
     settle();
     EXPECT_EQ(fillOf(stop), buttonBefore) << "the mouse is elsewhere";

@@ -64,6 +64,19 @@ TEST_F(Glow, IsRedAroundTheControlPanelsTitle) {
     EXPECT_LT(beside().green(), 40);
 }
 
+TEST_F(Glow, ReachesAsFarAsItsRadius) {
+    withoutParticles();
+    launchChecked();
+    const QRectF place = placeOf("MILLIONS");
+    const auto beside = [&](int distance) {
+        return colorAt(qRound(place.left()) - distance, qRound(place.center().y())).blue();
+    };
+    const int dark = beside(8);
+    glowFor(1.5);
+    EXPECT_GT(beside(8), dark + 12);
+    EXPECT_LE(beside(20), dark + 3);
+}
+
 TEST_F(Glow, ReachesNoFurtherThanItsRadius) {
     withoutParticles();
     launchChecked();

@@ -64,6 +64,9 @@ TEST_F(WarningScreen, FadesInWhenTheHardwareCheckIsLeft) {
     animate(100);
     EXPECT_THAT(texts(), Contains("CAUTION"));
     EXPECT_THAT(texts(), Contains("HARDWARE CHECK"));
+    EXPECT_FALSE(pressControl(m_window->window(), "CONTINUE"));
+    // 0.517 of the night over 0.483 of the blue.
+    expectNear(colorAt(5, 390), {10, 27, 62});
     settle();
     EXPECT_THAT(texts(), Not(Contains("HARDWARE CHECK")));
 }
