@@ -19,10 +19,10 @@ TEST_F(Controls, CornersOfButtonsAreRound) {
     launchIntoControlPanel();
     const QRectF place = placeOf(stop);
     // A circle of radius 20 leaves out what is nearer than 5.86 to both edges.
-    expectNear(at(place.topLeft() + QPointF(3, 3)), besideOf(stop));
-    expectNear(at(place.topLeft() + QPointF(9, 9)), red);
-    expectNear(at(place.bottomRight() - QPointF(4, 4)), besideOf(stop));
-    expectNear(at(place.bottomRight() - QPointF(10, 10)), red);
+    expectNear(at(place.topLeft() + QPointF(4, 4)), besideOf(stop));
+    expectNear(at(place.topLeft() + QPointF(7, 7)), red);
+    expectNear(at(place.bottomRight() - QPointF(5, 5)), besideOf(stop));
+    expectNear(at(place.bottomRight() - QPointF(8, 8)), red);
 }
 
 TEST_F(Controls, ASwitchIsRedOnAGreyCapsule) {
@@ -70,6 +70,9 @@ TEST_F(Controls, EveryRowHasItsSymbol) {
             else
                 EXPECT_GT(difference(row, other), 30) << row << " and " << otherRow;
         }
+    const QRectF place(70, placeOf("Startup").top() + 4, 18, 18);
+    const QColor night = at(place.topLeft() - QPointF(4, 0));
+    EXPECT_NEAR(brightestIn(place), over(night, Qt::white, 0.7).lightness(), 8);
 }
 
 TEST_F(Controls, ControlsShowThatTheMouseIsOnThemAndPresses) {

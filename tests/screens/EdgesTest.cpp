@@ -2,6 +2,8 @@
 
 #include <QTest>
 
+#include <utility>
+
 namespace quorvane {
 namespace {
 
@@ -30,6 +32,23 @@ TEST_F(Edges, OfTheFocusRing) {
     expectNear(above(5), night, 2);
 }
 
+TEST_F(Edges, OfTheFocusRingsOfARow) {
+    launchIntoControlPanel();
+    // From 3 points outside of the switch on, and from 5 outside of the info button.
+    for (const auto& [control, distance] : {std::pair("Thermals", 3), {"About Thermals", 5}}) {
+        const QRectF place = placeOf(control);
+        const auto beside = [&](int points) {
+            return at({place.left() - points, place.center().y()});
+        };
+        const QColor night = beside(distance + 1);
+        expectNear(beside(distance - 1), night, 1);
+        focus(control);
+        draw();
+        expectNear(beside(distance - 1), over(night, Qt::white, 0.8), 20);
+        expectNear(beside(distance + 1), night, 2);
+    }
+}
+
 TEST_F(Edges, OfTheInfoPopup) {
     launchIntoControlPanel();
     press("About Build quality");
@@ -40,6 +59,8 @@ TEST_F(Edges, OfTheInfoPopup) {
     const QPointF corner(105, placeOfText("Build Quality").top() - 24);
     EXPECT_LT(at(corner + QPointF(3, 3)).blue(), 50);
     expectNear(at(corner + QPointF(8, 8)), ground, 1);
+    // The button's own radius is 10; between it and its ring the popup is seen.
+    EXPECT_LT(at(placeOf("OK").topLeft() + QPointF(3, 1)).blue(), 120);
 }
 
 TEST_F(Edges, OfASwitchThatIsOff) {
@@ -49,6 +70,9 @@ TEST_F(Edges, OfASwitchThatIsOff) {
     const QColor capsule = over(night, QColor("#8e8e93"), 0.4);
     expectNear(at(corner + QPointF(21, 1)), capsule, 5);
     expectNear(at(corner + QPointF(30, 13)), over(capsule, Qt::white, 0.1), 5);
+    QTest::mouseMove(&m_window->window(), placeOf("Thermals").center().toPoint());
+    settle();
+    expectNear(at(corner + QPointF(30, 13)), over(capsule, Qt::white, 0.2), 5);
     // A circle of radius 13 leaves out what is nearer than 3.8 to both edges.
     expectNear(at(corner + QPointF(2, 2)), night, 8);
     expectNear(at(corner + QPointF(4, 4)), capsule, 8);

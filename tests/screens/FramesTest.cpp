@@ -47,7 +47,10 @@ TEST_F(Frames, AreNoneWhileOtherWindowsCoverEverything) {
 
 TEST_F(Frames, AreNoneWhileHidden) {
     launchIntoControlPanel();
+    const std::size_t timers = m_machine.runLoop.pendingCount();
     m_window->window().hide();
+    draw();
+    EXPECT_EQ(m_machine.runLoop.pendingCount(), timers - 1) << "the glow's timer ends too";
     EXPECT_EQ(framesOfTwoSeconds(), 0);
     m_window->window().show();
     EXPECT_EQ(framesOfTwoSeconds(), 40);

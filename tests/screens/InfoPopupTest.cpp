@@ -106,6 +106,8 @@ TEST_F(InfoPopup, KeepsReadersFromTheScreenBelow) {
     EXPECT_FALSE(pressControl(m_window->window(), "Build quality"));
     toggle("Build quality");
     EXPECT_FALSE(m_content->audioEnabled());
+    press("Build quality");
+    EXPECT_FALSE(m_content->audioEnabled());
     EXPECT_FALSE(pressControl(m_window->window(), "STOP, I'M SUFFERING 😭"));
     press("STOP, I'M SUFFERING 😭");
     EXPECT_TRUE(m_content->sufferingMode());
