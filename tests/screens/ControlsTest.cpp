@@ -21,8 +21,8 @@ TEST_F(Controls, CornersOfButtonsAreRound) {
     // A circle of radius 20 leaves out what is nearer than 5.86 to both edges.
     expectNear(at(place.topLeft() + QPointF(4, 4)), besideOf(stop));
     expectNear(at(place.topLeft() + QPointF(7, 7)), red);
-    expectNear(at(place.bottomRight() - QPointF(5, 5)), besideOf(stop));
-    expectNear(at(place.bottomRight() - QPointF(8, 8)), red);
+    expectNear(at(place.bottomRight() - QPointF(4, 4)), besideOf(stop));
+    expectNear(at(place.bottomRight() - QPointF(10, 10)), red);
 }
 
 TEST_F(Controls, ASwitchIsRedOnAGreyCapsule) {
