@@ -4,6 +4,7 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDBusVariant>
 #include <QFile>
 #include <QSettings>
 #include <QStandardPaths>
@@ -52,7 +53,7 @@ void MotionSetting::askPortal() {
     if (!bus.isConnected())
         return;
     bus.connect(service, path, interface, "SettingChanged", this,
-                SLOT(settingChanged(QString, QString, QDBusVariant)));
+                SLOT(settingChanged(QDBusMessage)));
     auto question = QDBusMessage::createMethodCall(service, path, interface, "Read");
     question << QString::fromLatin1(settingsGroup) << QString::fromLatin1(animationsKey);
     auto* answer = new QDBusPendingCallWatcher(bus.asyncCall(question), this);
@@ -64,10 +65,11 @@ void MotionSetting::askPortal() {
     });
 }
 
-void MotionSetting::settingChanged(const QString& group, const QString& key,
-                                   const QDBusVariant& value) {
-    if (group == settingsGroup && key == animationsKey)
-        takeAnimationsEnabled(QVariant::fromValue(value));
+void MotionSetting::settingChanged(const QDBusMessage& message) {
+    const QVariantList arguments = message.arguments();
+    if (arguments.size() == 3 && arguments[0] == QLatin1String(settingsGroup) &&
+        arguments[1] == QLatin1String(animationsKey))
+        takeAnimationsEnabled(arguments[2]);
 }
 
 void MotionSetting::takeAnimationsEnabled(const QVariant& enabled) {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QDBusVariant>
+#include <QDBusMessage>
 #include <QObject>
-#include <QString>
+#include <QVariant>
 
 #include "base/Observable.h"
 
@@ -21,7 +21,9 @@ public:
     ~MotionSetting() override;
 
 private Q_SLOTS:
-    void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);
+    /// Takes the message whole: the first slot of a process that takes a QDBusVariant is not
+    /// called.
+    void settingChanged(const QDBusMessage& message);
 
     // NOLINTNEXTLINE(readability-redundant-access-specifiers): these are no slots.
 private:
