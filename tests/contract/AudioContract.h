@@ -81,6 +81,15 @@ protected:
         return secondsUntil([&] { return completed().size() >= count; });
     }
 
+    /// Plays until so many sounds have completed. Seconds from before the start: a test that is
+    /// held up right after it must not find a sound too short.
+    double secondsPlayed(std::size_t count) {
+        const double start = m_side->now();
+        m_node->play();
+        secondsUntilCompleted(count);
+        return m_side->now() - start;
+    }
+
     /// Time for what must not happen.
     void passTolerance() { pass(m_side->tolerance()); }
 
