@@ -9,10 +9,6 @@ constexpr double restTolerance = 0.002;
 
 } // namespace
 
-SpringValue::SpringValue(QObject* parent) : QAbstractAnimation(parent) {
-    connect(this, &QAbstractAnimation::stateChanged, this, &SpringValue::movingChanged);
-}
-
 void SpringValue::setGoal(const AnimatedNumber& goal) {
     if (m_hasGoal && goal == m_goal)
         return;

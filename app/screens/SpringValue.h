@@ -25,7 +25,7 @@ class SpringValue : public QAbstractAnimation {
     Q_PROPERTY(bool moving READ isMoving NOTIFY movingChanged FINAL)
 
 public:
-    explicit SpringValue(QObject* parent = nullptr);
+    using QAbstractAnimation::QAbstractAnimation;
 
     [[nodiscard]] AnimatedNumber goal() const { return m_goal; }
 
@@ -47,6 +47,9 @@ signals:
 
 protected:
     void updateCurrentTime(int milliseconds) override;
+
+    /// Not connected to stateChanged: the base's destructor emits that for one on its way.
+    void updateState(State /*now*/, State /*before*/) override { emit movingChanged(); }
 
 private:
     void jump();

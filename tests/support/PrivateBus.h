@@ -1,9 +1,10 @@
 #pragma once
 
-#include <QProcess>
+#include <filesystem>
 #include <string>
 
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestProgram.h"
 
 namespace quorvane {
 
@@ -13,15 +14,19 @@ public:
     PrivateBus();
     PrivateBus(const PrivateBus&) = delete;
     PrivateBus& operator=(const PrivateBus&) = delete;
-    ~PrivateBus();
+    ~PrivateBus() = default;
 
     [[nodiscard]] std::string address() const;
-    /// Ends the bus under whoever uses it.
-    void stop();
+
+    /// Ends the bus while it is used.
+    void stop() { m_daemon.end(); }
 
 private:
+    std::filesystem::path writeConfiguration();
+
     TemporaryFolder m_folder;
-    QProcess m_daemon;
+    // Not a QProcess: its way to start a program turns the thread sanitizer off for this thread.
+    TestProgram m_daemon;
 };
 
 } // namespace quorvane
