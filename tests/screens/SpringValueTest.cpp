@@ -1,6 +1,7 @@
 #include "app/screens/SpringValue.h"
 
 #include <gmock/gmock.h>
+#include <memory>
 
 namespace quorvane {
 namespace {
@@ -107,6 +108,18 @@ TEST_F(SpringValueTest, TellsThatItMovesAndRests) {
     m_value.setGoal(springTo(1));
     m_value.setCurrentTime(600);
     EXPECT_THAT(told, testing::ElementsAre(true, false));
+}
+
+// A screen may close while it still fades in: by then there is no value any more to ask.
+TEST_F(SpringValueTest, SaysNothingWhenItIsDestroyedOnItsWay) {
+    auto value = std::make_unique<SpringValue>();
+    int changes = 0;
+    QObject::connect(value.get(), &SpringValue::movingChanged, [&changes] { ++changes; });
+    value->setGoal(at(0));
+    value->setGoal(springTo(1));
+    ASSERT_EQ(changes, 1);
+    value.reset();
+    EXPECT_EQ(changes, 1);
 }
 
 } // namespace
