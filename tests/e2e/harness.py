@@ -189,8 +189,12 @@ class EndToEndTest(unittest.TestCase):
                 error.add_note(f"attempt {attempt}: the sound server ran dry {dropouts} times")
                 if not dropouts or attempt == LISTENING_ATTEMPTS:
                     raise
-                print(f"{self.id()}: once more, as the sound server ran dry {dropouts} times: "
-                      f"{error}", file=sys.stderr)
+                self.tell_repeat(f"once more, as the sound server ran dry {dropouts} times: {error}")
+
+    def tell_repeat(self, text):
+        """Tells of what was put to the test again: CTest shows no output of a test that passes."""
+        with open(BUILD / "repeats.log", "a", encoding="utf-8") as file:
+            print(f"{self.id()}: {text}", file=file)
 
     def assert_silent(self, begin, end, why):
         last = self.recording.last_sound(begin, end)

@@ -108,8 +108,8 @@ class KeyboardTest(EndToEndTest):
             spans.append(deed())
             time.sleep(REACTION + EARLY)
         if short < len(spans):
-            print(f"{self.id()}: {len(spans) - short} of {len(spans)} took longer than "
-                  f"{longest:.2f} s and are not counted", file=sys.stderr)
+            self.tell_repeat(f"{len(spans) - short} of {len(spans)} took longer than "
+                             f"{longest:.2f} s and are not counted")
         onsets = self.onsets(spans[0][0], spans[-1][1] + REACTION + 0.3)
         heard = [[onset - begin for onset in onsets if begin - EARLY <= onset <= end + REACTION]
                  for begin, end in spans]

@@ -19,6 +19,13 @@ import machine
 HERE = pathlib.Path(__file__).resolve().parent
 
 
+def tell_repeats(build):
+    """Tells of the attempts that were void: CTest shows no output of a test that passes."""
+    console = (build / "lab" / "results" / "console.log").read_text(encoding="utf-8")
+    with open(build / "repeats.log", "a", encoding="utf-8") as file:
+        file.writelines(f"{line}\n" for line in console.splitlines() if " is void: " in line)
+
+
 def main():
     """Makes the machine if need be and runs it once."""
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
@@ -38,6 +45,7 @@ def main():
     except machine.LabError as error:
         print(f"lab: {error}", file=sys.stderr)
         return 1
+    tell_repeats(build)
     print(f"lab: prepared in {prepared - began:.1f} s, played in "
           f"{time.monotonic() - prepared:.1f} s")
     return 0
