@@ -73,7 +73,7 @@ void expectLooksLike(const QImage& picture, const QRect& line, const QImage& exp
 
 TEST_F(LinuxScreensTest, ringIsFilledFromTheTopClockwise) {
     for (const auto& [progress, done] :
-         {std::pair(0.0, 0), std::pair(0.25, 10), std::pair(0.5, 20), std::pair(1.0, 40)}) {
+         {std::pair(0.0, 0U), std::pair(0.25, 10U), std::pair(0.5, 20U), std::pair(1.0, 40U)}) {
         m_stop->progress = progress;
         const auto panel = showStopScreen();
         EXPECT_EQ(ringIn(m_desktop.look()), std::string(done, '#') + std::string(40 - done, '.'));
@@ -97,7 +97,7 @@ TEST_F(LinuxScreensTest, ringIs70PointsAcrossAndItsLine3) {
 
 TEST_F(LinuxScreensTest, ringGrowsInTheOneThatIsUpAsTheProgressDoes) {
     const auto panel = showStopScreen();
-    for (int done = 0; done <= 40; ++done) {
+    for (unsigned done = 0; done <= 40; ++done) {
         m_stop->progress = done / 40.0;
         const std::string expected = std::string(done, '#') + std::string(40 - done, '.');
         EXPECT_TRUE(TestDesktop::waitFor([&] { return ringIn(m_desktop.look()) == expected; }))

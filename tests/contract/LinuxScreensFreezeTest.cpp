@@ -17,8 +17,8 @@ constexpr int spokes = 12;
 /// How much darker than white each spoke of the spinner is, from the top clockwise.
 std::array<int, spokes> spokesIn(const QImage& picture, QPointF center) {
     std::array<int, spokes> darkness{};
-    for (int i = 0; i < spokes; ++i) {
-        const double angle = 2 * M_PI * i / spokes;
+    for (std::size_t i = 0; i < spokes; ++i) {
+        const double angle = 2 * M_PI * static_cast<double>(i) / spokes;
         darkness.at(i) =
             255 - qRed(picture.pixel(static_cast<int>(center.x() + 33 * std::sin(angle)),
                                      static_cast<int>(center.y() - 33 * std::cos(angle))));
@@ -149,9 +149,9 @@ TEST_F(FreezeOverWhiteTest, spinnerIsThreeTimesItsSizeWithSpokesThatFadeBehindTh
         picture.pixel(static_cast<int>(m_center.x() + 33 * std::sin(2 * M_PI * first / spokes)),
                       static_cast<int>(m_center.y() - 33 * std::cos(2 * M_PI * first / spokes)));
     EXPECT_TRUE(isNear(pixel, qRgb(142, 142, 147))) << qRed(pixel) << ' ' << qBlue(pixel);
-    int before = darkness.at(first) + 1;
+    int before = darkness.at(static_cast<std::size_t>(first)) + 1;
     for (int behind = 0; behind < spokes; ++behind) {
-        const int here = darkness.at((first - behind + spokes) % spokes);
+        const int here = darkness.at(static_cast<std::size_t>(first - behind + spokes) % spokes);
         EXPECT_LT(here, before) << behind;
         EXPECT_GE(here, 14) << behind << ": can hardly be seen";
         // The two faintest are alike.

@@ -326,7 +326,7 @@ std::vector<uint32_t> TestDesktop::panelProperty(const std::string& name) const 
     if (!reply || reply->format != 32)
         return {};
     const auto* numbers = static_cast<const uint32_t*>(xcb_get_property_value(reply.get()));
-    return {numbers, numbers + xcb_get_property_value_length(reply.get()) / sizeof(uint32_t)};
+    return {numbers, numbers + reply->value_len};
 }
 
 bool TestDesktop::panelHasPointer() const {

@@ -99,11 +99,11 @@ TEST_F(LinuxEventTapsTest, ASymbolTellsWhetherItsKeyIsAModifier) {
     };
     // Shift_L, Shift_Lock, Hyper_R, ISO_Lock, ISO_Level3_Shift, ISO_Level5_Lock, Mode_switch,
     // Num_Lock, Scroll_Lock, XF86Fn, XF86FnRightShift.
-    for (const xcb_keysym_t modifier : {0xFFE1, 0xFFE6, 0xFFEE, 0xFE01, 0xFE03, 0xFE13, 0xFF7E,
-                                        0xFF7F, 0xFF14, 0x100811D0, 0x100811E5})
+    for (const xcb_keysym_t modifier : {0xFFE1U, 0xFFE6U, 0xFFEEU, 0xFE01U, 0xFE03U, 0xFE13U,
+                                        0xFF7EU, 0xFF7FU, 0xFF14U, 0x100811D0U, 0x100811E5U})
         EXPECT_THAT(typedAs(modifier), ElementsAre(flagsChanged, flagsChanged)) << modifier;
     // Pause, Sys_Req, KP_Space, a dead grave accent, XF86Sleep.
-    for (const xcb_keysym_t key : {0xFF13, 0xFF15, 0xFF80, 0xFE50, 0x1008FF2F})
+    for (const xcb_keysym_t key : {0xFF13U, 0xFF15U, 0xFF80U, 0xFE50U, 0x1008FF2FU})
         EXPECT_THAT(typedAs(key), ElementsAre(keyDown, keyUp)) << key;
 }
 
