@@ -11,7 +11,7 @@ class X11Overlays;
 /// The screens of an X server, Xwayland included, and panels over them that are windows of ours,
 /// drawn in memory without the toolkit's scene. Needs a QGuiApplication by the time it is first
 /// asked for something; nothing is opened before, and a connection that has ended is replaced when
-/// the next panel is to come. Where the toolkit is not on X11, or the server does not answer, there
+/// the next panel is to come. Where Qt is not on X11, or the server does not answer, there
 /// is no main screen, and panels show nowhere.
 class LinuxScreens final : public ScreenService {
 public:

@@ -45,7 +45,7 @@ protected:
         setenv(variable, value.c_str(), 1); // NOLINT(concurrency-mt-unsafe): one thread.
     }
 
-    /// What the toolkit is told to use; empty: nothing.
+    /// What Qt is told to use; empty: nothing.
     static std::string choice() {
         const char* value = std::getenv("QT_QPA_PLATFORM"); // NOLINT(concurrency-mt-unsafe)
         return value ? value : "";
