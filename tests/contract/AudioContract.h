@@ -81,8 +81,8 @@ protected:
         return secondsUntil([&] { return completed().size() >= count; });
     }
 
-    /// Plays until so many sounds have completed. Seconds from before the start: a test that is
-    /// held up right after it must not find a sound too short.
+    /// Plays until `count` sounds have completed, and returns the seconds from before the start: a
+    /// test that is delayed right after it must not measure too short a sound.
     double secondsPlayed(std::size_t count) {
         const double start = m_side->now();
         m_node->play();
