@@ -5,7 +5,7 @@
 
 #include <unistd.h>
 
-#include "platform/linux/OpenALAudioService.h"
+#include "platform/linux/audio/OpenALAudioService.h"
 
 /// What one sound of the program costs, without its window: `looping_sound hold` keeps the output
 /// open and silent, `looping_sound FILE` plays the file over and over, until a signal ends it.

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "bench/Row.h"
-#include "platform/linux/LinuxRunLoop.h"
+#include "platform/linux/system/LinuxRunLoop.h"
 
 namespace quorvane {
 namespace {

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "platform/linux/DisplayServer.h"
-#include "platform/linux/GraphicsCard.h"
-#include "platform/linux/LinuxDesktop.h"
 #include "platform/linux/LinuxPlatform.h"
-#include "platform/linux/TerminationSignals.h"
+#include "platform/linux/desktop/DisplayServer.h"
+#include "platform/linux/desktop/GraphicsCard.h"
+#include "platform/linux/desktop/LinuxDesktop.h"
+#include "platform/linux/system/TerminationSignals.h"
 
 /// The machine that the program runs on, under the names by which the main program knows it.
 namespace quorvane::Host {

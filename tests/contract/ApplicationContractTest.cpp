@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 
-#include "platform/linux/LinuxApplication.h"
+#include "platform/linux/desktop/LinuxApplication.h"
 #include "platform/simulated/SimulatedSystem.h"
 #include "tests/support/Environment.h"
 #include "tests/support/QtApplication.h"

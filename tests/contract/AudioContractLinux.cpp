@@ -5,7 +5,7 @@
 #include <string_view>
 #include <thread>
 
-#include "platform/linux/OpenALAudioService.h"
+#include "platform/linux/audio/OpenALAudioService.h"
 #include "tests/contract/PulseServer.h"
 #include "tests/contract/SoundFiles.h"
 

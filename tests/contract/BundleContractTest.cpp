@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 
-#include "platform/linux/LinuxBundle.h"
+#include "platform/linux/system/LinuxBundle.h"
 #include "platform/simulated/SimulatedSystem.h"
 #include "tests/support/TemporaryFolder.h"
 

@@ -6,7 +6,7 @@
 #include <unistd.h>
 #include <vector>
 
-#include "platform/linux/LinuxConsole.h"
+#include "platform/linux/system/LinuxConsole.h"
 #include "platform/macos/MacConsole.h"
 #include "platform/simulated/SimulatedSystem.h"
 

@@ -2,9 +2,9 @@
 #include <linux/input.h>
 #include <optional>
 
-#include "platform/linux/EvdevKeyReader.h"
-#include "platform/linux/LinuxEventTap.h"
-#include "platform/linux/LinuxEventTaps.h"
+#include "platform/linux/keyboard/EvdevKeyReader.h"
+#include "platform/linux/keyboard/LinuxEventTap.h"
+#include "platform/linux/keyboard/LinuxEventTaps.h"
 #include "platform/simulated/SimulatedEventTaps.h"
 #include "tests/contract/EventTapContract.h"
 #include "tests/support/KeyboardPipe.h"

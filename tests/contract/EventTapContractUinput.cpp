@@ -11,8 +11,8 @@
 #include <stdexcept>
 #include <string>
 
-#include "platform/linux/LinuxEventTaps.h"
-#include "platform/linux/UdevKeyboardNodes.h"
+#include "platform/linux/keyboard/LinuxEventTaps.h"
+#include "platform/linux/keyboard/UdevKeyboardNodes.h"
 #include "tests/contract/EventTapContract.h"
 #include "tests/support/Environment.h"
 #include "tests/support/KeyboardPipe.h"

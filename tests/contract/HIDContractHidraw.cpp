@@ -3,7 +3,7 @@
 
 #include <cstdlib>
 
-#include "platform/linux/LinuxHID.h"
+#include "platform/linux/hid/LinuxHID.h"
 #include "tests/contract/HIDContract.h"
 #include "tests/support/TemporaryFolder.h"
 

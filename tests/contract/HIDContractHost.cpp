@@ -1,4 +1,4 @@
-#include "platform/linux/LinuxHID.h"
+#include "platform/linux/hid/LinuxHID.h"
 #include "platform/simulated/SimulatedHID.h"
 #include "platform/simulated/SimulatedRunLoop.h"
 #include "tests/contract/HIDContract.h"

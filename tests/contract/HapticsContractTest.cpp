@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "platform/linux/LinuxHaptics.h"
+#include "platform/linux/haptics/LinuxHaptics.h"
 #include "platform/simulated/SimulatedHaptics.h"
 #include "platform/simulated/SimulatedRunLoop.h"
 #include "tests/support/FakeForceFeedback.h"

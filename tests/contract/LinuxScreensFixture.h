@@ -11,7 +11,7 @@
 #include "effects/crash/BSODView.h"
 #include "effects/crash/FreezeView.h"
 #include "effects/crash/OverlayRecipe.h"
-#include "platform/linux/LinuxScreens.h"
+#include "platform/linux/overlays/LinuxScreens.h"
 #include "tests/support/TestDesktop.h"
 
 namespace quorvane {

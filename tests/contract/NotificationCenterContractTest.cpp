@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "platform/InProcessNotificationCenter.h"
-#include "platform/linux/LinuxWorkspace.h"
+#include "platform/linux/power/LinuxWorkspace.h"
 #include "tests/support/QtApplication.h"
 
 namespace quorvane {

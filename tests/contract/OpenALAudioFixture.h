@@ -13,7 +13,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/linux/OpenALAudioService.h"
+#include "platform/linux/audio/OpenALAudioService.h"
 #include "tests/contract/PulseServer.h"
 #include "tests/contract/SoundFiles.h"
 

@@ -8,7 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/linux/PulseAudioSilence.h"
+#include "platform/linux/audio/PulseAudioSilence.h"
 #include "tests/contract/OpenALAudioFixture.h"
 #include "tests/contract/Recording.h"
 

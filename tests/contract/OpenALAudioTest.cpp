@@ -9,7 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/linux/OpenALAudioService.h"
+#include "platform/linux/audio/OpenALAudioService.h"
 #include "tests/contract/OpenALAudioFixture.h"
 #include "tests/contract/PulseServer.h"
 #include "tests/contract/Recording.h"

@@ -12,7 +12,7 @@
 #include "effects/crash/BSODView.h"
 #include "effects/crash/FreezeView.h"
 #include "effects/crash/OverlayRecipe.h"
-#include "platform/linux/LinuxScreens.h"
+#include "platform/linux/overlays/LinuxScreens.h"
 
 namespace quorvane {
 

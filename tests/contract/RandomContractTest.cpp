@@ -6,7 +6,7 @@
 #include <memory>
 #include <set>
 
-#include "platform/linux/LinuxRandom.h"
+#include "platform/linux/system/LinuxRandom.h"
 #include "platform/macos/MacRandom.h"
 #include "platform/simulated/SimulatedSystem.h"
 

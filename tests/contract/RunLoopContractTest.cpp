@@ -11,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-#include "platform/linux/LinuxRunLoop.h"
+#include "platform/linux/system/LinuxRunLoop.h"
 #include "platform/simulated/SimulatedRunLoop.h"
 
 namespace quorvane {

@@ -4,7 +4,7 @@
 
 #include <gmock/gmock.h>
 
-#include "platform/linux/LinuxScreens.h"
+#include "platform/linux/overlays/LinuxScreens.h"
 #include "platform/simulated/SimulatedScreens.h"
 #include "tests/support/TestDesktop.h"
 

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 
-#include "platform/linux/LinuxSystemInfo.h"
+#include "platform/linux/system/LinuxSystemInfo.h"
 #include "platform/macos/MacSystemInfo.h"
 #include "platform/simulated/SimulatedSystem.h"
 #include "tests/macos/StandInTest.h"

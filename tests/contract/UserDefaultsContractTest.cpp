@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 
-#include "platform/linux/LinuxUserDefaults.h"
+#include "platform/linux/system/LinuxUserDefaults.h"
 #include "platform/simulated/SimulatedSystem.h"
 #include "tests/support/TemporaryFolder.h"
 

@@ -6,7 +6,7 @@
 #include <utility>
 #include <variant>
 
-#include "platform/linux/SndfileAudioFile.h"
+#include "platform/linux/audio/SndfileAudioFile.h"
 
 namespace quorvane {
 

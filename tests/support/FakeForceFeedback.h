@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/linux/ForceFeedback.h"
+#include "platform/linux/haptics/ForceFeedback.h"
 
 namespace quorvane {
 

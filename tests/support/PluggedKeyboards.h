@@ -3,7 +3,7 @@
 #include <set>
 #include <utility>
 
-#include "platform/linux/KeyboardNodes.h"
+#include "platform/linux/keyboard/KeyboardNodes.h"
 
 namespace quorvane {
 

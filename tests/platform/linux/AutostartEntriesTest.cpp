@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
-#include "platform/linux/AutostartEntries.h"
+#include "platform/linux/desktop/AutostartEntries.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
 

@@ -8,7 +8,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include "platform/linux/DisplayServer.h"
+#include "platform/linux/desktop/DisplayServer.h"
 #include "tests/support/Environment.h"
 #include "tests/support/OpenFiles.h"
 #include "tests/support/TemporaryFolder.h"

@@ -13,7 +13,7 @@
 #include <unistd.h>
 #include <vector>
 
-#include "platform/linux/EvdevForceFeedback.h"
+#include "platform/linux/haptics/EvdevForceFeedback.h"
 #include "tests/support/KernelAnswers.h"
 #include "tests/support/OpenFiles.h"
 #include "tests/support/TemporaryFolder.h"

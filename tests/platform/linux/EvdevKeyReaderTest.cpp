@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "platform/linux/EvdevKeyReader.h"
+#include "platform/linux/keyboard/EvdevKeyReader.h"
 #include "tests/support/KeyboardPipe.h"
 #include "tests/support/OpenFiles.h"
 #include "tests/support/PluggedKeyboards.h"

@@ -4,7 +4,7 @@
 
 #include <gmock/gmock.h>
 
-#include "platform/linux/EvdevKeyboard.h"
+#include "platform/linux/keyboard/EvdevKeyboard.h"
 #include "tests/support/KeyboardPipe.h"
 #include "tests/support/QtApplication.h"
 #include "tests/support/TemporaryFolder.h"

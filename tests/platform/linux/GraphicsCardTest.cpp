@@ -1,4 +1,4 @@
-#include "platform/linux/GraphicsCard.h"
+#include "platform/linux/desktop/GraphicsCard.h"
 
 #include <gtest/gtest.h>
 

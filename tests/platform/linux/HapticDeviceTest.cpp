@@ -4,9 +4,9 @@
 #include <memory>
 #include <vector>
 
-#include "platform/linux/HapticDevice.h"
-#include "platform/linux/HapticEffects.h"
-#include "platform/linux/HapticScan.h"
+#include "platform/linux/haptics/HapticDevice.h"
+#include "platform/linux/haptics/HapticEffects.h"
+#include "platform/linux/haptics/HapticScan.h"
 #include "tests/support/FakeForceFeedback.h"
 
 namespace quorvane {

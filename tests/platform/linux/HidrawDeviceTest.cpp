@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/linux/HidrawDevice.h"
+#include "platform/linux/hid/HidrawDevice.h"
 #include "tests/support/FileRights.h"
 #include "tests/support/KernelAnswers.h"
 #include "tests/support/OpenFiles.h"

@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 #include <optional>
 
-#include "platform/linux/HidrawScan.h"
-#include "platform/linux/LinuxHID.h"
+#include "platform/linux/hid/HidrawScan.h"
+#include "platform/linux/hid/LinuxHID.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quorvane {

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/linux/IIOLidScan.h"
-#include "platform/linux/LinuxHID.h"
+#include "platform/linux/hid/IIOLidScan.h"
+#include "platform/linux/hid/LinuxHID.h"
 #include "tests/support/FileRights.h"
 #include "tests/support/TemporaryFolder.h"
 

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 #include <optional>
 
-#include "platform/linux/KeyboardAccessPrompt.h"
-#include "platform/linux/LinuxSystemInfo.h"
+#include "platform/linux/keyboard/KeyboardAccessPrompt.h"
+#include "platform/linux/system/LinuxSystemInfo.h"
 #include "tests/support/Environment.h"
 #include "tests/support/OpenFiles.h"
 #include "tests/support/QtApplication.h"

@@ -7,7 +7,7 @@
 
 #include <gmock/gmock.h>
 
-#include "platform/linux/keyboard_access/KeyboardAccess.h"
+#include "platform/linux/keyboard/access/KeyboardAccess.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quorvane {

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <gmock/gmock.h>
 
-#include "platform/linux/LinuxBundle.h"
+#include "platform/linux/system/LinuxBundle.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
 

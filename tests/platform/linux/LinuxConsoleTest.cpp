@@ -8,7 +8,7 @@
 #include <thread>
 #include <unistd.h>
 
-#include "platform/linux/LinuxConsole.h"
+#include "platform/linux/system/LinuxConsole.h"
 
 namespace quorvane {
 

@@ -3,7 +3,7 @@
 
 #include <gmock/gmock.h>
 
-#include "platform/linux/LinuxEventTaps.h"
+#include "platform/linux/keyboard/LinuxEventTaps.h"
 #include "tests/support/OpenFiles.h"
 #include "tests/support/QtApplication.h"
 #include "tests/support/TypingDisplay.h"

@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "platform/linux/LinuxHaptics.h"
+#include "platform/linux/haptics/LinuxHaptics.h"
 #include "tests/support/FakeForceFeedback.h"
 #include "tests/support/QtApplication.h"
 

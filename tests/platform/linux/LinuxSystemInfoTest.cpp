@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <optional>
 
-#include "platform/linux/LinuxSystemInfo.h"
+#include "platform/linux/system/LinuxSystemInfo.h"
 #include "tests/support/Environment.h"
 #include "tests/support/FileRights.h"
 #include "tests/support/TemporaryFolder.h"

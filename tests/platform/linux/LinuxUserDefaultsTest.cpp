@@ -3,7 +3,7 @@
 #include <optional>
 #include <sys/resource.h>
 
-#include "platform/linux/LinuxUserDefaults.h"
+#include "platform/linux/system/LinuxUserDefaults.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
 

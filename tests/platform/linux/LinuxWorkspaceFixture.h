@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/linux/LinuxWorkspace.h"
+#include "platform/linux/power/LinuxWorkspace.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/QtApplication.h"
 #include "tests/support/SleepServices.h"

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/linux/MotionSetting.h"
+#include "platform/linux/desktop/MotionSetting.h"
 #include "tests/support/Environment.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/QtApplication.h"

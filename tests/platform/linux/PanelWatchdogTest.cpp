@@ -1,4 +1,4 @@
-#include "platform/linux/PanelWatchdog.h"
+#include "platform/linux/overlays/PanelWatchdog.h"
 
 #include <poll.h>
 #include <sys/socket.h>

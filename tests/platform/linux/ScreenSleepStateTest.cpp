@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "platform/linux/ScreenSleepState.h"
+#include "platform/linux/power/ScreenSleepState.h"
 
 namespace quorvane {
 

@@ -2,7 +2,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/linux/SessionType.h"
+#include "platform/linux/keyboard/SessionType.h"
 #include "tests/support/Environment.h"
 
 namespace quorvane {

@@ -1,4 +1,4 @@
-#include "platform/linux/StopSignals.h"
+#include "platform/linux/overlays/StopSignals.h"
 
 #include <fcntl.h>
 #include <poll.h>

@@ -5,7 +5,7 @@
 #include <vector>
 #include <xcb/xcb.h>
 
-#include "platform/linux/X11WindowCover.h"
+#include "platform/linux/desktop/X11WindowCover.h"
 #include "tests/support/QtApplication.h"
 #include "tests/support/TypingDisplay.h"
 

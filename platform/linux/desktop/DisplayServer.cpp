@@ -1,0 +1,72 @@
+#include "platform/linux/desktop/DisplayServer.h"
+
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+#include <xcb/xcb.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+
+namespace quorvane {
+
+namespace {
+
+constexpr auto toolkitChoice = "QT_QPA_PLATFORM";
+
+std::string environment(const char* name) {
+    const char* value = std::getenv(name); // NOLINT(concurrency-mt-unsafe): before any thread.
+    return value ? value : "";
+}
+
+bool waylandAnswers(const std::string& display) {
+    const std::string path =
+        (std::filesystem::path(environment("XDG_RUNTIME_DIR")) / display).string();
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (path.size() >= sizeof address.sun_path)
+        return false;
+    std::copy(path.begin(), path.end(), std::begin(address.sun_path));
+    const int descriptor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (descriptor < 0)
+        return false;
+    // The socket interface takes every family's address through the same pointer.
+    const auto* generic = reinterpret_cast<const sockaddr*>(&address);
+    const bool answers = connect(descriptor, generic, sizeof address) == 0;
+    close(descriptor);
+    return answers;
+}
+
+void choose(const char* toolkitPlatform) {
+    setenv(toolkitChoice, toolkitPlatform, 1); // NOLINT(concurrency-mt-unsafe): before any thread.
+}
+
+} // namespace
+
+void DisplayServer::Disconnect::operator()(xcb_connection_t* connection) const {
+    xcb_disconnect(connection);
+}
+
+bool DisplayServer::tryX11() {
+    m_connection.reset(xcb_connect(nullptr, nullptr));
+    return xcb_connection_has_error(m_connection.get()) == 0;
+}
+
+DisplayServer::DisplayServer() {
+    if (!environment(toolkitChoice).empty())
+        return;
+    const std::string x11 = environment("DISPLAY");
+    const std::string wayland = environment("WAYLAND_DISPLAY");
+    if (!x11.empty() && tryX11())
+        choose("xcb");
+    else if (!wayland.empty() && waylandAnswers(wayland))
+        choose("wayland");
+    else if (x11.empty() && wayland.empty())
+        m_error = "there is no display: neither DISPLAY nor WAYLAND_DISPLAY is set";
+    else
+        m_error = "the display '" + (x11.empty() ? wayland : x11) + "' does not answer";
+}
+
+} // namespace quorvane

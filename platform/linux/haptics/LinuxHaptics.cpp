@@ -1,0 +1,105 @@
+#include "platform/linux/haptics/LinuxHaptics.h"
+
+#include <atomic>
+#include <chrono>
+#include <utility>
+
+#include "platform/linux/haptics/EvdevForceFeedback.h"
+#include "platform/linux/haptics/HapticDevice.h"
+
+namespace quorvane {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+// A performer that nobody holds is let go at the second look that finds nobody to have asked for it
+// since the one before: 1 to 1.5 s after its last use.
+constexpr auto lookInterval = 500ms;
+constexpr int quietLooks = 2;
+
+// Milliseconds for closing the device at the end; one that is well takes one or two.
+constexpr int longestWait = 500;
+
+} // namespace
+
+class LinuxHaptics::Performer final : public HapticPerformer {
+public:
+    Performer(QThreadPool& background, const std::shared_ptr<ForceFeedbackDevices>& devices)
+        : m_background(background), m_opening(std::make_shared<Opening>()) {
+        m_background.start([devices, opening = m_opening]() mutable {
+            opening->device = HapticDevice::openBest(*devices);
+            opening->isDone.store(true, std::memory_order_release);
+            // Nobody may want it any more, and closing it is for this thread to do.
+            opening.reset();
+        });
+    }
+
+    Performer(const Performer&) = delete;
+    Performer& operator=(const Performer&) = delete;
+
+    ~Performer() override { close(); }
+
+    void performFeedback(HapticPattern pattern, HapticPerformanceTime /*time*/) override {
+        if (!m_opening || !m_opening->isDone.load(std::memory_order_acquire))
+            return;
+        if (m_opening->device && !m_opening->device->play(pattern))
+            close();
+    }
+
+    /// Whether its device has vanished.
+    [[nodiscard]] bool isLost() const { return !m_opening; }
+
+    void close() {
+        if (m_opening)
+            m_background.start([opening = std::move(m_opening)]() mutable { opening.reset(); });
+    }
+
+private:
+    /// Shared with the thread that opens.
+    struct Opening {
+        std::unique_ptr<HapticDevice> device;
+        std::atomic<bool> isDone = false;
+    };
+
+    QThreadPool& m_background;
+    std::shared_ptr<Opening> m_opening;
+};
+
+LinuxHaptics::LinuxHaptics() : LinuxHaptics(std::make_shared<EvdevForceFeedback>()) {}
+
+LinuxHaptics::LinuxHaptics(std::shared_ptr<ForceFeedbackDevices> devices)
+    : m_devices(std::move(devices)) {
+    m_look.setInterval(lookInterval);
+    QObject::connect(&m_look, &QTimer::timeout, &m_look, [this] { closeWhenUnused(); });
+}
+
+LinuxHaptics::~LinuxHaptics() {
+    if (m_current)
+        m_current->close();
+    if (m_background && !m_background->waitForDone(longestWait))
+        static_cast<void>(m_background.release());
+}
+
+std::shared_ptr<HapticPerformer> LinuxHaptics::defaultPerformer() {
+    m_wasAskedFor = true;
+    if (!m_background)
+        m_background = std::make_unique<QThreadPool>();
+    if (!m_current || m_current->isLost()) {
+        m_current = std::make_shared<Performer>(*m_background, m_devices);
+        m_look.start();
+    }
+    return m_current;
+}
+
+void LinuxHaptics::closeWhenUnused() {
+    const bool isUsed = m_current.use_count() > 1;
+    if (std::exchange(m_wasAskedFor, false) || isUsed)
+        m_quietLooks = 0;
+    else if (++m_quietLooks >= quietLooks) {
+        m_current.reset();
+        m_look.stop();
+    }
+}
+
+} // namespace quorvane

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <memory>
+
+#include "platform/linux/keyboard/EvdevKeyboard.h"
+#include "platform/linux/keyboard/KeyEventReader.h"
+#include "platform/linux/keyboard/KeyboardNodes.h"
+
+namespace quorvane {
+
+/// The keys of every keyboard that this process may read, those that come later too. A keyboard
+/// that goes is dropped without a word.
+class EvdevKeyReader final : public KeyEventReader {
+public:
+    /// Null if not one keyboard can be read.
+    [[nodiscard]] static std::unique_ptr<EvdevKeyReader>
+    open(std::unique_ptr<KeyboardNodes> nodes, Sink sink,
+         EvdevKeyboard::KeyQuery query = &EvdevKeyboard::keysThatAreDown);
+
+    void setReading(bool reading) override;
+
+private:
+    EvdevKeyReader(std::unique_ptr<KeyboardNodes> nodes, Sink sink, EvdevKeyboard::KeyQuery query);
+
+    void add(const std::filesystem::path& node);
+
+    Sink m_sink;
+    EvdevKeyboard::KeyQuery m_query;
+    std::map<std::filesystem::path, std::unique_ptr<EvdevKeyboard>> m_keyboards;
+    bool m_reading = false;
+    /// Last, so that nothing is told to a reader that is half gone.
+    std::unique_ptr<KeyboardNodes> m_nodes;
+};
+
+} // namespace quorvane

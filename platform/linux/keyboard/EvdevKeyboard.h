@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QSocketNotifier>
+#include <array>
+#include <bitset>
+#include <cstddef>
+#include <filesystem>
+#include <linux/input.h>
+#include <memory>
+#include <optional>
+
+#include "platform/linux/keyboard/KeyEventReader.h"
+
+namespace quorvane {
+
+/// One keyboard's event node. Which keys are down is kept as long as it is open, to tell what a gap
+/// in the kernel's events has hidden, and nowhere else. Main thread only.
+class EvdevKeyboard {
+public:
+    using Keys = std::bitset<KEY_CNT>;
+    /// The keys that are down by the word of the device that is open as `descriptor`.
+    using KeyQuery = std::optional<Keys> (*)(int descriptor);
+
+    /// Null if the node cannot be read.
+    [[nodiscard]] static std::unique_ptr<EvdevKeyboard> open(const std::filesystem::path& node,
+                                                             KeyEventReader::Sink sink,
+                                                             KeyQuery query = &keysThatAreDown);
+
+    EvdevKeyboard(const EvdevKeyboard&) = delete;
+    EvdevKeyboard& operator=(const EvdevKeyboard&) = delete;
+    ~EvdevKeyboard();
+
+    /// False from when the device has turned out to be gone.
+    [[nodiscard]] bool isOpen() const { return m_descriptor >= 0; }
+
+    /// As KeyEventReader::setReading.
+    void setReading(bool reading);
+
+    /// What the kernel answers.
+    [[nodiscard]] static std::optional<Keys> keysThatAreDown(int descriptor);
+
+private:
+    EvdevKeyboard(int descriptor, KeyEventReader::Sink sink, KeyQuery query);
+
+    void readEvents();
+    bool readSome();
+    void close();
+    void handle(const input_event& event);
+    void handleReport(const input_event& event);
+    void handleKey(std::size_t key, int value);
+    void catchUp();
+    void deliver(const TapEvent& event) const;
+
+    int m_descriptor;
+    KeyEventReader::Sink m_sink;
+    KeyQuery m_query;
+    QSocketNotifier m_readable;
+    Keys m_down;
+    std::array<input_event, 64> m_events{};
+    /// Bytes of an event whose rest has not come yet, at the start of `m_events`.
+    std::size_t m_partial = 0;
+    bool m_lostEvents = false;
+    bool m_delivers = false;
+};
+
+} // namespace quorvane

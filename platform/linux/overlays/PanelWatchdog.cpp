@@ -1,0 +1,47 @@
+#include "platform/linux/overlays/PanelWatchdog.h"
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdio>
+#include <mutex>
+
+namespace quorvane {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+constexpr milliseconds patience{2000};
+// A machine or a process that was halted finds both threads late when it goes on. The main thread
+// then gets this long to remove the panel itself.
+constexpr milliseconds grace{500};
+
+/// Whether the time came before anybody asked to stop waiting for it.
+bool sleepUntil(Clock::time_point time, const std::stop_token& stop) {
+    std::mutex mutex;
+    std::condition_variable_any wake;
+    std::unique_lock lock(mutex);
+    wake.wait_until(lock, stop, time, [] { return false; });
+    return !stop.stop_requested();
+}
+
+void watch(const std::stop_token& stop, int socket, Clock::time_point due) {
+    if (!sleepUntil(due + patience - grace, stop) || !sleepUntil(Clock::now() + grace, stop))
+        return;
+    // The one call of the connection that is safe beside the main thread: it may be within xcb.
+    shutdown(socket, SHUT_RDWR);
+    dprintf(STDERR_FILENO, "quorvane: the main thread hangs: removed a panel that was overdue\n");
+}
+
+} // namespace
+
+PanelWatchdog::PanelWatchdog(int socket, double timeLimit)
+    : m_thread(watch, socket,
+               Clock::now() + std::chrono::duration_cast<Clock::duration>(
+                                  std::chrono::duration<double>(timeLimit))) {}
+
+} // namespace quorvane

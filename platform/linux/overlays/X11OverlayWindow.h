@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QRect>
+
+#include "platform/Canvas.h"
+#include "platform/linux/common/X11Connection.h"
+#include "platform/linux/overlays/X11SharedImage.h"
+
+namespace quorvane {
+
+/// A window that the window manager leaves alone: on every workspace, never given the keyboard and
+/// never sent a ping. It is up for as long as it lives.
+class X11OverlayWindow {
+public:
+    struct Look {
+        QRect pixels;
+        /// 32: what is beneath shows through; 24: opaque.
+        int depth = 24;
+        /// What it shows until it has been drawn.
+        Color background;
+        bool takesClicks = true;
+        xcb_cursor_t cursor = XCB_CURSOR_NONE;
+    };
+
+    X11OverlayWindow(X11Connection& connection, const Look& look);
+    X11OverlayWindow(const X11OverlayWindow&) = delete;
+    X11OverlayWindow& operator=(const X11OverlayWindow&) = delete;
+    ~X11OverlayWindow();
+
+    [[nodiscard]] xcb_window_t id() const { return m_window; }
+
+    void raise() const;
+    void placeBelow(xcb_window_t sibling) const;
+    void show(const X11SharedImage& image, const QRect& part) const;
+
+private:
+    void create(const Look& look);
+    void describe() const;
+    void letClicksThrough() const;
+
+    X11Connection& m_connection;
+    int m_depth;
+    xcb_window_t m_window;
+    xcb_colormap_t m_colormap;
+    xcb_gcontext_t m_context;
+};
+
+} // namespace quorvane

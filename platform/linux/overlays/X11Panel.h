@@ -1,0 +1,63 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "platform/Screens.h"
+#include "platform/linux/overlays/PanelWatchdog.h"
+#include "platform/linux/overlays/X11Monitors.h"
+#include "platform/linux/overlays/X11Overlay.h"
+
+namespace quorvane {
+
+class X11Overlays;
+
+/// A panel's settings, and what is up of it. Its window exists only while it is shown.
+class X11Panel final : public OverlayPanel, public std::enable_shared_from_this<X11Panel> {
+public:
+    /// `overlays` may be gone, or have never been: the panel then shows nowhere.
+    X11Panel(std::weak_ptr<X11Overlays> overlays, const Rect& frame);
+
+    void setLevel(int level) override;
+    void setOpaque(bool opaque) override;
+    void setBackgroundColor(const Color& color) override;
+    /// Windows like these are on every workspace and over full-screen windows in any case.
+    void setCollectionBehavior(unsigned behavior) override;
+    void setIgnoresMouseEvents(bool ignores) override;
+    void setContentView(std::shared_ptr<const OverlayView> view) override;
+    void setTimeLimit(double seconds) override;
+    void setFrame(const Rect& frame, bool display) override;
+    void orderFrontRegardless() override;
+    void orderOut() override;
+
+    [[nodiscard]] int level() const { return m_level; }
+
+    /// Null while it is not shown.
+    [[nodiscard]] const X11OverlayWindow* window() const;
+    void expose(const QRect& part) const;
+    /// Stays on its screen wherever that is now; on the main one if its own is gone; if there is
+    /// none at all, it goes.
+    void follow(const std::vector<X11Monitor>& monitors, const std::optional<X11Monitor>& main);
+
+private:
+    void place(const Rect& frame, const std::vector<X11Monitor>& monitors);
+    void showAnew();
+    [[nodiscard]] std::unique_ptr<X11Overlay> makeOverlay(X11Overlays& overlays) const;
+
+    std::weak_ptr<X11Overlays> m_overlays;
+    std::shared_ptr<const OverlayView> m_view;
+    Rect m_frame;
+    // Where the frame is, once it has been looked up.
+    X11Monitor m_monitor;
+    int m_level = 0;
+    bool m_opaque = true;
+    Color m_background;
+    bool m_ignoresMouse = false;
+    double m_timeLimit = 0;
+    std::unique_ptr<X11Overlay> m_overlay;
+    // From before the window comes until after it has gone.
+    std::optional<PanelWatchdog> m_watchdog;
+};
+
+} // namespace quorvane

@@ -1,0 +1,223 @@
+#include "platform/linux/power/SleepSignals.h"
+
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
+#include <utility>
+
+namespace quorvane {
+
+namespace {
+
+const QString busService = QStringLiteral("org.freedesktop.DBus");
+const QString busPath = QStringLiteral("/org/freedesktop/DBus");
+const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
+const QString upower = QStringLiteral("org.freedesktop.UPower");
+const QString upowerPath = QStringLiteral("/org/freedesktop/UPower");
+const QString logind = QStringLiteral("org.freedesktop.login1");
+const QString logindPath = QStringLiteral("/org/freedesktop/login1");
+const QString logindManager = QStringLiteral("org.freedesktop.login1.Manager");
+const QString lidIsPresent = QStringLiteral("LidIsPresent");
+const QString lidIsClosed = QStringLiteral("LidIsClosed");
+
+// Milliseconds; a bus that is well takes one or two.
+constexpr unsigned long longestWait = 500;
+
+QString newConnectionName() {
+    static int count = 0;
+    return QStringLiteral("quorvane-workspace-%1").arg(++count);
+}
+
+void openConnection(const QString& address, const QString& name) {
+    if (address.isEmpty())
+        QDBusConnection::connectToBus(QDBusConnection::SystemBus, name);
+    else
+        QDBusConnection::connectToBus(address, name);
+}
+
+} // namespace
+
+SleepSignals::SleepSignals(QString address, Reports reports)
+    : m_address(std::move(address)), m_reports(std::move(reports)) {}
+
+SleepSignals::~SleepSignals() {
+    endSession();
+    // One that is still connecting while the process ends would find the library already gone. A
+    // bus that never answers keeps its thread asleep, which then ends with the process.
+    for (const Connecting& connecting : m_connecting) {
+        if (!connecting.thread || !connecting.thread->wait(longestWait))
+            continue;
+        delete connecting.thread.data();
+        QDBusConnection::disconnectFromBus(connecting.name);
+    }
+}
+
+void SleepSignals::start() {
+    if (m_connectionName.isEmpty())
+        connectInBackground();
+}
+
+void SleepSignals::listenToLid() {
+    if (!std::exchange(m_listensToLid, true) && m_session)
+        subscribeToLid();
+}
+
+void SleepSignals::stop() {
+    auto session = endSession();
+    // Then it is one of the session's own signals that led here.
+    if (session && m_isReporting)
+        session.release()->deleteLater();
+}
+
+std::unique_ptr<QObject> SleepSignals::endSession() {
+    const QString name = std::exchange(m_connectionName, {});
+    m_upowerOwner.clear();
+    m_logindOwner.clear();
+    m_listensToLid = false;
+    m_lidIsPresent = true;
+    m_state = {};
+    // While the connection is still being made there is no session, and its maker closes it.
+    auto session = std::exchange(m_session, nullptr);
+    if (session) {
+        for (QObject* child : session->children())
+            child->disconnect(this);
+        QDBusConnection::disconnectFromBus(name);
+    }
+    return session;
+}
+
+/// A bus that takes the connection but does not answer would hold up its caller for long.
+void SleepSignals::connectInBackground() {
+    m_connectionName = newConnectionName();
+    QThread* thread = QThread::create(
+        [address = m_address, name = m_connectionName] { openConnection(address, name); });
+    // The thread object lives here, on the main thread, so this is where its end is told.
+    connect(thread, &QThread::finished, thread,
+            [thread, self = QPointer(this), name = m_connectionName] {
+                thread->deleteLater();
+                if (self)
+                    std::erase_if(self->m_connecting, [thread](const Connecting& connecting) {
+                        return connecting.thread == thread;
+                    });
+                if (self && self->m_connectionName == name)
+                    self->subscribe();
+                else
+                    QDBusConnection::disconnectFromBus(name);
+            });
+    m_connecting.push_back({.thread = thread, .name = m_connectionName});
+    thread->start();
+}
+
+void SleepSignals::subscribe() {
+    QDBusConnection bus(m_connectionName);
+    m_session = std::make_unique<QObject>();
+    // No sender is named: the library would ask the bus for its owner, and wait for the answer.
+    bus.connect({}, logindPath, logindManager, QStringLiteral("PrepareForSleep"), this,
+                SLOT(prepareForSleep(QDBusMessage)));
+    watch(logind);
+    if (m_listensToLid)
+        subscribeToLid();
+}
+
+void SleepSignals::subscribeToLid() {
+    // No sender, as above.
+    QDBusConnection(m_connectionName)
+        .connect({}, upowerPath, propertiesInterface, QStringLiteral("PropertiesChanged"), {upower},
+                 {}, this, SLOT(propertiesChanged(QDBusMessage)));
+    watch(upower);
+}
+
+void SleepSignals::watch(const QString& service) {
+    const QDBusConnection bus(m_connectionName);
+    if (!bus.isConnected())
+        return;
+    auto* watcher = new QDBusServiceWatcher(service, bus, QDBusServiceWatcher::WatchForOwnerChange,
+                                            m_session.get());
+    connect(watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString& name, const QString&, const QString& owner) {
+                setOwner(name, owner);
+            });
+    askForOwner(service);
+}
+
+void SleepSignals::askForOwner(const QString& service) {
+    auto message = QDBusMessage::createMethodCall(busService, busPath, busService,
+                                                  QStringLiteral("GetNameOwner"));
+    message << service;
+    const auto call = QDBusConnection(m_connectionName).asyncCall(message);
+    auto* pending = new QDBusPendingCallWatcher(call, m_session.get());
+    connect(pending, &QDBusPendingCallWatcher::finished, this, [this, service, pending] {
+        const QDBusPendingReply<QString> owner = *pending;
+        pending->deleteLater();
+        if (owner.isValid())
+            setOwner(service, owner.value());
+        else if (service == upower)
+            // It may be one that the bus starts when it is called.
+            readLid();
+    });
+}
+
+void SleepSignals::setOwner(const QString& service, const QString& owner) {
+    QString& known = service == upower ? m_upowerOwner : m_logindOwner;
+    if (std::exchange(known, owner) == owner)
+        return;
+    if (service == upower && !owner.isEmpty())
+        readLid();
+    // Without the service that announced the sleep nobody would tell that it is over.
+    if (service == logind)
+        report(m_state.setPreparingForSleep(false));
+}
+
+void SleepSignals::readLid() {
+    auto message = QDBusMessage::createMethodCall(upower, upowerPath, propertiesInterface,
+                                                  QStringLiteral("GetAll"));
+    message << upower;
+    const auto call = QDBusConnection(m_connectionName).asyncCall(message);
+    auto* pending = new QDBusPendingCallWatcher(call, m_session.get());
+    connect(pending, &QDBusPendingCallWatcher::finished, this, [this, pending] {
+        const QDBusPendingReply<QVariantMap> properties = *pending;
+        pending->deleteLater();
+        if (properties.isValid())
+            takeLid(properties.value());
+    });
+}
+
+void SleepSignals::propertiesChanged(const QDBusMessage& message) {
+    if (message.service() != m_upowerOwner || message.signature() != QLatin1String("sa{sv}as"))
+        return;
+    const QList<QVariant> arguments = message.arguments();
+    takeLid(qdbus_cast<QVariantMap>(arguments.at(1)));
+    if (arguments.at(2).toStringList().contains(lidIsClosed))
+        readLid();
+}
+
+void SleepSignals::prepareForSleep(const QDBusMessage& message) {
+    if (message.service() != m_logindOwner || message.signature() != QLatin1String("b"))
+        return;
+    const bool preparing = message.arguments().at(0).toBool();
+    if (!preparing)
+        tell([this] { m_reports.didWake(); });
+    // Ended from inside that report, the state is a fresh one, which this does not change.
+    report(m_state.setPreparingForSleep(preparing));
+}
+
+/// A lid that is not there is neither open nor closed, whatever is said of it.
+void SleepSignals::takeLid(const QVariantMap& properties) {
+    m_lidIsPresent = properties.value(lidIsPresent, m_lidIsPresent).toBool();
+    const auto closed = properties.find(lidIsClosed);
+    if (m_lidIsPresent && closed != properties.end())
+        report(m_state.setLidClosed(closed->toBool()));
+}
+
+void SleepSignals::report(ScreenSleepState::Change change) {
+    if (change)
+        tell([this, asleep = *change] { m_reports.screens(asleep); });
+}
+
+void SleepSignals::tell(const std::function<void()>& news) {
+    m_isReporting = true;
+    news();
+    m_isReporting = false;
+}
+
+} // namespace quorvane

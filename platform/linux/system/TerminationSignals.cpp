@@ -1,0 +1,57 @@
+#include "platform/linux/system/TerminationSignals.h"
+
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+
+#include <QSocketNotifier>
+
+namespace quorvane {
+
+namespace {
+
+sigset_t terminationSignals() {
+    sigset_t wanted;
+    sigemptyset(&wanted);
+    sigaddset(&wanted, SIGINT);
+    sigaddset(&wanted, SIGTERM);
+    return wanted;
+}
+
+} // namespace
+
+TerminationSignals::TerminationSignals() {
+    const sigset_t wanted = terminationSignals();
+    // They stay blocked to the end: one that comes while the program is leaving changes nothing.
+    pthread_sigmask(SIG_BLOCK, &wanted, nullptr);
+    m_descriptor = signalfd(-1, &wanted, SFD_CLOEXEC | SFD_NONBLOCK);
+    if (m_descriptor >= 0)
+        return;
+    std::perror("quorvane: fatal: signalfd");
+    std::exit(EXIT_FAILURE); // NOLINT(concurrency-mt-unsafe): no other thread exists yet.
+}
+
+TerminationSignals::~TerminationSignals() {
+    m_notifier.reset();
+    close(m_descriptor);
+}
+
+void TerminationSignals::ignore() {
+    m_notifier.reset();
+}
+
+void TerminationSignals::listen(std::function<void()> handler) {
+    m_notifier = std::make_unique<QSocketNotifier>(m_descriptor, QSocketNotifier::Read);
+    QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(),
+                     [this, heard = std::move(handler)] {
+                         signalfd_siginfo signal{};
+                         while (read(m_descriptor, &signal, sizeof signal) == sizeof signal)
+                             heard();
+                     });
+}
+
+} // namespace quorvane
