@@ -13,7 +13,7 @@
 #include "app/CommandLine.h"
 #include "app/OrrowinApp.h"
 #include "app/screens/MainWindow.h"
-#include "app/screens/PressControl.h"
+#include "app/screens/bridge/PressControl.h"
 #include "platform/simulated/LiveMachine.h"
 #ifdef QUORVANE_MACOS
 #include "platform/macos/MacHost.h"

@@ -6,7 +6,7 @@
 
 #include <future>
 
-#include "app/screens/ContentViewModel.h"
+#include "app/screens/bridge/ContentViewModel.h"
 
 namespace quorvane {
 

@@ -9,8 +9,8 @@
 
 #include <algorithm>
 
-#include "app/screens/SpringValue.h"
-#include "app/screens/Text.h"
+#include "app/screens/bridge/SpringValue.h"
+#include "app/screens/bridge/Text.h"
 #include "base/UniformDraw.h"
 
 namespace quorvane {

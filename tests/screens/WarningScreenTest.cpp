@@ -1,6 +1,6 @@
 #include "tests/screens/ScreensFixture.h"
 
-#include "app/screens/PressControl.h"
+#include "app/screens/bridge/PressControl.h"
 
 namespace quorvane {
 namespace {

@@ -1,4 +1,4 @@
-#include "app/screens/Blur.h"
+#include "app/screens/scene/Blur.h"
 
 #include <algorithm>
 #include <cmath>

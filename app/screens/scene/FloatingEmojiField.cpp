@@ -1,10 +1,10 @@
-#include "app/screens/FloatingEmojiField.h"
+#include "app/screens/scene/FloatingEmojiField.h"
 
 #include <QQuickWindow>
 
 #include <utility>
 
-#include "app/screens/FloatingEmojiNode.h"
+#include "app/screens/scene/FloatingEmojiNode.h"
 
 namespace quorvane {
 

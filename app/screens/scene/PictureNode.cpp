@@ -1,4 +1,4 @@
-#include "app/screens/PictureNode.h"
+#include "app/screens/scene/PictureNode.h"
 
 #include <QQuickWindow>
 
@@ -6,8 +6,8 @@
 #include <cmath>
 #include <utility>
 
-#include "app/screens/Blur.h"
-#include "app/screens/OpaqueBounds.h"
+#include "app/screens/scene/Blur.h"
+#include "app/screens/scene/OpaqueBounds.h"
 
 namespace quorvane {
 

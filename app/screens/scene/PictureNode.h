@@ -9,7 +9,7 @@
 #include <array>
 #include <memory>
 
-#include "app/screens/SceneValue.h"
+#include "app/screens/scene/SceneValue.h"
 
 class QQuickWindow;
 

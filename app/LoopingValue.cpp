@@ -1,4 +1,4 @@
-#include "app/screens/LoopingValue.h"
+#include "app/LoopingValue.h"
 
 #include <utility>
 

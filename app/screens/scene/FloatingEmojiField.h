@@ -7,8 +7,8 @@
 #include <memory>
 #include <vector>
 
-#include "app/screens/ContentViewModel.h"
-#include "app/screens/SceneValue.h"
+#include "app/screens/bridge/ContentViewModel.h"
+#include "app/screens/scene/SceneValue.h"
 
 namespace quorvane {
 

@@ -1,4 +1,4 @@
-#include "app/screens/FloatingEmojiNode.h"
+#include "app/screens/scene/FloatingEmojiNode.h"
 
 #include <QGuiApplication>
 #include <QPainter>
@@ -8,7 +8,7 @@
 #include <cmath>
 #include <utility>
 
-#include "app/screens/OpaqueBounds.h"
+#include "app/screens/scene/OpaqueBounds.h"
 
 namespace quorvane {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/screens/PictureItem.h"
+#include "app/screens/scene/PictureItem.h"
 
 namespace quorvane {
 

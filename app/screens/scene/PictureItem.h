@@ -7,7 +7,7 @@
 
 #include <memory>
 
-#include "app/screens/SceneValue.h"
+#include "app/screens/scene/SceneValue.h"
 
 class QPainter;
 

@@ -1,4 +1,4 @@
-#include "app/screens/SpringValue.h"
+#include "app/screens/bridge/SpringValue.h"
 
 namespace quorvane {
 

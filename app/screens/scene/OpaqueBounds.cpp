@@ -1,4 +1,4 @@
-#include "app/screens/OpaqueBounds.h"
+#include "app/screens/scene/OpaqueBounds.h"
 
 #include <algorithm>
 

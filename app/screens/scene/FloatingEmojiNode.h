@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "app/FloatingEmoji.h"
-#include "app/screens/SceneValue.h"
+#include "app/screens/scene/SceneValue.h"
 
 class QQuickWindow;
 

@@ -1,4 +1,4 @@
-#include "app/screens/SmoothRectangle.h"
+#include "app/screens/scene/SmoothRectangle.h"
 
 #include <QPainter>
 #include <QPolygonF>

@@ -1,4 +1,4 @@
-#include "app/screens/PictureItem.h"
+#include "app/screens/scene/PictureItem.h"
 
 #include <QPainter>
 #include <QQuickWindow>
@@ -6,7 +6,7 @@
 #include <cmath>
 #include <utility>
 
-#include "app/screens/PictureNode.h"
+#include "app/screens/scene/PictureNode.h"
 
 namespace quorvane {
 

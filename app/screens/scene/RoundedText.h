@@ -3,7 +3,7 @@
 #include <QFont>
 #include <QTextLayout>
 
-#include "app/screens/PictureItem.h"
+#include "app/screens/scene/PictureItem.h"
 
 namespace quorvane {
 

@@ -1,10 +1,10 @@
-#include "app/screens/PressControl.h"
+#include "app/screens/bridge/PressControl.h"
 
 #include <QAccessible>
 #include <QQuickItem>
 #include <QWindow>
 
-#include "app/screens/Text.h"
+#include "app/screens/bridge/Text.h"
 
 namespace quorvane {
 

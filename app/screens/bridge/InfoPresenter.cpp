@@ -1,8 +1,8 @@
-#include "app/screens/InfoPresenter.h"
+#include "app/screens/bridge/InfoPresenter.h"
 
 #include <utility>
 
-#include "app/screens/Text.h"
+#include "app/screens/bridge/Text.h"
 
 namespace quorvane {
 

@@ -1,4 +1,4 @@
-#include "app/screens/ContentViewModel.h"
+#include "app/screens/bridge/ContentViewModel.h"
 
 #include <utility>
 

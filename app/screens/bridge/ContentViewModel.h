@@ -5,11 +5,11 @@
 #include <QtQmlIntegration/qqmlintegration.h>
 
 #include "app/ContentView.h"
-#include "app/screens/AnimatedNumber.h"
-#include "app/screens/InfoPresenter.h"
-#include "app/screens/LoopingValue.h"
-#include "app/screens/RowModels.h"
-#include "app/screens/Text.h"
+#include "app/LoopingValue.h"
+#include "app/screens/bridge/AnimatedNumber.h"
+#include "app/screens/bridge/InfoPresenter.h"
+#include "app/screens/bridge/RowModels.h"
+#include "app/screens/bridge/Text.h"
 #include "platform/Desktop.h"
 #include "platform/Platform.h"
 

@@ -4,7 +4,7 @@
 #include <QObject>
 #include <QtQmlIntegration/qqmlintegration.h>
 
-#include "app/screens/AnimatedNumber.h"
+#include "app/screens/bridge/AnimatedNumber.h"
 #include "base/Spring.h"
 
 namespace quorvane {

@@ -1,6 +1,6 @@
-#include "app/screens/RowModels.h"
+#include "app/screens/bridge/RowModels.h"
 
-#include "app/screens/Text.h"
+#include "app/screens/bridge/Text.h"
 
 namespace quorvane {
 

@@ -4,7 +4,7 @@
 
 #include <future>
 
-#include "app/screens/PictureItem.h"
+#include "app/screens/scene/PictureItem.h"
 
 namespace quorvane {
 

@@ -1,4 +1,4 @@
-#include "app/screens/ShadowedImage.h"
+#include "app/screens/scene/ShadowedImage.h"
 
 #include <QGuiApplication>
 #include <QImageReader>

@@ -1,4 +1,4 @@
-#include "app/screens/RoundedText.h"
+#include "app/screens/scene/RoundedText.h"
 
 #include <QGlyphRun>
 #include <QLinearGradient>
