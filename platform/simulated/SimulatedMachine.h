@@ -2,13 +2,13 @@
 
 #include "platform/InProcessNotificationCenter.h"
 #include "platform/Platform.h"
-#include "platform/simulated/SimulatedAudio.h"
 #include "platform/simulated/SimulatedEventTaps.h"
 #include "platform/simulated/SimulatedHID.h"
 #include "platform/simulated/SimulatedHaptics.h"
 #include "platform/simulated/SimulatedRunLoop.h"
 #include "platform/simulated/SimulatedScreens.h"
 #include "platform/simulated/SimulatedSystem.h"
+#include "platform/simulated/audio/SimulatedAudio.h"
 
 namespace quorvane {
 

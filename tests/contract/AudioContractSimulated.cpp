@@ -2,8 +2,8 @@
 
 #include <vector>
 
-#include "platform/simulated/SimulatedAudio.h"
 #include "platform/simulated/SimulatedRunLoop.h"
+#include "platform/simulated/audio/SimulatedAudio.h"
 #include "tests/contract/SoundFiles.h"
 
 namespace quorvane {

@@ -1,4 +1,4 @@
-#include "platform/simulated/SimulatedSound.h"
+#include "platform/simulated/audio/SimulatedSound.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "platform/simulated/SimulatedAudioFilePlayer.h"
+#include "platform/simulated/audio/SimulatedAudioFilePlayer.h"
 
 #include <algorithm>
 #include <cmath>

@@ -9,9 +9,9 @@
 
 #include "platform/Audio.h"
 #include "platform/RunLoop.h"
-#include "platform/simulated/SimulatedAudioFilePlayer.h"
-#include "platform/simulated/SimulatedAudioMachine.h"
-#include "platform/simulated/SimulatedAudioVoice.h"
+#include "platform/simulated/audio/SimulatedAudioFilePlayer.h"
+#include "platform/simulated/audio/SimulatedAudioMachine.h"
+#include "platform/simulated/audio/SimulatedAudioVoice.h"
 
 namespace quorvane {
 

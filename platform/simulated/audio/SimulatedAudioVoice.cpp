@@ -1,4 +1,4 @@
-#include "platform/simulated/SimulatedAudioVoice.h"
+#include "platform/simulated/audio/SimulatedAudioVoice.h"
 
 #include <algorithm>
 #include <cmath>

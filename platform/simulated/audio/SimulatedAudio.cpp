@@ -1,4 +1,4 @@
-#include "platform/simulated/SimulatedAudio.h"
+#include "platform/simulated/audio/SimulatedAudio.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "platform/PCMBuffers.h"
-#include "platform/simulated/SimulatedAudioEngine.h"
+#include "platform/simulated/audio/SimulatedAudioEngine.h"
 
 namespace quorvane {
 

@@ -1,4 +1,4 @@
-#include "platform/simulated/SimulatedAudioEngine.h"
+#include "platform/simulated/audio/SimulatedAudioEngine.h"
 
 #include <utility>
 

@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "platform/Audio.h"
-#include "platform/simulated/SimulatedAudioMachine.h"
-#include "platform/simulated/SimulatedAudioVoice.h"
+#include "platform/simulated/audio/SimulatedAudioMachine.h"
+#include "platform/simulated/audio/SimulatedAudioVoice.h"
 
 namespace quorvane {
 

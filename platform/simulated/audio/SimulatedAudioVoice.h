@@ -9,7 +9,7 @@
 
 #include "platform/Audio.h"
 #include "platform/RunLoop.h"
-#include "platform/simulated/SimulatedSound.h"
+#include "platform/simulated/audio/SimulatedSound.h"
 
 namespace quorvane {
 

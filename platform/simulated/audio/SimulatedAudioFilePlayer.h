@@ -9,8 +9,8 @@
 
 #include "platform/Audio.h"
 #include "platform/RunLoop.h"
-#include "platform/simulated/SimulatedAudioMachine.h"
-#include "platform/simulated/SimulatedSound.h"
+#include "platform/simulated/audio/SimulatedAudioMachine.h"
+#include "platform/simulated/audio/SimulatedSound.h"
 
 namespace quorvane {
 
