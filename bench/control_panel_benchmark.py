@@ -20,8 +20,8 @@ import rows
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "tools"))
 
-from desktop.session import Session  # noqa: E402 (found through the line above)
-from desktop.waiting import wait_until  # noqa: E402
+from virtual_desktop.session import Session  # noqa: E402 (found through the line above)
+from virtual_desktop.waiting import wait_until  # noqa: E402
 
 MEASURED_FOR = 10.0
 SETTLES_IN = 2.0

@@ -20,8 +20,8 @@ import wave
 import rows
 from stop_screen_benchmark import processor_time
 
-from desktop import processes
-from desktop.session import Session
+from virtual_desktop import processes
+from virtual_desktop.session import Session
 
 REPOSITORY = pathlib.Path(__file__).resolve().parents[1]
 FAN = REPOSITORY / "resources" / "fanmac.mp3"

@@ -25,10 +25,10 @@ import rows
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "tools"))
 
-from desktop import processes  # noqa: E402 (found through the line above)
-from desktop.session import Session  # noqa: E402
-from desktop.typist import Typist  # noqa: E402
-from desktop.waiting import wait_until  # noqa: E402
+from virtual_desktop import processes  # noqa: E402 (found through the line above)
+from virtual_desktop.session import Session  # noqa: E402
+from virtual_desktop.typist import Typist  # noqa: E402
+from virtual_desktop.waiting import wait_until  # noqa: E402
 
 OTHER = "/usr/games/buckle"
 SWITCH = "Keyboard"

@@ -17,8 +17,8 @@ import time
 import rows
 from stop_screen_benchmark import memory, print_figures, processor_time
 
-from desktop import processes
-from desktop.sound import SoundServer
+from virtual_desktop import processes
+from virtual_desktop.sound import SoundServer
 
 SOUND = pathlib.Path(__file__).resolve().parents[1] / "resources/fanmac.mp3"
 SETTLES = 1.0

@@ -19,10 +19,10 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "tools"))
 
 import rows
 
-from desktop import processes  # noqa: E402 (found through the line above)
-from desktop.eye import Eye  # noqa: E402
-from desktop.session import Session  # noqa: E402
-from desktop.waiting import wait_until  # noqa: E402
+from virtual_desktop import processes  # noqa: E402 (found through the line above)
+from virtual_desktop.eye import Eye  # noqa: E402
+from virtual_desktop.session import Session  # noqa: E402
+from virtual_desktop.waiting import wait_until  # noqa: E402
 
 PROGRAM_BLUE = (0, 120, 212)
 OTHER = "/usr/libexec/xscreensaver/bsod"

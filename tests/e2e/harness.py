@@ -21,9 +21,9 @@ CREAK = REPOSITORY / "resources" / "creaking.mp3"
 
 sys.path.insert(0, str(REPOSITORY / "tools"))
 
-from desktop.buses import Services  # noqa: E402 (found through the line above)
-from desktop.session import Session  # noqa: E402
-from desktop.waiting import wait_until  # noqa: E402
+from virtual_desktop.buses import Services  # noqa: E402 (found through the line above)
+from virtual_desktop.session import Session  # noqa: E402
+from virtual_desktop.waiting import wait_until  # noqa: E402
 
 CHECK = "CHECK HARDWARE 🔍"
 CONTINUE = "CONTINUE"

@@ -11,8 +11,8 @@ import unittest
 import numpy
 
 from harness import ENTER, REPOSITORY, EndToEndTest
-from desktop import pictures
-from desktop.recording import Recording
+from virtual_desktop import pictures
+from virtual_desktop.recording import Recording
 
 RATE = 8000
 

@@ -9,7 +9,7 @@ import time
 import unittest
 
 from harness import ENTER, OWN_WORDS, EndToEndTest
-from desktop import processes
+from virtual_desktop import processes
 
 WINDOW = "Quorvane"
 # The toolkit says each frame on standard error.

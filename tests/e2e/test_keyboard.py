@@ -14,8 +14,8 @@ import dbus.lowlevel
 import numpy
 
 from harness import REPOSITORY, EndToEndTest
-from desktop import processes
-from desktop.typist import Typist
+from virtual_desktop import processes
+from virtual_desktop.typist import Typist
 
 SWITCH = "Keyboard"
 LOADED = "✅ [KEYBOARD] keyboard.mp3 loaded"
@@ -70,7 +70,7 @@ class KeyboardTest(EndToEndTest):
 
     def _open_window(self):
         process = processes.start(
-            [sys.executable, str(REPOSITORY / "tools" / "desktop" / "window.py"), "336699"],
+            [sys.executable, str(REPOSITORY / "tools" / "virtual_desktop" / "window.py"), "336699"],
             self.environment, stdout=subprocess.PIPE)
         self.stack.callback(processes.end, process)
         self.window = processes.Lines(process.stdout)

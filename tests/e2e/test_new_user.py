@@ -3,7 +3,7 @@
 import unittest
 
 from harness import CHECK, CONTINUE, ENTER, LEAVE, EndToEndTest
-from desktop.accessibility import Announcements
+from virtual_desktop.accessibility import Announcements
 
 INFOS = {
     "Build quality": ("Build Quality", "Premium hinge quality simulation. Experience the authentic "

@@ -9,9 +9,9 @@ import unittest
 import numpy
 
 from harness import EVIDENCE, LEAVE, REPOSITORY, EndToEndTest
-from desktop import processes
-from desktop.eye import Eye
-from desktop.pictures import near, save
+from virtual_desktop import processes
+from virtual_desktop.eye import Eye
+from virtual_desktop.pictures import near, save
 
 STABILITY = "Stability"
 PERFORMANCE = "Performance"
@@ -56,7 +56,7 @@ class OverlayTest(EndToEndTest):
     def open_window(self, *place):
         """A focused window in the colour BENEATH: full screen, or at WIDTHxHEIGHT+X+Y."""
         process = processes.start(
-            [sys.executable, str(REPOSITORY / "tools" / "desktop" / "window.py"),
+            [sys.executable, str(REPOSITORY / "tools" / "virtual_desktop" / "window.py"),
              "%02x%02x%02x" % BENEATH, *place],
             self.environment, stdout=subprocess.PIPE)
         self.stack.callback(processes.end, process)

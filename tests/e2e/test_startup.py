@@ -12,7 +12,7 @@ import numpy
 
 import clips
 from harness import ENTER, REPOSITORY, EndToEndTest
-from desktop import processes
+from virtual_desktop import processes
 
 TRACTOR = REPOSITORY / "resources" / "tractor.mp3"
 SWITCH = "Startup"

@@ -4,8 +4,8 @@ import time
 import unittest
 
 from harness import EVIDENCE, EndToEndTest
-from desktop.pictures import near, save
-from desktop.wayland import WaylandDisplay
+from virtual_desktop.pictures import near, save
+from virtual_desktop.wayland import WaylandDisplay
 
 BLUE = (0, 120, 212)
 BENEATH = (200, 40, 120)

@@ -17,7 +17,7 @@ import numpy
 HERE = pathlib.Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE.parents[1] / "tools"))
 
-from desktop import pictures  # noqa: E402 (found through the line above)
+from virtual_desktop import pictures  # noqa: E402 (found through the line above)
 
 from empty_root import CannotBeMade, EmptyRoot  # noqa: E402
 

@@ -6,7 +6,7 @@ import re
 import shutil
 import subprocess
 
-from desktop.waiting import wait_until
+from virtual_desktop.waiting import wait_until
 
 from input_device import (ABS_X, ABS_Y, BTN_TOOL_FINGER, BTN_TOUCH, EV_ABS, EV_FF, EV_KEY,
                           FF_RUMBLE, KEYBOARD_KEYS, InputDevice)

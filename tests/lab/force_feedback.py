@@ -11,9 +11,9 @@ import subprocess
 import sys
 import time
 
-from desktop import processes
-from desktop.buses import Bus, Services
-from desktop.waiting import wait_until
+from virtual_desktop import processes
+from virtual_desktop.buses import Bus, Services
+from virtual_desktop.waiting import wait_until
 
 from stage import PATIENCE
 

@@ -15,7 +15,7 @@ import time
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(SOURCE / "tools"))
 
-from desktop import waiting  # noqa: E402 (found through the line above)
+from virtual_desktop import waiting  # noqa: E402 (found through the line above)
 
 import force_feedback  # noqa: E402
 import keyboard_rights  # noqa: E402

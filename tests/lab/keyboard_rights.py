@@ -11,8 +11,8 @@ import shutil
 import subprocess
 import time
 
-from desktop import processes
-from desktop.waiting import wait_until
+from virtual_desktop import processes
+from virtual_desktop.waiting import wait_until
 
 from keyboards import KEY_A, KEY_B, Keyboard, reads, settle
 from stage import PATIENCE

@@ -10,8 +10,8 @@ import struct
 import subprocess
 import time
 
-from desktop import processes
-from desktop.waiting import wait_until
+from virtual_desktop import processes
+from virtual_desktop.waiting import wait_until
 
 from input_device import EV_KEY, InputDevice
 from stage import PATIENCE

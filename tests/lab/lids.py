@@ -6,7 +6,7 @@ import subprocess
 import sys
 import time
 
-from desktop import processes
+from virtual_desktop import processes
 
 import device_rights
 from stage import PATIENCE

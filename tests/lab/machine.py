@@ -20,7 +20,7 @@ import time
 HERE = pathlib.Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE.parents[1] / "tools"))
 
-from desktop import processes  # noqa: E402 (found through the line above)
+from virtual_desktop import processes  # noqa: E402 (found through the line above)
 
 MODULES = [
     "hid-generic", "uhid", "uinput", "evdev", "snd-aloop", "virtio_pci", "virtio_rng",

@@ -8,11 +8,11 @@ import subprocess
 import tempfile
 import time
 
-from desktop import processes
-from desktop.buses import AccessibilityBus, Bus
-from desktop.display import Display
-from desktop.program import Program
-from desktop.recording import Recording
+from virtual_desktop import processes
+from virtual_desktop.buses import AccessibilityBus, Bus
+from virtual_desktop.display import Display
+from virtual_desktop.program import Program
+from virtual_desktop.recording import Recording
 
 from standstill import Watch
 
@@ -75,7 +75,7 @@ class Lab:
         self._played = home / "played"
         self.desktop = Desktop(home, stack)
         # Connects to the accessibility bus of this process's environment as it is loaded.
-        from desktop.accessibility import ScreenReader
+        from virtual_desktop.accessibility import ScreenReader
         self.reader = ScreenReader(self.desktop.accessibility.address)
         self.watch = Watch(self.desktop.env, home / "heartbeat.log", stack)
 

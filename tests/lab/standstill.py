@@ -13,7 +13,7 @@ import subprocess
 import sys
 import time
 
-from desktop import processes
+from virtual_desktop import processes
 
 HERE = pathlib.Path(__file__).resolve().parent
 
