@@ -6,8 +6,8 @@
 #include <thread>
 
 #include "platform/linux/audio/OpenALAudioService.h"
-#include "tests/contract/PulseServer.h"
-#include "tests/contract/SoundFiles.h"
+#include "tests/support/PulseServer.h"
+#include "tests/support/SoundFiles.h"
 
 namespace quorvane {
 

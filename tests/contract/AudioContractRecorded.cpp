@@ -5,7 +5,7 @@
 #include <optional>
 #include <variant>
 
-#include "tests/contract/Recording.h"
+#include "tests/support/Recording.h"
 
 namespace quorvane {
 namespace {

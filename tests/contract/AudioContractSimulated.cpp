@@ -4,7 +4,7 @@
 
 #include "platform/simulated/SimulatedRunLoop.h"
 #include "platform/simulated/audio/SimulatedAudio.h"
-#include "tests/contract/SoundFiles.h"
+#include "tests/support/SoundFiles.h"
 
 namespace quorvane {
 

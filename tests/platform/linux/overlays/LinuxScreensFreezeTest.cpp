@@ -1,0 +1,228 @@
+#include "tests/platform/linux/overlays/LinuxScreensFixture.h"
+
+#include <QFont>
+#include <QFontMetricsF>
+#include <QTimer>
+#include <algorithm>
+#include <array>
+
+#include <gmock/gmock.h>
+
+namespace quorvane {
+
+namespace {
+
+constexpr int spokes = 12;
+
+/// How much darker than white each spoke of the spinner is, from the top clockwise.
+std::array<int, spokes> spokesIn(const QImage& picture, QPointF center) {
+    std::array<int, spokes> darkness{};
+    for (std::size_t i = 0; i < spokes; ++i) {
+        const double angle = 2 * M_PI * static_cast<double>(i) / spokes;
+        darkness.at(i) =
+            255 - qRed(picture.pixel(static_cast<int>(center.x() + 33 * std::sin(angle)),
+                                     static_cast<int>(center.y() - 33 * std::cos(angle))));
+    }
+    return darkness;
+}
+
+/// The rectangle around all pixels that two pictures do not have in common.
+QRect differenceOf(const QImage& one, const QImage& other) {
+    QRect different;
+    for (int y = 0; y < one.height(); ++y)
+        for (int x = 0; x < one.width(); ++x)
+            if (one.pixel(x, y) != other.pixel(x, y))
+                different |= QRect(x, y, 1, 1);
+    return different;
+}
+
+int darkestOf(const std::array<int, spokes>& darkness) {
+    return static_cast<int>(std::max_element(darkness.begin(), darkness.end()) - darkness.begin());
+}
+
+} // namespace
+
+/// A freeze over a white window.
+class FreezeOverWhiteTest : public LinuxScreensTest {
+protected:
+    FreezeOverWhiteTest() {
+        m_desktop.openWindow(TestDesktop::whole, white, true);
+        EXPECT_TRUE(comesToShow(farFromText, white));
+        QFont font("Inter");
+        font.setPixelSize(22);
+        font.setWeight(QFont::Medium);
+        const QFontMetricsF metrics(font);
+        m_letters = metrics.tightBoundingRect("(Not Responding)");
+        const double top = (800 - (32 + 20 + 20 + metrics.height())) / 2;
+        m_center = {640, top + 16};
+        m_baseline = top + 32 + 20 + 20 + metrics.ascent();
+    }
+
+    /// Watches two turns; by how many steps the spinner is ahead of a timer of a twelfth of a
+    /// second.
+    int stepsTooManyInTwoTurns() {
+        const QImage start = m_desktop.look();
+        const int atStart = darkestOf(spokesIn(start, m_center));
+        QTimer twelfths;
+        int due = 0;
+        QObject::connect(&twelfths, &QTimer::timeout, [&due] { ++due; });
+        int steps = 0;
+        for (int before = atStart; steps < 2 * spokes;) {
+            if (!TestDesktop::waitFor(
+                    [&] { return darkestOf(spokesIn(m_desktop.look(), m_center)) != before; }))
+                return spokes;
+            const QImage now = m_desktop.look();
+            const int next = darkestOf(spokesIn(now, m_center));
+            const int step = (next - before + spokes) % spokes;
+            EXPECT_LE(step, spokes / 2) << "not clockwise";
+            // The first step is seen when it comes and begins the count.
+            if (twelfths.isActive())
+                steps += step;
+            else
+                twelfths.start(83);
+            before = next;
+            const QRect moved = differenceOf(now, start);
+            EXPECT_EQ(moved.isEmpty(), next == atStart);
+            const QRect around = QRectF(m_center.x() - 48, m_center.y() - 48, 96, 96).toRect();
+            EXPECT_EQ(moved & around, moved);
+        }
+        return steps - due;
+    }
+
+    // Of the letters, from the start of the baseline.
+    QRectF m_letters;
+    double m_baseline = 0;
+    QPointF m_center;
+};
+
+TEST_F(LinuxScreensTest, freezeWithoutACompositorShowsAStillUnderTheVeil) {
+    const xcb_window_t window = m_desktop.openWindow(TestDesktop::whole, red, true);
+    ASSERT_TRUE(comesToShow(farFromText, red));
+    const auto panel = showFreeze();
+    EXPECT_TRUE(isNear(m_desktop.look(farFromText), veiled(red)));
+    m_desktop.recolor(window, green);
+    TestDesktop::work(100);
+    EXPECT_TRUE(isNear(m_desktop.look(farFromText), veiled(red)));
+    panel->orderOut();
+    EXPECT_TRUE(comesToShow(farFromText, green));
+}
+
+TEST_F(LinuxScreensTest, freezeUnderACompositorShowsTheDesktopAsItGoesOn) {
+    const auto compositor = m_desktop.startCompositor();
+    const xcb_window_t window = m_desktop.openWindow(TestDesktop::whole, red, true);
+    ASSERT_TRUE(comesToShow(farFromText, red));
+    const auto panel = showFreeze();
+    EXPECT_TRUE(comesToShow(farFromText, veiled(red)));
+    m_desktop.recolor(window, green);
+    EXPECT_TRUE(comesToShow(farFromText, veiled(green)));
+}
+
+TEST_F(FreezeOverWhiteTest, textIsGreyAndBelowTheSpinner) {
+    const auto panel = showFreeze();
+    const QImage picture = m_desktop.look();
+    const QRect text = drawnIn(picture, {0, static_cast<int>(m_center.y()) + 50, 1280, 200}, white);
+    EXPECT_NEAR(text.left() + text.width() / 2.0, 640, 1.5);
+    EXPECT_NEAR(text.width(), m_letters.width(), 2);
+    EXPECT_NEAR(text.height(), m_letters.height(), 1.5);
+    EXPECT_NEAR(text.top(), m_baseline + m_letters.top(), 1.5);
+    // The grey at four fifths over white, where a letter covers a pixel as a whole.
+    QRgb darkest = white;
+    for (int y = text.top(); y <= text.bottom(); ++y)
+        for (int x = text.left(); x <= text.right(); ++x)
+            if (qGray(picture.pixel(x, y)) < qGray(darkest))
+                darkest = picture.pixel(x, y);
+    EXPECT_TRUE(isNear(darkest, qRgb(165, 165, 169)))
+        << qRed(darkest) << ' ' << qGreen(darkest) << ' ' << qBlue(darkest);
+}
+
+TEST_F(FreezeOverWhiteTest, spinnerIsThreeTimesItsSizeWithSpokesThatFadeBehindTheFirst) {
+    const auto panel = showFreeze();
+    const QImage picture = m_desktop.look();
+    const QRect drawn = drawnIn(picture, {0, 0, 1280, static_cast<int>(m_center.y()) + 50}, white);
+    EXPECT_NEAR(drawn.width(), 93, 2);
+    EXPECT_NEAR(drawn.height(), 93, 2);
+    EXPECT_NEAR(drawn.left() + drawn.width() / 2.0, m_center.x(), 1);
+    EXPECT_NEAR(drawn.top() + drawn.height() / 2.0, m_center.y(), 1);
+    const auto darkness = spokesIn(picture, m_center);
+    const int first = darkestOf(darkness);
+    const QRgb pixel =
+        picture.pixel(static_cast<int>(m_center.x() + 33 * std::sin(2 * M_PI * first / spokes)),
+                      static_cast<int>(m_center.y() - 33 * std::cos(2 * M_PI * first / spokes)));
+    EXPECT_TRUE(isNear(pixel, qRgb(142, 142, 147))) << qRed(pixel) << ' ' << qBlue(pixel);
+    int before = darkness.at(static_cast<std::size_t>(first)) + 1;
+    for (int behind = 0; behind < spokes; ++behind) {
+        const int here = darkness.at(static_cast<std::size_t>(first - behind + spokes) % spokes);
+        EXPECT_LT(here, before) << behind;
+        EXPECT_GE(here, 14) << behind << ": can hardly be seen";
+        // The two faintest are alike.
+        before = behind < spokes - 2 ? here : here + 1;
+    }
+}
+
+TEST_F(FreezeOverWhiteTest, spinnerTurnsClockwiseOnceASecondAndTheRestStandsStill) {
+    const auto panel = showFreeze();
+    // A busy machine may hold up the one timer more than the other: a wrong pace never fits.
+    int off = spokes;
+    for (int attempt = 0; attempt < 5 && off > 2; ++attempt)
+        off = std::abs(stepsTooManyInTwoTurns());
+    EXPECT_LE(off, 2);
+}
+
+/// A screen whose pixels are more than the server takes at a time, which is 4 MB here.
+class LargePoorServerTest : public PoorServerTest {
+protected:
+    LargePoorServerTest()
+        : PoorServerTest({"-screen", "0", "1920x1400x24", "-maxbigreqsize", "1"}) {}
+};
+
+TEST_F(LinuxScreensTest, freezeOnAnotherMonitorShowsWhatIsBeneathItThere) {
+    splitScreen();
+    m_desktop.openMenu({0, 0, 640, 800}, green);
+    m_desktop.openWindow({660, 100, 600, 650}, red);
+    ASSERT_TRUE(comesToShow(farFromText, red));
+    const auto panel = showFreeze();
+    EXPECT_THAT(m_desktop.panels(), testing::ElementsAre(QRect(640, 0, 640, 800)));
+    EXPECT_TRUE(comesToShow(farFromText, veiled(red)));
+    EXPECT_TRUE(isNear(m_desktop.look({639, 700}), green));
+}
+
+TEST_F(LinuxScreensTest, freezeUnderACompositorAsksItToGoOnBlending) {
+    const auto compositor = m_desktop.startCompositor();
+    const auto panel = showFreeze();
+    EXPECT_THAT(m_desktop.panelProperty("_NET_WM_BYPASS_COMPOSITOR"), testing::ElementsAre(2U));
+}
+
+TEST_F(PoorServerTest, freezeShowsAStillThatWasSent) {
+    m_desktop.openWindow(TestDesktop::whole, red, true);
+    ASSERT_TRUE(comesToShow(farFromText, red));
+    const auto panel = showFreeze();
+    EXPECT_TRUE(comesToShow(farFromText, veiled(red)));
+}
+
+TEST_F(LinuxScreensTest, freezeTakesTheClicksToo) {
+    m_desktop.openWindow({100, 100, 400, 300}, red);
+    const auto panel = showFreeze();
+    m_desktop.click({300, 250});
+    EXPECT_EQ(m_desktop.takeClicks(), 0);
+}
+
+TEST_F(LinuxScreensTest, freezeKeepsItsStillWhenTheScreenIsResized) {
+    m_desktop.openWindow(TestDesktop::whole, red, true);
+    ASSERT_TRUE(comesToShow(farFromText, red));
+    const auto panel = showFreeze();
+    useSmallMode();
+    EXPECT_TRUE(comesToCover({0, 0, 1024, 600}));
+    EXPECT_TRUE(comesToShow({900, 500}, veiled(red)));
+}
+
+TEST_F(LargePoorServerTest, stillOfALargeScreenIsSentInParts) {
+    m_desktop.openMenu({0, 0, 1920, 700}, red);
+    m_desktop.openMenu({0, 700, 1920, 700}, green);
+    const auto panel = showFreeze();
+    EXPECT_TRUE(comesToShow({1000, 1399}, veiled(green)));
+    const QImage picture = m_desktop.look();
+    for (int y = 0; y < 1400; ++y)
+        ASSERT_TRUE(isNear(picture.pixel(100, y), veiled(y < 700 ? red : green))) << y;
+}
+
+} // namespace quorvane

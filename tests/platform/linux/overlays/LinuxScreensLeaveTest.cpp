@@ -1,0 +1,179 @@
+// What removes a panel when the program cannot.
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <thread>
+
+#include <gmock/gmock.h>
+#include <xcb/xcb.h>
+
+#include "tests/platform/linux/overlays/LinuxScreensFixture.h"
+
+namespace quorvane {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::internal::CaptureStderr;
+using testing::internal::GetCapturedStderr;
+using Clock = std::chrono::steady_clock;
+
+constexpr double timeLimit = 0.4;
+
+double secondsSince(Clock::time_point start) {
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+/// The main thread does nothing but look at the server for so long: its event loop stands still.
+template <class Condition>
+bool hangUntil(const Condition& condition, double seconds) {
+    const auto start = Clock::now();
+    while (secondsSince(start) < seconds) {
+        if (condition())
+            return true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return false;
+}
+
+} // namespace
+
+class LinuxScreensLeaveTest : public LinuxScreensTest {
+protected:
+    LinuxScreensLeaveTest() { std::signal(SIGPIPE, SIG_IGN); }
+
+    std::shared_ptr<OverlayPanel> showWithTimeLimit() {
+        return show({.opaque = true,
+                     .background = BSODView::background,
+                     .ignoresMouseEvents = {},
+                     .timeLimit = timeLimit},
+                    std::make_shared<BSODView>(m_stop));
+    }
+
+    [[nodiscard]] bool isClear() const { return m_desktop.panels().empty(); }
+
+    /// As tools do that end the client of a window.
+    void endClientOfPanel() {
+        xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
+        const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+        auto* tree = xcb_query_tree_reply(connection, xcb_query_tree(connection, root), nullptr);
+        // The panel is the foremost window.
+        const int last = xcb_query_tree_children_length(tree) - 1;
+        xcb_kill_client(connection, xcb_query_tree_children(tree)[last]);
+        std::free(tree); // NOLINT: the library's allocation.
+        xcb_flush(connection);
+        ASSERT_TRUE(hangUntil([this] { return isClear(); }, 5));
+        xcb_disconnect(connection);
+    }
+};
+
+TEST_F(LinuxScreensLeaveTest, hungMainThreadLosesItsPanelAndCanShowTheNextOne) {
+    CaptureStderr();
+    const auto asked = Clock::now();
+    const auto panel = showWithTimeLimit();
+    const auto shown = Clock::now();
+    ASSERT_THAT(m_desktop.panels(), ElementsAre(TestDesktop::whole));
+    EXPECT_TRUE(hangUntil([this] { return isClear(); }, 10));
+    EXPECT_GT(secondsSince(asked), 2.35);
+    EXPECT_LT(secondsSince(shown), 3.0);
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    EXPECT_EQ(GetCapturedStderr(),
+              "quorvane: the main thread hangs: removed a panel that was overdue\n");
+
+    // The main thread goes on, and does not know of it.
+    m_stop->progress = 0.5;
+    panel->orderOut();
+    const auto next = showStopScreen();
+    EXPECT_TRUE(comesToCover(TestDesktop::whole));
+    EXPECT_TRUE(comesToShow(farFromText, blue));
+    next->orderOut();
+    EXPECT_THAT(m_desktop.panels(), IsEmpty());
+}
+
+TEST_F(LinuxScreensLeaveTest, panelThatGoesInTimeIsNotMissed) {
+    CaptureStderr();
+    const auto other = showStopScreen();
+    const auto panel = showWithTimeLimit();
+    TestDesktop::work(300);
+    panel->orderOut();
+    EXPECT_FALSE(hangUntil([this] { return isClear(); }, 3)) << "the other one is still up";
+    EXPECT_EQ(GetCapturedStderr(), "");
+}
+
+TEST_F(LinuxScreensLeaveTest, timeLimitRunsFromTheFirstShowingAndAChangeOfTheLookKeepsIt) {
+    CaptureStderr();
+    const auto panel = showWithTimeLimit();
+    const auto shown = Clock::now();
+    TestDesktop::work(1500);
+    panel->setBackgroundColor({.red = 1, .green = 0, .blue = 0, .alpha = 1});
+    panel->orderFrontRegardless();
+    EXPECT_TRUE(hangUntil([this] { return isClear(); }, 10));
+    EXPECT_LT(secondsSince(shown), 3.0);
+    GetCapturedStderr();
+}
+
+TEST_F(LinuxScreensLeaveTest, panelWithoutATimeLimitStaysUp) {
+    const auto panel = showStopScreen();
+    EXPECT_FALSE(hangUntil([this] { return isClear(); }, 3));
+}
+
+TEST_F(LinuxScreensLeaveTest, stopFromTheTerminalRemovesThePanelThatIsStillUp) {
+    const auto panel = showStopScreen();
+    showFreeze()->orderOut();
+    ASSERT_THAT(m_desktop.panels(), ElementsAre(TestDesktop::whole));
+    // In place of this process, a copy of it is stopped, which shares the connection.
+    const pid_t copy = fork();
+    if (copy == 0) {
+        setpgid(0, 0);
+        std::raise(SIGTSTP);
+        _exit(0);
+    }
+    int status = 0;
+    EXPECT_EQ(waitpid(copy, &status, WUNTRACED), copy);
+    EXPECT_TRUE(WIFSTOPPED(status));
+    EXPECT_TRUE(hangUntil([this] { return isClear(); }, 2));
+    kill(copy, SIGKILL);
+    waitpid(copy, &status, 0);
+    showStopScreen();
+    EXPECT_THAT(m_desktop.panels(), ElementsAre(TestDesktop::whole));
+}
+
+TEST_F(LinuxScreensLeaveTest, panelsThatLostTheirConnectionAreHarmlessWhileAnotherComes) {
+    const auto lost = showStopScreen();
+    const auto freeze = showFreeze();
+    endClientOfPanel();
+    const auto next = showStopScreen();
+    EXPECT_THAT(m_desktop.panels(), ElementsAre(TestDesktop::whole));
+    m_stop->progress = 0.7;
+    lost->orderFrontRegardless();
+    lost->orderOut();
+    freeze->orderOut();
+    EXPECT_THAT(m_desktop.panels(), ElementsAre(TestDesktop::whole));
+    EXPECT_TRUE(comesToShow(farFromText, blue));
+}
+
+TEST_F(PoorServerTest, viewThatChangesAfterItsConnectionHasEndedIsHarmless) {
+    std::signal(SIGPIPE, SIG_IGN);
+    const auto panel = show({.opaque = true,
+                             .background = BSODView::background,
+                             .ignoresMouseEvents = {},
+                             .timeLimit = timeLimit},
+                            std::make_shared<BSODView>(m_stop));
+    CaptureStderr();
+    EXPECT_TRUE(hangUntil([this] { return m_desktop.panels().empty(); }, 10));
+    GetCapturedStderr();
+    for (int step = 1; step <= 100; ++step) {
+        m_stop->progress = step / 100.0;
+        TestDesktop::work(5);
+    }
+    panel->orderOut();
+    const auto next = showStopScreen();
+    EXPECT_THAT(m_desktop.panels(), ElementsAre(TestDesktop::whole));
+}
+
+} // namespace quorvane

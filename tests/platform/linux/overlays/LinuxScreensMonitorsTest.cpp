@@ -1,0 +1,120 @@
+#include "tests/platform/linux/overlays/LinuxScreensFixture.h"
+
+#include <gmock/gmock.h>
+
+namespace quorvane {
+
+namespace {
+
+using testing::ElementsAre;
+
+constexpr QRect leftHalf{0, 0, 640, 800};
+constexpr QRect rightHalf{640, 0, 640, 800};
+
+} // namespace
+
+TEST_F(LinuxScreensTest, mainScreenIsTheOneWithTheKeyboard) {
+    splitScreen();
+    const xcb_window_t left = m_desktop.openWindow({50, 100, 300, 300}, red);
+    m_desktop.openWindow({800, 100, 300, 300}, green);
+    EXPECT_EQ(m_screens.mainScreen()->frame(), (Rect{.x = 640, .width = 640, .height = 800}));
+    m_desktop.activate(left);
+    EXPECT_EQ(m_screens.mainScreen()->frame(), (Rect{.width = 640, .height = 800}));
+    const auto panel = showStopScreen();
+    EXPECT_THAT(m_desktop.panels(), ElementsAre(QRect(0, 0, 640, 800)));
+}
+
+TEST_F(LinuxScreensTest, panelGoesToTheMainScreenWhenItsOwnIsUnplugged) {
+    splitScreen();
+    m_desktop.openWindow({800, 100, 300, 300}, green);
+    const auto panel = showStopScreen();
+    ASSERT_THAT(m_desktop.panels(), ElementsAre(QRect(640, 0, 640, 800)));
+    xrandr({"--delmonitor", "right"});
+    EXPECT_TRUE(comesToCover({0, 0, 640, 800}));
+    EXPECT_TRUE(comesToShow({639, 799}, blue));
+}
+
+TEST_F(LinuxScreensTest, panelKeepsCoveringAScreenThatIsResized) {
+    const auto panel = showStopScreen();
+    useSmallMode();
+    EXPECT_TRUE(comesToCover({0, 0, 1024, 600}));
+    m_stop->progress = 0.5;
+    xrandr({"--output", "screen", "--mode", "1280x800"});
+    EXPECT_TRUE(comesToCover(TestDesktop::whole));
+    EXPECT_TRUE(comesToShow({1279, 799}, blue));
+}
+
+TEST_F(LinuxScreensTest, withoutAnyScreenThereIsNoMainOneAndThePanelGoes) {
+    const auto panel = showStopScreen();
+    // It complains that nothing is left.
+    QProcess::execute("xrandr", {"--output", "screen", "--off"});
+    EXPECT_TRUE(TestDesktop::waitFor([&] { return m_desktop.panels().empty(); }));
+    EXPECT_EQ(m_screens.mainScreen(), nullptr);
+    m_stop->progress = 0.5;
+    panel->orderOut();
+}
+
+TEST_F(LinuxScreensTest, withoutAFocusedWindowTheMainScreenIsThePrimaryOne) {
+    splitScreen("right");
+    EXPECT_EQ(m_screens.mainScreen()->frame(), (Rect{.x = 640, .width = 640, .height = 800}));
+}
+
+TEST_F(LinuxScreensTest, windowOnTwoMonitorsIsOnTheOneWithMoreOfIt) {
+    splitScreen("left");
+    EXPECT_EQ(m_screens.mainScreen()->frame(), (Rect{.width = 640, .height = 800}));
+    m_desktop.openWindow({500, 100, 400, 300}, red);
+    EXPECT_EQ(m_screens.mainScreen()->frame(), (Rect{.x = 640, .width = 640, .height = 800}));
+    m_desktop.openWindow({350, 100, 400, 300}, red);
+    EXPECT_EQ(m_screens.mainScreen()->frame(), (Rect{.width = 640, .height = 800}));
+}
+
+TEST_F(LinuxScreensTest, screenSaysHowLargeItIsNow) {
+    const auto screen = m_screens.mainScreen();
+    ASSERT_EQ(screen->frame(), (Rect{.width = 1280, .height = 800}));
+    useSmallMode();
+    EXPECT_EQ(screen->frame(), (Rect{.width = 1024, .height = 600}));
+}
+
+TEST_F(LinuxScreensTest, clicksOnTheOtherMonitorReachTheWindowsThere) {
+    splitScreen();
+    m_desktop.openWindow({50, 100, 300, 300}, red);
+    const xcb_window_t covered = m_desktop.openWindow({800, 100, 300, 300}, green);
+    for (const bool freeze : {false, true}) {
+        m_desktop.activate(covered);
+        const auto panel = freeze ? showFreeze() : showStopScreen();
+        ASSERT_THAT(m_desktop.panels(), ElementsAre(rightHalf));
+        m_desktop.click({900, 250});
+        EXPECT_EQ(m_desktop.takeClicks(), 0) << "freeze: " << freeze;
+        m_desktop.click({150, 250});
+        EXPECT_EQ(m_desktop.takeClicks(), 1) << "freeze: " << freeze;
+        panel->orderOut();
+        ASSERT_TRUE(TestDesktop::waitFor([&] { return m_desktop.panels().empty(); }));
+        m_desktop.click({900, 250});
+        EXPECT_EQ(m_desktop.takeClicks(), 1) << "freeze: " << freeze;
+    }
+}
+
+TEST_F(LinuxScreensTest, panelCoversItsMonitorToTheEdgeAndNoPixelOfTheOther) {
+    splitScreen();
+    m_desktop.openMenu(leftHalf, red);
+    m_desktop.openWindow({800, 100, 300, 300}, green);
+    const auto panel = showStopScreen();
+    ASSERT_THAT(m_desktop.panels(), ElementsAre(rightHalf));
+    const QImage picture = m_desktop.look();
+    EXPECT_TRUE(drawnIn(picture, leftHalf, red).isEmpty());
+    for (const QPoint corner :
+         {QPoint(640, 0), QPoint(1279, 0), QPoint(640, 799), QPoint(1279, 799)})
+        EXPECT_TRUE(isNear(picture.pixel(corner), blue));
+    // Its content hangs from this monitor's corner.
+    EXPECT_NEAR(drawnIn(picture, rightHalf).left(), 740, 3);
+}
+
+TEST_F(LinuxScreensTest, pointsOfAMonitorAreCountedFromTheDesktopsCorner) {
+    splitScreen();
+    m_desktop.openWindow({800, 100, 300, 300}, green);
+    TestProgram program({"env", "QT_SCALE_FACTOR=2", QUORVANE_OVERLAY_PROBE, "stop", "0"});
+    EXPECT_EQ(program.line(), "frame 320 0 320 400");
+    EXPECT_TRUE(comesToCover(rightHalf));
+}
+
+} // namespace quorvane

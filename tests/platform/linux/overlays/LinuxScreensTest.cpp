@@ -1,0 +1,204 @@
+#include "tests/platform/linux/overlays/LinuxScreensFixture.h"
+
+#include <QElapsedTimer>
+#include <algorithm>
+#include <array>
+#include <fstream>
+
+#include <unistd.h>
+
+#include <gmock/gmock.h>
+
+#include "tests/support/Environment.h"
+
+namespace quorvane {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// The memory that this process has in use: not what a thread of a library only reserves.
+double megabytes() {
+    double reserved = 0;
+    double pages = 0;
+    std::ifstream("/proc/self/statm") >> reserved >> pages;
+    return pages * static_cast<double>(sysconf(_SC_PAGESIZE)) / (1 << 20);
+}
+
+} // namespace
+
+TEST_F(LinuxScreensTest, stopScreenCoversAFullScreenWindowToTheLastPixel) {
+    m_desktop.openWindow(TestDesktop::whole, red, true);
+    ASSERT_TRUE(comesToShow({0, 0}, red));
+    const auto panel = showStopScreen();
+    EXPECT_THAT(m_desktop.panels(), ElementsAre(TestDesktop::whole));
+    const QImage picture = m_desktop.look();
+    for (const QPoint corner : {QPoint(0, 0), QPoint(1279, 0), QPoint(0, 799), QPoint(1279, 799)})
+        EXPECT_EQ(picture.pixel(corner) & RGB_MASK, blue & RGB_MASK);
+    panel->orderOut();
+    EXPECT_TRUE(comesToShow({0, 0}, red));
+}
+
+TEST_F(LinuxScreensTest, keyboardStaysWhereItIsAndClicksGoNowhere) {
+    const xcb_window_t window = m_desktop.openWindow({100, 100, 400, 300}, red);
+    const auto panel = showStopScreen();
+    m_desktop.click({300, 250});
+    EXPECT_EQ(m_desktop.takeClicks(), 0);
+    EXPECT_EQ(m_desktop.focus(), window);
+    m_desktop.pressKey();
+    EXPECT_EQ(m_desktop.takeKeys(), 1);
+    panel->orderOut();
+    EXPECT_EQ(m_desktop.focus(), window);
+    m_desktop.click({300, 250});
+    EXPECT_EQ(m_desktop.takeClicks(), 1);
+}
+
+TEST_F(LinuxScreensTest, panelThatIgnoresTheMouseLetsClicksThrough) {
+    m_desktop.openWindow({100, 100, 400, 300}, red);
+    const auto panel = showStopScreen();
+    panel->setIgnoresMouseEvents(true);
+    m_desktop.click({300, 250});
+    EXPECT_EQ(m_desktop.takeClicks(), 1);
+}
+
+TEST_F(LinuxScreensTest, panelComesBackAboveWhatIsPutOverIt) {
+    const auto panel = showStopScreen();
+    m_desktop.openMenu({900, 600, 300, 150}, red);
+    EXPECT_TRUE(comesToShow(farFromText, blue));
+    m_desktop.openWindow({900, 600, 300, 150}, green);
+    EXPECT_TRUE(comesToShow(farFromText, blue));
+}
+
+TEST_F(LinuxScreensTest, panelIsBackInFrontWithinAMoment) {
+    const auto panel = showStopScreen();
+    std::array<qint64, 3> milliseconds{};
+    for (qint64& each : milliseconds) {
+        m_desktop.openMenu({900, 600, 300, 150}, red);
+        QElapsedTimer waiting;
+        waiting.start();
+        EXPECT_TRUE(comesToShow(farFromText, blue));
+        each = waiting.elapsed();
+    }
+    // A busy machine may hold one of them up.
+    std::sort(milliseconds.begin(), milliseconds.end());
+    EXPECT_LT(milliseconds[1], 500);
+}
+
+TEST_F(LinuxScreensTest, twoProgramsThatBothWantToBeInFrontDoNotKeepEachOtherBusy) {
+    const auto panel = showStopScreen();
+    const xcb_window_t menu = m_desktop.openMenu({900, 600, 300, 150}, red);
+    QElapsedTimer time;
+    time.start();
+    for (int raised = 0; raised < 5; ++raised) {
+        EXPECT_TRUE(comesToShow(farFromText, blue));
+        m_desktop.raise(menu);
+    }
+    EXPECT_GE(time.elapsed(), 380);
+}
+
+TEST_F(LinuxScreensTest, panelOfAHigherLevelStaysInFront) {
+    const auto high = m_screens.createPanel({.width = 300, .height = 100}, 128, 2, false);
+    const auto low = m_screens.createPanel({.width = 400, .height = 100}, 128, 2, false);
+    high->setLevel(1001);
+    low->setLevel(1000);
+    high->orderFrontRegardless();
+    low->orderFrontRegardless();
+    EXPECT_TRUE(comesToStack({{0, 0, 400, 100}, {0, 0, 300, 100}}));
+    low->setLevel(1002);
+    EXPECT_TRUE(comesToStack({{0, 0, 300, 100}, {0, 0, 400, 100}}));
+}
+
+TEST_F(LinuxScreensTest, panelShowsWhatItIsGivenWhileItIsUp) {
+    const auto panel = m_screens.createPanel({.width = 1280, .height = 800}, 128, 2, false);
+    panel->setBackgroundColor({.red = 0, .green = 200.0 / 255, .blue = 0, .alpha = 1});
+    panel->orderFrontRegardless();
+    EXPECT_TRUE(comesToShow(farFromText, green));
+    panel->setBackgroundColor({.red = 200.0 / 255, .green = 0, .blue = 0, .alpha = 1});
+    EXPECT_TRUE(comesToShow(farFromText, red));
+    panel->setContentView(std::make_shared<BSODView>(m_stop));
+    EXPECT_TRUE(comesToShow(farFromText, blue));
+    panel->setFrame({.x = 0, .y = 0, .width = 400, .height = 300}, true);
+    EXPECT_TRUE(comesToCover({0, 0, 400, 300}));
+}
+
+TEST_F(LinuxScreensTest, desktopIsToldThatThePanelNeverTakesTheKeyboard) {
+    const auto panel = showStopScreen();
+    // Input is spoken of, and is no.
+    EXPECT_THAT(m_desktop.panelProperty("WM_HINTS"),
+                ElementsAre(1U, 0U, 0U, 0U, 0U, 0U, 0U, 0U, 0U));
+    EXPECT_THAT(m_desktop.panelProperty("_NET_WM_WINDOW_TYPE"),
+                ElementsAre(m_desktop.atom("_NET_WM_WINDOW_TYPE_NOTIFICATION")));
+}
+
+TEST_F(LinuxScreensTest, pointerOverThePanelIsTheArrow) {
+    const auto panel = showStopScreen();
+    EXPECT_TRUE(m_desktop.panelHasPointer());
+}
+
+TEST_F(LinuxScreensTest, panelComesBackAboveWhatIsPutOverItUnderACompositor) {
+    const auto compositor = m_desktop.startCompositor();
+    const auto panel = showStopScreen();
+    ASSERT_TRUE(comesToShow(farFromText, blue));
+    m_desktop.openMenu({900, 600, 300, 150}, red);
+    ASSERT_TRUE(comesToShow({1000, 700}, blue));
+    TestDesktop::work(200);
+    EXPECT_TRUE(isNear(m_desktop.look(farFromText), blue));
+}
+
+TEST_F(LinuxScreensTest, panelsGoWithTheService) {
+    auto screens = std::make_unique<LinuxScreens>();
+    const auto panel =
+        showOverlay(*screens, *screens->mainScreen(),
+                    {.opaque = true, .background = BSODView::background, .ignoresMouseEvents = {}},
+                    std::make_shared<BSODView>(m_stop));
+    EXPECT_EQ(m_desktop.panels().size(), 1U);
+    screens.reset();
+    EXPECT_TRUE(TestDesktop::waitFor([&] { return m_desktop.panels().empty(); }));
+    panel->orderFrontRegardless();
+    panel->orderOut();
+    EXPECT_THAT(m_desktop.panels(), IsEmpty());
+}
+
+TEST_F(LinuxScreensTest, panelsThatAreGoneLeaveNoMemoryBehind) {
+    const auto showAndClear = [this] {
+        const auto panel = m_screens.createPanel({.width = 1280, .height = 800}, 128, 2, false);
+        panel->setContentView(std::make_shared<BSODView>(m_stop));
+        panel->orderFrontRegardless();
+        panel->orderOut();
+    };
+    showAndClear();
+    const double before = megabytes();
+    for (int panel = 0; panel < 20; ++panel)
+        showAndClear();
+    // The pixels of one are 4 MB.
+    EXPECT_LT(megabytes() - before, 20);
+}
+
+TEST_F(LinuxScreensTest, nothingIsLeftOfAProgramThatIsKilled) {
+    TestProgram program({QUORVANE_OVERLAY_PROBE, "stop"});
+    EXPECT_EQ(program.line(), "frame 0 0 1280 800");
+    ASSERT_TRUE(comesToShow(farFromText, blue));
+    program.end();
+    EXPECT_TRUE(TestDesktop::waitFor([&] { return m_desktop.panels().empty(); }));
+    EXPECT_FALSE(isNear(m_desktop.look(farFromText), blue));
+}
+
+TEST(LinuxScreensElsewhere, withoutX11ThereIsNoScreenAndPanelsShowNowhere) {
+    // An X server is there, and the program is not on it.
+    const TestProgram server({"Xvfb", "-displayfd", "1", "-nolisten", "tcp", "-noreset"});
+    const EnvironmentVariable display("DISPLAY", ":" + server.line());
+    std::array<std::string, 3> words{"test", "-platform", "offscreen"};
+    std::array<char*, 3> arguments{words[0].data(), words[1].data(), words[2].data()};
+    int count = arguments.size();
+    const QGuiApplication application(count, arguments.data());
+    LinuxScreens screens;
+    EXPECT_EQ(screens.mainScreen(), nullptr);
+    const auto panel = screens.createPanel({.width = 100, .height = 100}, 128, 2, false);
+    ASSERT_TRUE(panel);
+    panel->setContentView(std::make_shared<FreezeView>());
+    panel->orderFrontRegardless();
+    panel->orderOut();
+}
+
+} // namespace quorvane

@@ -1,0 +1,60 @@
+#include "tests/support/SoundFiles.h"
+
+#include <cmath>
+#include <csignal>
+#include <fstream>
+#include <iterator>
+#include <numbers>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <sndfile.hh>
+
+#include "tests/support/PulseServer.h"
+
+namespace quorvane {
+
+PCMBuffer chirp(const AudioFormat& format, std::uint32_t frames) {
+    PCMBuffer buffer{.format = format,
+                     .frameCapacity = frames,
+                     .frameLength = frames,
+                     .samples = std::vector<float>(std::size_t{frames} * format.channels)};
+    for (std::size_t i = 0; i < buffer.samples.size(); ++i) {
+        const std::size_t frame = i / format.channels;
+        const double time = static_cast<double>(frame) / format.sampleRate;
+        const double base = i % format.channels == 0 ? 300 : 450;
+        const double phase = 2 * std::numbers::pi * (base * time + 400 * time * time);
+        buffer.samples[i] = static_cast<float>(0.35 * std::cos(phase));
+    }
+    return buffer;
+}
+
+void writeWAV(const std::filesystem::path& path, const PCMBuffer& sound) {
+    SndfileHandle file(path.c_str(), SFM_WRITE, SF_FORMAT_WAV | SF_FORMAT_PCM_16,
+                       static_cast<int>(sound.format.channels),
+                       static_cast<int>(sound.format.sampleRate));
+    if (file.writef(sound.samples.data(), sound.frameLength) != sound.frameLength)
+        throw std::runtime_error("cannot write " + path.string());
+}
+
+void makeMP3(const std::filesystem::path& path, const PCMBuffer& sound) {
+    const std::filesystem::path wav = path.string() + ".wav";
+    writeWAV(wav, sound);
+    ChildProcess lame({"lame", "--quiet", "-b", "192", wav.string(), path.string()},
+                      path.string() + ".log");
+    lame.wait();
+    if (!std::filesystem::exists(path))
+        throw std::runtime_error("lame made no " + path.string());
+}
+
+void copyFirstHalf(const std::filesystem::path& from, const std::filesystem::path& to) {
+    std::filesystem::copy_file(from, to);
+    std::filesystem::resize_file(to, std::filesystem::file_size(from) / 2);
+}
+
+void writeText(const std::filesystem::path& path, std::string_view text) {
+    std::ofstream(path) << text;
+}
+
+} // namespace quorvane
