@@ -12,6 +12,7 @@
 #include "app/ToggleRow.h"
 #include "base/Animation.h"
 #include "base/EffectManager.h"
+#include "base/NonCopyable.h"
 #include "base/Observable.h"
 #include "effects/creak/AudioManager.h"
 #include "platform/Platform.h"
@@ -34,7 +35,7 @@ struct EffectFactories {
 /// shown, keeps the one stored flag, feeds the lid's velocity to the creak, and starts and stops
 /// everything in a fixed order. Knows no toolkit; screens read its observables and call its
 /// operations. Main thread only.
-class ContentView {
+class ContentView : NonCopyable {
 public:
     enum class Screen { HardwareCheck, Warning, ControlPanel };
 
@@ -46,8 +47,6 @@ public:
     /// `startupManager` is borrowed and outlives the view; null while there is none.
     ContentView(const Platform& platform, StartupExperience* startupManager,
                 const EffectFactories& effects);
-    ContentView(const ContentView&) = delete;
-    ContentView& operator=(const ContentView&) = delete;
     ~ContentView();
 
     // What the screens show.

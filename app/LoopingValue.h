@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "base/Animation.h"
+#include "base/NonCopyable.h"
 #include "base/Observable.h"
 #include "platform/RunLoop.h"
 
@@ -12,13 +13,11 @@ namespace quorvane {
 /// Where a value of the controller is on its way along an animation that never ends. It is
 /// evaluated 30 times a second, which is enough for a slow glow and half of what a display could
 /// show, and only while somebody is looking. Main thread only.
-class LoopingValue {
+class LoopingValue : NonCopyable {
 public:
     /// `source` and `runLoop` outlive it. `changed` is told of each new value.
     LoopingValue(const Observable<AnimatedValue>& source, RunLoop& runLoop,
                  std::function<void()> changed);
-    LoopingValue(const LoopingValue&) = delete;
-    LoopingValue& operator=(const LoopingValue&) = delete;
     ~LoopingValue();
 
     /// Where it was last seen.

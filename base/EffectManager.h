@@ -1,15 +1,13 @@
 #pragma once
 
+#include "base/NonCopyable.h"
 #include "base/Observable.h"
 
 namespace quorvane {
 
 /// The contract that every switchable effect offers the controller. Main thread only.
-class EffectManager {
+class EffectManager : NonCopyable {
 public:
-    EffectManager() = default;
-    EffectManager(const EffectManager&) = delete;
-    EffectManager& operator=(const EffectManager&) = delete;
     virtual ~EffectManager() = default;
 
     /// What the effect's switch displays. Only the manager itself writes it.
@@ -30,11 +28,8 @@ public:
 
 /// What the controller knows of the startup experience: its master switch. It has no start and
 /// stop, because its triggers (waking up, a launch at login) are live from launch.
-class StartupExperience {
+class StartupExperience : NonCopyable {
 public:
-    StartupExperience() = default;
-    StartupExperience(const StartupExperience&) = delete;
-    StartupExperience& operator=(const StartupExperience&) = delete;
     virtual ~StartupExperience() = default;
 
     /// True at every launch; never persisted.

@@ -2,14 +2,13 @@
 
 #include <functional>
 
+#include "base/NonCopyable.h"
+
 namespace quorvane {
 
 /// The serial queue whose blocks run on the main thread.
-class MainQueue {
+class MainQueue : NonCopyable {
 public:
-    MainQueue() = default;
-    MainQueue(const MainQueue&) = delete;
-    MainQueue& operator=(const MainQueue&) = delete;
     virtual ~MainQueue() = default;
 
     /// Runs `block` on the main thread, soon and never from inside this call; blocks run in the

@@ -6,11 +6,13 @@
 #include <utility>
 #include <vector>
 
+#include "base/NonCopyable.h"
+
 namespace quorvane {
 
 /// Keeps one observer registered; letting go of it (or `cancel`) ends the registration.
 /// Safe to outlive the observable and to be cancelled from inside the observer itself.
-class Subscription {
+class Subscription : NonCopyable {
 public:
     Subscription() = default;
 
@@ -27,9 +29,6 @@ public:
         return *this;
     }
 
-    Subscription(const Subscription&) = delete;
-    Subscription& operator=(const Subscription&) = delete;
-
     ~Subscription() { cancel(); }
 
     void cancel() {
@@ -42,11 +41,8 @@ private:
 };
 
 /// What every observable value has in common, whatever its type: somebody can be told of a change.
-class AnyObservable {
+class AnyObservable : NonCopyable {
 public:
-    AnyObservable() = default;
-    AnyObservable(const AnyObservable&) = delete;
-    AnyObservable& operator=(const AnyObservable&) = delete;
     virtual ~AnyObservable() = default;
 
     /// Calls `observer` after every change, until the subscription is dropped. Observers are called

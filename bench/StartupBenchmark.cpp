@@ -20,6 +20,7 @@
 #include <thread>
 #include <vector>
 
+#include "base/NonCopyable.h"
 #include "bench/Row.h"
 
 namespace {
@@ -48,7 +49,7 @@ ReplyPointer<Reply> owned(Reply* reply) {
     return {reply, &std::free};
 }
 
-class Display {
+class Display : quorvane::NonCopyable {
 public:
     Display() : m_connection(xcb_connect(nullptr, nullptr)) {
         if (xcb_connection_has_error(m_connection)) {
@@ -59,9 +60,6 @@ public:
         xcb_change_window_attributes(m_connection, m_root, XCB_CW_BACK_PIXEL, &rootColor);
         xcb_flush(m_connection);
     }
-
-    Display(const Display&) = delete;
-    Display& operator=(const Display&) = delete;
 
     ~Display() { xcb_disconnect(m_connection); }
 

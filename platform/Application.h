@@ -1,16 +1,15 @@
 #pragma once
 
+#include "base/NonCopyable.h"
+
 namespace quorvane {
 
 /// Whether the program is opened when the person logs in.
 enum class LoginItemStatus { NotRegistered = 0, Enabled = 1, RequiresApproval = 2, NotFound = 3 };
 
 /// What the desktop knows of this program. Main thread only.
-class Application {
+class Application : NonCopyable {
 public:
-    Application() = default;
-    Application(const Application&) = delete;
-    Application& operator=(const Application&) = delete;
     virtual ~Application() = default;
 
     [[nodiscard]] virtual LoginItemStatus loginItemStatus() const = 0;

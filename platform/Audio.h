@@ -9,6 +9,8 @@
 #include <variant>
 #include <vector>
 
+#include "base/NonCopyable.h"
+
 namespace quorvane {
 
 /// Why an audio call failed, in words for a person.
@@ -36,11 +38,8 @@ struct PCMBuffer {
 };
 
 /// A sound file opened for reading. The encoder's delay and padding are not part of its sound.
-class AudioFile {
+class AudioFile : NonCopyable {
 public:
-    AudioFile() = default;
-    AudioFile(const AudioFile&) = delete;
-    AudioFile& operator=(const AudioFile&) = delete;
     virtual ~AudioFile() = default;
 
     [[nodiscard]] virtual AudioFormat processingFormat() const = 0;
@@ -60,13 +59,10 @@ enum class BufferOptions {
 
 /// Plays scheduled buffers through the engine that it is attached to. Main thread only, except that
 /// a completion handler is called from a thread of the audio system.
-class AudioPlayerNode {
+class AudioPlayerNode : NonCopyable {
 public:
     using Completion = std::function<void()>;
 
-    AudioPlayerNode() = default;
-    AudioPlayerNode(const AudioPlayerNode&) = delete;
-    AudioPlayerNode& operator=(const AudioPlayerNode&) = delete;
     virtual ~AudioPlayerNode() = default;
 
     /// Queues `buffer` to sound as soon as possible once the node plays. `completion` is called
@@ -88,11 +84,8 @@ public:
 
 /// Plays one sound file, decoded into memory once, on the output device, which it opens when it
 /// first needs it. Main thread only.
-class AudioFilePlayer {
+class AudioFilePlayer : NonCopyable {
 public:
-    AudioFilePlayer() = default;
-    AudioFilePlayer(const AudioFilePlayer&) = delete;
-    AudioFilePlayer& operator=(const AudioFilePlayer&) = delete;
     virtual ~AudioFilePlayer() = default;
 
     /// Length of the sound in seconds, whatever the number of loops.
@@ -122,20 +115,14 @@ public:
 
 /// While it lives, the output device is kept open and running, so that the first sound after a rest
 /// comes as fast as the hundredth.
-class AudioOutputHold {
+class AudioOutputHold : NonCopyable {
 public:
-    AudioOutputHold() = default;
-    AudioOutputHold(const AudioOutputHold&) = delete;
-    AudioOutputHold& operator=(const AudioOutputHold&) = delete;
     virtual ~AudioOutputHold() = default;
 };
 
 /// The audio graph: nodes, a mixer, the output device. Main thread only.
-class AudioEngine {
+class AudioEngine : NonCopyable {
 public:
-    AudioEngine() = default;
-    AudioEngine(const AudioEngine&) = delete;
-    AudioEngine& operator=(const AudioEngine&) = delete;
     virtual ~AudioEngine() = default;
 
     virtual void attach(const std::shared_ptr<AudioPlayerNode>& node) = 0;
@@ -151,11 +138,8 @@ public:
 };
 
 /// Where engines, nodes, files and buffers come from. Opens no device by itself.
-class AudioService {
+class AudioService : NonCopyable {
 public:
-    AudioService() = default;
-    AudioService(const AudioService&) = delete;
-    AudioService& operator=(const AudioService&) = delete;
     virtual ~AudioService() = default;
 
     virtual std::shared_ptr<AudioEngine> createEngine() = 0;

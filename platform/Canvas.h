@@ -2,6 +2,8 @@
 
 #include <string_view>
 
+#include "base/NonCopyable.h"
+
 namespace quorvane {
 
 /// Points; y grows downward.
@@ -52,11 +54,8 @@ struct Spinner {
 };
 
 /// Where views draw, in points from the top left corner. Main thread only.
-class Canvas {
+class Canvas : NonCopyable {
 public:
-    Canvas() = default;
-    Canvas(const Canvas&) = delete;
-    Canvas& operator=(const Canvas&) = delete;
     virtual ~Canvas() = default;
 
     /// The room that a text takes, wrapped at words to at most `width` points (a word that is wider

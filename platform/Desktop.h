@@ -2,16 +2,14 @@
 
 #include <cstdint>
 
+#include "base/NonCopyable.h"
 #include "base/Observable.h"
 
 namespace quorvane {
 
 /// What the desktop tells about how the program is to look on it. Main thread only.
-class Desktop {
+class Desktop : NonCopyable {
 public:
-    Desktop() = default;
-    Desktop(const Desktop&) = delete;
-    Desktop& operator=(const Desktop&) = delete;
     virtual ~Desktop() = default;
 
     /// The person has asked for less motion: what moves without end is to rest. False where the

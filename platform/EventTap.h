@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <memory>
 
+#include "base/NonCopyable.h"
+
 namespace quorvane {
 
 /// What happened on the keyboard, or to the tap itself.
@@ -48,11 +50,8 @@ enum class TapOptions : std::uint32_t {
 }
 
 /// What brings a tap's events to a run loop. Main thread only.
-class TapSource {
+class TapSource : NonCopyable {
 public:
-    TapSource() = default;
-    TapSource(const TapSource&) = delete;
-    TapSource& operator=(const TapSource&) = delete;
     virtual ~TapSource() = default;
 
     /// Puts it on the current thread's run loop, in its common modes. May be repeated.
@@ -63,11 +62,8 @@ public:
 
 /// Hears the key events of the whole session. Everything that it has opened is closed with the last
 /// reference to it and its source. Main thread only.
-class EventTap {
+class EventTap : NonCopyable {
 public:
-    EventTap() = default;
-    EventTap(const EventTap&) = delete;
-    EventTap& operator=(const EventTap&) = delete;
     virtual ~EventTap() = default;
 
     /// The tap's source, on no run loop yet, with its place among sources that are ready at once
@@ -78,11 +74,8 @@ public:
 };
 
 /// Where taps come from. Opens nothing by itself.
-class EventTapService {
+class EventTapService : NonCopyable {
 public:
-    EventTapService() = default;
-    EventTapService(const EventTapService&) = delete;
-    EventTapService& operator=(const EventTapService&) = delete;
     virtual ~EventTapService() = default;
 
     /// A tap for the event types in the mask `eventsOfInterest`; null if it cannot be made, mostly

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/NonCopyable.h"
+
 namespace quorvane {
 
 /// What a HID call reports: success, or any other value for a failure.
@@ -27,11 +29,8 @@ struct HIDMatching {
 
 /// One HID device, closed until `open`. Main thread only. The device is released with its last
 /// reference; a device that is unplugged makes every later call fail and nothing worse.
-class HIDDevice {
+class HIDDevice : NonCopyable {
 public:
-    HIDDevice() = default;
-    HIDDevice(const HIDDevice&) = delete;
-    HIDDevice& operator=(const HIDDevice&) = delete;
     virtual ~HIDDevice() = default;
 
     /// Anything but success: the device cannot be used (no rights, gone).
@@ -48,11 +47,8 @@ public:
 
 /// Finds devices. Call in this order: match, schedule, open, copy, and `close` when done with it;
 /// an opened manager may also just be let go. Main thread only.
-class HIDManager {
+class HIDManager : NonCopyable {
 public:
-    HIDManager() = default;
-    HIDManager(const HIDManager&) = delete;
-    HIDManager& operator=(const HIDManager&) = delete;
     virtual ~HIDManager() = default;
 
     virtual void setDeviceMatching(const HIDMatching& matching) = 0;
@@ -66,11 +62,8 @@ public:
 };
 
 /// Where HID managers come from.
-class HIDService {
+class HIDService : NonCopyable {
 public:
-    HIDService() = default;
-    HIDService(const HIDService&) = delete;
-    HIDService& operator=(const HIDService&) = delete;
     virtual ~HIDService() = default;
 
     /// A new manager that matches nothing yet; never null.

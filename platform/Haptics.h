@@ -2,6 +2,8 @@
 
 #include <memory>
 
+#include "base/NonCopyable.h"
+
 namespace quorvane {
 
 /// What a pulse is to feel like.
@@ -12,11 +14,8 @@ enum class HapticPerformanceTime { Default = 0, Now = 1, DrawCompleted = 2 };
 
 /// Lets the trackpad pulse. Where there is nothing that can, requests are ignored. Main thread
 /// only.
-class HapticPerformer {
+class HapticPerformer : NonCopyable {
 public:
-    HapticPerformer() = default;
-    HapticPerformer(const HapticPerformer&) = delete;
-    HapticPerformer& operator=(const HapticPerformer&) = delete;
     virtual ~HapticPerformer() = default;
 
     /// One pulse. Never waits.
@@ -24,11 +23,8 @@ public:
 };
 
 /// Where performers come from. Opens nothing by itself.
-class HapticService {
+class HapticService : NonCopyable {
 public:
-    HapticService() = default;
-    HapticService(const HapticService&) = delete;
-    HapticService& operator=(const HapticService&) = delete;
     virtual ~HapticService() = default;
 
     /// The performer of the device that is best suited now; never null, and cheap enough to be

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/NonCopyable.h"
+
 namespace quorvane {
 
 /// The workspace centre's notifications.
@@ -16,14 +18,11 @@ inline constexpr std::string_view didWake = "NSWorkspaceDidWakeNotification";
 
 /// Delivers named notifications to whoever observes the name, in the order of registration.
 /// Blocks run on the main thread; all calls are made there.
-class NotificationCenter {
+class NotificationCenter : NonCopyable {
 public:
     /// Stands for one registration; never zero.
     using Token = std::uint64_t;
 
-    NotificationCenter() = default;
-    NotificationCenter(const NotificationCenter&) = delete;
-    NotificationCenter& operator=(const NotificationCenter&) = delete;
     virtual ~NotificationCenter() = default;
 
     /// Registers `block` for `name`, from whichever sender.

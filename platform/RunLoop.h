@@ -4,16 +4,14 @@
 #include <memory>
 
 #include "base/MainQueue.h"
+#include "base/NonCopyable.h"
 
 namespace quorvane {
 
 /// A timer that the run loop has been given. The run loop keeps a scheduled timer alive: letting go
 /// of the handle does not stop it, only `invalidate` does. Main thread only.
-class Timer {
+class Timer : NonCopyable {
 public:
-    Timer() = default;
-    Timer(const Timer&) = delete;
-    Timer& operator=(const Timer&) = delete;
     virtual ~Timer() = default;
 
     /// Ends the timer for good; it works from inside the timer's own block and may be repeated.

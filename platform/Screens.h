@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 
+#include "base/NonCopyable.h"
 #include "base/Observable.h"
 #include "platform/Canvas.h"
 
@@ -12,11 +13,8 @@ namespace quorvane {
 /// What an overlay panel shows. The panel draws it when it appears and whenever it says that it has
 /// changed; the parts that change are drawn apart, so that a change need not redraw the whole
 /// screen. Main thread only.
-class OverlayView {
+class OverlayView : NonCopyable {
 public:
-    OverlayView() = default;
-    OverlayView(const OverlayView&) = delete;
-    OverlayView& operator=(const OverlayView&) = delete;
     virtual ~OverlayView() = default;
 
     /// Everything that looks the same for as long as the panel is up, over the panel's background.
@@ -54,11 +52,8 @@ inline constexpr int screenSaver = 1000;
 /// A borderless window over a screen. It is never key, does not activate the application, takes the
 /// clicks over its screen and leaves the keyboard where it was. Shown from `orderFrontRegardless`
 /// to `orderOut`; letting go of a shown panel leaves it up. Main thread only.
-class OverlayPanel {
+class OverlayPanel : NonCopyable {
 public:
-    OverlayPanel() = default;
-    OverlayPanel(const OverlayPanel&) = delete;
-    OverlayPanel& operator=(const OverlayPanel&) = delete;
     virtual ~OverlayPanel() = default;
 
     virtual void setLevel(int level) = 0;
@@ -77,11 +72,8 @@ public:
 };
 
 /// One screen, in the coordinates that panels use.
-class Screen {
+class Screen : NonCopyable {
 public:
-    Screen() = default;
-    Screen(const Screen&) = delete;
-    Screen& operator=(const Screen&) = delete;
     virtual ~Screen() = default;
 
     /// The whole screen, menu bar and docks included, as it is now.
@@ -89,11 +81,8 @@ public:
 };
 
 /// The screens there are, and the panels over them. Main thread only.
-class ScreenService {
+class ScreenService : NonCopyable {
 public:
-    ScreenService() = default;
-    ScreenService(const ScreenService&) = delete;
-    ScreenService& operator=(const ScreenService&) = delete;
     virtual ~ScreenService() = default;
 
     /// The screen that holds the window with the keyboard focus, else the primary one; null if

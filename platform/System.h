@@ -6,16 +6,15 @@
 #include <string>
 #include <string_view>
 
+#include "base/NonCopyable.h"
+
 namespace quorvane {
 
 /// The one-line services of the operating system. All of them: main thread only.
 
 /// The person's stored settings.
-class UserDefaults {
+class UserDefaults : NonCopyable {
 public:
-    UserDefaults() = default;
-    UserDefaults(const UserDefaults&) = delete;
-    UserDefaults& operator=(const UserDefaults&) = delete;
     virtual ~UserDefaults() = default;
 
     /// False when the key is absent or holds no Boolean.
@@ -26,11 +25,8 @@ public:
 };
 
 /// The application's resources.
-class Bundle {
+class Bundle : NonCopyable {
 public:
-    Bundle() = default;
-    Bundle(const Bundle&) = delete;
-    Bundle& operator=(const Bundle&) = delete;
     virtual ~Bundle() = default;
 
     /// The file of the resource `name` with the extension `extension`; none if there is no such.
@@ -39,11 +35,8 @@ public:
 };
 
 /// What is known of the machine and of what the person allows.
-class SystemInfo {
+class SystemInfo : NonCopyable {
 public:
-    SystemInfo() = default;
-    SystemInfo(const SystemInfo&) = delete;
-    SystemInfo& operator=(const SystemInfo&) = delete;
     virtual ~SystemInfo() = default;
 
     /// The maker's name of the model ("MacBookPro18,3"); empty when it is not known.
@@ -56,11 +49,8 @@ public:
 };
 
 /// The system's random numbers.
-class Random {
+class Random : NonCopyable {
 public:
-    Random() = default;
-    Random(const Random&) = delete;
-    Random& operator=(const Random&) = delete;
     virtual ~Random() = default;
 
     /// Uniform over the whole numbers from 0 to `upperBound`, both included.
@@ -68,11 +58,8 @@ public:
 };
 
 /// Standard output, which carries the system's console lines and nothing else.
-class Console {
+class Console : NonCopyable {
 public:
-    Console() = default;
-    Console(const Console&) = delete;
-    Console& operator=(const Console&) = delete;
     virtual ~Console() = default;
 
     /// Writes `line` and a line end at once; a reader that has gone is not an error.

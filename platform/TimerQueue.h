@@ -18,9 +18,6 @@ class TimerQueue {
 public:
     using Nanoseconds = std::int64_t;
 
-    TimerQueue() = default;
-    TimerQueue(const TimerQueue&) = delete;
-    TimerQueue& operator=(const TimerQueue&) = delete;
     ~TimerQueue();
 
     /// See RunLoop::scheduledTimer; `now` is the start of the grid.

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/NonCopyable.h"
 #include "base/Observable.h"
 #include "platform/Platform.h"
 
@@ -15,11 +16,9 @@ namespace quorvane {
 /// Finds the notebook's lid-angle sensor among its maker's HID devices and publishes the hinge's
 /// angle and angular velocity; where there is none, makes up bursts of velocity from the screens
 /// going to sleep and waking. Main thread only; owned through a shared pointer.
-class LidAngleSensor : public std::enable_shared_from_this<LidAngleSensor> {
+class LidAngleSensor : public std::enable_shared_from_this<LidAngleSensor>, NonCopyable {
 public:
     [[nodiscard]] static std::shared_ptr<LidAngleSensor> create(const Platform& platform);
-    LidAngleSensor(const LidAngleSensor&) = delete;
-    LidAngleSensor& operator=(const LidAngleSensor&) = delete;
     ~LidAngleSensor();
 
     /// Looks for the sensor, or settles on the fallback. May be repeated.

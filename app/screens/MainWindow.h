@@ -19,8 +19,6 @@ class MainWindow final : public QObject {
 public:
     /// `content`, the platform's services and `desktop` outlive the window.
     MainWindow(ContentView& content, const Platform& platform, Desktop& desktop);
-    MainWindow(const MainWindow&) = delete;
-    MainWindow& operator=(const MainWindow&) = delete;
     ~MainWindow() override;
 
     /// False if the screens could not be loaded; what is wrong with them is on standard error.

@@ -33,8 +33,6 @@ public:
     }};
 
     [[nodiscard]] static std::shared_ptr<BSODManager> create(const Platform& platform);
-    BSODManager(const BSODManager&) = delete;
-    BSODManager& operator=(const BSODManager&) = delete;
     ~BSODManager() override;
 
     void start() override;

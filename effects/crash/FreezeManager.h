@@ -15,8 +15,6 @@ class FreezeManager final : public EffectManager,
                             public std::enable_shared_from_this<FreezeManager> {
 public:
     [[nodiscard]] static std::shared_ptr<FreezeManager> create(const Platform& platform);
-    FreezeManager(const FreezeManager&) = delete;
-    FreezeManager& operator=(const FreezeManager&) = delete;
     ~FreezeManager() override;
 
     void start() override;

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string_view>
 
+#include "base/NonCopyable.h"
 #include "base/Observable.h"
 #include "platform/Platform.h"
 
@@ -13,11 +14,9 @@ namespace quorvane {
 /// Plays the hinge creak while the lid moves: starts it when the hinge is fast enough, pauses it
 /// where it is when the hinge slows down, resumes it there, and plays it afresh only after it has
 /// sounded to its end. Main thread only; owned through a shared pointer.
-class AudioManager : public std::enable_shared_from_this<AudioManager> {
+class AudioManager : public std::enable_shared_from_this<AudioManager>, NonCopyable {
 public:
     [[nodiscard]] static std::shared_ptr<AudioManager> create(const Platform& platform);
-    AudioManager(const AudioManager&) = delete;
-    AudioManager& operator=(const AudioManager&) = delete;
     ~AudioManager();
 
     /// Decodes the bundle's resource into memory. Without it, or when it cannot be decoded, prints

@@ -14,8 +14,6 @@ class FanManager final : public EffectManager {
 public:
     /// Loads the sound.
     [[nodiscard]] static std::shared_ptr<FanManager> create(const Platform& platform);
-    FanManager(const FanManager&) = delete;
-    FanManager& operator=(const FanManager&) = delete;
     ~FanManager() override;
 
     /// From the beginning of the sound. Without a sound there is no buzzing either.

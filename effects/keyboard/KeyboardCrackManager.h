@@ -18,8 +18,6 @@ public:
 
     /// Loads the sound and becomes `shared`.
     [[nodiscard]] static std::shared_ptr<KeyboardCrackManager> create(const Platform& platform);
-    KeyboardCrackManager(const KeyboardCrackManager&) = delete;
-    KeyboardCrackManager& operator=(const KeyboardCrackManager&) = delete;
     ~KeyboardCrackManager() override;
 
     /// Listens from now on. Without permission the system asks the person, and 3 s later there is

@@ -16,8 +16,6 @@ class StartupSoundManager final : public StartupExperience,
 public:
     /// Loads the clip, makes the rumble, observes wake-ups and looks whether this is a login.
     [[nodiscard]] static std::shared_ptr<StartupSoundManager> create(const Platform& platform);
-    StartupSoundManager(const StartupSoundManager&) = delete;
-    StartupSoundManager& operator=(const StartupSoundManager&) = delete;
     ~StartupSoundManager() override;
 
     /// Plays the sequence, once: not while it is switched off, not while one plays, not without its

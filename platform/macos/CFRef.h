@@ -4,12 +4,14 @@
 
 #include <utility>
 
+#include "base/NonCopyable.h"
+
 namespace quorvane {
 
 /// One reference to a Core Foundation object, or none. `Ref` is the object's own pointer type
 /// (CFStringRef, IOHIDManagerRef).
 template <typename Ref>
-class CFRef {
+class CFRef : NonCopyable {
 public:
     CFRef() = default;
 
@@ -33,9 +35,6 @@ public:
         std::swap(m_object, other.m_object);
         return *this;
     }
-
-    CFRef(const CFRef&) = delete;
-    CFRef& operator=(const CFRef&) = delete;
 
     ~CFRef() {
         if (m_object)

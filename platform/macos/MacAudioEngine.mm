@@ -1,4 +1,5 @@
 #include "platform/macos/MacAudioEngine.h"
+#include "base/NonCopyable.h"
 
 #import <AVFAudio/AVFAudio.h>
 
@@ -35,7 +36,7 @@ using Action = void (^)();
 
 /// Runs an action, on the main thread, when the output device of an engine has changed, which stops
 /// the engine.
-class ConfigurationObserver {
+class ConfigurationObserver : NonCopyable {
 public:
     ConfigurationObserver(AVAudioEngine* engine, Action action)
         : m_token([NSNotificationCenter.defaultCenter
@@ -46,9 +47,6 @@ public:
                         action();
                       }]) {}
 
-    ConfigurationObserver(const ConfigurationObserver&) = delete;
-    ConfigurationObserver& operator=(const ConfigurationObserver&) = delete;
-
     ~ConfigurationObserver() { [NSNotificationCenter.defaultCenter removeObserver:m_token]; }
 
 private:
@@ -58,9 +56,6 @@ private:
 class MacAudioEngine final : public AudioEngine {
 public:
     MacAudioEngine() : m_observer(m_engine, makeStopper()) {}
-
-    MacAudioEngine(const MacAudioEngine&) = delete;
-    MacAudioEngine& operator=(const MacAudioEngine&) = delete;
 
     ~MacAudioEngine() override { [m_engine stop]; }
 
@@ -109,9 +104,6 @@ public:
     MacAudioOutputHold() : m_observer(m_engine, makeStarter()) {
         static_cast<void>(startEngine(m_engine));
     }
-
-    MacAudioOutputHold(const MacAudioOutputHold&) = delete;
-    MacAudioOutputHold& operator=(const MacAudioOutputHold&) = delete;
 
     ~MacAudioOutputHold() override { [m_engine stop]; }
 

@@ -11,10 +11,6 @@ namespace {
 
 class MacAudioPlayerNode final : public AudioPlayerNode {
 public:
-    MacAudioPlayerNode() = default;
-    MacAudioPlayerNode(const MacAudioPlayerNode&) = delete;
-    MacAudioPlayerNode& operator=(const MacAudioPlayerNode&) = delete;
-
     ~MacAudioPlayerNode() override { [m_node.engine detachNode:m_node]; }
 
     void scheduleBuffer(std::shared_ptr<const PCMBuffer> buffer, BufferOptions options,

@@ -10,8 +10,6 @@ namespace quorvane {
 class MacDesktop final : public Desktop {
 public:
     MacDesktop();
-    MacDesktop(const MacDesktop&) = delete;
-    MacDesktop& operator=(const MacDesktop&) = delete;
     ~MacDesktop() override;
 
     [[nodiscard]] const Observable<bool>& reducesMotion() const override { return m_reducesMotion; }

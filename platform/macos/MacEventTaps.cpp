@@ -54,9 +54,6 @@ public:
     Port(CFMachPortRef port, TapCallback& place)
         : m_port(CFRef<CFMachPortRef>::owned(port)), m_place(place) {}
 
-    Port(const Port&) = delete;
-    Port& operator=(const Port&) = delete;
-
     ~Port() {
         CFMachPortInvalidate(m_port.get());
         m_place = nullptr;
@@ -73,9 +70,6 @@ class MacTapSource final : public TapSource {
 public:
     MacTapSource(std::shared_ptr<Port> port, CFRef<CFRunLoopSourceRef> source)
         : m_port(std::move(port)), m_source(std::move(source)) {}
-
-    MacTapSource(const MacTapSource&) = delete;
-    MacTapSource& operator=(const MacTapSource&) = delete;
 
     ~MacTapSource() override { remove(); }
 
@@ -100,9 +94,6 @@ public:
         // The system makes taps enabled.
         CGEventTapEnable(m_port->get(), false);
     }
-
-    MacEventTap(const MacEventTap&) = delete;
-    MacEventTap& operator=(const MacEventTap&) = delete;
 
     // Its source may live on.
     ~MacEventTap() override { CGEventTapEnable(m_port->get(), false); }

@@ -16,9 +16,6 @@ class MacNotificationCenter final : public NotificationCenter {
 public:
     explicit MacNotificationCenter(NSNotificationCenter* center) : m_center(center) {}
 
-    MacNotificationCenter(const MacNotificationCenter&) = delete;
-    MacNotificationCenter& operator=(const MacNotificationCenter&) = delete;
-
     ~MacNotificationCenter() override {
         for (const auto& [token, observer] : m_observers)
             [m_center removeObserver:observer.token];

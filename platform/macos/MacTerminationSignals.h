@@ -3,16 +3,16 @@
 #include <functional>
 #include <memory>
 
+#include "base/NonCopyable.h"
+
 namespace quorvane {
 
 /// Turns the wish of a shell or a session that the program ends (SIGINT, SIGTERM) into a call from
 /// the main queue. Make it before anything that has to be left in order. Signals that come before
 /// `listen` are lost; those that come on the way out change nothing.
-class MacTerminationSignals {
+class MacTerminationSignals : NonCopyable {
 public:
     MacTerminationSignals();
-    MacTerminationSignals(const MacTerminationSignals&) = delete;
-    MacTerminationSignals& operator=(const MacTerminationSignals&) = delete;
     ~MacTerminationSignals();
 
     /// From now on `handler` hears of every such signal.

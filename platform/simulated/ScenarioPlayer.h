@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/NonCopyable.h"
 #include "platform/EventTap.h"
 #include "platform/NotificationCenter.h"
 #include "platform/RunLoop.h"
@@ -22,13 +23,11 @@ struct ScenarioHandlers {
 };
 
 /// Lets the events of a scenario happen, in virtual time or in real. Main thread only.
-class ScenarioPlayer {
+class ScenarioPlayer : NonCopyable {
 public:
     /// Time zero is now. The services outlive the player.
     ScenarioPlayer(Scenario scenario, RunLoop& runLoop, NotificationCenter& workspace,
                    NotificationCenter& defaultCenter);
-    ScenarioPlayer(const ScenarioPlayer&) = delete;
-    ScenarioPlayer& operator=(const ScenarioPlayer&) = delete;
     /// What has not happened yet no longer happens.
     ~ScenarioPlayer();
 

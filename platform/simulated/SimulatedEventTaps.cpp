@@ -39,9 +39,6 @@ public:
         : m_calls(std::move(calls)), m_refusesSource(refusesSource), m_events(events),
           m_callback(callback) {}
 
-    Tap(const Tap&) = delete;
-    Tap& operator=(const Tap&) = delete;
-
     ~Tap() override { m_calls->emplace_back("close"); }
 
     [[nodiscard]] std::shared_ptr<TapSource> createRunLoopSource(int order) override {

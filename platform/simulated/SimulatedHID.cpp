@@ -77,9 +77,6 @@ public:
         m_calls->emplace_back("create");
     }
 
-    SimulatedHIDManager(const SimulatedHIDManager&) = delete;
-    SimulatedHIDManager& operator=(const SimulatedHIDManager&) = delete;
-
     ~SimulatedHIDManager() override { m_calls->emplace_back("release"); }
 
     void setDeviceMatching(const HIDMatching& matching) override {

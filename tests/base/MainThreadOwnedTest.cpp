@@ -1,4 +1,5 @@
 #include "base/MainThreadOwned.h"
+#include "base/NonCopyable.h"
 
 #include <gtest/gtest.h>
 #include <thread>
@@ -9,13 +10,10 @@
 namespace quorvane {
 namespace {
 
-class Owned {
+class Owned : NonCopyable {
 public:
     Owned(SimulatedRunLoop& runLoop, bool& destroyed)
         : m_runLoop(runLoop), m_destroyed(destroyed) {}
-
-    Owned(const Owned&) = delete;
-    Owned& operator=(const Owned&) = delete;
 
     ~Owned() {
         requireMainThread(m_runLoop, "Owned");

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 
+#include "base/NonCopyable.h"
 #include "platform/linux/desktop/LinuxApplication.h"
 #include "platform/simulated/SimulatedSystem.h"
 #include "tests/support/Environment.h"
@@ -13,11 +14,8 @@ namespace quorvane {
 
 namespace {
 
-class ApplicationContractSide {
+class ApplicationContractSide : NonCopyable {
 public:
-    ApplicationContractSide() = default;
-    ApplicationContractSide(const ApplicationContractSide&) = delete;
-    ApplicationContractSide& operator=(const ApplicationContractSide&) = delete;
     virtual ~ApplicationContractSide() = default;
 
     virtual const Application& application() = 0;

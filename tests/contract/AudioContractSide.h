@@ -4,17 +4,15 @@
 #include <memory>
 #include <vector>
 
+#include "base/NonCopyable.h"
 #include "platform/Audio.h"
 
 namespace quorvane {
 
 /// One implementation of sound, as the contract's cases need it: a service, a way to let time pass,
 /// and a hand on the output device and on the files.
-class AudioContractSide {
+class AudioContractSide : NonCopyable {
 public:
-    AudioContractSide() = default;
-    AudioContractSide(const AudioContractSide&) = delete;
-    AudioContractSide& operator=(const AudioContractSide&) = delete;
     virtual ~AudioContractSide() = default;
 
     virtual AudioService& service() = 0;

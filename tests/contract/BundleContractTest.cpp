@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 
+#include "base/NonCopyable.h"
 #include "platform/linux/system/LinuxBundle.h"
 #include "platform/simulated/SimulatedSystem.h"
 #include "tests/support/TemporaryFolder.h"
@@ -9,11 +10,8 @@ namespace quorvane {
 
 namespace {
 
-class BundleContractSide {
+class BundleContractSide : NonCopyable {
 public:
-    BundleContractSide() = default;
-    BundleContractSide(const BundleContractSide&) = delete;
-    BundleContractSide& operator=(const BundleContractSide&) = delete;
     virtual ~BundleContractSide() = default;
 
     /// Holds "creaking" of type "mp3", whose file's content is "creak".

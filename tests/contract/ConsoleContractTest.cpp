@@ -6,6 +6,7 @@
 #include <unistd.h>
 #include <vector>
 
+#include "base/NonCopyable.h"
 #include "platform/linux/system/LinuxConsole.h"
 #include "platform/macos/MacConsole.h"
 #include "platform/simulated/SimulatedSystem.h"
@@ -14,11 +15,8 @@ namespace quorvane {
 
 namespace {
 
-class ConsoleContractSide {
+class ConsoleContractSide : NonCopyable {
 public:
-    ConsoleContractSide() = default;
-    ConsoleContractSide(const ConsoleContractSide&) = delete;
-    ConsoleContractSide& operator=(const ConsoleContractSide&) = delete;
     virtual ~ConsoleContractSide() = default;
 
     virtual Console& console() = 0;
@@ -45,9 +43,6 @@ template <typename DescriptorConsole>
 class PipeSide final : public ConsoleContractSide {
 public:
     PipeSide() : m_ends(makePipe()), m_console(m_ends[1]) {}
-
-    PipeSide(const PipeSide&) = delete;
-    PipeSide& operator=(const PipeSide&) = delete;
 
     ~PipeSide() override {
         close(m_ends[0]);

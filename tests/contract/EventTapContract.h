@@ -4,16 +4,14 @@
 #include <memory>
 #include <vector>
 
+#include "base/NonCopyable.h"
 #include "platform/EventTap.h"
 
 namespace quorvane {
 
 /// One implementation of event taps, and a person at its keyboard.
-class EventTapContractSide {
+class EventTapContractSide : NonCopyable {
 public:
-    EventTapContractSide() = default;
-    EventTapContractSide(const EventTapContractSide&) = delete;
-    EventTapContractSide& operator=(const EventTapContractSide&) = delete;
     virtual ~EventTapContractSide() = default;
 
     virtual EventTapService& service() = 0;

@@ -11,6 +11,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "base/NonCopyable.h"
 #include "platform/linux/keyboard/LinuxEventTaps.h"
 #include "platform/linux/keyboard/UdevKeyboardNodes.h"
 #include "tests/contract/EventTapContract.h"
@@ -23,7 +24,7 @@ namespace quorvane {
 namespace {
 
 /// Repeats nothing by itself.
-class UinputKeyboard {
+class UinputKeyboard : NonCopyable {
 public:
     UinputKeyboard() : m_descriptor(open("/dev/uinput", O_WRONLY | O_CLOEXEC)) {
         ioctl(m_descriptor, UI_SET_EVBIT, EV_KEY);
@@ -37,9 +38,6 @@ public:
         if (!QtApplication::runUntil([] { return !UdevKeyboardNodes::list().empty(); }))
             throw std::runtime_error("udev does not find the keyboard");
     }
-
-    UinputKeyboard(const UinputKeyboard&) = delete;
-    UinputKeyboard& operator=(const UinputKeyboard&) = delete;
 
     ~UinputKeyboard() {
         close(m_descriptor);

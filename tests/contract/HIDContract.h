@@ -6,16 +6,14 @@
 #include <optional>
 #include <vector>
 
+#include "base/NonCopyable.h"
 #include "platform/HID.h"
 
 namespace quorvane {
 
 /// One implementation of HID with one lid sensor to be found.
-class HIDContractSide {
+class HIDContractSide : NonCopyable {
 public:
-    HIDContractSide() = default;
-    HIDContractSide(const HIDContractSide&) = delete;
-    HIDContractSide& operator=(const HIDContractSide&) = delete;
     virtual ~HIDContractSide() = default;
 
     virtual HIDService& service() = 0;

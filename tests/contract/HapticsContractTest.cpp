@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "base/NonCopyable.h"
 #include "platform/linux/haptics/LinuxHaptics.h"
 #include "platform/simulated/SimulatedHaptics.h"
 #include "platform/simulated/SimulatedRunLoop.h"
@@ -16,11 +17,8 @@ namespace {
 
 using testing::ElementsAre;
 
-class HapticsContractSide {
+class HapticsContractSide : NonCopyable {
 public:
-    HapticsContractSide() = default;
-    HapticsContractSide(const HapticsContractSide&) = delete;
-    HapticsContractSide& operator=(const HapticsContractSide&) = delete;
     virtual ~HapticsContractSide() = default;
 
     virtual HapticService& service() = 0;

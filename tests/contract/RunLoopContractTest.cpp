@@ -11,6 +11,7 @@
 #include <thread>
 #include <vector>
 
+#include "base/NonCopyable.h"
 #include "platform/linux/system/LinuxRunLoop.h"
 #include "platform/simulated/SimulatedRunLoop.h"
 
@@ -18,11 +19,8 @@ namespace quorvane {
 namespace {
 
 /// A run loop and how time passes on it.
-class Side {
+class Side : NonCopyable {
 public:
-    Side() = default;
-    Side(const Side&) = delete;
-    Side& operator=(const Side&) = delete;
     virtual ~Side() = default;
 
     virtual RunLoop& runLoop() = 0;

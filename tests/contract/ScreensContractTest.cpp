@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include "base/NonCopyable.h"
 #include "platform/linux/overlays/LinuxScreens.h"
 #include "platform/simulated/SimulatedScreens.h"
 #include "tests/support/TestDesktop.h"
@@ -16,11 +17,8 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 /// A machine with one screen of 1280 by 800, and what is to be seen on it.
-class Side {
+class Side : NonCopyable {
 public:
-    Side() = default;
-    Side(const Side&) = delete;
-    Side& operator=(const Side&) = delete;
     virtual ~Side() = default;
     [[nodiscard]] virtual ScreenService& screens() = 0;
     /// Of the panels that are up, the widths, the foremost last.

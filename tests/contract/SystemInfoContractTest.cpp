@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 
+#include "base/NonCopyable.h"
 #include "platform/linux/system/LinuxSystemInfo.h"
 #include "platform/macos/MacSystemInfo.h"
 #include "platform/simulated/SimulatedSystem.h"
@@ -12,11 +13,8 @@ namespace quorvane {
 
 namespace {
 
-class SystemInfoContractSide {
+class SystemInfoContractSide : NonCopyable {
 public:
-    SystemInfoContractSide() = default;
-    SystemInfoContractSide(const SystemInfoContractSide&) = delete;
-    SystemInfoContractSide& operator=(const SystemInfoContractSide&) = delete;
     virtual ~SystemInfoContractSide() = default;
 
     virtual SystemInfo& info() = 0;

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 
+#include "base/NonCopyable.h"
 #include "platform/linux/system/LinuxUserDefaults.h"
 #include "platform/simulated/SimulatedSystem.h"
 #include "tests/support/TemporaryFolder.h"
@@ -9,11 +10,8 @@ namespace quorvane {
 
 namespace {
 
-class UserDefaultsContractSide {
+class UserDefaultsContractSide : NonCopyable {
 public:
-    UserDefaultsContractSide() = default;
-    UserDefaultsContractSide(const UserDefaultsContractSide&) = delete;
-    UserDefaultsContractSide& operator=(const UserDefaultsContractSide&) = delete;
     virtual ~UserDefaultsContractSide() = default;
 
     virtual UserDefaults& defaults() = 0;

@@ -8,16 +8,16 @@
 #include <string>
 #include <vector>
 
+#include "base/NonCopyable.h"
+
 /// A scripted stand-in of the C functions of macOS that platform/macos calls: reference counts and
 /// run loops of Core Foundation, HID devices, event taps, the trust and the model. It is one
 /// machine a process; a test resets it, scripts it, and asks what was called and what is left.
 namespace quorvane::standin {
 
 /// What a CF type reference points to here.
-struct Object {
+struct Object : private NonCopyable {
     Object();
-    Object(const Object&) = delete;
-    Object& operator=(const Object&) = delete;
     virtual ~Object();
 
     /// "CFNumber", "IOHIDDevice".

@@ -1,4 +1,5 @@
 #include "platform/TimerQueue.h"
+#include "base/NonCopyable.h"
 
 #include <gtest/gtest.h>
 #include <memory>
@@ -109,12 +110,9 @@ TEST(TimerQueue, a_handle_may_outlive_the_queue) {
 }
 
 TEST(TimerQueue, what_a_block_owns_may_invalidate_other_timers_while_the_queue_goes) {
-    class Invalidator {
+    class Invalidator : NonCopyable {
     public:
         explicit Invalidator(std::shared_ptr<Timer> timer) : m_timer(std::move(timer)) {}
-
-        Invalidator(const Invalidator&) = delete;
-        Invalidator& operator=(const Invalidator&) = delete;
 
         ~Invalidator() { m_timer->invalidate(); }
 

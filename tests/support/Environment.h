@@ -5,10 +5,12 @@
 #include <string>
 #include <utility>
 
+#include "base/NonCopyable.h"
+
 namespace quorvane {
 
 /// Sets an environment variable, or takes it away, for as long as the object lives.
-class EnvironmentVariable {
+class EnvironmentVariable : NonCopyable {
 public:
     EnvironmentVariable(std::string name, const std::optional<std::string>& value)
         : m_name(std::move(name)) {
@@ -17,9 +19,6 @@ public:
             m_before = before;
         set(value);
     }
-
-    EnvironmentVariable(const EnvironmentVariable&) = delete;
-    EnvironmentVariable& operator=(const EnvironmentVariable&) = delete;
 
     ~EnvironmentVariable() { set(m_before); }
 

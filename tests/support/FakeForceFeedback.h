@@ -98,9 +98,6 @@ private:
         Port(FakeForceFeedback& machine, std::string node)
             : m_machine(machine), m_node(std::move(node)) {}
 
-        Port(const Port&) = delete;
-        Port& operator=(const Port&) = delete;
-
         ~Port() override {
             const std::lock_guard lock(m_machine.m_mutex);
             auto& opened = m_machine.m_opened;

@@ -4,19 +4,18 @@
 
 #include <filesystem>
 
+#include "base/NonCopyable.h"
+
 namespace quorvane {
 
 /// While it lives, this thread uses files as a user who owns none of them, root's rights aside.
-class RightsOfAnotherUser {
+class RightsOfAnotherUser : NonCopyable {
 public:
     /// That user may enter `folder`.
     explicit RightsOfAnotherUser(const std::filesystem::path& folder) {
         std::filesystem::permissions(folder, std::filesystem::perms{0755});
         m_before = static_cast<uid_t>(setfsuid(anotherUser));
     }
-
-    RightsOfAnotherUser(const RightsOfAnotherUser&) = delete;
-    RightsOfAnotherUser& operator=(const RightsOfAnotherUser&) = delete;
 
     ~RightsOfAnotherUser() { setfsuid(m_before); }
 

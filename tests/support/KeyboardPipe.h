@@ -11,20 +11,19 @@
 #include <string_view>
 #include <utility>
 
+#include "base/NonCopyable.h"
+
 namespace quorvane {
 
 /// A named pipe that carries a keyboard's events as its event node would. The writer's end holds it
 /// open, and closing that is the keyboard's end.
-class KeyboardPipe {
+class KeyboardPipe : NonCopyable {
 public:
     explicit KeyboardPipe(std::filesystem::path node) : m_node(std::move(node)) {
         if (mkfifo(m_node.c_str(), 0600) != 0)
             throw std::runtime_error("no named pipe");
         m_descriptor = open(m_node.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
     }
-
-    KeyboardPipe(const KeyboardPipe&) = delete;
-    KeyboardPipe& operator=(const KeyboardPipe&) = delete;
 
     ~KeyboardPipe() { unplug(); }
 

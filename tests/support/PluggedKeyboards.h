@@ -14,9 +14,6 @@ public:
     public:
         explicit Nodes(PluggedKeyboards& machine) : m_machine(machine) {}
 
-        Nodes(const Nodes&) = delete;
-        Nodes& operator=(const Nodes&) = delete;
-
         ~Nodes() override { m_machine.m_followers.erase(this); }
 
         void follow(Visit present, Visit gone) override {

@@ -3,17 +3,16 @@
 #include <filesystem>
 #include <string>
 
+#include "base/NonCopyable.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestProgram.h"
 
 namespace quorvane {
 
 /// A system bus of the test's own, on which everybody may do everything.
-class PrivateBus {
+class PrivateBus : NonCopyable {
 public:
     PrivateBus();
-    PrivateBus(const PrivateBus&) = delete;
-    PrivateBus& operator=(const PrivateBus&) = delete;
     ~PrivateBus() = default;
 
     [[nodiscard]] std::string address() const;

@@ -8,16 +8,16 @@
 
 #include <sys/types.h>
 
+#include "base/NonCopyable.h"
+
 namespace quorvane {
 
 /// A child process that is ended with this object, and with the test program if that dies first.
-class ChildProcess {
+class ChildProcess : NonCopyable {
 public:
     /// Its output goes to `log`. Throws when it cannot be made.
     ChildProcess(const std::vector<std::string>& command, const std::filesystem::path& log,
                  const std::vector<std::string>& unsetVariables = {});
-    ChildProcess(const ChildProcess&) = delete;
-    ChildProcess& operator=(const ChildProcess&) = delete;
     ~ChildProcess();
 
     [[nodiscard]] bool isAlive();
@@ -33,11 +33,9 @@ private:
 };
 
 /// A folder of its own that is removed with this object.
-class TemporaryFolder {
+class TemporaryFolder : NonCopyable {
 public:
     TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
     ~TemporaryFolder();
 
     [[nodiscard]] const std::filesystem::path& path() const { return m_path; }

@@ -8,14 +8,14 @@
 #include <memory>
 #include <string>
 
+#include "base/NonCopyable.h"
+
 namespace quorvane {
 
 /// A connection of one stand-in service, which has the service's name while this lives.
-class BusService {
+class BusService : NonCopyable {
 public:
     BusService(const std::string& address, const QString& name);
-    BusService(const BusService&) = delete;
-    BusService& operator=(const BusService&) = delete;
     ~BusService();
 
     [[nodiscard]] QDBusConnection bus() const { return QDBusConnection(m_connectionName); }
@@ -35,8 +35,6 @@ public:
     explicit StandInUPower(const std::string& address, bool lidIsClosed = false,
                            bool lidIsPresent = true,
                            const QString& name = QStringLiteral("org.freedesktop.UPower"));
-    StandInUPower(const StandInUPower&) = delete;
-    StandInUPower& operator=(const StandInUPower&) = delete;
     ~StandInUPower() override;
 
     /// Changes the property and says so.

@@ -9,10 +9,12 @@
 #include <string_view>
 #include <system_error>
 
+#include "base/NonCopyable.h"
+
 namespace quorvane {
 
 /// A folder that goes with the object, whatever is in it by then.
-class TemporaryFolder {
+class TemporaryFolder : NonCopyable {
 public:
     TemporaryFolder() {
         std::string name = (std::filesystem::temp_directory_path() / "quorvane-XXXXXX").string();
@@ -20,9 +22,6 @@ public:
             throw std::runtime_error("no temporary folder");
         m_path = name;
     }
-
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
     ~TemporaryFolder() {
         std::error_code error;

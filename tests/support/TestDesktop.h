@@ -8,20 +8,19 @@
 #include <vector>
 #include <xcb/xcb.h>
 
+#include "base/NonCopyable.h"
 #include "tests/support/TestProgram.h"
 
 namespace quorvane {
 
 /// A virtual display of 1280 by 800 with a window manager, the toolkit's application on it, and a
 /// person who looks, clicks and types.
-class TestDesktop {
+class TestDesktop : NonCopyable {
 public:
     static constexpr QRect whole{0, 0, 1280, 800};
 
     /// `serverOptions`: of the X server, such as an extension that it is to do without.
     explicit TestDesktop(const std::vector<std::string>& serverOptions = {});
-    TestDesktop(const TestDesktop&) = delete;
-    TestDesktop& operator=(const TestDesktop&) = delete;
     ~TestDesktop();
 
     /// Until this object, or what it gives, goes.

@@ -5,14 +5,14 @@
 
 #include <sys/types.h>
 
+#include "base/NonCopyable.h"
+
 namespace quorvane {
 
 /// A program that is ended with this object, and with the test if that dies first.
-class TestProgram {
+class TestProgram : NonCopyable {
 public:
     explicit TestProgram(const std::vector<std::string>& command);
-    TestProgram(const TestProgram&) = delete;
-    TestProgram& operator=(const TestProgram&) = delete;
 
     ~TestProgram() { end(); }
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <xcb/xcb.h>
 
+#include "base/NonCopyable.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TestDesktop.h"
 
@@ -13,11 +14,9 @@ namespace quorvane {
 
 /// A virtual display with nothing on it but a person who types; DISPLAY names it for as long as it
 /// lives. Needs no toolkit.
-class TypingDisplay {
+class TypingDisplay : NonCopyable {
 public:
     TypingDisplay();
-    TypingDisplay(const TypingDisplay&) = delete;
-    TypingDisplay& operator=(const TypingDisplay&) = delete;
     ~TypingDisplay();
 
     /// By the X server's number of the key, of the keymap that it starts with.

@@ -21,8 +21,6 @@ public:
     /// Shows each of the `newer` particles by itself.
     FloatingEmojiNode(QQuickWindow& window, const Particles& particles,
                       std::shared_ptr<SceneValue<Particles>> newer);
-    FloatingEmojiNode(const FloatingEmojiNode&) = delete;
-    FloatingEmojiNode& operator=(const FloatingEmojiNode&) = delete;
     ~FloatingEmojiNode() override;
 
     /// As many as there were at first, and of the same sizes.

@@ -4,6 +4,7 @@
 #include <memory>
 #include <variant>
 
+#include "base/NonCopyable.h"
 #include "platform/Audio.h"
 #include "platform/linux/audio/OpenALAudioLibrary.h"
 
@@ -12,13 +13,11 @@ namespace quorvane {
 /// An open output device and the one context on it, which is OpenAL's current one while this object
 /// lives. One thread at a time opens, closes, pauses and
 /// resumes, all of which wait for the sound server; meanwhile others may ask.
-class OpenALAudioDevice {
+class OpenALAudioDevice : NonCopyable {
 public:
     /// Opens the default device; the error when there is none that anybody could hear.
     [[nodiscard]] static std::variant<std::unique_ptr<OpenALAudioDevice>, AudioError>
     open(const OpenALAudioLibrary& library);
-    OpenALAudioDevice(const OpenALAudioDevice&) = delete;
-    OpenALAudioDevice& operator=(const OpenALAudioDevice&) = delete;
     ~OpenALAudioDevice();
 
     [[nodiscard]] const OpenALAudioLibrary& al() const { return m_al; }

@@ -22,8 +22,6 @@ public:
     open(const std::shared_ptr<OpenALAudioOutput>& output, const std::filesystem::path& path);
     OpenALAudioFilePlayer(std::shared_ptr<OpenALAudioOutput> output,
                           std::shared_ptr<AudioFile> file);
-    OpenALAudioFilePlayer(const OpenALAudioFilePlayer&) = delete;
-    OpenALAudioFilePlayer& operator=(const OpenALAudioFilePlayer&) = delete;
     ~OpenALAudioFilePlayer() override;
 
     [[nodiscard]] double duration() const override;

@@ -6,6 +6,8 @@
 #include <AL/alc.h>
 #include <AL/alext.h>
 
+#include "base/NonCopyable.h"
+
 namespace quorvane {
 
 /// OpenAL's functions, from a library that is loaded while this object lives.
@@ -13,12 +15,10 @@ namespace quorvane {
 /// Loaded at run time because OpenAL Soft chooses its back end once, when it is first used: a sound
 /// server that appears later, or a sound card after the server went, is only found by a library
 /// that was unloaded in between.
-class OpenALAudioLibrary {
+class OpenALAudioLibrary : NonCopyable {
 public:
     /// Null when OpenAL is not installed, or is too old to have a function that is needed.
     [[nodiscard]] static std::unique_ptr<OpenALAudioLibrary> load();
-    OpenALAudioLibrary(const OpenALAudioLibrary&) = delete;
-    OpenALAudioLibrary& operator=(const OpenALAudioLibrary&) = delete;
     ~OpenALAudioLibrary();
 
     // Under the names that OpenAL gives them.

@@ -9,6 +9,7 @@
 #include <thread>
 #include <vector>
 
+#include "base/NonCopyable.h"
 #include "platform/Audio.h"
 #include "platform/linux/audio/OpenALAudioClip.h"
 #include "platform/linux/audio/OpenALAudioDevice.h"
@@ -25,7 +26,7 @@ namespace quorvane {
 /// mutex, so that one that hangs holds up nobody. The owner of the last reference must not be a
 /// completion. Where a sound server plays, a held device is kept running by a silent stream, and
 /// its own rests.
-class OpenALAudioOutput {
+class OpenALAudioOutput : NonCopyable {
 public:
     using Clock = std::chrono::steady_clock;
     /// Silence after which the device is paused: an open stream wakes the processor hundreds of
@@ -38,8 +39,6 @@ public:
     static constexpr std::chrono::seconds lingerTime{2};
 
     [[nodiscard]] static std::shared_ptr<OpenALAudioOutput> create();
-    OpenALAudioOutput(const OpenALAudioOutput&) = delete;
-    OpenALAudioOutput& operator=(const OpenALAudioOutput&) = delete;
     ~OpenALAudioOutput() = default;
 
     // Engines are told apart by their address.

@@ -18,9 +18,6 @@ public:
     explicit OpenALAudioPlayerNode(std::shared_ptr<OpenALAudioOutput> output)
         : m_output(std::move(output)) {}
 
-    OpenALAudioPlayerNode(const OpenALAudioPlayerNode&) = delete;
-    OpenALAudioPlayerNode& operator=(const OpenALAudioPlayerNode&) = delete;
-
     ~OpenALAudioPlayerNode() override { m_output->remove(m_voice); }
 
     void scheduleBuffer(std::shared_ptr<const PCMBuffer> buffer, BufferOptions options,
@@ -54,9 +51,6 @@ public:
     explicit OpenALAudioEngine(std::shared_ptr<OpenALAudioOutput> output)
         : m_output(std::move(output)) {}
 
-    OpenALAudioEngine(const OpenALAudioEngine&) = delete;
-    OpenALAudioEngine& operator=(const OpenALAudioEngine&) = delete;
-
     ~OpenALAudioEngine() override { m_output->removeEngine(this); }
 
     void attach(const std::shared_ptr<AudioPlayerNode>& node) override {
@@ -85,9 +79,6 @@ public:
         : m_output(std::move(output)) {
         m_output->hold();
     }
-
-    OpenALAudioHold(const OpenALAudioHold&) = delete;
-    OpenALAudioHold& operator=(const OpenALAudioHold&) = delete;
 
     ~OpenALAudioHold() override { m_output->release(); }
 

@@ -14,8 +14,6 @@ class OpenALAudioOutput;
 class OpenALAudioService final : public AudioService {
 public:
     OpenALAudioService();
-    OpenALAudioService(const OpenALAudioService&) = delete;
-    OpenALAudioService& operator=(const OpenALAudioService&) = delete;
     ~OpenALAudioService() override;
 
     std::shared_ptr<AudioEngine> createEngine() override;

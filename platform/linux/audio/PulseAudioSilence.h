@@ -3,6 +3,7 @@
 #include <atomic>
 #include <memory>
 
+#include "base/NonCopyable.h"
 #include "platform/linux/audio/PulseAudioLibrary.h"
 
 namespace quorvane {
@@ -12,12 +13,10 @@ namespace quorvane {
 /// at a time and so costs next to nothing, while its share of the output's own buffer stays short:
 /// servers that cannot take back what they have buffered make a new sound wait for no longer than
 /// that.
-class PulseAudioSilence {
+class PulseAudioSilence : NonCopyable {
 public:
     /// Begins to connect, and waits for nothing. Null without PulseAudio's client library.
     [[nodiscard]] static std::unique_ptr<PulseAudioSilence> start();
-    PulseAudioSilence(const PulseAudioSilence&) = delete;
-    PulseAudioSilence& operator=(const PulseAudioSilence&) = delete;
     /// Waits for no server either.
     ~PulseAudioSilence();
 

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <xcb/xcb.h>
 
+#include "base/NonCopyable.h"
+
 namespace quorvane {
 
 struct FreeReply {
@@ -20,14 +22,12 @@ using XcbReply = std::unique_ptr<Reply, FreeReply>;
 
 /// A connection to the X server of our own: its events are ours alone, and its windows go with the
 /// process, however that ends. Main thread only; events come from the Qt event loop.
-class X11Connection {
+class X11Connection : NonCopyable {
 public:
     using EventHandler = std::function<void(const xcb_generic_event_t&)>;
 
     /// The server that DISPLAY names; null if it does not answer.
     [[nodiscard]] static std::unique_ptr<X11Connection> open();
-    X11Connection(const X11Connection&) = delete;
-    X11Connection& operator=(const X11Connection&) = delete;
     ~X11Connection();
 
     void setEventHandler(EventHandler handler) { m_handler = std::move(handler); }

@@ -16,8 +16,6 @@ class MotionSetting final : public QObject {
 
 public:
     explicit MotionSetting(Observable<bool>& reducesMotion);
-    MotionSetting(const MotionSetting&) = delete;
-    MotionSetting& operator=(const MotionSetting&) = delete;
     ~MotionSetting() override;
 
 private Q_SLOTS:

@@ -4,18 +4,18 @@
 #include <memory>
 #include <xcb/xcb.h>
 
+#include "base/NonCopyable.h"
+
 namespace quorvane {
 
 class X11Connection;
 
 /// Whether other windows cover one of our windows to the last pixel. Where a compositing manager
 /// draws, the server no longer tells, and nothing ever counts as covered. Main thread only.
-class X11WindowCover {
+class X11WindowCover : NonCopyable {
 public:
     /// `report` is told each change.
     X11WindowCover(xcb_window_t window, std::function<void(bool covered)> report);
-    X11WindowCover(const X11WindowCover&) = delete;
-    X11WindowCover& operator=(const X11WindowCover&) = delete;
     ~X11WindowCover();
 
 private:

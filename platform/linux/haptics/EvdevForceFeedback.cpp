@@ -21,9 +21,6 @@ class EvdevPort final : public ForceFeedbackPort {
 public:
     explicit EvdevPort(int descriptor) : m_descriptor(descriptor) {}
 
-    EvdevPort(const EvdevPort&) = delete;
-    EvdevPort& operator=(const EvdevPort&) = delete;
-
     ~EvdevPort() override { ::close(m_descriptor); }
 
     std::optional<int> upload(const ff_effect& effect) override {

@@ -5,6 +5,8 @@
 #include <optional>
 #include <vector>
 
+#include "base/NonCopyable.h"
+
 struct ff_effect;
 
 namespace quorvane {
@@ -29,11 +31,8 @@ struct HapticNode {
 
 /// An opened device with force feedback: what the kernel offers on it, and nothing else. Closed
 /// with the object. One thread at a time.
-class ForceFeedbackPort {
+class ForceFeedbackPort : NonCopyable {
 public:
-    ForceFeedbackPort() = default;
-    ForceFeedbackPort(const ForceFeedbackPort&) = delete;
-    ForceFeedbackPort& operator=(const ForceFeedbackPort&) = delete;
     virtual ~ForceFeedbackPort() = default;
 
     /// The number of the effect on the device; none when the device does not take it. May wait for
@@ -46,11 +45,8 @@ public:
 };
 
 /// The machine's devices with force feedback. Any thread, one at a time.
-class ForceFeedbackDevices {
+class ForceFeedbackDevices : NonCopyable {
 public:
-    ForceFeedbackDevices() = default;
-    ForceFeedbackDevices(const ForceFeedbackDevices&) = delete;
-    ForceFeedbackDevices& operator=(const ForceFeedbackDevices&) = delete;
     virtual ~ForceFeedbackDevices() = default;
 
     /// Those that are there now, in no particular order.

@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 
+#include "base/NonCopyable.h"
 #include "platform/Haptics.h"
 #include "platform/linux/haptics/ForceFeedback.h"
 
@@ -11,14 +12,12 @@ namespace quorvane {
 
 /// A device that is ready to pulse: opened, with an effect for each pattern on it. They are erased
 /// and it is closed with the object, which may wait for the device.
-class HapticDevice {
+class HapticDevice : NonCopyable {
 public:
     /// The first of `devices`, by suitability, that can be opened and takes our effects; null when
     /// there is none. May wait for the devices.
     [[nodiscard]] static std::unique_ptr<HapticDevice> openBest(ForceFeedbackDevices& devices);
 
-    HapticDevice(const HapticDevice&) = delete;
-    HapticDevice& operator=(const HapticDevice&) = delete;
     ~HapticDevice();
 
     /// One pulse; never waits. False: the device has gone.

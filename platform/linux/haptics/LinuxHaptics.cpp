@@ -35,9 +35,6 @@ public:
         });
     }
 
-    Performer(const Performer&) = delete;
-    Performer& operator=(const Performer&) = delete;
-
     ~Performer() override { close(); }
 
     void performFeedback(HapticPattern pattern, HapticPerformanceTime /*time*/) override {

@@ -20,8 +20,6 @@ public:
     /// On the devices of this machine.
     LinuxHaptics();
     explicit LinuxHaptics(std::shared_ptr<ForceFeedbackDevices> devices);
-    LinuxHaptics(const LinuxHaptics&) = delete;
-    LinuxHaptics& operator=(const LinuxHaptics&) = delete;
     /// Closes the device, unless that takes the device very long.
     ~LinuxHaptics() override;
 

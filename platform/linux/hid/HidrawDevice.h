@@ -19,8 +19,6 @@ class HidrawDevice final : public HIDDevice {
 public:
     /// `node` as the kernel names it ("/dev/hidraw3"), `identity` as the device was found under.
     HidrawDevice(std::filesystem::path node, HIDIdentity identity);
-    HidrawDevice(const HidrawDevice&) = delete;
-    HidrawDevice& operator=(const HidrawDevice&) = delete;
     ~HidrawDevice() override;
 
     /// A node that may only be read will do: feature reports need no more. Fails with ENODEV when

@@ -9,13 +9,14 @@
 #include <memory>
 #include <optional>
 
+#include "base/NonCopyable.h"
 #include "platform/linux/keyboard/KeyEventReader.h"
 
 namespace quorvane {
 
 /// One keyboard's event node. Which keys are down is kept as long as it is open, to tell what a gap
 /// in the kernel's events has hidden, and nowhere else. Main thread only.
-class EvdevKeyboard {
+class EvdevKeyboard : NonCopyable {
 public:
     using Keys = std::bitset<KEY_CNT>;
     /// The keys that are down by the word of the device that is open as `descriptor`.
@@ -26,8 +27,6 @@ public:
                                                              KeyEventReader::Sink sink,
                                                              KeyQuery query = &keysThatAreDown);
 
-    EvdevKeyboard(const EvdevKeyboard&) = delete;
-    EvdevKeyboard& operator=(const EvdevKeyboard&) = delete;
     ~EvdevKeyboard();
 
     /// False from when the device has turned out to be gone.

@@ -2,19 +2,17 @@
 
 #include <functional>
 
+#include "base/NonCopyable.h"
 #include "platform/EventTap.h"
 
 namespace quorvane {
 
 /// Where a tap's key events come from. What it has opened is closed with it. Main thread only.
-class KeyEventReader {
+class KeyEventReader : NonCopyable {
 public:
     /// Must not let go of the reader.
     using Sink = std::function<void(const TapEvent&)>;
 
-    KeyEventReader() = default;
-    KeyEventReader(const KeyEventReader&) = delete;
-    KeyEventReader& operator=(const KeyEventReader&) = delete;
     virtual ~KeyEventReader() = default;
 
     /// Whether events are given to the sink, as they happen, by the Qt event loop; not at first.

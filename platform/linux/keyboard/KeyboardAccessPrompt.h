@@ -5,17 +5,17 @@
 #include <memory>
 #include <sys/types.h>
 
+#include "base/NonCopyable.h"
+
 namespace quorvane {
 
 /// Asks the person at this seat, through polkit, to let them read the keyboards until the machine
 /// is started anew. Main thread only.
-class KeyboardAccessPrompt {
+class KeyboardAccessPrompt : NonCopyable {
 public:
     /// `helper` is the program that is run with root's rights if they agree; the default is the
     /// build's own beside this executable, else the installed one.
     explicit KeyboardAccessPrompt(std::filesystem::path helper = {});
-    KeyboardAccessPrompt(const KeyboardAccessPrompt&) = delete;
-    KeyboardAccessPrompt& operator=(const KeyboardAccessPrompt&) = delete;
     ~KeyboardAccessPrompt();
 
     /// Returns at once. Nothing happens while the last one is still being answered, nor where there

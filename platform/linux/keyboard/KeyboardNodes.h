@@ -3,16 +3,15 @@
 #include <filesystem>
 #include <functional>
 
+#include "base/NonCopyable.h"
+
 namespace quorvane {
 
 /// The event nodes of the machine's keyboards, which come and go. Main thread only.
-class KeyboardNodes {
+class KeyboardNodes : NonCopyable {
 public:
     using Visit = std::function<void(const std::filesystem::path& node)>;
 
-    KeyboardNodes() = default;
-    KeyboardNodes(const KeyboardNodes&) = delete;
-    KeyboardNodes& operator=(const KeyboardNodes&) = delete;
     virtual ~KeyboardNodes() = default;
 
     /// Calls `present` for every node that is there, at once, and from the Qt event loop for each

@@ -10,9 +10,6 @@ class Source final : public TapSource {
 public:
     explicit Source(std::shared_ptr<KeyEventReader> reader) : m_reader(std::move(reader)) {}
 
-    Source(const Source&) = delete;
-    Source& operator=(const Source&) = delete;
-
     ~Source() override { m_reader->setReading(false); }
 
     void addToRunLoop() override { m_reader->setReading(true); }

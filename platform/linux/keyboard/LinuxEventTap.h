@@ -18,8 +18,6 @@ public:
     [[nodiscard]] static std::shared_ptr<LinuxEventTap>
     create(std::uint64_t eventsOfInterest, TapCallback callback, const ReaderMaker& makeReader);
 
-    LinuxEventTap(const LinuxEventTap&) = delete;
-    LinuxEventTap& operator=(const LinuxEventTap&) = delete;
     ~LinuxEventTap() override;
 
     [[nodiscard]] std::shared_ptr<TapSource> createRunLoopSource(int order) override;

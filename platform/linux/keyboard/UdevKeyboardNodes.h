@@ -16,9 +16,6 @@ using UdevMonitor = std::unique_ptr<udev_monitor, UdevRelease<udev_monitor_unref
 /// read one is seen on the node itself.
 class UdevKeyboardNodes final : public KeyboardNodes {
 public:
-    UdevKeyboardNodes() = default;
-    UdevKeyboardNodes(const UdevKeyboardNodes&) = delete;
-    UdevKeyboardNodes& operator=(const UdevKeyboardNodes&) = delete;
     ~UdevKeyboardNodes() override;
 
     /// Those that are there now.

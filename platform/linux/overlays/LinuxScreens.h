@@ -16,8 +16,6 @@ class X11Overlays;
 class LinuxScreens final : public ScreenService {
 public:
     LinuxScreens();
-    LinuxScreens(const LinuxScreens&) = delete;
-    LinuxScreens& operator=(const LinuxScreens&) = delete;
     /// Takes every panel away.
     ~LinuxScreens() override;
 

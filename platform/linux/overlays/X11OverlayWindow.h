@@ -2,6 +2,7 @@
 
 #include <QRect>
 
+#include "base/NonCopyable.h"
 #include "platform/Canvas.h"
 #include "platform/linux/common/X11Connection.h"
 #include "platform/linux/overlays/X11SharedImage.h"
@@ -10,7 +11,7 @@ namespace quorvane {
 
 /// A window that the window manager leaves alone: on every workspace, never given the keyboard and
 /// never sent a ping. It is up for as long as it lives.
-class X11OverlayWindow {
+class X11OverlayWindow : NonCopyable {
 public:
     struct Look {
         QRect pixels;
@@ -23,8 +24,6 @@ public:
     };
 
     X11OverlayWindow(X11Connection& connection, const Look& look);
-    X11OverlayWindow(const X11OverlayWindow&) = delete;
-    X11OverlayWindow& operator=(const X11OverlayWindow&) = delete;
     ~X11OverlayWindow();
 
     [[nodiscard]] xcb_window_t id() const { return m_window; }

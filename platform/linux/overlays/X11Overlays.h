@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "base/NonCopyable.h"
 #include "platform/linux/common/X11Connection.h"
 #include "platform/linux/overlays/StopSignals.h"
 
@@ -15,11 +16,9 @@ class X11Panel;
 
 /// The panels that are up, kept above everything else and on the screens that there are. Main
 /// thread only.
-class X11Overlays {
+class X11Overlays : NonCopyable {
 public:
     explicit X11Overlays(std::unique_ptr<X11Connection> connection);
-    X11Overlays(const X11Overlays&) = delete;
-    X11Overlays& operator=(const X11Overlays&) = delete;
     ~X11Overlays();
 
     [[nodiscard]] X11Connection& connection() { return *m_connection; }

@@ -3,17 +3,16 @@
 #include <QImage>
 #include <xcb/shm.h>
 
+#include "base/NonCopyable.h"
 #include "platform/linux/common/X11Connection.h"
 
 namespace quorvane {
 
 /// An image in memory that the X server can read too, where that server is on this machine; else it
 /// is sent. The memory has no name anywhere: it goes with the two processes.
-class X11SharedImage {
+class X11SharedImage : NonCopyable {
 public:
     X11SharedImage(X11Connection& connection, QSize size, QImage::Format format);
-    X11SharedImage(const X11SharedImage&) = delete;
-    X11SharedImage& operator=(const X11SharedImage&) = delete;
     ~X11SharedImage();
 
     [[nodiscard]] QImage& image() { return m_image; }

@@ -20,8 +20,6 @@ public:
     /// `busAddress` in the form of DBUS_SYSTEM_BUS_ADDRESS; empty: the system bus, where that
     /// variable says that it is.
     explicit LinuxWorkspace(std::string busAddress = {});
-    LinuxWorkspace(const LinuxWorkspace&) = delete;
-    LinuxWorkspace& operator=(const LinuxWorkspace&) = delete;
     ~LinuxWorkspace() override;
 
     Token addObserver(std::string_view name, std::function<void()> block) override;

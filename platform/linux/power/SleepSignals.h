@@ -32,8 +32,6 @@ public:
 
     /// `address` names the bus; empty: the system bus.
     SleepSignals(QString address, Reports reports);
-    SleepSignals(const SleepSignals&) = delete;
-    SleepSignals& operator=(const SleepSignals&) = delete;
     ~SleepSignals() override;
 
     /// Begins with a fresh state.

@@ -8,6 +8,8 @@
 #include <string>
 #include <unistd.h>
 
+#include "base/NonCopyable.h"
+
 namespace quorvane {
 
 namespace {
@@ -16,7 +18,7 @@ constexpr int longestWaitMilliseconds = 100;
 
 /// Holds SIGPIPE off the calling thread, and swallows one that came meanwhile. The process keeps
 /// its own way with the signal, which child processes inherit.
-class BrokenPipeShield {
+class BrokenPipeShield : NonCopyable {
 public:
     BrokenPipeShield() {
         sigset_t pending{};
@@ -26,9 +28,6 @@ public:
         sigaddset(&m_brokenPipe, SIGPIPE);
         pthread_sigmask(SIG_BLOCK, &m_brokenPipe, &m_before);
     }
-
-    BrokenPipeShield(const BrokenPipeShield&) = delete;
-    BrokenPipeShield& operator=(const BrokenPipeShield&) = delete;
 
     ~BrokenPipeShield() {
         const timespec noTime{};

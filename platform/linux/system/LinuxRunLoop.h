@@ -20,8 +20,6 @@ class LinuxRunLoop final : public RunLoop {
 public:
     /// Ends the program with a message if the kernel gives no descriptors.
     LinuxRunLoop();
-    LinuxRunLoop(const LinuxRunLoop&) = delete;
-    LinuxRunLoop& operator=(const LinuxRunLoop&) = delete;
     ~LinuxRunLoop() override;
 
     std::shared_ptr<Timer> scheduledTimer(double interval, bool repeats, TimerBlock block) override;

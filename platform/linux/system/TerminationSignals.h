@@ -3,6 +3,8 @@
 #include <functional>
 #include <memory>
 
+#include "base/NonCopyable.h"
+
 class QSocketNotifier;
 
 namespace quorvane {
@@ -10,12 +12,10 @@ namespace quorvane {
 /// Turns the wish of a shell or a session that the program ends (SIGINT, SIGTERM) into a call from
 /// the event loop. Make it before any other thread exists and before anything that has to be left
 /// in order. Signals that come before `listen`, and those that come on the way out, wait.
-class TerminationSignals {
+class TerminationSignals : NonCopyable {
 public:
     /// Ends the program with a message if the kernel gives no descriptor.
     TerminationSignals();
-    TerminationSignals(const TerminationSignals&) = delete;
-    TerminationSignals& operator=(const TerminationSignals&) = delete;
     ~TerminationSignals();
 
     /// From now on `handler` hears of every such signal. Needs a QCoreApplication.

@@ -56,9 +56,6 @@ public:
         ++m_machine->holdCount;
     }
 
-    Hold(const Hold&) = delete;
-    Hold& operator=(const Hold&) = delete;
-
     ~Hold() override { --m_machine->holdCount; }
 
 private:

@@ -13,8 +13,6 @@ namespace quorvane {
 class SimulatedPlayerNode final : public AudioPlayerNode {
 public:
     explicit SimulatedPlayerNode(std::shared_ptr<SimulatedAudioVoice> voice);
-    SimulatedPlayerNode(const SimulatedPlayerNode&) = delete;
-    SimulatedPlayerNode& operator=(const SimulatedPlayerNode&) = delete;
     ~SimulatedPlayerNode() override;
 
     void scheduleBuffer(std::shared_ptr<const PCMBuffer> buffer, BufferOptions options,
@@ -40,8 +38,6 @@ private:
 class SimulatedAudioEngine final : public AudioEngine {
 public:
     explicit SimulatedAudioEngine(std::shared_ptr<SimulatedAudioMachine> machine);
-    SimulatedAudioEngine(const SimulatedAudioEngine&) = delete;
-    SimulatedAudioEngine& operator=(const SimulatedAudioEngine&) = delete;
     ~SimulatedAudioEngine() override;
 
     void attach(const std::shared_ptr<AudioPlayerNode>& node) override;

@@ -26,8 +26,6 @@ public:
     SimulatedAudioFilePlayer(RunLoop& runLoop, std::shared_ptr<SimulatedTimeline> timeline,
                              std::shared_ptr<const SimulatedAudioMachine> machine,
                              std::filesystem::path file, std::size_t index);
-    SimulatedAudioFilePlayer(const SimulatedAudioFilePlayer&) = delete;
-    SimulatedAudioFilePlayer& operator=(const SimulatedAudioFilePlayer&) = delete;
     ~SimulatedAudioFilePlayer() override;
 
     [[nodiscard]] double duration() const override;

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "base/NonCopyable.h"
 #include "platform/Audio.h"
 #include "platform/RunLoop.h"
 #include "platform/simulated/audio/SimulatedSound.h"
@@ -15,7 +16,8 @@ namespace quorvane {
 
 /// What a simulated player node does, kept by the service for as long as it exists itself, so that
 /// a test can still ask about a node that is gone. Main thread only.
-class SimulatedAudioVoice final : public std::enable_shared_from_this<SimulatedAudioVoice> {
+class SimulatedAudioVoice final : public std::enable_shared_from_this<SimulatedAudioVoice>,
+                                  NonCopyable {
 public:
     enum class State {
         /// Not told to play, and at the start of what is scheduled, if anything.
@@ -29,8 +31,6 @@ public:
 
     SimulatedAudioVoice(RunLoop& runLoop, std::shared_ptr<SimulatedTimeline> timeline,
                         std::size_t index);
-    SimulatedAudioVoice(const SimulatedAudioVoice&) = delete;
-    SimulatedAudioVoice& operator=(const SimulatedAudioVoice&) = delete;
     ~SimulatedAudioVoice();
 
     // What a test asks.

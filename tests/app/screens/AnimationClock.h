@@ -4,11 +4,13 @@
 #include <QAnimationDriver>
 #include <QCoreApplication>
 
+#include "base/NonCopyable.h"
+
 namespace quorvane {
 
 /// The time of all animations of this process, which passes only as it is told to. Nothing that is
 /// shown then depends on how fast the machine draws, and no test waits for an animation.
-class AnimationClock final : public QAnimationDriver {
+class AnimationClock final : public QAnimationDriver, NonCopyable {
 public:
     AnimationClock() {
         install();
@@ -16,9 +18,6 @@ public:
         // The little real time that this has taken belongs to no other animation.
         pass(0);
     }
-
-    AnimationClock(const AnimationClock&) = delete;
-    AnimationClock& operator=(const AnimationClock&) = delete;
 
     ~AnimationClock() override {
         m_endless.stop();

@@ -26,8 +26,6 @@ namespace quorvane {
 /// animations.
 class ScreensTest : public testing::Test {
 public:
-    ScreensTest(const ScreensTest&) = delete;
-    ScreensTest& operator=(const ScreensTest&) = delete;
     ~ScreensTest() override;
 
 protected:

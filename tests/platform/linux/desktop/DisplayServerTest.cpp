@@ -8,6 +8,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include "base/NonCopyable.h"
 #include "platform/linux/desktop/DisplayServer.h"
 #include "tests/support/Environment.h"
 #include "tests/support/OpenFiles.h"
@@ -19,7 +20,7 @@ namespace quorvane {
 namespace {
 
 /// A Wayland server as far as it can be seen from outside: its socket.
-class WaylandSocket {
+class WaylandSocket : NonCopyable {
 public:
     explicit WaylandSocket(const std::filesystem::path& path) {
         sockaddr_un address{};
@@ -29,9 +30,6 @@ public:
         if (bind(m_descriptor, generic, sizeof address) != 0 || listen(m_descriptor, 1) != 0)
             throw std::runtime_error("no socket");
     }
-
-    WaylandSocket(const WaylandSocket&) = delete;
-    WaylandSocket& operator=(const WaylandSocket&) = delete;
 
     ~WaylandSocket() { close(m_descriptor); }
 

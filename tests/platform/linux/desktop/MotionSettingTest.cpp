@@ -32,9 +32,6 @@ public:
         m_service.bus().registerVirtualObject(portalPath, this);
     }
 
-    StandInPortal(const StandInPortal&) = delete;
-    StandInPortal& operator=(const StandInPortal&) = delete;
-
     ~StandInPortal() override { m_service.bus().unregisterObject(portalPath); }
 
     void change(const QString& group, const QString& key, const QVariant& value) {

@@ -1,4 +1,5 @@
 #include "platform/linux/overlays/StopSignals.h"
+#include "base/NonCopyable.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -22,12 +23,9 @@ constexpr int allWell = 0;
 constexpr int disturbed = 1;
 
 /// A connection, on which the windows are that have to go.
-class Connection {
+class Connection : NonCopyable {
 public:
     Connection() { socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, m_ends.data()); }
-
-    Connection(const Connection&) = delete;
-    Connection& operator=(const Connection&) = delete;
 
     ~Connection() {
         close(m_ends[0]);
@@ -47,7 +45,7 @@ private:
 };
 
 /// A process as a shell starts it, in a group of its own: the system stops no other.
-class Job {
+class Job : NonCopyable {
 public:
     explicit Job(const std::function<int()>& work) : m_pid(fork()) {
         if (m_pid != 0)
@@ -56,9 +54,6 @@ public:
         setpgid(0, 0);
         _exit(work());
     }
-
-    Job(const Job&) = delete;
-    Job& operator=(const Job&) = delete;
 
     ~Job() {
         if (m_pid <= 0)

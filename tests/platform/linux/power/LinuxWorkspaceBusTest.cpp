@@ -7,6 +7,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include "base/NonCopyable.h"
 #include "tests/platform/linux/power/LinuxWorkspaceFixture.h"
 #include "tests/support/Environment.h"
 
@@ -144,7 +145,7 @@ TEST_F(LinuxWorkspaceTest, TheSystemBusIsWhereTheEnvironmentSaysThatItIs) {
 }
 
 /// Takes connections and never says a word.
-class HungBus {
+class HungBus : NonCopyable {
 public:
     HungBus() {
         sockaddr_un name{};
@@ -154,9 +155,6 @@ public:
         EXPECT_EQ(bind(m_socket, reinterpret_cast<const sockaddr*>(&name), sizeof name), 0);
         EXPECT_EQ(listen(m_socket, 8), 0);
     }
-
-    HungBus(const HungBus&) = delete;
-    HungBus& operator=(const HungBus&) = delete;
 
     ~HungBus() { close(m_socket); }
 

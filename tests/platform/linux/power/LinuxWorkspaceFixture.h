@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/NonCopyable.h"
 #include "platform/linux/power/LinuxWorkspace.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/QtApplication.h"
@@ -17,7 +18,7 @@ namespace quorvane {
 inline constexpr int quietMilliseconds = 300;
 
 /// Hears a workspace.
-class Listener {
+class Listener : NonCopyable {
 public:
     /// A notification, and what is written down when it comes.
     using Mark = std::pair<std::string_view, std::string>;
@@ -31,9 +32,6 @@ public:
     explicit Listener(NotificationCenter& center)
         : Listener(center, {{WorkspaceNotification::screensDidWake, "wake"},
                             {WorkspaceNotification::screensDidSleep, "sleep"}}) {}
-
-    Listener(const Listener&) = delete;
-    Listener& operator=(const Listener&) = delete;
 
     ~Listener() {
         for (const auto token : m_tokens)

@@ -3,6 +3,7 @@
 #include <optional>
 #include <sys/resource.h>
 
+#include "base/NonCopyable.h"
 #include "platform/linux/system/LinuxUserDefaults.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
@@ -20,16 +21,13 @@ using testing::internal::GetCapturedStderr;
 namespace fs = std::filesystem;
 
 /// No file can grow while this lives: what a full disk looks like to a writer.
-class FullDisk {
+class FullDisk : NonCopyable {
 public:
     FullDisk() {
         getrlimit(RLIMIT_FSIZE, &m_before);
         const rlimit none{.rlim_cur = 0, .rlim_max = m_before.rlim_max};
         setrlimit(RLIMIT_FSIZE, &none);
     }
-
-    FullDisk(const FullDisk&) = delete;
-    FullDisk& operator=(const FullDisk&) = delete;
 
     ~FullDisk() {
         setrlimit(RLIMIT_FSIZE, &m_before);
