@@ -6,9 +6,9 @@
 #include "platform/linux/desktop/LinuxApplication.h"
 #include "platform/linux/haptics/LinuxHaptics.h"
 #include "platform/linux/hid/LinuxHID.h"
-#include "platform/linux/keyboard/LinuxEventTaps.h"
+#include "platform/linux/keyboard/LinuxEventTapService.h"
 #include "platform/linux/overlays/LinuxScreens.h"
-#include "platform/linux/power/LinuxWorkspace.h"
+#include "platform/linux/power/LinuxSleepNotifications.h"
 #include "platform/linux/system/LinuxBundle.h"
 #include "platform/linux/system/LinuxConsole.h"
 #include "platform/linux/system/LinuxRandom.h"
@@ -29,10 +29,10 @@ public:
 private:
     LinuxRunLoop m_runLoop;
     LinuxHID m_hid;
-    LinuxWorkspace m_workspace;
+    LinuxSleepNotifications m_workspace;
     InProcessNotificationCenter m_defaultCenter;
     OpenALAudioService m_audio;
-    LinuxEventTaps m_eventTaps;
+    LinuxEventTapService m_eventTaps;
     LinuxHaptics m_haptics;
     LinuxScreens m_screens;
     LinuxApplication m_application;

@@ -5,7 +5,7 @@
 #include "platform/Platform.h"
 #include "platform/macos/MacAudio.h"
 #include "platform/macos/MacConsole.h"
-#include "platform/macos/MacEventTaps.h"
+#include "platform/macos/MacEventTapService.h"
 #include "platform/macos/MacHID.h"
 #include "platform/macos/MacNotificationCenter.h"
 #include "platform/macos/MacRandom.h"
@@ -28,7 +28,7 @@ private:
     std::unique_ptr<NotificationCenter> m_workspace = makeWorkspaceCenter();
     std::unique_ptr<NotificationCenter> m_defaultCenter = makeDefaultCenter();
     MacAudio m_audio;
-    MacEventTaps m_eventTaps;
+    MacEventTapService m_eventTaps;
     MacHaptics m_haptics;
     MacScreens m_screens;
     MacApplication m_application;

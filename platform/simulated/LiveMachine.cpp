@@ -7,7 +7,7 @@ namespace quorvane {
 LiveMachine::LiveMachine(const Scenario& scenario, const Platform& real)
     : m_real(real), m_hid(real.runLoop), m_application(real.application),
       m_player(scenario, real.runLoop, m_workspace, real.defaultCenter) {
-    m_player.furnish(m_hid, m_system);
+    m_player.setUpMachine(m_hid, m_system);
     if (scenario.loginItem)
         m_application.status = LoginItemStatus::Enabled;
     if (!scenario.defaults)

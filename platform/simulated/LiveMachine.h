@@ -5,7 +5,7 @@
 #include "platform/InProcessNotificationCenter.h"
 #include "platform/Platform.h"
 #include "platform/simulated/ScenarioPlayer.h"
-#include "platform/simulated/SimulatedEventTaps.h"
+#include "platform/simulated/SimulatedEventTapService.h"
 
 namespace quorvane {
 
@@ -40,7 +40,7 @@ private:
     Platform m_real;
     SimulatedHID m_hid;
     InProcessNotificationCenter m_workspace;
-    SimulatedEventTaps m_eventTaps;
+    SimulatedEventTapService m_eventTaps;
     SimulatedSystemInfo m_system;
     SimulatedLoginItem m_application;
     // The scenario's own store; none where the person's is used.

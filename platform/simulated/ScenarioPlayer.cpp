@@ -40,7 +40,7 @@ ScenarioPlayer::~ScenarioPlayer() {
         timer->invalidate();
 }
 
-void ScenarioPlayer::furnish(SimulatedHID& hid, SimulatedSystemInfo& system) {
+void ScenarioPlayer::setUpMachine(SimulatedHID& hid, SimulatedSystemInfo& system) {
     system.model = m_scenario.model;
     system.trusted = m_scenario.trusted;
     hid.managerRefusesOpen = m_scenario.hidManagerRefusesOpen;

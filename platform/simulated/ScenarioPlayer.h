@@ -32,7 +32,7 @@ public:
     ~ScenarioPlayer();
 
     /// Puts the scenario's devices into `hid`, and what it says of the machine into `system`.
-    void furnish(SimulatedHID& hid, SimulatedSystemInfo& system);
+    void setUpMachine(SimulatedHID& hid, SimulatedSystemInfo& system);
 
     /// From now on the events happen, each at its time; those whose time has passed, at once.
     void start(ScenarioHandlers handlers);

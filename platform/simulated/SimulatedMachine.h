@@ -2,7 +2,7 @@
 
 #include "platform/InProcessNotificationCenter.h"
 #include "platform/Platform.h"
-#include "platform/simulated/SimulatedEventTaps.h"
+#include "platform/simulated/SimulatedEventTapService.h"
 #include "platform/simulated/SimulatedHID.h"
 #include "platform/simulated/SimulatedHaptics.h"
 #include "platform/simulated/SimulatedRunLoop.h"
@@ -19,7 +19,7 @@ struct SimulatedMachine {
     InProcessNotificationCenter workspace;
     InProcessNotificationCenter defaultCenter;
     SimulatedAudio audio{runLoop};
-    SimulatedEventTaps eventTaps;
+    SimulatedEventTapService eventTaps;
     SimulatedHaptics haptics{runLoop};
     SimulatedScreens screens;
     SimulatedApplication application;

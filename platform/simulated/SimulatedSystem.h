@@ -67,7 +67,7 @@ public:
     bool active = true;
 };
 
-/// Draws from a script, then from a seeded generator. The same seed repeats the same run.
+/// RandomGenerator from a script, then from a seeded generator. The same seed repeats the same run.
 class SimulatedRandom final : public Random {
 public:
     explicit SimulatedRandom(std::uint64_t seed = 1) : m_engine(seed) {}

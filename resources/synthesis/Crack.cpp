@@ -27,7 +27,7 @@
 #include <numbers>
 #include <span>
 
-#include "resources/synthesis/Draws.h"
+#include "resources/synthesis/RandomGenerator.h"
 #include "resources/synthesis/Filters.h"
 #include "resources/synthesis/SoundFile.h"
 
@@ -62,11 +62,11 @@ Sound bottomingForce() {
 }
 
 /// Adds the ringing of a splinter of `size`, from 0 to 1, that comes free at `time`.
-void addSplinter(Sound& sound, double time, double size, double level, Draws& draws) {
+void addSplinter(Sound& sound, double time, double size, double level, RandomGenerator& random) {
     // A bar's pitch goes with 1 / length^2, its energy with its length.
-    const double frequency = std::min(9500.0, 1500 / std::sqrt(size) * draws.between(0.75, 1.3));
+    const double frequency = std::min(9500.0, 1500 / std::sqrt(size) * random.between(0.75, 1.3));
     const double decay = 0.0012 + 0.0026 * size;
-    const double side = draws.uniform() < 0.5 ? -level : level;
+    const double side = random.uniform() < 0.5 ? -level : level;
     const std::size_t start = frames(time);
     const std::size_t end = std::min(sound.size(), start + frames(9 * decay));
     for (std::size_t i = start; i < end; ++i) {
@@ -77,7 +77,7 @@ void addSplinter(Sound& sound, double time, double size, double level, Draws& dr
 }
 
 /// The avalanche: the main break, then ever rarer and weaker ones.
-Sound makeAvalanche(Draws& draws) {
+Sound makeAvalanche(RandomGenerator& random) {
     constexpr double calming = 0.013;
     constexpr double end = 0.085;
     Sound sound(frames(length));
@@ -86,23 +86,23 @@ Sound makeAvalanche(Draws& draws) {
     while (time < end) {
         const double stress = std::exp(-(time - mainBreak) / calming);
         // Energies between these bounds fall off with the power that the measurements gave.
-        const double size = std::sqrt(draws.power(0.0004, 1, 1.6));
-        addSplinter(sound, time, size, std::pow(size, 0.3) * stress, draws);
+        const double size = std::sqrt(random.power(0.0004, 1, 1.6));
+        addSplinter(sound, time, size, std::pow(size, 0.3) * stress, random);
         wait *= 1.02;
-        time += draws.exponential(wait);
+        time += random.exponential(wait);
     }
     // The large ones of the main break, and those that the blow breaks of what it left.
     for (int i = 0; i < 7; ++i)
-        addSplinter(sound, mainBreak + 0.0001 * i, draws.between(0.05, 0.8), 0.9, draws);
+        addSplinter(sound, mainBreak + 0.0001 * i, random.between(0.05, 0.8), 0.9, random);
     for (int i = 0; i < 4; ++i)
-        addSplinter(sound, bottom + 0.0002 * i, draws.between(0.02, 0.5), 0.5, draws);
+        addSplinter(sound, bottom + 0.0002 * i, random.between(0.02, 0.5), 0.5, random);
     return sound;
 }
 
 Sound makeCrack() {
     constexpr double blowLevel = 0.004;
-    Draws draws(5);
-    Sound crack = makeAvalanche(draws);
+    RandomGenerator random(5);
+    Sound crack = makeAvalanche(random);
     const Sound blow = bottomingForce();
     Body plate({{328, 0.012, 0.55},
                 {541, 0.011, 0.8},

@@ -22,7 +22,7 @@
 #include <numbers>
 #include <span>
 
-#include "resources/synthesis/Draws.h"
+#include "resources/synthesis/RandomGenerator.h"
 #include "resources/synthesis/Filters.h"
 #include "resources/synthesis/Friction.h"
 #include "resources/synthesis/SoundFile.h"
@@ -61,13 +61,13 @@ constexpr std::array<Gesture, 15> gestures{{{0.00, 70},
 class Hand {
 public:
     /// The lengths (Friction.h) by which it drags on in one sample.
-    double next(double time, Draws& draws) {
+    double next(double time, RandomGenerator& random) {
         constexpr double memory = 0.25;
         constexpr double unsteadiness = 0.12;
         /// Of a slip: how far the force falls.
         constexpr double slipLength = 0.9;
         constexpr double keep = 1 - 1 / (memory * sampleRate);
-        m_wander = keep * m_wander + std::sqrt(1 - keep * keep) * unsteadiness * draws.normal();
+        m_wander = keep * m_wander + std::sqrt(1 - keep * keep) * unsteadiness * random.normal();
         return wanted(time) * (1 + m_wander + m_wander * m_wander / 2) * slipLength / sampleRate;
     }
 
@@ -104,14 +104,14 @@ Body makeLidAndHinge() {
 
 Sound makeCreak() {
     constexpr double slipSwing = 700;
-    Draws draws(3);
-    StickSlip contact(slipSwing, draws);
+    RandomGenerator random(3);
+    StickSlip contact(slipSwing, random);
     Hand hand;
     Body body = makeLidAndHinge();
     Sound creak(frames(length));
     double last = 0;
     for (std::size_t i = 0; i < creak.size(); ++i) {
-        const double pull = hand.next(static_cast<double>(i) / sampleRate, draws);
+        const double pull = hand.next(static_cast<double>(i) / sampleRate, random);
         double force = 0;
         for (int step = 0; step < substeps; ++step)
             force += contact.move(pull / substeps, 1 / sampleRate / substeps) / substeps;

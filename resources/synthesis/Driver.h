@@ -4,14 +4,14 @@
 #include <array>
 #include <cstddef>
 
-#include "resources/synthesis/Draws.h"
+#include "resources/synthesis/RandomGenerator.h"
 
 namespace quorvane::synthesis {
 
 /// Who starts an engine that is past it: the hand at the key, and what the carburettor makes of it.
 class Driver {
 public:
-    explicit Driver(Draws& draws) : m_draws(draws) {}
+    explicit Driver(RandomGenerator& random) : m_random(random) {}
 
     /// True while the starter's pinion is in the ring, at this time (s) and speed of the crank.
     bool starterOn(double time, double speed) {
@@ -33,11 +33,11 @@ public:
         const int number = m_compressions++ - attempt.dead;
         if (number < 0 || number >= attempt.lit)
             return 0;
-        double charge = attempt.charge * m_draws.between(0.8, 1.1);
+        double charge = attempt.charge * m_random.between(0.8, 1.1);
         if (attempt.runs && number > 2)
             charge = idle();
         if (m_time > fuelOut)
-            charge *= std::max(0.0, 1 - (m_time - fuelOut) / chokes) * m_draws.between(0.2, 1);
+            charge *= std::max(0.0, 1 - (m_time - fuelOut) / chokes) * m_random.between(0.2, 1);
         return charge;
     }
 
@@ -65,12 +65,12 @@ private:
     /// A worn governor: charges that scatter about what the speed asks for, and some that miss.
     double idle() {
         constexpr double wanted = 33;
-        if (m_draws.uniform() < 0.1)
+        if (m_random.uniform() < 0.1)
             return 0;
-        return std::clamp((wanted - m_speed) / 12, 0.15, 0.9) * m_draws.between(0.55, 1.35);
+        return std::clamp((wanted - m_speed) / 12, 0.15, 0.9) * m_random.between(0.55, 1.35);
     }
 
-    Draws& m_draws;
+    RandomGenerator& m_random;
     double m_time = 0;
     double m_speed = 0;
     std::size_t m_attempt = 0;

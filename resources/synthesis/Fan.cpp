@@ -23,7 +23,7 @@
 #include <numbers>
 #include <span>
 
-#include "resources/synthesis/Draws.h"
+#include "resources/synthesis/RandomGenerator.h"
 #include "resources/synthesis/Filters.h"
 #include "resources/synthesis/SoundFile.h"
 
@@ -105,10 +105,10 @@ Sound bladeTone() {
     return tone;
 }
 
-Sound turbulence(Draws& draws) {
+Sound turbulence(RandomGenerator& random) {
     Sound white(frameCount);
     for (double& sample : white)
-        sample = draws.normal();
+        sample = random.normal();
     filterLoop(white, Biquad::highPass(160));
     filterLoop(white, Biquad::lowPass(5200));
     Sound noise = white;
@@ -126,25 +126,25 @@ Sound turbulence(Draws& draws) {
     return noise;
 }
 
-Sound bearing(Draws& draws) {
+Sound bearing(RandomGenerator& random) {
     constexpr double hitsPerTurn = 2.6;
     Sound hits(frameCount);
     const auto count = static_cast<int>(hitsPerTurn * turns);
     for (int hit = 0; hit < count; ++hit) {
-        const double time = length * (hit + draws.between(0, 0.25)) / count;
+        const double time = length * (hit + random.between(0, 0.25)) / count;
         const double load = 1 + 0.7 * std::sin(fullTurn * angle(time));
         hits[frames(time) % frameCount] +=
-            load * draws.between(0.5, 1) * (1 + sum(looseness, time));
+            load * random.between(0.5, 1) * (1 + sum(looseness, time));
     }
     filterLoop(hits, Body({{1480, 0.002, 0.6}, {3120, 0.0016, 1}, {4870, 0.0011, 0.8}}));
     return hits;
 }
 
 Sound makeFan() {
-    Draws draws(8);
+    RandomGenerator random(8);
     Sound fan = bladeTone();
-    const Sound air = turbulence(draws);
-    const Sound balls = bearing(draws);
+    const Sound air = turbulence(random);
+    const Sound balls = bearing(random);
     for (std::size_t i = 0; i < frameCount; ++i)
         fan[i] = 0.11 * fan[i] + 0.06 * air[i] + 0.11 * balls[i];
     return fan;

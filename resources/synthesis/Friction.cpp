@@ -39,9 +39,9 @@ double smooth(double way) {
 
 } // namespace
 
-Surface::Surface(double bump, Draws& draws) : m_bump(bump), m_heights(4096) {
+Surface::Surface(double bump, RandomGenerator& random) : m_bump(bump), m_heights(4096) {
     for (double& height : m_heights)
-        height = std::clamp(draws.normal() / 2, -1.2, 1.2);
+        height = std::clamp(random.normal() / 2, -1.2, 1.2);
 }
 
 double Surface::at(double place) const {
@@ -53,8 +53,8 @@ double Surface::at(double place) const {
     return from + smooth(way) * (to - from);
 }
 
-StickSlip::StickSlip(double slipRate, Draws& draws)
-    : m_bumps(0.31, draws), m_ground(13, draws), m_grain(0.05, draws), m_patches(23, draws),
+StickSlip::StickSlip(double slipRate, RandomGenerator& random)
+    : m_bumps(0.31, random), m_ground(13, random), m_grain(0.05, random), m_patches(23, random),
       m_mass(1 / square(2 * std::numbers::pi * slipRate)) {}
 
 double StickSlip::load() const {

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "resources/synthesis/Draws.h"
+#include "resources/synthesis/RandomGenerator.h"
 
 namespace quorvane::synthesis {
 
@@ -11,7 +11,7 @@ namespace quorvane::synthesis {
 /// are about `bump` long.
 class Surface {
 public:
-    Surface(double bump, Draws& draws);
+    Surface(double bump, RandomGenerator& random);
 
     /// About -1 to 1; the path comes around after some thousand bumps.
     [[nodiscard]] double at(double place) const;
@@ -32,7 +32,7 @@ private:
 class StickSlip {
 public:
     /// `slipRate` in Hz: that at which piece and spring would swing freely.
-    StickSlip(double slipRate, Draws& draws);
+    StickSlip(double slipRate, RandomGenerator& random);
 
     /// Moves the spring's end on by `pull` and lets `duration` (s) pass; the friction's force.
     double move(double pull, double duration);

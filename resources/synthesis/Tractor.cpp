@@ -28,7 +28,7 @@
 #include <numbers>
 #include <span>
 
-#include "resources/synthesis/Draws.h"
+#include "resources/synthesis/RandomGenerator.h"
 #include "resources/synthesis/Driver.h"
 #include "resources/synthesis/Engine.h"
 #include "resources/synthesis/Filters.h"
@@ -74,7 +74,7 @@ private:
 
 class Exhaust {
 public:
-    double next(const Engine& engine, Draws& draws) {
+    double next(const Engine& engine, RandomGenerator& random) {
         double driven = 0;
         for (std::size_t cylinder = 0; cylinder < Engine::cylinders; ++cylinder) {
             m_gas += std::max(0.0, engine.stroke(cylinder).blowdown);
@@ -82,7 +82,7 @@ public:
         }
         m_gas *= std::exp(-1 / (0.028 * sampleRate));
         const double flow = m_valve.next(m_gas + 0.2 * std::sqrt(driven));
-        const double rough = flow * (1 + 0.7 * m_eddies.next(draws.normal()));
+        const double rough = flow * (1 + 0.7 * m_eddies.next(random.normal()));
         return m_muffler.next(m_mouth.next(m_pipe.next(rough)));
     }
 
@@ -97,7 +97,7 @@ private:
 
 class Intake {
 public:
-    double next(const Engine& engine, Draws& draws) {
+    double next(const Engine& engine, RandomGenerator& random) {
         double drawn = 0;
         for (std::size_t cylinder = 0; cylinder < Engine::cylinders; ++cylinder) {
             const Engine::Stroke& stroke = engine.stroke(cylinder);
@@ -107,7 +107,7 @@ public:
         }
         m_spit *= std::exp(-1 / (0.022 * sampleRate));
         const double draught = m_draught.next(std::sqrt(drawn));
-        const double air = draws.normal();
+        const double air = random.normal();
         return draught * (0.8 * m_manifold.next(air) + 0.5 * m_throat.next(air)) +
                m_cough.next(m_throttle.next(m_spit) * air);
     }
@@ -123,30 +123,30 @@ private:
 
 class Block {
 public:
-    double next(const Engine& engine, bool starter, Draws& draws) {
+    double next(const Engine& engine, bool starter, RandomGenerator& random) {
         double blow = starter == m_starter ? 0 : 0.9;
         double squeezed = 0;
         m_starter = starter;
         const double pace = std::min(1.0, std::abs(engine.speed()) / 40);
         for (std::size_t cylinder = 0; cylinder < Engine::cylinders; ++cylinder) {
             const Engine::Stroke& stroke = engine.stroke(cylinder);
-            blow += stroke.lit * draws.between(0.6, 1.2);
-            blow += stroke.valveClosed ? 0.5 * pace * draws.between(0.4, 1) : 0;
+            blow += stroke.lit * random.between(0.6, 1.2);
+            blow += stroke.valveClosed ? 0.5 * pace * random.between(0.4, 1) : 0;
             squeezed += std::max(0.0, stroke.pressure);
         }
-        return m_iron.next(blow) + rattle(engine, draws) + hiss(squeezed, draws);
+        return m_iron.next(blow) + rattle(engine, random) + hiss(squeezed, random);
     }
 
 private:
     /// Sheet metal with some play, shaken by what the engine does in its mounts.
-    double rattle(const Engine& engine, Draws& draws) {
+    double rattle(const Engine& engine, RandomGenerator& random) {
         constexpr double play = 0.35;
         const double shake = std::abs(m_mounts.next(engine.gasTorque() * 1.0e-6));
-        return m_sheet.next(std::max(0.0, shake - play) * draws.normal());
+        return m_sheet.next(std::max(0.0, shake - play) * random.normal());
     }
 
-    double hiss(double squeezed, Draws& draws) {
-        return 0.02 * m_rings.next(squeezed * draws.normal());
+    double hiss(double squeezed, RandomGenerator& random) {
+        return 0.02 * m_rings.next(squeezed * random.normal());
     }
 
     bool m_starter = false;
@@ -165,7 +165,7 @@ private:
 
 class Starter {
 public:
-    double next(const Engine& engine, bool on, Draws& draws) {
+    double next(const Engine& engine, bool on, RandomGenerator& random) {
         constexpr double teeth = 112;
         constexpr double stallTorque = 185;
         if (on)
@@ -179,7 +179,7 @@ public:
         const double mesh = std::sin(ring) + 0.6 * std::sin(2 * ring + 1) +
                             0.4 * std::sin(3 * ring) + 0.25 * std::sin(5 * ring);
         const double whine = std::sin(2.73 * ring) + 0.5 * std::sin(5.46 * ring);
-        return grip * (mesh + 0.25 * draws.normal()) + 0.6 * spin * whine;
+        return grip * (mesh + 0.25 * random.normal()) + 0.6 * spin * whine;
     }
 
 private:
@@ -196,8 +196,8 @@ void fadeOut(Sound& sound) {
 }
 
 Sound makeTractor() {
-    Draws draws(45);
-    Driver driver(draws);
+    RandomGenerator random(45);
+    Driver driver(random);
     Engine engine([&driver](std::size_t) { return driver.ignite(); });
     Exhaust exhaust;
     Intake intake;
@@ -208,9 +208,9 @@ Sound makeTractor() {
     for (std::size_t i = 0; i < sound.size(); ++i) {
         const bool cranking = driver.starterOn(static_cast<double>(i) / sampleRate, engine.speed());
         engine.turn(1 / sampleRate, cranking);
-        const double mix = 1.7 * exhaust.next(engine, draws) + 0.5 * intake.next(engine, draws) +
-                           0.15 * block.next(engine, cranking, draws) +
-                           0.07 * starter.next(engine, cranking, draws);
+        const double mix = 1.7 * exhaust.next(engine, random) + 0.5 * intake.next(engine, random) +
+                           0.15 * block.next(engine, cranking, random) +
+                           0.07 * starter.next(engine, cranking, random);
         // As close as this, it is too loud for what hears it.
         sound[i] = std::tanh(1.7 * floor.next(mix));
     }

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Draws a sound's waveform and spectrogram: picture.py SOUND.mp3 PICTURE.png HIGHEST-HZ WINDOW
+"""RandomGenerator a sound's waveform and spectrogram: picture.py SOUND.mp3 PICTURE.png HIGHEST-HZ WINDOW
 
 WINDOW is the spectrogram's, in samples: short to see when, long to see which frequency.
 """

@@ -14,9 +14,9 @@ namespace quorvane {
 
 namespace {
 
-class ApplicationContractSide : NonCopyable {
+class ApplicationContractBackend : NonCopyable {
 public:
-    virtual ~ApplicationContractSide() = default;
+    virtual ~ApplicationContractBackend() = default;
 
     virtual const Application& application() = 0;
     virtual void setStartsAtLogin(bool starts) = 0;
@@ -24,9 +24,9 @@ public:
     virtual void leaveFront() = 0;
 };
 
-class SimulatedSide final : public ApplicationContractSide {
+class SimulatedBackend final : public ApplicationContractBackend {
 public:
-    SimulatedSide() { m_simulated.active = false; }
+    SimulatedBackend() { m_simulated.active = false; }
 
     const Application& application() override { return m_simulated; }
 
@@ -42,7 +42,7 @@ private:
     SimulatedApplication m_simulated;
 };
 
-class LinuxSide final : public ApplicationContractSide {
+class LinuxBackend final : public ApplicationContractBackend {
 public:
     const Application& application() override { return m_linux; }
 
@@ -73,37 +73,37 @@ private:
     LinuxApplication m_linux;
 };
 
-using ApplicationSideMaker = std::unique_ptr<ApplicationContractSide> (*)();
+using ApplicationBackendMaker = std::unique_ptr<ApplicationContractBackend> (*)();
 
-class ApplicationContract : public testing::TestWithParam<ApplicationSideMaker> {
+class ApplicationContract : public testing::TestWithParam<ApplicationBackendMaker> {
 protected:
-    std::unique_ptr<ApplicationContractSide> m_side = GetParam()();
+    std::unique_ptr<ApplicationContractBackend> m_backend = GetParam()();
 };
 
 TEST_P(ApplicationContract, TheLoginItemIsWhatItIsWhenItIsAskedFor) {
-    m_side->setStartsAtLogin(false);
-    EXPECT_EQ(m_side->application().loginItemStatus(), LoginItemStatus::NotRegistered);
-    m_side->setStartsAtLogin(true);
-    EXPECT_EQ(m_side->application().loginItemStatus(), LoginItemStatus::Enabled);
-    m_side->setStartsAtLogin(false);
-    EXPECT_EQ(m_side->application().loginItemStatus(), LoginItemStatus::NotRegistered);
+    m_backend->setStartsAtLogin(false);
+    EXPECT_EQ(m_backend->application().loginItemStatus(), LoginItemStatus::NotRegistered);
+    m_backend->setStartsAtLogin(true);
+    EXPECT_EQ(m_backend->application().loginItemStatus(), LoginItemStatus::Enabled);
+    m_backend->setStartsAtLogin(false);
+    EXPECT_EQ(m_backend->application().loginItemStatus(), LoginItemStatus::NotRegistered);
 }
 
 TEST_P(ApplicationContract, TheProgramIsActiveWhileItIsInFront) {
-    EXPECT_FALSE(m_side->application().isActive());
-    m_side->bringToFront();
-    EXPECT_TRUE(m_side->application().isActive());
-    m_side->leaveFront();
-    EXPECT_FALSE(m_side->application().isActive());
+    EXPECT_FALSE(m_backend->application().isActive());
+    m_backend->bringToFront();
+    EXPECT_TRUE(m_backend->application().isActive());
+    m_backend->leaveFront();
+    EXPECT_FALSE(m_backend->application().isActive());
 }
 
-template <typename Side>
-std::unique_ptr<ApplicationContractSide> make() {
-    return std::make_unique<Side>();
+template <typename Backend>
+std::unique_ptr<ApplicationContractBackend> make() {
+    return std::make_unique<Backend>();
 }
 
-INSTANTIATE_TEST_SUITE_P(Simulated, ApplicationContract, testing::Values(&make<SimulatedSide>));
-INSTANTIATE_TEST_SUITE_P(Linux, ApplicationContract, testing::Values(&make<LinuxSide>));
+INSTANTIATE_TEST_SUITE_P(Simulated, ApplicationContract, testing::Values(&make<SimulatedBackend>));
+INSTANTIATE_TEST_SUITE_P(Linux, ApplicationContract, testing::Values(&make<LinuxBackend>));
 
 } // namespace
 

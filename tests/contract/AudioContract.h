@@ -12,16 +12,16 @@
 #include <gtest/gtest.h>
 
 #include "platform/Audio.h"
-#include "tests/contract/AudioContractSide.h"
+#include "tests/contract/AudioContractBackend.h"
 
 namespace quorvane {
 
-struct NamedAudioSide {
+struct NamedAudioBackend {
     std::string name;
-    std::unique_ptr<AudioContractSide> (*make)();
+    std::unique_ptr<AudioContractBackend> (*make)();
 
-    friend std::ostream& operator<<(std::ostream& stream, const NamedAudioSide& side) {
-        return stream << side.name;
+    friend std::ostream& operator<<(std::ostream& stream, const NamedAudioBackend& backend) {
+        return stream << backend.name;
     }
 };
 
@@ -32,7 +32,7 @@ struct CompletionLog {
     std::vector<std::thread::id> threads;
 };
 
-class AudioContract : public ::testing::TestWithParam<NamedAudioSide> {
+class AudioContract : public ::testing::TestWithParam<NamedAudioBackend> {
 protected:
     static constexpr AudioFormat stereo{.sampleRate = 44100, .channels = 2};
 
@@ -66,15 +66,15 @@ protected:
         return m_log->completed;
     }
 
-    void pass(double seconds) { m_side->pass(seconds); }
+    void pass(double seconds) { m_backend->pass(seconds); }
 
     /// Seconds until `condition` holds; fails after `limit`.
     double secondsUntil(const std::function<bool()>& condition, double limit = 15) {
-        const double start = m_side->now();
-        while (!condition() && m_side->now() - start < limit)
+        const double start = m_backend->now();
+        while (!condition() && m_backend->now() - start < limit)
             pass(0.002);
         EXPECT_TRUE(condition()) << "not within " << limit << " s";
-        return m_side->now() - start;
+        return m_backend->now() - start;
     }
 
     double secondsUntilCompleted(std::size_t count) {
@@ -84,28 +84,28 @@ protected:
     /// Plays until `count` sounds have completed, and returns the seconds from before the start: a
     /// test that is delayed right after it must not measure too short a sound.
     double secondsPlayed(std::size_t count) {
-        const double start = m_side->now();
+        const double start = m_backend->now();
         m_node->play();
         secondsUntilCompleted(count);
-        return m_side->now() - start;
+        return m_backend->now() - start;
     }
 
     /// Time for what must not happen.
-    void passTolerance() { pass(m_side->tolerance()); }
+    void passTolerance() { pass(m_backend->tolerance()); }
 
     /// `seconds`, or somewhat later.
     [[nodiscard]] auto isAbout(double seconds) const {
         // The end is computed to the frame, and the clocks of sound and system differ a little.
         return ::testing::AllOf(::testing::Ge(seconds - 0.02),
-                                ::testing::Le(seconds + m_side->tolerance()));
+                                ::testing::Le(seconds + m_backend->tolerance()));
     }
 
-    AudioService& audio() { return m_side->service(); }
+    AudioService& audio() { return m_backend->service(); }
 
-    std::unique_ptr<AudioContractSide> m_side = GetParam().make();
+    std::unique_ptr<AudioContractBackend> m_backend = GetParam().make();
     std::shared_ptr<CompletionLog> m_log = std::make_shared<CompletionLog>();
-    std::shared_ptr<AudioEngine> m_engine = m_side->service().createEngine();
-    std::shared_ptr<AudioPlayerNode> m_node = m_side->service().createPlayerNode();
+    std::shared_ptr<AudioEngine> m_engine = m_backend->service().createEngine();
+    std::shared_ptr<AudioPlayerNode> m_node = m_backend->service().createPlayerNode();
 };
 
 } // namespace quorvane

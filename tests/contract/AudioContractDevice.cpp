@@ -14,7 +14,7 @@ TEST_P(AudioContract, ANodeMayBeDestroyedWhilePlaying) {
     m_node.reset();
     m_engine.reset();
     secondsUntilCompleted(1);
-    pass(0.3 + m_side->tolerance());
+    pass(0.3 + m_backend->tolerance());
     EXPECT_THAT(completed(), ElementsAre("a"));
 }
 
@@ -56,7 +56,7 @@ TEST_P(AudioContract, OneEngineDoesNotStopAnother) {
 }
 
 TEST_P(AudioContract, StartingWithoutAnOutputDeviceFailsUntilThereIsOne) {
-    m_side->setOutputDevicePresent(false);
+    m_backend->setOutputDevicePresent(false);
     EXPECT_FALSE(m_engine->isRunning());
     for (int attempt = 0; attempt < 2; ++attempt) {
         const auto error = m_engine->start();
@@ -64,7 +64,7 @@ TEST_P(AudioContract, StartingWithoutAnOutputDeviceFailsUntilThereIsOne) {
         EXPECT_THAT(error->description, Not(::testing::IsEmpty()));
         EXPECT_FALSE(m_engine->isRunning());
     }
-    m_side->setOutputDevicePresent(true);
+    m_backend->setOutputDevicePresent(true);
     start();
     schedule("a", 0.2);
     EXPECT_THAT(secondsPlayed(1), isAbout(0.2));
@@ -76,7 +76,7 @@ TEST_P(AudioContract, LosingTheDeviceStopsTheEngineAndCompletesWhatWasScheduled)
     schedule("b", 5);
     m_node->play();
     pass(0.1);
-    m_side->setOutputDevicePresent(false);
+    m_backend->setOutputDevicePresent(false);
     secondsUntil([&] { return !m_engine->isRunning(); });
     secondsUntilCompleted(2);
     passTolerance();
@@ -88,7 +88,7 @@ TEST_P(AudioContract, ALossIsNoticedWithoutAnybodyAsking) {
     schedule("a", 60);
     m_node->play();
     pass(0.1);
-    m_side->setOutputDevicePresent(false);
+    m_backend->setOutputDevicePresent(false);
     secondsUntilCompleted(1);
 }
 
@@ -98,7 +98,7 @@ TEST_P(AudioContract, ALossWhilePausedCompletesWhatWasScheduled) {
     m_node->play();
     pass(0.1);
     m_node->pause();
-    m_side->setOutputDevicePresent(false);
+    m_backend->setOutputDevicePresent(false);
     secondsUntil([&] { return !m_engine->isRunning(); });
     EXPECT_THAT(secondsUntilCompleted(1), isAbout(0));
 }
@@ -107,10 +107,10 @@ TEST_P(AudioContract, AfterALossTheNextStartOpensTheDeviceAgain) {
     start();
     schedule("lost", 5);
     m_node->play();
-    m_side->setOutputDevicePresent(false);
+    m_backend->setOutputDevicePresent(false);
     secondsUntil([&] { return !m_engine->isRunning(); });
     EXPECT_TRUE(m_engine->start());
-    m_side->setOutputDevicePresent(true);
+    m_backend->setOutputDevicePresent(true);
     start();
     secondsUntilCompleted(1);
     schedule("heard", 0.3);

@@ -33,17 +33,17 @@ protected:
 
     template <typename Call>
     Deed timed(const Call& call) {
-        const double begun = m_side->now();
+        const double begun = m_backend->now();
         call();
-        return {.begun = begun, .done = m_side->now()};
+        return {.begun = begun, .done = m_backend->now()};
     }
 
     /// Expects a sound of `seconds` since `deed` to end when it should.
     void expectEnd(const AudioFilePlayer& player, const Deed& deed, double seconds) {
         secondsUntil([&] { return !player.isPlaying(); });
         // The clocks of sound and system differ a little.
-        EXPECT_GE(m_side->now() - deed.begun, seconds - 0.02);
-        EXPECT_LE(m_side->now() - deed.done, seconds + m_side->tolerance());
+        EXPECT_GE(m_backend->now() - deed.begun, seconds - 0.02);
+        EXPECT_LE(m_backend->now() - deed.done, seconds + m_backend->tolerance());
     }
 
     /// Expects that there are `seconds` to be heard from where the player is.
@@ -52,7 +52,7 @@ protected:
         expectEnd(player, start, seconds);
     }
 
-    std::shared_ptr<AudioFilePlayer> m_player = open(m_side->clipFile());
+    std::shared_ptr<AudioFilePlayer> m_player = open(m_backend->clipFile());
 };
 
 TEST_P(AudioFilePlayerContract, ANewPlayerIsSilentAtTheStartAtFullVolumeAndPlaysOnce) {
@@ -72,16 +72,16 @@ TEST_P(AudioFilePlayerContract, PlaysToTheEndAndIsBackAtTheStart) {
 }
 
 TEST_P(AudioFilePlayerContract, TheCurrentTimeRunsAndIsKeptByStop) {
-    const auto player = open(m_side->goodFile());
+    const auto player = open(m_backend->goodFile());
     const Deed start = timed([&] { ASSERT_TRUE(player->play()); });
     EXPECT_TRUE(player->isPlaying());
     secondsUntil([&] { return player->currentTime() >= 0.2; });
-    EXPECT_LE(m_side->now() - start.done, 0.2 + m_side->tolerance());
+    EXPECT_LE(m_backend->now() - start.done, 0.2 + m_backend->tolerance());
     player->stop();
     EXPECT_FALSE(player->isPlaying());
     const double place = player->currentTime();
     EXPECT_GE(place, 0.2);
-    EXPECT_LE(place, m_side->now() - start.begun + 0.02);
+    EXPECT_LE(place, m_backend->now() - start.begun + 0.02);
     passTolerance();
     EXPECT_EQ(player->currentTime(), place);
     expectToSoundFor(*player, 1 - place);
@@ -107,7 +107,7 @@ TEST_P(AudioFilePlayerContract, ThePlaceIsBoundedByTheSound) {
 }
 
 TEST_P(AudioFilePlayerContract, ANewPlaceMovesWhatPlays) {
-    const auto player = open(m_side->goodFile());
+    const auto player = open(m_backend->goodFile());
     ASSERT_TRUE(player->play());
     pass(0.2);
     const Deed restart = timed([&] { player->setCurrentTime(0); });
@@ -136,11 +136,11 @@ TEST_P(AudioFilePlayerContract, LoopsWithoutEndUntilItIsStopped) {
     m_player->setNumberOfLoops(-1);
     ASSERT_TRUE(m_player->play());
     secondsUntil([&] { return m_player->currentTime() >= 0.25; });
-    const double begun = m_side->now() - m_player->currentTime();
+    const double begun = m_backend->now() - m_player->currentTime();
     pass(0.9);
     EXPECT_TRUE(m_player->isPlaying());
     // The place goes around with the sound.
-    const double turns = (m_side->now() - begun - m_player->currentTime()) / 0.5;
+    const double turns = (m_backend->now() - begun - m_player->currentTime()) / 0.5;
     EXPECT_GE(turns, 1.5);
     EXPECT_NEAR(turns, std::round(turns), 0.3);
     m_player->stop();
@@ -148,14 +148,14 @@ TEST_P(AudioFilePlayerContract, LoopsWithoutEndUntilItIsStopped) {
 }
 
 TEST_P(AudioFilePlayerContract, WhatCannotBeDecodedIsAnError) {
-    EXPECT_THAT(errorOf(m_side->missingFile()), HasSubstr("No such file or directory"));
-    EXPECT_THAT(errorOf(m_side->nonAudioFile()), HasSubstr("not a sound file"));
-    EXPECT_THAT(errorOf(m_side->truncatedFile()), HasSubstr("ends before its length"));
+    EXPECT_THAT(errorOf(m_backend->missingFile()), HasSubstr("No such file or directory"));
+    EXPECT_THAT(errorOf(m_backend->nonAudioFile()), HasSubstr("not a sound file"));
+    EXPECT_THAT(errorOf(m_backend->truncatedFile()), HasSubstr("ends before its length"));
 }
 
 TEST_P(AudioFilePlayerContract, IsMadeAndKnowsItsLengthWithoutAnyDevice) {
-    m_side->setOutputDevicePresent(false);
-    const auto player = open(m_side->clipFile());
+    m_backend->setOutputDevicePresent(false);
+    const auto player = open(m_backend->clipFile());
     EXPECT_NEAR(player->duration(), 0.5, 1e-9);
     EXPECT_TRUE(player->prepareToPlay());
     EXPECT_FALSE(player->play());
@@ -164,32 +164,32 @@ TEST_P(AudioFilePlayerContract, IsMadeAndKnowsItsLengthWithoutAnyDevice) {
 }
 
 TEST_P(AudioFilePlayerContract, ADeviceThatComesSoonIsPlayedOnFromWhereTheSoundWouldBe) {
-    const auto player = open(m_side->goodFile());
+    const auto player = open(m_backend->goodFile());
     player->setNumberOfLoops(3);
     Deed start;
     // A real one may need longer to come on a busy machine than the sound lasts.
     for (int attempt = 0; attempt < 5; ++attempt) {
-        m_side->setOutputDevicePresent(false);
+        m_backend->setOutputDevicePresent(false);
         start = timed([&] { ASSERT_FALSE(player->play()); });
         pass(0.6);
-        m_side->setOutputDevicePresent(true);
-        if (m_side->now() - start.begun < 2.5)
+        m_backend->setOutputDevicePresent(true);
+        if (m_backend->now() - start.begun < 2.5)
             break;
         player->stop();
         player->setCurrentTime(0);
     }
     secondsUntil([&] { return player->isPlaying(); });
     // The sound lasts a second and comes again.
-    const double turns = m_side->now() - start.done - player->currentTime();
+    const double turns = m_backend->now() - start.done - player->currentTime();
     EXPECT_NEAR(turns, std::round(turns), 0.2);
     expectEnd(*player, start, 4);
 }
 
 TEST_P(AudioFilePlayerContract, ASoundThatWouldBeOverIsForgotten) {
-    m_side->setOutputDevicePresent(false);
+    m_backend->setOutputDevicePresent(false);
     EXPECT_FALSE(m_player->play());
     pass(0.6);
-    m_side->setOutputDevicePresent(true);
+    m_backend->setOutputDevicePresent(true);
     pass(1);
     EXPECT_FALSE(m_player->isPlaying());
     EXPECT_TRUE(m_player->play());
@@ -197,20 +197,20 @@ TEST_P(AudioFilePlayerContract, ASoundThatWouldBeOverIsForgotten) {
 
 TEST_P(AudioFilePlayerContract, AfterSomeSecondsWithoutADeviceTheRequestIsForgotten) {
     m_player->setNumberOfLoops(-1);
-    m_side->setOutputDevicePresent(false);
+    m_backend->setOutputDevicePresent(false);
     EXPECT_FALSE(m_player->play());
     pass(5.5);
-    m_side->setOutputDevicePresent(true);
+    m_backend->setOutputDevicePresent(true);
     pass(1);
     EXPECT_FALSE(m_player->isPlaying());
 }
 
 TEST_P(AudioFilePlayerContract, StopForgetsARequest) {
     m_player->setNumberOfLoops(-1);
-    m_side->setOutputDevicePresent(false);
+    m_backend->setOutputDevicePresent(false);
     EXPECT_FALSE(m_player->play());
     m_player->stop();
-    m_side->setOutputDevicePresent(true);
+    m_backend->setOutputDevicePresent(true);
     pass(1);
     EXPECT_FALSE(m_player->isPlaying());
 }
@@ -220,11 +220,11 @@ TEST_P(AudioFilePlayerContract, ADeviceThatIsLostAndComesBackIsPlayedOn) {
     ASSERT_TRUE(m_player->play());
     for (int attempt = 0; attempt < 5; ++attempt) {
         pass(0.1);
-        const double begin = m_side->now();
-        m_side->setOutputDevicePresent(false);
+        const double begin = m_backend->now();
+        m_backend->setOutputDevicePresent(false);
         secondsUntil([&] { return !m_player->isPlaying(); });
-        m_side->setOutputDevicePresent(true);
-        if (m_side->now() - begin < 3.5)
+        m_backend->setOutputDevicePresent(true);
+        if (m_backend->now() - begin < 3.5)
             break;
         secondsUntil([&] { return m_player->play(); });
     }
@@ -232,19 +232,19 @@ TEST_P(AudioFilePlayerContract, ADeviceThatIsLostAndComesBackIsPlayedOn) {
 }
 
 TEST_P(AudioFilePlayerContract, AHoldNeedsNoDeviceAndMayOutliveAllElse) {
-    m_side->setOutputDevicePresent(false);
+    m_backend->setOutputDevicePresent(false);
     auto first = audio().holdOutput();
     const auto second = audio().holdOutput();
     ASSERT_TRUE(first);
     ASSERT_TRUE(second);
     first.reset();
-    m_side->setOutputDevicePresent(true);
+    m_backend->setOutputDevicePresent(true);
     EXPECT_TRUE(m_player->play());
     m_player.reset();
 }
 
 TEST_P(AudioFilePlayerContract, APlayerMayBeDestroyedWhilePlaying) {
-    const auto other = open(m_side->clipFile());
+    const auto other = open(m_backend->clipFile());
     other->setNumberOfLoops(1);
     ASSERT_TRUE(m_player->play());
     const Deed start = timed([&] { ASSERT_TRUE(other->play()); });
@@ -254,10 +254,10 @@ TEST_P(AudioFilePlayerContract, APlayerMayBeDestroyedWhilePlaying) {
     expectEnd(*other, start, 1);
 }
 
-INSTANTIATE_TEST_SUITE_P(Sides, AudioFilePlayerContract,
-                         ::testing::Values(NamedAudioSide{"Simulated", &makeSimulatedAudioSide},
-                                           NamedAudioSide{"Linux", &makeLinuxAudioSide}),
-                         [](const auto& side) { return side.param.name; });
+INSTANTIATE_TEST_SUITE_P(Backends, AudioFilePlayerContract,
+                         ::testing::Values(NamedAudioBackend{"Simulated", &makeSimulatedAudioBackend},
+                                           NamedAudioBackend{"Linux", &makeLinuxAudioBackend}),
+                         [](const auto& backend) { return backend.param.name; });
 
 } // namespace
 } // namespace quorvane

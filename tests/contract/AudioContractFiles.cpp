@@ -8,22 +8,22 @@ namespace quorvane {
 namespace {
 
 TEST_P(AudioContract, ReadsAWholeFile) {
-    const auto opened = audio().openFile(m_side->goodFile());
+    const auto opened = audio().openFile(m_backend->goodFile());
     ASSERT_TRUE(std::holds_alternative<std::shared_ptr<AudioFile>>(opened))
         << std::get<AudioError>(opened).description;
     AudioFile& file = *std::get<std::shared_ptr<AudioFile>>(opened);
     EXPECT_EQ(file.processingFormat(), stereo);
-    EXPECT_EQ(file.length(), AudioContractSide::goodFileFrames);
-    const auto buffer = audio().createBuffer(stereo, AudioContractSide::goodFileFrames);
+    EXPECT_EQ(file.length(), AudioContractBackend::goodFileFrames);
+    const auto buffer = audio().createBuffer(stereo, AudioContractBackend::goodFileFrames);
     ASSERT_FALSE(file.read(*buffer));
-    EXPECT_EQ(buffer->frameLength, AudioContractSide::goodFileFrames);
+    EXPECT_EQ(buffer->frameLength, AudioContractBackend::goodFileFrames);
     EXPECT_THAT(buffer->samples, ::testing::Contains(::testing::Gt(0.2F)));
 }
 
 TEST_P(AudioContract, AFileGivesItsSamplesAtEveryReading) {
-    const auto opened = audio().openFile(m_side->clipFile());
+    const auto opened = audio().openFile(m_backend->clipFile());
     AudioFile& file = *std::get<std::shared_ptr<AudioFile>>(opened);
-    const PCMBuffer clip = AudioContractSide::clip();
+    const PCMBuffer clip = AudioContractBackend::clip();
     // As exact as 16 bits are.
     const auto isClose = ::testing::Pointwise(::testing::FloatNear(1e-4F), clip.samples);
     for (int reading = 0; reading < 2; ++reading) {
@@ -35,28 +35,28 @@ TEST_P(AudioContract, AFileGivesItsSamplesAtEveryReading) {
 }
 
 TEST_P(AudioContract, AMissingFileCannotBeOpened) {
-    const auto opened = audio().openFile(m_side->missingFile());
+    const auto opened = audio().openFile(m_backend->missingFile());
     ASSERT_TRUE(std::holds_alternative<AudioError>(opened));
     EXPECT_THAT(std::get<AudioError>(opened).description,
                 ::testing::HasSubstr("No such file or directory"));
 }
 
 TEST_P(AudioContract, AFileWithoutSoundCannotBeOpened) {
-    const auto opened = audio().openFile(m_side->nonAudioFile());
+    const auto opened = audio().openFile(m_backend->nonAudioFile());
     ASSERT_TRUE(std::holds_alternative<AudioError>(opened));
     EXPECT_THAT(std::get<AudioError>(opened).description, ::testing::HasSubstr("not a sound file"));
 }
 
 TEST_P(AudioContract, ATruncatedFileCannotBeReadWhole) {
-    const auto opened = audio().openFile(m_side->truncatedFile());
+    const auto opened = audio().openFile(m_backend->truncatedFile());
     ASSERT_TRUE(std::holds_alternative<std::shared_ptr<AudioFile>>(opened));
     AudioFile& file = *std::get<std::shared_ptr<AudioFile>>(opened);
-    EXPECT_EQ(file.length(), AudioContractSide::goodFileFrames);
+    EXPECT_EQ(file.length(), AudioContractBackend::goodFileFrames);
     const auto buffer = audio().createBuffer(stereo, static_cast<std::uint32_t>(file.length()));
     const auto error = file.read(*buffer);
     ASSERT_TRUE(error);
     EXPECT_THAT(error->description, ::testing::HasSubstr("ends before its length"));
-    EXPECT_LT(buffer->frameLength, AudioContractSide::goodFileFrames);
+    EXPECT_LT(buffer->frameLength, AudioContractBackend::goodFileFrames);
 }
 
 TEST_P(AudioContract, ABufferNeedsChannelsAndARate) {

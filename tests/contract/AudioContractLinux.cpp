@@ -1,4 +1,4 @@
-#include "tests/contract/AudioContractSide.h"
+#include "tests/contract/AudioContractBackend.h"
 
 #include <chrono>
 #include <cstdlib>
@@ -13,10 +13,10 @@ namespace quorvane {
 
 namespace {
 
-class LinuxAudioSide final : public AudioContractSide {
+class LinuxAudioBackend final : public AudioContractBackend {
 public:
     /// `settings` as a person would write them in OpenAL Soft's file.
-    explicit LinuxAudioSide(std::string_view settings) {
+    explicit LinuxAudioBackend(std::string_view settings) {
         m_server.start();
         writeText(m_folder.path() / ".alsoftrc", settings);
         // After the server, which has set the environment that OpenAL's settings come from.
@@ -84,15 +84,15 @@ private:
 
 } // namespace
 
-std::unique_ptr<AudioContractSide> makeLinuxAudioSide() {
-    return std::make_unique<LinuxAudioSide>("");
+std::unique_ptr<AudioContractBackend> makeLinuxAudioBackend() {
+    return std::make_unique<LinuxAudioBackend>("");
 }
 
-std::unique_ptr<AudioContractSide> makeSteadyLinuxAudioSide() {
-    return std::make_unique<LinuxAudioSide>("period_size = 2048\nperiods = 8\n");
+std::unique_ptr<AudioContractBackend> makeSteadyLinuxAudioBackend() {
+    return std::make_unique<LinuxAudioBackend>("period_size = 2048\nperiods = 8\n");
 }
 
-PCMBuffer AudioContractSide::clip() {
+PCMBuffer AudioContractBackend::clip() {
     return chirp({.sampleRate = 44100, .channels = 2}, 22050);
 }
 

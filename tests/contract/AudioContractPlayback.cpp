@@ -55,7 +55,7 @@ TEST_P(AudioContract, ACompletionMayBeEmpty) {
 TEST_P(AudioContract, NothingSoundsBeforePlay) {
     start();
     schedule("a", 0.05);
-    pass(0.05 + m_side->tolerance());
+    pass(0.05 + m_backend->tolerance());
     EXPECT_THAT(completed(), ElementsAre());
     EXPECT_THAT(secondsPlayed(1), isAbout(0.05));
 }
@@ -72,13 +72,13 @@ TEST_P(AudioContract, PauseKeepsThePlaceAndPlayResumesThere) {
     m_node->play();
     pass(0.3);
     m_node->pause();
-    pass(0.6 + m_side->tolerance());
+    pass(0.6 + m_backend->tolerance());
     EXPECT_THAT(completed(), ElementsAre());
     m_node->play();
     // A sleep of 0.3 s may have been longer, and what sounded then is not heard again.
     EXPECT_THAT(secondsUntilCompleted(1),
-                ::testing::AllOf(::testing::Ge(0.3 - m_side->tolerance()),
-                                 ::testing::Le(0.3 + m_side->tolerance())));
+                ::testing::AllOf(::testing::Ge(0.3 - m_backend->tolerance()),
+                                 ::testing::Le(0.3 + m_backend->tolerance())));
 }
 
 TEST_P(AudioContract, StopDropsWhatWasScheduledAndCompletesIt) {
@@ -154,10 +154,10 @@ TEST_P(AudioContract, RepeatedCallsAreHarmless) {
     EXPECT_THAT(completed(), ElementsAre("a"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Sides, AudioContract,
-                         ::testing::Values(NamedAudioSide{"Simulated", &makeSimulatedAudioSide},
-                                           NamedAudioSide{"Linux", &makeLinuxAudioSide}),
-                         [](const auto& side) { return side.param.name; });
+INSTANTIATE_TEST_SUITE_P(Backends, AudioContract,
+                         ::testing::Values(NamedAudioBackend{"Simulated", &makeSimulatedAudioBackend},
+                                           NamedAudioBackend{"Linux", &makeLinuxAudioBackend}),
+                         [](const auto& backend) { return backend.param.name; });
 
 } // namespace
 } // namespace quorvane

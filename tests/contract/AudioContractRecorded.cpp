@@ -16,7 +16,7 @@ constexpr double inaudible = 1e-4;
 /// What is promised about sound that can be heard, on the recorded output.
 class AudioRecordedContract : public AudioContract {
 protected:
-    [[nodiscard]] Recording finish() { return Recording(m_side->finishRecording()); }
+    [[nodiscard]] Recording finish() { return Recording(m_backend->finishRecording()); }
 
     void play(const PCMBuffer& sound, BufferOptions options) {
         m_node->scheduleBuffer(std::make_shared<PCMBuffer>(sound), options, nullptr);
@@ -25,14 +25,14 @@ protected:
 
     /// Half a second at a level of 0.5.
     [[nodiscard]] static PCMBuffer level() {
-        PCMBuffer sound = AudioContractSide::clip();
+        PCMBuffer sound = AudioContractBackend::clip();
         sound.samples.assign(sound.samples.size(), 0.5F);
         return sound;
     }
 
     [[nodiscard]] std::shared_ptr<AudioFilePlayer> player() {
         return std::get<std::shared_ptr<AudioFilePlayer>>(
-            audio().createFilePlayer(m_side->clipFile()));
+            audio().createFilePlayer(m_backend->clipFile()));
     }
 
     /// Whether `level` is heard for at least 0.1 s.
@@ -46,7 +46,7 @@ protected:
     /// Expects the clip `times` times without a gap, from the first sound on. The frame after that;
     /// none when the recording has less.
     static std::optional<std::size_t> expectClips(const Recording& recording, std::size_t times) {
-        const PCMBuffer clip = AudioContractSide::clip();
+        const PCMBuffer clip = AudioContractBackend::clip();
         const auto begin = recording.soundFrom(0);
         EXPECT_TRUE(begin);
         if (!begin)
@@ -63,7 +63,7 @@ protected:
 
 TEST_P(AudioRecordedContract, ANodesVolumeChangesWhatSounds) {
     start();
-    m_side->startRecording();
+    m_backend->startRecording();
     EXPECT_EQ(m_node->volume(), 1);
     m_node->setVolume(0);
     play(level(), BufferOptions::Loops);
@@ -88,7 +88,7 @@ TEST_P(AudioRecordedContract, ANodesVolumeIsBoundedAndKeptByStop) {
     m_node->setVolume(0.5F);
     m_node->stop();
     EXPECT_EQ(m_node->volume(), 0.5F);
-    m_side->startRecording();
+    m_backend->startRecording();
     play(level(), BufferOptions::Once);
     pass(0.7);
     EXPECT_TRUE(holds(finish(), 0.25));
@@ -96,9 +96,9 @@ TEST_P(AudioRecordedContract, ANodesVolumeIsBoundedAndKeptByStop) {
 
 TEST_P(AudioRecordedContract, ALoopedBufferComesAgainWithoutAGapUntilItIsStopped) {
     start();
-    m_side->startRecording();
+    m_backend->startRecording();
     const auto completed = std::make_shared<std::atomic<int>>(0);
-    m_node->scheduleBuffer(std::make_shared<PCMBuffer>(AudioContractSide::clip()),
+    m_node->scheduleBuffer(std::make_shared<PCMBuffer>(AudioContractBackend::clip()),
                            BufferOptions::Loops, [completed] { ++*completed; });
     m_node->play();
     pass(1.8);
@@ -114,16 +114,16 @@ TEST_P(AudioRecordedContract, ALoopedBufferComesAgainWithoutAGapUntilItIsStopped
 
 TEST_P(AudioRecordedContract, ALoopFollowsWhatWasScheduledBeforeWithoutAGap) {
     start();
-    m_side->startRecording();
-    play(AudioContractSide::clip(), BufferOptions::Once);
-    play(AudioContractSide::clip(), BufferOptions::Loops);
+    m_backend->startRecording();
+    play(AudioContractBackend::clip(), BufferOptions::Once);
+    play(AudioContractBackend::clip(), BufferOptions::Loops);
     pass(1.6);
     expectClips(finish(), 3);
 }
 
 TEST_P(AudioRecordedContract, AFilePlayerSoundsOnceFrameForFrame) {
     const auto clip = player();
-    m_side->startRecording();
+    m_backend->startRecording();
     ASSERT_TRUE(clip->play());
     pass(1);
     const Recording recording = finish();
@@ -135,7 +135,7 @@ TEST_P(AudioRecordedContract, AFilePlayerSoundsOnceFrameForFrame) {
 TEST_P(AudioRecordedContract, AFilePlayersLoopHasNoGap) {
     const auto clip = player();
     clip->setNumberOfLoops(-1);
-    m_side->startRecording();
+    m_backend->startRecording();
     ASSERT_TRUE(clip->play());
     pass(1.6);
     expectClips(finish(), 3);
@@ -144,7 +144,7 @@ TEST_P(AudioRecordedContract, AFilePlayersLoopHasNoGap) {
 TEST_P(AudioRecordedContract, ACountOfLoopsHasNoGapEither) {
     const auto clip = player();
     clip->setNumberOfLoops(2);
-    m_side->startRecording();
+    m_backend->startRecording();
     ASSERT_TRUE(clip->play());
     pass(1.7);
     const Recording recording = finish();
@@ -155,7 +155,7 @@ TEST_P(AudioRecordedContract, ACountOfLoopsHasNoGapEither) {
 
 TEST_P(AudioRecordedContract, ARestartIsHeardFromItsBeginningAndNothingOfTheOldOneRemains) {
     const auto clip = player();
-    m_side->startRecording();
+    m_backend->startRecording();
     ASSERT_TRUE(clip->play());
     pass(0.3);
     clip->setCurrentTime(0);
@@ -169,7 +169,7 @@ TEST_P(AudioRecordedContract, ARestartIsHeardFromItsBeginningAndNothingOfTheOldO
     EXPECT_FALSE(recording.soundFrom(end));
     // The old one may fade out over a mixing period.
     constexpr std::size_t fade = 4410;
-    EXPECT_LT(recording.largestDifference(end - 22050 + fade, AudioContractSide::clip(), fade,
+    EXPECT_LT(recording.largestDifference(end - 22050 + fade, AudioContractBackend::clip(), fade,
                                           22050 - fade),
               inaudible);
 }
@@ -178,7 +178,7 @@ TEST_P(AudioRecordedContract, AFilePlayersVolumeChangesWhatSounds) {
     const auto clip = player();
     clip->setNumberOfLoops(-1);
     clip->setVolume(0.5F);
-    m_side->startRecording();
+    m_backend->startRecording();
     ASSERT_TRUE(clip->play());
     pass(0.6);
     clip->setVolume(0);
@@ -186,17 +186,17 @@ TEST_P(AudioRecordedContract, AFilePlayersVolumeChangesWhatSounds) {
     const Recording recording = finish();
     const auto begin = recording.soundFrom(0);
     ASSERT_TRUE(begin);
-    PCMBuffer half = AudioContractSide::clip();
+    PCMBuffer half = AudioContractBackend::clip();
     for (float& sample : half.samples)
         sample /= 2;
     EXPECT_LT(recording.largestDifference(*begin, half, 0, 22050), inaudible);
     EXPECT_TRUE(holds(recording, 0));
 }
 
-INSTANTIATE_TEST_SUITE_P(Sides, AudioRecordedContract,
-                         ::testing::Values(NamedAudioSide{"Simulated", &makeSimulatedAudioSide},
-                                           NamedAudioSide{"Linux", &makeSteadyLinuxAudioSide}),
-                         [](const auto& side) { return side.param.name; });
+INSTANTIATE_TEST_SUITE_P(Backends, AudioRecordedContract,
+                         ::testing::Values(NamedAudioBackend{"Simulated", &makeSimulatedAudioBackend},
+                                           NamedAudioBackend{"Linux", &makeSteadyLinuxAudioBackend}),
+                         [](const auto& backend) { return backend.param.name; });
 
 } // namespace
 } // namespace quorvane

@@ -1,4 +1,4 @@
-#include "tests/contract/AudioContractSide.h"
+#include "tests/contract/AudioContractBackend.h"
 
 #include <vector>
 
@@ -10,9 +10,9 @@ namespace quorvane {
 
 namespace {
 
-class SimulatedAudioSide final : public AudioContractSide {
+class SimulatedAudioBackend final : public AudioContractBackend {
 public:
-    SimulatedAudioSide() {
+    SimulatedAudioBackend() {
         const AudioFormat format{.sampleRate = 44100, .channels = 2};
         const std::vector<float> half(static_cast<std::size_t>(goodFileFrames), 0.25F);
         m_audio.addFile(goodFile(), format, chirp(format, goodFileFrames).samples);
@@ -61,8 +61,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<AudioContractSide> makeSimulatedAudioSide() {
-    return std::make_unique<SimulatedAudioSide>();
+std::unique_ptr<AudioContractBackend> makeSimulatedAudioBackend() {
+    return std::make_unique<SimulatedAudioBackend>();
 }
 
 } // namespace quorvane

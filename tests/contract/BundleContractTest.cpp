@@ -10,9 +10,9 @@ namespace quorvane {
 
 namespace {
 
-class BundleContractSide : NonCopyable {
+class BundleContractBackend : NonCopyable {
 public:
-    virtual ~BundleContractSide() = default;
+    virtual ~BundleContractBackend() = default;
 
     /// Holds "creaking" of type "mp3", whose file's content is "creak".
     virtual Bundle& bundle() = 0;
@@ -22,9 +22,9 @@ protected:
     std::filesystem::path m_creak = m_folder.write("creaking.mp3", "creak");
 };
 
-class SimulatedSide final : public BundleContractSide {
+class SimulatedBackend final : public BundleContractBackend {
 public:
-    SimulatedSide() { m_bundle.addResource("creaking", "mp3", m_creak); }
+    SimulatedBackend() { m_bundle.addResource("creaking", "mp3", m_creak); }
 
     Bundle& bundle() override { return m_bundle; }
 
@@ -32,7 +32,7 @@ private:
     SimulatedBundle m_bundle;
 };
 
-class LinuxSide final : public BundleContractSide {
+class LinuxBackend final : public BundleContractBackend {
 public:
     Bundle& bundle() override { return m_bundle; }
 
@@ -40,34 +40,34 @@ private:
     LinuxBundle m_bundle{{m_folder.path() / "missing", m_folder.path()}};
 };
 
-using BundleSideMaker = std::unique_ptr<BundleContractSide> (*)();
+using BundleBackendMaker = std::unique_ptr<BundleContractBackend> (*)();
 
-class BundleContract : public testing::TestWithParam<BundleSideMaker> {
+class BundleContract : public testing::TestWithParam<BundleBackendMaker> {
 protected:
-    std::unique_ptr<BundleContractSide> m_side = GetParam()();
+    std::unique_ptr<BundleContractBackend> m_backend = GetParam()();
 };
 
 TEST_P(BundleContract, AResourceIsFoundByNameAndType) {
-    const auto file = m_side->bundle().urlForResource("creaking", "mp3");
+    const auto file = m_backend->bundle().urlForResource("creaking", "mp3");
     ASSERT_TRUE(file);
     EXPECT_EQ(fileText(*file), "creak");
 }
 
 TEST_P(BundleContract, AMissingResourceIsNone) {
-    EXPECT_EQ(m_side->bundle().urlForResource("tractor", "mp3"), std::nullopt);
+    EXPECT_EQ(m_backend->bundle().urlForResource("tractor", "mp3"), std::nullopt);
 }
 
 TEST_P(BundleContract, AnotherTypeIsAnotherResource) {
-    EXPECT_EQ(m_side->bundle().urlForResource("creaking", "png"), std::nullopt);
+    EXPECT_EQ(m_backend->bundle().urlForResource("creaking", "png"), std::nullopt);
 }
 
-template <typename Side>
-std::unique_ptr<BundleContractSide> make() {
-    return std::make_unique<Side>();
+template <typename Backend>
+std::unique_ptr<BundleContractBackend> make() {
+    return std::make_unique<Backend>();
 }
 
-INSTANTIATE_TEST_SUITE_P(Simulated, BundleContract, testing::Values(&make<SimulatedSide>));
-INSTANTIATE_TEST_SUITE_P(Linux, BundleContract, testing::Values(&make<LinuxSide>));
+INSTANTIATE_TEST_SUITE_P(Simulated, BundleContract, testing::Values(&make<SimulatedBackend>));
+INSTANTIATE_TEST_SUITE_P(Linux, BundleContract, testing::Values(&make<LinuxBackend>));
 
 } // namespace
 

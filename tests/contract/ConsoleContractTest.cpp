@@ -15,16 +15,16 @@ namespace quorvane {
 
 namespace {
 
-class ConsoleContractSide : NonCopyable {
+class ConsoleContractBackend : NonCopyable {
 public:
-    virtual ~ConsoleContractSide() = default;
+    virtual ~ConsoleContractBackend() = default;
 
     virtual Console& console() = 0;
     /// What has been written so far.
     virtual std::string written() = 0;
 };
 
-class SimulatedSide final : public ConsoleContractSide {
+class SimulatedBackend final : public ConsoleContractBackend {
 public:
     Console& console() override { return m_console; }
 
@@ -40,11 +40,11 @@ private:
 };
 
 template <typename DescriptorConsole>
-class PipeSide final : public ConsoleContractSide {
+class PipeBackend final : public ConsoleContractBackend {
 public:
-    PipeSide() : m_ends(makePipe()), m_console(m_ends[1]) {}
+    PipeBackend() : m_ends(makePipe()), m_console(m_ends[1]) {}
 
-    ~PipeSide() override {
+    ~PipeBackend() override {
         close(m_ends[0]);
         close(m_ends[1]);
     }
@@ -75,38 +75,38 @@ private:
     DescriptorConsole m_console;
 };
 
-using ConsoleSideMaker = std::unique_ptr<ConsoleContractSide> (*)();
+using ConsoleBackendMaker = std::unique_ptr<ConsoleContractBackend> (*)();
 
-class ConsoleContract : public testing::TestWithParam<ConsoleSideMaker> {
+class ConsoleContract : public testing::TestWithParam<ConsoleBackendMaker> {
 protected:
-    std::unique_ptr<ConsoleContractSide> m_side = GetParam()();
+    std::unique_ptr<ConsoleContractBackend> m_backend = GetParam()();
 };
 
 TEST_P(ConsoleContract, EachLineIsOutAsSoonAsItIsPrinted) {
-    m_side->console().print("✅ [FAN] first");
-    EXPECT_EQ(m_side->written(), "✅ [FAN] first\n");
-    m_side->console().print("second");
-    EXPECT_EQ(m_side->written(), "✅ [FAN] first\nsecond\n");
+    m_backend->console().print("✅ [FAN] first");
+    EXPECT_EQ(m_backend->written(), "✅ [FAN] first\n");
+    m_backend->console().print("second");
+    EXPECT_EQ(m_backend->written(), "✅ [FAN] first\nsecond\n");
 }
 
 TEST_P(ConsoleContract, AnEmptyLineIsALine) {
-    m_side->console().print("");
-    EXPECT_EQ(m_side->written(), "\n");
+    m_backend->console().print("");
+    EXPECT_EQ(m_backend->written(), "\n");
 }
 
 TEST_P(ConsoleContract, ALineIsNoFormatString) {
-    m_side->console().print("100 %s %n");
-    EXPECT_EQ(m_side->written(), "100 %s %n\n");
+    m_backend->console().print("100 %s %n");
+    EXPECT_EQ(m_backend->written(), "100 %s %n\n");
 }
 
-template <typename Side>
-std::unique_ptr<ConsoleContractSide> make() {
-    return std::make_unique<Side>();
+template <typename Backend>
+std::unique_ptr<ConsoleContractBackend> make() {
+    return std::make_unique<Backend>();
 }
 
-INSTANTIATE_TEST_SUITE_P(Simulated, ConsoleContract, testing::Values(&make<SimulatedSide>));
-INSTANTIATE_TEST_SUITE_P(Linux, ConsoleContract, testing::Values(&make<PipeSide<LinuxConsole>>));
-INSTANTIATE_TEST_SUITE_P(Mac, ConsoleContract, testing::Values(&make<PipeSide<MacConsole>>));
+INSTANTIATE_TEST_SUITE_P(Simulated, ConsoleContract, testing::Values(&make<SimulatedBackend>));
+INSTANTIATE_TEST_SUITE_P(Linux, ConsoleContract, testing::Values(&make<PipeBackend<LinuxConsole>>));
+INSTANTIATE_TEST_SUITE_P(Mac, ConsoleContract, testing::Values(&make<PipeBackend<MacConsole>>));
 
 } // namespace
 

@@ -10,9 +10,9 @@
 namespace quorvane {
 
 /// One implementation of event taps, and a person at its keyboard.
-class EventTapContractSide : NonCopyable {
+class EventTapContractBackend : NonCopyable {
 public:
-    virtual ~EventTapContractSide() = default;
+    virtual ~EventTapContractBackend() = default;
 
     virtual EventTapService& service() = 0;
 
@@ -28,7 +28,7 @@ public:
     virtual void settle() {}
 };
 
-using EventTapContractSideMaker = std::unique_ptr<EventTapContractSide> (*)();
+using EventTapContractBackendMaker = std::unique_ptr<EventTapContractBackend> (*)();
 
 /// What a tap's callback was given.
 struct HeardEvent {
@@ -38,7 +38,7 @@ struct HeardEvent {
     bool operator==(const HeardEvent&) const = default;
 };
 
-class EventTapContract : public testing::TestWithParam<EventTapContractSideMaker> {
+class EventTapContract : public testing::TestWithParam<EventTapContractBackendMaker> {
 protected:
     static constexpr std::uint64_t keyDowns = tapEventMask(TapEventType::KeyDown);
     static constexpr std::uint64_t everything =
@@ -54,7 +54,7 @@ protected:
     /// What has been heard since the last time.
     std::vector<HeardEvent> heard();
 
-    std::unique_ptr<EventTapContractSide> m_side = GetParam()();
+    std::unique_ptr<EventTapContractBackend> m_backend = GetParam()();
     std::shared_ptr<EventTap> m_tap;
     std::shared_ptr<TapSource> m_source;
 };

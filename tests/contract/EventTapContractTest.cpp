@@ -39,7 +39,7 @@ EventTapContract::EventTapContract() {
 }
 
 std::shared_ptr<EventTap> EventTapContract::makeTap(std::uint64_t events) {
-    return m_side->service().createTap(TapLocation::Session, TapPlacement::HeadInsert,
+    return m_backend->service().createTap(TapLocation::Session, TapPlacement::HeadInsert,
                                        TapOptions::ListenOnly, events, &hear);
 }
 
@@ -53,55 +53,55 @@ void EventTapContract::startToListen(std::uint64_t events) {
 }
 
 void EventTapContract::typeKey() {
-    m_side->pressKey();
-    m_side->releaseKey();
+    m_backend->pressKey();
+    m_backend->releaseKey();
 }
 
 std::vector<HeardEvent> EventTapContract::heard() {
-    m_side->settle();
+    m_backend->settle();
     return std::exchange(heardEvents, {});
 }
 
 TEST_P(EventTapContract, AKeyGoesDownAndUp) {
     startToListen();
-    m_side->pressKey();
+    m_backend->pressKey();
     EXPECT_THAT(heard(), ElementsAre(keyDown));
-    m_side->releaseKey();
+    m_backend->releaseKey();
     EXPECT_THAT(heard(), ElementsAre(keyUp));
 }
 
 TEST_P(EventTapContract, WhatAHeldKeyRepeatsIsMarkedUntilItsRelease) {
     startToListen(keyDowns);
-    m_side->pressKey();
-    m_side->repeatKey();
-    m_side->repeatKey();
+    m_backend->pressKey();
+    m_backend->repeatKey();
+    m_backend->repeatKey();
     EXPECT_THAT(heard(), ElementsAre(keyDown, repeatedKeyDown, repeatedKeyDown));
-    m_side->releaseKey();
-    m_side->pressKey();
+    m_backend->releaseKey();
+    m_backend->pressKey();
     EXPECT_THAT(heard(), ElementsAre(keyDown));
-    m_side->releaseKey();
+    m_backend->releaseKey();
 }
 
 TEST_P(EventTapContract, AModifierAloneIsNoKey) {
     startToListen();
-    m_side->pressShift();
-    m_side->releaseShift();
+    m_backend->pressShift();
+    m_backend->releaseShift();
     EXPECT_THAT(heard(), ElementsAre(flagsChanged, flagsChanged));
 }
 
 TEST_P(EventTapContract, AKeyWithAModifierIsAKey) {
     startToListen(keyDowns);
-    m_side->pressShift();
+    m_backend->pressShift();
     typeKey();
-    m_side->releaseShift();
+    m_backend->releaseShift();
     EXPECT_THAT(heard(), ElementsAre(keyDown));
 }
 
 TEST_P(EventTapContract, OnlyEventsOfInterestAreHeard) {
     startToListen(tapEventMask(TapEventType::KeyUp));
-    m_side->pressShift();
+    m_backend->pressShift();
     typeKey();
-    m_side->releaseShift();
+    m_backend->releaseShift();
     EXPECT_THAT(heard(), ElementsAre(keyUp));
 }
 
@@ -198,7 +198,7 @@ TEST_P(EventTapContract, ATapAfterAnotherOneHearsAsTheFirstDid) {
 
 TEST_P(EventTapContract, TwoTapsHearTheSameKey) {
     startToListen(keyDowns);
-    const auto other = m_side->service().createTap(TapLocation::Session, TapPlacement::HeadInsert,
+    const auto other = m_backend->service().createTap(TapLocation::Session, TapPlacement::HeadInsert,
                                                    TapOptions::ListenOnly, keyDowns, &hearToo);
     ASSERT_TRUE(other);
     const auto source = other->createRunLoopSource(0);

@@ -12,8 +12,8 @@
 #include <string>
 
 #include "base/NonCopyable.h"
-#include "platform/linux/keyboard/LinuxEventTaps.h"
-#include "platform/linux/keyboard/UdevKeyboardNodes.h"
+#include "platform/linux/keyboard/LinuxEventTapService.h"
+#include "platform/linux/keyboard/UdevKeyboardWatcher.h"
 #include "tests/contract/EventTapContract.h"
 #include "tests/support/Environment.h"
 #include "tests/support/KeyboardPipe.h"
@@ -35,14 +35,14 @@ public:
         std::strncpy(std::begin(setup.name), "contract keyboard", sizeof setup.name - 1);
         if (ioctl(m_descriptor, UI_DEV_SETUP, &setup) < 0 || ioctl(m_descriptor, UI_DEV_CREATE) < 0)
             throw std::runtime_error("the kernel makes no keyboard");
-        if (!QtApplication::runUntil([] { return !UdevKeyboardNodes::list().empty(); }))
+        if (!QtApplication::runUntil([] { return !UdevKeyboardWatcher::list().empty(); }))
             throw std::runtime_error("udev does not find the keyboard");
     }
 
     ~UinputKeyboard() {
         close(m_descriptor);
         // The next case is to find its own.
-        QtApplication::runUntil([] { return UdevKeyboardNodes::list().empty(); });
+        QtApplication::runUntil([] { return UdevKeyboardWatcher::list().empty(); });
     }
 
     void send(int key, int value) const {
@@ -56,7 +56,7 @@ private:
     int m_descriptor;
 };
 
-class UinputSide final : public EventTapContractSide {
+class UinputBackend final : public EventTapContractBackend {
 public:
     EventTapService& service() override { return m_taps; }
 
@@ -80,14 +80,14 @@ private:
     QtApplication m_application;
     EnvironmentVariable m_wayland{"WAYLAND_DISPLAY", "wayland-0"};
     UinputKeyboard m_keyboard;
-    LinuxEventTaps m_taps;
+    LinuxEventTapService m_taps;
 };
 
-std::unique_ptr<EventTapContractSide> makeUinputSide() {
-    return std::make_unique<UinputSide>();
+std::unique_ptr<EventTapContractBackend> makeUinputBackend() {
+    return std::make_unique<UinputBackend>();
 }
 
-INSTANTIATE_TEST_SUITE_P(LinuxUinput, EventTapContract, testing::Values(&makeUinputSide));
+INSTANTIATE_TEST_SUITE_P(LinuxUinput, EventTapContract, testing::Values(&makeUinputBackend));
 
 } // namespace
 

@@ -12,9 +12,9 @@
 namespace quorvane {
 
 /// One implementation of HID with one lid sensor to be found.
-class HIDContractSide : NonCopyable {
+class HIDContractBackend : NonCopyable {
 public:
-    virtual ~HIDContractSide() = default;
+    virtual ~HIDContractBackend() = default;
 
     virtual HIDService& service() = 0;
 
@@ -26,14 +26,14 @@ public:
     /// What the sensor says now, in degrees; none: nobody knows, but it is a plausible lid angle.
     [[nodiscard]] virtual std::optional<int> angle() const = 0;
 
-    // For the cases that move the sensor or unplug it: a side that cannot does without them.
+    // For the cases that move the sensor or unplug it: a backend that cannot does without them.
 
     virtual void setAngle(int) {}
 
     virtual void unplug() {}
 };
 
-using HIDContractSideMaker = std::unique_ptr<HIDContractSide> (*)();
+using HIDContractBackendMaker = std::unique_ptr<HIDContractBackend> (*)();
 
 /// What came of reading a report.
 struct HIDReading {
@@ -49,14 +49,14 @@ struct HIDReading {
                                     HIDReportType type = HIDReportType::Feature,
                                     std::uint8_t reportID = 1);
 
-class HIDContract : public testing::TestWithParam<HIDContractSideMaker> {
+class HIDContract : public testing::TestWithParam<HIDContractBackendMaker> {
 protected:
     std::shared_ptr<HIDManager> manager(std::optional<int> productID, int vendorID);
     std::vector<std::shared_ptr<HIDDevice>> devices(std::optional<int> productID, int vendorID);
-    /// The side's sensor, by a search for the vendor alone.
+    /// The backend's sensor, by a search for the vendor alone.
     std::shared_ptr<HIDDevice> sensor();
 
-    std::unique_ptr<HIDContractSide> m_side = GetParam()();
+    std::unique_ptr<HIDContractBackend> m_backend = GetParam()();
 };
 
 } // namespace quorvane

@@ -11,7 +11,7 @@ namespace quorvane {
 
 namespace {
 
-class HidrawSide final : public HIDContractSide {
+class HidrawBackend final : public HIDContractBackend {
 public:
     HIDService& service() override { return m_hid; }
 
@@ -29,11 +29,11 @@ private:
     LinuxHID m_hid{m_noSysfs.path()};
 };
 
-std::unique_ptr<HIDContractSide> makeHidrawSide() {
-    return std::make_unique<HidrawSide>();
+std::unique_ptr<HIDContractBackend> makeHidrawBackend() {
+    return std::make_unique<HidrawBackend>();
 }
 
-INSTANTIATE_TEST_SUITE_P(LinuxHidraw, HIDContract, testing::Values(&makeHidrawSide));
+INSTANTIATE_TEST_SUITE_P(LinuxHidraw, HIDContract, testing::Values(&makeHidrawBackend));
 
 } // namespace
 

@@ -8,9 +8,9 @@ namespace quorvane {
 
 namespace {
 
-class SimulatedSide final : public HIDContractSide {
+class SimulatedBackend final : public HIDContractBackend {
 public:
-    SimulatedSide() { m_device->setAngle(112U); }
+    SimulatedBackend() { m_device->setAngle(112U); }
 
     HIDService& service() override { return m_hid; }
 
@@ -29,9 +29,9 @@ private:
 };
 
 /// Industrial I/O needs no hardware, only its files.
-class IIOSide final : public HIDContractSide {
+class IIOBackend final : public HIDContractBackend {
 public:
-    IIOSide() {
+    IIOBackend() {
         m_sysfs.write("bus/iio/devices/iio:device0/name", "cros-ec-lid-angle\n");
         setAngle(112);
     }
@@ -66,7 +66,7 @@ TEST_P(HIDMovedContract, EachReportHoldsTheAngleOfItsMoment) {
     ASSERT_TRUE(device);
     ASSERT_EQ(device->open(), hidSuccess);
     for (const int angle : {1, 90, 255, 256, 359}) {
-        m_side->setAngle(angle);
+        m_backend->setAngle(angle);
         EXPECT_EQ(readReport(*device).angle(), angle);
     }
 }
@@ -76,22 +76,22 @@ TEST_P(HIDMovedContract, ADeviceThatIsGoneFailsEveryLaterCall) {
     const auto unopened = sensor();
     ASSERT_TRUE(opened && unopened);
     ASSERT_EQ(opened->open(), hidSuccess);
-    m_side->unplug();
+    m_backend->unplug();
     EXPECT_NE(unopened->open(), hidSuccess);
     EXPECT_NE(readReport(*opened).result, hidSuccess);
     EXPECT_NE(readReport(*opened).result, hidSuccess);
-    EXPECT_TRUE(devices({}, m_side->vendorID()).empty());
+    EXPECT_TRUE(devices({}, m_backend->vendorID()).empty());
 }
 
-template <typename Side>
-std::unique_ptr<HIDContractSide> make() {
-    return std::make_unique<Side>();
+template <typename Backend>
+std::unique_ptr<HIDContractBackend> make() {
+    return std::make_unique<Backend>();
 }
 
-INSTANTIATE_TEST_SUITE_P(Simulated, HIDContract, testing::Values(&make<SimulatedSide>));
-INSTANTIATE_TEST_SUITE_P(LinuxIIO, HIDContract, testing::Values(&make<IIOSide>));
-INSTANTIATE_TEST_SUITE_P(Simulated, HIDMovedContract, testing::Values(&make<SimulatedSide>));
-INSTANTIATE_TEST_SUITE_P(LinuxIIO, HIDMovedContract, testing::Values(&make<IIOSide>));
+INSTANTIATE_TEST_SUITE_P(Simulated, HIDContract, testing::Values(&make<SimulatedBackend>));
+INSTANTIATE_TEST_SUITE_P(LinuxIIO, HIDContract, testing::Values(&make<IIOBackend>));
+INSTANTIATE_TEST_SUITE_P(Simulated, HIDMovedContract, testing::Values(&make<SimulatedBackend>));
+INSTANTIATE_TEST_SUITE_P(LinuxIIO, HIDMovedContract, testing::Values(&make<IIOBackend>));
 
 } // namespace
 

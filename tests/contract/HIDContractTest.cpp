@@ -15,7 +15,7 @@ HIDReading readReport(HIDDevice& device, std::size_t room, HIDReportType type,
 }
 
 std::shared_ptr<HIDManager> HIDContract::manager(std::optional<int> productID, int vendorID) {
-    auto manager = m_side->service().createManager();
+    auto manager = m_backend->service().createManager();
     manager->setDeviceMatching({.vendorID = vendorID, .productID = productID});
     manager->scheduleWithRunLoop();
     EXPECT_EQ(manager->open(), hidSuccess);
@@ -30,8 +30,8 @@ std::vector<std::shared_ptr<HIDDevice>> HIDContract::devices(std::optional<int> 
 }
 
 std::shared_ptr<HIDDevice> HIDContract::sensor() {
-    for (const auto& device : devices({}, m_side->vendorID())) {
-        if (device->integerProperty("ProductID") == m_side->productID())
+    for (const auto& device : devices({}, m_backend->vendorID())) {
+        if (device->integerProperty("ProductID") == m_backend->productID())
             return device;
     }
     ADD_FAILURE() << "the sensor is not among the vendor's devices";
@@ -39,7 +39,7 @@ std::shared_ptr<HIDDevice> HIDContract::sensor() {
 }
 
 TEST_P(HIDContract, EveryManagerIsANewOne) {
-    EXPECT_NE(m_side->service().createManager(), m_side->service().createManager());
+    EXPECT_NE(m_backend->service().createManager(), m_backend->service().createManager());
 }
 
 TEST_P(HIDContract, ASearchForTheVendorFindsTheSensorWhichOpensAndReportsItsAngle) {
@@ -51,21 +51,21 @@ TEST_P(HIDContract, ASearchForTheVendorFindsTheSensorWhichOpensAndReportsItsAngl
     ASSERT_GE(reading.length, 3U);
     ASSERT_LE(reading.length, reading.bytes.size());
     EXPECT_EQ(reading.bytes[0], 1);
-    EXPECT_EQ(reading.angle(), m_side->angle().value_or(reading.angle()));
+    EXPECT_EQ(reading.angle(), m_backend->angle().value_or(reading.angle()));
     EXPECT_GE(reading.angle(), 1);
     EXPECT_LE(reading.angle(), 199);
 }
 
 TEST_P(HIDContract, ASearchForTheProductFindsTheSensorIfItHasOne) {
-    const auto product = m_side->productID();
-    const auto found = devices(product.value_or(0x8104), m_side->vendorID());
+    const auto product = m_backend->productID();
+    const auto found = devices(product.value_or(0x8104), m_backend->vendorID());
     EXPECT_EQ(!found.empty(), product.has_value());
     for (const auto& device : found)
         EXPECT_EQ(device->integerProperty("ProductID"), product);
 }
 
 TEST_P(HIDContract, ASearchForAnotherProductFindsNothing) {
-    EXPECT_TRUE(devices(0x0001, m_side->vendorID()).empty());
+    EXPECT_TRUE(devices(0x0001, m_backend->vendorID()).empty());
 }
 
 TEST_P(HIDContract, AnUnopenedDeviceCannotBeRead) {
@@ -96,7 +96,7 @@ TEST_P(HIDContract, ADeviceOutlivesItsManager) {
     const auto device = sensor();
     ASSERT_TRUE(device);
     ASSERT_EQ(device->open(), hidSuccess);
-    auto unrelated = manager({}, m_side->vendorID());
+    auto unrelated = manager({}, m_backend->vendorID());
     EXPECT_EQ(unrelated->close(), hidSuccess);
     unrelated.reset();
     EXPECT_EQ(readReport(*device).result, hidSuccess);

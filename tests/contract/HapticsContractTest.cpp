@@ -17,9 +17,9 @@ namespace {
 
 using testing::ElementsAre;
 
-class HapticsContractSide : NonCopyable {
+class HapticsContractBackend : NonCopyable {
 public:
-    virtual ~HapticsContractSide() = default;
+    virtual ~HapticsContractBackend() = default;
 
     virtual HapticService& service() = 0;
     /// A performer whose pulses are felt from now on.
@@ -28,7 +28,7 @@ public:
     virtual std::vector<HapticPattern> pulses() = 0;
 };
 
-class SimulatedSide final : public HapticsContractSide {
+class SimulatedBackend final : public HapticsContractBackend {
 public:
     HapticService& service() override { return m_haptics; }
 
@@ -49,9 +49,9 @@ private:
 };
 
 /// On a device that is not one of this machine's.
-class LinuxSide final : public HapticsContractSide {
+class LinuxBackend final : public HapticsContractBackend {
 public:
-    LinuxSide() {
+    LinuxBackend() {
         m_machine->plug({.node = {.node = "event0", .number = 0, .kind = HapticKind::Rumble}});
     }
 
@@ -97,45 +97,45 @@ private:
     std::size_t m_before = 0;
 };
 
-using HapticsSideMaker = std::unique_ptr<HapticsContractSide> (*)();
+using HapticsBackendMaker = std::unique_ptr<HapticsContractBackend> (*)();
 
-class HapticsContract : public testing::TestWithParam<HapticsSideMaker> {
+class HapticsContract : public testing::TestWithParam<HapticsBackendMaker> {
 protected:
-    std::unique_ptr<HapticsContractSide> m_side = GetParam()();
+    std::unique_ptr<HapticsContractBackend> m_backend = GetParam()();
 };
 
 TEST_P(HapticsContract, ThereIsAlwaysAPerformer) {
-    EXPECT_NE(m_side->service().defaultPerformer(), nullptr);
-    EXPECT_NE(m_side->service().defaultPerformer(), nullptr);
+    EXPECT_NE(m_backend->service().defaultPerformer(), nullptr);
+    EXPECT_NE(m_backend->service().defaultPerformer(), nullptr);
 }
 
 TEST_P(HapticsContract, EachRequestIsOnePulseInTheirOrder) {
-    const auto performer = m_side->readyPerformer();
+    const auto performer = m_backend->readyPerformer();
     performer->performFeedback(HapticPattern::LevelChange, HapticPerformanceTime::Now);
     performer->performFeedback(HapticPattern::Generic, HapticPerformanceTime::Now);
     performer->performFeedback(HapticPattern::Alignment, HapticPerformanceTime::Default);
     performer->performFeedback(HapticPattern::Alignment, HapticPerformanceTime::DrawCompleted);
-    EXPECT_THAT(m_side->pulses(), ElementsAre(HapticPattern::LevelChange, HapticPattern::Generic,
+    EXPECT_THAT(m_backend->pulses(), ElementsAre(HapticPattern::LevelChange, HapticPattern::Generic,
                                               HapticPattern::Alignment, HapticPattern::Alignment));
 }
 
 TEST_P(HapticsContract, EveryPerformerOfTheMomentIsTheSameDevices) {
-    const auto first = m_side->readyPerformer();
+    const auto first = m_backend->readyPerformer();
     first->performFeedback(HapticPattern::Generic, HapticPerformanceTime::Now);
-    m_side->service().defaultPerformer()->performFeedback(HapticPattern::LevelChange,
+    m_backend->service().defaultPerformer()->performFeedback(HapticPattern::LevelChange,
                                                           HapticPerformanceTime::Now);
     first->performFeedback(HapticPattern::Alignment, HapticPerformanceTime::Now);
-    EXPECT_THAT(m_side->pulses(), ElementsAre(HapticPattern::Generic, HapticPattern::LevelChange,
+    EXPECT_THAT(m_backend->pulses(), ElementsAre(HapticPattern::Generic, HapticPattern::LevelChange,
                                               HapticPattern::Alignment));
 }
 
-template <typename Side>
-std::unique_ptr<HapticsContractSide> make() {
-    return std::make_unique<Side>();
+template <typename Backend>
+std::unique_ptr<HapticsContractBackend> make() {
+    return std::make_unique<Backend>();
 }
 
-INSTANTIATE_TEST_SUITE_P(Simulated, HapticsContract, testing::Values(&make<SimulatedSide>));
-INSTANTIATE_TEST_SUITE_P(Linux, HapticsContract, testing::Values(&make<LinuxSide>));
+INSTANTIATE_TEST_SUITE_P(Simulated, HapticsContract, testing::Values(&make<SimulatedBackend>));
+INSTANTIATE_TEST_SUITE_P(Linux, HapticsContract, testing::Values(&make<LinuxBackend>));
 
 } // namespace
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "platform/InProcessNotificationCenter.h"
-#include "platform/linux/power/LinuxWorkspace.h"
+#include "platform/linux/power/LinuxSleepNotifications.h"
 #include "tests/support/QtApplication.h"
 
 namespace quorvane {
@@ -113,11 +113,11 @@ std::unique_ptr<NotificationCenter> makeInProcess() {
 }
 
 std::unique_ptr<NotificationCenter> makeWorkspaceWithoutBus() {
-    return std::make_unique<LinuxWorkspace>("unix:path=/nonexistent/bus");
+    return std::make_unique<LinuxSleepNotifications>("unix:path=/nonexistent/bus");
 }
 
 INSTANTIATE_TEST_SUITE_P(InProcess, NotificationCenterContract, testing::Values(&makeInProcess));
-INSTANTIATE_TEST_SUITE_P(LinuxWorkspace, NotificationCenterContract,
+INSTANTIATE_TEST_SUITE_P(LinuxSleepNotifications, NotificationCenterContract,
                          testing::Values(&makeWorkspaceWithoutBus));
 
 } // namespace

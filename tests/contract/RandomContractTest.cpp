@@ -72,9 +72,9 @@ TEST_P(RandomContract, TheLargestBoundUsesAllBits) {
     EXPECT_EQ(zeros, std::numeric_limits<std::uint64_t>::max());
 }
 
-template <typename Side>
+template <typename Backend>
 std::unique_ptr<Random> make() {
-    return std::make_unique<Side>();
+    return std::make_unique<Backend>();
 }
 
 INSTANTIATE_TEST_SUITE_P(Simulated, RandomContract, testing::Values(&make<SimulatedRandom>));

@@ -19,9 +19,9 @@ namespace quorvane {
 namespace {
 
 /// A run loop and how time passes on it.
-class Side : NonCopyable {
+class Backend : NonCopyable {
 public:
-    virtual ~Side() = default;
+    virtual ~Backend() = default;
 
     virtual RunLoop& runLoop() = 0;
     /// Lets time pass with the main thread at rest.
@@ -30,7 +30,7 @@ public:
     virtual void keepBusy(double seconds) = 0;
 };
 
-class SimulatedSide final : public Side {
+class SimulatedBackend final : public Backend {
 public:
     RunLoop& runLoop() override { return m_runLoop; }
 
@@ -42,7 +42,7 @@ private:
     SimulatedRunLoop m_runLoop;
 };
 
-class LinuxSide final : public Side {
+class LinuxBackend final : public Backend {
 public:
     RunLoop& runLoop() override { return m_runLoop; }
 
@@ -66,12 +66,12 @@ private:
     LinuxRunLoop m_runLoop;
 };
 
-using SideFactory = std::function<std::unique_ptr<Side>()>;
+using SideFactory = std::function<std::unique_ptr<Backend>()>;
 
 class RunLoopContract : public testing::TestWithParam<std::pair<std::string, SideFactory>> {
 protected:
-    std::unique_ptr<Side> side = GetParam().second();
-    RunLoop& runLoop = side->runLoop();
+    std::unique_ptr<Backend> backend = GetParam().second();
+    RunLoop& runLoop = backend->runLoop();
 };
 
 TEST_P(RunLoopContract, a_repeating_timer_fires_on_its_grid_and_never_drifts) {
@@ -84,10 +84,10 @@ TEST_P(RunLoopContract, a_repeating_timer_fires_on_its_grid_and_never_drifts) {
             << "firing " << lateness.size() + 1 << " is early";
         lateness.push_back(std::fmod(instant + 1e-6, interval));
         // A timer that goes on from the end of its block would be this much later each time.
-        side->keepBusy(0.02);
+        backend->keepBusy(0.02);
     });
     while (lateness.size() < 10)
-        side->rest(0.05);
+        backend->rest(0.05);
     timer->invalidate();
     // A busy machine may be late now and then, and a timer that drifts is on its grid now and then.
     const auto onTime = [](double late) { return late < 0.01; };
@@ -98,13 +98,13 @@ TEST_P(RunLoopContract, firings_that_a_busy_thread_missed_are_skipped_and_the_gr
     int firings = 0;
     const double start = runLoop.currentMediaTime();
     const auto timer = runLoop.scheduledTimer(0.1, true, [&](Timer&) { ++firings; });
-    side->keepBusy(0.45);
+    backend->keepBusy(0.45);
     EXPECT_EQ(firings, 0);
-    side->rest(0.001);
+    backend->rest(0.001);
     EXPECT_EQ(firings, 1) << "four grid points passed, one firing makes up for them";
     // The next grid point is 0.5 s after the start, not 0.1 s after the late firing.
     while (firings < 2)
-        side->rest(0.005);
+        backend->rest(0.005);
     const double next = runLoop.currentMediaTime();
     EXPECT_GE(next, start + 0.5 - 1e-6);
     EXPECT_LT(next, start + 0.545);
@@ -119,7 +119,7 @@ TEST_P(RunLoopContract, a_one_shot_timer_fires_once_and_is_no_longer_valid_in_it
         valid = self.isValid();
     });
     EXPECT_TRUE(timer->isValid());
-    side->rest(0.06);
+    backend->rest(0.06);
     EXPECT_EQ(firings, 1);
     EXPECT_FALSE(valid);
     EXPECT_FALSE(timer->isValid());
@@ -132,7 +132,7 @@ TEST_P(RunLoopContract, invalidate_works_from_inside_the_timers_own_block) {
         self.invalidate();
         self.invalidate();
     });
-    side->rest(0.06);
+    backend->rest(0.06);
     EXPECT_EQ(firings, 1);
     EXPECT_FALSE(timer->isValid());
 }
@@ -142,8 +142,8 @@ TEST_P(RunLoopContract, a_timer_can_invalidate_another_that_is_due_at_the_same_t
     int firings = 0;
     runLoop.scheduledTimer(0.01, false, [&](Timer&) { second->invalidate(); });
     second = runLoop.scheduledTimer(0.01, false, [&](Timer&) { ++firings; });
-    side->keepBusy(0.02);
-    side->rest(0.03);
+    backend->keepBusy(0.02);
+    backend->rest(0.03);
     EXPECT_EQ(firings, 0);
 }
 
@@ -151,7 +151,7 @@ TEST_P(RunLoopContract, a_scheduled_timer_lives_on_whether_or_not_anyone_holds_i
     int firings = 0;
     std::shared_ptr<Timer> held = runLoop.scheduledTimer(0.01, true, [&](Timer&) { ++firings; });
     held = runLoop.scheduledTimer(10, true, [](Timer&) {});
-    side->rest(0.1);
+    backend->rest(0.1);
     EXPECT_GE(firings, 3);
     held->invalidate();
 }
@@ -161,7 +161,7 @@ TEST_P(RunLoopContract, a_timer_may_schedule_another_from_its_block) {
     runLoop.scheduledTimer(0.01, false, [&](Timer&) {
         runLoop.scheduledTimer(0.01, false, [&](Timer&) { ++firings; });
     });
-    side->rest(0.08);
+    backend->rest(0.08);
     EXPECT_EQ(firings, 1);
 }
 
@@ -169,7 +169,7 @@ TEST_P(RunLoopContract, delayed_blocks_run_once_in_the_order_of_their_deadlines)
     std::vector<int> order;
     runLoop.asyncAfter(0.03, [&] { order.push_back(2); });
     runLoop.asyncAfter(0.01, [&] { order.push_back(1); });
-    side->rest(0.1);
+    backend->rest(0.1);
     EXPECT_EQ(order, (std::vector{1, 2}));
 }
 
@@ -177,18 +177,18 @@ TEST_P(RunLoopContract, an_earlier_deadline_does_not_wait_for_a_later_one_that_w
     bool ran = false;
     runLoop.asyncAfter(10, [] {});
     runLoop.asyncAfter(0.01, [&] { ran = true; });
-    side->rest(0.1);
+    backend->rest(0.1);
     EXPECT_TRUE(ran);
 }
 
 TEST_P(RunLoopContract, a_block_that_takes_longer_than_its_interval_leaves_room_for_others) {
     int firings = 0;
     const auto timer = runLoop.scheduledTimer(0.001, true, [&](Timer& self) {
-        side->keepBusy(0.002);
+        backend->keepBusy(0.002);
         if (++firings == 100)
             self.invalidate();
     });
-    side->rest(0.02);
+    backend->rest(0.02);
     EXPECT_LT(firings, 100);
     timer->invalidate();
 }
@@ -197,7 +197,7 @@ TEST_P(RunLoopContract, nothing_runs_early) {
     const double start = runLoop.currentMediaTime();
     double ran = 0;
     runLoop.asyncAfter(0.05, [&] { ran = runLoop.currentMediaTime(); });
-    side->rest(0.1);
+    backend->rest(0.1);
     EXPECT_GE(ran, start + 0.05 - 1e-9);
 }
 
@@ -209,7 +209,7 @@ TEST_P(RunLoopContract, async_never_runs_inside_the_call_and_keeps_its_order) {
     });
     runLoop.async([&] { order.push_back(2); });
     EXPECT_TRUE(order.empty());
-    side->rest(0.02);
+    backend->rest(0.02);
     EXPECT_EQ(order, (std::vector{1, 2, 3}));
 }
 
@@ -221,7 +221,7 @@ TEST_P(RunLoopContract, async_from_another_thread_runs_on_the_main_thread) {
         thereIsMain = runLoop.isMainThread();
         runLoop.async([&] { blockIsMain = runLoop.isMainThread(); });
     }).join();
-    side->rest(0.02);
+    backend->rest(0.02);
     EXPECT_FALSE(thereIsMain);
     EXPECT_TRUE(blockIsMain);
 }
@@ -238,14 +238,14 @@ TEST_P(RunLoopContract, blocks_from_many_threads_all_run) {
     }
     for (auto& thread : threads)
         thread.join();
-    side->rest(0.05);
+    backend->rest(0.05);
     EXPECT_EQ(ran, 4 * perThread);
 }
 
 TEST_P(RunLoopContract, both_clocks_advance_with_time) {
     const double media = runLoop.currentMediaTime();
     const double date = runLoop.currentDate();
-    side->rest(0.05);
+    backend->rest(0.05);
     EXPECT_GE(runLoop.currentMediaTime() - media, 0.05);
     EXPECT_NEAR(runLoop.currentDate() - date, runLoop.currentMediaTime() - media, 0.02);
     EXPECT_GT(date, 1.6e9) << "seconds since 1970";
@@ -254,19 +254,19 @@ TEST_P(RunLoopContract, both_clocks_advance_with_time) {
 TEST_P(RunLoopContract, an_interval_that_is_not_above_zero_does_not_trap_the_run_loop) {
     int firings = 0;
     const auto timer = runLoop.scheduledTimer(-1, true, [&](Timer&) { ++firings; });
-    side->rest(0.02);
+    backend->rest(0.02);
     EXPECT_GT(firings, 0);
     EXPECT_LE(firings, 250);
     timer->invalidate();
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Sides, RunLoopContract,
+    Backends, RunLoopContract,
     testing::Values(
         std::pair<std::string, SideFactory>("Simulated",
-                                            [] { return std::make_unique<SimulatedSide>(); }),
-        std::pair<std::string, SideFactory>("Linux", [] { return std::make_unique<LinuxSide>(); })),
-    [](const auto& side) { return side.param.first; });
+                                            [] { return std::make_unique<SimulatedBackend>(); }),
+        std::pair<std::string, SideFactory>("Linux", [] { return std::make_unique<LinuxBackend>(); })),
+    [](const auto& backend) { return backend.param.first; });
 
 } // namespace
 } // namespace quorvane

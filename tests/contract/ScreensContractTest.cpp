@@ -17,17 +17,17 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 /// A machine with one screen of 1280 by 800, and what is to be seen on it.
-class Side : NonCopyable {
+class Backend : NonCopyable {
 public:
-    virtual ~Side() = default;
+    virtual ~Backend() = default;
     [[nodiscard]] virtual ScreenService& screens() = 0;
     /// Of the panels that are up, the widths, the foremost last.
     [[nodiscard]] virtual std::vector<double> shownWidths() = 0;
 };
 
-class SimulatedSide final : public Side {
+class SimulatedBackend final : public Backend {
 public:
-    SimulatedSide() { m_screens.setMainScreen(Rect{.width = 1280, .height = 800}); }
+    SimulatedBackend() { m_screens.setMainScreen(Rect{.width = 1280, .height = 800}); }
 
     [[nodiscard]] ScreenService& screens() override { return m_screens; }
 
@@ -42,7 +42,7 @@ private:
     SimulatedScreens m_screens;
 };
 
-class LinuxSide final : public Side {
+class LinuxBackend final : public Backend {
 public:
     [[nodiscard]] ScreenService& screens() override { return m_screens; }
 
@@ -63,37 +63,37 @@ class ScreensContract : public testing::TestWithParam<std::string> {
 protected:
     ScreensContract() {
         if (GetParam() == "Linux")
-            m_side = std::make_unique<LinuxSide>();
+            m_backend = std::make_unique<LinuxBackend>();
         else
-            m_side = std::make_unique<SimulatedSide>();
+            m_backend = std::make_unique<SimulatedBackend>();
     }
 
     std::shared_ptr<OverlayPanel> makePanel(double width) {
-        auto panel = m_side->screens().createPanel({.x = 0, .y = 0, .width = width, .height = 100},
+        auto panel = m_backend->screens().createPanel({.x = 0, .y = 0, .width = width, .height = 100},
                                                    PanelStyle::nonactivatingPanel,
                                                    PanelBacking::buffered, false);
         panel->setLevel(PanelLevel::screenSaver);
         return panel;
     }
 
-    std::unique_ptr<Side> m_side;
+    std::unique_ptr<Backend> m_backend;
 };
 
 } // namespace
 
 TEST_P(ScreensContract, mainScreenIsTheWholeScreen) {
-    const auto screen = m_side->screens().mainScreen();
+    const auto screen = m_backend->screens().mainScreen();
     ASSERT_TRUE(screen);
     EXPECT_EQ(screen->frame(), (Rect{.width = 1280, .height = 800}));
 }
 
 TEST_P(ScreensContract, panelIsUpFromOrderingFrontToOrderingOut) {
     const auto panel = makePanel(300);
-    EXPECT_THAT(m_side->shownWidths(), IsEmpty());
+    EXPECT_THAT(m_backend->shownWidths(), IsEmpty());
     panel->orderFrontRegardless();
-    EXPECT_THAT(m_side->shownWidths(), ElementsAre(300));
+    EXPECT_THAT(m_backend->shownWidths(), ElementsAre(300));
     panel->orderOut();
-    EXPECT_THAT(m_side->shownWidths(), IsEmpty());
+    EXPECT_THAT(m_backend->shownWidths(), IsEmpty());
 }
 
 TEST_P(ScreensContract, orderingFrontOrOutTwiceIsHarmless) {
@@ -101,20 +101,20 @@ TEST_P(ScreensContract, orderingFrontOrOutTwiceIsHarmless) {
     panel->orderOut();
     panel->orderFrontRegardless();
     panel->orderFrontRegardless();
-    EXPECT_THAT(m_side->shownWidths(), ElementsAre(300));
+    EXPECT_THAT(m_backend->shownWidths(), ElementsAre(300));
     panel->orderOut();
     panel->orderOut();
-    EXPECT_THAT(m_side->shownWidths(), IsEmpty());
+    EXPECT_THAT(m_backend->shownWidths(), IsEmpty());
 }
 
 TEST_P(ScreensContract, panelThatNobodyHoldsStaysUp) {
     makePanel(300)->orderFrontRegardless();
-    EXPECT_THAT(m_side->shownWidths(), ElementsAre(300));
+    EXPECT_THAT(m_backend->shownWidths(), ElementsAre(300));
 }
 
 TEST_P(ScreensContract, panelThatIsLetGoOfUnshownIsNeverSeen) {
     makePanel(300).reset();
-    EXPECT_THAT(m_side->shownWidths(), IsEmpty());
+    EXPECT_THAT(m_backend->shownWidths(), IsEmpty());
 }
 
 TEST_P(ScreensContract, panelThatIsOrderedFrontLaterIsOnTop) {
@@ -122,19 +122,19 @@ TEST_P(ScreensContract, panelThatIsOrderedFrontLaterIsOnTop) {
     const auto other = makePanel(400);
     one->orderFrontRegardless();
     other->orderFrontRegardless();
-    EXPECT_THAT(m_side->shownWidths(), ElementsAre(300, 400));
+    EXPECT_THAT(m_backend->shownWidths(), ElementsAre(300, 400));
     one->orderFrontRegardless();
-    EXPECT_THAT(m_side->shownWidths(), ElementsAre(400, 300));
+    EXPECT_THAT(m_backend->shownWidths(), ElementsAre(400, 300));
 }
 
 TEST_P(ScreensContract, frameChangesWhileThePanelIsUp) {
     const auto panel = makePanel(300);
     panel->orderFrontRegardless();
     panel->setFrame({.x = 0, .y = 0, .width = 500, .height = 100}, true);
-    EXPECT_THAT(m_side->shownWidths(), ElementsAre(500));
+    EXPECT_THAT(m_backend->shownWidths(), ElementsAre(500));
 }
 
-INSTANTIATE_TEST_SUITE_P(Sides, ScreensContract, testing::Values("Simulated", "Linux"),
-                         [](const auto& side) { return side.param; });
+INSTANTIATE_TEST_SUITE_P(Backends, ScreensContract, testing::Values("Simulated", "Linux"),
+                         [](const auto& backend) { return backend.param; });
 
 } // namespace quorvane

@@ -5,7 +5,7 @@
 #include "platform/linux/system/LinuxSystemInfo.h"
 #include "platform/macos/MacSystemInfo.h"
 #include "platform/simulated/SimulatedSystem.h"
-#include "tests/macos/StandInTest.h"
+#include "tests/macos/FakeMachine.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -13,16 +13,16 @@ namespace quorvane {
 
 namespace {
 
-class SystemInfoContractSide : NonCopyable {
+class SystemInfoContractBackend : NonCopyable {
 public:
-    virtual ~SystemInfoContractSide() = default;
+    virtual ~SystemInfoContractBackend() = default;
 
     virtual SystemInfo& info() = 0;
     virtual void setModel(const std::string& model) = 0;
     virtual void setTrusted(bool trusted) = 0;
 };
 
-class SimulatedSide final : public SystemInfoContractSide {
+class SimulatedBackend final : public SystemInfoContractBackend {
 public:
     SystemInfo& info() override { return m_info; }
 
@@ -34,7 +34,7 @@ private:
     SimulatedSystemInfo m_info;
 };
 
-class LinuxSide final : public SystemInfoContractSide {
+class LinuxBackend final : public SystemInfoContractBackend {
 public:
     SystemInfo& info() override { return m_info; }
 
@@ -54,52 +54,52 @@ private:
     LinuxSystemInfo m_info{m_root.path(), [this] { return std::vector{m_root.path() / "event0"}; }};
 };
 
-class MacSide final : public SystemInfoContractSide {
+class MacBackend final : public SystemInfoContractBackend {
 public:
     SystemInfo& info() override { return m_info; }
 
-    void setModel(const std::string& model) override { standin::machine().model = model; }
+    void setModel(const std::string& model) override { fakes::machine().model = model; }
 
-    void setTrusted(bool trusted) override { standin::machine().trusted = trusted; }
+    void setTrusted(bool trusted) override { fakes::machine().trusted = trusted; }
 
 private:
-    StandInMachine m_machine;
+    FakeMachine m_machine;
     MacSystemInfo m_info;
 };
 
-using SystemInfoSideMaker = std::unique_ptr<SystemInfoContractSide> (*)();
+using SystemInfoBackendMaker = std::unique_ptr<SystemInfoContractBackend> (*)();
 
-class SystemInfoContract : public testing::TestWithParam<SystemInfoSideMaker> {
+class SystemInfoContract : public testing::TestWithParam<SystemInfoBackendMaker> {
 protected:
-    std::unique_ptr<SystemInfoContractSide> m_side = GetParam()();
+    std::unique_ptr<SystemInfoContractBackend> m_backend = GetParam()();
 };
 
 TEST_P(SystemInfoContract, AModelThatIsNotKnownIsEmpty) {
-    EXPECT_EQ(m_side->info().modelName(), "");
+    EXPECT_EQ(m_backend->info().modelName(), "");
 }
 
 TEST_P(SystemInfoContract, TheModelIsTheMakersName) {
-    m_side->setModel("MacBookPro18,3");
-    EXPECT_EQ(m_side->info().modelName(), "MacBookPro18,3");
+    m_backend->setModel("MacBookPro18,3");
+    EXPECT_EQ(m_backend->info().modelName(), "MacBookPro18,3");
 }
 
 TEST_P(SystemInfoContract, TrustIsWhatItIsWhenItIsAskedFor) {
-    m_side->setTrusted(false);
-    EXPECT_FALSE(m_side->info().isProcessTrusted());
-    m_side->setTrusted(true);
-    EXPECT_TRUE(m_side->info().isProcessTrusted());
-    m_side->setTrusted(false);
-    EXPECT_FALSE(m_side->info().isProcessTrusted());
+    m_backend->setTrusted(false);
+    EXPECT_FALSE(m_backend->info().isProcessTrusted());
+    m_backend->setTrusted(true);
+    EXPECT_TRUE(m_backend->info().isProcessTrusted());
+    m_backend->setTrusted(false);
+    EXPECT_FALSE(m_backend->info().isProcessTrusted());
 }
 
-template <typename Side>
-std::unique_ptr<SystemInfoContractSide> make() {
-    return std::make_unique<Side>();
+template <typename Backend>
+std::unique_ptr<SystemInfoContractBackend> make() {
+    return std::make_unique<Backend>();
 }
 
-INSTANTIATE_TEST_SUITE_P(Simulated, SystemInfoContract, testing::Values(&make<SimulatedSide>));
-INSTANTIATE_TEST_SUITE_P(Linux, SystemInfoContract, testing::Values(&make<LinuxSide>));
-INSTANTIATE_TEST_SUITE_P(MacStandIn, SystemInfoContract, testing::Values(&make<MacSide>));
+INSTANTIATE_TEST_SUITE_P(Simulated, SystemInfoContract, testing::Values(&make<SimulatedBackend>));
+INSTANTIATE_TEST_SUITE_P(Linux, SystemInfoContract, testing::Values(&make<LinuxBackend>));
+INSTANTIATE_TEST_SUITE_P(MacStandIn, SystemInfoContract, testing::Values(&make<MacBackend>));
 
 } // namespace
 

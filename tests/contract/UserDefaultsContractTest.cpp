@@ -10,9 +10,9 @@ namespace quorvane {
 
 namespace {
 
-class UserDefaultsContractSide : NonCopyable {
+class UserDefaultsContractBackend : NonCopyable {
 public:
-    virtual ~UserDefaultsContractSide() = default;
+    virtual ~UserDefaultsContractBackend() = default;
 
     virtual UserDefaults& defaults() = 0;
 
@@ -20,7 +20,7 @@ public:
     virtual void relaunch() {}
 };
 
-class SimulatedSide final : public UserDefaultsContractSide {
+class SimulatedBackend final : public UserDefaultsContractBackend {
 public:
     UserDefaults& defaults() override { return m_defaults; }
 
@@ -29,7 +29,7 @@ private:
     SimulatedUserDefaults m_defaults;
 };
 
-class LinuxSide final : public UserDefaultsContractSide {
+class LinuxBackend final : public UserDefaultsContractBackend {
 public:
     UserDefaults& defaults() override { return *m_defaults; }
 
@@ -44,48 +44,48 @@ private:
     std::unique_ptr<LinuxUserDefaults> m_defaults = make();
 };
 
-using UserDefaultsSideMaker = std::unique_ptr<UserDefaultsContractSide> (*)();
+using UserDefaultsBackendMaker = std::unique_ptr<UserDefaultsContractBackend> (*)();
 
-class UserDefaultsContract : public testing::TestWithParam<UserDefaultsSideMaker> {
+class UserDefaultsContract : public testing::TestWithParam<UserDefaultsBackendMaker> {
 protected:
-    std::unique_ptr<UserDefaultsContractSide> m_side = GetParam()();
+    std::unique_ptr<UserDefaultsContractBackend> m_backend = GetParam()();
 };
 
 TEST_P(UserDefaultsContract, AKeyThatWasNeverSetIsFalse) {
-    EXPECT_FALSE(m_side->defaults().boolForKey("hardwareChecked"));
+    EXPECT_FALSE(m_backend->defaults().boolForKey("hardwareChecked"));
 }
 
 TEST_P(UserDefaultsContract, AValueHoldsAtOnce) {
-    m_side->defaults().setBool("hardwareChecked", true);
-    EXPECT_TRUE(m_side->defaults().boolForKey("hardwareChecked"));
-    m_side->defaults().setBool("hardwareChecked", false);
-    EXPECT_FALSE(m_side->defaults().boolForKey("hardwareChecked"));
+    m_backend->defaults().setBool("hardwareChecked", true);
+    EXPECT_TRUE(m_backend->defaults().boolForKey("hardwareChecked"));
+    m_backend->defaults().setBool("hardwareChecked", false);
+    EXPECT_FALSE(m_backend->defaults().boolForKey("hardwareChecked"));
 }
 
 TEST_P(UserDefaultsContract, KeysAreIndependent) {
-    m_side->defaults().setBool("one", true);
-    EXPECT_FALSE(m_side->defaults().boolForKey("two"));
-    m_side->defaults().setBool("two", true);
-    m_side->defaults().setBool("one", false);
-    EXPECT_TRUE(m_side->defaults().boolForKey("two"));
+    m_backend->defaults().setBool("one", true);
+    EXPECT_FALSE(m_backend->defaults().boolForKey("two"));
+    m_backend->defaults().setBool("two", true);
+    m_backend->defaults().setBool("one", false);
+    EXPECT_TRUE(m_backend->defaults().boolForKey("two"));
 }
 
 TEST_P(UserDefaultsContract, AValueOutlivesTheProgram) {
-    m_side->defaults().setBool("hardwareChecked", true);
-    m_side->relaunch();
-    EXPECT_TRUE(m_side->defaults().boolForKey("hardwareChecked"));
-    m_side->defaults().setBool("hardwareChecked", false);
-    m_side->relaunch();
-    EXPECT_FALSE(m_side->defaults().boolForKey("hardwareChecked"));
+    m_backend->defaults().setBool("hardwareChecked", true);
+    m_backend->relaunch();
+    EXPECT_TRUE(m_backend->defaults().boolForKey("hardwareChecked"));
+    m_backend->defaults().setBool("hardwareChecked", false);
+    m_backend->relaunch();
+    EXPECT_FALSE(m_backend->defaults().boolForKey("hardwareChecked"));
 }
 
-template <typename Side>
-std::unique_ptr<UserDefaultsContractSide> make() {
-    return std::make_unique<Side>();
+template <typename Backend>
+std::unique_ptr<UserDefaultsContractBackend> make() {
+    return std::make_unique<Backend>();
 }
 
-INSTANTIATE_TEST_SUITE_P(Simulated, UserDefaultsContract, testing::Values(&make<SimulatedSide>));
-INSTANTIATE_TEST_SUITE_P(Linux, UserDefaultsContract, testing::Values(&make<LinuxSide>));
+INSTANTIATE_TEST_SUITE_P(Simulated, UserDefaultsContract, testing::Values(&make<SimulatedBackend>));
+INSTANTIATE_TEST_SUITE_P(Linux, UserDefaultsContract, testing::Values(&make<LinuxBackend>));
 
 } // namespace
 

@@ -1,18 +1,18 @@
 #include "platform/macos/MacHID.h"
 #include "tests/contract/HIDContract.h"
-#include "tests/macos/StandInTest.h"
+#include "tests/macos/FakeMachine.h"
 
 namespace quorvane {
 
 namespace {
 
-class MacSide final : public HIDContractSide {
+class MacBackend final : public HIDContractBackend {
 public:
-    MacSide() {
+    MacBackend() {
         // Another of the maker's devices, ahead of the sensor.
-        standin::machine().devices.push_back(std::make_shared<standin::Device>(
-            standin::Device{.integers = {{"VendorID", 0x05AC}, {"ProductID", 0x0342}}}));
-        standin::machine().devices.push_back(m_sensor);
+        fakes::machine().devices.push_back(std::make_shared<fakes::Device>(
+            fakes::Device{.integers = {{"VendorID", 0x05AC}, {"ProductID", 0x0342}}}));
+        fakes::machine().devices.push_back(m_sensor);
         setAngle(112);
     }
 
@@ -28,19 +28,19 @@ public:
     }
 
     void unplug() override {
-        for (const auto& device : standin::machine().devices)
+        for (const auto& device : fakes::machine().devices)
             device->pluggedIn = false;
     }
 
 private:
-    StandInMachine m_machine;
-    std::shared_ptr<standin::Device> m_sensor = std::make_shared<standin::Device>(
-        standin::Device{.integers = {{"VendorID", 0x05AC}, {"ProductID", 0x8104}}});
+    FakeMachine m_machine;
+    std::shared_ptr<fakes::Device> m_sensor = std::make_shared<fakes::Device>(
+        fakes::Device{.integers = {{"VendorID", 0x05AC}, {"ProductID", 0x8104}}});
     MacHID m_hid;
 };
 
-std::unique_ptr<HIDContractSide> makeMac() {
-    return std::make_unique<MacSide>();
+std::unique_ptr<HIDContractBackend> makeMac() {
+    return std::make_unique<MacBackend>();
 }
 
 INSTANTIATE_TEST_SUITE_P(MacStandIn, HIDContract, testing::Values(&makeMac));

@@ -1,7 +1,7 @@
 #include <array>
 
 #include "platform/macos/MacHID.h"
-#include "tests/macos/StandInTest.h"
+#include "tests/macos/FakeMachine.h"
 
 namespace quorvane {
 
@@ -13,18 +13,18 @@ using testing::IsEmpty;
 
 class MacHIDTest : public testing::Test {
 protected:
-    std::shared_ptr<standin::Device> plugIn(int productID, int angle = 112) {
-        auto device = std::make_shared<standin::Device>();
+    std::shared_ptr<fakes::Device> plugIn(int productID, int angle = 112) {
+        auto device = std::make_shared<fakes::Device>();
         device->integers = {{"VendorID", 1452}, {"ProductID", productID}};
         device->texts = {{"Product", "a sensor"}};
         device->report = {1, static_cast<std::uint8_t>(angle & 0xFF),
                           static_cast<std::uint8_t>(angle >> 8)};
-        standin::machine().devices.push_back(device);
+        fakes::machine().devices.push_back(device);
         return device;
     }
 
-    StandInMachine m_machine;
-    std::vector<std::string>& m_calls = standin::machine().calls;
+    FakeMachine m_machine;
+    std::vector<std::string>& m_calls = fakes::machine().calls;
     MacHID m_hid;
 };
 
@@ -59,17 +59,17 @@ TEST_F(MacHIDTest, AManagerThatIsLetGoIsReleasedAndNotClosed) {
     auto manager = m_hid.createManager();
     manager->open();
     manager.reset();
-    EXPECT_THAT(standin::leftOver(), IsEmpty());
+    EXPECT_THAT(fakes::leftOver(), IsEmpty());
     EXPECT_THAT(m_calls, testing::Not(Contains("IOHIDManagerClose(0)")));
 }
 
 TEST_F(MacHIDTest, WithoutASetOfDevicesThereAreNone) {
-    standin::machine().noDeviceSet = true;
+    fakes::machine().noDeviceSet = true;
     EXPECT_EQ(m_hid.createManager()->copyDevices(), std::nullopt);
 }
 
 TEST_F(MacHIDTest, AManagerThatCannotBeOpenedSaysSo) {
-    standin::machine().managerOpenResult = -1;
+    fakes::machine().managerOpenResult = -1;
     EXPECT_EQ(m_hid.createManager()->open(), -1);
 }
 
@@ -129,10 +129,10 @@ TEST_F(MacHIDTest, EachDeviceIsHeldOnceForAsLongAsItsHandle) {
     plugIn(0x8102);
     auto manager = m_hid.createManager();
     auto devices = manager->copyDevices();
-    EXPECT_THAT(standin::leftOver(), ElementsAre("IOHIDDevice", "IOHIDDevice", "IOHIDManager"));
+    EXPECT_THAT(fakes::leftOver(), ElementsAre("IOHIDDevice", "IOHIDDevice", "IOHIDManager"));
     devices->pop_back();
     manager.reset();
-    EXPECT_THAT(standin::leftOver(), ElementsAre("IOHIDDevice"));
+    EXPECT_THAT(fakes::leftOver(), ElementsAre("IOHIDDevice"));
 }
 
 } // namespace

@@ -1,10 +1,10 @@
 #include "effects/keyboard/KeyboardCrackManager.h"
-#include "platform/macos/MacEventTaps.h"
+#include "platform/macos/MacEventTapService.h"
 #include "platform/macos/MacHID.h"
 #include "platform/macos/MacSystemInfo.h"
 #include "platform/simulated/SimulatedMachine.h"
 #include "sensing/LidAngleSensor.h"
-#include "tests/macos/StandInTest.h"
+#include "tests/macos/FakeMachine.h"
 #include "tests/support/ExchangedPlatform.h"
 
 namespace quorvane {
@@ -31,18 +31,18 @@ protected:
                         {.hid = &m_hid, .eventTaps = &m_eventTaps, .system = &m_system});
     }
 
-    std::shared_ptr<standin::Device> plugIn(int productID, std::vector<std::uint8_t> report) {
-        auto device = std::make_shared<standin::Device>();
+    std::shared_ptr<fakes::Device> plugIn(int productID, std::vector<std::uint8_t> report) {
+        auto device = std::make_shared<fakes::Device>();
         device->integers = {{"VendorID", 1452}, {"ProductID", productID}};
         device->report = std::move(report);
-        standin::machine().devices.push_back(device);
+        fakes::machine().devices.push_back(device);
         return device;
     }
 
-    StandInMachine m_machine;
-    std::vector<std::string>& m_calls = standin::machine().calls;
+    FakeMachine m_machine;
+    std::vector<std::string>& m_calls = fakes::machine().calls;
     MacHID m_hid;
-    MacEventTaps m_eventTaps;
+    MacEventTapService m_eventTaps;
     MacSystemInfo m_system;
     SimulatedMachine m_rest;
 };
@@ -55,9 +55,9 @@ TEST_F(MacLogicTest, TheSensorIsFoundAndNothingOfTheSearchIsLeftButItsManagerAnd
     EXPECT_FALSE(sensor->usingSleepWake());
     EXPECT_THAT(m_rest.console.lines,
                 ElementsAre("✅ [SENSOR] Found lid sensor! ProductID=0x8102, angle=112°"));
-    EXPECT_THAT(standin::leftOver(), ElementsAre("IOHIDDevice", "IOHIDManager"));
+    EXPECT_THAT(fakes::leftOver(), ElementsAre("IOHIDDevice", "IOHIDManager"));
     sensor.reset();
-    EXPECT_THAT(standin::leftOver(), IsEmpty());
+    EXPECT_THAT(fakes::leftOver(), IsEmpty());
 }
 
 TEST_F(MacLogicTest, AnotherProbeLetsGoOfWhatTheFirstOneFound) {
@@ -65,7 +65,7 @@ TEST_F(MacLogicTest, AnotherProbeLetsGoOfWhatTheFirstOneFound) {
     const auto sensor = LidAngleSensor::create(platform());
     sensor->probeSensor();
     sensor->probeSensor();
-    EXPECT_THAT(standin::leftOver(), ElementsAre("IOHIDDevice", "IOHIDManager"));
+    EXPECT_THAT(fakes::leftOver(), ElementsAre("IOHIDDevice", "IOHIDManager"));
 }
 
 TEST_F(MacLogicTest, ASearchInVainTriesEachProductAndThenTheVendorAndLeavesNothing) {
@@ -73,7 +73,7 @@ TEST_F(MacLogicTest, ASearchInVainTriesEachProductAndThenTheVendorAndLeavesNothi
     const auto sensor = LidAngleSensor::create(platform());
     sensor->probeSensor();
     EXPECT_TRUE(sensor->usingSleepWake());
-    EXPECT_THAT(standin::leftOver(), IsEmpty());
+    EXPECT_THAT(fakes::leftOver(), IsEmpty());
     std::vector<std::string> searches;
     for (const std::string& call : m_calls)
         if (call.starts_with("IOHIDManagerSetDeviceMatching"))
@@ -100,29 +100,29 @@ TEST_F(MacLogicTest, ThePollReadsTheLidAsItMoves) {
 }
 
 TEST_F(MacLogicTest, AKeyCracksFromTheTapThatItsCallsMake) {
-    standin::machine().trusted = true;
+    fakes::machine().trusted = true;
     auto manager = KeyboardCrackManager::create(platform());
     manager->start();
     EXPECT_TRUE(manager->isActive());
-    EXPECT_TRUE(standin::deliver(10, 0));
-    EXPECT_TRUE(standin::deliver(10, 1));
+    EXPECT_TRUE(fakes::deliver(10, 0));
+    EXPECT_TRUE(fakes::deliver(10, 1));
     m_rest.runLoop.runMainQueue();
     EXPECT_EQ(m_rest.audio.timeline().size(), 1U);
     manager->stop();
-    EXPECT_THAT(standin::leftOver(), IsEmpty());
+    EXPECT_THAT(fakes::leftOver(), IsEmpty());
     EXPECT_THAT(m_calls, Contains("CGEventTapCreate(1, 0, 1, 1024, callback, null)").Times(1));
-    EXPECT_EQ(standin::openTaps(), 0);
+    EXPECT_EQ(fakes::openTaps(), 0);
 }
 
 TEST_F(MacLogicTest, WithoutTrustThePersonIsAskedOnceAndTheRetryTaps) {
     const auto manager = KeyboardCrackManager::create(platform());
     manager->start();
     EXPECT_FALSE(manager->isActive());
-    EXPECT_EQ(standin::machine().prompts, 1);
-    standin::machine().trusted = true;
+    EXPECT_EQ(fakes::machine().prompts, 1);
+    fakes::machine().trusted = true;
     m_rest.runLoop.advance(3);
     EXPECT_TRUE(manager->isActive());
-    EXPECT_EQ(standin::machine().prompts, 1);
+    EXPECT_EQ(fakes::machine().prompts, 1);
     manager->stop();
 }
 

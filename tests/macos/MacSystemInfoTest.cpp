@@ -1,5 +1,5 @@
 #include "platform/macos/MacSystemInfo.h"
-#include "tests/macos/StandInTest.h"
+#include "tests/macos/FakeMachine.h"
 
 namespace quorvane {
 
@@ -10,30 +10,30 @@ using testing::IsEmpty;
 
 class MacSystemInfoTest : public testing::Test {
 protected:
-    StandInMachine m_machine;
+    FakeMachine m_machine;
     MacSystemInfo m_info;
 };
 
 TEST_F(MacSystemInfoTest, TheModelIsTheOneThatTheSystemNames) {
     EXPECT_EQ(m_info.modelName(), "");
-    standin::machine().model = "MacBookPro18,3";
+    fakes::machine().model = "MacBookPro18,3";
     EXPECT_EQ(m_info.modelName(), "MacBookPro18,3");
 }
 
 TEST_F(MacSystemInfoTest, ThePlainQuestionOfTrustAsksNobody) {
     EXPECT_FALSE(m_info.isProcessTrusted());
-    standin::machine().trusted = true;
+    fakes::machine().trusted = true;
     EXPECT_TRUE(m_info.isProcessTrusted());
-    EXPECT_THAT(standin::machine().calls, IsEmpty());
+    EXPECT_THAT(fakes::machine().calls, IsEmpty());
 }
 
 TEST_F(MacSystemInfoTest, ThePersonIsAskedForTrustOnlyWithThePrompt) {
     EXPECT_FALSE(m_info.isProcessTrustedWithOptions(false));
-    EXPECT_EQ(standin::machine().prompts, 0);
+    EXPECT_EQ(fakes::machine().prompts, 0);
     EXPECT_FALSE(m_info.isProcessTrustedWithOptions(true));
-    EXPECT_EQ(standin::machine().prompts, 1);
+    EXPECT_EQ(fakes::machine().prompts, 1);
     EXPECT_THAT(
-        standin::machine().calls,
+        fakes::machine().calls,
         ElementsAre(R"(AXIsProcessTrustedWithOptions({"AXTrustedCheckOptionPrompt": false}))",
                     R"(AXIsProcessTrustedWithOptions({"AXTrustedCheckOptionPrompt": true}))"));
 }

@@ -3,14 +3,14 @@
 #include <set>
 #include <utility>
 
-#include "platform/linux/keyboard/KeyboardNodes.h"
+#include "platform/linux/keyboard/KeyboardWatcher.h"
 
 namespace quorvane {
 
 /// Keyboards that a test plugs in and out; outlives the nodes that it hands out.
 class PluggedKeyboards {
 public:
-    class Nodes final : public KeyboardNodes {
+    class Nodes final : public KeyboardWatcher {
     public:
         explicit Nodes(PluggedKeyboards& machine) : m_machine(machine) {}
 

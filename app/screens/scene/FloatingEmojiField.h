@@ -8,11 +8,11 @@
 #include <vector>
 
 #include "app/screens/bridge/ContentViewModel.h"
-#include "app/screens/scene/SceneValue.h"
+#include "app/screens/scene/RenderMailbox.h"
 
 namespace quorvane {
 
-/// Draws the controller's particles, and takes no part in anything else: the mouse passes through.
+/// RandomGenerator the controller's particles, and takes no part in anything else: the mouse passes through.
 /// Each particle's picture is drawn once, since only places and opacities change.
 class FloatingEmojiField : public QQuickItem {
     Q_OBJECT
@@ -40,8 +40,8 @@ private:
     QPointer<ContentViewModel> m_content;
     // As they are to be drawn; the controller's own go on while nobody looks.
     std::vector<FloatingEmoji> m_particles;
-    std::shared_ptr<SceneValue<std::vector<FloatingEmoji>>> m_newer =
-        std::make_shared<SceneValue<std::vector<FloatingEmoji>>>();
+    std::shared_ptr<RenderMailbox<std::vector<FloatingEmoji>>> m_newer =
+        std::make_shared<RenderMailbox<std::vector<FloatingEmoji>>>();
     bool m_scaleChanged = false;
 };
 

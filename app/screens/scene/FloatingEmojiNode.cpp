@@ -98,7 +98,7 @@ private:
 };
 
 FloatingEmojiNode::FloatingEmojiNode(QQuickWindow& window, const Particles& particles,
-                                     std::shared_ptr<SceneValue<Particles>> newer)
+                                     std::shared_ptr<RenderMailbox<Particles>> newer)
     : m_newer(std::move(newer)) {
     setFlag(UsePreprocess);
     m_pictures.reserve(particles.size());

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "app/FloatingEmoji.h"
-#include "app/screens/scene/SceneValue.h"
+#include "app/screens/scene/RenderMailbox.h"
 
 class QQuickWindow;
 
@@ -20,7 +20,7 @@ public:
 
     /// Shows each of the `newer` particles by itself.
     FloatingEmojiNode(QQuickWindow& window, const Particles& particles,
-                      std::shared_ptr<SceneValue<Particles>> newer);
+                      std::shared_ptr<RenderMailbox<Particles>> newer);
     ~FloatingEmojiNode() override;
 
     /// As many as there were at first, and of the same sizes.
@@ -31,7 +31,7 @@ public:
 private:
     class Picture;
 
-    std::shared_ptr<SceneValue<Particles>> m_newer;
+    std::shared_ptr<RenderMailbox<Particles>> m_newer;
     std::vector<Picture> m_pictures;
 };
 

@@ -34,7 +34,7 @@ void PictureItem::setGlow(double glow) {
 }
 
 void PictureItem::redraw() {
-    m_stale = true;
+    m_needsPaint = true;
     update();
 }
 
@@ -83,7 +83,7 @@ QSGNode* PictureItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData* /*data*
     auto* node = old ? static_cast<PictureNode*>(old) : new PictureNode(*window(), m_glowForNode);
     const double scale = window()->effectiveDevicePixelRatio();
     // A scene that was let go, say of a window that was hidden, has lost its pictures too.
-    if (std::exchange(m_stale, false) || !old) {
+    if (std::exchange(m_needsPaint, false) || !old) {
         node->setPicture(picture(pictureMargin, scale));
         node->setGlowSource(m_glowRadius > 0 ? picture(glowMargin(), scale) : QImage(),
                             {.color = m_glowColor, .radius = m_glowRadius * scale});

@@ -7,7 +7,7 @@
 
 #include <memory>
 
-#include "app/screens/scene/SceneValue.h"
+#include "app/screens/scene/RenderMailbox.h"
 
 class QPainter;
 
@@ -40,7 +40,7 @@ signals:
     void glowChanged();
 
 protected:
-    /// Draws in the item's own coordinates; a few points beyond its bounds are still seen.
+    /// RandomGenerator in the item's own coordinates; a few points beyond its bounds are still seen.
     virtual void draw(QPainter& painter) const = 0;
     /// Has it drawn anew.
     void redraw();
@@ -58,8 +58,8 @@ private:
     double m_glowRadius = 0;
     double m_glowOffset = 0;
     double m_glow = 0;
-    std::shared_ptr<SceneValue<double>> m_glowForNode = std::make_shared<SceneValue<double>>();
-    bool m_stale = true;
+    std::shared_ptr<RenderMailbox<double>> m_glowForNode = std::make_shared<RenderMailbox<double>>();
+    bool m_needsPaint = true;
 };
 
 } // namespace quorvane

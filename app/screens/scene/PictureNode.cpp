@@ -11,7 +11,7 @@
 
 namespace quorvane {
 
-PictureNode::PictureNode(QQuickWindow& window, std::shared_ptr<SceneValue<double>> glow)
+PictureNode::PictureNode(QQuickWindow& window, std::shared_ptr<RenderMailbox<double>> glow)
     : m_window(window), m_newerGlow(std::move(glow)), m_pictureNode(window.createImageNode()) {
     setFlag(UsePreprocess);
     const auto prepare = [](QSGImageNode& node) { node.setFlag(OwnedByParent, false); };

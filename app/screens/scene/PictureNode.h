@@ -9,7 +9,7 @@
 #include <array>
 #include <memory>
 
-#include "app/screens/scene/SceneValue.h"
+#include "app/screens/scene/RenderMailbox.h"
 
 class QQuickWindow;
 
@@ -27,7 +27,7 @@ public:
     };
 
     /// Shows each newer `glow` by itself.
-    PictureNode(QQuickWindow& window, std::shared_ptr<SceneValue<double>> glow);
+    PictureNode(QQuickWindow& window, std::shared_ptr<RenderMailbox<double>> glow);
 
     void setPicture(const QImage& picture);
     /// The shape that glows; a null image is no glow.
@@ -66,7 +66,7 @@ private:
     [[nodiscard]] QRectF placeOf(const BlurStep& blur) const;
 
     QQuickWindow& m_window;
-    std::shared_ptr<SceneValue<double>> m_newerGlow;
+    std::shared_ptr<RenderMailbox<double>> m_newerGlow;
     QImage m_picture;
     QImage m_glowSource;
     QRectF m_glowPlace;

@@ -2,8 +2,8 @@
 
 #include <QGuiApplication>
 
-#include "platform/linux/desktop/MotionSetting.h"
-#include "platform/linux/desktop/X11WindowCover.h"
+#include "platform/linux/desktop/ReducedMotion.h"
+#include "platform/linux/desktop/X11ObscuredWindowWatcher.h"
 
 namespace quorvane {
 
@@ -12,10 +12,10 @@ LinuxDesktop::~LinuxDesktop() = default;
 
 void LinuxDesktop::watchWindow(std::uintptr_t window) {
     if (!m_motion)
-        m_motion = std::make_unique<MotionSetting>(m_reducesMotion);
+        m_motion = std::make_unique<ReducedMotion>(m_reducesMotion);
     // Another window system's numbers would be strangers' windows to the X server.
     if (QGuiApplication::platformName() == QLatin1String("xcb"))
-        m_cover = std::make_unique<X11WindowCover>(static_cast<xcb_window_t>(window),
+        m_cover = std::make_unique<X11ObscuredWindowWatcher>(static_cast<xcb_window_t>(window),
                                                    [this](bool covered) { m_isCovered = covered; });
 }
 

@@ -6,8 +6,8 @@
 
 namespace quorvane {
 
-class MotionSetting;
-class X11WindowCover;
+class ReducedMotion;
+class X11ObscuredWindowWatcher;
 
 /// The X11 desktop and its settings. Asks nobody before there is a window to watch, so that the
 /// window does not wait for that.
@@ -26,8 +26,8 @@ public:
 private:
     Observable<bool> m_reducesMotion;
     Observable<bool> m_isCovered;
-    std::unique_ptr<MotionSetting> m_motion;
-    std::unique_ptr<X11WindowCover> m_cover;
+    std::unique_ptr<ReducedMotion> m_motion;
+    std::unique_ptr<X11ObscuredWindowWatcher> m_cover;
 };
 
 } // namespace quorvane

@@ -4,14 +4,14 @@
 
 namespace quorvane {
 
-std::unique_ptr<EvdevKeyReader> EvdevKeyReader::open(std::unique_ptr<KeyboardNodes> nodes,
+std::unique_ptr<EvdevKeyReader> EvdevKeyReader::open(std::unique_ptr<KeyboardWatcher> nodes,
                                                      Sink sink, EvdevKeyboard::KeyQuery query) {
     std::unique_ptr<EvdevKeyReader> reader(
         new EvdevKeyReader(std::move(nodes), std::move(sink), query));
     return reader->m_keyboards.empty() ? nullptr : std::move(reader);
 }
 
-EvdevKeyReader::EvdevKeyReader(std::unique_ptr<KeyboardNodes> nodes, Sink sink,
+EvdevKeyReader::EvdevKeyReader(std::unique_ptr<KeyboardWatcher> nodes, Sink sink,
                                EvdevKeyboard::KeyQuery query)
     : m_sink(std::move(sink)), m_query(query), m_nodes(std::move(nodes)) {
     m_nodes->follow([this](const std::filesystem::path& node) { add(node); },

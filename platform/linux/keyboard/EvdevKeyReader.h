@@ -6,7 +6,7 @@
 
 #include "platform/linux/keyboard/EvdevKeyboard.h"
 #include "platform/linux/keyboard/KeyEventReader.h"
-#include "platform/linux/keyboard/KeyboardNodes.h"
+#include "platform/linux/keyboard/KeyboardWatcher.h"
 
 namespace quorvane {
 
@@ -16,13 +16,13 @@ class EvdevKeyReader final : public KeyEventReader {
 public:
     /// Null if not one keyboard can be read.
     [[nodiscard]] static std::unique_ptr<EvdevKeyReader>
-    open(std::unique_ptr<KeyboardNodes> nodes, Sink sink,
+    open(std::unique_ptr<KeyboardWatcher> nodes, Sink sink,
          EvdevKeyboard::KeyQuery query = &EvdevKeyboard::keysThatAreDown);
 
     void setReading(bool reading) override;
 
 private:
-    EvdevKeyReader(std::unique_ptr<KeyboardNodes> nodes, Sink sink, EvdevKeyboard::KeyQuery query);
+    EvdevKeyReader(std::unique_ptr<KeyboardWatcher> nodes, Sink sink, EvdevKeyboard::KeyQuery query);
 
     void add(const std::filesystem::path& node);
 
@@ -31,7 +31,7 @@ private:
     std::map<std::filesystem::path, std::unique_ptr<EvdevKeyboard>> m_keyboards;
     bool m_reading = false;
     /// Last, so that nothing is told to a reader that is half gone.
-    std::unique_ptr<KeyboardNodes> m_nodes;
+    std::unique_ptr<KeyboardWatcher> m_nodes;
 };
 
 } // namespace quorvane

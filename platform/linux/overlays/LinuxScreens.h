@@ -6,7 +6,7 @@
 
 namespace quorvane {
 
-class X11Overlays;
+class X11OverlayStack;
 
 /// The screens of an X server, Xwayland included, and panels over them that are windows of ours,
 /// drawn in memory without the toolkit's scene. Needs a QGuiApplication by the time it is first
@@ -24,9 +24,9 @@ public:
     createPanel(const Rect& contentRect, unsigned styleMask, unsigned backing, bool defer) override;
 
 private:
-    [[nodiscard]] const std::shared_ptr<X11Overlays>& overlays();
+    [[nodiscard]] const std::shared_ptr<X11OverlayStack>& overlays();
 
-    std::shared_ptr<X11Overlays> m_overlays;
+    std::shared_ptr<X11OverlayStack> m_stack;
 };
 
 } // namespace quorvane

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <utility>
 
-#include "platform/linux/overlays/X11Overlays.h"
+#include "platform/linux/overlays/X11OverlayStack.h"
 
 namespace quorvane {
 
@@ -23,8 +23,8 @@ QRect pixelsOf(const Rect& frame, double scale) {
 
 } // namespace
 
-X11Panel::X11Panel(std::weak_ptr<X11Overlays> overlays, const Rect& frame)
-    : m_overlays(std::move(overlays)), m_frame(frame) {}
+X11Panel::X11Panel(std::weak_ptr<X11OverlayStack> overlays, const Rect& frame)
+    : m_stack(std::move(overlays)), m_frame(frame) {}
 
 void X11Panel::setLevel(int level) {
     m_level = level;
@@ -60,7 +60,7 @@ void X11Panel::setTimeLimit(double seconds) {
 
 void X11Panel::setFrame(const Rect& frame, bool /*display*/) {
     m_frame = frame;
-    const auto overlays = m_overlays.lock();
+    const auto overlays = m_stack.lock();
     if (!overlays || !m_overlay)
         return;
     place(m_frame, x11Monitors(overlays->connection()));
@@ -68,7 +68,7 @@ void X11Panel::setFrame(const Rect& frame, bool /*display*/) {
 }
 
 void X11Panel::orderFrontRegardless() {
-    const auto overlays = m_overlays.lock();
+    const auto overlays = m_stack.lock();
     if (!overlays)
         return;
     if (!m_overlay) {
@@ -85,7 +85,7 @@ void X11Panel::orderFrontRegardless() {
 
 void X11Panel::orderOut() {
     m_overlay.reset();
-    if (const auto overlays = m_overlays.lock())
+    if (const auto overlays = m_stack.lock())
         overlays->remove(*this);
     m_watchdog.reset();
 }
@@ -131,7 +131,7 @@ void X11Panel::place(const Rect& frame, const std::vector<X11Monitor>& monitors)
 }
 
 void X11Panel::showAnew() {
-    const auto overlays = m_overlays.lock();
+    const auto overlays = m_stack.lock();
     if (!overlays || !m_overlay)
         return;
     // The new window is up before the old one goes, so that nothing beneath is seen in between.
@@ -142,10 +142,10 @@ void X11Panel::showAnew() {
     overlays->connection().flush();
 }
 
-std::unique_ptr<X11Overlay> X11Panel::makeOverlay(X11Overlays& overlays) const {
-    return std::make_unique<X11Overlay>(
+std::unique_ptr<X11OverlayContent> X11Panel::makeOverlay(X11OverlayStack& overlays) const {
+    return std::make_unique<X11OverlayContent>(
         overlays.connection(), m_view,
-        X11Overlay::Setting{.pixels = m_monitor.pixels,
+        X11OverlayContent::Setting{.pixels = m_monitor.pixels,
                             .scale = m_monitor.scale,
                             .opaque = m_opaque,
                             .background = m_background,

@@ -7,17 +7,17 @@
 #include "platform/Screens.h"
 #include "platform/linux/overlays/PanelWatchdog.h"
 #include "platform/linux/overlays/X11Monitors.h"
-#include "platform/linux/overlays/X11Overlay.h"
+#include "platform/linux/overlays/X11OverlayContent.h"
 
 namespace quorvane {
 
-class X11Overlays;
+class X11OverlayStack;
 
 /// A panel's settings, and what is up of it. Its window exists only while it is shown.
 class X11Panel final : public OverlayPanel, public std::enable_shared_from_this<X11Panel> {
 public:
     /// `overlays` may be gone, or have never been: the panel then shows nowhere.
-    X11Panel(std::weak_ptr<X11Overlays> overlays, const Rect& frame);
+    X11Panel(std::weak_ptr<X11OverlayStack> overlays, const Rect& frame);
 
     void setLevel(int level) override;
     void setOpaque(bool opaque) override;
@@ -43,9 +43,9 @@ public:
 private:
     void place(const Rect& frame, const std::vector<X11Monitor>& monitors);
     void showAnew();
-    [[nodiscard]] std::unique_ptr<X11Overlay> makeOverlay(X11Overlays& overlays) const;
+    [[nodiscard]] std::unique_ptr<X11OverlayContent> makeOverlay(X11OverlayStack& overlays) const;
 
-    std::weak_ptr<X11Overlays> m_overlays;
+    std::weak_ptr<X11OverlayStack> m_stack;
     std::shared_ptr<const OverlayView> m_view;
     Rect m_frame;
     // Where the frame is, once it has been looked up.
@@ -55,7 +55,7 @@ private:
     Color m_background;
     bool m_ignoresMouse = false;
     double m_timeLimit = 0;
-    std::unique_ptr<X11Overlay> m_overlay;
+    std::unique_ptr<X11OverlayContent> m_overlay;
     // From before the window comes until after it has gone.
     std::optional<PanelWatchdog> m_watchdog;
 };

@@ -6,7 +6,7 @@
 
 #include "platform/System.h"
 #include "platform/linux/keyboard/KeyboardAccessPrompt.h"
-#include "platform/linux/keyboard/UdevKeyboardNodes.h"
+#include "platform/linux/keyboard/UdevKeyboardWatcher.h"
 
 namespace quorvane {
 
@@ -19,7 +19,7 @@ public:
 
     /// `root` is where /sys and /proc are. Looks at nothing yet.
     explicit LinuxSystemInfo(std::filesystem::path root = "/",
-                             Keyboards keyboards = &UdevKeyboardNodes::list);
+                             Keyboards keyboards = &UdevKeyboardWatcher::list);
 
     /// DMI's product name, else the device tree's model.
     [[nodiscard]] std::string modelName() const override;

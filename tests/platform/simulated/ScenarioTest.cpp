@@ -129,7 +129,7 @@ class ScenarioPlayerTest : public testing::Test {
 protected:
     ScenarioPlayer& play(std::string_view text) {
         player.emplace(parse(text), machine.runLoop, machine.workspace, machine.defaultCenter);
-        player->furnish(machine.hid, machine.system);
+        player->setUpMachine(machine.hid, machine.system);
         return *player;
     }
 
@@ -137,7 +137,7 @@ protected:
     std::optional<ScenarioPlayer> player;
 };
 
-TEST_F(ScenarioPlayerTest, furnishes_the_machine) {
+TEST_F(ScenarioPlayerTest, sets_up_the_machine) {
     play(R"({"model": "MacBookPro18,3", "trusted": true,
              "hid": [{"product": "0x8104", "lid": [[0, 100], [2, 140]]}]})");
     EXPECT_EQ(machine.system.model, "MacBookPro18,3");
@@ -221,7 +221,7 @@ TEST_F(ScenarioPlayerTest, times_count_from_its_making_and_what_is_past_happens_
               "✅ [SENSOR] Found lid sensor! ProductID=0x8104, angle=50°");
 }
 
-TEST_F(ScenarioPlayerTest, faults_of_the_machine_are_furnished_too) {
+TEST_F(ScenarioPlayerTest, faults_of_the_machine_are_set_up_too) {
     play(R"({"hidManagerRefusesOpen": true,
              "hid": [{"vendor": "0x046d", "product": 7, "refusesOpen": true}]})");
     EXPECT_TRUE(machine.hid.managerRefusesOpen);

@@ -1,0 +1,37 @@
+#include "platform/linux/desktop/X11ObscuredWindowWatcher.h"
+
+#include <array>
+#include <utility>
+
+#include "platform/linux/common/X11Connection.h"
+
+namespace quorvane {
+
+namespace {
+
+constexpr uint8_t sentByAnotherClient = 0x80;
+
+} // namespace
+
+// On a connection of our own, since what a window's events are is chosen for each connection, and
+// the toolkit has its own choice.
+X11ObscuredWindowWatcher::X11ObscuredWindowWatcher(xcb_window_t window, std::function<void(bool)> report)
+    : m_window(window), m_report(std::move(report)), m_connection(X11Connection::open()) {
+    if (!m_connection)
+        return;
+    m_connection->setEventHandler([this](const xcb_generic_event_t& event) { take(event); });
+    const std::array<uint32_t, 1> events{XCB_EVENT_MASK_VISIBILITY_CHANGE};
+    xcb_change_window_attributes(m_connection->get(), m_window, XCB_CW_EVENT_MASK, events.data());
+    m_connection->flush();
+}
+
+X11ObscuredWindowWatcher::~X11ObscuredWindowWatcher() = default;
+
+void X11ObscuredWindowWatcher::take(const xcb_generic_event_t& event) {
+    if ((event.response_type & ~sentByAnotherClient) != XCB_VISIBILITY_NOTIFY)
+        return;
+    const auto& change = reinterpret_cast<const xcb_visibility_notify_event_t&>(event);
+    m_report(change.state == XCB_VISIBILITY_FULLY_OBSCURED);
+}
+
+} // namespace quorvane

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QTimer>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "base/NonCopyable.h"
+#include "platform/linux/common/X11Connection.h"
+#include "platform/linux/overlays/StopSignals.h"
+
+namespace quorvane {
+
+class X11Panel;
+
+/// The panels that are up, kept above everything else and on the screens that there are. Main
+/// thread only.
+class X11OverlayStack : NonCopyable {
+public:
+    explicit X11OverlayStack(std::unique_ptr<X11Connection> connection);
+    ~X11OverlayStack();
+
+    [[nodiscard]] X11Connection& connection() { return *m_connection; }
+
+    /// The arrow of the desktop's theme.
+    [[nodiscard]] xcb_cursor_t arrow();
+
+    /// Keeps the panel, whoever else lets go of it, in front of those of its level.
+    void add(std::shared_ptr<X11Panel> panel);
+    void remove(const X11Panel& panel);
+    /// Puts the windows above all others, in their order.
+    void restack();
+
+private:
+    void handle(const xcb_generic_event_t& event);
+    void handleExpose(const xcb_expose_event_t& event) const;
+    void handleVisibility(const xcb_visibility_notify_event_t& event);
+    void handleOther(xcb_window_t reporter, xcb_window_t window);
+    [[nodiscard]] X11Panel* find(xcb_window_t window) const;
+    void raiseSoon();
+    void follow();
+    void watch(bool desktop);
+
+    std::unique_ptr<X11Connection> m_connection;
+    xcb_cursor_t m_arrow = XCB_CURSOR_NONE;
+    // RandR's first event; 0: the server has no RandR.
+    int m_screensEvent;
+    // While a panel is up.
+    std::optional<StopSignals> m_stopSignals;
+    // The foremost first.
+    std::vector<std::shared_ptr<X11Panel>> m_shown;
+    QTimer m_raise;
+    QElapsedTimer m_sinceRaise;
+    QTimer m_follow;
+};
+
+} // namespace quorvane

@@ -1,0 +1,43 @@
+#include "platform/linux/power/LinuxSleepNotifications.h"
+
+#include <utility>
+
+#include "platform/linux/power/SleepSignals.h"
+
+namespace quorvane {
+
+LinuxSleepNotifications::LinuxSleepNotifications(std::string busAddress) : m_busAddress(std::move(busAddress)) {}
+
+LinuxSleepNotifications::~LinuxSleepNotifications() = default;
+
+NotificationCenter::Token LinuxSleepNotifications::addObserver(std::string_view name,
+                                                      std::function<void()> block) {
+    const Token token = InProcessNotificationCenter::addObserver(name, std::move(block));
+    listen();
+    if (name != WorkspaceNotification::didWake)
+        m_signals->listenToLid();
+    return token;
+}
+
+void LinuxSleepNotifications::removeObserver(Token token) {
+    InProcessNotificationCenter::removeObserver(token);
+    if (m_signals && observerCount() == 0)
+        m_signals->stop();
+}
+
+void LinuxSleepNotifications::listen() {
+    if (!m_signals)
+        m_signals = std::make_unique<SleepSignals>(
+            QString::fromStdString(m_busAddress),
+            SleepSignals::Reports{
+                .didWake = [this] { post(WorkspaceNotification::didWake); },
+                .screens =
+                    [this](bool asleep) {
+                        post(asleep ? WorkspaceNotification::screensDidSleep
+                                    : WorkspaceNotification::screensDidWake);
+                    },
+            });
+    m_signals->start();
+}
+
+} // namespace quorvane

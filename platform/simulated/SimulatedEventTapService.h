@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/EventTap.h"
+
+namespace quorvane {
+
+/// Taps on a keyboard that a test plays, and what was done with them.
+class SimulatedEventTapService final : public EventTapService {
+public:
+    [[nodiscard]] std::shared_ptr<EventTap> createTap(TapLocation location, TapPlacement placement,
+                                                      TapOptions options,
+                                                      std::uint64_t eventsOfInterest,
+                                                      TapCallback callback) override;
+
+    /// Fault switches: no tap, or no source of a tap, can be made.
+    bool refusesTap = false;
+    bool refusesSource = false;
+
+    /// An event goes to every tap that is enabled, on a run loop and interested. False if one of
+    /// them did not give the very event back.
+    bool send(const TapEvent& event);
+
+    bool pressKey() { return send({.type = TapEventType::KeyDown}); }
+
+    /// In order: "create location 1 placement 0 options 1 events 0x400", "source 0", "add",
+    /// "enable yes", "enable no", "remove", "close".
+    [[nodiscard]] const std::vector<std::string>& calls() const { return *m_calls; }
+
+    /// Number of taps that have not been let go of.
+    [[nodiscard]] std::size_t openCount() const;
+
+private:
+    class Tap;
+    class Source;
+
+    std::shared_ptr<std::vector<std::string>> m_calls =
+        std::make_shared<std::vector<std::string>>();
+    std::vector<std::weak_ptr<Tap>> m_taps;
+};
+
+} // namespace quorvane

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+#include <random>
+
+namespace quorvane::synthesis {
+
+/// RandomGenerator that are the same with every standard library: its engines are laid down to the bit, its
+/// distributions are not.
+class RandomGenerator {
+public:
+    explicit RandomGenerator(std::uint64_t seed) : m_engine(seed) {}
+
+    /// From 0 up to 1.
+    double uniform() { return static_cast<double>(m_engine() >> 11U) * 0x1p-53; }
+
+    double between(double low, double high) { return low + (high - low) * uniform(); }
+
+    /// Of mean 0 and standard deviation 1, near enough: the sum of twelve uniform ones.
+    double normal() {
+        double sum = -6;
+        for (int i = 0; i < 12; ++i)
+            sum += uniform();
+        return sum;
+    }
+
+    /// The waits of a process without memory: of mean `mean`, most of them short.
+    double exponential(double mean) { return -mean * std::log(1 - uniform()); }
+
+    /// Pareto's law cut off at `high`: densities fall as size^-exponent from `low` on.
+    double power(double low, double high, double exponent) {
+        const double rest = 1 - exponent;
+        const double first = std::pow(low, rest);
+        const double last = std::pow(high, rest);
+        return std::pow(first + uniform() * (last - first), 1 / rest);
+    }
+
+private:
+    std::mt19937_64 m_engine;
+};
+
+} // namespace quorvane::synthesis

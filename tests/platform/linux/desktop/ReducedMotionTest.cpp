@@ -1,0 +1,185 @@
+#include <QDBusVariant>
+#include <gmock/gmock.h>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/linux/desktop/ReducedMotion.h"
+#include "tests/support/Environment.h"
+#include "tests/support/PrivateBus.h"
+#include "tests/support/QtApplication.h"
+#include "tests/support/SleepServices.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace quorvane {
+
+namespace {
+
+using testing::ElementsAre;
+
+const QString portalPath = QStringLiteral("/org/freedesktop/portal/desktop");
+const QString settingsInterface = QStringLiteral("org.freedesktop.portal.Settings");
+const QString desktopSettings = QStringLiteral("org.gnome.desktop.interface");
+const QString animations = QStringLiteral("enable-animations");
+
+/// Stands in for the desktop's settings portal.
+class StandInPortal final : public QDBusVirtualObject {
+public:
+    StandInPortal(const std::string& address, QVariant answer)
+        : m_service(address, QStringLiteral("org.freedesktop.portal.Desktop")),
+          m_answer(std::move(answer)) {
+        m_service.bus().registerVirtualObject(portalPath, this);
+    }
+
+    ~StandInPortal() override { m_service.bus().unregisterObject(portalPath); }
+
+    void change(const QString& group, const QString& key, const QVariant& value) {
+        auto message = QDBusMessage::createSignal(portalPath, settingsInterface, "SettingChanged");
+        message << group << key << QVariant::fromValue(QDBusVariant(value));
+        m_service.send(message);
+    }
+
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
+        if (message.interface() != settingsInterface || message.member() != QLatin1String("Read"))
+            return false;
+        for (const QVariant& argument : message.arguments())
+            m_question.push_back(argument.toString().toStdString());
+        // As the portal does: a variant in a variant.
+        const QDBusVariant inner(m_answer);
+        return connection.send(
+            message.createReply(QVariant::fromValue(QDBusVariant(QVariant::fromValue(inner)))));
+    }
+
+    [[nodiscard]] QString introspect(const QString&) const override { return {}; }
+
+    [[nodiscard]] const std::vector<std::string>& question() const { return m_question; }
+
+private:
+    BusService m_service;
+    QVariant m_answer;
+    std::vector<std::string> m_question;
+};
+
+/// The session bus of a process is one for all its life, so the cases share theirs. They cannot be
+/// in one program with cases that use the system bus: the address of either is settled with that of
+/// the other.
+class ReducedMotionTest : public testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        s_application = std::make_unique<QtApplication>();
+        s_bus = std::make_unique<PrivateBus>();
+        s_address =
+            std::make_unique<EnvironmentVariable>("DBUS_SESSION_BUS_ADDRESS", s_bus->address());
+    }
+
+    static void TearDownTestSuite() {
+        s_address.reset();
+        s_bus.reset();
+        s_application.reset();
+    }
+
+    void writeSettings(const std::string& toolkit, const std::string& text) const {
+        m_config.write(toolkit + "/settings.ini", text);
+    }
+
+    void makeSetting() { m_setting = std::make_unique<ReducedMotion>(m_reducesMotion); }
+
+    /// The setting once the portal has said this.
+    void makeSettingWithPortal(const QVariant& animationsEnabled) {
+        m_portal = std::make_unique<StandInPortal>(s_bus->address(), animationsEnabled);
+        makeSetting();
+        ASSERT_TRUE(QtApplication::runUntil([this] { return !m_portal->question().empty(); }));
+        QtApplication::runFor(50);
+    }
+
+    [[nodiscard]] bool becomes(bool reduces) const {
+        return QtApplication::runUntil([&] { return m_reducesMotion.get() == reduces; });
+    }
+
+    static std::unique_ptr<QtApplication> s_application;
+    static std::unique_ptr<PrivateBus> s_bus;
+    static std::unique_ptr<EnvironmentVariable> s_address;
+
+    TemporaryFolder m_config;
+    EnvironmentVariable m_home{"XDG_CONFIG_HOME", m_config.path().string()};
+    Observable<bool> m_reducesMotion;
+    std::unique_ptr<StandInPortal> m_portal;
+    std::unique_ptr<ReducedMotion> m_setting;
+};
+
+std::unique_ptr<QtApplication> ReducedMotionTest::s_application;
+std::unique_ptr<PrivateBus> ReducedMotionTest::s_bus;
+std::unique_ptr<EnvironmentVariable> ReducedMotionTest::s_address;
+
+TEST_F(ReducedMotionTest, ADesktopThatSaysNothingMovesAsUsual) {
+    makeSetting();
+    QtApplication::runFor(50);
+    EXPECT_FALSE(m_reducesMotion.get());
+}
+
+TEST_F(ReducedMotionTest, WithoutAPortalTheSettingsFileOfGTKProgramsTells) {
+    writeSettings("gtk-3.0", "[Settings]\ngtk-enable-animations=0\n");
+    makeSetting();
+    EXPECT_TRUE(m_reducesMotion.get());
+    writeSettings("gtk-3.0", "[Settings]\ngtk-enable-animations=true\n");
+    makeSetting();
+    EXPECT_FALSE(m_reducesMotion.get());
+}
+
+TEST_F(ReducedMotionTest, TheNewerSettingsFileCountsBeforeTheOlder) {
+    writeSettings("gtk-4.0", "[Settings]\ngtk-enable-animations=false\n");
+    writeSettings("gtk-3.0", "[Settings]\ngtk-enable-animations=true\n");
+    makeSetting();
+    EXPECT_TRUE(m_reducesMotion.get());
+}
+
+TEST_F(ReducedMotionTest, AFileWithoutTheSettingLeavesItToTheNext) {
+    writeSettings("gtk-4.0", "[Settings]\ngtk-theme-name=Any\n[Other]\ngtk-enable-animations=1\n");
+    writeSettings("gtk-3.0", "[Settings]\ngtk-enable-animations=0\n");
+    makeSetting();
+    EXPECT_TRUE(m_reducesMotion.get());
+}
+
+TEST_F(ReducedMotionTest, ThePortalIsAskedForTheDesktopsAnimations) {
+    makeSettingWithPortal(false);
+    EXPECT_THAT(m_portal->question(),
+                ElementsAre("org.gnome.desktop.interface", "enable-animations"));
+    EXPECT_TRUE(m_reducesMotion.get());
+}
+
+TEST_F(ReducedMotionTest, ThePortalCountsBeforeAnyFile) {
+    writeSettings("gtk-4.0", "[Settings]\ngtk-enable-animations=0\n");
+    makeSettingWithPortal(true);
+    EXPECT_FALSE(m_reducesMotion.get());
+}
+
+TEST_F(ReducedMotionTest, AnAnswerThatIsNoTruthValueSaysNothing) {
+    writeSettings("gtk-4.0", "[Settings]\ngtk-enable-animations=0\n");
+    makeSettingWithPortal("true");
+    EXPECT_TRUE(m_reducesMotion.get());
+}
+
+TEST_F(ReducedMotionTest, AChangeOfTheSettingIsFollowed) {
+    makeSettingWithPortal(true);
+    m_portal->change(desktopSettings, animations, false);
+    EXPECT_TRUE(becomes(true));
+    m_portal->change(desktopSettings, animations, true);
+    EXPECT_TRUE(becomes(false));
+}
+
+TEST_F(ReducedMotionTest, ChangesOfOtherSettingsAreNone) {
+    makeSettingWithPortal(true);
+    m_portal->change(desktopSettings, "overlay-scrolling", false);
+    m_portal->change("org.gnome.desktop.sound", animations, false);
+    m_portal->change(desktopSettings, animations, 0);
+    QtApplication::runFor(50);
+    EXPECT_FALSE(m_reducesMotion.get());
+    // The three have arrived by the time that this one has.
+    m_portal->change(desktopSettings, animations, false);
+    EXPECT_TRUE(becomes(true));
+}
+
+} // namespace
+
+} // namespace quorvane

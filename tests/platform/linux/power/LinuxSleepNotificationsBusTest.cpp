@@ -1,0 +1,185 @@
+#include <chrono>
+#include <ctime>
+#include <gmock/gmock.h>
+#include <memory>
+#include <string>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include "base/NonCopyable.h"
+#include "tests/platform/linux/power/LinuxSleepNotificationsFixture.h"
+#include "tests/support/Environment.h"
+
+namespace quorvane {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+TEST_F(LinuxSleepNotificationsTest, TheBusIsJoinedOnlyWhileSomebodyObserves) {
+    const StandInLogind witness(address());
+    const auto connections = [this] {
+        auto bus = QDBusConnection::connectToBus(QString::fromStdString(address()), "census");
+        const auto names = bus.call(QDBusMessage::createMethodCall(
+            "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "ListNames"));
+        QDBusConnection::disconnectFromBus("census");
+        return names.arguments().value(0).toStringList().filter(QStringLiteral(":")).size();
+    };
+    const auto before = connections();
+    {
+        const Listener listener(m_workspace);
+        EXPECT_TRUE(QtApplication::runUntil([&] { return connections() == before + 1; }));
+    }
+    EXPECT_TRUE(QtApplication::runUntil([&] { return connections() == before; }));
+}
+
+TEST_F(LinuxSleepNotificationsTest, ANewObserverAfterTheLastOneStartsAfresh) {
+    StandInUPower upower(address());
+    {
+        Listener listener(m_workspace);
+        settle(upower);
+        upower.setLidIsClosed(true);
+        EXPECT_THAT(listener.heard(1), ElementsAre("sleep"));
+    }
+    Listener listener(m_workspace);
+    settle(upower, 2);
+    EXPECT_THAT(listener.heardInAll(), IsEmpty());
+    upower.setLidIsClosed(false);
+    EXPECT_THAT(listener.heard(1), ElementsAre("wake"));
+}
+
+TEST_F(LinuxSleepNotificationsTest, ALidThatMovedWhileNoOneObservedIsNoEvent) {
+    StandInUPower upower(address());
+    {
+        Listener listener(m_workspace);
+        settle(upower);
+        upower.setLidIsClosed(true);
+        EXPECT_THAT(listener.heard(1), ElementsAre("sleep"));
+    }
+    upower.setLidIsClosed(false);
+    Listener listener(m_workspace);
+    settle(upower, 2);
+    upower.setLidIsClosed(true);
+    EXPECT_THAT(listener.heard(1), ElementsAre("sleep"));
+}
+
+TEST_F(LinuxSleepNotificationsTest, UPowerIsLeftAloneOnceOnlyTheMachineIsObserved) {
+    StandInUPower upower(address());
+    const StandInLogind logind(address());
+    {
+        const Listener screens(m_workspace);
+        settle(upower);
+    }
+    Listener machine(m_workspace, {{WorkspaceNotification::didWake, "machine"}});
+    ASSERT_TRUE(QtApplication::runUntil([&] {
+        logind.prepareForSleep(false);
+        return !machine.heard(0).empty();
+    }));
+    QtApplication::runFor(quietMilliseconds);
+    EXPECT_EQ(upower.reads(), 1);
+}
+
+TEST_F(LinuxSleepNotificationsTest, TheLastObserverMayLeaveInsideItsBlock) {
+    StandInUPower upower(address());
+    int heard = 0;
+    NotificationCenter::Token token = 0;
+    token = m_workspace.addObserver(WorkspaceNotification::screensDidSleep, [&] {
+        ++heard;
+        m_workspace.removeObserver(token);
+    });
+    settle(upower);
+    upower.setLidIsClosed(true);
+    upower.setLidIsClosed(false);
+    upower.setLidIsClosed(true);
+    QtApplication::runFor(quietMilliseconds);
+    EXPECT_EQ(heard, 1);
+}
+
+TEST_F(LinuxSleepNotificationsTest, ObserversThatComeAndGoWhileTheBusIsBeingJoinedLeaveNothingBehind) {
+    for (int round = 0; round < 20; ++round)
+        const Listener passing(m_workspace);
+    StandInUPower upower(address());
+    Listener listener(m_workspace);
+    settle(upower);
+    upower.setLidIsClosed(true);
+    EXPECT_THAT(listener.heard(1), ElementsAre("sleep"));
+    EXPECT_THAT(listener.heardInAll(), ElementsAre("sleep"));
+}
+
+TEST_F(LinuxSleepNotificationsTest, AWorkspaceThatGoesWhileTheBusIsBeingJoinedIsMissedByNobody) {
+    {
+        LinuxSleepNotifications passing(m_bus.address());
+        passing.addObserver(WorkspaceNotification::screensDidSleep, [] {});
+    }
+    QtApplication::runFor(quietMilliseconds);
+}
+
+TEST_F(LinuxSleepNotificationsTest, ABusThatGoesAwayIsSurvivedInSilence) {
+    auto upower = std::make_unique<StandInUPower>(address());
+    Listener listener(m_workspace);
+    settle(*upower);
+    m_bus.stop();
+    EXPECT_THAT(listener.heardInAll(), IsEmpty());
+}
+
+TEST_F(LinuxSleepNotificationsTest, WithoutABusThereAreNoEventsAndNothingIsTriedOverAndOver) {
+    LinuxSleepNotifications workspace("unix:path=/nonexistent/bus");
+    Listener listener(workspace);
+    QtApplication::runFor(quietMilliseconds);
+    const std::clock_t before = std::clock();
+    EXPECT_THAT(listener.heardInAll(), IsEmpty());
+    // Less than half of the time that passed; a busy retry takes all of it.
+    EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC * quietMilliseconds / 1000 / 2);
+}
+
+TEST_F(LinuxSleepNotificationsTest, TheSystemBusIsWhereTheEnvironmentSaysThatItIs) {
+    const EnvironmentVariable systemBus("DBUS_SYSTEM_BUS_ADDRESS", address());
+    StandInUPower upower(address());
+    LinuxSleepNotifications workspace;
+    Listener listener(workspace);
+    settle(upower);
+    upower.setLidIsClosed(true);
+    EXPECT_THAT(listener.heard(1), ElementsAre("sleep"));
+}
+
+/// Takes connections and never says a word.
+class HungBus : NonCopyable {
+public:
+    HungBus() {
+        sockaddr_un name{};
+        name.sun_family = AF_UNIX;
+        path().copy(&name.sun_path[0], sizeof name.sun_path - 1);
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): how sockets are named.
+        EXPECT_EQ(bind(m_socket, reinterpret_cast<const sockaddr*>(&name), sizeof name), 0);
+        EXPECT_EQ(listen(m_socket, 8), 0);
+    }
+
+    ~HungBus() { close(m_socket); }
+
+    [[nodiscard]] std::string path() const { return (m_folder.path() / "bus").string(); }
+
+private:
+    TemporaryFolder m_folder;
+    int m_socket = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+};
+
+TEST_F(LinuxSleepNotificationsTest, ABusThatNeverAnswersHoldsNothingUp) {
+    using Clock = std::chrono::steady_clock;
+    auto hung = std::make_unique<HungBus>();
+    const auto start = Clock::now();
+    {
+        LinuxSleepNotifications workspace("unix:path=" + hung->path());
+        Listener listener(workspace);
+        EXPECT_THAT(listener.heardInAll(), IsEmpty());
+    }
+    // Waiting for the answer would take 25 s.
+    EXPECT_LT(Clock::now() - start, std::chrono::seconds(5));
+    hung.reset();
+    QtApplication::runFor(quietMilliseconds);
+}
+
+} // namespace
+
+} // namespace quorvane

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <QThread>
+#include <gmock/gmock.h>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "base/NonCopyable.h"
+#include "platform/linux/power/LinuxSleepNotifications.h"
+#include "tests/support/PrivateBus.h"
+#include "tests/support/QtApplication.h"
+#include "tests/support/SleepServices.h"
+
+namespace quorvane {
+
+// Long enough for a message that is not to come to have come.
+inline constexpr int quietMilliseconds = 300;
+
+/// Hears a workspace.
+class Listener : NonCopyable {
+public:
+    /// A notification, and what is written down when it comes.
+    using Mark = std::pair<std::string_view, std::string>;
+
+    Listener(NotificationCenter& center, const std::vector<Mark>& marks) : m_center(center) {
+        for (const auto& [name, mark] : marks)
+            m_tokens.push_back(observe(name, mark));
+    }
+
+    /// Hears the screens go to sleep and wake.
+    explicit Listener(NotificationCenter& center)
+        : Listener(center, {{WorkspaceNotification::screensDidWake, "wake"},
+                            {WorkspaceNotification::screensDidSleep, "sleep"}}) {}
+
+    ~Listener() {
+        for (const auto token : m_tokens)
+            m_center.removeObserver(token);
+    }
+
+    /// Everything heard, once as much as `count` is.
+    const std::vector<std::string>& heard(std::size_t count) {
+        QtApplication::runUntil([&] { return m_heard.size() >= count; });
+        return m_heard;
+    }
+
+    /// Everything heard when nothing more comes.
+    const std::vector<std::string>& heardInAll() {
+        QtApplication::runFor(quietMilliseconds);
+        return m_heard;
+    }
+
+    [[nodiscard]] bool wasOnMainThreadOnly() const { return m_onMainThread; }
+
+private:
+    NotificationCenter::Token observe(std::string_view name, const std::string& mark) {
+        return m_center.addObserver(name, [this, mark] {
+            m_heard.push_back(mark);
+            m_onMainThread = m_onMainThread && QThread::currentThread() == m_mainThread;
+        });
+    }
+
+    NotificationCenter& m_center;
+    std::vector<NotificationCenter::Token> m_tokens;
+    std::vector<std::string> m_heard;
+    QThread* m_mainThread = QThread::currentThread();
+    bool m_onMainThread = true;
+};
+
+class LinuxSleepNotificationsTest : public testing::Test {
+protected:
+    std::string address() const { return m_bus.address(); }
+
+    /// Waits until the workspace has taken in how the lid stands.
+    static void settle(const StandInUPower& upower, int reads = 1) {
+        ASSERT_TRUE(QtApplication::runUntil([&] { return upower.reads() >= reads; }));
+    }
+
+    QtApplication m_application;
+    PrivateBus m_bus;
+    LinuxSleepNotifications m_workspace{m_bus.address()};
+};
+
+} // namespace quorvane
