@@ -112,10 +112,10 @@ private:
 
 } // namespace
 
-std::shared_ptr<EventTap> MacEventTapService::createTap(TapLocation location, TapPlacement placement,
-                                                  TapOptions options,
-                                                  std::uint64_t eventsOfInterest,
-                                                  TapCallback callback) {
+std::shared_ptr<EventTap> MacEventTapService::createTap(TapLocation location,
+                                                        TapPlacement placement, TapOptions options,
+                                                        std::uint64_t eventsOfInterest,
+                                                        TapCallback callback) {
     auto* const place = std::find(callbacks.begin(), callbacks.end(), nullptr);
     if (place == callbacks.end())
         return nullptr;

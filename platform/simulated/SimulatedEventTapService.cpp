@@ -76,9 +76,10 @@ private:
 };
 
 std::shared_ptr<EventTap> SimulatedEventTapService::createTap(TapLocation location,
-                                                        TapPlacement placement, TapOptions options,
-                                                        std::uint64_t eventsOfInterest,
-                                                        TapCallback callback) {
+                                                              TapPlacement placement,
+                                                              TapOptions options,
+                                                              std::uint64_t eventsOfInterest,
+                                                              TapCallback callback) {
     if (refusesTap)
         return nullptr;
     std::ostringstream call;

@@ -22,9 +22,9 @@
 #include <numbers>
 #include <span>
 
-#include "resources/synthesis/RandomGenerator.h"
 #include "resources/synthesis/Filters.h"
 #include "resources/synthesis/Friction.h"
+#include "resources/synthesis/RandomGenerator.h"
 #include "resources/synthesis/SoundFile.h"
 
 namespace quorvane::synthesis {

@@ -6,8 +6,8 @@
 
 namespace quorvane::synthesis {
 
-/// RandomGenerator that are the same with every standard library: its engines are laid down to the bit, its
-/// distributions are not.
+/// RandomGenerator that are the same with every standard library: its engines are laid down to the
+/// bit, its distributions are not.
 class RandomGenerator {
 public:
     explicit RandomGenerator(std::uint64_t seed) : m_engine(seed) {}

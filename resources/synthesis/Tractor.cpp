@@ -28,10 +28,10 @@
 #include <numbers>
 #include <span>
 
-#include "resources/synthesis/RandomGenerator.h"
 #include "resources/synthesis/Driver.h"
 #include "resources/synthesis/Engine.h"
 #include "resources/synthesis/Filters.h"
+#include "resources/synthesis/RandomGenerator.h"
 #include "resources/synthesis/SoundFile.h"
 
 namespace quorvane::synthesis {

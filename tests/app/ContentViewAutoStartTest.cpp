@@ -9,7 +9,7 @@ using Screen = ContentView::Screen;
 
 using ContentViewAutoStartTest = ContentViewFixture;
 
-TEST_F(ContentViewAutoStartTest, auto_start_enters_the_control_panel_without_animation) {
+TEST_F(ContentViewAutoStartTest, AutoStartEntersTheControlPanelWithoutAnimation) {
     addLid(100);
     makeReturningView();
     machine.defaultCenter.post("autoStartSimulation");
@@ -18,7 +18,7 @@ TEST_F(ContentViewAutoStartTest, auto_start_enters_the_control_panel_without_ani
     EXPECT_TRUE(view->sensor().isRunning());
 }
 
-TEST_F(ContentViewAutoStartTest, auto_start_while_suffering_does_not_start_the_sensor_again) {
+TEST_F(ContentViewAutoStartTest, AutoStartWhileSufferingDoesNotStartTheSensorAgain) {
     addLid(100);
     makeReturningView().enterSufferingMode();
     view->sensor().stop();
@@ -26,7 +26,7 @@ TEST_F(ContentViewAutoStartTest, auto_start_while_suffering_does_not_start_the_s
     EXPECT_FALSE(view->sensor().isRunning());
 }
 
-TEST_F(ContentViewAutoStartTest, auto_start_on_the_panel_with_switches_on_changes_nothing) {
+TEST_F(ContentViewAutoStartTest, AutoStartOnThePanelWithSwitchesOnChangesNothing) {
     addLid(100);
     makeReturningView().enterSufferingMode();
     for (const ToggleRow& each : view->toggleRows())
@@ -46,13 +46,13 @@ TEST_F(ContentViewAutoStartTest, auto_start_on_the_panel_with_switches_on_change
     EXPECT_EQ(view->screenAnimation().curve, Animation::Curve::Spring);
 }
 
-TEST_F(ContentViewAutoStartTest, auto_start_comes_by_the_default_centre_only) {
+TEST_F(ContentViewAutoStartTest, AutoStartComesByTheDefaultCentreOnly) {
     makeReturningView();
     machine.workspace.post("autoStartSimulation");
     EXPECT_FALSE(view->sufferingMode());
 }
 
-TEST_F(ContentViewAutoStartTest, auto_start_before_the_check_finds_no_sensor_to_start) {
+TEST_F(ContentViewAutoStartTest, AutoStartBeforeTheCheckFindsNoSensorToStart) {
     addLid(100);
     makeView().onAppear();
     machine.defaultCenter.post("autoStartSimulation");
@@ -65,7 +65,7 @@ TEST_F(ContentViewAutoStartTest, auto_start_before_the_check_finds_no_sensor_to_
         << "nothing starts it until the panel is entered again";
 }
 
-TEST_F(ContentViewAutoStartTest, auto_start_after_the_check_starts_the_sensor_behind_its_results) {
+TEST_F(ContentViewAutoStartTest, AutoStartAfterTheCheckStartsTheSensorBehindItsResults) {
     addLid(100);
     makeView().onAppear();
     view->runHardwareCheck();
@@ -78,8 +78,7 @@ TEST_F(ContentViewAutoStartTest, auto_start_after_the_check_starts_the_sensor_be
     EXPECT_THAT(calls, IsEmpty());
 }
 
-TEST_F(ContentViewAutoStartTest,
-       auto_start_on_the_hardware_check_leads_to_the_panel_once_it_is_confirmed) {
+TEST_F(ContentViewAutoStartTest, AutoStartOnTheHardwareCheckLeadsToThePanelOnceItIsConfirmed) {
     makeView().onAppear();
     machine.defaultCenter.post("autoStartSimulation");
     EXPECT_TRUE(view->sufferingMode());

@@ -8,7 +8,7 @@ using Screen = ContentView::Screen;
 
 using ContentViewHardwareCheckTest = ContentViewFixture;
 
-TEST_F(ContentViewHardwareCheckTest, the_hardware_check_shows_its_results_after_a_fixed_pause) {
+TEST_F(ContentViewHardwareCheckTest, TheHardwareCheckShowsItsResultsAfterAFixedPause) {
     addLid(100);
     machine.system.model = "MacBookPro18,3";
     machine.system.trusted = true;
@@ -27,7 +27,7 @@ TEST_F(ContentViewHardwareCheckTest, the_hardware_check_shows_its_results_after_
     EXPECT_TRUE(view->hasTrackpad());
 }
 
-TEST_F(ContentViewHardwareCheckTest, the_results_come_in_their_order) {
+TEST_F(ContentViewHardwareCheckTest, TheResultsComeInTheirOrder) {
     addLid(100);
     machine.system.model = "MacBook";
     machine.system.trusted = true;
@@ -49,7 +49,7 @@ TEST_F(ContentViewHardwareCheckTest, the_results_come_in_their_order) {
                                    "trackpad", "done", "checking"));
 }
 
-TEST_F(ContentViewHardwareCheckTest, the_keyboard_learns_the_answer_and_nobody_is_asked) {
+TEST_F(ContentViewHardwareCheckTest, TheKeyboardLearnsTheAnswerAndNobodyIsAsked) {
     makeView();
     keyboard->hasPermission() = true;
     view->runHardwareCheck();
@@ -64,14 +64,14 @@ TEST_F(ContentViewHardwareCheckTest, the_keyboard_learns_the_answer_and_nobody_i
     EXPECT_EQ(machine.system.prompts, 0);
 }
 
-TEST_F(ContentViewHardwareCheckTest, a_sensor_found_only_through_the_fallback_counts_as_not_found) {
+TEST_F(ContentViewHardwareCheckTest, ASensorFoundOnlyThroughTheFallbackCountsAsNotFound) {
     makeView().runHardwareCheck();
     machine.runLoop.advance(2);
     EXPECT_TRUE(view->sensor().sensorFound());
     EXPECT_FALSE(view->hasLidSensor());
 }
 
-TEST_F(ContentViewHardwareCheckTest, continue_with_every_check_failed_still_persists_and_leaves) {
+TEST_F(ContentViewHardwareCheckTest, ContinueWithEveryCheckFailedStillPersistsAndLeaves) {
     makeView().runHardwareCheck();
     machine.runLoop.advance(2);
     EXPECT_FALSE(view->hasLidSensor() || view->hasAccessibility() || view->hasTrackpad());
@@ -80,7 +80,7 @@ TEST_F(ContentViewHardwareCheckTest, continue_with_every_check_failed_still_pers
     EXPECT_EQ(view->screen(), Screen::Warning);
 }
 
-TEST_F(ContentViewHardwareCheckTest, the_model_test_is_a_substring_in_any_letter_case) {
+TEST_F(ContentViewHardwareCheckTest, TheModelTestIsASubstringInAnyLetterCase) {
     makeView();
     for (const auto* model : {"MacBookPro18,3", "macbook", "X MACBOOK Y"}) {
         machine.system.model = model;
@@ -92,8 +92,7 @@ TEST_F(ContentViewHardwareCheckTest, the_model_test_is_a_substring_in_any_letter
     }
 }
 
-TEST_F(ContentViewHardwareCheckTest,
-       the_check_rows_tell_passed_and_failed_and_the_last_three_are_always_ready) {
+TEST_F(ContentViewHardwareCheckTest, TheCheckRowsTellPassedAndFailedAndTheLastThreeAreAlwaysReady) {
     makeView();
     const auto failed = view->checkRows();
     EXPECT_EQ(failed[0].fail, "Lid sensor not found — this feature won't be available");
@@ -107,7 +106,7 @@ TEST_F(ContentViewHardwareCheckTest,
               (CheckRow{.feature = "Launch at login", .passed = true, .ok = "Ready", .fail = ""}));
 }
 
-TEST_F(ContentViewHardwareCheckTest, each_row_shows_its_own_result) {
+TEST_F(ContentViewHardwareCheckTest, EachRowShowsItsOwnResult) {
     makeView();
     const auto passed = [this] {
         view->runHardwareCheck();
@@ -128,7 +127,7 @@ TEST_F(ContentViewHardwareCheckTest, each_row_shows_its_own_result) {
     EXPECT_EQ(passed(), "+--+++");
 }
 
-TEST_F(ContentViewHardwareCheckTest, the_rows_say_what_they_are_about_and_what_was_found) {
+TEST_F(ContentViewHardwareCheckTest, TheRowsSayWhatTheyAreAboutAndWhatWasFound) {
     std::vector<std::string> rows;
     for (const CheckRow& each : makeCheckRows(true, true, true))
         rows.push_back(std::string(each.feature) + ": " + std::string(each.ok));
@@ -138,7 +137,7 @@ TEST_F(ContentViewHardwareCheckTest, the_rows_say_what_they_are_about_and_what_w
                           "Startup sound: Ready", "Launch at login: Ready"));
 }
 
-TEST_F(ContentViewHardwareCheckTest, the_flag_is_stored_before_the_screen_changes) {
+TEST_F(ContentViewHardwareCheckTest, TheFlagIsStoredBeforeTheScreenChanges) {
     makeView();
     bool stored = false;
     const auto screen = view->screen().observe(
@@ -147,7 +146,7 @@ TEST_F(ContentViewHardwareCheckTest, the_flag_is_stored_before_the_screen_change
     EXPECT_TRUE(stored);
 }
 
-TEST_F(ContentViewHardwareCheckTest, without_a_keyboard_effect_the_check_still_ends) {
+TEST_F(ContentViewHardwareCheckTest, WithoutAKeyboardEffectTheCheckStillEnds) {
     machine.system.trusted = true;
     ContentView alone(machine.platform(), nullptr, {});
     alone.runHardwareCheck();

@@ -45,7 +45,7 @@ const std::vector<ToggleRowText> rowTexts{
              "Close the lid and open it again to hear it."},
 };
 
-TEST_F(ContentViewRowsTest, the_rows_stand_in_their_order_with_their_words) {
+TEST_F(ContentViewRowsTest, TheRowsStandInTheirOrderWithTheirWords) {
     makeView();
     std::vector<ToggleRowText> texts;
     for (const ToggleRow& each : view->toggleRows())
@@ -53,7 +53,7 @@ TEST_F(ContentViewRowsTest, the_rows_stand_in_their_order_with_their_words) {
     EXPECT_THAT(texts, ElementsAreArray(rowTexts));
 }
 
-TEST_F(ContentViewRowsTest, an_info_button_fills_the_popup_and_dismissal_leaves_its_texts) {
+TEST_F(ContentViewRowsTest, AnInfoButtonFillsThePopupAndDismissalLeavesItsTexts) {
     makeReturningView();
     for (const ToggleRowText& row : rowTexts) {
         view->presentInfo(row);
@@ -65,7 +65,7 @@ TEST_F(ContentViewRowsTest, an_info_button_fills_the_popup_and_dismissal_leaves_
     }
 }
 
-TEST_F(ContentViewRowsTest, the_popup_has_its_texts_before_it_is_shown) {
+TEST_F(ContentViewRowsTest, ThePopupHasItsTextsBeforeItIsShown) {
     makeReturningView();
     std::string label;
     std::string text;
@@ -79,7 +79,7 @@ TEST_F(ContentViewRowsTest, the_popup_has_its_texts_before_it_is_shown) {
                     "\n\nEnable and enjoy. Trackpad vibration included.");
 }
 
-TEST_F(ContentViewRowsTest, the_popup_and_the_switches_know_nothing_of_each_other) {
+TEST_F(ContentViewRowsTest, ThePopupAndTheSwitchesKnowNothingOfEachOther) {
     makeReturningView().enterSufferingMode();
     view->presentInfo(rowTexts[0]);
     view->leaveSufferingMode();

@@ -13,8 +13,7 @@ using Screen = ContentView::Screen;
 
 using ContentViewStoppingTest = ContentViewFixture;
 
-TEST_F(ContentViewStoppingTest,
-       the_stop_button_stops_everything_in_its_order_and_shows_the_warning) {
+TEST_F(ContentViewStoppingTest, TheStopButtonStopsEverythingInItsOrderAndShowsTheWarning) {
     makeReturningView().enterSufferingMode();
     for (const ToggleRow& each : view->toggleRows())
         each.setOn(true);
@@ -42,7 +41,7 @@ TEST_F(ContentViewStoppingTest,
     EXPECT_EQ(view->screen(), Screen::Warning);
 }
 
-TEST_F(ContentViewStoppingTest, the_stop_button_with_every_effect_off_still_stops_all_of_them) {
+TEST_F(ContentViewStoppingTest, TheStopButtonWithEveryEffectOffStillStopsAllOfThem) {
     makeReturningView().enterSufferingMode();
     view->leaveSufferingMode();
     EXPECT_THAT(calls, ElementsAre("keyboard stop", "fan stop", "bsod stop", "freeze stop"));
@@ -50,7 +49,7 @@ TEST_F(ContentViewStoppingTest, the_stop_button_with_every_effect_off_still_stop
     EXPECT_EQ(view->screen(), Screen::Warning);
 }
 
-TEST_F(ContentViewStoppingTest, the_velocity_feed_has_ended_before_the_creak_is_stopped) {
+TEST_F(ContentViewStoppingTest, TheVelocityFeedHasEndedBeforeTheCreakIsStopped) {
     WatchedRunLoop runLoop(machine.runLoop);
     machine.userDefaults.setBool("hardwareChecked", true);
     ContentView watched(exchange(machine.platform(), {.runLoop = &runLoop}), &startup, {});
@@ -68,14 +67,14 @@ TEST_F(ContentViewStoppingTest, the_velocity_feed_has_ended_before_the_creak_is_
     EXPECT_THAT(enabledAndStops, ElementsAre(std::pair(false, 0L), std::pair(false, 1L)));
 }
 
-TEST_F(ContentViewStoppingTest, only_the_stop_button_animates_the_way_back) {
+TEST_F(ContentViewStoppingTest, OnlyTheStopButtonAnimatesTheWayBack) {
     makeReturningView().enterSufferingMode();
     view->onDisappear();
     EXPECT_EQ(view->screen(), Screen::Warning);
     EXPECT_EQ(view->screenAnimation().curve, Animation::Curve::None);
 }
 
-TEST_F(ContentViewStoppingTest, on_first_entry_only_startup_is_on_and_on_the_second_nothing) {
+TEST_F(ContentViewStoppingTest, OnFirstEntryOnlyStartupIsOnAndOnTheSecondNothing) {
     makeReturningView().enterSufferingMode();
     EXPECT_THAT(switches(), ElementsAre(false, false, false, false, false, true));
     view->leaveSufferingMode();
@@ -83,7 +82,7 @@ TEST_F(ContentViewStoppingTest, on_first_entry_only_startup_is_on_and_on_the_sec
     EXPECT_THAT(switches(), ElementsAre(false, false, false, false, false, false));
 }
 
-TEST_F(ContentViewStoppingTest, the_stop_button_turns_every_switch_off) {
+TEST_F(ContentViewStoppingTest, TheStopButtonTurnsEverySwitchOff) {
     makeReturningView().enterSufferingMode();
     for (const ToggleRow& each : view->toggleRows())
         each.setOn(true);
@@ -92,7 +91,7 @@ TEST_F(ContentViewStoppingTest, the_stop_button_turns_every_switch_off) {
     EXPECT_THAT(switches(), ElementsAre(false, false, false, false, false, false));
 }
 
-TEST_F(ContentViewStoppingTest, a_startup_sound_that_is_off_already_is_left_without_a_notice) {
+TEST_F(ContentViewStoppingTest, AStartupSoundThatIsOffAlreadyIsLeftWithoutANotice) {
     makeReturningView();
     startup.startupSoundEnabled() = false;
     int notices = 0;
@@ -101,8 +100,7 @@ TEST_F(ContentViewStoppingTest, a_startup_sound_that_is_off_already_is_left_with
     EXPECT_EQ(notices, 0);
 }
 
-TEST_F(ContentViewStoppingTest,
-       the_stop_button_leaves_the_sensor_running_and_disappearing_ends_it) {
+TEST_F(ContentViewStoppingTest, TheStopButtonLeavesTheSensorRunningAndDisappearingEndsIt) {
     addLid(100);
     makeReturningView().enterSufferingMode();
     view->leaveSufferingMode();
@@ -111,7 +109,7 @@ TEST_F(ContentViewStoppingTest,
     EXPECT_FALSE(view->sensor().isRunning());
 }
 
-TEST_F(ContentViewStoppingTest, disappearing_stops_everything_and_then_the_sensor) {
+TEST_F(ContentViewStoppingTest, DisappearingStopsEverythingAndThenTheSensor) {
     addLid(100);
     makeReturningView().enterSufferingMode();
     view->setHingeCreak(true);
@@ -123,7 +121,7 @@ TEST_F(ContentViewStoppingTest, disappearing_stops_everything_and_then_the_senso
     EXPECT_THAT(calls, ElementsAre("keyboard stop", "fan stop", "bsod stop", "freeze stop"));
 }
 
-TEST_F(ContentViewStoppingTest, its_destruction_leaves_only_particle_timers_that_do_nothing) {
+TEST_F(ContentViewStoppingTest, ItsDestructionLeavesOnlyParticleTimersThatDoNothing) {
     makeReturningView().enterSufferingMode();
     view->setHingeCreak(true);
     view->runHardwareCheck();

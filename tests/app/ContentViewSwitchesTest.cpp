@@ -10,8 +10,7 @@ using ContentViewSwitchesTest = ContentViewFixture;
 
 // The creak's switch.
 
-TEST_F(ContentViewSwitchesTest,
-       the_velocity_feed_runs_sixty_times_a_second_only_while_the_switch_is_on) {
+TEST_F(ContentViewSwitchesTest, TheVelocityFeedRunsSixtyTimesASecondOnlyWhileTheSwitchIsOn) {
     makeReturningView().enterSufferingMode();
     const auto idle = machine.runLoop.pendingCount();
     row("Build quality").setOn(true);
@@ -24,7 +23,7 @@ TEST_F(ContentViewSwitchesTest,
     EXPECT_EQ(machine.runLoop.pendingCount(), idle);
 }
 
-TEST_F(ContentViewSwitchesTest, a_moving_lid_creaks_while_the_switch_is_on) {
+TEST_F(ContentViewSwitchesTest, AMovingLidCreaksWhileTheSwitchIsOn) {
     addLid(100);
     const double start = machine.runLoop.currentMediaTime();
     lid->setAngle(
@@ -45,7 +44,7 @@ TEST_F(ContentViewSwitchesTest, a_moving_lid_creaks_while_the_switch_is_on) {
     EXPECT_NEAR(sounds[0].stopTime, start + 2.2, 2.0 / 30 + 1.0 / 60);
 }
 
-TEST_F(ContentViewSwitchesTest, a_moving_lid_is_silent_while_the_switch_is_off) {
+TEST_F(ContentViewSwitchesTest, AMovingLidIsSilentWhileTheSwitchIsOff) {
     addLid(100);
     const double start = machine.runLoop.currentMediaTime();
     lid->setAngle([start](double time) { return 100 + 20 * (time - start); });
@@ -55,7 +54,7 @@ TEST_F(ContentViewSwitchesTest, a_moving_lid_is_silent_while_the_switch_is_off) 
     EXPECT_THAT(machine.audio.timeline(), IsEmpty());
 }
 
-TEST_F(ContentViewSwitchesTest, without_a_sensor_waking_screens_creak_for_the_length_of_the_burst) {
+TEST_F(ContentViewSwitchesTest, WithoutASensorWakingScreensCreakForTheLengthOfTheBurst) {
     machine.audio.addFile(creakPath, {.sampleRate = 1000, .channels = 1},
                           std::vector<float>(4000, 0.5F));
     makeReturningView().enterSufferingMode();
@@ -67,7 +66,7 @@ TEST_F(ContentViewSwitchesTest, without_a_sensor_waking_screens_creak_for_the_le
     EXPECT_NEAR(sounds[0].stopTime - sounds[0].startTime, 3.05, 1.0 / 60 + 1e-9);
 }
 
-TEST_F(ContentViewSwitchesTest, switching_the_creak_off_silences_it_at_once_and_rewinds) {
+TEST_F(ContentViewSwitchesTest, SwitchingTheCreakOffSilencesItAtOnceAndRewinds) {
     makeReturningView().enterSufferingMode();
     view->setHingeCreak(true);
     machine.workspace.post("NSWorkspaceScreensDidWakeNotification");
@@ -80,7 +79,7 @@ TEST_F(ContentViewSwitchesTest, switching_the_creak_off_silences_it_at_once_and_
     EXPECT_EQ(machine.audio.timeline().back().offset, 0);
 }
 
-TEST_F(ContentViewSwitchesTest, creak_on_off_on_leaves_exactly_one_live_velocity_timer) {
+TEST_F(ContentViewSwitchesTest, CreakOnOffOnLeavesExactlyOneLiveVelocityTimer) {
     makeReturningView();
     const auto idle = machine.runLoop.pendingCount();
     view->setHingeCreak(true);
@@ -89,7 +88,7 @@ TEST_F(ContentViewSwitchesTest, creak_on_off_on_leaves_exactly_one_live_velocity
     EXPECT_EQ(machine.runLoop.pendingCount(), idle + 1);
 }
 
-TEST_F(ContentViewSwitchesTest, creak_on_twice_leaves_the_earlier_timer_firing_even_after_off) {
+TEST_F(ContentViewSwitchesTest, CreakOnTwiceLeavesTheEarlierTimerFiringEvenAfterOff) {
     makeReturningView().enterSufferingMode();
     const auto idle = machine.runLoop.pendingCount();
     view->setHingeCreak(true);
@@ -104,8 +103,7 @@ TEST_F(ContentViewSwitchesTest, creak_on_twice_leaves_the_earlier_timer_firing_e
 
 // The other switches.
 
-TEST_F(ContentViewSwitchesTest,
-       the_other_switches_start_and_stop_their_effect_and_show_its_own_flag) {
+TEST_F(ContentViewSwitchesTest, TheOtherSwitchesStartAndStopTheirEffectAndShowItsOwnFlag) {
     makeReturningView();
     for (const auto& [label, name] : {std::pair{"Keyboard", "keyboard"},
                                       {"Thermals", "fan"},
@@ -121,14 +119,14 @@ TEST_F(ContentViewSwitchesTest,
     }
 }
 
-TEST_F(ContentViewSwitchesTest, a_switch_stays_off_when_its_effect_cannot_run) {
+TEST_F(ContentViewSwitchesTest, ASwitchStaysOffWhenItsEffectCannotRun) {
     makeReturningView();
     keyboard->canStart = false;
     row("Keyboard").setOn(true);
     EXPECT_FALSE(row("Keyboard").isOn->get());
 }
 
-TEST_F(ContentViewSwitchesTest, the_keyboard_row_tells_why_it_stays_off_without_permission) {
+TEST_F(ContentViewSwitchesTest, TheKeyboardRowTellsWhyItStaysOffWithoutPermission) {
     makeReturningView();
     EXPECT_EQ(row("Keyboard").hint->get(), "");
     keyboard->canStart = false;
@@ -139,7 +137,7 @@ TEST_F(ContentViewSwitchesTest, the_keyboard_row_tells_why_it_stays_off_without_
     EXPECT_EQ(row("Keyboard").hint->get(), "");
 }
 
-TEST_F(ContentViewSwitchesTest, the_keyboard_rows_reason_goes_when_permission_comes_after_all) {
+TEST_F(ContentViewSwitchesTest, TheKeyboardRowsReasonGoesWhenPermissionComesAfterAll) {
     makeReturningView();
     keyboard->canStart = false;
     row("Keyboard").setOn(true);
@@ -148,7 +146,7 @@ TEST_F(ContentViewSwitchesTest, the_keyboard_rows_reason_goes_when_permission_co
     EXPECT_EQ(row("Keyboard").hint->get(), "");
 }
 
-TEST_F(ContentViewSwitchesTest, the_keyboard_row_gives_no_reason_that_is_not_the_reason) {
+TEST_F(ContentViewSwitchesTest, TheKeyboardRowGivesNoReasonThatIsNotTheReason) {
     makeReturningView();
     machine.system.trusted = true;
     keyboard->canStart = false;
@@ -156,7 +154,7 @@ TEST_F(ContentViewSwitchesTest, the_keyboard_row_gives_no_reason_that_is_not_the
     EXPECT_EQ(row("Keyboard").hint->get(), "");
 }
 
-TEST_F(ContentViewSwitchesTest, a_keyboard_that_runs_has_nothing_to_explain) {
+TEST_F(ContentViewSwitchesTest, AKeyboardThatRunsHasNothingToExplain) {
     makeReturningView();
     machine.system.trusted = false;
     row("Keyboard").setOn(true);
@@ -164,7 +162,7 @@ TEST_F(ContentViewSwitchesTest, a_keyboard_that_runs_has_nothing_to_explain) {
     EXPECT_EQ(row("Keyboard").hint->get(), "");
 }
 
-TEST_F(ContentViewSwitchesTest, only_the_keyboards_row_can_explain_itself) {
+TEST_F(ContentViewSwitchesTest, OnlyTheKeyboardsRowCanExplainItself) {
     makeReturningView();
     std::vector<bool> hints;
     for (const ToggleRow& each : view->toggleRows())
@@ -172,7 +170,7 @@ TEST_F(ContentViewSwitchesTest, only_the_keyboards_row_can_explain_itself) {
     EXPECT_THAT(hints, ElementsAre(false, true, false, false, false, false));
 }
 
-TEST_F(ContentViewSwitchesTest, the_stop_button_takes_the_keyboard_rows_reason_away) {
+TEST_F(ContentViewSwitchesTest, TheStopButtonTakesTheKeyboardRowsReasonAway) {
     makeReturningView();
     keyboard->canStart = false;
     row("Keyboard").setOn(true);
@@ -180,7 +178,7 @@ TEST_F(ContentViewSwitchesTest, the_stop_button_takes_the_keyboard_rows_reason_a
     EXPECT_EQ(row("Keyboard").hint->get(), "");
 }
 
-TEST_F(ContentViewSwitchesTest, the_freeze_switch_written_true_while_active_only_calls_start) {
+TEST_F(ContentViewSwitchesTest, TheFreezeSwitchWrittenTrueWhileActiveOnlyCallsStart) {
     makeReturningView();
     row("Performance").setOn(true);
     int notices = 0;
@@ -190,7 +188,7 @@ TEST_F(ContentViewSwitchesTest, the_freeze_switch_written_true_while_active_only
     EXPECT_EQ(notices, 0);
 }
 
-TEST_F(ContentViewSwitchesTest, the_startup_switch_is_the_startup_experiences_own_flag) {
+TEST_F(ContentViewSwitchesTest, TheStartupSwitchIsTheStartupExperiencesOwnFlag) {
     makeReturningView();
     row("Startup").setOn(false);
     EXPECT_FALSE(startup.startupSoundEnabled());

@@ -13,7 +13,7 @@ using ContentViewTest = ContentViewFixture;
 
 // Construction.
 
-TEST_F(ContentViewTest, starts_with_everything_off_but_the_startup_experience) {
+TEST_F(ContentViewTest, StartsWithEverythingOffButTheStartupExperience) {
     makeView();
     EXPECT_FALSE(view->audioEnabled());
     EXPECT_FALSE(view->sufferingMode());
@@ -29,7 +29,7 @@ TEST_F(ContentViewTest, starts_with_everything_off_but_the_startup_experience) {
     EXPECT_THAT(switches(), ElementsAre(false, false, false, false, false, true));
 }
 
-TEST_F(ContentViewTest, makes_the_effects_in_their_order_and_starts_none) {
+TEST_F(ContentViewTest, MakesTheEffectsInTheirOrderAndStartsNone) {
     makeView();
     EXPECT_THAT(created, ElementsAre("keyboard", "fan", "bsod", "freeze"));
     EXPECT_THAT(calls, IsEmpty());
@@ -38,7 +38,7 @@ TEST_F(ContentViewTest, makes_the_effects_in_their_order_and_starts_none) {
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
 }
 
-TEST_F(ContentViewTest, rows_of_effects_that_do_not_exist_are_not_there) {
+TEST_F(ContentViewTest, RowsOfEffectsThatDoNotExistAreNotThere) {
     ContentView alone(machine.platform(), nullptr, {});
     ASSERT_EQ(alone.toggleRows().size(), 1U);
     EXPECT_EQ(alone.toggleRows()[0].text.label, "Build quality");
@@ -48,7 +48,7 @@ TEST_F(ContentViewTest, rows_of_effects_that_do_not_exist_are_not_there) {
     EXPECT_FALSE(alone.sufferingMode());
 }
 
-TEST_F(ContentViewTest, the_sensor_and_the_creak_come_first_then_the_effects_then_the_particles) {
+TEST_F(ContentViewTest, TheSensorAndTheCreakComeFirstThenTheEffectsThenTheParticles) {
     std::vector<std::pair<std::size_t, std::size_t>> nodesAndDraws;
     const auto note = [&] {
         nodesAndDraws.emplace_back(machine.audio.nodeCount(), machine.random.bounds().size());
@@ -64,7 +64,7 @@ TEST_F(ContentViewTest, the_sensor_and_the_creak_come_first_then_the_effects_the
 
 // Screens.
 
-TEST_F(ContentViewTest, a_first_launch_shows_the_hardware_check_and_every_later_one_the_warning) {
+TEST_F(ContentViewTest, AFirstLaunchShowsTheHardwareCheckAndEveryLaterOneTheWarning) {
     EXPECT_EQ(makeView().screen(), Screen::HardwareCheck);
     view->confirmHardwareCheck();
     EXPECT_EQ(view->screen(), Screen::Warning);
@@ -72,13 +72,13 @@ TEST_F(ContentViewTest, a_first_launch_shows_the_hardware_check_and_every_later_
     EXPECT_EQ(makeView().screen(), Screen::Warning);
 }
 
-TEST_F(ContentViewTest, suffering_is_not_remembered) {
+TEST_F(ContentViewTest, SufferingIsNotRemembered) {
     makeReturningView().enterSufferingMode();
     EXPECT_EQ(view->screen(), Screen::ControlPanel);
     EXPECT_EQ(makeReturningView().screen(), Screen::Warning);
 }
 
-TEST_F(ContentViewTest, the_three_buttons_change_the_screen_with_a_spring) {
+TEST_F(ContentViewTest, TheThreeButtonsChangeTheScreenWithASpring) {
     const Animation spring{
         .curve = Animation::Curve::Spring, .response = 0.4, .dampingFraction = 0.825};
     makeView().confirmHardwareCheck();
@@ -89,7 +89,7 @@ TEST_F(ContentViewTest, the_three_buttons_change_the_screen_with_a_spring) {
     EXPECT_EQ(view->screenAnimation(), spring);
 }
 
-TEST_F(ContentViewTest, the_screen_knows_how_it_is_to_change_when_it_does) {
+TEST_F(ContentViewTest, TheScreenKnowsHowItIsToChangeWhenItDoes) {
     makeView();
     std::vector<Animation::Curve> curves;
     const auto changed =
@@ -102,7 +102,7 @@ TEST_F(ContentViewTest, the_screen_knows_how_it_is_to_change_when_it_does) {
     EXPECT_THAT(curves, ElementsAre(Curve::Spring, Curve::Spring, Curve::None, Curve::None));
 }
 
-TEST_F(ContentViewTest, the_panel_is_entered_before_the_sensor_starts) {
+TEST_F(ContentViewTest, ThePanelIsEnteredBeforeTheSensorStarts) {
     addLid(100);
     makeReturningView();
     std::vector<std::string> order;
@@ -113,7 +113,7 @@ TEST_F(ContentViewTest, the_panel_is_entered_before_the_sensor_starts) {
     EXPECT_THAT(order, ElementsAre("suffering", "screen", "sensor"));
 }
 
-TEST_F(ContentViewTest, entering_starts_the_sensor_and_no_effect) {
+TEST_F(ContentViewTest, EnteringStartsTheSensorAndNoEffect) {
     addLid(100);
     makeReturningView().enterSufferingMode();
     EXPECT_TRUE(view->sensor().isRunning());
@@ -123,16 +123,14 @@ TEST_F(ContentViewTest, entering_starts_the_sensor_and_no_effect) {
 
 // Appearing.
 
-TEST_F(ContentViewTest,
-       on_its_first_appearance_it_loads_the_creak_and_probes_only_for_a_known_person) {
+TEST_F(ContentViewTest, OnItsFirstAppearanceItLoadsTheCreakAndProbesOnlyForAKnownPerson) {
     makeView().onAppear();
     EXPECT_THAT(machine.console.lines, ElementsAre("✅ Φορτώθηκε: creaking.mp3 (2.0s)"));
     EXPECT_THAT(machine.hid.calls(), IsEmpty());
     EXPECT_FALSE(view->sensor().sensorFound());
 }
 
-TEST_F(ContentViewTest,
-       a_returning_persons_sensor_is_found_on_appearing_after_the_creak_is_loaded) {
+TEST_F(ContentViewTest, AReturningPersonsSensorIsFoundOnAppearingAfterTheCreakIsLoaded) {
     addLid(100);
     makeReturningView();
     EXPECT_THAT(machine.console.lines,
@@ -141,7 +139,7 @@ TEST_F(ContentViewTest,
     EXPECT_FALSE(view->sensor().isRunning());
 }
 
-TEST_F(ContentViewTest, appearing_starts_the_animations) {
+TEST_F(ContentViewTest, AppearingStartsTheAnimations) {
     makeReturningView();
     using Curve = Animation::Curve;
     EXPECT_EQ(view->textScale().get(),
@@ -159,8 +157,7 @@ TEST_F(ContentViewTest, appearing_starts_the_animations) {
                                                                      .autoreverses = true}}));
 }
 
-TEST_F(ContentViewTest,
-       appearing_loads_animates_lets_the_particles_drift_and_probes_in_that_order) {
+TEST_F(ContentViewTest, AppearingLoadsAnimatesLetsTheParticlesDriftAndProbesInThatOrder) {
     addLid(100);
     machine.userDefaults.setBool("hardwareChecked", true);
     makeView();
@@ -179,7 +176,7 @@ TEST_F(ContentViewTest,
     EXPECT_THAT(order, ElementsAre("loaded", "scale", "rotation", "glow", "found, drifting"));
 }
 
-TEST_F(ContentViewTest, the_particles_move_twenty_times_a_second_on_every_screen) {
+TEST_F(ContentViewTest, TheParticlesMoveTwentyTimesASecondOnEveryScreen) {
     makeView();
     int steps = 0;
     const auto moved = view->floatingEmojisMoved().observe([&] { ++steps; });
@@ -195,7 +192,7 @@ TEST_F(ContentViewTest, the_particles_move_twenty_times_a_second_on_every_screen
     EXPECT_EQ(steps, 40) << "nothing in the view ever stops them";
 }
 
-TEST_F(ContentViewTest, every_particle_has_moved_by_a_twentieth_of_its_speeds_when_it_is_told) {
+TEST_F(ContentViewTest, EveryParticleHasMovedByATwentiethOfItsSpeedsWhenItIsTold) {
     makeView();
     const auto before = view->floatingEmojis();
     ASSERT_EQ(before.size(), 12U);
@@ -219,7 +216,7 @@ TEST_F(ContentViewTest, every_particle_has_moved_by_a_twentieth_of_its_speeds_wh
     EXPECT_EQ(told, 1);
 }
 
-TEST_F(ContentViewTest, a_second_appearance_adds_a_second_particle_timer) {
+TEST_F(ContentViewTest, ASecondAppearanceAddsASecondParticleTimer) {
     makeView().onAppear();
     view->onAppear();
     int steps = 0;

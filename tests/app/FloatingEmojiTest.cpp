@@ -14,7 +14,7 @@ constexpr std::uint64_t lowest = 0;
 constexpr std::uint64_t highest = 9007199254740992;
 constexpr std::uint64_t middle = 4503599627370496;
 
-TEST(FloatingEmoji, draws_each_value_uniformly_in_the_order_of_the_fields) {
+TEST(FloatingEmoji, DrawsEachValueUniformlyInTheOrderOfTheFields) {
     SimulatedRandom random;
     random.script({11, 12, lowest, highest, middle, lowest, highest, middle});
     const auto emojis = FloatingEmoji::generate(1, random);
@@ -31,7 +31,7 @@ TEST(FloatingEmoji, draws_each_value_uniformly_in_the_order_of_the_fields) {
                                                       highest, highest, highest));
 }
 
-TEST(FloatingEmoji, reaches_both_ends_of_every_range) {
+TEST(FloatingEmoji, ReachesBothEndsOfEveryRange) {
     SimulatedRandom random;
     random.script({0, 0, lowest, lowest, lowest, lowest, lowest, lowest});
     random.script({1, 1, highest, highest, highest, highest, highest, highest});
@@ -47,17 +47,17 @@ TEST(FloatingEmoji, cries) {
     EXPECT_STREQ(FloatingEmoji::glyph, "😭");
 }
 
-TEST(FloatingEmoji, none_at_all_is_an_empty_list) {
+TEST(FloatingEmoji, NoneAtAllIsAnEmptyList) {
     SimulatedRandom random;
     EXPECT_TRUE(FloatingEmoji::generate(0, random).empty());
 }
 
-TEST(FloatingEmojiDeathTest, a_negative_count_ends_the_program) {
+TEST(FloatingEmojiDeathTest, ANegativeCountEndsTheProgram) {
     SimulatedRandom random;
     EXPECT_DEATH((void)FloatingEmoji::generate(-1, random), "");
 }
 
-TEST(FloatingEmoji, identities_differ) {
+TEST(FloatingEmoji, IdentitiesDiffer) {
     SimulatedRandom random;
     std::set<std::pair<std::uint64_t, std::uint64_t>> ids;
     for (const auto& emoji : FloatingEmoji::generate(12, random))
@@ -65,7 +65,7 @@ TEST(FloatingEmoji, identities_differ) {
     EXPECT_EQ(ids.size(), 12U);
 }
 
-TEST(FloatingEmoji, a_step_is_a_twentieth_of_its_speeds) {
+TEST(FloatingEmoji, AStepIsATwentiethOfItsSpeeds) {
     SimulatedRandom random;
     FloatingEmoji emoji{
         .id = {}, .x = 100, .y = 300, .size = 50, .opacity = 0.1, .speed = 20, .drift = -30};
@@ -75,7 +75,7 @@ TEST(FloatingEmoji, a_step_is_a_twentieth_of_its_speeds) {
     EXPECT_TRUE(random.bounds().empty());
 }
 
-TEST(FloatingEmoji, exactly_at_the_top_edge_it_stays_and_beyond_it_enters_anew) {
+TEST(FloatingEmoji, ExactlyAtTheTopEdgeItStaysAndBeyondItEntersAnew) {
     SimulatedRandom random;
     random.script({highest, lowest, highest, middle});
     FloatingEmoji emoji{
@@ -91,7 +91,7 @@ TEST(FloatingEmoji, exactly_at_the_top_edge_it_stays_and_beyond_it_enters_anew) 
     EXPECT_EQ(emoji, respawned) << "drawn in the order x, drift, speed, opacity";
 }
 
-TEST(FloatingEmoji, drifts_beyond_either_side_and_stays_there_until_it_enters_again) {
+TEST(FloatingEmoji, DriftsBeyondEitherSideAndStaysThereUntilItEntersAgain) {
     SimulatedRandom random;
     FloatingEmoji emoji{
         .id = {}, .x = 1, .y = 300, .size = 50, .opacity = 0.1, .speed = 20, .drift = -30};

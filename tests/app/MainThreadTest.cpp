@@ -43,7 +43,7 @@ private:
         Class::create(exchange(m_machine.platform(), {.runLoop = &m_runLoop}));
 };
 
-TEST(MainThread, what_is_let_go_elsewhere_is_destroyed_from_the_main_queue) {
+TEST(MainThread, WhatIsLetGoElsewhereIsDestroyedFromTheMainQueue) {
     EXPECT_EQ(Owner<LidAngleSensor>().letGoElsewhere(), 1);
     EXPECT_EQ(Owner<AudioManager>().letGoElsewhere(), 1);
     EXPECT_EQ(Owner<KeyboardCrackManager>().letGoElsewhere(), 1);
@@ -53,7 +53,7 @@ TEST(MainThread, what_is_let_go_elsewhere_is_destroyed_from_the_main_queue) {
     EXPECT_EQ(Owner<StartupSoundManager>().letGoElsewhere(), 1);
 }
 
-TEST(MainThreadDeathTest, a_destructor_anywhere_else_ends_the_program_and_names_the_class) {
+TEST(MainThreadDeathTest, ADestructorAnywhereElseEndsTheProgramAndNamesTheClass) {
     EXPECT_DEATH(Owner<LidAngleSensor>().letGoWithDoubts(), "LidAngleSensor must be destroyed");
     EXPECT_DEATH(Owner<AudioManager>().letGoWithDoubts(), "AudioManager must be destroyed");
     EXPECT_DEATH(Owner<KeyboardCrackManager>().letGoWithDoubts(),

@@ -9,7 +9,7 @@ using testing::SizeIs;
 
 using OrrowinAppSwitchesTest = OrrowinAppFixture;
 
-TEST_F(OrrowinAppSwitchesTest, build_quality_creaks_while_the_lid_moves) {
+TEST_F(OrrowinAppSwitchesTest, BuildQualityCreaksWhileTheLidMoves) {
     enterPanel();
     turn("Build quality", true);
     EXPECT_EQ(machine.runLoop.pendingCount(), idle + 1);
@@ -20,7 +20,7 @@ TEST_F(OrrowinAppSwitchesTest, build_quality_creaks_while_the_lid_moves) {
     EXPECT_THAT(sounding(), IsEmpty());
 }
 
-TEST_F(OrrowinAppSwitchesTest, keyboard_cracks_at_a_key) {
+TEST_F(OrrowinAppSwitchesTest, KeyboardCracksAtAKey) {
     enterPanel();
     press();
     EXPECT_THAT(sounding(), IsEmpty());
@@ -31,7 +31,7 @@ TEST_F(OrrowinAppSwitchesTest, keyboard_cracks_at_a_key) {
     EXPECT_EQ(machine.eventTaps.openCount(), 0U);
 }
 
-TEST_F(OrrowinAppSwitchesTest, thermals_roars_and_buzzes) {
+TEST_F(OrrowinAppSwitchesTest, ThermalsRoarsAndBuzzes) {
     enterPanel();
     turn("Thermals", true);
     machine.runLoop.advance(60);
@@ -43,7 +43,7 @@ TEST_F(OrrowinAppSwitchesTest, thermals_roars_and_buzzes) {
     EXPECT_THAT(machine.haptics.pulses(), SizeIs(2400));
 }
 
-TEST_F(OrrowinAppSwitchesTest, stability_shows_a_stop_screen_every_fifteen_seconds_for_five) {
+TEST_F(OrrowinAppSwitchesTest, StabilityShowsAStopScreenEveryFifteenSecondsForFive) {
     enterPanel();
     turn("Stability", true);
     machine.runLoop.advance(14.99);
@@ -57,7 +57,7 @@ TEST_F(OrrowinAppSwitchesTest, stability_shows_a_stop_screen_every_fifteen_secon
     }
 }
 
-TEST_F(OrrowinAppSwitchesTest, performance_freezes_within_forty_seconds_for_at_most_four) {
+TEST_F(OrrowinAppSwitchesTest, PerformanceFreezesWithinFortySecondsForAtMostFour) {
     enterPanel();
     turn("Performance", true);
     machine.runLoop.advance(19.99);
@@ -69,14 +69,14 @@ TEST_F(OrrowinAppSwitchesTest, performance_freezes_within_forty_seconds_for_at_m
     EXPECT_EQ(machine.screens.panels()[0]->calls.back(), "out");
 }
 
-TEST_F(OrrowinAppSwitchesTest, performance_switched_on_twice_is_one_chain_of_freezes) {
+TEST_F(OrrowinAppSwitchesTest, PerformanceSwitchedOnTwiceIsOneChainOfFreezes) {
     enterPanel();
     turn("Performance", true);
     turn("Performance", true);
     EXPECT_EQ(machine.runLoop.pendingCount(), idle + 1);
 }
 
-TEST_F(OrrowinAppSwitchesTest, performance_switched_off_and_on_in_a_freeze_is_two_chains) {
+TEST_F(OrrowinAppSwitchesTest, PerformanceSwitchedOffAndOnInAFreezeIsTwoChains) {
     enterPanel();
     turn("Performance", true);
     for (int i = 0; i < 81 && panels().empty(); ++i)
@@ -97,7 +97,7 @@ TEST_F(OrrowinAppSwitchesTest, performance_switched_off_and_on_in_a_freeze_is_tw
     EXPECT_EQ(machine.runLoop.pendingCount(), idle);
 }
 
-TEST_F(OrrowinAppSwitchesTest, startup_decides_whether_a_wake_up_is_heard) {
+TEST_F(OrrowinAppSwitchesTest, StartupDecidesWhetherAWakeUpIsHeard) {
     enterPanel();
     turn("Startup", false);
     wakeUp();

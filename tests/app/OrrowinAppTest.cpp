@@ -11,13 +11,13 @@ using Screen = ContentView::Screen;
 
 using OrrowinAppTest = OrrowinAppFixture;
 
-TEST_F(OrrowinAppTest, the_window_has_its_title_and_its_size) {
+TEST_F(OrrowinAppTest, TheWindowHasItsTitleAndItsSize) {
     EXPECT_EQ(OrrowinApp::windowTitle, "Quorvane");
     EXPECT_EQ(OrrowinApp::windowWidth, 550);
     EXPECT_EQ(OrrowinApp::windowHeight, 780);
 }
 
-TEST_F(OrrowinAppTest, the_startup_experience_is_live_before_there_is_a_window) {
+TEST_F(OrrowinAppTest, TheStartupExperienceIsLiveBeforeThereIsAWindow) {
     app.emplace(machine.platform());
     EXPECT_THAT(machine.console.lines,
                 ElementsAre("✅ [STARTUP] tractor.mp3 loaded",
@@ -26,7 +26,7 @@ TEST_F(OrrowinAppTest, the_startup_experience_is_live_before_there_is_a_window) 
     EXPECT_THAT(sounding(), ElementsAre("tractor", "node"));
 }
 
-TEST_F(OrrowinAppTest, the_window_makes_its_effects_in_their_order) {
+TEST_F(OrrowinAppTest, TheWindowMakesItsEffectsInTheirOrder) {
     app.emplace(machine.platform());
     machine.console.lines.clear();
     view = app->makeContentView();
@@ -37,7 +37,7 @@ TEST_F(OrrowinAppTest, the_window_makes_its_effects_in_their_order) {
     EXPECT_THAT(switches(), ElementsAre(false, false, false, false, false, true));
 }
 
-TEST_F(OrrowinAppTest, a_first_launch_leads_through_the_check_and_the_warning_to_the_panel) {
+TEST_F(OrrowinAppTest, AFirstLaunchLeadsThroughTheCheckAndTheWarningToThePanel) {
     app.emplace(machine.platform());
     view = app->makeContentView();
     view->onAppear();
@@ -55,7 +55,7 @@ TEST_F(OrrowinAppTest, a_first_launch_leads_through_the_check_and_the_warning_to
 
 // All of it.
 
-TEST_F(OrrowinAppTest, the_stop_button_ends_everything_at_once) {
+TEST_F(OrrowinAppTest, TheStopButtonEndsEverythingAtOnce) {
     enterPanel();
     for (const ToggleRow& row : view->toggleRows())
         row.setOn(true);
@@ -87,7 +87,7 @@ TEST_F(OrrowinAppTest, the_stop_button_ends_everything_at_once) {
     EXPECT_THAT(sounding(), IsEmpty());
 }
 
-TEST_F(OrrowinAppTest, the_stop_button_leaves_a_startup_sequence_to_its_end) {
+TEST_F(OrrowinAppTest, TheStopButtonLeavesAStartupSequenceToItsEnd) {
     enterPanel();
     wakeUp();
     machine.runLoop.advance(1);
@@ -98,7 +98,7 @@ TEST_F(OrrowinAppTest, the_stop_button_leaves_a_startup_sequence_to_its_end) {
     EXPECT_EQ(machine.console.lines.back(), "🚜 [STARTUP] Sequence complete");
 }
 
-TEST_F(OrrowinAppTest, closing_the_window_and_the_program_leaves_nothing_behind) {
+TEST_F(OrrowinAppTest, ClosingTheWindowAndTheProgramLeavesNothingBehind) {
     enterPanel();
     for (const ToggleRow& row : view->toggleRows())
         row.setOn(true);

@@ -25,7 +25,7 @@ private:
     bool& m_destroyed;
 };
 
-TEST(MainThreadOwned, the_last_reference_on_the_main_thread_destroys_at_once) {
+TEST(MainThreadOwned, TheLastReferenceOnTheMainThreadDestroysAtOnce) {
     SimulatedRunLoop runLoop;
     bool destroyed = false;
     auto owned = makeMainThreadOwned(runLoop, std::make_unique<Owned>(runLoop, destroyed));
@@ -33,7 +33,7 @@ TEST(MainThreadOwned, the_last_reference_on_the_main_thread_destroys_at_once) {
     EXPECT_TRUE(destroyed);
 }
 
-TEST(MainThreadOwned, the_last_reference_on_another_thread_hops_to_the_main_thread) {
+TEST(MainThreadOwned, TheLastReferenceOnAnotherThreadHopsToTheMainThread) {
     SimulatedRunLoop runLoop;
     bool destroyed = false;
     auto owned = makeMainThreadOwned(runLoop, std::make_unique<Owned>(runLoop, destroyed));
@@ -43,7 +43,7 @@ TEST(MainThreadOwned, the_last_reference_on_another_thread_hops_to_the_main_thre
     EXPECT_TRUE(destroyed);
 }
 
-TEST(MainThreadOwnedDeathTest, destruction_on_another_thread_names_the_class) {
+TEST(MainThreadOwnedDeathTest, DestructionOnAnotherThreadNamesTheClass) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_DEATH(
         {

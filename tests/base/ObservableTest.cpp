@@ -8,7 +8,7 @@
 namespace quorvane {
 namespace {
 
-TEST(Observable, tells_of_a_change) {
+TEST(Observable, TellsOfAChange) {
     Observable<int> value{1};
     int notices = 0;
     const auto subscription = value.observe([&] { ++notices; });
@@ -17,7 +17,7 @@ TEST(Observable, tells_of_a_change) {
     EXPECT_EQ(notices, 1);
 }
 
-TEST(Observable, a_write_of_the_same_value_notifies_nobody) {
+TEST(Observable, AWriteOfTheSameValueNotifiesNobody) {
     Observable<double> value{0.5};
     int notices = 0;
     const auto subscription = value.observe([&] { ++notices; });
@@ -25,7 +25,7 @@ TEST(Observable, a_write_of_the_same_value_notifies_nobody) {
     EXPECT_EQ(notices, 0);
 }
 
-TEST(Observable, can_be_made_to_notify_without_a_change) {
+TEST(Observable, CanBeMadeToNotifyWithoutAChange) {
     Observable<double> value{0.5};
     int notices = 0;
     const auto subscription = value.observe([&] { ++notices; });
@@ -33,7 +33,7 @@ TEST(Observable, can_be_made_to_notify_without_a_change) {
     EXPECT_EQ(notices, 1);
 }
 
-TEST(Observable, holds_the_new_value_when_it_tells) {
+TEST(Observable, HoldsTheNewValueWhenItTells) {
     Observable<int> value{1};
     int seen = 0;
     const auto subscription = value.observe([&] { seen = value; });
@@ -41,7 +41,7 @@ TEST(Observable, holds_the_new_value_when_it_tells) {
     EXPECT_EQ(seen, 7);
 }
 
-TEST(Observable, tells_observers_in_the_order_of_registration) {
+TEST(Observable, TellsObserversInTheOrderOfRegistration) {
     Observable<int> value;
     std::vector<int> order;
     const auto first = value.observe([&] { order.push_back(1); });
@@ -50,7 +50,7 @@ TEST(Observable, tells_observers_in_the_order_of_registration) {
     EXPECT_EQ(order, (std::vector{1, 2}));
 }
 
-TEST(Observable, a_dropped_subscription_hears_nothing) {
+TEST(Observable, ADroppedSubscriptionHearsNothing) {
     Observable<int> value;
     int notices = 0;
     {
@@ -60,7 +60,7 @@ TEST(Observable, a_dropped_subscription_hears_nothing) {
     EXPECT_EQ(notices, 0);
 }
 
-TEST(Observable, an_observer_may_cancel_itself_while_it_is_told) {
+TEST(Observable, AnObserverMayCancelItselfWhileItIsTold) {
     Observable<int> value;
     int notices = 0;
     Subscription subscription;
@@ -75,7 +75,7 @@ TEST(Observable, an_observer_may_cancel_itself_while_it_is_told) {
     EXPECT_EQ(guard.use_count(), 1) << "a cancelled observer must let go of what it captured";
 }
 
-TEST(Observable, an_observer_that_another_one_cancels_is_not_told) {
+TEST(Observable, AnObserverThatAnotherOneCancelsIsNotTold) {
     Observable<int> value;
     int notices = 0;
     Subscription second;
@@ -85,7 +85,7 @@ TEST(Observable, an_observer_that_another_one_cancels_is_not_told) {
     EXPECT_EQ(notices, 0);
 }
 
-TEST(Observable, an_observer_that_is_added_while_telling_hears_the_next_change) {
+TEST(Observable, AnObserverThatIsAddedWhileTellingHearsTheNextChange) {
     Observable<int> value;
     int notices = 0;
     Subscription late;
@@ -99,14 +99,14 @@ TEST(Observable, an_observer_that_is_added_while_telling_hears_the_next_change) 
     EXPECT_EQ(notices, 1);
 }
 
-TEST(Observable, a_subscription_may_outlive_it) {
+TEST(Observable, ASubscriptionMayOutliveIt) {
     auto value = std::make_unique<Observable<int>>();
     Subscription subscription = value->observe([] {});
     value.reset();
     subscription.cancel();
 }
 
-TEST(Observable, a_moved_subscription_still_counts_and_the_old_handle_does_not) {
+TEST(Observable, AMovedSubscriptionStillCountsAndTheOldHandleDoesNot) {
     Observable<int> value;
     int notices = 0;
     std::optional<Subscription> first = value.observe([&] { ++notices; });
@@ -116,7 +116,7 @@ TEST(Observable, a_moved_subscription_still_counts_and_the_old_handle_does_not) 
     EXPECT_EQ(notices, 1);
 }
 
-TEST(Observable, a_subscription_that_is_assigned_over_ends) {
+TEST(Observable, ASubscriptionThatIsAssignedOverEnds) {
     Observable<int> value;
     int first = 0;
     int second = 0;
@@ -127,7 +127,7 @@ TEST(Observable, a_subscription_that_is_assigned_over_ends) {
     EXPECT_EQ(second, 1);
 }
 
-TEST(Observable, a_cancelled_observer_is_let_go_of_at_once) {
+TEST(Observable, ACancelledObserverIsLetGoOfAtOnce) {
     Observable<int> value;
     const auto captured = std::make_shared<int>();
     Subscription subscription = value.observe([captured] {});
@@ -136,7 +136,7 @@ TEST(Observable, a_cancelled_observer_is_let_go_of_at_once) {
     EXPECT_EQ(captured.use_count(), 1);
 }
 
-TEST(Observable, a_notice_of_what_is_kept_elsewhere_is_told_every_time) {
+TEST(Observable, ANoticeOfWhatIsKeptElsewhereIsToldEveryTime) {
     ChangeNotice notice;
     int notices = 0;
     const auto subscription = notice.observe([&] { ++notices; });

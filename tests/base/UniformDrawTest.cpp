@@ -5,11 +5,11 @@
 namespace quorvane {
 namespace {
 
-TEST(UniformDraw, is_of_the_whole_numbers_up_to_two_to_the_53rd) {
+TEST(UniformDraw, IsOfTheWholeNumbersUpToTwoToThe53rd) {
     EXPECT_EQ(uniformDrawBound, 9007199254740992U);
 }
 
-TEST(UniformDraw, both_ends_and_all_between_can_be_reached) {
+TEST(UniformDraw, BothEndsAndAllBetweenCanBeReached) {
     EXPECT_EQ(uniformInRange(0, 20, 40), 20);
     EXPECT_EQ(uniformInRange(9007199254740992, 20, 40), 40);
     EXPECT_EQ(uniformInRange(2251799813685248, 20, 40), 25);

@@ -255,7 +255,8 @@ TEST_P(AudioFilePlayerContract, APlayerMayBeDestroyedWhilePlaying) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Backends, AudioFilePlayerContract,
-                         ::testing::Values(NamedAudioBackend{"Simulated", &makeSimulatedAudioBackend},
+                         ::testing::Values(NamedAudioBackend{"Simulated",
+                                                             &makeSimulatedAudioBackend},
                                            NamedAudioBackend{"Linux", &makeLinuxAudioBackend}),
                          [](const auto& backend) { return backend.param.name; });
 

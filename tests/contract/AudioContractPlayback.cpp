@@ -155,7 +155,8 @@ TEST_P(AudioContract, RepeatedCallsAreHarmless) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Backends, AudioContract,
-                         ::testing::Values(NamedAudioBackend{"Simulated", &makeSimulatedAudioBackend},
+                         ::testing::Values(NamedAudioBackend{"Simulated",
+                                                             &makeSimulatedAudioBackend},
                                            NamedAudioBackend{"Linux", &makeLinuxAudioBackend}),
                          [](const auto& backend) { return backend.param.name; });
 

@@ -193,10 +193,11 @@ TEST_P(AudioRecordedContract, AFilePlayersVolumeChangesWhatSounds) {
     EXPECT_TRUE(holds(recording, 0));
 }
 
-INSTANTIATE_TEST_SUITE_P(Backends, AudioRecordedContract,
-                         ::testing::Values(NamedAudioBackend{"Simulated", &makeSimulatedAudioBackend},
-                                           NamedAudioBackend{"Linux", &makeSteadyLinuxAudioBackend}),
-                         [](const auto& backend) { return backend.param.name; });
+INSTANTIATE_TEST_SUITE_P(
+    Backends, AudioRecordedContract,
+    ::testing::Values(NamedAudioBackend{"Simulated", &makeSimulatedAudioBackend},
+                      NamedAudioBackend{"Linux", &makeSteadyLinuxAudioBackend}),
+    [](const auto& backend) { return backend.param.name; });
 
 } // namespace
 } // namespace quorvane

@@ -40,7 +40,7 @@ EventTapContract::EventTapContract() {
 
 std::shared_ptr<EventTap> EventTapContract::makeTap(std::uint64_t events) {
     return m_backend->service().createTap(TapLocation::Session, TapPlacement::HeadInsert,
-                                       TapOptions::ListenOnly, events, &hear);
+                                          TapOptions::ListenOnly, events, &hear);
 }
 
 void EventTapContract::startToListen(std::uint64_t events) {
@@ -198,8 +198,8 @@ TEST_P(EventTapContract, ATapAfterAnotherOneHearsAsTheFirstDid) {
 
 TEST_P(EventTapContract, TwoTapsHearTheSameKey) {
     startToListen(keyDowns);
-    const auto other = m_backend->service().createTap(TapLocation::Session, TapPlacement::HeadInsert,
-                                                   TapOptions::ListenOnly, keyDowns, &hearToo);
+    const auto other = m_backend->service().createTap(
+        TapLocation::Session, TapPlacement::HeadInsert, TapOptions::ListenOnly, keyDowns, &hearToo);
     ASSERT_TRUE(other);
     const auto source = other->createRunLoopSource(0);
     source->addToRunLoop();

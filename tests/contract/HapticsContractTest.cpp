@@ -115,18 +115,19 @@ TEST_P(HapticsContract, EachRequestIsOnePulseInTheirOrder) {
     performer->performFeedback(HapticPattern::Generic, HapticPerformanceTime::Now);
     performer->performFeedback(HapticPattern::Alignment, HapticPerformanceTime::Default);
     performer->performFeedback(HapticPattern::Alignment, HapticPerformanceTime::DrawCompleted);
-    EXPECT_THAT(m_backend->pulses(), ElementsAre(HapticPattern::LevelChange, HapticPattern::Generic,
-                                              HapticPattern::Alignment, HapticPattern::Alignment));
+    EXPECT_THAT(m_backend->pulses(),
+                ElementsAre(HapticPattern::LevelChange, HapticPattern::Generic,
+                            HapticPattern::Alignment, HapticPattern::Alignment));
 }
 
 TEST_P(HapticsContract, EveryPerformerOfTheMomentIsTheSameDevices) {
     const auto first = m_backend->readyPerformer();
     first->performFeedback(HapticPattern::Generic, HapticPerformanceTime::Now);
     m_backend->service().defaultPerformer()->performFeedback(HapticPattern::LevelChange,
-                                                          HapticPerformanceTime::Now);
+                                                             HapticPerformanceTime::Now);
     first->performFeedback(HapticPattern::Alignment, HapticPerformanceTime::Now);
     EXPECT_THAT(m_backend->pulses(), ElementsAre(HapticPattern::Generic, HapticPattern::LevelChange,
-                                              HapticPattern::Alignment));
+                                                 HapticPattern::Alignment));
 }
 
 template <typename Backend>

@@ -74,7 +74,7 @@ protected:
     RunLoop& runLoop = backend->runLoop();
 };
 
-TEST_P(RunLoopContract, a_repeating_timer_fires_on_its_grid_and_never_drifts) {
+TEST_P(RunLoopContract, ARepeatingTimerFiresOnItsGridAndNeverDrifts) {
     constexpr double interval = 0.05;
     const double start = runLoop.currentMediaTime();
     std::vector<double> lateness;
@@ -94,7 +94,7 @@ TEST_P(RunLoopContract, a_repeating_timer_fires_on_its_grid_and_never_drifts) {
     EXPECT_GE(std::count_if(lateness.begin(), lateness.end(), onTime), 7);
 }
 
-TEST_P(RunLoopContract, firings_that_a_busy_thread_missed_are_skipped_and_the_grid_is_kept) {
+TEST_P(RunLoopContract, FiringsThatABusyThreadMissedAreSkippedAndTheGridIsKept) {
     int firings = 0;
     const double start = runLoop.currentMediaTime();
     const auto timer = runLoop.scheduledTimer(0.1, true, [&](Timer&) { ++firings; });
@@ -111,7 +111,7 @@ TEST_P(RunLoopContract, firings_that_a_busy_thread_missed_are_skipped_and_the_gr
     timer->invalidate();
 }
 
-TEST_P(RunLoopContract, a_one_shot_timer_fires_once_and_is_no_longer_valid_in_its_block) {
+TEST_P(RunLoopContract, AOneShotTimerFiresOnceAndIsNoLongerValidInItsBlock) {
     int firings = 0;
     bool valid = true;
     const auto timer = runLoop.scheduledTimer(0.01, false, [&](Timer& self) {
@@ -125,7 +125,7 @@ TEST_P(RunLoopContract, a_one_shot_timer_fires_once_and_is_no_longer_valid_in_it
     EXPECT_FALSE(timer->isValid());
 }
 
-TEST_P(RunLoopContract, invalidate_works_from_inside_the_timers_own_block) {
+TEST_P(RunLoopContract, InvalidateWorksFromInsideTheTimersOwnBlock) {
     int firings = 0;
     const auto timer = runLoop.scheduledTimer(0.01, true, [&](Timer& self) {
         ++firings;
@@ -137,7 +137,7 @@ TEST_P(RunLoopContract, invalidate_works_from_inside_the_timers_own_block) {
     EXPECT_FALSE(timer->isValid());
 }
 
-TEST_P(RunLoopContract, a_timer_can_invalidate_another_that_is_due_at_the_same_time) {
+TEST_P(RunLoopContract, ATimerCanInvalidateAnotherThatIsDueAtTheSameTime) {
     std::shared_ptr<Timer> second;
     int firings = 0;
     runLoop.scheduledTimer(0.01, false, [&](Timer&) { second->invalidate(); });
@@ -147,7 +147,7 @@ TEST_P(RunLoopContract, a_timer_can_invalidate_another_that_is_due_at_the_same_t
     EXPECT_EQ(firings, 0);
 }
 
-TEST_P(RunLoopContract, a_scheduled_timer_lives_on_whether_or_not_anyone_holds_it) {
+TEST_P(RunLoopContract, AScheduledTimerLivesOnWhetherOrNotAnyoneHoldsIt) {
     int firings = 0;
     std::shared_ptr<Timer> held = runLoop.scheduledTimer(0.01, true, [&](Timer&) { ++firings; });
     held = runLoop.scheduledTimer(10, true, [](Timer&) {});
@@ -156,7 +156,7 @@ TEST_P(RunLoopContract, a_scheduled_timer_lives_on_whether_or_not_anyone_holds_i
     held->invalidate();
 }
 
-TEST_P(RunLoopContract, a_timer_may_schedule_another_from_its_block) {
+TEST_P(RunLoopContract, ATimerMayScheduleAnotherFromItsBlock) {
     int firings = 0;
     runLoop.scheduledTimer(0.01, false, [&](Timer&) {
         runLoop.scheduledTimer(0.01, false, [&](Timer&) { ++firings; });
@@ -165,7 +165,7 @@ TEST_P(RunLoopContract, a_timer_may_schedule_another_from_its_block) {
     EXPECT_EQ(firings, 1);
 }
 
-TEST_P(RunLoopContract, delayed_blocks_run_once_in_the_order_of_their_deadlines) {
+TEST_P(RunLoopContract, DelayedBlocksRunOnceInTheOrderOfTheirDeadlines) {
     std::vector<int> order;
     runLoop.asyncAfter(0.03, [&] { order.push_back(2); });
     runLoop.asyncAfter(0.01, [&] { order.push_back(1); });
@@ -173,7 +173,7 @@ TEST_P(RunLoopContract, delayed_blocks_run_once_in_the_order_of_their_deadlines)
     EXPECT_EQ(order, (std::vector{1, 2}));
 }
 
-TEST_P(RunLoopContract, an_earlier_deadline_does_not_wait_for_a_later_one_that_was_there_first) {
+TEST_P(RunLoopContract, AnEarlierDeadlineDoesNotWaitForALaterOneThatWasThereFirst) {
     bool ran = false;
     runLoop.asyncAfter(10, [] {});
     runLoop.asyncAfter(0.01, [&] { ran = true; });
@@ -181,7 +181,7 @@ TEST_P(RunLoopContract, an_earlier_deadline_does_not_wait_for_a_later_one_that_w
     EXPECT_TRUE(ran);
 }
 
-TEST_P(RunLoopContract, a_block_that_takes_longer_than_its_interval_leaves_room_for_others) {
+TEST_P(RunLoopContract, ABlockThatTakesLongerThanItsIntervalLeavesRoomForOthers) {
     int firings = 0;
     const auto timer = runLoop.scheduledTimer(0.001, true, [&](Timer& self) {
         backend->keepBusy(0.002);
@@ -193,7 +193,7 @@ TEST_P(RunLoopContract, a_block_that_takes_longer_than_its_interval_leaves_room_
     timer->invalidate();
 }
 
-TEST_P(RunLoopContract, nothing_runs_early) {
+TEST_P(RunLoopContract, NothingRunsEarly) {
     const double start = runLoop.currentMediaTime();
     double ran = 0;
     runLoop.asyncAfter(0.05, [&] { ran = runLoop.currentMediaTime(); });
@@ -201,7 +201,7 @@ TEST_P(RunLoopContract, nothing_runs_early) {
     EXPECT_GE(ran, start + 0.05 - 1e-9);
 }
 
-TEST_P(RunLoopContract, async_never_runs_inside_the_call_and_keeps_its_order) {
+TEST_P(RunLoopContract, AsyncNeverRunsInsideTheCallAndKeepsItsOrder) {
     std::vector<int> order;
     runLoop.async([&] {
         order.push_back(1);
@@ -213,7 +213,7 @@ TEST_P(RunLoopContract, async_never_runs_inside_the_call_and_keeps_its_order) {
     EXPECT_EQ(order, (std::vector{1, 2, 3}));
 }
 
-TEST_P(RunLoopContract, async_from_another_thread_runs_on_the_main_thread) {
+TEST_P(RunLoopContract, AsyncFromAnotherThreadRunsOnTheMainThread) {
     EXPECT_TRUE(runLoop.isMainThread());
     bool thereIsMain = true;
     bool blockIsMain = false;
@@ -226,7 +226,7 @@ TEST_P(RunLoopContract, async_from_another_thread_runs_on_the_main_thread) {
     EXPECT_TRUE(blockIsMain);
 }
 
-TEST_P(RunLoopContract, blocks_from_many_threads_all_run) {
+TEST_P(RunLoopContract, BlocksFromManyThreadsAllRun) {
     constexpr int perThread = 500;
     int ran = 0;
     std::vector<std::thread> threads;
@@ -242,7 +242,7 @@ TEST_P(RunLoopContract, blocks_from_many_threads_all_run) {
     EXPECT_EQ(ran, 4 * perThread);
 }
 
-TEST_P(RunLoopContract, both_clocks_advance_with_time) {
+TEST_P(RunLoopContract, BothClocksAdvanceWithTime) {
     const double media = runLoop.currentMediaTime();
     const double date = runLoop.currentDate();
     backend->rest(0.05);
@@ -251,7 +251,7 @@ TEST_P(RunLoopContract, both_clocks_advance_with_time) {
     EXPECT_GT(date, 1.6e9) << "seconds since 1970";
 }
 
-TEST_P(RunLoopContract, an_interval_that_is_not_above_zero_does_not_trap_the_run_loop) {
+TEST_P(RunLoopContract, AnIntervalThatIsNotAboveZeroDoesNotTrapTheRunLoop) {
     int firings = 0;
     const auto timer = runLoop.scheduledTimer(-1, true, [&](Timer&) { ++firings; });
     backend->rest(0.02);
@@ -265,7 +265,8 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         std::pair<std::string, SideFactory>("Simulated",
                                             [] { return std::make_unique<SimulatedBackend>(); }),
-        std::pair<std::string, SideFactory>("Linux", [] { return std::make_unique<LinuxBackend>(); })),
+        std::pair<std::string, SideFactory>("Linux",
+                                            [] { return std::make_unique<LinuxBackend>(); })),
     [](const auto& backend) { return backend.param.first; });
 
 } // namespace

@@ -69,9 +69,9 @@ protected:
     }
 
     std::shared_ptr<OverlayPanel> makePanel(double width) {
-        auto panel = m_backend->screens().createPanel({.x = 0, .y = 0, .width = width, .height = 100},
-                                                   PanelStyle::nonactivatingPanel,
-                                                   PanelBacking::buffered, false);
+        auto panel = m_backend->screens().createPanel(
+            {.x = 0, .y = 0, .width = width, .height = 100}, PanelStyle::nonactivatingPanel,
+            PanelBacking::buffered, false);
         panel->setLevel(PanelLevel::screenSaver);
         return panel;
     }

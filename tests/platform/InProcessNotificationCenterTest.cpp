@@ -7,7 +7,7 @@
 namespace quorvane {
 namespace {
 
-TEST(InProcessNotificationCenter, knows_how_many_observers_there_are) {
+TEST(InProcessNotificationCenter, KnowsHowManyObserversThereAre) {
     InProcessNotificationCenter center;
     const auto first = center.addObserver("a", [] {});
     center.addObserver("b", [] {});
@@ -18,7 +18,7 @@ TEST(InProcessNotificationCenter, knows_how_many_observers_there_are) {
     EXPECT_EQ(center.observerCount(), 1U);
 }
 
-TEST(InProcessNotificationCenter, an_observer_that_is_added_meanwhile_is_not_part_of_the_notice) {
+TEST(InProcessNotificationCenter, AnObserverThatIsAddedMeanwhileIsNotPartOfTheNotice) {
     InProcessNotificationCenter center;
     std::vector<int> told;
     center.addObserver("a", [&] {
@@ -29,7 +29,7 @@ TEST(InProcessNotificationCenter, an_observer_that_is_added_meanwhile_is_not_par
     EXPECT_EQ(told, (std::vector{1}));
 }
 
-TEST(InProcessNotificationCenter, an_observer_may_remove_itself_and_others_meanwhile) {
+TEST(InProcessNotificationCenter, AnObserverMayRemoveItselfAndOthersMeanwhile) {
     InProcessNotificationCenter center;
     std::vector<int> told;
     NotificationCenter::Token first = 0;
@@ -45,7 +45,7 @@ TEST(InProcessNotificationCenter, an_observer_may_remove_itself_and_others_meanw
     EXPECT_EQ(told, (std::vector{1, 3}));
 }
 
-TEST(InProcessNotificationCenter, tells_those_who_observe_the_name_in_the_order_they_came) {
+TEST(InProcessNotificationCenter, TellsThoseWhoObserveTheNameInTheOrderTheyCame) {
     InProcessNotificationCenter center;
     std::vector<int> told;
     center.addObserver("a", [&] { told.push_back(1); });
@@ -57,7 +57,7 @@ TEST(InProcessNotificationCenter, tells_those_who_observe_the_name_in_the_order_
     EXPECT_EQ(told, (std::vector{1, 3}));
 }
 
-TEST(InProcessNotificationCenter, a_token_is_never_zero_nor_given_twice) {
+TEST(InProcessNotificationCenter, ATokenIsNeverZeroNorGivenTwice) {
     InProcessNotificationCenter center;
     const auto first = center.addObserver("a", [] {});
     center.removeObserver(first);
@@ -66,7 +66,7 @@ TEST(InProcessNotificationCenter, a_token_is_never_zero_nor_given_twice) {
     EXPECT_NE(second, first);
 }
 
-TEST(InProcessNotificationCenter, a_removed_observer_is_told_nothing_and_lets_go_of_its_block) {
+TEST(InProcessNotificationCenter, ARemovedObserverIsToldNothingAndLetsGoOfItsBlock) {
     InProcessNotificationCenter center;
     const auto captured = std::make_shared<int>();
     const auto token = center.addObserver("a", [captured] { ++*captured; });

@@ -12,7 +12,7 @@ namespace {
 
 // These go to a Mac's own calls as numbers and names, so that no compiler would notice another one.
 
-TEST(SystemValues, of_devices_and_keys) {
+TEST(SystemValues, OfDevicesAndKeys) {
     EXPECT_EQ(static_cast<int>(HIDReportType::Feature), 2);
     EXPECT_EQ(hidSuccess, 0);
     EXPECT_EQ(static_cast<std::uint32_t>(TapEventType::KeyDown), 10U);
@@ -26,7 +26,7 @@ TEST(SystemValues, of_devices_and_keys) {
     EXPECT_EQ(static_cast<std::uint32_t>(TapOptions::ListenOnly), 1U);
 }
 
-TEST(SystemValues, of_pulses_and_panels) {
+TEST(SystemValues, OfPulsesAndPanels) {
     EXPECT_EQ(static_cast<int>(HapticPattern::Generic), 0);
     EXPECT_EQ(static_cast<int>(HapticPattern::Alignment), 1);
     EXPECT_EQ(static_cast<int>(HapticPattern::LevelChange), 2);
@@ -38,7 +38,7 @@ TEST(SystemValues, of_pulses_and_panels) {
     EXPECT_EQ(PanelLevel::screenSaver, 1000);
 }
 
-TEST(SystemValues, of_notifications_and_login_items) {
+TEST(SystemValues, OfNotificationsAndLoginItems) {
     EXPECT_EQ(WorkspaceNotification::screensDidSleep, "NSWorkspaceScreensDidSleepNotification");
     EXPECT_EQ(WorkspaceNotification::screensDidWake, "NSWorkspaceScreensDidWakeNotification");
     EXPECT_EQ(WorkspaceNotification::didWake, "NSWorkspaceDidWakeNotification");

@@ -11,7 +11,7 @@
 namespace quorvane {
 namespace {
 
-TEST(TimerQueue, a_sixtieth_of_a_second_keeps_to_its_grid_for_a_day) {
+TEST(TimerQueue, ASixtiethOfASecondKeepsToItsGridForADay) {
     TimerQueue queue;
     std::int64_t firings = 0;
     queue.schedule(0, 1.0 / 60, true, [&](Timer&) { ++firings; });
@@ -22,14 +22,14 @@ TEST(TimerQueue, a_sixtieth_of_a_second_keeps_to_its_grid_for_a_day) {
     EXPECT_EQ(*queue.nextDeadline(), TimerQueue::Nanoseconds{86400} * 1'000'000'000 + 16'666'667);
 }
 
-TEST(TimerQueue, nothing_runs_before_it_is_due) {
+TEST(TimerQueue, NothingRunsBeforeItIsDue) {
     TimerQueue queue;
     queue.schedule(0, 1, false, [](Timer&) { FAIL(); });
     EXPECT_FALSE(queue.runNext(999'999'999));
     EXPECT_EQ(queue.pendingCount(), 1U);
 }
 
-TEST(TimerQueue, an_invalidated_timer_leaves_at_once_and_lets_go_of_what_it_captured) {
+TEST(TimerQueue, AnInvalidatedTimerLeavesAtOnceAndLetsGoOfWhatItCaptured) {
     TimerQueue queue;
     auto captured = std::make_shared<int>();
     const auto timer = queue.schedule(0, 1, true, [captured](Timer&) {});
@@ -39,7 +39,7 @@ TEST(TimerQueue, an_invalidated_timer_leaves_at_once_and_lets_go_of_what_it_capt
     EXPECT_FALSE(queue.nextDeadline());
 }
 
-TEST(TimerQueue, work_is_due_at_its_instant_and_not_a_nanosecond_before) {
+TEST(TimerQueue, WorkIsDueAtItsInstantAndNotANanosecondBefore) {
     TimerQueue queue;
     int ran = 0;
     queue.schedule(0, 1, false, [&](Timer&) { ++ran; });
@@ -49,7 +49,7 @@ TEST(TimerQueue, work_is_due_at_its_instant_and_not_a_nanosecond_before) {
     EXPECT_FALSE(queue.runNext(1'000'000'000));
 }
 
-TEST(TimerQueue, a_timer_that_does_not_repeat_has_ended_before_its_block_runs) {
+TEST(TimerQueue, ATimerThatDoesNotRepeatHasEndedBeforeItsBlockRuns) {
     TimerQueue queue;
     bool valid = true;
     const auto timer = queue.schedule(0, 1, false, [&](Timer& self) {
@@ -62,7 +62,7 @@ TEST(TimerQueue, a_timer_that_does_not_repeat_has_ended_before_its_block_runs) {
     EXPECT_EQ(queue.pendingCount(), 0U);
 }
 
-TEST(TimerQueue, a_repeating_timer_may_end_itself_in_its_block) {
+TEST(TimerQueue, ARepeatingTimerMayEndItselfInItsBlock) {
     TimerQueue queue;
     int ran = 0;
     auto captured = std::make_shared<int>();
@@ -78,7 +78,7 @@ TEST(TimerQueue, a_repeating_timer_may_end_itself_in_its_block) {
     EXPECT_EQ(captured.use_count(), 1);
 }
 
-TEST(TimerQueue, a_repeating_timer_stays_valid_and_skips_what_was_missed) {
+TEST(TimerQueue, ARepeatingTimerStaysValidAndSkipsWhatWasMissed) {
     TimerQueue queue;
     const auto timer = queue.schedule(5, 1, true, [](Timer&) {});
     EXPECT_EQ(queue.nextDeadline(), 1'000'000'005);
@@ -92,7 +92,7 @@ TEST(TimerQueue, a_repeating_timer_stays_valid_and_skips_what_was_missed) {
     EXPECT_EQ(queue.nextDeadline(), 8'000'000'005);
 }
 
-TEST(TimerQueue, a_negative_or_no_interval_counts_as_a_tenth_of_a_millisecond) {
+TEST(TimerQueue, ANegativeOrNoIntervalCountsAsATenthOfAMillisecond) {
     TimerQueue queue;
     queue.schedule(0, 0, true, [](Timer&) {});
     EXPECT_EQ(queue.nextDeadline(), 100'000);
@@ -101,7 +101,7 @@ TEST(TimerQueue, a_negative_or_no_interval_counts_as_a_tenth_of_a_millisecond) {
     EXPECT_EQ(other.nextDeadline(), 100'000);
 }
 
-TEST(TimerQueue, a_handle_may_outlive_the_queue) {
+TEST(TimerQueue, AHandleMayOutliveTheQueue) {
     auto queue = std::make_unique<TimerQueue>();
     const auto timer = queue->schedule(0, 1, true, [](Timer&) {});
     queue.reset();
@@ -109,7 +109,7 @@ TEST(TimerQueue, a_handle_may_outlive_the_queue) {
     timer->invalidate();
 }
 
-TEST(TimerQueue, what_a_block_owns_may_invalidate_other_timers_while_the_queue_goes) {
+TEST(TimerQueue, WhatABlockOwnsMayInvalidateOtherTimersWhileTheQueueGoes) {
     class Invalidator : NonCopyable {
     public:
         explicit Invalidator(std::shared_ptr<Timer> timer) : m_timer(std::move(timer)) {}
@@ -128,13 +128,13 @@ TEST(TimerQueue, what_a_block_owns_may_invalidate_other_timers_while_the_queue_g
     EXPECT_FALSE(victim->isValid());
 }
 
-TEST(TimerQueue, far_deadlines_stay_within_the_range_of_the_clock) {
+TEST(TimerQueue, FarDeadlinesStayWithinTheRangeOfTheClock) {
     EXPECT_EQ(toNanoseconds(1e300), 4'600'000'000'000'000'000);
     EXPECT_EQ(toNanoseconds(-1e300), -4'600'000'000'000'000'000);
     EXPECT_EQ(toNanoseconds(0.05), 50'000'000);
 }
 
-TEST(SimulatedRunLoop, the_clock_never_moves_by_itself) {
+TEST(SimulatedRunLoop, TheClockNeverMovesByItself) {
     SimulatedRunLoop runLoop;
     const double before = runLoop.currentMediaTime();
     runLoop.async([] {});
@@ -142,7 +142,7 @@ TEST(SimulatedRunLoop, the_clock_never_moves_by_itself) {
     EXPECT_EQ(runLoop.currentMediaTime(), before);
 }
 
-TEST(SimulatedRunLoop, work_runs_in_time_order_each_at_its_own_instant) {
+TEST(SimulatedRunLoop, WorkRunsInTimeOrderEachAtItsOwnInstant) {
     SimulatedRunLoop runLoop;
     const double start = runLoop.currentMediaTime();
     std::vector<double> instants;
@@ -156,7 +156,7 @@ TEST(SimulatedRunLoop, work_runs_in_time_order_each_at_its_own_instant) {
     EXPECT_DOUBLE_EQ(runLoop.currentMediaTime() - start, 1);
 }
 
-TEST(SimulatedRunLoop, equal_deadlines_run_in_the_order_of_registration) {
+TEST(SimulatedRunLoop, EqualDeadlinesRunInTheOrderOfRegistration) {
     SimulatedRunLoop runLoop;
     std::vector<int> order;
     runLoop.asyncAfter(0.1, [&] { order.push_back(1); });
@@ -166,7 +166,7 @@ TEST(SimulatedRunLoop, equal_deadlines_run_in_the_order_of_registration) {
     EXPECT_EQ(order, (std::vector{1, 2, 3}));
 }
 
-TEST(SimulatedRunLoop, work_that_is_scheduled_on_the_way_runs_if_it_is_due_by_the_end) {
+TEST(SimulatedRunLoop, WorkThatIsScheduledOnTheWayRunsIfItIsDueByTheEnd) {
     SimulatedRunLoop runLoop;
     int ran = 0;
     runLoop.asyncAfter(0.1, [&] {
@@ -177,7 +177,7 @@ TEST(SimulatedRunLoop, work_that_is_scheduled_on_the_way_runs_if_it_is_due_by_th
     EXPECT_EQ(ran, 1);
 }
 
-TEST(SimulatedRunLoop, an_interval_of_zero_cannot_trap_it) {
+TEST(SimulatedRunLoop, AnIntervalOfZeroCannotTrapIt) {
     SimulatedRunLoop runLoop;
     int ran = 0;
     runLoop.scheduledTimer(0, true, [&](Timer&) { ++ran; });
@@ -185,7 +185,7 @@ TEST(SimulatedRunLoop, an_interval_of_zero_cannot_trap_it) {
     EXPECT_EQ(ran, 100);
 }
 
-TEST(SimulatedRunLoop, work_that_a_busy_main_thread_missed_runs_once_and_late) {
+TEST(SimulatedRunLoop, WorkThatABusyMainThreadMissedRunsOnceAndLate) {
     SimulatedRunLoop runLoop;
     std::vector<double> instants;
     const double start = runLoop.currentMediaTime();
@@ -198,7 +198,7 @@ TEST(SimulatedRunLoop, work_that_a_busy_main_thread_missed_runs_once_and_late) {
     EXPECT_DOUBLE_EQ(instants[1], 0.4);
 }
 
-TEST(SimulatedRunLoop, sleep_moves_the_wall_clock_alone) {
+TEST(SimulatedRunLoop, SleepMovesTheWallClockAlone) {
     SimulatedRunLoop runLoop;
     const double media = runLoop.currentMediaTime();
     const double date = runLoop.currentDate();
@@ -211,7 +211,7 @@ TEST(SimulatedRunLoop, sleep_moves_the_wall_clock_alone) {
     EXPECT_DOUBLE_EQ(runLoop.currentDate(), date + 3600);
 }
 
-TEST(SimulatedRunLoop, tells_how_much_is_pending_and_when_the_next_is_due) {
+TEST(SimulatedRunLoop, TellsHowMuchIsPendingAndWhenTheNextIsDue) {
     SimulatedRunLoop runLoop;
     EXPECT_FALSE(runLoop.nextDeadline());
     runLoop.asyncAfter(2, [] {});
@@ -222,7 +222,7 @@ TEST(SimulatedRunLoop, tells_how_much_is_pending_and_when_the_next_is_due) {
     EXPECT_DOUBLE_EQ(*runLoop.nextDeadline(), runLoop.currentMediaTime() + 2);
 }
 
-TEST(SimulatedRunLoop, a_held_main_queue_runs_when_it_is_let_go) {
+TEST(SimulatedRunLoop, AHeldMainQueueRunsWhenItIsLetGo) {
     SimulatedRunLoop runLoop;
     int ran = 0;
     runLoop.holdMainQueue(true);

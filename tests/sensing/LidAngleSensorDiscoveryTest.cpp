@@ -15,21 +15,20 @@ constexpr auto fallbackLine =
 
 using LidAngleSensorDiscoveryTest = LidAngleSensorFixture;
 
-TEST_F(LidAngleSensorDiscoveryTest, finds_the_first_known_product_and_says_so) {
+TEST_F(LidAngleSensorDiscoveryTest, FindsTheFirstKnownProductAndSaysSo) {
     probeLidAt(112);
     EXPECT_TRUE(sensor->sensorFound());
     EXPECT_THAT(machine.console.lines,
                 ElementsAre("✅ [SENSOR] Found lid sensor! ProductID=0x8104, angle=112°"));
 }
 
-TEST_F(LidAngleSensorDiscoveryTest, asks_a_manager_in_the_promised_order_and_keeps_it_open) {
+TEST_F(LidAngleSensorDiscoveryTest, AsksAManagerInThePromisedOrderAndKeepsItOpen) {
     probeLidAt(112);
     EXPECT_THAT(machine.hid.calls(),
                 ElementsAre("create", "match 1452:33028", "schedule", "open", "copy"));
 }
 
-TEST_F(LidAngleSensorDiscoveryTest,
-       tries_the_products_in_their_order_and_then_every_device_of_the_maker) {
+TEST_F(LidAngleSensorDiscoveryTest, TriesTheProductsInTheirOrderAndThenEveryDeviceOfTheMaker) {
     sensor->probeSensor();
     std::vector<std::string> matches;
     std::copy_if(machine.hid.calls().begin(), machine.hid.calls().end(),
@@ -39,14 +38,14 @@ TEST_F(LidAngleSensorDiscoveryTest,
                                      "match 1452:33029", "match 1452:33378", "match 1452"));
 }
 
-TEST_F(LidAngleSensorDiscoveryTest, a_later_product_is_found_when_the_earlier_ones_are_missing) {
+TEST_F(LidAngleSensorDiscoveryTest, ALaterProductIsFoundWhenTheEarlierOnesAreMissing) {
     machine.hid.addDevice(0x8262)->setAngle(90);
     sensor->probeSensor();
     EXPECT_THAT(machine.console.lines,
                 ElementsAre("✅ [SENSOR] Found lid sensor! ProductID=0x8262, angle=90°"));
 }
 
-TEST_F(LidAngleSensorDiscoveryTest, an_unknown_product_is_found_by_the_scan) {
+TEST_F(LidAngleSensorDiscoveryTest, AnUnknownProductIsFoundByTheScan) {
     machine.hid.addDevice(0x0ABC)->setAngle(45);
     sensor->probeSensor();
     EXPECT_THAT(machine.console.lines,
@@ -54,14 +53,14 @@ TEST_F(LidAngleSensorDiscoveryTest, an_unknown_product_is_found_by_the_scan) {
     EXPECT_FALSE(sensor->usingSleepWake());
 }
 
-TEST_F(LidAngleSensorDiscoveryTest, the_scan_calls_a_missing_product_id_zero) {
+TEST_F(LidAngleSensorDiscoveryTest, TheScanCallsAMissingProductIdZero) {
     machine.hid.addDevice(std::nullopt)->setAngle(45);
     sensor->probeSensor();
     EXPECT_THAT(machine.console.lines,
                 ElementsAre("✅ [SENSOR] Found lid sensor via scan! ProductID=0x0, angle=45°"));
 }
 
-TEST_F(LidAngleSensorDiscoveryTest, another_makers_device_is_never_asked) {
+TEST_F(LidAngleSensorDiscoveryTest, AnotherMakersDeviceIsNeverAsked) {
     const auto other = machine.hid.addDevice(0x8104);
     other->vendorID = 0x046D;
     other->setAngle(100);
@@ -78,7 +77,7 @@ struct FirstAngle {
 class FirstAngleTest : public LidAngleSensorFixture,
                        public testing::WithParamInterface<FirstAngle> {};
 
-TEST_P(FirstAngleTest, decides_whether_the_device_is_the_sensor) {
+TEST_P(FirstAngleTest, DecidesWhetherTheDeviceIsTheSensor) {
     machine.hid.addDevice(0x8104)->setAngle(GetParam().degrees);
     sensor->probeSensor();
     EXPECT_EQ(!sensor->usingSleepWake(), GetParam().accepted);
@@ -91,19 +90,19 @@ INSTANTIATE_TEST_SUITE_P(Angles, FirstAngleTest,
                                          FirstAngle{0x0164, false}),
                          [](const auto& angle) { return std::to_string(angle.param.degrees); });
 
-TEST_F(LidAngleSensorDiscoveryTest, a_report_of_two_bytes_is_a_failed_read_in_discovery) {
+TEST_F(LidAngleSensorDiscoveryTest, AReportOfTwoBytesIsAFailedReadInDiscovery) {
     machine.hid.addDevice(0x8104)->setReport(SimulatedHIDDevice::Report{1, 100});
     sensor->probeSensor();
     EXPECT_TRUE(sensor->usingSleepWake());
 }
 
-TEST_F(LidAngleSensorDiscoveryTest, a_report_longer_than_three_bytes_counts) {
+TEST_F(LidAngleSensorDiscoveryTest, AReportLongerThanThreeBytesCounts) {
     machine.hid.addDevice(0x8104)->setReport(SimulatedHIDDevice::Report{1, 100, 0, 9, 9, 9, 9, 9});
     sensor->probeSensor();
     EXPECT_FALSE(sensor->usingSleepWake());
 }
 
-TEST_F(LidAngleSensorDiscoveryTest, the_next_device_is_tried_after_one_that_does_not_qualify) {
+TEST_F(LidAngleSensorDiscoveryTest, TheNextDeviceIsTriedAfterOneThatDoesNotQualify) {
     const auto unopenable = machine.hid.addDevice(0x8104);
     unopenable->setAngle(50);
     unopenable->refusesOpen = true;
@@ -120,7 +119,7 @@ TEST_F(LidAngleSensorDiscoveryTest, the_next_device_is_tried_after_one_that_does
     EXPECT_TRUE(resting->isOpen()) << "a rejected device is left open";
 }
 
-TEST_F(LidAngleSensorDiscoveryTest, a_manager_whose_devices_all_failed_is_closed_and_released) {
+TEST_F(LidAngleSensorDiscoveryTest, AManagerWhoseDevicesAllFailedIsClosedAndReleased) {
     machine.hid.addDevice(0x8104)->setAngle(0);
     sensor->probeSensor();
     const auto& calls = machine.hid.calls();
@@ -131,14 +130,14 @@ TEST_F(LidAngleSensorDiscoveryTest, a_manager_whose_devices_all_failed_is_closed
     EXPECT_THAT((std::vector(calls.end() - 2, calls.end())), ElementsAre("close", "release"));
 }
 
-TEST_F(LidAngleSensorDiscoveryTest, a_manager_without_devices_is_released_without_closing) {
+TEST_F(LidAngleSensorDiscoveryTest, AManagerWithoutDevicesIsReleasedWithoutClosing) {
     machine.hid.copyGivesNoSet = true;
     sensor->probeSensor();
     EXPECT_THAT(machine.hid.calls(), testing::Not(testing::Contains("close")));
     EXPECT_TRUE(sensor->usingSleepWake());
 }
 
-TEST_F(LidAngleSensorDiscoveryTest, a_manager_that_cannot_be_opened_is_released_without_closing) {
+TEST_F(LidAngleSensorDiscoveryTest, AManagerThatCannotBeOpenedIsReleasedWithoutClosing) {
     machine.hid.managerRefusesOpen = true;
     machine.hid.addDevice(0x8104)->setAngle(100);
     sensor->probeSensor();
@@ -147,21 +146,21 @@ TEST_F(LidAngleSensorDiscoveryTest, a_manager_that_cannot_be_opened_is_released_
     EXPECT_THAT(machine.console.lines, ElementsAre(fallbackLine));
 }
 
-TEST_F(LidAngleSensorDiscoveryTest, without_a_sensor_both_flags_are_set_and_one_line_is_printed) {
+TEST_F(LidAngleSensorDiscoveryTest, WithoutASensorBothFlagsAreSetAndOneLineIsPrinted) {
     sensor->probeSensor();
     EXPECT_TRUE(sensor->sensorFound());
     EXPECT_TRUE(sensor->usingSleepWake());
     EXPECT_THAT(machine.console.lines, ElementsAre(fallbackLine));
 }
 
-TEST_F(LidAngleSensorDiscoveryTest, a_manager_with_an_empty_list_is_closed_and_released) {
+TEST_F(LidAngleSensorDiscoveryTest, AManagerWithAnEmptyListIsClosedAndReleased) {
     sensor->probeSensor();
     const auto& calls = machine.hid.calls();
     EXPECT_EQ(std::count(calls.begin(), calls.end(), "close"), 6);
     EXPECT_EQ(std::count(calls.begin(), calls.end(), "release"), 6);
 }
 
-TEST_F(LidAngleSensorDiscoveryTest, the_line_comes_before_the_flags_and_found_before_fallback) {
+TEST_F(LidAngleSensorDiscoveryTest, TheLineComesBeforeTheFlagsAndFoundBeforeFallback) {
     std::vector<std::string> order;
     const auto found = sensor->sensorFound().observe([&] {
         order.push_back(machine.console.lines.empty() ? "silent" : machine.console.lines.back());
@@ -172,7 +171,7 @@ TEST_F(LidAngleSensorDiscoveryTest, the_line_comes_before_the_flags_and_found_be
     EXPECT_THAT(order, ElementsAre(fallbackLine, "found", "fallback"));
 }
 
-TEST_F(LidAngleSensorDiscoveryTest, the_scan_takes_the_first_device_that_qualifies) {
+TEST_F(LidAngleSensorDiscoveryTest, TheScanTakesTheFirstDeviceThatQualifies) {
     machine.hid.addDevice(0x0001)->setAngle(0);
     machine.hid.addDevice(0x0002)->setAngle(60);
     machine.hid.addDevice(0x0003)->setAngle(61);
@@ -181,7 +180,7 @@ TEST_F(LidAngleSensorDiscoveryTest, the_scan_takes_the_first_device_that_qualifi
                 ElementsAre("✅ [SENSOR] Found lid sensor via scan! ProductID=0x2, angle=60°"));
 }
 
-TEST_F(LidAngleSensorDiscoveryTest, a_repeated_probe_that_finds_one_again_replaces_what_it_held) {
+TEST_F(LidAngleSensorDiscoveryTest, ARepeatedProbeThatFindsOneAgainReplacesWhatItHeld) {
     probeLidAt(100);
     machine.hid.forgetCalls();
     lid->unplug();
@@ -198,7 +197,7 @@ TEST_F(LidAngleSensorDiscoveryTest, a_repeated_probe_that_finds_one_again_replac
     EXPECT_EQ(sensor->angle(), 80);
 }
 
-TEST_F(LidAngleSensorDiscoveryTest, a_repeated_probe_notifies_nobody_when_nothing_changed) {
+TEST_F(LidAngleSensorDiscoveryTest, ARepeatedProbeNotifiesNobodyWhenNothingChanged) {
     probeLidAt(100);
     int notices = 0;
     const auto found = sensor->sensorFound().observe([&] { ++notices; });
@@ -207,14 +206,13 @@ TEST_F(LidAngleSensorDiscoveryTest, a_repeated_probe_notifies_nobody_when_nothin
     EXPECT_EQ(notices, 0);
 }
 
-TEST_F(LidAngleSensorDiscoveryTest, a_repeated_probe_that_finds_a_device_leaves_the_fallback) {
+TEST_F(LidAngleSensorDiscoveryTest, ARepeatedProbeThatFindsADeviceLeavesTheFallback) {
     sensor->probeSensor();
     probeLidAt(100);
     EXPECT_FALSE(sensor->usingSleepWake());
 }
 
-TEST_F(LidAngleSensorDiscoveryTest,
-       a_repeated_probe_that_finds_nothing_makes_the_next_start_fall_back) {
+TEST_F(LidAngleSensorDiscoveryTest, ARepeatedProbeThatFindsNothingMakesTheNextStartFallBack) {
     probeLidAt(100);
     machine.hid.forgetCalls();
     lid->setAngle(0);

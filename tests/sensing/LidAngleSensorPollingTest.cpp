@@ -7,13 +7,13 @@ using testing::IsEmpty;
 
 using LidAngleSensorPollingTest = LidAngleSensorFixture;
 
-TEST_F(LidAngleSensorPollingTest, start_before_a_probe_does_nothing) {
+TEST_F(LidAngleSensorPollingTest, StartBeforeAProbeDoesNothing) {
     sensor->start();
     EXPECT_FALSE(sensor->isRunning());
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
 }
 
-TEST_F(LidAngleSensorPollingTest, a_second_start_while_running_does_nothing) {
+TEST_F(LidAngleSensorPollingTest, ASecondStartWhileRunningDoesNothing) {
     probeLidAt(100);
     sensor->start();
     const int readings = lid->readings();
@@ -22,7 +22,7 @@ TEST_F(LidAngleSensorPollingTest, a_second_start_while_running_does_nothing) {
     EXPECT_EQ(machine.runLoop.pendingCount(), 1U);
 }
 
-TEST_F(LidAngleSensorPollingTest, polls_at_once_and_then_thirty_times_a_second) {
+TEST_F(LidAngleSensorPollingTest, PollsAtOnceAndThenThirtyTimesASecond) {
     probeLidAt(100);
     const int before = lid->readings();
     sensor->start();
@@ -31,7 +31,7 @@ TEST_F(LidAngleSensorPollingTest, polls_at_once_and_then_thirty_times_a_second) 
     EXPECT_EQ(lid->readings(), before + 301);
 }
 
-TEST_F(LidAngleSensorPollingTest, the_first_poll_sets_the_angle_and_leaves_the_velocity) {
+TEST_F(LidAngleSensorPollingTest, TheFirstPollSetsTheAngleAndLeavesTheVelocity) {
     probeLidAt(100);
     EXPECT_EQ(sensor->angle(), 0);
     lid->setAngle(140);
@@ -41,7 +41,7 @@ TEST_F(LidAngleSensorPollingTest, the_first_poll_sets_the_angle_and_leaves_the_v
     EXPECT_TRUE(sensor->isRunning());
 }
 
-TEST_F(LidAngleSensorPollingTest, it_runs_only_once_the_first_angle_is_there) {
+TEST_F(LidAngleSensorPollingTest, ItRunsOnlyOnceTheFirstAngleIsThere) {
     probeLidAt(100);
     double angle = 0;
     const auto running = sensor->isRunning().observe([&] { angle = sensor->angle(); });
@@ -49,7 +49,7 @@ TEST_F(LidAngleSensorPollingTest, it_runs_only_once_the_first_angle_is_there) {
     EXPECT_EQ(angle, 100);
 }
 
-TEST_F(LidAngleSensorPollingTest, any_angle_counts_once_the_device_is_chosen) {
+TEST_F(LidAngleSensorPollingTest, AnyAngleCountsOnceTheDeviceIsChosen) {
     probeLidAt(100);
     sensor->start();
     lid->setAngle(0);
@@ -60,14 +60,14 @@ TEST_F(LidAngleSensorPollingTest, any_angle_counts_once_the_device_is_chosen) {
     EXPECT_EQ(sensor->angle(), 65535);
 }
 
-TEST_F(LidAngleSensorPollingTest, a_constant_angle_has_no_velocity) {
+TEST_F(LidAngleSensorPollingTest, AConstantAngleHasNoVelocity) {
     probeLidAt(100);
     sensor->start();
     machine.runLoop.advance(1);
     EXPECT_EQ(sensor->velocity(), 0);
 }
 
-TEST_F(LidAngleSensorPollingTest, stop_ends_the_polling_and_the_velocity_also_when_called_twice) {
+TEST_F(LidAngleSensorPollingTest, StopEndsThePollingAndTheVelocityAlsoWhenCalledTwice) {
     probeLidAt(100);
     moveLid(30);
     sensor->start();
@@ -83,7 +83,7 @@ TEST_F(LidAngleSensorPollingTest, stop_ends_the_polling_and_the_velocity_also_wh
     EXPECT_TRUE(sensor->sensorFound());
 }
 
-TEST_F(LidAngleSensorPollingTest, a_later_start_uses_the_device_that_was_found_earlier) {
+TEST_F(LidAngleSensorPollingTest, ALaterStartUsesTheDeviceThatWasFoundEarlier) {
     probeLidAt(100);
     sensor->start();
     sensor->stop();
@@ -94,7 +94,7 @@ TEST_F(LidAngleSensorPollingTest, a_later_start_uses_the_device_that_was_found_e
     EXPECT_THAT(machine.hid.calls(), IsEmpty());
 }
 
-TEST_F(LidAngleSensorPollingTest, its_destruction_stops_everything) {
+TEST_F(LidAngleSensorPollingTest, ItsDestructionStopsEverything) {
     probeLidAt(100);
     sensor->start();
     sensor.reset();

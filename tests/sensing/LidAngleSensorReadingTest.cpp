@@ -18,7 +18,7 @@ using Report = SimulatedHIDDevice::Report;
 class BadReportTest : public LidAngleSensorFixture,
                       public testing::WithParamInterface<std::optional<Report>> {};
 
-TEST_P(BadReportTest, is_skipped_and_angle_velocity_and_history_stay) {
+TEST_P(BadReportTest, IsSkippedAndAngleVelocityAndHistoryStay) {
     probeLidAt(100);
     sensor->start();
     lid->setAngle(103);
@@ -44,7 +44,7 @@ INSTANTIATE_TEST_SUITE_P(Reports, BadReportTest,
                                                  : std::string("failed");
                          });
 
-TEST_F(LidAngleSensorReadingTest, a_long_silence_changes_nothing_and_is_not_an_end) {
+TEST_F(LidAngleSensorReadingTest, ALongSilenceChangesNothingAndIsNotAnEnd) {
     probeLidAt(100);
     moveLid(30);
     sensor->start();
@@ -62,7 +62,7 @@ TEST_F(LidAngleSensorReadingTest, a_long_silence_changes_nothing_and_is_not_an_e
     EXPECT_EQ(sensor->velocity(), 0);
 }
 
-TEST_F(LidAngleSensorReadingTest, a_device_that_vanishes_while_the_lid_moves_changes_nothing) {
+TEST_F(LidAngleSensorReadingTest, ADeviceThatVanishesWhileTheLidMovesChangesNothing) {
     probeLidAt(100);
     moveLid(30);
     sensor->start();
@@ -142,7 +142,7 @@ public:
     std::vector<std::weak_ptr<HIDManager>> managers;
 };
 
-TEST(LidAngleSensorQuestions, every_reading_asks_for_feature_report_1_with_room_for_eight_bytes) {
+TEST(LidAngleSensorQuestions, EveryReadingAsksForFeatureReport1WithRoomForEightBytes) {
     SimulatedMachine machine;
     AskedHID hid;
     const auto sensor = LidAngleSensor::create(exchange(machine.platform(), {.hid = &hid}));
@@ -155,7 +155,7 @@ TEST(LidAngleSensorQuestions, every_reading_asks_for_feature_report_1_with_room_
         Each(Question{.type = HIDReportType::Feature, .reportID = 1, .room = 8, .length = 8}));
 }
 
-TEST(LidAngleSensorQuestions, a_repeated_probe_holds_the_manager_that_found_the_sensor_last) {
+TEST(LidAngleSensorQuestions, ARepeatedProbeHoldsTheManagerThatFoundTheSensorLast) {
     SimulatedMachine machine;
     AskedHID hid;
     const auto sensor = LidAngleSensor::create(exchange(machine.platform(), {.hid = &hid}));

@@ -8,7 +8,7 @@ namespace {
 
 using LidAngleSensorVelocityTest = LidAngleSensorFixture;
 
-TEST_F(LidAngleSensorVelocityTest, ten_degrees_in_a_fifth_of_a_second_are_fifty_a_second) {
+TEST_F(LidAngleSensorVelocityTest, TenDegreesInAFifthOfASecondAreFiftyASecond) {
     probeLidAt(100);
     moveLid(50);
     sensor->start();
@@ -17,7 +17,7 @@ TEST_F(LidAngleSensorVelocityTest, ten_degrees_in_a_fifth_of_a_second_are_fifty_
     EXPECT_NEAR(sensor->velocity(), 50, 1e-6);
 }
 
-TEST_F(LidAngleSensorVelocityTest, a_sample_exactly_as_old_as_the_window_stays) {
+TEST_F(LidAngleSensorVelocityTest, ASampleExactlyAsOldAsTheWindowStays) {
     probeLidAt(100);
     sensor->start();
     lid->setAngle(106);
@@ -27,7 +27,7 @@ TEST_F(LidAngleSensorVelocityTest, a_sample_exactly_as_old_as_the_window_stays) 
     EXPECT_EQ(sensor->velocity(), 0);
 }
 
-TEST_F(LidAngleSensorVelocityTest, a_falling_angle_has_a_negative_velocity) {
+TEST_F(LidAngleSensorVelocityTest, AFallingAngleHasANegativeVelocity) {
     probeLidAt(100);
     moveLid(-50);
     sensor->start();
@@ -35,7 +35,7 @@ TEST_F(LidAngleSensorVelocityTest, a_falling_angle_has_a_negative_velocity) {
     EXPECT_NEAR(sensor->velocity(), -50, 1e-6);
 }
 
-TEST_F(LidAngleSensorVelocityTest, the_velocity_is_the_slope_from_the_oldest_sample_of_the_window) {
+TEST_F(LidAngleSensorVelocityTest, TheVelocityIsTheSlopeFromTheOldestSampleOfTheWindow) {
     probeLidAt(100);
     sensor->start();
     lid->setAngle(103);
@@ -45,7 +45,7 @@ TEST_F(LidAngleSensorVelocityTest, the_velocity_is_the_slope_from_the_oldest_sam
     EXPECT_NEAR(sensor->velocity(), 45, 1e-4);
 }
 
-TEST_F(LidAngleSensorVelocityTest, the_velocity_is_zero_a_window_after_the_lid_stopped) {
+TEST_F(LidAngleSensorVelocityTest, TheVelocityIsZeroAWindowAfterTheLidStopped) {
     probeLidAt(100);
     sensor->start();
     machine.runLoop.advance(1);
@@ -59,8 +59,7 @@ TEST_F(LidAngleSensorVelocityTest, the_velocity_is_zero_a_window_after_the_lid_s
     EXPECT_EQ(sensor->velocity(), 0);
 }
 
-TEST_F(LidAngleSensorVelocityTest,
-       after_a_gap_longer_than_the_window_the_velocity_waits_for_new_samples) {
+TEST_F(LidAngleSensorVelocityTest, AfterAGapLongerThanTheWindowTheVelocityWaitsForNewSamples) {
     probeLidAt(100);
     moveLid(30);
     sensor->start();
@@ -85,7 +84,7 @@ struct TwoSamples {
 class TwoSamplesTest : public LidAngleSensorFixture,
                        public testing::WithParamInterface<TwoSamples> {};
 
-TEST_P(TwoSamplesTest, give_a_velocity_only_within_the_bounds_of_their_distance) {
+TEST_P(TwoSamplesTest, GiveAVelocityOnlyWithinTheBoundsOfTheirDistance) {
     probeLidAt(100);
     // A start reads at once, and stopping keeps the history, so that the distance is free.
     sensor->start();
@@ -128,19 +127,19 @@ protected:
     double before = 0;
 };
 
-TEST_F(LatePollTest, samples_29_ms_apart_leave_the_velocity_as_it_was) {
+TEST_F(LatePollTest, Samples29MsApartLeaveTheVelocityAsItWas) {
     pollLateAndThenAfter(0.029);
     EXPECT_EQ(sensor->velocity(), before);
     advanceOnePoll();
     EXPECT_NEAR(sensor->velocity(), 6 / (0.029 + 1.0 / 30), 1e-4);
 }
 
-TEST_F(LatePollTest, samples_31_ms_apart_give_a_velocity) {
+TEST_F(LatePollTest, Samples31MsApartGiveAVelocity) {
     pollLateAndThenAfter(0.031);
     EXPECT_NEAR(sensor->velocity(), 193.5483871, 1e-5);
 }
 
-TEST_F(LidAngleSensorVelocityTest, stopping_keeps_the_history_for_a_start_within_the_window) {
+TEST_F(LidAngleSensorVelocityTest, StoppingKeepsTheHistoryForAStartWithinTheWindow) {
     probeLidAt(100);
     sensor->start();
     sensor->stop();

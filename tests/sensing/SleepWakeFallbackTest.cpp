@@ -29,14 +29,14 @@ protected:
     std::shared_ptr<LidAngleSensor> sensor = LidAngleSensor::create(machine.platform());
 };
 
-TEST_F(SleepWakeFallbackTest, start_observes_both_notifications_and_says_so) {
+TEST_F(SleepWakeFallbackTest, StartObservesBothNotificationsAndSaysSo) {
     EXPECT_EQ(machine.console.lines.back(), "📡 [SENSOR] Sleep/wake monitoring started");
     EXPECT_EQ(machine.workspace.observerCount(), 2U);
     EXPECT_TRUE(sensor->isRunning());
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U) << "between events the fallback costs nothing";
 }
 
-TEST_F(SleepWakeFallbackTest, waking_screens_stand_for_an_opening_lid) {
+TEST_F(SleepWakeFallbackTest, WakingScreensStandForAnOpeningLid) {
     wake();
     EXPECT_EQ(sensor->velocity(), 80);
     ticks(1);
@@ -45,14 +45,14 @@ TEST_F(SleepWakeFallbackTest, waking_screens_stand_for_an_opening_lid) {
     EXPECT_NEAR(sensor->velocity(), 69.192, 1e-9);
 }
 
-TEST_F(SleepWakeFallbackTest, sleeping_screens_stand_for_a_closing_lid) {
+TEST_F(SleepWakeFallbackTest, SleepingScreensStandForAClosingLid) {
     sleep();
     EXPECT_EQ(sensor->velocity(), -80);
     ticks(1);
     EXPECT_NEAR(sensor->velocity(), -74.4, 1e-9);
 }
 
-TEST_F(SleepWakeFallbackTest, an_opening_burst_creaks_for_exactly_sixty_ticks) {
+TEST_F(SleepWakeFallbackTest, AnOpeningBurstCreaksForExactlySixtyTicks) {
     wake();
     for (int n = 1; n <= 60; ++n) {
         ticks(1);
@@ -65,7 +65,7 @@ TEST_F(SleepWakeFallbackTest, an_opening_burst_creaks_for_exactly_sixty_ticks) {
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
 }
 
-TEST_F(SleepWakeFallbackTest, a_closing_burst_mirrors_it) {
+TEST_F(SleepWakeFallbackTest, AClosingBurstMirrorsIt) {
     sleep();
     ticks(60);
     EXPECT_LE(sensor->velocity(), -1.0);
@@ -74,7 +74,7 @@ TEST_F(SleepWakeFallbackTest, a_closing_burst_mirrors_it) {
     EXPECT_FALSE(std::signbit(sensor->velocity()));
 }
 
-TEST_F(SleepWakeFallbackTest, a_wake_during_a_closing_burst_replaces_it_at_once) {
+TEST_F(SleepWakeFallbackTest, AWakeDuringAClosingBurstReplacesItAtOnce) {
     sleep();
     ticks(10);
     wake();
@@ -84,7 +84,7 @@ TEST_F(SleepWakeFallbackTest, a_wake_during_a_closing_burst_replaces_it_at_once)
     EXPECT_NEAR(sensor->velocity(), 74.4, 1e-9);
 }
 
-TEST_F(SleepWakeFallbackTest, two_wakes_in_quick_succession_restart_the_burst_and_never_add_up) {
+TEST_F(SleepWakeFallbackTest, TwoWakesInQuickSuccessionRestartTheBurstAndNeverAddUp) {
     wake();
     machine.runLoop.advance(0.12);
     wake();
@@ -92,7 +92,7 @@ TEST_F(SleepWakeFallbackTest, two_wakes_in_quick_succession_restart_the_burst_an
     EXPECT_EQ(machine.runLoop.pendingCount(), 1U);
 }
 
-TEST_F(SleepWakeFallbackTest, a_burst_can_follow_one_that_has_ended) {
+TEST_F(SleepWakeFallbackTest, ABurstCanFollowOneThatHasEnded) {
     wake();
     ticks(70);
     ASSERT_EQ(sensor->velocity(), 0);
@@ -101,7 +101,7 @@ TEST_F(SleepWakeFallbackTest, a_burst_can_follow_one_that_has_ended) {
     EXPECT_EQ(machine.runLoop.pendingCount(), 1U);
 }
 
-TEST_F(SleepWakeFallbackTest, stop_during_a_burst_leaves_no_velocity_no_timer_and_no_observer) {
+TEST_F(SleepWakeFallbackTest, StopDuringABurstLeavesNoVelocityNoTimerAndNoObserver) {
     wake();
     ticks(3);
     sensor->stop();
@@ -112,7 +112,7 @@ TEST_F(SleepWakeFallbackTest, stop_during_a_burst_leaves_no_velocity_no_timer_an
     EXPECT_EQ(sensor->velocity(), 0);
 }
 
-TEST_F(SleepWakeFallbackTest, the_angle_stays_as_it_was_throughout) {
+TEST_F(SleepWakeFallbackTest, TheAngleStaysAsItWasThroughout) {
     int notices = 0;
     const auto subscription = sensor->angle().observe([&] { ++notices; });
     wake();
@@ -123,7 +123,7 @@ TEST_F(SleepWakeFallbackTest, the_angle_stays_as_it_was_throughout) {
     EXPECT_EQ(notices, 0);
 }
 
-TEST_F(SleepWakeFallbackTest, every_tick_of_a_burst_notifies) {
+TEST_F(SleepWakeFallbackTest, EveryTickOfABurstNotifies) {
     int notices = 0;
     wake();
     const auto subscription = sensor->velocity().observe([&] { ++notices; });
@@ -131,14 +131,14 @@ TEST_F(SleepWakeFallbackTest, every_tick_of_a_burst_notifies) {
     EXPECT_EQ(notices, 60);
 }
 
-TEST_F(SleepWakeFallbackTest, a_burst_whose_sensor_has_gone_ends_its_timer) {
+TEST_F(SleepWakeFallbackTest, ABurstWhoseSensorHasGoneEndsItsTimer) {
     wake();
     sensor.reset();
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
     EXPECT_EQ(machine.workspace.observerCount(), 0U);
 }
 
-TEST_F(SleepWakeFallbackTest, a_tick_that_finds_the_sensor_gone_ends_its_timer) {
+TEST_F(SleepWakeFallbackTest, ATickThatFindsTheSensorGoneEndsItsTimer) {
     wake();
     // The last reference goes on another thread, so the sensor itself waits on the main queue.
     machine.runLoop.holdMainQueue(true);
@@ -151,7 +151,7 @@ TEST_F(SleepWakeFallbackTest, a_tick_that_finds_the_sensor_gone_ends_its_timer) 
     EXPECT_EQ(machine.workspace.observerCount(), 0U);
 }
 
-TEST_F(SleepWakeFallbackTest, a_notification_that_finds_the_sensor_gone_does_nothing) {
+TEST_F(SleepWakeFallbackTest, ANotificationThatFindsTheSensorGoneDoesNothing) {
     machine.runLoop.holdMainQueue(true);
     std::thread([last = std::move(sensor)]() mutable { last.reset(); }).join();
     wake();
@@ -160,7 +160,7 @@ TEST_F(SleepWakeFallbackTest, a_notification_that_finds_the_sensor_gone_does_not
     machine.runLoop.runMainQueue();
 }
 
-TEST_F(SleepWakeFallbackTest, it_works_again_after_stopping_and_starting) {
+TEST_F(SleepWakeFallbackTest, ItWorksAgainAfterStoppingAndStarting) {
     wake();
     ticks(3);
     sensor->stop();
@@ -189,7 +189,7 @@ public:
     int removals = 0;
 };
 
-TEST(SleepWakeObservers, are_removed_once_each_however_often_it_is_stopped) {
+TEST(SleepWakeObservers, AreRemovedOnceEachHoweverOftenItIsStopped) {
     SimulatedMachine machine;
     CountingWorkspace workspace;
     const auto sensor =
@@ -203,20 +203,20 @@ TEST(SleepWakeObservers, are_removed_once_each_however_often_it_is_stopped) {
     EXPECT_EQ(workspace.removals, 2);
 }
 
-TEST_F(SleepWakeFallbackTest, stopping_prints_nothing) {
+TEST_F(SleepWakeFallbackTest, StoppingPrintsNothing) {
     const auto lines = machine.console.lines;
     wake();
     sensor->stop();
     EXPECT_EQ(machine.console.lines, lines);
 }
 
-TEST_F(SleepWakeFallbackTest, neither_the_machines_own_wake_up_nor_the_default_centre_counts) {
+TEST_F(SleepWakeFallbackTest, NeitherTheMachinesOwnWakeUpNorTheDefaultCentreCounts) {
     machine.workspace.post("NSWorkspaceDidWakeNotification");
     machine.defaultCenter.post("NSWorkspaceScreensDidWakeNotification");
     EXPECT_EQ(sensor->velocity(), 0);
 }
 
-TEST_F(SleepWakeFallbackTest, the_burst_ends_at_61_ticks_of_a_twentieth_of_a_second) {
+TEST_F(SleepWakeFallbackTest, TheBurstEndsAt61TicksOfATwentiethOfASecond) {
     wake();
     machine.runLoop.advance(3.049);
     EXPECT_GT(sensor->velocity(), 1);
@@ -224,7 +224,7 @@ TEST_F(SleepWakeFallbackTest, the_burst_ends_at_61_ticks_of_a_twentieth_of_a_sec
     EXPECT_EQ(sensor->velocity(), 0);
 }
 
-TEST_F(SleepWakeFallbackTest, a_second_start_adds_no_observers) {
+TEST_F(SleepWakeFallbackTest, ASecondStartAddsNoObservers) {
     sensor->start();
     EXPECT_EQ(machine.workspace.observerCount(), 2U);
 }

@@ -40,7 +40,8 @@ signals:
     void glowChanged();
 
 protected:
-    /// RandomGenerator in the item's own coordinates; a few points beyond its bounds are still seen.
+    /// RandomGenerator in the item's own coordinates; a few points beyond its bounds are still
+    /// seen.
     virtual void draw(QPainter& painter) const = 0;
     /// Has it drawn anew.
     void redraw();
@@ -58,7 +59,8 @@ private:
     double m_glowRadius = 0;
     double m_glowOffset = 0;
     double m_glow = 0;
-    std::shared_ptr<RenderMailbox<double>> m_glowForNode = std::make_shared<RenderMailbox<double>>();
+    std::shared_ptr<RenderMailbox<double>> m_glowForNode =
+        std::make_shared<RenderMailbox<double>>();
     bool m_needsPaint = true;
 };
 

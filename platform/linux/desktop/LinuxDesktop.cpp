@@ -15,8 +15,8 @@ void LinuxDesktop::watchWindow(std::uintptr_t window) {
         m_motion = std::make_unique<ReducedMotion>(m_reducesMotion);
     // Another window system's numbers would be strangers' windows to the X server.
     if (QGuiApplication::platformName() == QLatin1String("xcb"))
-        m_cover = std::make_unique<X11ObscuredWindowWatcher>(static_cast<xcb_window_t>(window),
-                                                   [this](bool covered) { m_isCovered = covered; });
+        m_cover = std::make_unique<X11ObscuredWindowWatcher>(
+            static_cast<xcb_window_t>(window), [this](bool covered) { m_isCovered = covered; });
 }
 
 } // namespace quorvane

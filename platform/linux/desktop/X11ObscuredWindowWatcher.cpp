@@ -15,7 +15,8 @@ constexpr uint8_t sentByAnotherClient = 0x80;
 
 // On a connection of our own, since what a window's events are is chosen for each connection, and
 // the toolkit has its own choice.
-X11ObscuredWindowWatcher::X11ObscuredWindowWatcher(xcb_window_t window, std::function<void(bool)> report)
+X11ObscuredWindowWatcher::X11ObscuredWindowWatcher(xcb_window_t window,
+                                                   std::function<void(bool)> report)
     : m_window(window), m_report(std::move(report)), m_connection(X11Connection::open()) {
     if (!m_connection)
         return;

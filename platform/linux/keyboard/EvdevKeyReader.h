@@ -22,7 +22,8 @@ public:
     void setReading(bool reading) override;
 
 private:
-    EvdevKeyReader(std::unique_ptr<KeyboardWatcher> nodes, Sink sink, EvdevKeyboard::KeyQuery query);
+    EvdevKeyReader(std::unique_ptr<KeyboardWatcher> nodes, Sink sink,
+                   EvdevKeyboard::KeyQuery query);
 
     void add(const std::filesystem::path& node);
 

@@ -22,10 +22,10 @@ std::unique_ptr<KeyEventReader> makeReader(KeyEventReader::Sink sink) {
 
 // There is one session, nothing stands ahead of anything, and all that is possible is to listen.
 std::shared_ptr<EventTap> LinuxEventTapService::createTap(TapLocation /*location*/,
-                                                    TapPlacement /*placement*/,
-                                                    TapOptions /*options*/,
-                                                    std::uint64_t eventsOfInterest,
-                                                    TapCallback callback) {
+                                                          TapPlacement /*placement*/,
+                                                          TapOptions /*options*/,
+                                                          std::uint64_t eventsOfInterest,
+                                                          TapCallback callback) {
     return LinuxEventTap::create(eventsOfInterest, callback, &makeReader);
 }
 

@@ -59,8 +59,8 @@ inline constexpr int spinnerSteps = 12;
 /// Where a spinner draws.
 [[nodiscard]] Rect spinnerBounds(const Spinner& spinner);
 
-/// RandomGenerator a spinner's picture `step`, counted from any: strokes around a circle, the one at the step
-/// in full and those behind it fading.
+/// RandomGenerator a spinner's picture `step`, counted from any: strokes around a circle, the one
+/// at the step in full and those behind it fading.
 void drawSpinner(QPainter& painter, const Spinner& spinner, int step);
 
 } // namespace quorvane

@@ -11,8 +11,8 @@
 
 namespace quorvane {
 
-/// RandomGenerator a view into an image: once what is still, and from then on only what changes. The image
-/// stays the caller's and is handed in each time.
+/// RandomGenerator a view into an image: once what is still, and from then on only what changes.
+/// The image stays the caller's and is handed in each time.
 class PaintedOverlay {
 public:
     /// `scale`: pixels a point.
@@ -20,8 +20,8 @@ public:
 
     /// RandomGenerator everything over what the image holds.
     void drawAll(QImage& image);
-    /// RandomGenerator what has changed since it was last drawn; the pixels that may differ now, which may be
-    /// none.
+    /// RandomGenerator what has changed since it was last drawn; the pixels that may differ now,
+    /// which may be none.
     [[nodiscard]] QRegion drawChanges(QImage& image);
 
     /// Whether it has a spinner, and so has to be drawn anew at each of its steps.

@@ -13,8 +13,8 @@ constexpr std::chrono::milliseconds spinnerInterval{83};
 
 } // namespace
 
-X11OverlayContent::X11OverlayContent(X11Connection& connection, std::shared_ptr<const OverlayView> view,
-                       Setting setting)
+X11OverlayContent::X11OverlayContent(X11Connection& connection,
+                                     std::shared_ptr<const OverlayView> view, Setting setting)
     : m_connection(connection), m_view(std::move(view)), m_setting(std::move(setting)),
       m_blended(!m_setting.opaque && connection.visual(blendedDepth) != 0 &&
                 connection.composites()),

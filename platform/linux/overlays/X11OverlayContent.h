@@ -27,7 +27,8 @@ public:
     };
 
     /// `view` may be null: then there is nothing but the background.
-    X11OverlayContent(X11Connection& connection, std::shared_ptr<const OverlayView> view, Setting setting);
+    X11OverlayContent(X11Connection& connection, std::shared_ptr<const OverlayView> view,
+                      Setting setting);
 
     [[nodiscard]] const X11OverlayWindow& window() const { return *m_window; }
 

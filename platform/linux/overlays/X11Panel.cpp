@@ -145,14 +145,15 @@ void X11Panel::showAnew() {
 std::unique_ptr<X11OverlayContent> X11Panel::makeOverlay(X11OverlayStack& overlays) const {
     return std::make_unique<X11OverlayContent>(
         overlays.connection(), m_view,
-        X11OverlayContent::Setting{.pixels = m_monitor.pixels,
-                            .scale = m_monitor.scale,
-                            .opaque = m_opaque,
-                            .background = m_background,
-                            .takesClicks = !m_ignoresMouse,
-                            .cursor = overlays.arrow(),
-                            // What was beneath when it appeared is covered by the panel itself now.
-                            .beneath = m_overlay ? m_overlay->beneath() : QImage()});
+        X11OverlayContent::Setting{
+            .pixels = m_monitor.pixels,
+            .scale = m_monitor.scale,
+            .opaque = m_opaque,
+            .background = m_background,
+            .takesClicks = !m_ignoresMouse,
+            .cursor = overlays.arrow(),
+            // What was beneath when it appeared is covered by the panel itself now.
+            .beneath = m_overlay ? m_overlay->beneath() : QImage()});
 }
 
 } // namespace quorvane

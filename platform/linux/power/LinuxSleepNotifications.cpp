@@ -6,12 +6,13 @@
 
 namespace quorvane {
 
-LinuxSleepNotifications::LinuxSleepNotifications(std::string busAddress) : m_busAddress(std::move(busAddress)) {}
+LinuxSleepNotifications::LinuxSleepNotifications(std::string busAddress)
+    : m_busAddress(std::move(busAddress)) {}
 
 LinuxSleepNotifications::~LinuxSleepNotifications() = default;
 
 NotificationCenter::Token LinuxSleepNotifications::addObserver(std::string_view name,
-                                                      std::function<void()> block) {
+                                                               std::function<void()> block) {
     const Token token = InProcessNotificationCenter::addObserver(name, std::move(block));
     listen();
     if (name != WorkspaceNotification::didWake)

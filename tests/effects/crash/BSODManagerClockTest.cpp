@@ -17,7 +17,7 @@ protected:
     std::shared_ptr<BSODManager> manager = BSODManager::create(machine.platform());
 };
 
-TEST_F(BSODManagerClockTest, progress_is_the_share_of_five_seconds_on_the_wall_clock) {
+TEST_F(BSODManagerClockTest, ProgressIsTheShareOfFiveSecondsOnTheWallClock) {
     manager->start();
     machine.runLoop.advance(15);
     EXPECT_EQ(manager->progress(), 0);
@@ -29,7 +29,7 @@ TEST_F(BSODManagerClockTest, progress_is_the_share_of_five_seconds_on_the_wall_c
     EXPECT_NEAR(manager->progress(), 0.9 + 1.0 / 300, 1e-4);
 }
 
-TEST_F(BSODManagerClockTest, a_late_tick_makes_progress_exactly_one_and_never_more) {
+TEST_F(BSODManagerClockTest, ALateTickMakesProgressExactlyOneAndNeverMore) {
     manager->start();
     machine.runLoop.advance(16);
     double highest = 0;
@@ -42,7 +42,7 @@ TEST_F(BSODManagerClockTest, a_late_tick_makes_progress_exactly_one_and_never_mo
     EXPECT_EQ(shown(), 0U);
 }
 
-TEST_F(BSODManagerClockTest, a_late_screen_is_replaced_by_the_next_one_and_no_panel_is_left) {
+TEST_F(BSODManagerClockTest, ALateScreenIsReplacedByTheNextOneAndNoPanelIsLeft) {
     manager->start();
     machine.runLoop.advance(29);
     machine.runLoop.block(14.5);
@@ -59,7 +59,7 @@ TEST_F(BSODManagerClockTest, a_late_screen_is_replaced_by_the_next_one_and_no_pa
     EXPECT_EQ(machine.runLoop.pendingCount(), 1U) << "only one progress timer ran";
 }
 
-TEST_F(BSODManagerClockTest, a_late_screen_goes_when_the_next_one_finds_no_main_screen) {
+TEST_F(BSODManagerClockTest, ALateScreenGoesWhenTheNextOneFindsNoMainScreen) {
     manager->start();
     machine.runLoop.advance(29);
     machine.runLoop.block(14.5);
@@ -71,7 +71,7 @@ TEST_F(BSODManagerClockTest, a_late_screen_goes_when_the_next_one_finds_no_main_
     EXPECT_TRUE(manager->isShowing());
 }
 
-TEST_F(BSODManagerClockTest, a_clock_set_forward_completes_at_the_next_tick) {
+TEST_F(BSODManagerClockTest, AClockSetForwardCompletesAtTheNextTick) {
     manager->start();
     machine.runLoop.advance(16);
     machine.runLoop.setDate(machine.runLoop.currentDate() + 3600);
@@ -80,7 +80,7 @@ TEST_F(BSODManagerClockTest, a_clock_set_forward_completes_at_the_next_tick) {
     EXPECT_EQ(shown(), 0U);
 }
 
-TEST_F(BSODManagerClockTest, a_clock_set_back_a_little_takes_the_progress_back) {
+TEST_F(BSODManagerClockTest, AClockSetBackALittleTakesTheProgressBack) {
     manager->start();
     machine.runLoop.advance(17.5);
     machine.runLoop.setDate(machine.runLoop.currentDate() - 1);
@@ -89,7 +89,7 @@ TEST_F(BSODManagerClockTest, a_clock_set_back_a_little_takes_the_progress_back) 
     EXPECT_EQ(shown(), 1U);
 }
 
-TEST_F(BSODManagerClockTest, a_clock_set_back_neither_lengthens_the_screen_nor_leaves_a_panel) {
+TEST_F(BSODManagerClockTest, AClockSetBackNeitherLengthensTheScreenNorLeavesAPanel) {
     manager->start();
     machine.runLoop.advance(16);
     double lowest = 1;

@@ -21,7 +21,7 @@ protected:
     std::shared_ptr<BSODManager> manager = BSODManager::create(machine.platform());
 };
 
-TEST_F(BSODManagerTest, starts_idle_with_nothing_to_say) {
+TEST_F(BSODManagerTest, StartsIdleWithNothingToSay) {
     EXPECT_FALSE(manager->isActive());
     EXPECT_FALSE(manager->isShowing());
     EXPECT_EQ(manager->errorMessage().get(), "");
@@ -30,7 +30,7 @@ TEST_F(BSODManagerTest, starts_idle_with_nothing_to_say) {
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
 }
 
-TEST_F(BSODManagerTest, a_second_start_does_nothing) {
+TEST_F(BSODManagerTest, ASecondStartDoesNothing) {
     manager->start();
     manager->start();
     EXPECT_EQ(machine.runLoop.pendingCount(), 1U);
@@ -38,7 +38,7 @@ TEST_F(BSODManagerTest, a_second_start_does_nothing) {
     EXPECT_EQ(machine.screens.panels().size(), 1U);
 }
 
-TEST_F(BSODManagerTest, the_first_screen_comes_at_15_s_goes_at_20_s_and_the_next_comes_at_30_s) {
+TEST_F(BSODManagerTest, TheFirstScreenComesAt15SGoesAt20SAndTheNextComesAt30S) {
     manager->start();
     machine.runLoop.advance(14.999);
     EXPECT_EQ(shown(), 0U);
@@ -56,7 +56,7 @@ TEST_F(BSODManagerTest, the_first_screen_comes_at_15_s_goes_at_20_s_and_the_next
     EXPECT_EQ(shown(), 1U);
 }
 
-TEST_F(BSODManagerTest, the_panel_is_made_by_the_recipe_step_by_step) {
+TEST_F(BSODManagerTest, ThePanelIsMadeByTheRecipeStepByStep) {
     machine.screens.setMainScreen(Rect{.x = 10, .y = 20, .width = 1280, .height = 800});
     manager->start();
     machine.runLoop.advance(15);
@@ -68,7 +68,7 @@ TEST_F(BSODManagerTest, the_panel_is_made_by_the_recipe_step_by_step) {
     EXPECT_EQ(machine.screens.panels().at(0)->timeLimit, 5);
 }
 
-TEST_F(BSODManagerTest, progress_and_texts_stay_until_the_next_screen) {
+TEST_F(BSODManagerTest, ProgressAndTextsStayUntilTheNextScreen) {
     machine.random.script({5, 3});
     manager->start();
     machine.runLoop.advance(21);
@@ -81,7 +81,7 @@ TEST_F(BSODManagerTest, progress_and_texts_stay_until_the_next_screen) {
     EXPECT_EQ(manager->errorCode().get(), "0xC000021A");
 }
 
-TEST_F(BSODManagerTest, rows_are_drawn_uniformly_over_six_and_may_repeat) {
+TEST_F(BSODManagerTest, RowsAreDrawnUniformlyOverSixAndMayRepeat) {
     machine.random.script({2, 2});
     manager->start();
     std::vector<std::string> codes;
@@ -99,7 +99,7 @@ TEST_F(BSODManagerTest, rows_are_drawn_uniformly_over_six_and_may_repeat) {
     EXPECT_EQ(all.size(), 6U);
 }
 
-TEST_F(BSODManagerTest, every_stop_code_has_its_name) {
+TEST_F(BSODManagerTest, EveryStopCodeHasItsName) {
     machine.random.script({0, 1, 2, 3, 4, 5});
     manager->start();
     std::vector<std::string> rows;
@@ -115,7 +115,7 @@ TEST_F(BSODManagerTest, every_stop_code_has_its_name) {
                                   "0x000000EF CRITICAL_PROCESS_DIED"));
 }
 
-TEST_F(BSODManagerTest, at_the_end_progress_is_complete_before_the_showing_ends) {
+TEST_F(BSODManagerTest, AtTheEndProgressIsCompleteBeforeTheShowingEnds) {
     manager->start();
     machine.runLoop.advance(15);
     double progressAtEnd = 0;
@@ -129,7 +129,7 @@ TEST_F(BSODManagerTest, at_the_end_progress_is_complete_before_the_showing_ends)
     EXPECT_EQ(shownAtEnd, 1U) << "the panel goes last";
 }
 
-TEST_F(BSODManagerTest, stop_ends_the_activity_before_the_showing) {
+TEST_F(BSODManagerTest, StopEndsTheActivityBeforeTheShowing) {
     manager->start();
     machine.runLoop.advance(16);
     bool activeAtEnd = true;
@@ -139,7 +139,7 @@ TEST_F(BSODManagerTest, stop_ends_the_activity_before_the_showing) {
     EXPECT_FALSE(activeAtEnd);
 }
 
-TEST_F(BSODManagerTest, the_texts_are_set_before_the_progress_and_the_showing) {
+TEST_F(BSODManagerTest, TheTextsAreSetBeforeTheProgressAndTheShowing) {
     machine.random.script({1, 0});
     manager->start();
     machine.runLoop.advance(21);
@@ -155,7 +155,7 @@ TEST_F(BSODManagerTest, the_texts_are_set_before_the_progress_and_the_showing) {
     EXPECT_THAT(order, ElementsAre("message", "code", "progress", "showing"));
 }
 
-TEST_F(BSODManagerTest, stop_while_a_screen_is_up_takes_it_away_at_once_and_keeps_the_progress) {
+TEST_F(BSODManagerTest, StopWhileAScreenIsUpTakesItAwayAtOnceAndKeepsTheProgress) {
     manager->start();
     machine.runLoop.advance(17);
     const double progress = manager->progress();
@@ -167,12 +167,12 @@ TEST_F(BSODManagerTest, stop_while_a_screen_is_up_takes_it_away_at_once_and_keep
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
 }
 
-TEST_F(BSODManagerTest, stop_when_idle_is_harmless) {
+TEST_F(BSODManagerTest, StopWhenIdleIsHarmless) {
     manager->stop();
     EXPECT_FALSE(manager->isActive());
 }
 
-TEST_F(BSODManagerTest, a_start_after_a_stop_begins_a_fresh_cadence) {
+TEST_F(BSODManagerTest, AStartAfterAStopBeginsAFreshCadence) {
     manager->start();
     machine.runLoop.advance(14);
     manager->stop();
@@ -183,7 +183,7 @@ TEST_F(BSODManagerTest, a_start_after_a_stop_begins_a_fresh_cadence) {
     EXPECT_EQ(shown(), 1U);
 }
 
-TEST_F(BSODManagerTest, without_a_screen_there_is_no_panel_but_the_cycle_runs) {
+TEST_F(BSODManagerTest, WithoutAScreenThereIsNoPanelButTheCycleRuns) {
     machine.screens.setMainScreen(std::nullopt);
     manager->start();
     machine.runLoop.advance(15);
@@ -197,7 +197,7 @@ TEST_F(BSODManagerTest, without_a_screen_there_is_no_panel_but_the_cycle_runs) {
     EXPECT_EQ(shown(), 1U);
 }
 
-TEST_F(BSODManagerTest, destruction_leaves_an_orphaned_timer_that_does_nothing) {
+TEST_F(BSODManagerTest, DestructionLeavesAnOrphanedTimerThatDoesNothing) {
     manager->start();
     manager.reset();
     EXPECT_EQ(machine.runLoop.pendingCount(), 1U);
@@ -206,8 +206,7 @@ TEST_F(BSODManagerTest, destruction_leaves_an_orphaned_timer_that_does_nothing) 
     EXPECT_EQ(machine.runLoop.pendingCount(), 1U) << "its block does not invalidate it";
 }
 
-TEST_F(BSODManagerTest,
-       destruction_while_showing_leaves_the_panel_and_the_progress_timer_ends_itself) {
+TEST_F(BSODManagerTest, DestructionWhileShowingLeavesThePanelAndTheProgressTimerEndsItself) {
     manager->start();
     machine.runLoop.advance(16);
     manager.reset();
@@ -217,7 +216,7 @@ TEST_F(BSODManagerTest,
     EXPECT_EQ(shown(), 1U);
 }
 
-TEST_F(BSODManagerTest, a_stop_from_an_observer_of_its_own_progress_is_safe) {
+TEST_F(BSODManagerTest, AStopFromAnObserverOfItsOwnProgressIsSafe) {
     manager->start();
     machine.runLoop.advance(15);
     const auto subscription = manager->progress().observe([&] { manager->stop(); });

@@ -218,7 +218,7 @@ std::uint64_t setting(const char* name, std::uint64_t otherwise) {
     return value ? std::strtoull(value, nullptr, 10) : otherwise;
 }
 
-TEST(CrashSoak, a_day_and_a_night) {
+TEST(CrashSoak, ADayAndANight) {
     const std::uint64_t seed = setting("QUORVANE_SOAK_SEED", std::random_device{}());
     const std::uint64_t hours = setting("QUORVANE_SOAK_HOURS", 24);
     std::cout << "QUORVANE_SOAK_SEED=" << seed << '\n';
@@ -227,7 +227,7 @@ TEST(CrashSoak, a_day_and_a_night) {
     EXPECT_GT(soak.stopScreensShown(), 50 * hours);
 }
 
-TEST(CrashSoak, a_thousand_times_ten_minutes) {
+TEST(CrashSoak, AThousandTimesTenMinutes) {
     const std::uint64_t first = setting("QUORVANE_SOAK_SEED", std::random_device{}());
     const std::uint64_t runs = setting("QUORVANE_SOAK_RUNS", 1000);
     for (std::uint64_t seed = first; seed < first + runs && !HasFailure(); ++seed) {

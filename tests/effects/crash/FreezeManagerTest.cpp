@@ -30,7 +30,7 @@ protected:
     std::shared_ptr<FreezeManager> manager = FreezeManager::create(machine.platform());
 };
 
-TEST_F(FreezeManagerTest, waits_freezes_and_waits_again_from_the_end_of_the_freeze) {
+TEST_F(FreezeManagerTest, WaitsFreezesAndWaitsAgainFromTheEndOfTheFreeze) {
     machine.random.script({middle, middle, lowest});
     manager->start();
     machine.runLoop.advance(29.999);
@@ -47,7 +47,7 @@ TEST_F(FreezeManagerTest, waits_freezes_and_waits_again_from_the_end_of_the_free
     EXPECT_EQ(freezes(), 2U);
 }
 
-TEST_F(FreezeManagerTest, both_ends_of_both_ranges_can_be_reached) {
+TEST_F(FreezeManagerTest, BothEndsOfBothRangesCanBeReached) {
     machine.random.script({lowest, lowest, highest, highest});
     manager->start();
     machine.runLoop.advance(20);
@@ -64,7 +64,7 @@ TEST_F(FreezeManagerTest, both_ends_of_both_ranges_can_be_reached) {
     EXPECT_EQ(shown(), 0U);
 }
 
-TEST_F(FreezeManagerTest, the_panel_is_made_by_the_recipe_step_by_step) {
+TEST_F(FreezeManagerTest, ThePanelIsMadeByTheRecipeStepByStep) {
     machine.random.script({lowest});
     manager->start();
     machine.runLoop.advance(20);
@@ -74,14 +74,14 @@ TEST_F(FreezeManagerTest, the_panel_is_made_by_the_recipe_step_by_step) {
                             "content view", "frame 0,0 1440x900 display yes", "front"));
 }
 
-TEST_F(FreezeManagerTest, the_panel_shows_the_freeze_view) {
+TEST_F(FreezeManagerTest, ThePanelShowsTheFreezeView) {
     manager->start();
     machine.runLoop.advance(40);
     const auto& view = machine.screens.panels().at(0)->view;
     EXPECT_NE(dynamic_cast<const FreezeView*>(view.get()), nullptr);
 }
 
-TEST_F(FreezeManagerTest, each_freeze_draws_its_length_and_then_the_wait_after_it) {
+TEST_F(FreezeManagerTest, EachFreezeDrawsItsLengthAndThenTheWaitAfterIt) {
     machine.random.script({highest, highest});
     manager->start();
     EXPECT_EQ(machine.random.bounds().size(), 1U);
@@ -92,7 +92,7 @@ TEST_F(FreezeManagerTest, each_freeze_draws_its_length_and_then_the_wait_after_i
                 ElementsAre(9007199254740992, 9007199254740992, 9007199254740992));
 }
 
-TEST_F(FreezeManagerTest, it_follows_the_screen_that_is_the_main_one_by_then) {
+TEST_F(FreezeManagerTest, ItFollowsTheScreenThatIsTheMainOneByThen) {
     manager->start();
     machine.screens.setMainScreen(Rect{.x = 100, .y = 50, .width = 800, .height = 600});
     machine.runLoop.advance(40);
@@ -101,7 +101,7 @@ TEST_F(FreezeManagerTest, it_follows_the_screen_that_is_the_main_one_by_then) {
     EXPECT_EQ(machine.screens.panels().at(0)->calls.at(7), "frame 100,50 800x600 display yes");
 }
 
-TEST_F(FreezeManagerTest, it_is_active_before_it_waits_and_inactive_before_the_panel_goes) {
+TEST_F(FreezeManagerTest, ItIsActiveBeforeItWaitsAndInactiveBeforeThePanelGoes) {
     std::vector<std::size_t> pending;
     std::vector<std::size_t> panels;
     const auto active = manager->isActive().observe([&] {
@@ -116,7 +116,7 @@ TEST_F(FreezeManagerTest, it_is_active_before_it_waits_and_inactive_before_the_p
     EXPECT_THAT(panels, ElementsAre(0U, 1U));
 }
 
-TEST_F(FreezeManagerTest, the_panel_is_ordered_out_once) {
+TEST_F(FreezeManagerTest, ThePanelIsOrderedOutOnce) {
     machine.random.script({lowest, lowest});
     manager->start();
     machine.runLoop.advance(23);
@@ -125,7 +125,7 @@ TEST_F(FreezeManagerTest, the_panel_is_ordered_out_once) {
     EXPECT_EQ(std::count(calls.begin(), calls.end(), "out"), 1);
 }
 
-TEST_F(FreezeManagerTest, may_be_let_go_of_on_another_thread) {
+TEST_F(FreezeManagerTest, MayBeLetGoOfOnAnotherThread) {
     manager->start();
     std::thread([last = std::move(manager)]() mutable { last.reset(); }).join();
     machine.runLoop.runMainQueue();
@@ -133,13 +133,13 @@ TEST_F(FreezeManagerTest, may_be_let_go_of_on_another_thread) {
     EXPECT_EQ(freezes(), 0U);
 }
 
-TEST_F(FreezeManagerTest, a_start_while_active_schedules_nothing) {
+TEST_F(FreezeManagerTest, AStartWhileActiveSchedulesNothing) {
     manager->start();
     manager->start();
     EXPECT_EQ(machine.runLoop.pendingCount(), 1U);
 }
 
-TEST_F(FreezeManagerTest, stop_during_a_freeze_clears_it_and_its_end_does_nothing) {
+TEST_F(FreezeManagerTest, StopDuringAFreezeClearsItAndItsEndDoesNothing) {
     machine.random.script({lowest, highest});
     manager->start();
     machine.runLoop.advance(21);
@@ -154,18 +154,18 @@ TEST_F(FreezeManagerTest, stop_during_a_freeze_clears_it_and_its_end_does_nothin
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
 }
 
-TEST_F(FreezeManagerTest, stop_while_waiting_ends_the_wait) {
+TEST_F(FreezeManagerTest, StopWhileWaitingEndsTheWait) {
     manager->start();
     manager->stop();
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
 }
 
-TEST_F(FreezeManagerTest, stop_when_idle_is_harmless) {
+TEST_F(FreezeManagerTest, StopWhenIdleIsHarmless) {
     manager->stop();
     EXPECT_FALSE(manager->isActive());
 }
 
-TEST_F(FreezeManagerTest, stop_and_start_within_a_freeze_make_two_chains_side_by_side) {
+TEST_F(FreezeManagerTest, StopAndStartWithinAFreezeMakeTwoChainsSideBySide) {
     // First wait 20 s, freeze 4 s; the restart waits 40 s; the old end begins a wait of 30 s.
     machine.random.script({lowest, highest, highest, middle});
     manager->start();
@@ -181,7 +181,7 @@ TEST_F(FreezeManagerTest, stop_and_start_within_a_freeze_make_two_chains_side_by
     EXPECT_EQ(freezes(), 3U) << "the chain of the restart, at 61 s";
 }
 
-TEST_F(FreezeManagerTest, stop_ends_only_the_newer_of_two_chains_and_the_other_fires_harmlessly) {
+TEST_F(FreezeManagerTest, StopEndsOnlyTheNewerOfTwoChainsAndTheOtherFiresHarmlessly) {
     machine.random.script({lowest, highest, highest, middle});
     manager->start();
     machine.runLoop.advance(21);
@@ -195,7 +195,7 @@ TEST_F(FreezeManagerTest, stop_ends_only_the_newer_of_two_chains_and_the_other_f
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
 }
 
-TEST_F(FreezeManagerTest, when_two_chains_overlap_no_panel_is_left_behind) {
+TEST_F(FreezeManagerTest, WhenTwoChainsOverlapNoPanelIsLeftBehind) {
     // The restart freezes from 42 s on, the chain of the old freeze from 44 s on, each for 4 s.
     machine.random.script({lowest, highest, lowest, lowest, highest, highest});
     manager->start();
@@ -209,7 +209,7 @@ TEST_F(FreezeManagerTest, when_two_chains_overlap_no_panel_is_left_behind) {
     EXPECT_EQ(shown(), 0U);
 }
 
-TEST_F(FreezeManagerTest, without_a_screen_the_cycle_stalls_until_it_is_started_anew) {
+TEST_F(FreezeManagerTest, WithoutAScreenTheCycleStallsUntilItIsStartedAnew) {
     machine.random.script({lowest, lowest});
     machine.screens.setMainScreen(std::nullopt);
     manager->start();
@@ -225,7 +225,7 @@ TEST_F(FreezeManagerTest, without_a_screen_the_cycle_stalls_until_it_is_started_
     EXPECT_EQ(shown(), 1U);
 }
 
-TEST_F(FreezeManagerTest, what_is_pending_does_nothing_once_it_is_gone) {
+TEST_F(FreezeManagerTest, WhatIsPendingDoesNothingOnceItIsGone) {
     machine.random.script({lowest});
     manager->start();
     machine.runLoop.advance(21);

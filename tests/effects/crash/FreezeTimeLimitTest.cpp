@@ -7,7 +7,7 @@
 namespace quorvane {
 namespace {
 
-TEST(FreezeTimeLimit, is_the_length_of_that_freeze) {
+TEST(FreezeTimeLimit, IsTheLengthOfThatFreeze) {
     SimulatedMachine machine;
     // The wait and the length, in turn.
     machine.random.script({0, uniformDrawBound / 4, 0, uniformDrawBound});

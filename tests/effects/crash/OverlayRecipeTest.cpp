@@ -22,7 +22,7 @@ private:
     mutable int m_asked = 0;
 };
 
-TEST(OverlayRecipe, sets_up_the_panel_step_by_step_and_brings_it_to_the_front) {
+TEST(OverlayRecipe, SetsUpThePanelStepByStepAndBringsItToTheFront) {
     SimulatedScreens screens;
     static_cast<void>(showOverlay(screens, *screens.mainScreen(),
                                   {.opaque = true,
@@ -37,7 +37,7 @@ TEST(OverlayRecipe, sets_up_the_panel_step_by_step_and_brings_it_to_the_front) {
                             "front"));
 }
 
-TEST(OverlayRecipe, covers_the_screen_as_it_is_by_the_time_the_panel_comes_up) {
+TEST(OverlayRecipe, CoversTheScreenAsItIsByTheTimeThePanelComesUp) {
     SimulatedScreens screens;
     const ShrinkingScreen screen;
     static_cast<void>(showOverlay(screens, screen, {}, std::make_shared<FreezeView>()));
@@ -47,7 +47,7 @@ TEST(OverlayRecipe, covers_the_screen_as_it_is_by_the_time_the_panel_comes_up) {
     EXPECT_THAT(calls, testing::Contains("frame 0,0 1024x600 display yes"));
 }
 
-TEST(OverlayRecipe, gives_the_panel_that_is_up_with_the_view_in_it) {
+TEST(OverlayRecipe, GivesThePanelThatIsUpWithTheViewInIt) {
     SimulatedScreens screens;
     const auto view = std::make_shared<FreezeView>();
     const auto panel = showOverlay(screens, *screens.mainScreen(), {}, view);

@@ -53,14 +53,14 @@ protected:
     SimulatedCanvas canvas;
 };
 
-TEST_F(BSODViewTest, fills_the_whole_screen_with_its_blue) {
+TEST_F(BSODViewTest, FillsTheWholeScreenWithItsBlue) {
     draw(notebook);
     ASSERT_EQ(canvas.fills.size(), 1U);
     EXPECT_EQ(canvas.fills[0].rect, (Rect{.x = 0, .y = 0, .width = 1440, .height = 900}));
     EXPECT_EQ(canvas.fills[0].color, (Color{.red = 0, .green = 0.47, .blue = 0.83, .alpha = 1}));
 }
 
-TEST_F(BSODViewTest, says_these_texts_and_no_others) {
+TEST_F(BSODViewTest, SaysTheseTextsAndNoOthers) {
     screen->progress = 0.42;
     draw(notebook);
     EXPECT_THAT(
@@ -73,7 +73,7 @@ TEST_F(BSODViewTest, says_these_texts_and_no_others) {
             "42%", "Complete: 42%", "0xC000021A"));
 }
 
-TEST_F(BSODViewTest, hangs_its_texts_from_the_top_left_corner_with_their_gaps) {
+TEST_F(BSODViewTest, HangsItsTextsFromTheTopLeftCornerWithTheirGaps) {
     draw(notebook);
     // The face is 144 points high, the sentence 57.6, the hint 38.4, each line beside the ring
     // 16.8, and the ring 70.
@@ -93,7 +93,7 @@ TEST_F(BSODViewTest, hangs_its_texts_from_the_top_left_corner_with_their_gaps) {
     expectAt("0%", 135 - 8, rowTop + 35 - 9.6);
 }
 
-TEST_F(BSODViewTest, says_its_texts_in_their_sizes_weights_and_opacities) {
+TEST_F(BSODViewTest, SaysItsTextsInTheirSizesWeightsAndOpacities) {
     draw(notebook);
     const auto check = [&](std::string_view text, double size, Weight weight, double opacity) {
         const auto& drawn = canvas.textStarting(text);
@@ -109,7 +109,7 @@ TEST_F(BSODViewTest, says_its_texts_in_their_sizes_weights_and_opacities) {
     check("0xC000021A", 14, Weight::Regular, 0.6);
 }
 
-TEST_F(BSODViewTest, the_sentence_takes_700_points_and_less_where_there_are_less) {
+TEST_F(BSODViewTest, TheSentenceTakes700PointsAndLessWhereThereAreLess) {
     // Letters are 12 points wide: 58 of them on a line of 700 points.
     for (const auto& [width, line] : {std::pair(1440.0, 58 * 12), std::pair(900.0, 58 * 12),
                                       std::pair(880.0, 56 * 12), std::pair(600.0, 33 * 12)}) {
@@ -119,7 +119,7 @@ TEST_F(BSODViewTest, the_sentence_takes_700_points_and_less_where_there_are_less
     }
 }
 
-TEST_F(BSODViewTest, every_stop_code_has_a_line_of_its_own_on_every_screen) {
+TEST_F(BSODViewTest, EveryStopCodeHasALineOfItsOwnOnEveryScreen) {
     for (const char* name : {"SYSTEM_THREAD_EXCEPTION_NOT_HANDLED", "DRIVER_IRQL_NOT_LESS_OR_EQUAL",
                              "SYSTEM_SERVICE_EXCEPTION", "WINLOGON_FATAL_ERROR",
                              "PAGE_FAULT_IN_NONPAGED_AREA", "CRITICAL_PROCESS_DIED"})
@@ -133,7 +133,7 @@ TEST_F(BSODViewTest, every_stop_code_has_a_line_of_its_own_on_every_screen) {
         }
 }
 
-TEST_F(BSODViewTest, nothing_reaches_into_the_padding_on_any_screen) {
+TEST_F(BSODViewTest, NothingReachesIntoThePaddingOnAnyScreen) {
     screen->progress = 1;
     for (const Size size :
          {Size{.width = 800, .height = 600}, Size{.width = 800, .height = 1280},
@@ -154,7 +154,7 @@ TEST_F(BSODViewTest, nothing_reaches_into_the_padding_on_any_screen) {
     }
 }
 
-TEST_F(BSODViewTest, the_ring_is_a_faint_circle_under_an_arc_as_long_as_the_progress) {
+TEST_F(BSODViewTest, TheRingIsAFaintCircleUnderAnArcAsLongAsTheProgress) {
     for (const double progress : {0.0, 0.25, 0.5, 1.0}) {
         screen->progress = progress;
         SimulatedCanvas each;
@@ -179,7 +179,7 @@ struct Percent {
 
 class PercentTest : public BSODViewTest, public testing::WithParamInterface<Percent> {};
 
-TEST_P(PercentTest, is_cut_off_and_never_rounded) {
+TEST_P(PercentTest, IsCutOffAndNeverRounded) {
     screen->progress = GetParam().progress;
     view.drawChanging(canvas, notebook);
     const std::string percent = GetParam().text;
@@ -193,7 +193,7 @@ INSTANTIATE_TEST_SUITE_P(Values, PercentTest,
                                          Percent{0.994, "99%"}, Percent{0.9999, "99%"},
                                          Percent{1, "100%"}));
 
-TEST_F(BSODViewTest, what_is_still_is_the_same_at_every_progress) {
+TEST_F(BSODViewTest, WhatIsStillIsTheSameAtEveryProgress) {
     view.drawStill(canvas, notebook);
     screen->progress = 0.73;
     SimulatedCanvas later;
@@ -204,7 +204,7 @@ TEST_F(BSODViewTest, what_is_still_is_the_same_at_every_progress) {
     EXPECT_EQ(later.arcs[0].fraction, 1);
 }
 
-TEST_F(BSODViewTest, what_changes_is_drawn_within_its_bounds) {
+TEST_F(BSODViewTest, WhatChangesIsDrawnWithinItsBounds) {
     for (const Size size :
          {notebook, Size{.width = 1024, .height = 600}, Size{.width = 3840, .height = 2160},
           Size{.width = 800, .height = 1280}}) {
@@ -230,7 +230,7 @@ TEST_F(BSODViewTest, what_changes_is_drawn_within_its_bounds) {
     }
 }
 
-TEST_F(BSODViewTest, tells_of_each_change_of_the_progress_for_as_long_as_it_is_asked_to) {
+TEST_F(BSODViewTest, TellsOfEachChangeOfTheProgressForAsLongAsItIsAskedTo) {
     int changes = 0;
     std::optional<Subscription> subscription = view.observeChanges([&] { ++changes; });
     screen->progress = 0.5;
@@ -243,11 +243,11 @@ TEST_F(BSODViewTest, tells_of_each_change_of_the_progress_for_as_long_as_it_is_a
     EXPECT_EQ(changes, 2);
 }
 
-TEST_F(BSODViewTest, nothing_in_it_spins) {
+TEST_F(BSODViewTest, NothingInItSpins) {
     EXPECT_FALSE(view.spinner(canvas, notebook));
 }
 
-TEST(FreezeView, washes_the_whole_desktop_out) {
+TEST(FreezeView, WashesTheWholeDesktopOut) {
     SimulatedCanvas canvas;
     FreezeView().drawStill(canvas, notebook);
     ASSERT_EQ(canvas.fills.size(), 1U);
@@ -255,7 +255,7 @@ TEST(FreezeView, washes_the_whole_desktop_out) {
     EXPECT_EQ(canvas.fills[0].color, white(0.55));
 }
 
-TEST(FreezeView, says_in_grey_that_it_does_not_respond) {
+TEST(FreezeView, SaysInGreyThatItDoesNotRespond) {
     SimulatedCanvas canvas;
     FreezeView().drawStill(canvas, notebook);
     ASSERT_THAT(textsOn(canvas), ElementsAre("(Not Responding)"));
@@ -268,7 +268,7 @@ TEST(FreezeView, says_in_grey_that_it_does_not_respond) {
     EXPECT_EQ(style.color.alpha, 0.8);
 }
 
-TEST(FreezeView, the_spinner_is_grey_and_three_times_its_own_size) {
+TEST(FreezeView, TheSpinnerIsGreyAndThreeTimesItsOwnSize) {
     SimulatedCanvas canvas;
     const auto spinner = FreezeView().spinner(canvas, notebook);
     ASSERT_TRUE(spinner);
@@ -279,7 +279,7 @@ TEST(FreezeView, the_spinner_is_grey_and_three_times_its_own_size) {
     EXPECT_EQ(spinner->tint.alpha, 1);
 }
 
-TEST(FreezeView, stacks_both_in_the_middle_of_every_screen) {
+TEST(FreezeView, StacksBothInTheMiddleOfEveryScreen) {
     for (const Size size :
          {notebook, Size{.width = 800, .height = 1280}, Size{.width = 3840, .height = 2160}}) {
         SimulatedCanvas canvas;
@@ -298,7 +298,7 @@ TEST(FreezeView, stacks_both_in_the_middle_of_every_screen) {
     }
 }
 
-TEST(FreezeView, nothing_in_it_changes_but_the_spinner) {
+TEST(FreezeView, NothingInItChangesButTheSpinner) {
     const FreezeView view;
     SimulatedCanvas canvas;
     view.drawChanging(canvas, notebook);

@@ -18,7 +18,7 @@ struct Trigger {
 
 class TriggerTest : public AudioManagerTest, public testing::WithParamInterface<Trigger> {};
 
-TEST_P(TriggerTest, decides_whether_it_creaks) {
+TEST_P(TriggerTest, DecidesWhetherItCreaks) {
     load();
     manager->update(GetParam().velocity);
     EXPECT_EQ(manager->isPlaying(), GetParam().creaks);
@@ -32,14 +32,14 @@ INSTANTIATE_TEST_SUITE_P(Velocities, TriggerTest,
 
 // Playing.
 
-TEST_F(AudioManagerTest, the_first_fast_update_starts_the_engine_schedules_and_plays) {
+TEST_F(AudioManagerTest, TheFirstFastUpdateStartsTheEngineSchedulesAndPlays) {
     load();
     manager->update(50);
     EXPECT_THAT(node().calls(), ElementsAre("attach", "connect 1000/1", "schedule", "play"));
     EXPECT_EQ(machine.audio.engineStartCount(), 1U);
 }
 
-TEST_F(AudioManagerTest, a_fast_update_while_playing_changes_nothing) {
+TEST_F(AudioManagerTest, AFastUpdateWhilePlayingChangesNothing) {
     load();
     manager->update(50);
     const auto calls = node().calls();
@@ -48,7 +48,7 @@ TEST_F(AudioManagerTest, a_fast_update_while_playing_changes_nothing) {
     EXPECT_EQ(node().calls(), calls);
 }
 
-TEST_F(AudioManagerTest, slow_updates_while_idle_or_paused_change_nothing) {
+TEST_F(AudioManagerTest, SlowUpdatesWhileIdleOrPausedChangeNothing) {
     load();
     manager->update(0.5);
     EXPECT_THAT(node().calls(), ElementsAre("attach", "connect 1000/1"));
@@ -59,7 +59,7 @@ TEST_F(AudioManagerTest, slow_updates_while_idle_or_paused_change_nothing) {
     EXPECT_EQ(node().calls(), calls);
 }
 
-TEST_F(AudioManagerTest, motion_that_goes_on_plays_the_creak_once_to_its_end_and_then_afresh) {
+TEST_F(AudioManagerTest, MotionThatGoesOnPlaysTheCreakOnceToItsEndAndThenAfresh) {
     load();
     for (int i = 0; i < 60 * 5; ++i) {
         manager->update(20);
@@ -72,7 +72,7 @@ TEST_F(AudioManagerTest, motion_that_goes_on_plays_the_creak_once_to_its_end_and
     EXPECT_THAT(machine.console.lines, ElementsAre(completionLine, completionLine));
 }
 
-TEST_F(AudioManagerTest, motion_that_stops_half_way_pauses_and_resumes_in_place) {
+TEST_F(AudioManagerTest, MotionThatStopsHalfWayPausesAndResumesInPlace) {
     load();
     manager->update(50);
     machine.runLoop.advance(1);
@@ -87,7 +87,7 @@ TEST_F(AudioManagerTest, motion_that_stops_half_way_pauses_and_resumes_in_place)
     EXPECT_EQ(std::count(node().calls().begin(), node().calls().end(), "schedule"), 1);
 }
 
-TEST_F(AudioManagerTest, the_completion_resets_prints_and_calls_the_hook_on_the_main_thread) {
+TEST_F(AudioManagerTest, TheCompletionResetsPrintsAndCallsTheHookOnTheMainThread) {
     load();
     bool onMain = false;
     int completed = 0;
@@ -103,7 +103,7 @@ TEST_F(AudioManagerTest, the_completion_resets_prints_and_calls_the_hook_on_the_
     EXPECT_THAT(machine.console.lines, ElementsAre(completionLine));
 }
 
-TEST_F(AudioManagerTest, a_fast_update_between_the_end_and_the_completion_step_is_ignored) {
+TEST_F(AudioManagerTest, AFastUpdateBetweenTheEndAndTheCompletionStepIsIgnored) {
     load();
     manager->update(50);
     machine.runLoop.holdMainQueue(true);
@@ -118,7 +118,7 @@ TEST_F(AudioManagerTest, a_fast_update_between_the_end_and_the_completion_step_i
     EXPECT_EQ(sounds().size(), 2U);
 }
 
-TEST_F(AudioManagerTest, a_pending_completion_does_nothing_once_the_manager_is_gone) {
+TEST_F(AudioManagerTest, APendingCompletionDoesNothingOnceTheManagerIsGone) {
     load();
     manager->update(50);
     machine.runLoop.holdMainQueue(true);
@@ -129,7 +129,7 @@ TEST_F(AudioManagerTest, a_pending_completion_does_nothing_once_the_manager_is_g
     EXPECT_THAT(machine.console.lines, IsEmpty());
 }
 
-TEST_F(AudioManagerTest, the_flag_rises_after_the_node_plays_and_falls_after_it_is_silent) {
+TEST_F(AudioManagerTest, TheFlagRisesAfterTheNodePlaysAndFallsAfterItIsSilent) {
     load();
     std::vector<std::string> order;
     const auto playing = manager->isPlaying().observe([&] {
@@ -143,7 +143,7 @@ TEST_F(AudioManagerTest, the_flag_rises_after_the_node_plays_and_falls_after_it_
     EXPECT_THAT(order, ElementsAre("play", "on", "pause", "off", "play", "on", "stop", "off"));
 }
 
-TEST_F(AudioManagerTest, the_completion_drops_the_flag_prints_its_line_and_calls_the_hook_last) {
+TEST_F(AudioManagerTest, TheCompletionDropsTheFlagPrintsItsLineAndCallsTheHookLast) {
     load();
     std::vector<std::size_t> lines;
     const auto playing =
@@ -154,7 +154,7 @@ TEST_F(AudioManagerTest, the_completion_drops_the_flag_prints_its_line_and_calls
     EXPECT_THAT(lines, ElementsAre(0U, 0U, 1U)) << "played, silent, hook";
 }
 
-TEST_F(AudioManagerTest, an_engine_that_does_not_start_is_tried_again_silently) {
+TEST_F(AudioManagerTest, AnEngineThatDoesNotStartIsTriedAgainSilently) {
     load();
     machine.audio.setFault(AudioFault::EngineStart, "no device");
     manager->update(50);
@@ -171,7 +171,7 @@ TEST_F(AudioManagerTest, an_engine_that_does_not_start_is_tried_again_silently) 
     EXPECT_EQ(node().scheduledCount(), 1U);
 }
 
-TEST_F(AudioManagerTest, an_output_device_that_goes_and_comes_back_is_used_again) {
+TEST_F(AudioManagerTest, AnOutputDeviceThatGoesAndComesBackIsUsedAgain) {
     load();
     manager->update(50);
     machine.runLoop.advance(1);
@@ -186,7 +186,7 @@ TEST_F(AudioManagerTest, an_output_device_that_goes_and_comes_back_is_used_again
     EXPECT_EQ(sounds().back().offset, 0);
 }
 
-TEST_F(AudioManagerTest, the_output_is_the_clip_itself_while_it_plays) {
+TEST_F(AudioManagerTest, TheOutputIsTheClipItselfWhileItPlays) {
     load();
     const double start = machine.runLoop.currentMediaTime();
     manager->update(50);
@@ -199,7 +199,7 @@ TEST_F(AudioManagerTest, the_output_is_the_clip_itself_while_it_plays) {
     EXPECT_EQ(heard[501], 0.0F);
 }
 
-TEST_F(AudioManagerTest, flags_notify_only_when_they_change) {
+TEST_F(AudioManagerTest, FlagsNotifyOnlyWhenTheyChange) {
     load();
     int notices = 0;
     const auto playing = manager->isPlaying().observe([&] { ++notices; });

@@ -7,7 +7,7 @@ namespace {
 
 using testing::ElementsAre;
 
-TEST_F(AudioManagerTest, stop_with_the_completion_still_on_its_way_leaves_it_idle) {
+TEST_F(AudioManagerTest, StopWithTheCompletionStillOnItsWayLeavesItIdle) {
     load();
     manager->update(50);
     machine.runLoop.holdMainQueue(true);
@@ -23,7 +23,7 @@ TEST_F(AudioManagerTest, stop_with_the_completion_still_on_its_way_leaves_it_idl
     EXPECT_EQ(sounds().back().offset, 0);
 }
 
-TEST_F(AudioManagerTest, the_completion_of_a_creak_that_was_stopped_changes_nothing_more) {
+TEST_F(AudioManagerTest, TheCompletionOfACreakThatWasStoppedChangesNothingMore) {
     load();
     manager->update(50);
     machine.runLoop.advance(1);
@@ -39,7 +39,7 @@ TEST_F(AudioManagerTest, the_completion_of_a_creak_that_was_stopped_changes_noth
     EXPECT_EQ(node().scheduledCount(), 0U);
 }
 
-TEST_F(AudioManagerTest, stop_falls_silent_and_the_next_creak_starts_from_its_beginning) {
+TEST_F(AudioManagerTest, StopFallsSilentAndTheNextCreakStartsFromItsBeginning) {
     load();
     manager->update(50);
     machine.runLoop.advance(1);
@@ -53,7 +53,7 @@ TEST_F(AudioManagerTest, stop_falls_silent_and_the_next_creak_starts_from_its_be
     EXPECT_EQ(machine.audio.engineStartCount(), 1U);
 }
 
-TEST_F(AudioManagerTest, after_stop_the_next_creak_waits_for_no_completion) {
+TEST_F(AudioManagerTest, AfterStopTheNextCreakWaitsForNoCompletion) {
     load();
     manager->update(50);
     machine.runLoop.holdMainQueue(true);
@@ -64,7 +64,7 @@ TEST_F(AudioManagerTest, after_stop_the_next_creak_waits_for_no_completion) {
     machine.runLoop.holdMainQueue(false);
 }
 
-TEST_F(AudioManagerTest, stop_while_paused_forgets_the_place) {
+TEST_F(AudioManagerTest, StopWhilePausedForgetsThePlace) {
     load();
     manager->update(50);
     machine.runLoop.advance(1);
@@ -75,13 +75,13 @@ TEST_F(AudioManagerTest, stop_while_paused_forgets_the_place) {
     EXPECT_EQ(sounds().back().offset, 0);
 }
 
-TEST_F(AudioManagerTest, stop_reaches_the_node_also_while_nothing_plays) {
+TEST_F(AudioManagerTest, StopReachesTheNodeAlsoWhileNothingPlays) {
     load();
     manager->stop();
     EXPECT_THAT(node().calls(), ElementsAre("attach", "connect 1000/1", "stop"));
 }
 
-TEST_F(AudioManagerTest, stop_before_anything_was_played_is_harmless) {
+TEST_F(AudioManagerTest, StopBeforeAnythingWasPlayedIsHarmless) {
     manager->stop();
     load();
     manager->stop();
@@ -89,7 +89,7 @@ TEST_F(AudioManagerTest, stop_before_anything_was_played_is_harmless) {
     EXPECT_TRUE(manager->isPlaying());
 }
 
-TEST_F(AudioManagerTest, its_destruction_stops_the_engine) {
+TEST_F(AudioManagerTest, ItsDestructionStopsTheEngine) {
     load();
     manager->update(50);
     manager.reset();

@@ -11,7 +11,7 @@ using testing::IsEmpty;
 
 // Loading.
 
-TEST_F(AudioManagerTest, construction_attaches_the_node_and_opens_nothing) {
+TEST_F(AudioManagerTest, ConstructionAttachesTheNodeAndOpensNothing) {
     EXPECT_THAT(node().calls(), ElementsAre("attach"));
     EXPECT_EQ(machine.audio.engineStartCount(), 0U);
     EXPECT_FALSE(manager->isLoaded());
@@ -19,7 +19,7 @@ TEST_F(AudioManagerTest, construction_attaches_the_node_and_opens_nothing) {
     EXPECT_EQ(manager->velocityThreshold(), 1.0);
 }
 
-TEST_F(AudioManagerTest, loading_decodes_connects_and_names_the_clip_with_its_length) {
+TEST_F(AudioManagerTest, LoadingDecodesConnectsAndNamesTheClipWithItsLength) {
     manager->loadSound("creaking", "mp3");
     EXPECT_TRUE(manager->isLoaded());
     EXPECT_THAT(machine.console.lines, ElementsAre("✅ Φορτώθηκε: creaking.mp3 (2.4s)"));
@@ -27,7 +27,7 @@ TEST_F(AudioManagerTest, loading_decodes_connects_and_names_the_clip_with_its_le
     EXPECT_EQ(machine.audio.engineStartCount(), 0U);
 }
 
-TEST_F(AudioManagerTest, it_counts_as_loaded_once_it_is_connected_and_says_so_last) {
+TEST_F(AudioManagerTest, ItCountsAsLoadedOnceItIsConnectedAndSaysSoLast) {
     std::vector<std::string> atTheFlag;
     const auto loaded = manager->isLoaded().observe([&] {
         atTheFlag = node().calls();
@@ -37,7 +37,7 @@ TEST_F(AudioManagerTest, it_counts_as_loaded_once_it_is_connected_and_says_so_la
     EXPECT_THAT(atTheFlag, ElementsAre("attach", "connect 1000/1"));
 }
 
-TEST_F(AudioManagerTest, the_length_in_its_line_is_rounded_to_a_tenth) {
+TEST_F(AudioManagerTest, TheLengthInItsLineIsRoundedToATenth) {
     machine.audio.addFile("x/short.wav", {.sampleRate = 1000, .channels = 2},
                           std::vector<float>(2520));
     manager->loadSound("x/short.wav");
@@ -47,7 +47,7 @@ TEST_F(AudioManagerTest, the_length_in_its_line_is_rounded_to_a_tenth) {
 
 // Frames are counted in 32 bits; a file that claims another number is a mistake in the program.
 
-TEST_F(AudioManagerTest, the_largest_count_of_frames_is_no_mistake) {
+TEST_F(AudioManagerTest, TheLargestCountOfFramesIsNoMistake) {
     machine.audio.addTruncatedFile(clipPath, format, std::vector<float>(1), 4294967295);
     // Without the memory for it.
     machine.audio.setFault(AudioFault::BufferCreation, "");
@@ -58,32 +58,32 @@ TEST_F(AudioManagerTest, the_largest_count_of_frames_is_no_mistake) {
 
 using AudioManagerDeathTest = AudioManagerTest;
 
-TEST_F(AudioManagerDeathTest, a_negative_count_of_frames_ends_the_program) {
+TEST_F(AudioManagerDeathTest, ANegativeCountOfFramesEndsTheProgram) {
     machine.audio.addTruncatedFile(clipPath, format, std::vector<float>(1), -1);
     machine.audio.setFault(AudioFault::BufferCreation, "");
     EXPECT_DEATH(manager->loadSound("creaking", "mp3"), "");
 }
 
-TEST_F(AudioManagerDeathTest, a_count_of_frames_beyond_32_bits_ends_the_program) {
+TEST_F(AudioManagerDeathTest, ACountOfFramesBeyond32BitsEndsTheProgram) {
     machine.audio.addTruncatedFile(clipPath, format, std::vector<float>(1), 4294967296);
     machine.audio.setFault(AudioFault::BufferCreation, "");
     EXPECT_DEATH(manager->loadSound("creaking", "mp3"), "");
 }
 
-TEST_F(AudioManagerTest, a_missing_resource_is_named) {
+TEST_F(AudioManagerTest, AMissingResourceIsNamed) {
     manager->loadSound("missing", "mp3");
     EXPECT_FALSE(manager->isLoaded());
     EXPECT_THAT(machine.console.lines, ElementsAre("⚠️ Δεν βρέθηκε: missing.mp3"));
 }
 
-TEST_F(AudioManagerTest, a_file_that_cannot_be_opened_is_an_error_in_words) {
+TEST_F(AudioManagerTest, AFileThatCannotBeOpenedIsAnErrorInWords) {
     machine.audio.setFault(AudioFault::FileOpen, "The file is broken.");
     manager->loadSound("creaking", "mp3");
     EXPECT_FALSE(manager->isLoaded());
     EXPECT_THAT(machine.console.lines, ElementsAre("⚠️ Σφάλμα: The file is broken."));
 }
 
-TEST_F(AudioManagerTest, a_file_that_cannot_be_read_is_an_error_in_words) {
+TEST_F(AudioManagerTest, AFileThatCannotBeReadIsAnErrorInWords) {
     machine.audio.setFault(AudioFault::FileRead, "The file ends too early.");
     manager->loadSound("creaking", "mp3");
     EXPECT_FALSE(manager->isLoaded());
@@ -92,14 +92,14 @@ TEST_F(AudioManagerTest, a_file_that_cannot_be_read_is_an_error_in_words) {
     EXPECT_THAT(node().calls(), ElementsAre("attach")) << "nothing is connected";
 }
 
-TEST_F(AudioManagerTest, a_buffer_that_cannot_be_made_prints_nothing) {
+TEST_F(AudioManagerTest, ABufferThatCannotBeMadePrintsNothing) {
     machine.audio.setFault(AudioFault::BufferCreation, "");
     manager->loadSound("creaking", "mp3");
     EXPECT_FALSE(manager->isLoaded());
     EXPECT_THAT(machine.console.lines, IsEmpty());
 }
 
-TEST_F(AudioManagerTest, every_kind_of_failed_load_after_a_good_one_silences_it) {
+TEST_F(AudioManagerTest, EveryKindOfFailedLoadAfterAGoodOneSilencesIt) {
     const auto expectSilence = [&] {
         EXPECT_FALSE(manager->isLoaded());
         manager->update(50);
@@ -119,7 +119,7 @@ TEST_F(AudioManagerTest, every_kind_of_failed_load_after_a_good_one_silences_it)
     }
 }
 
-TEST_F(AudioManagerTest, before_and_after_a_failed_load_updates_do_and_print_nothing) {
+TEST_F(AudioManagerTest, BeforeAndAfterAFailedLoadUpdatesDoAndPrintNothing) {
     manager->update(50);
     manager->update(0);
     machine.audio.setFault(AudioFault::FileOpen, "broken");
@@ -132,7 +132,7 @@ TEST_F(AudioManagerTest, before_and_after_a_failed_load_updates_do_and_print_not
     EXPECT_EQ(machine.audio.engineStartCount(), 0U);
 }
 
-TEST_F(AudioManagerTest, loading_leaves_the_scheduling_alone) {
+TEST_F(AudioManagerTest, LoadingLeavesTheSchedulingAlone) {
     load();
     manager->update(50);
     machine.runLoop.advance(1);

@@ -36,7 +36,7 @@ protected:
     std::shared_ptr<FanManager> manager;
 };
 
-TEST_F(FanManagerTest, the_sound_is_set_to_loop_at_its_volume_and_prepared) {
+TEST_F(FanManagerTest, TheSoundIsSetToLoopAtItsVolumeAndPrepared) {
     makeManager();
     ASSERT_EQ(machine.audio.filePlayerCount(), 1U);
     EXPECT_THAT(machine.audio.filePlayer(0).calls(),
@@ -44,7 +44,7 @@ TEST_F(FanManagerTest, the_sound_is_set_to_loop_at_its_volume_and_prepared) {
     EXPECT_THAT(machine.console.lines, ElementsAre("✅ [FAN] fanmac.mp3 loaded"));
 }
 
-TEST_F(FanManagerTest, a_missing_sound_is_said_and_nothing_starts) {
+TEST_F(FanManagerTest, AMissingSoundIsSaidAndNothingStarts) {
     machine.bundle.removeResources();
     makeManager();
     manager->start();
@@ -54,7 +54,7 @@ TEST_F(FanManagerTest, a_missing_sound_is_said_and_nothing_starts) {
     EXPECT_THAT(pulses(), IsEmpty());
 }
 
-TEST_F(FanManagerTest, an_undecodable_sound_is_loaded_by_the_line_and_nothing_starts) {
+TEST_F(FanManagerTest, AnUndecodableSoundIsLoadedByTheLineAndNothingStarts) {
     machine.audio.addNonAudioFile(fanPath);
     makeManager();
     manager->start();
@@ -64,7 +64,7 @@ TEST_F(FanManagerTest, an_undecodable_sound_is_loaded_by_the_line_and_nothing_st
     EXPECT_EQ(machine.haptics.lookups(), 0);
 }
 
-TEST_F(FanManagerTest, the_sound_loops_from_its_beginning_until_it_is_stopped) {
+TEST_F(FanManagerTest, TheSoundLoopsFromItsBeginningUntilItIsStopped) {
     makeManager();
     manager->start();
     EXPECT_TRUE(manager->isActive());
@@ -77,7 +77,7 @@ TEST_F(FanManagerTest, the_sound_loops_from_its_beginning_until_it_is_stopped) {
     EXPECT_FALSE(manager->isActive());
 }
 
-TEST_F(FanManagerTest, the_trackpad_pulses_twice_every_twentieth_of_a_second) {
+TEST_F(FanManagerTest, TheTrackpadPulsesTwiceEveryTwentiethOfASecond) {
     makeManager();
     manager->start();
     machine.runLoop.advance(0.049);
@@ -93,7 +93,7 @@ TEST_F(FanManagerTest, the_trackpad_pulses_twice_every_twentieth_of_a_second) {
     }
 }
 
-TEST_F(FanManagerTest, the_performer_is_looked_up_once_a_start) {
+TEST_F(FanManagerTest, ThePerformerIsLookedUpOnceAStart) {
     makeManager();
     manager->start();
     machine.runLoop.advance(10);
@@ -104,7 +104,7 @@ TEST_F(FanManagerTest, the_performer_is_looked_up_once_a_start) {
     EXPECT_EQ(machine.haptics.lookups(), 2);
 }
 
-TEST_F(FanManagerTest, it_is_active_once_all_of_it_runs_and_inactive_once_all_of_it_has_ended) {
+TEST_F(FanManagerTest, ItIsActiveOnceAllOfItRunsAndInactiveOnceAllOfItHasEnded) {
     makeManager();
     std::vector<std::string> calls;
     std::vector<std::size_t> timers;
@@ -118,27 +118,27 @@ TEST_F(FanManagerTest, it_is_active_once_all_of_it_runs_and_inactive_once_all_of
     EXPECT_THAT(timers, ElementsAre(1U, 0U));
 }
 
-TEST_F(FanManagerTest, it_rewinds_before_it_plays) {
+TEST_F(FanManagerTest, ItRewindsBeforeItPlays) {
     makeManager();
     manager->start();
     EXPECT_THAT(machine.audio.filePlayer(0).calls(),
                 ElementsAre("loops -1", "volume 0.6", "prepare", "currentTime 0", "play"));
 }
 
-TEST_F(FanManagerTest, stopping_while_idle_reaches_the_player_all_the_same) {
+TEST_F(FanManagerTest, StoppingWhileIdleReachesThePlayerAllTheSame) {
     makeManager();
     manager->stop();
     EXPECT_EQ(machine.audio.filePlayer(0).calls().back(), "stop");
 }
 
-TEST_F(FanManagerTest, stopping_without_a_sound_is_harmless) {
+TEST_F(FanManagerTest, StoppingWithoutASoundIsHarmless) {
     machine.bundle.removeResources();
     makeManager();
     manager->stop();
     EXPECT_FALSE(manager->isActive());
 }
 
-TEST_F(FanManagerTest, a_second_start_creates_no_second_timer_and_does_not_rewind) {
+TEST_F(FanManagerTest, ASecondStartCreatesNoSecondTimerAndDoesNotRewind) {
     makeManager();
     manager->start();
     machine.runLoop.advance(0.5);
@@ -150,7 +150,7 @@ TEST_F(FanManagerTest, a_second_start_creates_no_second_timer_and_does_not_rewin
     EXPECT_EQ(machine.haptics.lookups(), 1);
 }
 
-TEST_F(FanManagerTest, stopping_while_idle_is_harmless_and_prints_nothing) {
+TEST_F(FanManagerTest, StoppingWhileIdleIsHarmlessAndPrintsNothing) {
     makeManager();
     const auto lines = machine.console.lines;
     manager->stop();
@@ -158,7 +158,7 @@ TEST_F(FanManagerTest, stopping_while_idle_is_harmless_and_prints_nothing) {
     EXPECT_EQ(machine.console.lines, lines);
 }
 
-TEST_F(FanManagerTest, stopping_ends_the_pulses_at_once_and_lets_go_of_the_performer) {
+TEST_F(FanManagerTest, StoppingEndsThePulsesAtOnceAndLetsGoOfThePerformer) {
     makeManager();
     manager->start();
     machine.runLoop.advance(0.2);
@@ -170,7 +170,7 @@ TEST_F(FanManagerTest, stopping_ends_the_pulses_at_once_and_lets_go_of_the_perfo
     EXPECT_EQ(pulses().size(), count);
 }
 
-TEST_F(FanManagerTest, after_stopping_it_starts_from_the_beginning_again) {
+TEST_F(FanManagerTest, AfterStoppingItStartsFromTheBeginningAgain) {
     makeManager();
     manager->start();
     machine.runLoop.advance(0.7);
@@ -181,7 +181,7 @@ TEST_F(FanManagerTest, after_stopping_it_starts_from_the_beginning_again) {
     EXPECT_EQ(machine.audio.timeline().back().startTime, 1.7);
 }
 
-TEST_F(FanManagerTest, the_buzzing_holds_the_performer_not_the_manager) {
+TEST_F(FanManagerTest, TheBuzzingHoldsThePerformerNotTheManager) {
     makeManager();
     manager->start();
     const std::weak_ptr<FanManager> weak = manager;
@@ -192,7 +192,7 @@ TEST_F(FanManagerTest, the_buzzing_holds_the_performer_not_the_manager) {
     EXPECT_EQ(machine.haptics.performersInUse(), 1);
 }
 
-TEST_F(FanManagerTest, without_an_output_device_the_trackpad_buzzes_all_the_same) {
+TEST_F(FanManagerTest, WithoutAnOutputDeviceTheTrackpadBuzzesAllTheSame) {
     machine.audio.setOutputDevicePresent(false);
     makeManager();
     manager->start();

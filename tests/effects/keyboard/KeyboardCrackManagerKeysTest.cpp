@@ -9,7 +9,7 @@ namespace {
 
 using testing::ElementsAre;
 
-TEST_F(KeyboardCrackManagerTest, a_key_cracks_from_the_main_queue_not_from_the_tap) {
+TEST_F(KeyboardCrackManagerTest, AKeyCracksFromTheMainQueueNotFromTheTap) {
     makeListening();
     machine.runLoop.holdMainQueue(true);
     EXPECT_TRUE(machine.eventTaps.pressKey());
@@ -19,13 +19,13 @@ TEST_F(KeyboardCrackManagerTest, a_key_cracks_from_the_main_queue_not_from_the_t
     EXPECT_EQ(cracks(), 1U);
 }
 
-TEST_F(KeyboardCrackManagerTest, the_first_crack_after_launch_always_plays) {
+TEST_F(KeyboardCrackManagerTest, TheFirstCrackAfterLaunchAlwaysPlays) {
     makeListening();
     press();
     EXPECT_EQ(cracks(), 1U);
 }
 
-TEST_F(KeyboardCrackManagerTest, two_keys_less_than_0_15_s_apart_give_one_crack) {
+TEST_F(KeyboardCrackManagerTest, TwoKeysLessThan150MsApartGiveOneCrack) {
     makeListening();
     for (const double apart : {0.149, 0.1499}) {
         machine.runLoop.advance(1);
@@ -37,7 +37,7 @@ TEST_F(KeyboardCrackManagerTest, two_keys_less_than_0_15_s_apart_give_one_crack)
     }
 }
 
-TEST_F(KeyboardCrackManagerTest, two_keys_more_than_0_15_s_apart_give_two_cracks) {
+TEST_F(KeyboardCrackManagerTest, TwoKeysMoreThan150MsApartGiveTwoCracks) {
     makeListening();
     press();
     machine.runLoop.advance(0.1501);
@@ -46,7 +46,7 @@ TEST_F(KeyboardCrackManagerTest, two_keys_more_than_0_15_s_apart_give_two_cracks
 }
 
 // Soon after the start of the clock its doubles are fine enough to lie exactly 0.15 s apart.
-TEST(KeyboardCrackInterval, of_exactly_0_15_s_is_long_enough) {
+TEST(KeyboardCrackInterval, OfExactly150MsIsLongEnough) {
     SimulatedMachine machine;
     machine.audio.addFile(crackPath, {.sampleRate = 1000, .channels = 1},
                           std::vector<float>(200, 0.5F));
@@ -61,7 +61,7 @@ TEST(KeyboardCrackInterval, of_exactly_0_15_s_is_long_enough) {
     EXPECT_EQ(machine.audio.timeline().size(), 2U);
 }
 
-TEST_F(KeyboardCrackManagerTest, a_key_that_was_too_early_does_not_delay_the_next_crack) {
+TEST_F(KeyboardCrackManagerTest, AKeyThatWasTooEarlyDoesNotDelayTheNextCrack) {
     makeListening();
     press();
     machine.runLoop.advance(0.1);
@@ -71,7 +71,7 @@ TEST_F(KeyboardCrackManagerTest, a_key_that_was_too_early_does_not_delay_the_nex
     EXPECT_EQ(cracks(), 2U);
 }
 
-TEST_F(KeyboardCrackManagerTest, a_burst_of_keys_at_one_instant_gives_one_crack_and_no_replay) {
+TEST_F(KeyboardCrackManagerTest, ABurstOfKeysAtOneInstantGivesOneCrackAndNoReplay) {
     makeListening();
     for (int i = 0; i < 64; ++i)
         EXPECT_TRUE(machine.eventTaps.pressKey());
@@ -80,7 +80,7 @@ TEST_F(KeyboardCrackManagerTest, a_burst_of_keys_at_one_instant_gives_one_crack_
     EXPECT_EQ(cracks(), 1U);
 }
 
-TEST_F(KeyboardCrackManagerTest, a_held_key_cracks_once_however_long_it_is_held) {
+TEST_F(KeyboardCrackManagerTest, AHeldKeyCracksOnceHoweverLongItIsHeld) {
     makeListening();
     press();
     for (int i = 0; i < 100; ++i) {
@@ -90,7 +90,7 @@ TEST_F(KeyboardCrackManagerTest, a_held_key_cracks_once_however_long_it_is_held)
     EXPECT_EQ(cracks(), 1U);
 }
 
-TEST_F(KeyboardCrackManagerTest, key_ups_modifiers_and_notices_never_crack_nor_reenable) {
+TEST_F(KeyboardCrackManagerTest, KeyUpsModifiersAndNoticesNeverCrackNorReenable) {
     makeListening();
     const auto calls = machine.eventTaps.calls();
     for (const auto type : {TapEventType::KeyUp, TapEventType::FlagsChanged,
@@ -101,7 +101,7 @@ TEST_F(KeyboardCrackManagerTest, key_ups_modifiers_and_notices_never_crack_nor_r
     EXPECT_EQ(machine.eventTaps.calls(), calls);
 }
 
-TEST_F(KeyboardCrackManagerTest, every_crack_starts_the_clip_anew_and_cuts_the_one_before) {
+TEST_F(KeyboardCrackManagerTest, EveryCrackStartsTheClipAnewAndCutsTheOneBefore) {
     makeListening();
     press();
     machine.runLoop.advance(0.16);
@@ -115,7 +115,7 @@ TEST_F(KeyboardCrackManagerTest, every_crack_starts_the_clip_anew_and_cuts_the_o
         ElementsAre("prepare", "volume 0.5", "currentTime 0", "play", "currentTime 0", "play"));
 }
 
-TEST_F(KeyboardCrackManagerTest, cracks_are_spaced_by_the_clock_that_nobody_sets) {
+TEST_F(KeyboardCrackManagerTest, CracksAreSpacedByTheClockThatNobodySets) {
     makeListening();
     press();
     machine.runLoop.setDate(2e9);
@@ -127,7 +127,7 @@ TEST_F(KeyboardCrackManagerTest, cracks_are_spaced_by_the_clock_that_nobody_sets
     EXPECT_EQ(cracks(), 2U);
 }
 
-TEST_F(KeyboardCrackManagerTest, a_key_whose_manager_goes_before_its_turn_cracks_nothing) {
+TEST_F(KeyboardCrackManagerTest, AKeyWhoseManagerGoesBeforeItsTurnCracksNothing) {
     makeListening();
     machine.runLoop.holdMainQueue(true);
     EXPECT_TRUE(machine.eventTaps.pressKey());
@@ -137,7 +137,7 @@ TEST_F(KeyboardCrackManagerTest, a_key_whose_manager_goes_before_its_turn_cracks
     EXPECT_EQ(cracks(), 0U);
 }
 
-TEST_F(KeyboardCrackManagerTest, without_a_sound_a_crack_is_silent) {
+TEST_F(KeyboardCrackManagerTest, WithoutASoundACrackIsSilent) {
     machine.bundle.removeResources();
     makeManager();
     manager->playCrack();
@@ -183,7 +183,7 @@ protected:
     CallableTaps taps{machine.eventTaps};
 };
 
-TEST_F(TapCallbackTest, cracks_at_a_key_that_goes_down_and_at_nothing_else) {
+TEST_F(TapCallbackTest, CracksAtAKeyThatGoesDownAndAtNothingElse) {
     EXPECT_EQ(cracksOf({.type = TapEventType::KeyDown}), 1U);
     EXPECT_EQ(cracksOf({.type = TapEventType::KeyDown, .keyboardAutorepeat = 1}), 0U);
     EXPECT_EQ(cracksOf({.type = TapEventType::KeyDown, .keyboardAutorepeat = -1}), 0U);
@@ -194,7 +194,7 @@ TEST_F(TapCallbackTest, cracks_at_a_key_that_goes_down_and_at_nothing_else) {
     EXPECT_EQ(cracksOf({.type = TapEventType::KeyDown}), 1U);
 }
 
-TEST_F(TapCallbackTest, gives_the_event_back_also_when_the_manager_has_gone) {
+TEST_F(TapCallbackTest, GivesTheEventBackAlsoWhenTheManagerHasGone) {
     manager.reset();
     const TapEvent event;
     EXPECT_EQ(&taps.callback(event), &event);

@@ -9,7 +9,7 @@ namespace {
 
 using testing::IsEmpty;
 
-TEST_F(KeyboardCrackManagerTest, without_permission_the_person_is_asked_once) {
+TEST_F(KeyboardCrackManagerTest, WithoutPermissionThePersonIsAskedOnce) {
     machine.system.trusted = false;
     makeListening();
     EXPECT_EQ(machine.system.prompts, 1);
@@ -20,7 +20,7 @@ TEST_F(KeyboardCrackManagerTest, without_permission_the_person_is_asked_once) {
     EXPECT_EQ(machine.system.prompts, 1);
 }
 
-TEST_F(KeyboardCrackManagerTest, permission_given_within_three_seconds_starts_the_tap_then) {
+TEST_F(KeyboardCrackManagerTest, PermissionGivenWithinThreeSecondsStartsTheTapThen) {
     machine.system.trusted = false;
     makeListening();
     machine.system.trusted = true;
@@ -31,7 +31,7 @@ TEST_F(KeyboardCrackManagerTest, permission_given_within_three_seconds_starts_th
     EXPECT_TRUE(manager->hasPermission());
 }
 
-TEST_F(KeyboardCrackManagerTest, there_is_one_retry_only) {
+TEST_F(KeyboardCrackManagerTest, ThereIsOneRetryOnly) {
     machine.system.trusted = false;
     makeListening();
     machine.runLoop.advance(3);
@@ -43,7 +43,7 @@ TEST_F(KeyboardCrackManagerTest, there_is_one_retry_only) {
     EXPECT_TRUE(manager->isActive());
 }
 
-TEST_F(KeyboardCrackManagerTest, the_retry_of_an_active_manager_does_nothing) {
+TEST_F(KeyboardCrackManagerTest, TheRetryOfAnActiveManagerDoesNothing) {
     machine.system.trusted = false;
     makeListening();
     machine.system.trusted = true;
@@ -55,7 +55,7 @@ TEST_F(KeyboardCrackManagerTest, the_retry_of_an_active_manager_does_nothing) {
     EXPECT_EQ(machine.eventTaps.calls(), calls);
 }
 
-TEST_F(KeyboardCrackManagerTest, stopping_does_not_call_the_retry_off) {
+TEST_F(KeyboardCrackManagerTest, StoppingDoesNotCallTheRetryOff) {
     machine.system.trusted = false;
     makeListening();
     manager->stop();
@@ -64,7 +64,7 @@ TEST_F(KeyboardCrackManagerTest, stopping_does_not_call_the_retry_off) {
     EXPECT_TRUE(manager->isActive());
 }
 
-TEST_F(KeyboardCrackManagerTest, the_retry_outlives_the_manager_harmlessly) {
+TEST_F(KeyboardCrackManagerTest, TheRetryOutlivesTheManagerHarmlessly) {
     machine.system.trusted = false;
     makeListening();
     manager.reset();
@@ -73,7 +73,7 @@ TEST_F(KeyboardCrackManagerTest, the_retry_outlives_the_manager_harmlessly) {
     EXPECT_THAT(machine.eventTaps.calls(), IsEmpty());
 }
 
-TEST_F(KeyboardCrackManagerTest, trust_that_goes_away_is_noticed_by_the_next_start) {
+TEST_F(KeyboardCrackManagerTest, TrustThatGoesAwayIsNoticedByTheNextStart) {
     makeListening();
     machine.system.trusted = false;
     machine.runLoop.advance(60);
@@ -87,7 +87,7 @@ TEST_F(KeyboardCrackManagerTest, trust_that_goes_away_is_noticed_by_the_next_sta
     EXPECT_EQ(machine.eventTaps.openCount(), 0U);
 }
 
-TEST_F(KeyboardCrackManagerTest, trust_that_goes_away_before_the_retry_starts_nothing) {
+TEST_F(KeyboardCrackManagerTest, TrustThatGoesAwayBeforeTheRetryStartsNothing) {
     machine.system.trusted = false;
     makeListening();
     manager->hasPermission() = true;
@@ -98,7 +98,7 @@ TEST_F(KeyboardCrackManagerTest, trust_that_goes_away_before_the_retry_starts_no
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U) << "and there is no further one";
 }
 
-TEST_F(KeyboardCrackManagerTest, a_tap_that_cannot_be_created_at_the_retry_is_said) {
+TEST_F(KeyboardCrackManagerTest, ATapThatCannotBeCreatedAtTheRetryIsSaid) {
     machine.system.trusted = false;
     makeListening();
     machine.system.trusted = true;
@@ -125,7 +125,7 @@ private:
     bool m_asked = false;
 };
 
-TEST_F(KeyboardCrackManagerTest, a_yes_to_the_question_is_known_at_once_and_used_by_the_retry) {
+TEST_F(KeyboardCrackManagerTest, AYesToTheQuestionIsKnownAtOnceAndUsedByTheRetry) {
     WillingSystem system;
     manager = KeyboardCrackManager::create(exchange(machine.platform(), {.system = &system}));
     manager->start();

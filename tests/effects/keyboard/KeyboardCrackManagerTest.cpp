@@ -11,14 +11,14 @@ using testing::IsEmpty;
 
 // Loading.
 
-TEST_F(KeyboardCrackManagerTest, the_sound_is_prepared_once_at_half_volume) {
+TEST_F(KeyboardCrackManagerTest, TheSoundIsPreparedOnceAtHalfVolume) {
     makeManager();
     ASSERT_EQ(machine.audio.filePlayerCount(), 1U);
     EXPECT_THAT(machine.audio.filePlayer(0).calls(), ElementsAre("prepare", "volume 0.5"));
     EXPECT_THAT(machine.console.lines, ElementsAre("✅ [KEYBOARD] keyboard.mp3 loaded"));
 }
 
-TEST_F(KeyboardCrackManagerTest, a_missing_sound_is_said_and_nothing_ever_starts) {
+TEST_F(KeyboardCrackManagerTest, AMissingSoundIsSaidAndNothingEverStarts) {
     machine.bundle.removeResources();
     machine.system.trusted = false;
     makeListening();
@@ -29,7 +29,7 @@ TEST_F(KeyboardCrackManagerTest, a_missing_sound_is_said_and_nothing_ever_starts
     EXPECT_THAT(machine.eventTaps.calls(), IsEmpty());
 }
 
-TEST_F(KeyboardCrackManagerTest, an_undecodable_sound_is_loaded_by_the_line_and_nothing_starts) {
+TEST_F(KeyboardCrackManagerTest, AnUndecodableSoundIsLoadedByTheLineAndNothingStarts) {
     machine.audio.addNonAudioFile(crackPath);
     makeListening();
     EXPECT_THAT(machine.console.lines, ElementsAre("✅ [KEYBOARD] keyboard.mp3 loaded"));
@@ -39,7 +39,7 @@ TEST_F(KeyboardCrackManagerTest, an_undecodable_sound_is_loaded_by_the_line_and_
 
 // Starting.
 
-TEST_F(KeyboardCrackManagerTest, nothing_is_tapped_before_the_start) {
+TEST_F(KeyboardCrackManagerTest, NothingIsTappedBeforeTheStart) {
     makeManager();
     EXPECT_THAT(machine.eventTaps.calls(), IsEmpty());
     EXPECT_EQ(machine.audio.holdCount(), 0U);
@@ -47,7 +47,7 @@ TEST_F(KeyboardCrackManagerTest, nothing_is_tapped_before_the_start) {
     EXPECT_FALSE(manager->hasPermission());
 }
 
-TEST_F(KeyboardCrackManagerTest, the_tap_listens_to_key_downs_of_the_session_only) {
+TEST_F(KeyboardCrackManagerTest, TheTapListensToKeyDownsOfTheSessionOnly) {
     makeListening();
     EXPECT_THAT(machine.eventTaps.calls(),
                 ElementsAre("create location 1 placement 0 options 1 events 0x400", "source 0",
@@ -57,7 +57,7 @@ TEST_F(KeyboardCrackManagerTest, the_tap_listens_to_key_downs_of_the_session_onl
     EXPECT_EQ(machine.console.lines.back(), startedLine);
 }
 
-TEST_F(KeyboardCrackManagerTest, it_is_active_once_the_tap_and_the_output_are_ready) {
+TEST_F(KeyboardCrackManagerTest, ItIsActiveOnceTheTapAndTheOutputAreReady) {
     makeManager();
     std::vector<std::string> calls;
     std::vector<std::size_t> holds;
@@ -72,7 +72,7 @@ TEST_F(KeyboardCrackManagerTest, it_is_active_once_the_tap_and_the_output_are_re
     EXPECT_THAT(holds, ElementsAre(1U));
 }
 
-TEST_F(KeyboardCrackManagerTest, it_is_inactive_once_the_tap_and_the_output_are_let_go) {
+TEST_F(KeyboardCrackManagerTest, ItIsInactiveOnceTheTapAndTheOutputAreLetGo) {
     makeListening();
     std::size_t open = 1;
     std::size_t holds = 1;
@@ -85,14 +85,14 @@ TEST_F(KeyboardCrackManagerTest, it_is_inactive_once_the_tap_and_the_output_are_
     EXPECT_EQ(holds, 0U);
 }
 
-TEST_F(KeyboardCrackManagerTest, starting_twice_creates_no_second_tap) {
+TEST_F(KeyboardCrackManagerTest, StartingTwiceCreatesNoSecondTap) {
     makeListening();
     const auto calls = machine.eventTaps.calls();
     manager->start();
     EXPECT_EQ(machine.eventTaps.calls(), calls);
 }
 
-TEST_F(KeyboardCrackManagerTest, a_tap_that_cannot_be_created_is_said_and_changes_nothing_else) {
+TEST_F(KeyboardCrackManagerTest, ATapThatCannotBeCreatedIsSaidAndChangesNothingElse) {
     machine.eventTaps.refusesTap = true;
     makeListening();
     EXPECT_EQ(machine.console.lines.back(), failedLine);
@@ -101,7 +101,7 @@ TEST_F(KeyboardCrackManagerTest, a_tap_that_cannot_be_created_is_said_and_change
     EXPECT_EQ(machine.audio.holdCount(), 0U);
 }
 
-TEST_F(KeyboardCrackManagerTest, a_tap_without_a_source_counts_as_active_but_is_not_enabled) {
+TEST_F(KeyboardCrackManagerTest, ATapWithoutASourceCountsAsActiveButIsNotEnabled) {
     machine.eventTaps.refusesSource = true;
     makeListening();
     EXPECT_TRUE(manager->isActive());
@@ -113,7 +113,7 @@ TEST_F(KeyboardCrackManagerTest, a_tap_without_a_source_counts_as_active_but_is_
         ElementsAre("create location 1 placement 0 options 1 events 0x400", "enable no", "close"));
 }
 
-TEST_F(KeyboardCrackManagerTest, the_output_is_held_while_listening_so_that_no_key_is_late) {
+TEST_F(KeyboardCrackManagerTest, TheOutputIsHeldWhileListeningSoThatNoKeyIsLate) {
     makeListening();
     EXPECT_EQ(machine.audio.holdCount(), 1U);
     manager->stop();
@@ -122,7 +122,7 @@ TEST_F(KeyboardCrackManagerTest, the_output_is_held_while_listening_so_that_no_k
 
 // Stopping.
 
-TEST_F(KeyboardCrackManagerTest, stopping_disables_removes_and_closes_in_that_order) {
+TEST_F(KeyboardCrackManagerTest, StoppingDisablesRemovesAndClosesInThatOrder) {
     makeListening();
     manager->stop();
     EXPECT_THAT(machine.eventTaps.calls(),
@@ -133,7 +133,7 @@ TEST_F(KeyboardCrackManagerTest, stopping_disables_removes_and_closes_in_that_or
     EXPECT_EQ(machine.eventTaps.openCount(), 0U);
 }
 
-TEST_F(KeyboardCrackManagerTest, stopping_twice_does_nothing_more) {
+TEST_F(KeyboardCrackManagerTest, StoppingTwiceDoesNothingMore) {
     makeListening();
     manager->stop();
     const auto calls = machine.eventTaps.calls();
@@ -141,28 +141,28 @@ TEST_F(KeyboardCrackManagerTest, stopping_twice_does_nothing_more) {
     EXPECT_EQ(machine.eventTaps.calls(), calls);
 }
 
-TEST_F(KeyboardCrackManagerTest, stopping_lets_the_last_crack_sound_to_its_end) {
+TEST_F(KeyboardCrackManagerTest, StoppingLetsTheLastCrackSoundToItsEnd) {
     makeListening();
     press();
     manager->stop();
     EXPECT_TRUE(machine.audio.filePlayer(0).isPlaying());
 }
 
-TEST_F(KeyboardCrackManagerTest, stopping_prints_nothing) {
+TEST_F(KeyboardCrackManagerTest, StoppingPrintsNothing) {
     makeListening();
     const auto lines = machine.console.lines;
     manager->stop();
     EXPECT_EQ(machine.console.lines, lines);
 }
 
-TEST_F(KeyboardCrackManagerTest, stopping_before_any_start_does_nothing) {
+TEST_F(KeyboardCrackManagerTest, StoppingBeforeAnyStartDoesNothing) {
     makeManager();
     manager->stop();
     EXPECT_FALSE(manager->isActive());
     EXPECT_THAT(machine.eventTaps.calls(), IsEmpty());
 }
 
-TEST_F(KeyboardCrackManagerTest, starting_again_creates_a_fresh_tap) {
+TEST_F(KeyboardCrackManagerTest, StartingAgainCreatesAFreshTap) {
     makeListening();
     manager->stop();
     manager->start();
@@ -171,7 +171,7 @@ TEST_F(KeyboardCrackManagerTest, starting_again_creates_a_fresh_tap) {
     EXPECT_EQ(cracks(), 1U);
 }
 
-TEST_F(KeyboardCrackManagerTest, the_rate_limit_survives_stopping_and_starting) {
+TEST_F(KeyboardCrackManagerTest, TheRateLimitSurvivesStoppingAndStarting) {
     makeListening();
     press();
     manager->stop();
@@ -181,7 +181,7 @@ TEST_F(KeyboardCrackManagerTest, the_rate_limit_survives_stopping_and_starting) 
     EXPECT_EQ(cracks(), 1U);
 }
 
-TEST_F(KeyboardCrackManagerTest, letting_go_of_the_manager_stops_it) {
+TEST_F(KeyboardCrackManagerTest, LettingGoOfTheManagerStopsIt) {
     makeListening();
     manager.reset();
     EXPECT_THAT(machine.eventTaps.calls(),
@@ -191,7 +191,7 @@ TEST_F(KeyboardCrackManagerTest, letting_go_of_the_manager_stops_it) {
     EXPECT_TRUE(KeyboardCrackManager::shared.expired());
 }
 
-TEST_F(KeyboardCrackManagerTest, the_latest_instance_is_the_one_that_keys_reach) {
+TEST_F(KeyboardCrackManagerTest, TheLatestInstanceIsTheOneThatKeysReach) {
     makeListening();
     auto second = KeyboardCrackManager::create(machine.platform());
     EXPECT_EQ(KeyboardCrackManager::shared.lock(), second);

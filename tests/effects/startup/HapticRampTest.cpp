@@ -13,7 +13,7 @@ using testing::Contains;
 
 using HapticRampTest = StartupFixture;
 
-TEST_F(HapticRampTest, the_pulse_rate_rises_from_5_to_25_over_the_ramp_and_stays) {
+TEST_F(HapticRampTest, ThePulseRateRisesFrom5To25OverTheRampAndStays) {
     EXPECT_DOUBLE_EQ(hapticRate(0, 3), 5);
     EXPECT_DOUBLE_EQ(hapticRate(1.5, 3), 15);
     EXPECT_DOUBLE_EQ(hapticRate(3, 3), 25);
@@ -21,7 +21,7 @@ TEST_F(HapticRampTest, the_pulse_rate_rises_from_5_to_25_over_the_ramp_and_stays
     EXPECT_DOUBLE_EQ(hapticRate(-1.5, 3), -5) << "only a clock that is set back comes there";
 }
 
-TEST_F(HapticRampTest, a_pulse_is_due_in_the_first_sixtieth_of_a_second_of_its_period) {
+TEST_F(HapticRampTest, APulseIsDueInTheFirstSixtiethOfASecondOfItsPeriod) {
     EXPECT_TRUE(isHapticPulseDue(0, 5));
     EXPECT_TRUE(isHapticPulseDue(0.016, 5));
     EXPECT_FALSE(isHapticPulseDue(1.0 / 60, 5));
@@ -30,7 +30,7 @@ TEST_F(HapticRampTest, a_pulse_is_due_in_the_first_sixtieth_of_a_second_of_its_p
     EXPECT_TRUE(isHapticPulseDue(0.201, 5));
 }
 
-TEST_F(HapticRampTest, the_trackpad_pulses_by_the_phase_of_each_tick) {
+TEST_F(HapticRampTest, TheTrackpadPulsesByThePhaseOfEachTick) {
     makeManager();
     // Scheduled first, so it sees each tick's date just before the manager does.
     const double start = machine.runLoop.currentDate();
@@ -52,7 +52,7 @@ TEST_F(HapticRampTest, the_trackpad_pulses_by_the_phase_of_each_tick) {
     }
 }
 
-TEST_F(HapticRampTest, at_full_rate_the_trackpad_pulses_25_times_a_second) {
+TEST_F(HapticRampTest, AtFullRateTheTrackpadPulses25TimesASecond) {
     makeManager();
     manager->startHaptic();
     advance(3);
@@ -64,7 +64,7 @@ TEST_F(HapticRampTest, at_full_rate_the_trackpad_pulses_25_times_a_second) {
     EXPECT_LE(pulses().size() - before, 120U);
 }
 
-TEST_F(HapticRampTest, stopping_ends_the_pulses_at_once) {
+TEST_F(HapticRampTest, StoppingEndsThePulsesAtOnce) {
     makeManager();
     manager->startHaptic();
     advance(1.5);
@@ -76,7 +76,7 @@ TEST_F(HapticRampTest, stopping_ends_the_pulses_at_once) {
     EXPECT_THAT(machine.console.lines, Contains(hapticStoppedLine));
 }
 
-TEST_F(HapticRampTest, a_new_start_begins_the_ramp_anew) {
+TEST_F(HapticRampTest, ANewStartBeginsTheRampAnew) {
     makeManager();
     manager->startHaptic();
     advance(3);
@@ -90,7 +90,7 @@ TEST_F(HapticRampTest, a_new_start_begins_the_ramp_anew) {
 
 // The ramp follows the wall clock, which a person may set; the sequence's end does not.
 
-TEST_F(HapticRampTest, a_clock_that_is_set_ahead_brings_the_full_rate_at_once) {
+TEST_F(HapticRampTest, AClockThatIsSetAheadBringsTheFullRateAtOnce) {
     makeManager();
     manager->startHaptic();
     advance(0.5);
@@ -102,7 +102,7 @@ TEST_F(HapticRampTest, a_clock_that_is_set_ahead_brings_the_full_rate_at_once) {
     EXPECT_LE(pulses().size() - before, 120U);
 }
 
-TEST_F(HapticRampTest, a_clock_that_is_set_back_lets_every_tick_pulse_and_no_more_than_that) {
+TEST_F(HapticRampTest, AClockThatIsSetBackLetsEveryTickPulseAndNoMoreThanThat) {
     makeManager();
     manager->startHaptic();
     advance(0.5);
@@ -115,7 +115,7 @@ TEST_F(HapticRampTest, a_clock_that_is_set_back_lets_every_tick_pulse_and_no_mor
     EXPECT_EQ(pulses().size() - before, 120U);
 }
 
-TEST_F(HapticRampTest, a_clock_that_is_set_either_way_leaves_the_end_of_the_sequence_alone) {
+TEST_F(HapticRampTest, AClockThatIsSetEitherWayLeavesTheEndOfTheSequenceAlone) {
     for (const double seconds : {3600.0, -3600.0}) {
         makeManager();
         wakeUp();
@@ -130,7 +130,7 @@ TEST_F(HapticRampTest, a_clock_that_is_set_either_way_leaves_the_end_of_the_sequ
     }
 }
 
-TEST_F(HapticRampTest, a_tick_that_finds_the_manager_gone_does_nothing) {
+TEST_F(HapticRampTest, ATickThatFindsTheManagerGoneDoesNothing) {
     makeManager();
     manager->startHaptic();
     machine.runLoop.holdMainQueue(true);

@@ -27,7 +27,7 @@ float expectedSample(int frame, double frequency) {
 
 // The buffer.
 
-TEST_F(RumbleTest, every_sample_is_the_formulas) {
+TEST_F(RumbleTest, EverySampleIsTheFormulas) {
     makeManager();
     const PCMBuffer& buffer = *manager->rumbleBuffer();
     ASSERT_EQ(buffer.frameLength, 44100U);
@@ -36,7 +36,7 @@ TEST_F(RumbleTest, every_sample_is_the_formulas) {
         ASSERT_EQ(buffer.samples[static_cast<std::size_t>(i)], expectedSample(i, 25)) << i;
 }
 
-TEST_F(RumbleTest, the_swell_is_silent_eight_times_a_second_and_at_the_seam) {
+TEST_F(RumbleTest, TheSwellIsSilentEightTimesASecondAndAtTheSeam) {
     makeManager();
     const auto& samples = manager->rumbleBuffer()->samples;
     EXPECT_EQ(samples[0], 0);
@@ -49,7 +49,7 @@ TEST_F(RumbleTest, the_swell_is_silent_eight_times_a_second_and_at_the_seam) {
     EXPECT_NEAR(samples.back(), samples.front(), 1e-3) << "the loop's seam";
 }
 
-TEST_F(RumbleTest, the_peak_stays_at_or_below_full_scale) {
+TEST_F(RumbleTest, ThePeakStaysAtOrBelowFullScale) {
     makeManager();
     float peak = 0;
     for (const float sample : manager->rumbleBuffer()->samples)
@@ -58,7 +58,7 @@ TEST_F(RumbleTest, the_peak_stays_at_or_below_full_scale) {
     EXPECT_GT(peak, 0.7F);
 }
 
-TEST_F(RumbleTest, another_frequency_changes_the_samples_and_the_line) {
+TEST_F(RumbleTest, AnotherFrequencyChangesTheSamplesAndTheLine) {
     makeManager();
     manager->rumbleFrequency() = 30.5;
     manager->generateRumbleBuffer(44100, {.sampleRate = 44100, .channels = 1});
@@ -67,7 +67,7 @@ TEST_F(RumbleTest, another_frequency_changes_the_samples_and_the_line) {
     EXPECT_EQ(manager->rumbleBuffer()->samples[1234], expectedSample(1234, 30.5));
 }
 
-TEST_F(RumbleTest, of_two_channels_only_the_first_is_filled) {
+TEST_F(RumbleTest, OfTwoChannelsOnlyTheFirstIsFilled) {
     makeManager();
     manager->generateRumbleBuffer(44100, {.sampleRate = 44100, .channels = 2});
     const auto& samples = manager->rumbleBuffer()->samples;
@@ -77,14 +77,14 @@ TEST_F(RumbleTest, of_two_channels_only_the_first_is_filled) {
     EXPECT_EQ(samples[2469], 0);
 }
 
-TEST_F(RumbleTest, no_frames_at_all_are_a_buffer_too) {
+TEST_F(RumbleTest, NoFramesAtAllAreABufferToo) {
     makeManager();
     manager->generateRumbleBuffer(0.5, {.sampleRate = 44100, .channels = 1});
     EXPECT_EQ(manager->rumbleBuffer()->frameLength, 0U);
     EXPECT_THAT(machine.console.lines, ElementsAre(bufferLine));
 }
 
-TEST_F(RumbleTest, the_frame_count_is_the_rate_without_its_fraction) {
+TEST_F(RumbleTest, TheFrameCountIsTheRateWithoutItsFraction) {
     EXPECT_EQ(rumbleFrameCount(44100), 44100U);
     EXPECT_EQ(rumbleFrameCount(0.9), 0U);
     EXPECT_EQ(rumbleFrameCount(-0.9), 0U);
@@ -94,7 +94,7 @@ TEST_F(RumbleTest, the_frame_count_is_the_rate_without_its_fraction) {
         EXPECT_EQ(rumbleFrameCount(rate), std::nullopt) << rate;
 }
 
-TEST_F(RumbleTest, a_rate_that_is_no_count_of_frames_is_fatal) {
+TEST_F(RumbleTest, ARateThatIsNoCountOfFramesIsFatal) {
     makeManager();
     EXPECT_DEATH(manager->generateRumbleBuffer(-2, {.sampleRate = 44100, .channels = 1}),
                  "StartupSoundManager");
@@ -102,7 +102,7 @@ TEST_F(RumbleTest, a_rate_that_is_no_count_of_frames_is_fatal) {
 
 // The fade-in.
 
-TEST_F(RumbleTest, starts_silent_and_loops_from_the_buffers_beginning) {
+TEST_F(RumbleTest, StartsSilentAndLoopsFromTheBuffersBeginning) {
     makeManager();
     manager->startRumble();
     EXPECT_THAT(rumble().calls(),
@@ -112,7 +112,7 @@ TEST_F(RumbleTest, starts_silent_and_loops_from_the_buffers_beginning) {
     EXPECT_EQ(rumble().state(), SimulatedAudioVoice::State::Sounding);
 }
 
-TEST_F(RumbleTest, the_volume_rises_in_thirty_equal_steps_over_three_seconds) {
+TEST_F(RumbleTest, TheVolumeRisesInThirtyEqualStepsOverThreeSeconds) {
     makeManager();
     manager->startRumble();
     advance(0.1);
@@ -129,7 +129,7 @@ TEST_F(RumbleTest, the_volume_rises_in_thirty_equal_steps_over_three_seconds) {
     EXPECT_EQ(rumble().volume(), 1.0F);
 }
 
-TEST_F(RumbleTest, a_lower_volume_on_the_way_caps_the_ramp_and_keeps_its_steps) {
+TEST_F(RumbleTest, ALowerVolumeOnTheWayCapsTheRampAndKeepsItsSteps) {
     makeManager();
     manager->startRumble();
     advance(0.5);
@@ -142,7 +142,7 @@ TEST_F(RumbleTest, a_lower_volume_on_the_way_caps_the_ramp_and_keeps_its_steps) 
     EXPECT_EQ(rumble().volume(), 0.4F);
 }
 
-TEST_F(RumbleTest, a_higher_volume_on_the_way_keeps_the_steps_too) {
+TEST_F(RumbleTest, AHigherVolumeOnTheWayKeepsTheStepsToo) {
     makeManager();
     manager->rumbleVolume() = 0.3F;
     manager->startRumble();
@@ -155,7 +155,7 @@ TEST_F(RumbleTest, a_higher_volume_on_the_way_keeps_the_steps_too) {
     EXPECT_NEAR(rumble().volume(), 0.3F, 1e-6);
 }
 
-TEST_F(RumbleTest, the_ramps_timer_ends_with_its_thirtieth_step) {
+TEST_F(RumbleTest, TheRampsTimerEndsWithItsThirtiethStep) {
     makeManager();
     manager->startRumble();
     advance(2.999);
@@ -167,7 +167,7 @@ TEST_F(RumbleTest, the_ramps_timer_ends_with_its_thirtieth_step) {
               31);
 }
 
-TEST_F(RumbleTest, stopping_cancels_what_is_left_of_the_ramp) {
+TEST_F(RumbleTest, StoppingCancelsWhatIsLeftOfTheRamp) {
     makeManager();
     manager->startRumble();
     advance(1.5);
@@ -181,7 +181,7 @@ TEST_F(RumbleTest, stopping_cancels_what_is_left_of_the_ramp) {
     EXPECT_EQ(machine.audio.runningEngineCount(), 1U) << "the engine goes on";
 }
 
-TEST_F(RumbleTest, starting_again_schedules_the_loop_afresh_and_ramps_anew) {
+TEST_F(RumbleTest, StartingAgainSchedulesTheLoopAfreshAndRampsAnew) {
     makeManager();
     manager->startRumble();
     advance(2);
@@ -194,7 +194,7 @@ TEST_F(RumbleTest, starting_again_schedules_the_loop_afresh_and_ramps_anew) {
     EXPECT_EQ(machine.audio.engineStartCount(), 1U);
 }
 
-TEST_F(RumbleTest, stopping_what_does_not_run_only_prints_its_line) {
+TEST_F(RumbleTest, StoppingWhatDoesNotRunOnlyPrintsItsLine) {
     makeManager();
     manager->stopRumble();
     manager->stopHaptic();

@@ -15,7 +15,7 @@ using testing::IsEmpty;
 
 using StartupLeavingTest = StartupFixture;
 
-TEST_F(StartupLeavingTest, the_login_outlives_the_manager_harmlessly) {
+TEST_F(StartupLeavingTest, TheLoginOutlivesTheManagerHarmlessly) {
     machine.application.loginItem = LoginItemStatus::Enabled;
     makeManager();
     manager.reset();
@@ -23,7 +23,7 @@ TEST_F(StartupLeavingTest, the_login_outlives_the_manager_harmlessly) {
     EXPECT_THAT(machine.console.lines, IsEmpty());
 }
 
-TEST_F(StartupLeavingTest, the_last_line_is_printed_even_when_the_manager_is_gone) {
+TEST_F(StartupLeavingTest, TheLastLineIsPrintedEvenWhenTheManagerIsGone) {
     makeManager();
     wakeUp();
     manager.reset();
@@ -32,7 +32,7 @@ TEST_F(StartupLeavingTest, the_last_line_is_printed_even_when_the_manager_is_gon
                 ElementsAre(playingLine, rumbleLine, hapticLine, completeLine));
 }
 
-TEST_F(StartupLeavingTest, letting_go_of_the_manager_ends_wake_ups_pulses_and_the_engine) {
+TEST_F(StartupLeavingTest, LettingGoOfTheManagerEndsWakeUpsPulsesAndTheEngine) {
     makeManager();
     wakeUp();
     advance(1);
@@ -69,7 +69,7 @@ private:
     NotificationCenter& m_real;
 };
 
-TEST_F(StartupLeavingTest, its_destruction_ends_wake_ups_then_pulses_then_the_engine) {
+TEST_F(StartupLeavingTest, ItsDestructionEndsWakeUpsThenPulsesThenTheEngine) {
     WatchedWorkspace workspace(machine.workspace);
     WatchedRunLoop runLoop(machine.runLoop);
     manager = StartupSoundManager::create(

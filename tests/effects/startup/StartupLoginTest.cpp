@@ -12,7 +12,7 @@ using testing::IsEmpty;
 
 using StartupLoginTest = StartupFixture;
 
-TEST_F(StartupLoginTest, opened_at_login_in_the_background_it_plays_once_after_half_a_second) {
+TEST_F(StartupLoginTest, OpenedAtLoginInTheBackgroundItPlaysOnceAfterHalfASecond) {
     machine.application.loginItem = LoginItemStatus::Enabled;
     makeManager();
     advance(0.499);
@@ -23,7 +23,7 @@ TEST_F(StartupLoginTest, opened_at_login_in_the_background_it_plays_once_after_h
     EXPECT_EQ(machine.console.lines.size(), 6U);
 }
 
-TEST_F(StartupLoginTest, not_registered_at_login_it_stays_silent) {
+TEST_F(StartupLoginTest, NotRegisteredAtLoginItStaysSilent) {
     for (const auto status : {LoginItemStatus::NotRegistered, LoginItemStatus::RequiresApproval,
                               LoginItemStatus::NotFound}) {
         machine.application.loginItem = status;
@@ -50,7 +50,7 @@ private:
     const SimulatedRunLoop& m_runLoop;
 };
 
-TEST_F(StartupLoginTest, wake_ups_are_observed_before_the_login_is_looked_at) {
+TEST_F(StartupLoginTest, WakeUpsAreObservedBeforeTheLoginIsLookedAt) {
     NotingWorkspace workspace(machine.runLoop);
     machine.application.loginItem = LoginItemStatus::Enabled;
     manager = StartupSoundManager::create(exchange(machine.platform(), {.workspace = &workspace}));
@@ -59,14 +59,14 @@ TEST_F(StartupLoginTest, wake_ups_are_observed_before_the_login_is_looked_at) {
     manager.reset();
 }
 
-TEST_F(StartupLoginTest, registered_after_its_start_it_stays_silent) {
+TEST_F(StartupLoginTest, RegisteredAfterItsStartItStaysSilent) {
     makeManager();
     machine.application.loginItem = LoginItemStatus::Enabled;
     advance(2);
     EXPECT_THAT(machine.console.lines, IsEmpty());
 }
 
-TEST_F(StartupLoginTest, a_wake_up_within_the_half_second_leaves_nothing_for_the_login) {
+TEST_F(StartupLoginTest, AWakeUpWithinTheHalfSecondLeavesNothingForTheLogin) {
     machine.application.loginItem = LoginItemStatus::Enabled;
     makeManager();
     advance(0.2);
@@ -76,7 +76,7 @@ TEST_F(StartupLoginTest, a_wake_up_within_the_half_second_leaves_nothing_for_the
     EXPECT_EQ(machine.console.lines, lines);
 }
 
-TEST_F(StartupLoginTest, in_front_half_a_second_after_launch_it_stays_silent) {
+TEST_F(StartupLoginTest, InFrontHalfASecondAfterLaunchItStaysSilent) {
     machine.application.loginItem = LoginItemStatus::Enabled;
     makeManager();
     advance(0.4);
@@ -85,7 +85,7 @@ TEST_F(StartupLoginTest, in_front_half_a_second_after_launch_it_stays_silent) {
     EXPECT_THAT(machine.console.lines, IsEmpty());
 }
 
-TEST_F(StartupLoginTest, in_front_at_launch_only_it_plays) {
+TEST_F(StartupLoginTest, InFrontAtLaunchOnlyItPlays) {
     machine.application.loginItem = LoginItemStatus::Enabled;
     machine.application.active = true;
     makeManager();
@@ -95,7 +95,7 @@ TEST_F(StartupLoginTest, in_front_at_launch_only_it_plays) {
     EXPECT_TRUE(manager->isPlayingTractor());
 }
 
-TEST_F(StartupLoginTest, switched_off_within_the_half_second_the_login_stays_silent) {
+TEST_F(StartupLoginTest, SwitchedOffWithinTheHalfSecondTheLoginStaysSilent) {
     machine.application.loginItem = LoginItemStatus::Enabled;
     makeManager();
     manager->startupSoundEnabled() = false;

@@ -15,7 +15,7 @@ using StartupSequenceTest = StartupFixture;
 
 // Construction.
 
-TEST_F(StartupSequenceTest, construction_loads_the_clip_and_makes_the_rumble_in_that_order) {
+TEST_F(StartupSequenceTest, ConstructionLoadsTheClipAndMakesTheRumbleInThatOrder) {
     manager = StartupSoundManager::create(machine.platform());
     EXPECT_THAT(machine.console.lines, ElementsAre(loadedLine, bufferLine));
     EXPECT_THAT(tractor().calls(), ElementsAre("prepare"));
@@ -25,7 +25,7 @@ TEST_F(StartupSequenceTest, construction_loads_the_clip_and_makes_the_rumble_in_
     EXPECT_FALSE(manager->isPlayingTractor());
 }
 
-TEST_F(StartupSequenceTest, a_missing_clip_is_not_mentioned_and_nothing_ever_plays) {
+TEST_F(StartupSequenceTest, AMissingClipIsNotMentionedAndNothingEverPlays) {
     machine.bundle.removeResources();
     manager = StartupSoundManager::create(machine.platform());
     wakeUp();
@@ -36,7 +36,7 @@ TEST_F(StartupSequenceTest, a_missing_clip_is_not_mentioned_and_nothing_ever_pla
     EXPECT_THAT(pulses(), IsEmpty());
 }
 
-TEST_F(StartupSequenceTest, an_undecodable_clip_is_loaded_by_the_line_and_nothing_ever_plays) {
+TEST_F(StartupSequenceTest, AnUndecodableClipIsLoadedByTheLineAndNothingEverPlays) {
     machine.audio.addNonAudioFile(tractorPath);
     manager = StartupSoundManager::create(machine.platform());
     wakeUp();
@@ -47,7 +47,7 @@ TEST_F(StartupSequenceTest, an_undecodable_clip_is_loaded_by_the_line_and_nothin
 
 // Waking up.
 
-TEST_F(StartupSequenceTest, waking_up_plays_everything_at_once_and_ends_after_the_clips_length) {
+TEST_F(StartupSequenceTest, WakingUpPlaysEverythingAtOnceAndEndsAfterTheClipsLength) {
     makeManager();
     wakeUp();
     EXPECT_TRUE(manager->isPlayingTractor());
@@ -76,7 +76,7 @@ public:
     std::vector<std::string> lines;
 };
 
-TEST_F(StartupSequenceTest, the_clip_then_the_rumble_then_the_pulses_and_so_they_end) {
+TEST_F(StartupSequenceTest, TheClipThenTheRumbleThenThePulsesAndSoTheyEnd) {
     WatchingConsole console;
     manager = StartupSoundManager::create(exchange(machine.platform(), {.console = &console}));
     console.state = [&] {
@@ -100,7 +100,7 @@ TEST_F(StartupSequenceTest, the_clip_then_the_rumble_then_the_pulses_and_so_they
     manager.reset();
 }
 
-TEST_F(StartupSequenceTest, a_shorter_clip_ends_the_ramps_on_their_way) {
+TEST_F(StartupSequenceTest, AShorterClipEndsTheRampsOnTheirWay) {
     machine.audio.addFile(tractorPath, {.sampleRate = 100, .channels = 1},
                           std::vector<float>(150, 0.25F));
     makeManager();
@@ -114,14 +114,14 @@ TEST_F(StartupSequenceTest, a_shorter_clip_ends_the_ramps_on_their_way) {
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
 }
 
-TEST_F(StartupSequenceTest, the_clip_is_not_stopped_by_the_sequence) {
+TEST_F(StartupSequenceTest, TheClipIsNotStoppedByTheSequence) {
     makeManager();
     wakeUp();
     advance(clipLength + 1);
     EXPECT_THAT(tractor().calls(), ElementsAre("prepare", "currentTime 0", "play"));
 }
 
-TEST_F(StartupSequenceTest, a_second_wake_up_meanwhile_is_ignored) {
+TEST_F(StartupSequenceTest, ASecondWakeUpMeanwhileIsIgnored) {
     makeManager();
     wakeUp();
     advance(2);
@@ -133,7 +133,7 @@ TEST_F(StartupSequenceTest, a_second_wake_up_meanwhile_is_ignored) {
     EXPECT_THAT(tractor().calls(), ElementsAre("prepare", "currentTime 0", "play"));
 }
 
-TEST_F(StartupSequenceTest, a_wake_up_after_the_end_starts_a_new_sequence) {
+TEST_F(StartupSequenceTest, AWakeUpAfterTheEndStartsANewSequence) {
     makeManager();
     wakeUp();
     advance(clipLength);
@@ -145,7 +145,7 @@ TEST_F(StartupSequenceTest, a_wake_up_after_the_end_starts_a_new_sequence) {
     EXPECT_EQ(machine.audio.engineStartCount(), 1U) << "the engine goes on between sequences";
 }
 
-TEST_F(StartupSequenceTest, waking_screens_start_nothing) {
+TEST_F(StartupSequenceTest, WakingScreensStartNothing) {
     makeManager();
     machine.workspace.post("NSWorkspaceScreensDidWakeNotification");
     machine.workspace.post("NSWorkspaceScreensDidSleepNotification");
@@ -153,7 +153,7 @@ TEST_F(StartupSequenceTest, waking_screens_start_nothing) {
     EXPECT_FALSE(manager->isPlayingTractor());
 }
 
-TEST_F(StartupSequenceTest, switched_off_no_wake_up_plays_anything) {
+TEST_F(StartupSequenceTest, SwitchedOffNoWakeUpPlaysAnything) {
     makeManager();
     manager->startupSoundEnabled() = false;
     wakeUp();
@@ -165,7 +165,7 @@ TEST_F(StartupSequenceTest, switched_off_no_wake_up_plays_anything) {
     EXPECT_TRUE(manager->isPlayingTractor());
 }
 
-TEST_F(StartupSequenceTest, switching_off_on_the_way_cuts_nothing_short) {
+TEST_F(StartupSequenceTest, SwitchingOffOnTheWayCutsNothingShort) {
     makeManager();
     wakeUp();
     advance(1);
@@ -179,7 +179,7 @@ TEST_F(StartupSequenceTest, switching_off_on_the_way_cuts_nothing_short) {
 
 // The guards.
 
-TEST_F(StartupSequenceTest, the_guards_hold_for_every_caller) {
+TEST_F(StartupSequenceTest, TheGuardsHoldForEveryCaller) {
     makeManager();
     manager->startupSoundEnabled() = false;
     manager->playTractor();
@@ -194,7 +194,7 @@ TEST_F(StartupSequenceTest, the_guards_hold_for_every_caller) {
 
 // What goes wrong.
 
-TEST_F(StartupSequenceTest, an_engine_that_does_not_start_costs_the_rumble_only) {
+TEST_F(StartupSequenceTest, AnEngineThatDoesNotStartCostsTheRumbleOnly) {
     machine.audio.setFault(AudioFault::EngineStart, "no such thing as sound");
     makeManager();
     wakeUp();
@@ -213,13 +213,13 @@ TEST_F(StartupSequenceTest, an_engine_that_does_not_start_costs_the_rumble_only)
     EXPECT_TRUE(manager->isRamping()) << "the next sequence tries again";
 }
 
-TEST_F(StartupSequenceTest, without_the_format_of_the_rumble_the_program_ends) {
+TEST_F(StartupSequenceTest, WithoutTheFormatOfTheRumbleTheProgramEnds) {
     machine.audio.setFault(AudioFault::StandardFormat, "");
     EXPECT_DEATH((void)StartupSoundManager::create(machine.platform()),
                  "StartupSoundManager: there is no format of one channel at 44100 Hz");
 }
 
-TEST_F(StartupSequenceTest, without_memory_for_the_rumble_the_rest_goes_on) {
+TEST_F(StartupSequenceTest, WithoutMemoryForTheRumbleTheRestGoesOn) {
     machine.audio.setFault(AudioFault::BufferCreation, "");
     manager = StartupSoundManager::create(machine.platform());
     EXPECT_THAT(machine.console.lines, ElementsAre(loadedLine));
@@ -231,7 +231,7 @@ TEST_F(StartupSequenceTest, without_memory_for_the_rumble_the_rest_goes_on) {
     EXPECT_GT(pulses().size(), 0U);
 }
 
-TEST_F(StartupSequenceTest, without_an_output_device_its_own_timing_is_unaffected) {
+TEST_F(StartupSequenceTest, WithoutAnOutputDeviceItsOwnTimingIsUnaffected) {
     machine.audio.setOutputDevicePresent(false);
     makeManager();
     wakeUp();

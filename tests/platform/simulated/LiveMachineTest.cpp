@@ -52,7 +52,7 @@ protected:
     std::optional<LiveMachine> m_live;
 };
 
-TEST_F(LiveMachineTest, what_the_scenario_describes_is_simulated_and_the_rest_is_real) {
+TEST_F(LiveMachineTest, WhatTheScenarioDescribesIsSimulatedAndTheRestIsReal) {
     load("{}");
     const Platform platform = m_live->platform();
     EXPECT_NE(&platform.hid, &m_real.hid);
@@ -70,7 +70,7 @@ TEST_F(LiveMachineTest, what_the_scenario_describes_is_simulated_and_the_rest_is
     EXPECT_EQ(&platform.console, &m_real.console);
 }
 
-TEST_F(LiveMachineTest, controls_are_pressed_by_name) {
+TEST_F(LiveMachineTest, ControlsArePressedByName) {
     load(R"({"events": [{"at": 3, "press": "OK"}]})");
     std::string pressed;
     m_live->start(
@@ -79,7 +79,7 @@ TEST_F(LiveMachineTest, controls_are_pressed_by_name) {
     EXPECT_EQ(pressed, "OK");
 }
 
-TEST_F(LiveMachineTest, the_login_item_is_the_scenarios_and_the_focus_the_desktops) {
+TEST_F(LiveMachineTest, TheLoginItemIsTheScenariosAndTheFocusTheDesktops) {
     m_real.application.loginItem = LoginItemStatus::Enabled;
     load("{}");
     const auto& application = m_live->platform().application;
@@ -91,7 +91,7 @@ TEST_F(LiveMachineTest, the_login_item_is_the_scenarios_and_the_focus_the_deskto
     EXPECT_EQ(m_live->platform().application.loginItemStatus(), LoginItemStatus::Enabled);
 }
 
-TEST_F(LiveMachineTest, settings_are_the_persons_unless_the_scenario_has_its_own) {
+TEST_F(LiveMachineTest, SettingsAreThePersonsUnlessTheScenarioHasItsOwn) {
     load("{}");
     m_live->platform().userDefaults.setBool("mine", true);
     EXPECT_TRUE(m_real.userDefaults.boolForKey("mine"));
@@ -104,7 +104,7 @@ TEST_F(LiveMachineTest, settings_are_the_persons_unless_the_scenario_has_its_own
     EXPECT_FALSE(m_real.userDefaults.boolForKey("new"));
 }
 
-TEST_F(LiveMachineTest, the_system_is_the_scenarios) {
+TEST_F(LiveMachineTest, TheSystemIsTheScenarios) {
     m_real.system.model = "real";
     m_real.system.trusted = true;
     load(R"({"model": "scenario"})");
@@ -112,7 +112,7 @@ TEST_F(LiveMachineTest, the_system_is_the_scenarios) {
     EXPECT_FALSE(m_live->platform().system.isProcessTrusted());
 }
 
-TEST_F(LiveMachineTest, sleep_and_wake_are_the_scenarios) {
+TEST_F(LiveMachineTest, SleepAndWakeAreTheScenarios) {
     load(R"({"events": [{"at": 1, "screens": "sleep"}, {"at": 2, "screens": "wake"},
                         {"at": 3, "machine": "wake"}]})");
     std::vector<std::string> heard;
@@ -128,7 +128,7 @@ TEST_F(LiveMachineTest, sleep_and_wake_are_the_scenarios) {
                                    "NSWorkspaceDidWakeNotification"));
 }
 
-TEST_F(LiveMachineTest, its_keys_are_heard_by_its_taps) {
+TEST_F(LiveMachineTest, ItsKeysAreHeardByItsTaps) {
     load(R"({"trusted": true,
              "events": [{"at": 1, "key": "down"}, {"at": 1, "key": "repeat"}, {"at": 1, "key": "up"},
                         {"at": 1, "key": "flags"}]})");
@@ -147,7 +147,7 @@ TEST_F(LiveMachineTest, its_keys_are_heard_by_its_taps) {
                             std::pair(TapEventType::FlagsChanged, 0)));
 }
 
-TEST_F(LiveMachineTest, its_time_starts_when_it_is_made) {
+TEST_F(LiveMachineTest, ItsTimeStartsWhenItIsMade) {
     m_real.runLoop.advance(10);
     load(R"({"hid": [{"product": "0x8104", "lid": [[0, 100], [2, 140]], "unplugAt": 3}],
              "events": [{"at": 1, "quit": true}]})");
@@ -167,7 +167,7 @@ TEST_F(LiveMachineTest, its_time_starts_when_it_is_made) {
     EXPECT_NE(found[0]->open(), hidSuccess);
 }
 
-TEST_F(LiveMachineTest, a_device_is_what_the_scenario_says_of_it) {
+TEST_F(LiveMachineTest, ADeviceIsWhatTheScenarioSaysOfIt) {
     load(R"({"hid": [{"vendor": "0x046d", "product": 7, "lid": [[0, 90]]},
                      {"product": "0x8104", "lid": [[0, 90]], "refusesOpen": true}]})");
     EXPECT_THAT(devices({.vendorID = 0x046D, .productID = 7}), SizeIs(1));

@@ -28,14 +28,14 @@ std::string mistakeIn(std::string_view text) {
     return error ? error->description : "no mistake";
 }
 
-TEST(Scenario, an_empty_one_is_a_machine_with_nothing) {
+TEST(Scenario, AnEmptyOneIsAMachineWithNothing) {
     const Scenario scenario = parse("{}");
     EXPECT_TRUE(scenario.devices.empty());
     EXPECT_FALSE(scenario.trusted);
     EXPECT_FALSE(scenario.defaults);
 }
 
-TEST(Scenario, describes_the_machine_its_devices_and_what_happens) {
+TEST(Scenario, DescribesTheMachineItsDevicesAndWhatHappens) {
     const Scenario scenario = parse(R"(
         // A comment.
         { "model": "MacBookAir10,1", "trusted": true, "loginItem": true,
@@ -67,7 +67,7 @@ TEST(Scenario, describes_the_machine_its_devices_and_what_happens) {
     EXPECT_TRUE(std::holds_alternative<Scenario::Quit>(scenario.events[5].what));
 }
 
-TEST(Scenario, every_mistake_is_named) {
+TEST(Scenario, EveryMistakeIsNamed) {
     EXPECT_THAT(mistakeIn("{"), HasSubstr("line 1"));
     EXPECT_EQ(mistakeIn("[]"), "the scenario is not an object");
     EXPECT_EQ(mistakeIn(R"({"modle": "x"})"), R"(the scenario has an unknown key "modle")");
@@ -93,7 +93,7 @@ TEST(Scenario, every_mistake_is_named) {
               R"("0" is not the number of a reading)");
 }
 
-TEST(Scenario, what_is_just_within_bounds_is_no_mistake) {
+TEST(Scenario, WhatIsJustWithinBoundsIsNoMistake) {
     EXPECT_EQ(mistakeIn(R"({"hid": [{"lid": [[0, 0], [1, 65535]]}]})"), "no mistake");
     EXPECT_EQ(mistakeIn(R"({"hid": [{"lid": [[0, 65536]]}]})"),
               "a lid's angle is outside 0 to 65535");
@@ -103,14 +103,14 @@ TEST(Scenario, what_is_just_within_bounds_is_no_mistake) {
               "no mistake");
 }
 
-TEST(Scenario, a_file_that_cannot_be_read_says_why) {
+TEST(Scenario, AFileThatCannotBeReadSaysWhy) {
     const auto missing = loadScenario("no/such/file.scenario");
     EXPECT_EQ(std::get<ScenarioError>(missing).description, "No such file or directory");
     const auto folder = loadScenario(".");
     EXPECT_EQ(std::get<ScenarioError>(folder).description, "Is a directory");
 }
 
-TEST(Scenario, a_lid_moves_in_straight_lines_and_rests_before_and_after) {
+TEST(Scenario, ALidMovesInStraightLinesAndRestsBeforeAndAfter) {
     const std::vector<Scenario::LidPoint> way{{.at = 1, .degrees = 100}, {.at = 3, .degrees = 50}};
     EXPECT_EQ(lidAngleAt(way, 0), 100);
     EXPECT_EQ(lidAngleAt(way, 1), 100);
@@ -119,7 +119,7 @@ TEST(Scenario, a_lid_moves_in_straight_lines_and_rests_before_and_after) {
     EXPECT_EQ(lidAngleAt(way, 99), 50);
 }
 
-TEST(Scenario, a_lid_may_jump) {
+TEST(Scenario, ALidMayJump) {
     const std::vector<Scenario::LidPoint> way{{.at = 1, .degrees = 100}, {.at = 1, .degrees = 50}};
     EXPECT_EQ(lidAngleAt(way, 0.999), 100);
     EXPECT_EQ(lidAngleAt(way, 1), 50);
@@ -137,7 +137,7 @@ protected:
     std::optional<ScenarioPlayer> player;
 };
 
-TEST_F(ScenarioPlayerTest, sets_up_the_machine) {
+TEST_F(ScenarioPlayerTest, SetsUpTheMachine) {
     play(R"({"model": "MacBookPro18,3", "trusted": true,
              "hid": [{"product": "0x8104", "lid": [[0, 100], [2, 140]]}]})");
     EXPECT_EQ(machine.system.model, "MacBookPro18,3");
@@ -150,7 +150,7 @@ TEST_F(ScenarioPlayerTest, sets_up_the_machine) {
     EXPECT_NEAR(sensor->velocity(), 20, 5);
 }
 
-TEST_F(ScenarioPlayerTest, lets_events_happen_at_their_times) {
+TEST_F(ScenarioPlayerTest, LetsEventsHappenAtTheirTimes) {
     std::vector<std::string> happened;
     machine.workspace.addObserver(WorkspaceNotification::screensDidSleep,
                                   [&] { happened.emplace_back("sleep"); });
@@ -169,7 +169,7 @@ TEST_F(ScenarioPlayerTest, lets_events_happen_at_their_times) {
     EXPECT_THAT(happened, ElementsAre("OK", "sleep", "hello", "key", "quit"));
 }
 
-TEST_F(ScenarioPlayerTest, keys_are_told_as_what_they_are) {
+TEST_F(ScenarioPlayerTest, KeysAreToldAsWhatTheyAre) {
     std::vector<std::pair<TapEventType, std::int64_t>> keys;
     play(R"({"events": [{"at": 1, "key": "down"}, {"at": 2, "key": "repeat"},
                         {"at": 3, "key": "up"}, {"at": 4, "key": "flags"}]})")
@@ -186,7 +186,7 @@ TEST_F(ScenarioPlayerTest, keys_are_told_as_what_they_are) {
                             std::pair(TapEventType::FlagsChanged, 0)));
 }
 
-TEST_F(ScenarioPlayerTest, screens_and_machine_wake_up_each_in_its_own_words) {
+TEST_F(ScenarioPlayerTest, ScreensAndMachineWakeUpEachInItsOwnWords) {
     std::vector<std::string> happened;
     for (const char* name :
          {"NSWorkspaceScreensDidSleepNotification", "NSWorkspaceScreensDidWakeNotification",
@@ -201,7 +201,7 @@ TEST_F(ScenarioPlayerTest, screens_and_machine_wake_up_each_in_its_own_words) {
                                       "NSWorkspaceScreensDidSleepNotification"));
 }
 
-TEST_F(ScenarioPlayerTest, times_count_from_its_making_and_what_is_past_happens_at_once) {
+TEST_F(ScenarioPlayerTest, TimesCountFromItsMakingAndWhatIsPastHappensAtOnce) {
     machine.runLoop.advance(5);
     std::vector<double> pressed;
     ScenarioPlayer& late = play(R"({"events": [{"at": 1, "press": "a"}, {"at": 3, "press": "b"}],
@@ -221,7 +221,7 @@ TEST_F(ScenarioPlayerTest, times_count_from_its_making_and_what_is_past_happens_
               "✅ [SENSOR] Found lid sensor! ProductID=0x8104, angle=50°");
 }
 
-TEST_F(ScenarioPlayerTest, faults_of_the_machine_are_set_up_too) {
+TEST_F(ScenarioPlayerTest, FaultsOfTheMachineAreSetUpToo) {
     play(R"({"hidManagerRefusesOpen": true,
              "hid": [{"vendor": "0x046d", "product": 7, "refusesOpen": true}]})");
     EXPECT_TRUE(machine.hid.managerRefusesOpen);
@@ -234,13 +234,13 @@ TEST_F(ScenarioPlayerTest, faults_of_the_machine_are_set_up_too) {
     EXPECT_NE(devices->front()->open(), hidSuccess);
 }
 
-TEST_F(ScenarioPlayerTest, an_event_that_nobody_handles_passes) {
+TEST_F(ScenarioPlayerTest, AnEventThatNobodyHandlesPasses) {
     play(R"({"events": [{"at": 0, "press": "OK"}, {"at": 0, "key": "up"}]})").start({});
     machine.runLoop.advance(1);
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
 }
 
-TEST_F(ScenarioPlayerTest, a_device_is_unplugged_when_its_time_has_come) {
+TEST_F(ScenarioPlayerTest, ADeviceIsUnpluggedWhenItsTimeHasCome) {
     play(R"({"hid": [{"product": "0x8104", "lid": [[0, 100]], "unplugAt": 1}]})");
     const auto sensor = LidAngleSensor::create(machine.platform());
     machine.runLoop.advance(0.9);
@@ -251,7 +251,7 @@ TEST_F(ScenarioPlayerTest, a_device_is_unplugged_when_its_time_has_come) {
     EXPECT_TRUE(sensor->usingSleepWake());
 }
 
-TEST_F(ScenarioPlayerTest, single_readings_can_answer_otherwise) {
+TEST_F(ScenarioPlayerTest, SingleReadingsCanAnswerOtherwise) {
     play(R"({"hid": [{"product": "0x8104", "lid": [[0, 100]], "readings": {"1": [1, 50]}}]})");
     const auto sensor = LidAngleSensor::create(machine.platform());
     sensor->probeSensor();
@@ -260,7 +260,7 @@ TEST_F(ScenarioPlayerTest, single_readings_can_answer_otherwise) {
         << "the first reading is short, so the product is passed over and the scan finds it";
 }
 
-TEST_F(ScenarioPlayerTest, what_has_not_happened_no_longer_happens_once_it_is_gone) {
+TEST_F(ScenarioPlayerTest, WhatHasNotHappenedNoLongerHappensOnceItIsGone) {
     int quits = 0;
     play(R"({"events": [{"at": 1, "quit": true}]})").start({.press = {}, .key = {}, .quit = [&] {
                                                                 ++quits;

@@ -25,7 +25,8 @@ struct Place {
 
 class X11ObscuredWindowWatcherTest : public testing::Test {
 protected:
-    X11ObscuredWindowWatcherTest() : m_window(make({.x = 20, .y = 20, .width = 100, .height = 100})) {
+    X11ObscuredWindowWatcherTest()
+        : m_window(make({.x = 20, .y = 20, .width = 100, .height = 100})) {
         m_cover.emplace(m_window, [this](bool covered) { m_reports.push_back(covered); });
         m_display.sync();
         show(m_window);

@@ -97,7 +97,8 @@ TEST_F(LinuxSleepNotificationsTest, TheLastObserverMayLeaveInsideItsBlock) {
     EXPECT_EQ(heard, 1);
 }
 
-TEST_F(LinuxSleepNotificationsTest, ObserversThatComeAndGoWhileTheBusIsBeingJoinedLeaveNothingBehind) {
+TEST_F(LinuxSleepNotificationsTest,
+       ObserversThatComeAndGoWhileTheBusIsBeingJoinedLeaveNothingBehind) {
     for (int round = 0; round < 20; ++round)
         const Listener passing(m_workspace);
     StandInUPower upower(address());
