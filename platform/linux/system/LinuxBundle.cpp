@@ -35,7 +35,6 @@ std::vector<fs::path> LinuxBundle::standardFolders() {
         folders.push_back(executable.parent_path() / "resources");
         folders.push_back(executable.parent_path().parent_path() / "share/quorvane");
     }
-    folders.emplace_back(QUORVANE_SOURCE_RESOURCES);
     const auto data = QStandardPaths::standardLocations(QStandardPaths::GenericDataLocation);
     for (const QString& folder : data)
         folders.push_back(fs::path(folder.toStdString()) / "quorvane");

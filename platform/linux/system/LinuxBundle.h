@@ -16,7 +16,7 @@ public:
     urlForResource(std::string_view name, std::string_view extension) const override;
 
     /// Where the program looks, in order: `resources` and `../share/quorvane` beside the
-    /// executable, the source tree that it was built from, `quorvane` in the XDG data folders.
+    /// executable, then `quorvane` in the XDG data folders.
     /// The environment variable QUORVANE_RESOURCES, if set, names the one folder to use instead,
     /// so that a resource missing there is missing.
     [[nodiscard]] static std::vector<std::filesystem::path> standardFolders();
