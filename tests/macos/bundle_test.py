@@ -17,7 +17,7 @@ BUNDLE = (ROOT / "app/MacBundle.cmake").read_text()
 PROJECT = f"""
 cmake_minimum_required(VERSION 3.25)
 project(Quorvane VERSION 1.2.3 LANGUAGES CXX)
-add_library(quorvane_core INTERFACE)
+add_library(quorvane_platform INTERFACE)
 add_subdirectory({ROOT}/platform/macos macos)
 add_executable(quorvane main.cpp)
 include({ROOT}/app/MacBundle.cmake)
