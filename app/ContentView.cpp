@@ -87,7 +87,7 @@ void ContentView::addKeyboardRow() {
 void ContentView::setKeyboard(bool on) {
     on ? m_keyboardManager->start() : m_keyboardManager->stop();
     const bool isRefused =
-        on && !m_keyboardManager->isActive() && !m_platform.system.isProcessTrusted();
+        on && !m_keyboardManager->isActive() && !m_platform.accessibility.isProcessTrusted();
     m_keyboardHint = std::string(isRefused ? keyboardRefusal() : "");
 }
 
@@ -155,7 +155,7 @@ void ContentView::runHardwareCheck() {
 void ContentView::finishHardwareCheck() {
     m_sensor->probeSensor();
     m_hasLidSensor = m_sensor->sensorFound() && !m_sensor->usingSleepWake();
-    const bool trusted = m_platform.system.isProcessTrusted();
+    const bool trusted = m_platform.accessibility.isProcessTrusted();
     if (m_keyboardManager)
         m_keyboardManager->hasPermission() = trusted;
     m_hasAccessibility = trusted;

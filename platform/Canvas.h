@@ -62,7 +62,7 @@ public:
     /// is wrapped within); line ends in the text are kept.
     [[nodiscard]] virtual Size measure(std::string_view text, const TextStyle& style,
                                        double width) = 0;
-    /// RandomGenerator a text from the top left of its room, wrapped as it is measured.
+    /// Draws a text from the top left of its room, wrapped as it is measured.
     virtual void drawText(std::string_view text, const TextStyle& style, double x, double y,
                           double width) = 0;
     virtual void fill(const Rect& rect, const Color& color) = 0;

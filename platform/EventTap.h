@@ -85,4 +85,16 @@ public:
               std::uint64_t eventsOfInterest, TapCallback callback) = 0;
 };
 
+/// The person's permission to listen to keys. Main thread only.
+class Accessibility : NonCopyable {
+public:
+    virtual ~Accessibility() = default;
+
+    /// Whether key presses anywhere on the machine may be listened to. Asks nobody.
+    [[nodiscard]] virtual bool isProcessTrusted() const = 0;
+    /// As `isProcessTrusted`; if the answer is no and `prompt` is set, the system also asks the
+    /// person, who may take their time: it is not waited for.
+    virtual bool isProcessTrustedWithOptions(bool prompt) = 0;
+};
+
 } // namespace quorvane

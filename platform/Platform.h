@@ -23,6 +23,7 @@ struct Platform {
     NotificationCenter& defaultCenter;
     AudioService& audio;
     EventTapService& eventTaps;
+    Accessibility& accessibility;
     HapticService& haptics;
     ScreenService& screens;
     Application& application;

@@ -34,18 +34,13 @@ public:
     urlForResource(std::string_view name, std::string_view extension) const = 0;
 };
 
-/// What is known of the machine and of what the person allows.
+/// What is known of the machine.
 class SystemInfo : NonCopyable {
 public:
     virtual ~SystemInfo() = default;
 
     /// The maker's name of the model ("MacBookPro18,3"); empty when it is not known.
     [[nodiscard]] virtual std::string modelName() const = 0;
-    /// Whether key presses anywhere on the machine may be listened to. Asks nobody.
-    [[nodiscard]] virtual bool isProcessTrusted() const = 0;
-    /// As `isProcessTrusted`; if the answer is no and `prompt` is set, the system also asks the
-    /// person, who may take their time: it is not waited for.
-    virtual bool isProcessTrustedWithOptions(bool prompt) = 0;
 };
 
 /// The system's random numbers.

@@ -53,7 +53,7 @@ void KeyboardCrackManager::loadSound() {
 void KeyboardCrackManager::start() {
     if (m_isActive || !m_player)
         return;
-    m_hasPermission = m_platform.system.isProcessTrusted();
+    m_hasPermission = m_platform.accessibility.isProcessTrusted();
     if (m_hasPermission) {
         startEventTap();
         return;
@@ -66,13 +66,13 @@ void KeyboardCrackManager::start() {
 }
 
 void KeyboardCrackManager::requestPermission() {
-    m_hasPermission = m_platform.system.isProcessTrustedWithOptions(/*prompt=*/true);
+    m_hasPermission = m_platform.accessibility.isProcessTrustedWithOptions(/*prompt=*/true);
 }
 
 void KeyboardCrackManager::retry() {
     if (m_isActive)
         return;
-    m_hasPermission = m_platform.system.isProcessTrusted();
+    m_hasPermission = m_platform.accessibility.isProcessTrusted();
     if (m_hasPermission)
         startEventTap();
 }

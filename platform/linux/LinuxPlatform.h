@@ -6,6 +6,7 @@
 #include "platform/linux/desktop/LinuxApplication.h"
 #include "platform/linux/haptics/LinuxHaptics.h"
 #include "platform/linux/hid/LinuxHID.h"
+#include "platform/linux/keyboard/LinuxAccessibility.h"
 #include "platform/linux/keyboard/LinuxEventTapService.h"
 #include "platform/linux/overlays/LinuxScreens.h"
 #include "platform/linux/power/LinuxSleepNotifications.h"
@@ -33,6 +34,7 @@ private:
     InProcessNotificationCenter m_defaultCenter;
     OpenALAudioService m_audio;
     LinuxEventTapService m_eventTaps;
+    LinuxAccessibility m_accessibility;
     LinuxHaptics m_haptics;
     LinuxScreens m_screens;
     LinuxApplication m_application;

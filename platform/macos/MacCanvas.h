@@ -4,7 +4,7 @@
 
 namespace quorvane {
 
-/// RandomGenerator with the system's font, colours and strokes into the view that is being drawn,
+/// Draws with the system's font, colours and strokes into the view that is being drawn,
 /// which has to be a flipped one. Measuring works at any time.
 class MacCanvas final : public Canvas {
 public:

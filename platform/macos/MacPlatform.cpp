@@ -9,6 +9,7 @@ Platform MacPlatform::platform() {
             .defaultCenter = *m_defaultCenter,
             .audio = m_audio,
             .eventTaps = m_eventTaps,
+            .accessibility = m_accessibility,
             .haptics = m_haptics,
             .screens = m_screens,
             .application = m_application,

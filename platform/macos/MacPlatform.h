@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "platform/Platform.h"
+#include "platform/macos/MacAccessibility.h"
 #include "platform/macos/MacAudio.h"
 #include "platform/macos/MacConsole.h"
 #include "platform/macos/MacEventTapService.h"
@@ -29,6 +30,7 @@ private:
     std::unique_ptr<NotificationCenter> m_defaultCenter = makeDefaultCenter();
     MacAudio m_audio;
     MacEventTapService m_eventTaps;
+    MacAccessibility m_accessibility;
     MacHaptics m_haptics;
     MacScreens m_screens;
     MacApplication m_application;

@@ -1,12 +1,8 @@
 #include "platform/macos/MacSystemInfo.h"
 
-#include <ApplicationServices/ApplicationServices.h>
 #include <sys/sysctl.h>
 
-#include <array>
 #include <vector>
-
-#include "platform/macos/CFRef.h"
 
 namespace quorvane {
 
@@ -20,19 +16,6 @@ std::string MacSystemInfo::modelName() const {
     if (sysctlbyname(name, value.data(), &length, nullptr, 0) != 0)
         return {};
     return value.data();
-}
-
-bool MacSystemInfo::isProcessTrusted() const {
-    return AXIsProcessTrusted();
-}
-
-bool MacSystemInfo::isProcessTrustedWithOptions(bool prompt) {
-    std::array<const void*, 1> keys{kAXTrustedCheckOptionPrompt};
-    std::array<const void*, 1> values{prompt ? kCFBooleanTrue : kCFBooleanFalse};
-    const auto options = CFRef<CFDictionaryRef>::owned(CFDictionaryCreate(
-        kCFAllocatorDefault, keys.data(), values.data(), static_cast<CFIndex>(keys.size()),
-        &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
-    return AXIsProcessTrustedWithOptions(options.get());
 }
 
 } // namespace quorvane

@@ -4,12 +4,10 @@
 
 namespace quorvane {
 
-/// The model by the kernel's "hw.model"; trust is the Accessibility permission.
+/// The model by the kernel's "hw.model".
 class MacSystemInfo final : public SystemInfo {
 public:
     [[nodiscard]] std::string modelName() const override;
-    [[nodiscard]] bool isProcessTrusted() const override;
-    bool isProcessTrustedWithOptions(bool prompt) override;
 };
 
 } // namespace quorvane

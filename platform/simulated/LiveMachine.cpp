@@ -7,7 +7,7 @@ namespace quorvane {
 LiveMachine::LiveMachine(const Scenario& scenario, const Platform& real)
     : m_real(real), m_hid(real.runLoop), m_application(real.application),
       m_player(scenario, real.runLoop, m_workspace, real.defaultCenter) {
-    m_player.setUpMachine(m_hid, m_system);
+    m_player.setUpMachine(m_hid, m_accessibility, m_system);
     if (scenario.loginItem)
         m_application.status = LoginItemStatus::Enabled;
     if (!scenario.defaults)
@@ -24,6 +24,7 @@ Platform LiveMachine::platform() {
             .defaultCenter = m_real.defaultCenter,
             .audio = m_real.audio,
             .eventTaps = m_eventTaps,
+            .accessibility = m_accessibility,
             .haptics = m_real.haptics,
             .screens = m_real.screens,
             .application = m_application,

@@ -41,6 +41,7 @@ private:
     SimulatedHID m_hid;
     InProcessNotificationCenter m_workspace;
     SimulatedEventTapService m_eventTaps;
+    SimulatedAccessibility m_accessibility;
     SimulatedSystemInfo m_system;
     SimulatedLoginItem m_application;
     // The scenario's own store; none where the person's is used.

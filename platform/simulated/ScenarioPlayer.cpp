@@ -40,9 +40,10 @@ ScenarioPlayer::~ScenarioPlayer() {
         timer->invalidate();
 }
 
-void ScenarioPlayer::setUpMachine(SimulatedHID& hid, SimulatedSystemInfo& system) {
+void ScenarioPlayer::setUpMachine(SimulatedHID& hid, SimulatedAccessibility& accessibility,
+                                  SimulatedSystemInfo& system) {
     system.model = m_scenario.model;
-    system.trusted = m_scenario.trusted;
+    accessibility.trusted = m_scenario.trusted;
     hid.managerRefusesOpen = m_scenario.hidManagerRefusesOpen;
     for (const Scenario::Device& description : m_scenario.devices)
         addDevice(hid, description);

@@ -10,6 +10,7 @@
 #include "platform/NotificationCenter.h"
 #include "platform/RunLoop.h"
 #include "platform/simulated/Scenario.h"
+#include "platform/simulated/SimulatedEventTapService.h"
 #include "platform/simulated/SimulatedHID.h"
 #include "platform/simulated/SimulatedSystem.h"
 
@@ -31,8 +32,9 @@ public:
     /// What has not happened yet no longer happens.
     ~ScenarioPlayer();
 
-    /// Puts the scenario's devices into `hid`, and what it says of the machine into `system`.
-    void setUpMachine(SimulatedHID& hid, SimulatedSystemInfo& system);
+    /// Sets `hid`, `accessibility` and `system` to what the scenario says of the machine.
+    void setUpMachine(SimulatedHID& hid, SimulatedAccessibility& accessibility,
+                      SimulatedSystemInfo& system);
 
     /// From now on the events happen, each at its time; those whose time has passed, at once.
     void start(ScenarioHandlers handlers);

@@ -43,4 +43,19 @@ private:
     std::vector<std::weak_ptr<Tap>> m_taps;
 };
 
+/// A permission that is given when its field says so.
+class SimulatedAccessibility final : public Accessibility {
+public:
+    [[nodiscard]] bool isProcessTrusted() const override { return trusted; }
+
+    bool isProcessTrustedWithOptions(bool prompt) override {
+        prompts += prompt && !trusted ? 1 : 0;
+        return trusted;
+    }
+
+    bool trusted = false;
+    /// How often the person was asked.
+    int prompts = 0;
+};
+
 } // namespace quorvane

@@ -20,6 +20,7 @@ struct SimulatedMachine {
     InProcessNotificationCenter defaultCenter;
     SimulatedAudio audio{runLoop};
     SimulatedEventTapService eventTaps;
+    SimulatedAccessibility accessibility;
     SimulatedHaptics haptics{runLoop};
     SimulatedScreens screens;
     SimulatedApplication application;
@@ -36,6 +37,7 @@ struct SimulatedMachine {
                 .defaultCenter = defaultCenter,
                 .audio = audio,
                 .eventTaps = eventTaps,
+                .accessibility = accessibility,
                 .haptics = haptics,
                 .screens = screens,
                 .application = application,

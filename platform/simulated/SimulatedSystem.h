@@ -43,17 +43,7 @@ class SimulatedSystemInfo final : public SystemInfo {
 public:
     [[nodiscard]] std::string modelName() const override { return model; }
 
-    [[nodiscard]] bool isProcessTrusted() const override { return trusted; }
-
-    bool isProcessTrustedWithOptions(bool prompt) override {
-        prompts += prompt && !trusted ? 1 : 0;
-        return trusted;
-    }
-
     std::string model;
-    bool trusted = false;
-    /// How often the person was asked.
-    int prompts = 0;
 };
 
 /// A program of which the desktop knows what the fields say.
@@ -67,7 +57,7 @@ public:
     bool active = true;
 };
 
-/// RandomGenerator from a script, then from a seeded generator. The same seed repeats the same run.
+/// Draws from a script, then from a seeded generator. The same seed repeats the same run.
 class SimulatedRandom final : public Random {
 public:
     explicit SimulatedRandom(std::uint64_t seed = 1) : m_engine(seed) {}

@@ -11,7 +11,7 @@ using ContentViewHardwareCheckTest = ContentViewFixture;
 TEST_F(ContentViewHardwareCheckTest, TheHardwareCheckShowsItsResultsAfterAFixedPause) {
     addLid(100);
     machine.system.model = "MacBookPro18,3";
-    machine.system.trusted = true;
+    machine.accessibility.trusted = true;
     makeView().onAppear();
     view->runHardwareCheck();
     EXPECT_TRUE(view->isChecking());
@@ -30,7 +30,7 @@ TEST_F(ContentViewHardwareCheckTest, TheHardwareCheckShowsItsResultsAfterAFixedP
 TEST_F(ContentViewHardwareCheckTest, TheResultsComeInTheirOrder) {
     addLid(100);
     machine.system.model = "MacBook";
-    machine.system.trusted = true;
+    machine.accessibility.trusted = true;
     makeView();
     std::vector<std::string> order;
     const auto note = [&](const Observable<bool>& flag, std::string name) {
@@ -56,12 +56,12 @@ TEST_F(ContentViewHardwareCheckTest, TheKeyboardLearnsTheAnswerAndNobodyIsAsked)
     machine.runLoop.advance(2);
     EXPECT_FALSE(keyboard->hasPermission());
     EXPECT_FALSE(view->hasAccessibility());
-    machine.system.trusted = true;
+    machine.accessibility.trusted = true;
     view->runHardwareCheck();
     machine.runLoop.advance(2);
     EXPECT_TRUE(keyboard->hasPermission());
     EXPECT_TRUE(view->hasAccessibility());
-    EXPECT_EQ(machine.system.prompts, 0);
+    EXPECT_EQ(machine.accessibility.prompts, 0);
 }
 
 TEST_F(ContentViewHardwareCheckTest, ASensorFoundOnlyThroughTheFallbackCountsAsNotFound) {
@@ -117,9 +117,9 @@ TEST_F(ContentViewHardwareCheckTest, EachRowShowsItsOwnResult) {
         return rows;
     };
     EXPECT_EQ(passed(), "---+++");
-    machine.system.trusted = true;
+    machine.accessibility.trusted = true;
     EXPECT_EQ(passed(), "-+-+++");
-    machine.system.trusted = false;
+    machine.accessibility.trusted = false;
     machine.system.model = "MacBook";
     EXPECT_EQ(passed(), "--++++");
     machine.system.model = "";
@@ -147,7 +147,7 @@ TEST_F(ContentViewHardwareCheckTest, TheFlagIsStoredBeforeTheScreenChanges) {
 }
 
 TEST_F(ContentViewHardwareCheckTest, WithoutAKeyboardEffectTheCheckStillEnds) {
-    machine.system.trusted = true;
+    machine.accessibility.trusted = true;
     ContentView alone(machine.platform(), nullptr, {});
     alone.runHardwareCheck();
     machine.runLoop.advance(1.5);

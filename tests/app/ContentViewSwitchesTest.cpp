@@ -148,7 +148,7 @@ TEST_F(ContentViewSwitchesTest, TheKeyboardRowsReasonGoesWhenPermissionComesAfte
 
 TEST_F(ContentViewSwitchesTest, TheKeyboardRowGivesNoReasonThatIsNotTheReason) {
     makeReturningView();
-    machine.system.trusted = true;
+    machine.accessibility.trusted = true;
     keyboard->canStart = false;
     row("Keyboard").setOn(true);
     EXPECT_EQ(row("Keyboard").hint->get(), "");
@@ -156,7 +156,7 @@ TEST_F(ContentViewSwitchesTest, TheKeyboardRowGivesNoReasonThatIsNotTheReason) {
 
 TEST_F(ContentViewSwitchesTest, AKeyboardThatRunsHasNothingToExplain) {
     makeReturningView();
-    machine.system.trusted = false;
+    machine.accessibility.trusted = false;
     row("Keyboard").setOn(true);
     EXPECT_TRUE(row("Keyboard").isOn->get());
     EXPECT_EQ(row("Keyboard").hint->get(), "");

@@ -23,7 +23,7 @@ protected:
         addSound("fanmac", 2);
         addSound("keyboard", 0.2);
         lid->setAngle(100);
-        machine.system.trusted = true;
+        machine.accessibility.trusted = true;
         machine.system.model = "MacBookPro18,3";
         // A machine that has been up for a moment.
         machine.runLoop.advance(10);

@@ -24,26 +24,24 @@ void tell(std::string_view what, bool answer) {
 }
 
 /// The machine's own, telling of every question.
-class OverheardSystem final : public SystemInfo {
+class OverheardAccessibility final : public Accessibility {
 public:
-    explicit OverheardSystem(SystemInfo& system) : m_system(system) {}
-
-    [[nodiscard]] std::string modelName() const override { return m_system.modelName(); }
+    explicit OverheardAccessibility(Accessibility& real) : m_real(real) {}
 
     [[nodiscard]] bool isProcessTrusted() const override {
-        const bool answer = m_system.isProcessTrusted();
+        const bool answer = m_real.isProcessTrusted();
         tell("trusted", answer);
         return answer;
     }
 
     bool isProcessTrustedWithOptions(bool prompt) override {
-        const bool answer = m_system.isProcessTrustedWithOptions(prompt);
+        const bool answer = m_real.isProcessTrustedWithOptions(prompt);
         tell(prompt ? "trusted, with a prompt" : "trusted, without a prompt", answer);
         return answer;
     }
 
 private:
-    SystemInfo& m_system;
+    Accessibility& m_real;
 };
 
 void runUntilInputEnds() {
@@ -53,8 +51,9 @@ void runUntilInputEnds() {
 }
 
 int probeEffect(const Platform& platform) {
-    OverheardSystem system(platform.system);
-    const auto manager = KeyboardCrackManager::create(exchange(platform, {.system = &system}));
+    OverheardAccessibility accessibility(platform.accessibility);
+    const auto manager =
+        KeyboardCrackManager::create(exchange(platform, {.accessibility = &accessibility}));
     const auto told = manager->isActive().observe([&] { tell("active", manager->isActive()); });
     manager->start();
     std::cout << "started" << std::endl;

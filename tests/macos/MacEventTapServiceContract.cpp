@@ -33,7 +33,7 @@ std::unique_ptr<EventTapContractBackend> makeMac() {
     return std::make_unique<MacBackend>();
 }
 
-INSTANTIATE_TEST_SUITE_P(MacStandIn, EventTapContract, testing::Values(&makeMac));
+INSTANTIATE_TEST_SUITE_P(MacFake, EventTapContract, testing::Values(&makeMac));
 
 } // namespace
 

@@ -43,7 +43,7 @@ std::unique_ptr<HIDContractBackend> makeMac() {
     return std::make_unique<MacBackend>();
 }
 
-INSTANTIATE_TEST_SUITE_P(MacStandIn, HIDContract, testing::Values(&makeMac));
+INSTANTIATE_TEST_SUITE_P(MacFake, HIDContract, testing::Values(&makeMac));
 
 } // namespace
 

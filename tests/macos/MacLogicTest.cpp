@@ -1,7 +1,7 @@
 #include "effects/keyboard/KeyboardCrackManager.h"
+#include "platform/macos/MacAccessibility.h"
 #include "platform/macos/MacEventTapService.h"
 #include "platform/macos/MacHID.h"
-#include "platform/macos/MacSystemInfo.h"
 #include "platform/simulated/SimulatedMachine.h"
 #include "sensing/LidAngleSensor.h"
 #include "tests/macos/FakeMachine.h"
@@ -27,8 +27,9 @@ protected:
     }
 
     Platform platform() {
-        return exchange(m_rest.platform(),
-                        {.hid = &m_hid, .eventTaps = &m_eventTaps, .system = &m_system});
+        return exchange(
+            m_rest.platform(),
+            {.hid = &m_hid, .eventTaps = &m_eventTaps, .accessibility = &m_accessibility});
     }
 
     std::shared_ptr<fakes::Device> plugIn(int productID, std::vector<std::uint8_t> report) {
@@ -43,7 +44,7 @@ protected:
     std::vector<std::string>& m_calls = fakes::machine().calls;
     MacHID m_hid;
     MacEventTapService m_eventTaps;
-    MacSystemInfo m_system;
+    MacAccessibility m_accessibility;
     SimulatedMachine m_rest;
 };
 

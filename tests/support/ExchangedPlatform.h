@@ -10,7 +10,7 @@ struct ExchangedServices {
     HIDService* hid = nullptr;
     NotificationCenter* workspace = nullptr;
     EventTapService* eventTaps = nullptr;
-    SystemInfo* system = nullptr;
+    Accessibility* accessibility = nullptr;
     Console* console = nullptr;
 };
 
@@ -23,12 +23,14 @@ inline Platform exchange(const Platform& platform, const ExchangedServices& serv
         .defaultCenter = platform.defaultCenter,
         .audio = platform.audio,
         .eventTaps = services.eventTaps != nullptr ? *services.eventTaps : platform.eventTaps,
+        .accessibility =
+            services.accessibility != nullptr ? *services.accessibility : platform.accessibility,
         .haptics = platform.haptics,
         .screens = platform.screens,
         .application = platform.application,
         .userDefaults = platform.userDefaults,
         .bundle = platform.bundle,
-        .system = services.system != nullptr ? *services.system : platform.system,
+        .system = platform.system,
         .random = platform.random,
         .console = services.console != nullptr ? *services.console : platform.console,
     };

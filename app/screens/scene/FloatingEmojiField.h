@@ -12,7 +12,7 @@
 
 namespace quorvane {
 
-/// RandomGenerator the controller's particles, and takes no part in anything else: the mouse passes
+/// Draws the controller's particles, and takes no part in anything else: the mouse passes
 /// through. Each particle's picture is drawn once, since only places and opacities change.
 class FloatingEmojiField : public QQuickItem {
     Q_OBJECT

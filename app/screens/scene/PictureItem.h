@@ -40,7 +40,7 @@ signals:
     void glowChanged();
 
 protected:
-    /// RandomGenerator in the item's own coordinates; a few points beyond its bounds are still
+    /// Draws in the item's own coordinates; a few points beyond its bounds are still
     /// seen.
     virtual void draw(QPainter& painter) const = 0;
     /// Has it drawn anew.

@@ -29,7 +29,7 @@ private:
     std::vector<std::pair<TextStyle, QFont>> m_fonts;
 };
 
-/// RandomGenerator with a painter whose unit is a point. The texts are kept for other canvases.
+/// Draws with a painter whose unit is a point. The texts are kept for other canvases.
 class PaintedCanvas final : public Canvas {
 public:
     PaintedCanvas(QPainter& painter, LaidOutTexts& texts);
@@ -59,7 +59,7 @@ inline constexpr int spinnerSteps = 12;
 /// Where a spinner draws.
 [[nodiscard]] Rect spinnerBounds(const Spinner& spinner);
 
-/// RandomGenerator a spinner's picture `step`, counted from any: strokes around a circle, the one
+/// Draws a spinner's picture `step`, counted from any: strokes around a circle, the one
 /// at the step in full and those behind it fading.
 void drawSpinner(QPainter& painter, const Spinner& spinner, int step);
 

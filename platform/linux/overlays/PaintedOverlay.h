@@ -11,16 +11,16 @@
 
 namespace quorvane {
 
-/// RandomGenerator a view into an image: once what is still, and from then on only what changes.
+/// Draws a view into an image: once what is still, and from then on only what changes.
 /// The image stays the caller's and is handed in each time.
 class PaintedOverlay {
 public:
     /// `scale`: pixels a point.
     PaintedOverlay(std::shared_ptr<const OverlayView> view, double scale);
 
-    /// RandomGenerator everything over what the image holds.
+    /// Draws everything over what the image holds.
     void drawAll(QImage& image);
-    /// RandomGenerator what has changed since it was last drawn; the pixels that may differ now,
+    /// Draws what has changed since it was last drawn; the pixels that may differ now,
     /// which may be none.
     [[nodiscard]] QRegion drawChanges(QImage& image);
 

@@ -24,7 +24,7 @@ protected:
         machine.audio.addFile(crackPath, {.sampleRate = 1000, .channels = 1},
                               std::vector<float>(200, 0.5F));
         machine.bundle.addResource("keyboard", "mp3", crackPath);
-        machine.system.trusted = true;
+        machine.accessibility.trusted = true;
         // A machine that has been up for a moment.
         machine.runLoop.advance(10);
     }

@@ -10,20 +10,20 @@ namespace {
 using testing::IsEmpty;
 
 TEST_F(KeyboardCrackManagerTest, WithoutPermissionThePersonIsAskedOnce) {
-    machine.system.trusted = false;
+    machine.accessibility.trusted = false;
     makeListening();
-    EXPECT_EQ(machine.system.prompts, 1);
+    EXPECT_EQ(machine.accessibility.prompts, 1);
     EXPECT_FALSE(manager->isActive());
     EXPECT_FALSE(manager->hasPermission());
     EXPECT_THAT(machine.eventTaps.calls(), IsEmpty());
     machine.runLoop.advance(60);
-    EXPECT_EQ(machine.system.prompts, 1);
+    EXPECT_EQ(machine.accessibility.prompts, 1);
 }
 
 TEST_F(KeyboardCrackManagerTest, PermissionGivenWithinThreeSecondsStartsTheTapThen) {
-    machine.system.trusted = false;
+    machine.accessibility.trusted = false;
     makeListening();
-    machine.system.trusted = true;
+    machine.accessibility.trusted = true;
     machine.runLoop.advance(2.999);
     EXPECT_FALSE(manager->isActive());
     machine.runLoop.advance(0.001);
@@ -32,10 +32,10 @@ TEST_F(KeyboardCrackManagerTest, PermissionGivenWithinThreeSecondsStartsTheTapTh
 }
 
 TEST_F(KeyboardCrackManagerTest, ThereIsOneRetryOnly) {
-    machine.system.trusted = false;
+    machine.accessibility.trusted = false;
     makeListening();
     machine.runLoop.advance(3);
-    machine.system.trusted = true;
+    machine.accessibility.trusted = true;
     machine.runLoop.advance(60);
     EXPECT_FALSE(manager->isActive());
     EXPECT_FALSE(manager->hasPermission());
@@ -44,38 +44,38 @@ TEST_F(KeyboardCrackManagerTest, ThereIsOneRetryOnly) {
 }
 
 TEST_F(KeyboardCrackManagerTest, TheRetryOfAnActiveManagerDoesNothing) {
-    machine.system.trusted = false;
+    machine.accessibility.trusted = false;
     makeListening();
-    machine.system.trusted = true;
+    machine.accessibility.trusted = true;
     manager->start();
     const auto calls = machine.eventTaps.calls();
-    machine.system.trusted = false;
+    machine.accessibility.trusted = false;
     machine.runLoop.advance(3);
     EXPECT_TRUE(manager->hasPermission());
     EXPECT_EQ(machine.eventTaps.calls(), calls);
 }
 
 TEST_F(KeyboardCrackManagerTest, StoppingDoesNotCallTheRetryOff) {
-    machine.system.trusted = false;
+    machine.accessibility.trusted = false;
     makeListening();
     manager->stop();
-    machine.system.trusted = true;
+    machine.accessibility.trusted = true;
     machine.runLoop.advance(3);
     EXPECT_TRUE(manager->isActive());
 }
 
 TEST_F(KeyboardCrackManagerTest, TheRetryOutlivesTheManagerHarmlessly) {
-    machine.system.trusted = false;
+    machine.accessibility.trusted = false;
     makeListening();
     manager.reset();
-    machine.system.trusted = true;
+    machine.accessibility.trusted = true;
     machine.runLoop.advance(3);
     EXPECT_THAT(machine.eventTaps.calls(), IsEmpty());
 }
 
 TEST_F(KeyboardCrackManagerTest, TrustThatGoesAwayIsNoticedByTheNextStart) {
     makeListening();
-    machine.system.trusted = false;
+    machine.accessibility.trusted = false;
     machine.runLoop.advance(60);
     EXPECT_TRUE(manager->isActive()) << "it is not watched";
     EXPECT_TRUE(manager->hasPermission());
@@ -83,25 +83,25 @@ TEST_F(KeyboardCrackManagerTest, TrustThatGoesAwayIsNoticedByTheNextStart) {
     manager->start();
     EXPECT_FALSE(manager->hasPermission());
     EXPECT_FALSE(manager->isActive());
-    EXPECT_EQ(machine.system.prompts, 1);
+    EXPECT_EQ(machine.accessibility.prompts, 1);
     EXPECT_EQ(machine.eventTaps.openCount(), 0U);
 }
 
 TEST_F(KeyboardCrackManagerTest, TrustThatGoesAwayBeforeTheRetryStartsNothing) {
-    machine.system.trusted = false;
+    machine.accessibility.trusted = false;
     makeListening();
     manager->hasPermission() = true;
     machine.runLoop.advance(3);
     EXPECT_FALSE(manager->hasPermission());
     EXPECT_THAT(machine.eventTaps.calls(), IsEmpty());
-    EXPECT_EQ(machine.system.prompts, 1) << "the retry asks nobody";
+    EXPECT_EQ(machine.accessibility.prompts, 1) << "the retry asks nobody";
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U) << "and there is no further one";
 }
 
 TEST_F(KeyboardCrackManagerTest, ATapThatCannotBeCreatedAtTheRetryIsSaid) {
-    machine.system.trusted = false;
+    machine.accessibility.trusted = false;
     makeListening();
-    machine.system.trusted = true;
+    machine.accessibility.trusted = true;
     machine.eventTaps.refusesTap = true;
     machine.runLoop.advance(3);
     EXPECT_EQ(machine.console.lines.back(), failedLine);
@@ -109,11 +109,9 @@ TEST_F(KeyboardCrackManagerTest, ATapThatCannotBeCreatedAtTheRetryIsSaid) {
     EXPECT_TRUE(manager->hasPermission());
 }
 
-/// A system whose person says yes as soon as they are asked.
-class WillingSystem final : public SystemInfo {
+/// A permission that is given as soon as it is asked for.
+class WillingAccessibility final : public Accessibility {
 public:
-    [[nodiscard]] std::string modelName() const override { return {}; }
-
     [[nodiscard]] bool isProcessTrusted() const override { return m_asked; }
 
     bool isProcessTrustedWithOptions(bool prompt) override {
@@ -126,8 +124,9 @@ private:
 };
 
 TEST_F(KeyboardCrackManagerTest, AYesToTheQuestionIsKnownAtOnceAndUsedByTheRetry) {
-    WillingSystem system;
-    manager = KeyboardCrackManager::create(exchange(machine.platform(), {.system = &system}));
+    WillingAccessibility accessibility;
+    manager = KeyboardCrackManager::create(
+        exchange(machine.platform(), {.accessibility = &accessibility}));
     manager->start();
     EXPECT_TRUE(manager->hasPermission());
     EXPECT_FALSE(manager->isActive());

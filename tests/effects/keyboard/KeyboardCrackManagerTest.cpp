@@ -20,12 +20,12 @@ TEST_F(KeyboardCrackManagerTest, TheSoundIsPreparedOnceAtHalfVolume) {
 
 TEST_F(KeyboardCrackManagerTest, AMissingSoundIsSaidAndNothingEverStarts) {
     machine.bundle.removeResources();
-    machine.system.trusted = false;
+    machine.accessibility.trusted = false;
     makeListening();
     machine.runLoop.advance(10);
     EXPECT_THAT(machine.console.lines, ElementsAre("⚠️ [KEYBOARD] keyboard.mp3 not found"));
     EXPECT_FALSE(manager->isActive());
-    EXPECT_EQ(machine.system.prompts, 0);
+    EXPECT_EQ(machine.accessibility.prompts, 0);
     EXPECT_THAT(machine.eventTaps.calls(), IsEmpty());
 }
 

@@ -106,10 +106,10 @@ TEST_F(LiveMachineTest, SettingsAreThePersonsUnlessTheScenarioHasItsOwn) {
 
 TEST_F(LiveMachineTest, TheSystemIsTheScenarios) {
     m_real.system.model = "real";
-    m_real.system.trusted = true;
+    m_real.accessibility.trusted = true;
     load(R"({"model": "scenario"})");
     EXPECT_EQ(m_live->platform().system.modelName(), "scenario");
-    EXPECT_FALSE(m_live->platform().system.isProcessTrusted());
+    EXPECT_FALSE(m_live->platform().accessibility.isProcessTrusted());
 }
 
 TEST_F(LiveMachineTest, SleepAndWakeAreTheScenarios) {

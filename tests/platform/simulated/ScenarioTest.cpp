@@ -129,7 +129,7 @@ class ScenarioPlayerTest : public testing::Test {
 protected:
     ScenarioPlayer& play(std::string_view text) {
         player.emplace(parse(text), machine.runLoop, machine.workspace, machine.defaultCenter);
-        player->setUpMachine(machine.hid, machine.system);
+        player->setUpMachine(machine.hid, machine.accessibility, machine.system);
         return *player;
     }
 
@@ -141,7 +141,7 @@ TEST_F(ScenarioPlayerTest, SetsUpTheMachine) {
     play(R"({"model": "MacBookPro18,3", "trusted": true,
              "hid": [{"product": "0x8104", "lid": [[0, 100], [2, 140]]}]})");
     EXPECT_EQ(machine.system.model, "MacBookPro18,3");
-    EXPECT_TRUE(machine.system.trusted);
+    EXPECT_TRUE(machine.accessibility.trusted);
     const auto sensor = LidAngleSensor::create(machine.platform());
     sensor->probeSensor();
     sensor->start();
@@ -225,7 +225,7 @@ TEST_F(ScenarioPlayerTest, FaultsOfTheMachineAreSetUpToo) {
     play(R"({"hidManagerRefusesOpen": true,
              "hid": [{"vendor": "0x046d", "product": 7, "refusesOpen": true}]})");
     EXPECT_TRUE(machine.hid.managerRefusesOpen);
-    EXPECT_FALSE(machine.system.trusted);
+    EXPECT_FALSE(machine.accessibility.trusted);
     machine.hid.managerRefusesOpen = false;
     const auto manager = machine.hid.createManager();
     manager->setDeviceMatching({.vendorID = 0x046D, .productID = 7});

@@ -100,7 +100,7 @@ TEST_F(HardwareCheckScreen, TellsOfALidSensor) {
 }
 
 TEST_F(HardwareCheckScreen, TellsWhatPassed) {
-    m_machine.system.trusted = true;
+    m_machine.accessibility.trusted = true;
     launch();
     runCheck();
     const auto shown = texts();

@@ -2,7 +2,7 @@
 #include <optional>
 
 #include "platform/linux/keyboard/KeyboardAccessPrompt.h"
-#include "platform/linux/system/LinuxSystemInfo.h"
+#include "platform/linux/keyboard/LinuxAccessibility.h"
 #include "tests/support/Environment.h"
 #include "tests/support/OpenFiles.h"
 #include "tests/support/QtApplication.h"
@@ -105,15 +105,15 @@ TEST_F(KeyboardAccessPromptTest, OnlyWhoIsNotTrustedAndWantsAPromptGetsIt) {
     const EnvironmentVariable wayland("WAYLAND_DISPLAY", "wayland-0");
     const auto node = m_folder.write("event0", "");
     const auto keyboards = [&node] { return std::vector{node}; };
-    LinuxSystemInfo info("/", keyboards);
-    EXPECT_TRUE(info.isProcessTrustedWithOptions(true));
+    LinuxAccessibility accessibility(keyboards);
+    EXPECT_TRUE(accessibility.isProcessTrustedWithOptions(true));
     QtApplication::runFor(100);
     fs::remove(node);
-    EXPECT_FALSE(info.isProcessTrustedWithOptions(false));
-    EXPECT_FALSE(info.isProcessTrusted());
+    EXPECT_FALSE(accessibility.isProcessTrustedWithOptions(false));
+    EXPECT_FALSE(accessibility.isProcessTrusted());
     QtApplication::runFor(100);
     EXPECT_EQ(fileText(calls()), "");
-    EXPECT_FALSE(info.isProcessTrustedWithOptions(true));
+    EXPECT_FALSE(accessibility.isProcessTrustedWithOptions(true));
     const auto helper =
         QCoreApplication::applicationDirPath().toStdString() + "/quorvane-keyboard-access";
     EXPECT_TRUE(hasCalls("--disable-internal-agent " + helper + "\nend\n"));

@@ -1,0 +1,89 @@
+#include <gtest/gtest.h>
+#include <memory>
+
+#include "base/NonCopyable.h"
+#include "platform/linux/keyboard/LinuxAccessibility.h"
+#include "platform/macos/MacAccessibility.h"
+#include "platform/simulated/SimulatedEventTapService.h"
+#include "tests/macos/FakeMachine.h"
+#include "tests/support/Environment.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace quorvane {
+
+namespace {
+
+class AccessibilityContractBackend : NonCopyable {
+public:
+    virtual ~AccessibilityContractBackend() = default;
+
+    virtual Accessibility& accessibility() = 0;
+    virtual void setTrusted(bool trusted) = 0;
+};
+
+class SimulatedBackend final : public AccessibilityContractBackend {
+public:
+    Accessibility& accessibility() override { return m_accessibility; }
+
+    void setTrusted(bool trusted) override { m_accessibility.trusted = trusted; }
+
+private:
+    SimulatedAccessibility m_accessibility;
+};
+
+class LinuxBackend final : public AccessibilityContractBackend {
+public:
+    Accessibility& accessibility() override { return m_accessibility; }
+
+    void setTrusted(bool trusted) override {
+        const auto node = m_root.write("event0", "");
+        if (!trusted)
+            std::filesystem::remove(node);
+    }
+
+private:
+    TemporaryFolder m_root;
+    EnvironmentVariable m_session{"WAYLAND_DISPLAY", "wayland-0"};
+    LinuxAccessibility m_accessibility{[this] { return std::vector{m_root.path() / "event0"}; }};
+};
+
+class MacBackend final : public AccessibilityContractBackend {
+public:
+    Accessibility& accessibility() override { return m_accessibility; }
+
+    void setTrusted(bool trusted) override { fakes::machine().trusted = trusted; }
+
+private:
+    FakeMachine m_machine;
+    MacAccessibility m_accessibility;
+};
+
+using AccessibilityBackendMaker = std::unique_ptr<AccessibilityContractBackend> (*)();
+
+class AccessibilityContract : public testing::TestWithParam<AccessibilityBackendMaker> {
+protected:
+    std::unique_ptr<AccessibilityContractBackend> m_backend = GetParam()();
+};
+
+TEST_P(AccessibilityContract, TrustIsWhatItIsWhenItIsAskedFor) {
+    m_backend->setTrusted(false);
+    EXPECT_FALSE(m_backend->accessibility().isProcessTrusted());
+    m_backend->setTrusted(true);
+    EXPECT_TRUE(m_backend->accessibility().isProcessTrusted());
+    m_backend->setTrusted(false);
+    EXPECT_FALSE(m_backend->accessibility().isProcessTrusted());
+}
+
+template <typename Backend>
+std::unique_ptr<AccessibilityContractBackend> make() {
+    return std::make_unique<Backend>();
+}
+
+INSTANTIATE_TEST_SUITE_P(Simulated, AccessibilityContract,
+                         testing::Values(&make<SimulatedBackend>));
+INSTANTIATE_TEST_SUITE_P(Linux, AccessibilityContract, testing::Values(&make<LinuxBackend>));
+INSTANTIATE_TEST_SUITE_P(MacFake, AccessibilityContract, testing::Values(&make<MacBackend>));
+
+} // namespace
+
+} // namespace quorvane
