@@ -26,7 +26,7 @@ FLOORS = {
 }
 
 # The logic knows the standard library and our own interfaces only.
-LOGIC = re.compile(r"^(base/|sensing/|effects/(?!.*View)|app/[^/]*$|platform/[^/]*$)")
+LOGIC = re.compile(r"^(base/|sensing/|effects/|app/[^/]*$|platform/[^/]*$)")
 NOT_LOGIC = {"app/main.cpp"}
 
 STANDARD_HEADERS = set(
@@ -118,6 +118,12 @@ def check_sources(build):
     return problems
 
 
+def linux_service(name):
+    """The service of platform/linux that a file implements, if any."""
+    found = re.match(r"platform/linux/(\w+)/", name)
+    return found and found[1]
+
+
 def include_problems(name, line, target):
     floor = name.split("/")[0]
     system = line.startswith("<")
@@ -133,13 +139,16 @@ def include_problems(name, line, target):
         return f"{name}: {target} is not included by its path from the root"
     if target_floor != floor and target_floor not in FLOORS[floor]:
         return f"{name}: {target} is further up the house"
+    service, target_service = linux_service(name), linux_service(target)
+    if service and target_service and target_service not in (service, "common"):
+        return f"{name}: {target} belongs to another service"
     if floor == target_floor == "effects" and name.split("/")[1] != target.split("/")[1]:
         return f"{name}: {target} belongs to another effect"
     return None
 
 
 def check_includes(_build):
-    """No include points up the house; no toolkit or system header in the logic."""
+    """No include points up or at another service; no Qt or system header in the logic."""
     problems = []
     for name in sources():
         text = without_comments((ROOT / name).read_text())

@@ -25,14 +25,20 @@ class Includes(unittest.TestCase):
         self.assertIsNone(self.problem("base/Format.cpp", "<charconv>"))
         self.assertIsNone(self.problem("platform/linux/system/LinuxRunLoop.cpp", "<QSocketNotifier>"))
         self.assertIsNone(self.problem("app/main.cpp", '"platform/linux/LinuxPlatform.h"'))
+        self.assertIsNone(
+            self.problem("platform/linux/hid/A.cpp", '"platform/linux/common/SysfsText.h"'))
+        self.assertIsNone(
+            self.problem("platform/linux/LinuxPlatform.h", '"platform/linux/hid/LinuxHID.h"'))
 
     def test_upwards_and_sideways_is_not(self):
         self.assertIn("up the house", self.problem("base/Format.h", '"platform/HID.h"'))
         self.assertIn("up the house", self.problem("effects/creak/A.h", '"sensing/B.h"'))
         self.assertIn("up the house", self.problem("platform/linux/A.cpp", '"app/B.h"'))
         self.assertIn("another effect", self.problem("effects/creak/A.h", '"effects/fan/B.h"'))
+        self.assertIn("another service",
+                      self.problem("platform/linux/hid/A.h", '"platform/linux/haptics/B.h"'))
 
-    def test_the_logic_knows_no_toolkit_no_system_and_no_backend(self):
+    def test_the_logic_includes_no_qt_no_system_header_and_no_platform(self):
         self.assertIn("includes <QObject>", self.problem("app/ContentView.h", "<QObject>"))
         self.assertIn("includes <unistd.h>", self.problem("sensing/A.cpp", "<unistd.h>"))
         self.assertIn("platform/linux", self.problem("app/A.cpp", '"platform/linux/B.h"'))
