@@ -39,6 +39,20 @@ class Configuration(unittest.TestCase):
         names = [name for name in self.commands() if name.startswith(("tests/", "bench/"))]
         self.assertEqual(names, [])
 
+    def test_a_release_is_hardened_and_does_not_contain_the_source_path(self):
+        folder = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory()))
+        for command in (["cmake", "--preset", "release", "-B", folder],
+                        ["cmake", "--build", folder, "--target", "quorvane-keyboard-access"]):
+            subprocess.run(command, cwd=ROOT, check=True, capture_output=True)
+        program = folder / "quorvane-keyboard-access"
+        facts = subprocess.run(["readelf", "-Whdls", program], check=True, capture_output=True,
+                               text=True).stdout
+        for fact in ("Position-Independent Executable", "BIND_NOW", "GNU_RELRO", "__stack_chk_fail"):
+            self.assertIn(fact, facts)
+        self.assertEqual(program.read_bytes().count(os.fsencode(f"{ROOT}/platform")), 0)
+        # So small a program calls nothing that leaves a trace of this one.
+        self.assertIn("-D_FORTIFY_SOURCE=2", (folder / "compile_commands.json").read_text())
+
     def test_everything_that_is_missing_is_named_at_once(self):
         _, done = self.configure("-DCMAKE_DISABLE_FIND_PACKAGE_Qt6=ON",
                                  "-DCMAKE_DISABLE_FIND_PACKAGE_nlohmann_json=ON",
