@@ -20,6 +20,11 @@ struct FreeReply {
 template <class Reply>
 using XcbReply = std::unique_ptr<Reply, FreeReply>;
 
+/// The event's type, without the bit that marks an event sent by another client.
+[[nodiscard]] inline int eventType(const xcb_generic_event_t& event) {
+    return event.response_type & ~0x80;
+}
+
 /// A connection to the X server of our own: its events are ours alone, and its windows go with the
 /// process, however that ends. Main thread only; events come from the Qt event loop.
 class X11Connection : NonCopyable {

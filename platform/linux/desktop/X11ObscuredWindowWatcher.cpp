@@ -7,12 +7,6 @@
 
 namespace quorvane {
 
-namespace {
-
-constexpr uint8_t sentByAnotherClient = 0x80;
-
-} // namespace
-
 // On a connection of our own, since what a window's events are is chosen for each connection, and
 // the toolkit has its own choice.
 X11ObscuredWindowWatcher::X11ObscuredWindowWatcher(xcb_window_t window,
@@ -29,7 +23,7 @@ X11ObscuredWindowWatcher::X11ObscuredWindowWatcher(xcb_window_t window,
 X11ObscuredWindowWatcher::~X11ObscuredWindowWatcher() = default;
 
 void X11ObscuredWindowWatcher::take(const xcb_generic_event_t& event) {
-    if ((event.response_type & ~sentByAnotherClient) != XCB_VISIBILITY_NOTIFY)
+    if (eventType(event) != XCB_VISIBILITY_NOTIFY)
         return;
     const auto& change = reinterpret_cast<const xcb_visibility_notify_event_t&>(event);
     m_report(change.state == XCB_VISIBILITY_FULLY_OBSCURED);

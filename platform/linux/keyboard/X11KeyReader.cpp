@@ -9,8 +9,6 @@ namespace quorvane {
 
 namespace {
 
-constexpr std::uint8_t sentFlag = 0x80;
-
 /// From version 2.1 on, raw events come while another client has grabbed the keyboard too.
 constexpr std::uint16_t majorVersion = 2;
 constexpr std::uint16_t minorVersion = 1;
@@ -81,7 +79,7 @@ void X11KeyReader::setReading(bool reading) {
 }
 
 void X11KeyReader::handle(const xcb_generic_event_t& event) {
-    const int type = event.response_type & ~sentFlag;
+    const int type = eventType(event);
     if (type == XCB_MAPPING_NOTIFY)
         m_modifiers.load(m_connection->get());
     else if (type == XCB_GE_GENERIC)

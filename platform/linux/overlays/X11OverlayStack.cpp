@@ -14,7 +14,6 @@ namespace {
 
 // Two programs that each want to be in front must not keep each other busy.
 constexpr qint64 shortestRaiseInterval = 100; // Milliseconds.
-constexpr uint8_t sentByClient = 0x80;
 
 int firstScreensEvent(const X11Connection& connection) {
     const auto* extension = xcb_get_extension_data(connection.get(), &xcb_randr_id);
@@ -117,7 +116,7 @@ X11Panel* X11OverlayStack::find(xcb_window_t window) const {
 }
 
 void X11OverlayStack::handle(const xcb_generic_event_t& event) {
-    const int type = event.response_type & ~sentByClient;
+    const int type = eventType(event);
     if (type == XCB_EXPOSE)
         handleExpose(as<xcb_expose_event_t>(event));
     else if (type == XCB_VISIBILITY_NOTIFY)
