@@ -2,8 +2,8 @@
 
 #include <glib.h>
 
+#include <QByteArray>
 #include <algorithm>
-#include <cstdlib>
 #include <memory>
 #include <optional>
 #include <set>
@@ -36,8 +36,7 @@ using String = std::unique_ptr<gchar, StringRelease>;
 using Strings = std::unique_ptr<gchar*[], StringsRelease>;
 
 std::string variable(const char* name, const char* otherwise) {
-    const char* value = std::getenv(name); // NOLINT(concurrency-mt-unsafe): nobody changes it.
-    return value && *value ? value : otherwise;
+    return qEnvironmentVariableIsEmpty(name) ? otherwise : qgetenv(name).toStdString();
 }
 
 std::vector<std::string> split(const std::string& text) {

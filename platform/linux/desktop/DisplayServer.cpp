@@ -5,20 +5,18 @@
 #include <unistd.h>
 #include <xcb/xcb.h>
 
+#include <QByteArray>
 #include <algorithm>
-#include <cstdlib>
-#include <cstring>
 #include <filesystem>
 
 namespace quorvane {
 
 namespace {
 
-constexpr auto toolkitChoice = "QT_QPA_PLATFORM";
+constexpr auto qtPlatform = "QT_QPA_PLATFORM";
 
 std::string environment(const char* name) {
-    const char* value = std::getenv(name); // NOLINT(concurrency-mt-unsafe): before any thread.
-    return value ? value : "";
+    return qgetenv(name).toStdString();
 }
 
 bool waylandAnswers(const std::string& display) {
@@ -39,10 +37,6 @@ bool waylandAnswers(const std::string& display) {
     return answers;
 }
 
-void choose(const char* toolkitPlatform) {
-    setenv(toolkitChoice, toolkitPlatform, 1); // NOLINT(concurrency-mt-unsafe): before any thread.
-}
-
 } // namespace
 
 void DisplayServer::Disconnect::operator()(xcb_connection_t* connection) const {
@@ -55,14 +49,14 @@ bool DisplayServer::tryX11() {
 }
 
 DisplayServer::DisplayServer() {
-    if (!environment(toolkitChoice).empty())
+    if (!environment(qtPlatform).empty())
         return;
     const std::string x11 = environment("DISPLAY");
     const std::string wayland = environment("WAYLAND_DISPLAY");
     if (!x11.empty() && tryX11())
-        choose("xcb");
+        qputenv(qtPlatform, "xcb");
     else if (!wayland.empty() && waylandAnswers(wayland))
-        choose("wayland");
+        qputenv(qtPlatform, "wayland");
     else if (x11.empty() && wayland.empty())
         m_error = "there is no display: neither DISPLAY nor WAYLAND_DISPLAY is set";
     else
