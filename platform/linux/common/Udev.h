@@ -2,6 +2,9 @@
 
 #include <libudev.h>
 #include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
 
 namespace quorvane {
 
@@ -30,6 +33,24 @@ void forEachUdevDevice(udev& context, udev_enumerate& enumeration, const Visit& 
         if (device)
             visit(*device);
     }
+}
+
+/// What `read` makes of each device of `subsystem` whose kernel name matches the pattern `name`,
+/// where it makes anything of it; by path.
+template <typename Node>
+[[nodiscard]] std::vector<Node> readUdevDevices(udev& context, const char* subsystem,
+                                                const char* name,
+                                                std::optional<Node> (*read)(udev_device&)) {
+    std::vector<Node> nodes;
+    const UdevEnumeration enumeration(udev_enumerate_new(&context));
+    if (!enumeration || udev_enumerate_add_match_subsystem(enumeration.get(), subsystem) < 0 ||
+        udev_enumerate_add_match_sysname(enumeration.get(), name) < 0)
+        return nodes;
+    forEachUdevDevice(context, *enumeration, [&nodes, read](udev_device& device) {
+        if (auto node = read(device))
+            nodes.push_back(std::move(*node));
+    });
+    return nodes;
 }
 
 } // namespace quorvane

@@ -61,16 +61,7 @@ std::optional<HapticKind> hapticKind(std::string_view text) {
 }
 
 std::vector<HapticNode> listHapticNodes(udev& context) {
-    std::vector<HapticNode> nodes;
-    const UdevEnumeration enumeration(udev_enumerate_new(&context));
-    if (!enumeration || udev_enumerate_add_match_subsystem(enumeration.get(), "input") < 0 ||
-        udev_enumerate_add_match_sysname(enumeration.get(), "event*") < 0)
-        return nodes;
-    forEachUdevDevice(context, *enumeration, [&nodes](udev_device& device) {
-        if (auto node = readNode(device))
-            nodes.push_back(std::move(*node));
-    });
-    return nodes;
+    return readUdevDevices(context, "input", "event*", readNode);
 }
 
 void sortBySuitability(std::vector<HapticNode>& nodes) {

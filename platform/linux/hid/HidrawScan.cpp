@@ -49,15 +49,7 @@ std::optional<HIDIdentity> parseHIDID(std::string_view text) {
 }
 
 std::vector<HidrawNode> listHidrawNodes(udev& context) {
-    std::vector<HidrawNode> nodes;
-    const UdevEnumeration enumeration(udev_enumerate_new(&context));
-    if (!enumeration || udev_enumerate_add_match_subsystem(enumeration.get(), "hidraw") < 0)
-        return nodes;
-    forEachUdevDevice(context, *enumeration, [&nodes](udev_device& device) {
-        if (auto node = readNode(device))
-            nodes.push_back(std::move(*node));
-    });
-    return nodes;
+    return readUdevDevices(context, "hidraw", "*", readNode);
 }
 
 std::vector<HidrawNode> matchingNodes(std::vector<HidrawNode> nodes, const HIDMatching& matching) {

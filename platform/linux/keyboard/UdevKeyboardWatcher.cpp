@@ -17,25 +17,19 @@ constexpr auto folder = "/dev/input";
 constexpr auto subsystem = "input";
 constexpr std::string_view eventPrefix = "event";
 
-const char* keyboardNode(udev_device& device) {
+/// None if the device is no event node of a keyboard.
+std::optional<std::filesystem::path> keyboardNode(udev_device& device) {
     const char* name = udev_device_get_sysname(&device);
     const char* isKeyboard = udev_device_get_property_value(&device, "ID_INPUT_KEYBOARD");
-    if (!name || !std::string_view(name).starts_with(eventPrefix) || !isKeyboard)
-        return nullptr;
-    return std::string_view(isKeyboard) == "1" ? udev_device_get_devnode(&device) : nullptr;
+    const char* node = udev_device_get_devnode(&device);
+    if (!name || !std::string_view(name).starts_with(eventPrefix) || !isKeyboard ||
+        std::string_view(isKeyboard) != "1" || !node)
+        return std::nullopt;
+    return node;
 }
 
-template <typename NodeVisit>
-void forEachKeyboard(udev& context, const NodeVisit& visit) {
-    const UdevEnumeration keyboards(udev_enumerate_new(&context));
-    if (!keyboards)
-        return;
-    udev_enumerate_add_match_subsystem(keyboards.get(), subsystem);
-    udev_enumerate_add_match_property(keyboards.get(), "ID_INPUT_KEYBOARD", "1");
-    forEachUdevDevice(context, *keyboards, [&visit](udev_device& device) {
-        if (const char* node = keyboardNode(device))
-            visit(node);
-    });
+std::vector<std::filesystem::path> listKeyboards(udev& context) {
+    return readUdevDevices(context, subsystem, "event*", keyboardNode);
 }
 
 } // namespace
@@ -47,10 +41,8 @@ UdevKeyboardWatcher::~UdevKeyboardWatcher() {
 }
 
 std::vector<std::filesystem::path> UdevKeyboardWatcher::list() {
-    std::vector<std::filesystem::path> nodes;
-    if (const UdevContext context{udev_new()})
-        forEachKeyboard(*context, [&nodes](const char* node) { nodes.emplace_back(node); });
-    return nodes;
+    const UdevContext context{udev_new()};
+    return context ? listKeyboards(*context) : std::vector<std::filesystem::path>();
 }
 
 void UdevKeyboardWatcher::follow(Visit present, Visit gone) {
@@ -66,7 +58,8 @@ void UdevKeyboardWatcher::follow(Visit present, Visit gone) {
 }
 
 void UdevKeyboardWatcher::visitAll() {
-    forEachKeyboard(*m_context, m_present);
+    for (const auto& node : listKeyboards(*m_context))
+        m_present(node);
 }
 
 void UdevKeyboardWatcher::startMonitor() {
@@ -106,14 +99,14 @@ void UdevKeyboardWatcher::readNews() {
     }
     if (!m_watchesRights)
         watchRights();
-    const char* node = keyboardNode(*device);
+    const auto node = keyboardNode(*device);
     const char* action = udev_device_get_action(device.get());
     if (!node || !action)
         return;
     if (std::string_view(action) == "remove")
-        m_gone(node);
+        m_gone(*node);
     else
-        m_present(node);
+        m_present(*node);
 }
 
 void UdevKeyboardWatcher::readRights() {
@@ -136,8 +129,8 @@ void UdevKeyboardWatcher::consider(const std::string& name) {
         udev_device_new_from_subsystem_sysname(m_context.get(), subsystem, name.c_str()));
     if (!device)
         return;
-    if (const char* node = keyboardNode(*device))
-        m_present(node);
+    if (const auto node = keyboardNode(*device))
+        m_present(*node);
 }
 
 } // namespace quorvane
