@@ -4,8 +4,9 @@
 
 namespace quorvane {
 
-/// Writes lines to a descriptor, unbuffered. A reader that has gone neither fails nor, by SIGPIPE,
-/// kills; lines for a reader that has stopped reading a non-blocking pipe are dropped.
+/// Writes lines to a descriptor, unbuffered. A closed pipe is ignored: no error, no SIGPIPE, unless
+/// its reader closes it during the write, for which `main` ignores the signal. Lines are dropped
+/// while a non-blocking pipe stays full.
 class LinuxConsole final : public Console {
 public:
     /// Standard output, unless told otherwise. The descriptor is not owned; if it is closed when
