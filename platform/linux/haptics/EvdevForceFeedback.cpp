@@ -1,21 +1,42 @@
 #include "platform/linux/haptics/EvdevForceFeedback.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <climits>
 #include <cstdint>
+#include <cstdlib>
 #include <fcntl.h>
 #include <linux/input.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
 #include "platform/linux/common/Udev.h"
-#include "platform/linux/haptics/HapticEffects.h"
-#include "platform/linux/haptics/HapticScan.h"
 
 namespace quorvane {
 
 namespace {
+
+constexpr std::size_t bitsPerWord = sizeof(long) * CHAR_BIT;
+
+bool hasBit(std::span<const unsigned long> bits, std::size_t number) {
+    const std::size_t word = number / bitsPerWord;
+    return word < bits.size() && ((bits[word] >> (number % bitsPerWord)) & 1U) != 0;
+}
+
+std::optional<HapticNode> readNode(udev_device& device) {
+    const char* node = udev_device_get_devnode(&device);
+    const char* number = udev_device_get_sysnum(&device);
+    // Belongs to its child, so it is not released.
+    udev_device* parent = udev_device_get_parent_with_subsystem_devtype(&device, "input", nullptr);
+    const char* bits = parent ? udev_device_get_sysattr_value(parent, "capabilities/ff") : nullptr;
+    const auto kind = bits ? hapticKind(std::string_view(bits)) : std::nullopt;
+    if (!node || !number || !kind)
+        return std::nullopt;
+    return HapticNode{
+        .node = node, .number = static_cast<int>(std::strtol(number, nullptr, 10)), .kind = *kind};
+}
 
 class EvdevPort final : public ForceFeedbackPort {
 public:
@@ -46,7 +67,7 @@ private:
 
 /// Node numbers are given out again, so a name found earlier may by now lead elsewhere.
 bool isStill(int descriptor, HapticKind kind) {
-    std::array<unsigned long, FF_MAX / (sizeof(long) * CHAR_BIT) + 1> bits{};
+    std::array<unsigned long, FF_MAX / bitsPerWord + 1> bits{};
     if (ioctl(descriptor, EVIOCGBIT(EV_FF, sizeof bits), bits.data()) < 0)
         return false;
     return hapticKind(bits) == kind;
@@ -54,9 +75,34 @@ bool isStill(int descriptor, HapticKind kind) {
 
 } // namespace
 
+std::optional<HapticKind> hapticKind(std::span<const unsigned long> bits) {
+    if (hasBit(bits, hapticEffectType))
+        return HapticKind::Touchpad;
+    if (hasBit(bits, FF_RUMBLE))
+        return HapticKind::Rumble;
+    return std::nullopt;
+}
+
+std::optional<HapticKind> hapticKind(std::string_view text) {
+    std::vector<unsigned long> words;
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    for (;;) {
+        unsigned long word = 0;
+        at = std::find_if(at, end, [](char character) { return character != ' '; });
+        const auto [stop, error] = std::from_chars(at, end, word, 16);
+        if (error != std::errc())
+            break;
+        words.insert(words.begin(), word);
+        at = stop;
+    }
+    return hapticKind(words);
+}
+
 std::vector<HapticNode> EvdevForceFeedback::list() {
     const UdevContext context(udev_new());
-    return context ? listHapticNodes(*context) : std::vector<HapticNode>();
+    return context ? readUdevDevices(*context, "input", "event*", readNode)
+                   : std::vector<HapticNode>();
 }
 
 std::unique_ptr<ForceFeedbackPort> EvdevForceFeedback::open(const HapticNode& node) {

@@ -11,7 +11,10 @@ struct ff_effect;
 
 namespace quorvane {
 
-/// What a device makes a pulse of.
+/// The kernel's FF_HAPTIC, which its headers have only since Linux 6.18.
+inline constexpr int hapticEffectType = 0x4F;
+
+/// How a device makes a pulse.
 enum class HapticKind {
     /// A touchpad that clicks by itself, and at our wish too.
     Touchpad,

@@ -1,14 +1,37 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
+#include <linux/input.h>
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include "base/NonCopyable.h"
 #include "platform/Haptics.h"
 #include "platform/linux/haptics/ForceFeedback.h"
 
 namespace quorvane {
+
+/// The kernel's ff_haptic_effect of Linux 6.18, the effect of a haptic touchpad, which lies in the
+/// union of ff_effect.
+struct HapticEffect {
+    /// A waveform of the haptics page of the HID usage tables.
+    std::uint16_t hidUsage = 0;
+    std::uint16_t vendorID = 0;
+    std::uint8_t vendorWaveformPage = 0;
+    /// Percent.
+    std::uint16_t intensity = 0;
+    std::uint16_t repeatCount = 0;
+    /// Milliseconds.
+    std::uint16_t retriggerPeriod = 0;
+};
+
+/// The effect for a pulse of that pattern, not yet uploaded to a device.
+[[nodiscard]] ff_effect hapticEffect(HapticKind kind, HapticPattern pattern);
+
+/// Touchpads before anything else, event2 before event10.
+void sortBySuitability(std::vector<HapticNode>& nodes);
 
 /// A device that is ready to pulse: opened, with an effect for each pattern on it. They are erased
 /// and it is closed with the object, which may wait for the device.

@@ -4,9 +4,8 @@
 #include <memory>
 #include <vector>
 
+#include "platform/linux/haptics/EvdevForceFeedback.h"
 #include "platform/linux/haptics/HapticDevice.h"
-#include "platform/linux/haptics/HapticEffects.h"
-#include "platform/linux/haptics/HapticScan.h"
 #include "tests/support/FakeForceFeedback.h"
 
 namespace quorvane {
