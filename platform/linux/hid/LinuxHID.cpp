@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "platform/linux/common/Udev.h"
-#include "platform/linux/hid/HidrawScan.h"
-#include "platform/linux/hid/IIOLidScan.h"
+#include "platform/linux/hid/HidrawDevice.h"
+#include "platform/linux/hid/IIOLidDevice.h"
 
 namespace quorvane {
 

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <optional>
 
-#include "platform/linux/hid/HidrawScan.h"
+#include "platform/linux/hid/HidrawDevice.h"
 #include "platform/linux/hid/LinuxHID.h"
 #include "tests/support/TemporaryFolder.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/linux/hid/IIOLidScan.h"
+#include "platform/linux/hid/IIOLidDevice.h"
 #include "platform/linux/hid/LinuxHID.h"
 #include "tests/support/FileRights.h"
 #include "tests/support/TemporaryFolder.h"
