@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "platform/linux/power/ScreenSleepState.h"
+#include "platform/linux/power/SleepSignals.h"
 
 namespace quorvane {
 
