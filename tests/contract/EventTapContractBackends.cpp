@@ -3,7 +3,6 @@
 #include <optional>
 
 #include "platform/linux/keyboard/EvdevKeyReader.h"
-#include "platform/linux/keyboard/LinuxEventTap.h"
 #include "platform/linux/keyboard/LinuxEventTapService.h"
 #include "platform/simulated/SimulatedEventTapService.h"
 #include "tests/contract/EventTapContract.h"

@@ -5,7 +5,7 @@
 #include <unistd.h>
 #include <utility>
 
-#include "platform/linux/keyboard/SessionType.h"
+#include "platform/linux/keyboard/LinuxEventTapService.h"
 
 namespace quorvane {
 

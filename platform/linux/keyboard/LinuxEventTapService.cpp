@@ -1,10 +1,9 @@
 #include "platform/linux/keyboard/LinuxEventTapService.h"
 
+#include <QtGlobal>
 #include <utility>
 
 #include "platform/linux/keyboard/EvdevKeyReader.h"
-#include "platform/linux/keyboard/LinuxEventTap.h"
-#include "platform/linux/keyboard/SessionType.h"
 #include "platform/linux/keyboard/UdevKeyboardWatcher.h"
 #include "platform/linux/keyboard/X11KeyReader.h"
 
@@ -18,7 +17,26 @@ std::unique_ptr<KeyEventReader> makeReader(KeyEventReader::Sink sink) {
     return EvdevKeyReader::open(std::make_unique<UdevKeyboardWatcher>(), std::move(sink));
 }
 
+class Source final : public TapSource {
+public:
+    explicit Source(std::shared_ptr<KeyEventReader> reader) : m_reader(std::move(reader)) {}
+
+    ~Source() override { m_reader->setReading(false); }
+
+    void addToRunLoop() override { m_reader->setReading(true); }
+
+    void removeFromRunLoop() override { m_reader->setReading(false); }
+
+private:
+    std::shared_ptr<KeyEventReader> m_reader;
+};
+
 } // namespace
+
+bool isX11Session() {
+    return !qEnvironmentVariableIsEmpty("DISPLAY") &&
+           qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
 
 // There is one session, nothing stands ahead of anything, and all that is possible is to listen.
 std::shared_ptr<EventTap> LinuxEventTapService::createTap(TapLocation /*location*/,
@@ -27,6 +45,51 @@ std::shared_ptr<EventTap> LinuxEventTapService::createTap(TapLocation /*location
                                                           std::uint64_t eventsOfInterest,
                                                           TapCallback callback) {
     return LinuxEventTap::create(eventsOfInterest, callback, &makeReader);
+}
+
+struct LinuxEventTap::Delivery {
+    std::uint64_t eventsOfInterest;
+    TapCallback callback;
+    bool enabled = false;
+
+    void operator()(const TapEvent& event) const {
+        if (enabled && (eventsOfInterest & tapEventMask(event.type)) != 0)
+            callback(event);
+    }
+};
+
+std::shared_ptr<LinuxEventTap> LinuxEventTap::create(std::uint64_t eventsOfInterest,
+                                                     TapCallback callback,
+                                                     const ReaderMaker& makeReader) {
+    auto delivery = std::make_shared<Delivery>(
+        Delivery{.eventsOfInterest = eventsOfInterest, .callback = callback});
+    auto reader = makeReader([delivery](const TapEvent& event) { (*delivery)(event); });
+    if (!reader)
+        return nullptr;
+    return std::shared_ptr<LinuxEventTap>(
+        new LinuxEventTap(std::move(delivery), std::move(reader)));
+}
+
+LinuxEventTap::LinuxEventTap(std::shared_ptr<Delivery> delivery,
+                             std::shared_ptr<KeyEventReader> reader)
+    : m_delivery(std::move(delivery)), m_reader(std::move(reader)) {}
+
+LinuxEventTap::~LinuxEventTap() {
+    m_delivery->enabled = false;
+}
+
+// There is no order among the descriptors that one event loop waits for.
+std::shared_ptr<TapSource> LinuxEventTap::createRunLoopSource(int /*order*/) {
+    auto source = m_source.lock();
+    if (!source) {
+        source = std::make_shared<Source>(m_reader);
+        m_source = source;
+    }
+    return source;
+}
+
+void LinuxEventTap::enable(bool enabled) {
+    m_delivery->enabled = enabled;
 }
 
 } // namespace quorvane

@@ -2,7 +2,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/linux/keyboard/SessionType.h"
+#include "platform/linux/keyboard/LinuxEventTapService.h"
 #include "tests/support/Environment.h"
 
 namespace quorvane {
