@@ -1,9 +1,11 @@
 #include <optional>
+#include <string>
 #include <utility>
 
 #include <gmock/gmock.h>
 
 #include "platform/linux/keyboard/LinuxEventTapService.h"
+#include "tests/support/Environment.h"
 #include "tests/support/OpenFiles.h"
 #include "tests/support/QtApplication.h"
 #include "tests/support/TypingDisplay.h"
@@ -190,6 +192,29 @@ TEST_F(LinuxEventTapServiceTest, AWaylandSessionIsNotHeardThroughItsX11Part) {
     m_display.press(letter);
     m_display.release(letter);
     EXPECT_THAT(heard(), IsEmpty());
+}
+
+bool isX11SessionWith(const std::optional<std::string>& x11,
+                      const std::optional<std::string>& wayland) {
+    const EnvironmentVariable display("DISPLAY", x11);
+    const EnvironmentVariable waylandDisplay("WAYLAND_DISPLAY", wayland);
+    return isX11Session();
+}
+
+TEST(SessionTypeTest, ASessionWithAnXServerAlone) {
+    EXPECT_TRUE(isX11SessionWith(":0", std::nullopt));
+    EXPECT_TRUE(isX11SessionWith(":0", ""));
+}
+
+TEST(SessionTypeTest, AWaylandSessionIsNoneWithOrWithoutAnXServer) {
+    EXPECT_FALSE(isX11SessionWith(":0", "wayland-0"));
+    EXPECT_FALSE(isX11SessionWith(std::nullopt, "wayland-0"));
+    EXPECT_FALSE(isX11SessionWith("", "wayland-0"));
+}
+
+TEST(SessionTypeTest, WithoutADisplayThereIsNoSession) {
+    EXPECT_FALSE(isX11SessionWith(std::nullopt, std::nullopt));
+    EXPECT_FALSE(isX11SessionWith("", std::nullopt));
 }
 
 } // namespace
