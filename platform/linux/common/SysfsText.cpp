@@ -4,9 +4,9 @@
 #include <cerrno>
 #include <charconv>
 #include <cmath>
-#include <fcntl.h>
 #include <string_view>
-#include <unistd.h>
+
+#include "platform/linux/common/FileDescriptor.h"
 
 namespace quorvane {
 
@@ -23,15 +23,14 @@ std::string_view trimmed(std::string_view text) {
 } // namespace
 
 std::optional<std::string> readSystemText(const std::filesystem::path& file) {
-    const int descriptor = open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (descriptor < 0)
+    const auto descriptor = FileDescriptor::open(file, O_RDONLY | O_NONBLOCK);
+    if (!descriptor)
         return std::nullopt;
     std::array<char, 4096> bytes{};
     ssize_t count = -1;
     do {
-        count = read(descriptor, bytes.data(), bytes.size());
+        count = read(descriptor.get(), bytes.data(), bytes.size());
     } while (count < 0 && errno == EINTR);
-    close(descriptor);
     if (count < 0)
         return std::nullopt;
     const std::string_view text(bytes.data(), static_cast<std::size_t>(count));

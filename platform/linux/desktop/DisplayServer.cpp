@@ -2,12 +2,13 @@
 
 #include <sys/socket.h>
 #include <sys/un.h>
-#include <unistd.h>
 #include <xcb/xcb.h>
 
 #include <QByteArray>
 #include <algorithm>
 #include <filesystem>
+
+#include "platform/linux/common/FileDescriptor.h"
 
 namespace quorvane {
 
@@ -27,14 +28,10 @@ bool waylandAnswers(const std::string& display) {
     if (path.size() >= sizeof address.sun_path)
         return false;
     std::copy(path.begin(), path.end(), std::begin(address.sun_path));
-    const int descriptor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (descriptor < 0)
-        return false;
+    const FileDescriptor descriptor(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
     // The socket interface takes every family's address through the same pointer.
     const auto* generic = reinterpret_cast<const sockaddr*>(&address);
-    const bool answers = connect(descriptor, generic, sizeof address) == 0;
-    close(descriptor);
-    return answers;
+    return connect(descriptor.get(), generic, sizeof address) == 0;
 }
 
 } // namespace

@@ -7,11 +7,11 @@
 #include <climits>
 #include <cstdint>
 #include <cstdlib>
-#include <fcntl.h>
 #include <linux/input.h>
 #include <sys/ioctl.h>
-#include <unistd.h>
+#include <utility>
 
+#include "platform/linux/common/FileDescriptor.h"
 #include "platform/linux/common/Udev.h"
 
 namespace quorvane {
@@ -40,29 +40,28 @@ std::optional<HapticNode> readNode(udev_device& device) {
 
 class EvdevPort final : public ForceFeedbackPort {
 public:
-    explicit EvdevPort(int descriptor) : m_descriptor(descriptor) {}
-
-    ~EvdevPort() override { ::close(m_descriptor); }
+    explicit EvdevPort(FileDescriptor descriptor) : m_descriptor(std::move(descriptor)) {}
 
     std::optional<int> upload(const ff_effect& effect) override {
         ff_effect uploaded = effect;
-        if (ioctl(m_descriptor, EVIOCSFF, &uploaded) < 0)
+        if (ioctl(m_descriptor.get(), EVIOCSFF, &uploaded) < 0)
             return std::nullopt;
         return uploaded.id;
     }
 
-    void erase(int effect) override { ioctl(m_descriptor, EVIOCRMFF, effect); }
+    void erase(int effect) override { ioctl(m_descriptor.get(), EVIOCRMFF, effect); }
 
     bool play(int effect) override {
         input_event event{};
         event.type = EV_FF;
         event.code = static_cast<std::uint16_t>(effect);
         event.value = 1;
-        return write(m_descriptor, &event, sizeof event) >= 0 || errno == EAGAIN || errno == EINTR;
+        return write(m_descriptor.get(), &event, sizeof event) >= 0 || errno == EAGAIN ||
+               errno == EINTR;
     }
 
 private:
-    const int m_descriptor;
+    FileDescriptor m_descriptor;
 };
 
 /// Node numbers are given out again, so a name found earlier may by now lead elsewhere.
@@ -106,12 +105,11 @@ std::vector<HapticNode> EvdevForceFeedback::list() {
 }
 
 std::unique_ptr<ForceFeedbackPort> EvdevForceFeedback::open(const HapticNode& node) {
-    // Only to write: what is done on the device is nobody's business here.
-    const int descriptor = ::open(node.node.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    if (descriptor < 0)
+    // Write-only, so that this process never receives the device's input events.
+    auto descriptor = FileDescriptor::open(node.node, O_WRONLY | O_NONBLOCK | O_NOCTTY);
+    if (!descriptor || !isStill(descriptor.get(), node.kind))
         return nullptr;
-    auto port = std::make_unique<EvdevPort>(descriptor);
-    return isStill(descriptor, node.kind) ? std::move(port) : nullptr;
+    return std::make_unique<EvdevPort>(std::move(descriptor));
 }
 
 } // namespace quorvane

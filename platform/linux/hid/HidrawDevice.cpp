@@ -4,10 +4,8 @@
 #include <cerrno>
 #include <charconv>
 #include <cstdlib>
-#include <fcntl.h>
 #include <linux/hidraw.h>
 #include <sys/ioctl.h>
-#include <unistd.h>
 #include <utility>
 
 #include "platform/linux/common/Udev.h"
@@ -41,14 +39,6 @@ std::optional<HidrawNode> readNode(udev_device& device) {
 
 // An ioctl's size field has 14 bits.
 constexpr std::size_t longestReport = (1U << 14U) - 1;
-
-int openNode(const std::filesystem::path& node, int access) {
-    int descriptor = -1;
-    do {
-        descriptor = ::open(node.c_str(), access | O_CLOEXEC);
-    } while (descriptor < 0 && errno == EINTR);
-    return descriptor;
-}
 
 bool isRefusal(int error) {
     return error == EACCES || error == EPERM || error == EROFS;
@@ -95,25 +85,19 @@ std::vector<HidrawNode> matchingNodes(std::vector<HidrawNode> nodes, const HIDMa
 HidrawDevice::HidrawDevice(std::filesystem::path node, HIDIdentity identity)
     : m_node(std::move(node)), m_identity(identity) {}
 
-HidrawDevice::~HidrawDevice() {
-    close();
-}
-
 HIDResult HidrawDevice::open() {
     if (m_gone)
         return ENODEV;
-    if (m_descriptor >= 0)
+    if (m_descriptor)
         return hidSuccess;
-    int descriptor = openNode(m_node, O_RDWR);
-    if (descriptor < 0 && isRefusal(errno))
-        descriptor = openNode(m_node, O_RDONLY);
-    if (descriptor < 0)
+    auto descriptor = FileDescriptor::open(m_node, O_RDWR);
+    if (!descriptor && isRefusal(errno))
+        descriptor = FileDescriptor::open(m_node, O_RDONLY);
+    if (!descriptor)
         return errno;
-    if (!isStill(descriptor, m_identity)) {
-        ::close(descriptor);
+    if (!isStill(descriptor.get(), m_identity))
         return ENODEV;
-    }
-    m_descriptor = descriptor;
+    m_descriptor = std::move(descriptor);
     return hidSuccess;
 }
 
@@ -121,7 +105,7 @@ HIDResult HidrawDevice::getReport(HIDReportType type, std::uint8_t reportID,
                                   std::span<std::uint8_t> buffer, std::size_t& length) {
     if (type != HIDReportType::Feature)
         return ENOTSUP;
-    if (m_descriptor < 0)
+    if (!m_descriptor)
         return ENODEV;
     const std::size_t room = std::min({length, buffer.size(), longestReport});
     if (room == 0)
@@ -129,13 +113,13 @@ HIDResult HidrawDevice::getReport(HIDReportType type, std::uint8_t reportID,
     int received = -1;
     do {
         buffer.front() = reportID;
-        received = ioctl(m_descriptor, HIDIOCGFEATURE(room), buffer.data());
+        received = ioctl(m_descriptor.get(), HIDIOCGFEATURE(room), buffer.data());
     } while (received < 0 && errno == EINTR);
     if (received < 0) {
         const int error = errno;
         if (error == ENODEV) {
             m_gone = true;
-            close();
+            m_descriptor = {};
         }
         return error;
     }
@@ -149,11 +133,6 @@ std::optional<int> HidrawDevice::integerProperty(std::string_view key) const {
     if (key == "ProductID")
         return m_identity.productID;
     return std::nullopt;
-}
-
-void HidrawDevice::close() {
-    if (m_descriptor >= 0)
-        ::close(std::exchange(m_descriptor, -1));
 }
 
 } // namespace quorvane

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/HID.h"
+#include "platform/linux/common/FileDescriptor.h"
 
 struct udev;
 
@@ -44,7 +45,6 @@ class HidrawDevice final : public HIDDevice {
 public:
     /// `node` as the kernel names it ("/dev/hidraw3"), `identity` as the device was found under.
     HidrawDevice(std::filesystem::path node, HIDIdentity identity);
-    ~HidrawDevice() override;
 
     /// A node that may only be read will do: feature reports need no more. Fails with ENODEV when
     /// the node has meanwhile become another device's.
@@ -56,11 +56,9 @@ public:
     [[nodiscard]] std::optional<int> integerProperty(std::string_view key) const override;
 
 private:
-    void close();
-
     std::filesystem::path m_node;
     HIDIdentity m_identity;
-    int m_descriptor = -1;
+    FileDescriptor m_descriptor;
     bool m_gone = false;
 };
 

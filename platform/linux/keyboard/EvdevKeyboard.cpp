@@ -1,6 +1,5 @@
 #include "platform/linux/keyboard/EvdevKeyboard.h"
 
-#include <fcntl.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -59,30 +58,26 @@ void askForKeysOnly(int descriptor) {
 
 std::unique_ptr<EvdevKeyboard> EvdevKeyboard::open(const std::filesystem::path& node,
                                                    KeyEventReader::Sink sink, KeyQuery query) {
-    const int descriptor = ::open(node.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    if (descriptor < 0)
+    auto descriptor = FileDescriptor::open(node, O_RDONLY | O_NONBLOCK | O_NOCTTY);
+    if (!descriptor)
         return nullptr;
-    askForKeysOnly(descriptor);
-    return std::unique_ptr<EvdevKeyboard>(new EvdevKeyboard(descriptor, std::move(sink), query));
+    askForKeysOnly(descriptor.get());
+    return std::unique_ptr<EvdevKeyboard>(
+        new EvdevKeyboard(std::move(descriptor), std::move(sink), query));
 }
 
-EvdevKeyboard::EvdevKeyboard(int descriptor, KeyEventReader::Sink sink, KeyQuery query)
-    : m_descriptor(descriptor), m_sink(std::move(sink)), m_query(query),
-      m_readable(descriptor, QSocketNotifier::Read), m_down(query(descriptor).value_or(Keys())) {
+EvdevKeyboard::EvdevKeyboard(FileDescriptor descriptor, KeyEventReader::Sink sink, KeyQuery query)
+    : m_descriptor(std::move(descriptor)), m_sink(std::move(sink)), m_query(query),
+      m_readable(m_descriptor.get(), QSocketNotifier::Read),
+      m_down(query(m_descriptor.get()).value_or(Keys())) {
     m_readable.setEnabled(false);
     QObject::connect(&m_readable, &QSocketNotifier::activated, &m_readable,
                      [this] { readEvents(); });
 }
 
-EvdevKeyboard::~EvdevKeyboard() {
-    close();
-}
-
 void EvdevKeyboard::close() {
     m_readable.setEnabled(false);
-    if (isOpen())
-        ::close(m_descriptor);
-    m_descriptor = -1;
+    m_descriptor = {};
     m_down.reset();
 }
 
@@ -111,7 +106,7 @@ void EvdevKeyboard::readEvents() {
 /// Whether there may be more.
 bool EvdevKeyboard::readSome() {
     auto* bytes = reinterpret_cast<char*>(m_events.data());
-    const ssize_t size = read(m_descriptor, bytes + m_partial, sizeof m_events - m_partial);
+    const ssize_t size = read(m_descriptor.get(), bytes + m_partial, sizeof m_events - m_partial);
     if (size < 0 && (errno == EAGAIN || errno == EINTR))
         return false;
     if (size <= 0) {
@@ -143,7 +138,7 @@ void EvdevKeyboard::handleReport(const input_event& event) {
 }
 
 void EvdevKeyboard::catchUp() {
-    const auto now = m_query(m_descriptor);
+    const auto now = m_query(m_descriptor.get());
     if (!now)
         return;
     // Some dozens of events are lost. With no key down they were no repeats: keys were pressed.

@@ -10,6 +10,7 @@
 #include <optional>
 
 #include "base/NonCopyable.h"
+#include "platform/linux/common/FileDescriptor.h"
 #include "platform/linux/keyboard/KeyEventReader.h"
 
 namespace quorvane {
@@ -27,10 +28,8 @@ public:
                                                              KeyEventReader::Sink sink,
                                                              KeyQuery query = &keysThatAreDown);
 
-    ~EvdevKeyboard();
-
     /// False from when the device has turned out to be gone.
-    [[nodiscard]] bool isOpen() const { return m_descriptor >= 0; }
+    [[nodiscard]] bool isOpen() const { return static_cast<bool>(m_descriptor); }
 
     /// As KeyEventReader::setReading.
     void setReading(bool reading);
@@ -39,7 +38,7 @@ public:
     [[nodiscard]] static std::optional<Keys> keysThatAreDown(int descriptor);
 
 private:
-    EvdevKeyboard(int descriptor, KeyEventReader::Sink sink, KeyQuery query);
+    EvdevKeyboard(FileDescriptor descriptor, KeyEventReader::Sink sink, KeyQuery query);
 
     void readEvents();
     bool readSome();
@@ -50,7 +49,7 @@ private:
     void catchUp();
     void deliver(const TapEvent& event) const;
 
-    int m_descriptor;
+    FileDescriptor m_descriptor;
     KeyEventReader::Sink m_sink;
     KeyQuery m_query;
     QSocketNotifier m_readable;

@@ -1,10 +1,9 @@
 #include "platform/linux/keyboard/LinuxAccessibility.h"
 
 #include <algorithm>
-#include <fcntl.h>
-#include <unistd.h>
 #include <utility>
 
+#include "platform/linux/common/FileDescriptor.h"
 #include "platform/linux/keyboard/LinuxEventTapService.h"
 
 namespace quorvane {
@@ -12,11 +11,7 @@ namespace quorvane {
 namespace {
 
 bool canRead(const std::filesystem::path& node) {
-    const int descriptor = open(node.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    if (descriptor < 0)
-        return false;
-    close(descriptor);
-    return true;
+    return static_cast<bool>(FileDescriptor::open(node, O_RDONLY | O_NONBLOCK | O_NOCTTY));
 }
 
 } // namespace

@@ -34,12 +34,6 @@ std::vector<std::filesystem::path> listKeyboards(udev& context) {
 
 } // namespace
 
-UdevKeyboardWatcher::~UdevKeyboardWatcher() {
-    m_rights.reset();
-    if (m_rightsDescriptor >= 0)
-        close(m_rightsDescriptor);
-}
-
 std::vector<std::filesystem::path> UdevKeyboardWatcher::list() {
     const UdevContext context{udev_new()};
     return context ? listKeyboards(*context) : std::vector<std::filesystem::path>();
@@ -76,16 +70,17 @@ void UdevKeyboardWatcher::startMonitor() {
 }
 
 void UdevKeyboardWatcher::watchRights() {
-    if (m_rightsDescriptor < 0) {
-        m_rightsDescriptor = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-        if (m_rightsDescriptor < 0)
+    if (!m_rightsDescriptor) {
+        m_rightsDescriptor = FileDescriptor(inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+        if (!m_rightsDescriptor)
             return;
-        m_rights = std::make_unique<QSocketNotifier>(m_rightsDescriptor, QSocketNotifier::Read);
+        m_rights =
+            std::make_unique<QSocketNotifier>(m_rightsDescriptor.get(), QSocketNotifier::Read);
         QObject::connect(m_rights.get(), &QSocketNotifier::activated, m_rights.get(),
                          [this] { readRights(); });
     }
     // The folder itself comes with the machine's first input device.
-    m_watchesRights = inotify_add_watch(m_rightsDescriptor, folder, IN_ATTRIB) >= 0;
+    m_watchesRights = inotify_add_watch(m_rightsDescriptor.get(), folder, IN_ATTRIB) >= 0;
 }
 
 void UdevKeyboardWatcher::readNews() {
@@ -111,7 +106,7 @@ void UdevKeyboardWatcher::readNews() {
 
 void UdevKeyboardWatcher::readRights() {
     alignas(inotify_event) std::array<char, 4096> buffer{};
-    const ssize_t size = read(m_rightsDescriptor, buffer.data(), buffer.size());
+    const ssize_t size = read(m_rightsDescriptor.get(), buffer.data(), buffer.size());
     for (ssize_t at = 0; at + static_cast<ssize_t>(sizeof(inotify_event)) <= size;) {
         inotify_event event{};
         std::memcpy(&event, &buffer[static_cast<std::size_t>(at)], sizeof event);

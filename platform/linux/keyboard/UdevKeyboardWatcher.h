@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/linux/common/FileDescriptor.h"
 #include "platform/linux/common/Udev.h"
 #include "platform/linux/keyboard/KeyboardWatcher.h"
 
@@ -16,8 +17,6 @@ using UdevMonitor = std::unique_ptr<udev_monitor, UdevRelease<udev_monitor_unref
 /// read one is seen on the node itself.
 class UdevKeyboardWatcher final : public KeyboardWatcher {
 public:
-    ~UdevKeyboardWatcher() override;
-
     /// Those that are there now.
     [[nodiscard]] static std::vector<std::filesystem::path> list();
 
@@ -36,7 +35,7 @@ private:
     UdevContext m_context;
     UdevMonitor m_monitor;
     std::unique_ptr<QSocketNotifier> m_news;
-    int m_rightsDescriptor = -1;
+    FileDescriptor m_rightsDescriptor;
     bool m_watchesRights = false;
     std::unique_ptr<QSocketNotifier> m_rights;
 };

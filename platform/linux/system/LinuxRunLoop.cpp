@@ -55,20 +55,15 @@ LinuxRunLoop::LinuxRunLoop()
       m_eventDescriptor(
           requireDescriptor(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC), "event descriptor")),
       m_timerNotifier(
-          std::make_unique<QSocketNotifier>(m_timerDescriptor, QSocketNotifier::Type::Read)),
+          std::make_unique<QSocketNotifier>(m_timerDescriptor.get(), QSocketNotifier::Type::Read)),
       m_eventNotifier(
-          std::make_unique<QSocketNotifier>(m_eventDescriptor, QSocketNotifier::Type::Read)) {
+          std::make_unique<QSocketNotifier>(m_eventDescriptor.get(), QSocketNotifier::Type::Read)) {
     QObject::connect(m_timerNotifier.get(), &QSocketNotifier::activated, [this] { runDueWork(); });
     QObject::connect(m_eventNotifier.get(), &QSocketNotifier::activated,
                      [this] { runMainQueue(); });
 }
 
-LinuxRunLoop::~LinuxRunLoop() {
-    m_timerNotifier.reset();
-    m_eventNotifier.reset();
-    close(m_timerDescriptor);
-    close(m_eventDescriptor);
-}
+LinuxRunLoop::~LinuxRunLoop() = default;
 
 std::shared_ptr<Timer> LinuxRunLoop::scheduledTimer(double interval, bool repeats,
                                                     TimerBlock block) {
@@ -87,7 +82,7 @@ void LinuxRunLoop::async(std::function<void()> block) {
     if (!wasEmpty)
         return;
     const std::uint64_t one = 1;
-    while (write(m_eventDescriptor, &one, sizeof one) < 0 && errno == EINTR) {
+    while (write(m_eventDescriptor.get(), &one, sizeof one) < 0 && errno == EINTR) {
     }
 }
 
@@ -108,7 +103,7 @@ double LinuxRunLoop::currentDate() const {
 }
 
 void LinuxRunLoop::runDueWork() {
-    drain(m_timerDescriptor);
+    drain(m_timerDescriptor.get());
     m_armedFor.reset();
     // Only what was due when the timer rang: work that is due again at once must not keep the
     // event loop from everything else.
@@ -119,7 +114,7 @@ void LinuxRunLoop::runDueWork() {
 }
 
 void LinuxRunLoop::runMainQueue() {
-    drain(m_eventDescriptor);
+    drain(m_eventDescriptor.get());
     std::deque<std::function<void()>> blocks;
     {
         const std::lock_guard lock(m_mutex);
@@ -141,7 +136,7 @@ void LinuxRunLoop::arm() {
         when.it_value.tv_sec = instant / nanosecondsPerSecond;
         when.it_value.tv_nsec = instant % nanosecondsPerSecond;
     }
-    timerfd_settime(m_timerDescriptor, TFD_TIMER_ABSTIME, &when, nullptr);
+    timerfd_settime(m_timerDescriptor.get(), TFD_TIMER_ABSTIME, &when, nullptr);
 }
 
 } // namespace quorvane

@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "platform/TimerQueue.h"
+#include "platform/linux/common/FileDescriptor.h"
 
 class QSocketNotifier;
 
@@ -37,8 +38,8 @@ private:
     void arm();
 
     const std::thread::id m_mainThread = std::this_thread::get_id();
-    int m_timerDescriptor;
-    int m_eventDescriptor;
+    const FileDescriptor m_timerDescriptor;
+    const FileDescriptor m_eventDescriptor;
     std::unique_ptr<QSocketNotifier> m_timerNotifier;
     std::unique_ptr<QSocketNotifier> m_eventNotifier;
     TimerQueue m_queue;

@@ -28,28 +28,25 @@ TerminationSignals::TerminationSignals() {
     const sigset_t wanted = terminationSignals();
     // They stay blocked to the end: one that comes while the program is leaving changes nothing.
     pthread_sigmask(SIG_BLOCK, &wanted, nullptr);
-    m_descriptor = signalfd(-1, &wanted, SFD_CLOEXEC | SFD_NONBLOCK);
-    if (m_descriptor >= 0)
+    m_descriptor = FileDescriptor(signalfd(-1, &wanted, SFD_CLOEXEC | SFD_NONBLOCK));
+    if (m_descriptor)
         return;
     std::perror("quorvane: fatal: signalfd");
     std::exit(EXIT_FAILURE); // NOLINT(concurrency-mt-unsafe): no other thread exists yet.
 }
 
-TerminationSignals::~TerminationSignals() {
-    m_notifier.reset();
-    close(m_descriptor);
-}
+TerminationSignals::~TerminationSignals() = default;
 
 void TerminationSignals::ignore() {
     m_notifier.reset();
 }
 
 void TerminationSignals::listen(std::function<void()> handler) {
-    m_notifier = std::make_unique<QSocketNotifier>(m_descriptor, QSocketNotifier::Read);
+    m_notifier = std::make_unique<QSocketNotifier>(m_descriptor.get(), QSocketNotifier::Read);
     QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(),
                      [this, heard = std::move(handler)] {
                          signalfd_siginfo signal{};
-                         while (read(m_descriptor, &signal, sizeof signal) == sizeof signal)
+                         while (read(m_descriptor.get(), &signal, sizeof signal) == sizeof signal)
                              heard();
                      });
 }

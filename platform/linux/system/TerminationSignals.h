@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "base/NonCopyable.h"
+#include "platform/linux/common/FileDescriptor.h"
 
 class QSocketNotifier;
 
@@ -24,7 +25,7 @@ public:
     void ignore();
 
 private:
-    int m_descriptor;
+    FileDescriptor m_descriptor;
     std::unique_ptr<QSocketNotifier> m_notifier;
 };
 
