@@ -3,7 +3,7 @@
 #include <functional>
 #include <memory>
 
-#include "base/MainQueue.h"
+#include "base/MainThread.h"
 #include "base/NonCopyable.h"
 
 namespace quorvane {

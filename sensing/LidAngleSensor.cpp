@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "base/Format.h"
-#include "base/MainThreadOwned.h"
+#include "base/MainThread.h"
 
 namespace quorvane {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "base/MainThreadOwned.h"
+#include "base/MainThread.h"
 #include "effects/crash/BSODView.h"
 #include "effects/crash/OverlayRecipe.h"
 

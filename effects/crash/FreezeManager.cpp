@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "base/MainThreadOwned.h"
+#include "base/MainThread.h"
 #include "base/UniformDraw.h"
 #include "effects/crash/FreezeView.h"
 #include "effects/crash/OverlayRecipe.h"

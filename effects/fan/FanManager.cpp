@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "base/MainThreadOwned.h"
+#include "base/MainThread.h"
 
 namespace quorvane {
 

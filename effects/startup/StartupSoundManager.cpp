@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "base/Format.h"
-#include "base/MainThreadOwned.h"
+#include "base/MainThread.h"
 #include "effects/startup/Rumble.h"
 
 namespace quorvane {

@@ -1,4 +1,4 @@
-#include "base/MainThreadOwned.h"
+#include "base/MainThread.h"
 #include "base/NonCopyable.h"
 
 #include <gtest/gtest.h>
