@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "base/MainThread.h"
-#include "effects/crash/BSODView.h"
 #include "effects/crash/OverlayRecipe.h"
 
 namespace quorvane {

@@ -6,16 +6,16 @@
 #include <string_view>
 
 #include "base/EffectManager.h"
-#include "effects/crash/StopScreen.h"
+#include "effects/crash/BSODView.h"
 #include "platform/Platform.h"
 #include "platform/Screens.h"
 
 namespace quorvane {
 
-/// Covers the main screen with a stop screen every 15 seconds, for 5 seconds in which its progress
-/// runs from 0 to 1. The progress follows the wall clock; the screen ends after 5 seconds even if
-/// that clock is set back meanwhile. Main thread only; owned through a shared pointer. Its owner
-/// calls `stop` before letting go of it: a panel that is up then would stay up.
+/// Covers the main screen with a stop screen for 5 seconds, every 15 seconds. The progress runs
+/// from 0 to 1 by the wall clock; the screen ends after 5 seconds even if that clock is set back.
+/// Main thread only; owned through a shared pointer. The owner must call `stop` before it drops the
+/// manager, or a panel that is shown stays up.
 class BSODManager final : public EffectManager, public std::enable_shared_from_this<BSODManager> {
 public:
     struct StopCode {
@@ -36,12 +36,12 @@ public:
     ~BSODManager() override;
 
     void start() override;
-    /// Takes a stop screen away at once. The texts and the progress stay as they are.
+    /// Removes a stop screen at once. The texts and the progress stay as they are.
     void stop() override;
 
     [[nodiscard]] const Observable<bool>& isActive() const override { return m_isActive; }
 
-    /// From the display of a stop screen until its progress is complete, panel or no panel.
+    /// True from the start of a stop screen until its progress is complete, also without a panel.
     [[nodiscard]] const Observable<bool>& isShowing() const { return m_isShowing; }
 
     [[nodiscard]] const Observable<std::string>& errorMessage() const {
@@ -56,7 +56,7 @@ public:
 private:
     explicit BSODManager(const Platform& platform);
 
-    /// When a stop screen came up, on both clocks.
+    /// When a stop screen began, on both clocks.
     struct Start {
         double date;
         double mediaTime;
@@ -71,7 +71,7 @@ private:
     Platform m_platform;
     Observable<bool> m_isActive;
     Observable<bool> m_isShowing;
-    // Shared with the view, which lives as long as its panel does.
+    // Shared with the view, which lives as long as its panel.
     std::shared_ptr<StopScreen> m_screen = std::make_shared<StopScreen>();
     std::shared_ptr<Timer> m_bsodTimer;
     std::shared_ptr<Timer> m_progressTimer;

@@ -3,14 +3,25 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 
-#include "effects/crash/StopScreen.h"
+#include "base/Observable.h"
 #include "platform/Screens.h"
 
 namespace quorvane {
 
-/// The page of a stop screen: a sad face, a sentence, the stop code's name, a ring of progress and
-/// the stop code, hanging from the screen's top left corner. It cannot be dismissed.
+/// The content of a stop screen. Main thread only.
+struct StopScreen {
+    /// The stop code's name, such as "CRITICAL_PROCESS_DIED".
+    Observable<std::string> errorMessage;
+    /// The stop code in hexadecimal, such as "0x000000EF".
+    Observable<std::string> errorCode;
+    /// Completion from 0 to 1.
+    Observable<double> progress;
+};
+
+/// Draws a stop screen: a sad face, a sentence, the stop code's name, a progress ring and the stop
+/// code, aligned to the screen's top left corner. It cannot be dismissed.
 class BSODView final : public OverlayView {
 public:
     static constexpr Color background{.red = 0.0, .green = 0.47, .blue = 0.83, .alpha = 1.0};
