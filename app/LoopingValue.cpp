@@ -17,8 +17,7 @@ LoopingValue::LoopingValue(const Observable<AnimatedValue>& source, RunLoop& run
       m_followed(source.observe([this] { begin(); })) {}
 
 LoopingValue::~LoopingValue() {
-    if (m_timer)
-        m_timer->invalidate();
+    invalidate(m_timer);
 }
 
 void LoopingValue::begin() {
@@ -55,7 +54,7 @@ void LoopingValue::updateTimer() {
     if (needed)
         m_timer = m_runLoop.scheduledTimer(interval, true, [this](Timer&) { update(); });
     else
-        std::exchange(m_timer, nullptr)->invalidate();
+        invalidate(m_timer);
 }
 
 } // namespace quorvane

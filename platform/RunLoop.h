@@ -2,33 +2,39 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
 
 #include "base/MainThread.h"
 #include "base/NonCopyable.h"
 
 namespace quorvane {
 
-/// A timer that the run loop has been given. The run loop keeps a scheduled timer alive: letting go
-/// of the handle does not stop it, only `invalidate` does. Main thread only.
+/// A scheduled timer. The run loop keeps it alive: dropping the handle does not stop it, only
+/// `invalidate` does. Main thread only.
 class Timer : NonCopyable {
 public:
     virtual ~Timer() = default;
 
-    /// Ends the timer for good; it works from inside the timer's own block and may be repeated.
+    /// Stops the timer for good. May be called from the timer's own block, and more than once.
     virtual void invalidate() = 0;
     [[nodiscard]] virtual bool isValid() const = 0;
 };
 
-/// The main thread's run loop, main queue and clocks. Main thread only, but for `async`,
-/// `isMainThread` and the two clocks, which any thread may use.
+/// Invalidates the timer, if there is one, and resets the handle.
+inline void invalidate(std::shared_ptr<Timer>& timer) {
+    if (const auto held = std::exchange(timer, nullptr))
+        held->invalidate();
+}
+
+/// The main thread's run loop, main queue and clocks. Main thread only, except `async`,
+/// `isMainThread` and the two clocks, which any thread may call.
 class RunLoop : public MainQueue {
 public:
     using TimerBlock = std::function<void(Timer&)>;
 
-    /// Schedules `block` to run after `interval` seconds (one that is not above zero counts as 0.1
-    /// ms) and, if `repeats`, on the grid start + n * interval from then on. The grid never drifts:
-    /// firings that were missed because the thread was busy are skipped, not replayed. Timers that
-    /// are due at the same instant fire in the order in which they were scheduled.
+    /// Schedules `block` to run after `interval` seconds (0 or less counts as 0.1 ms) and, if
+    /// `repeats`, at start + n * interval from then on, without drift. Firings missed because the
+    /// thread was busy are skipped. Timers due at the same instant fire in the order of scheduling.
     virtual std::shared_ptr<Timer> scheduledTimer(double interval, bool repeats,
                                                   TimerBlock block) = 0;
 

@@ -13,14 +13,14 @@ namespace quorvane {
 
 namespace {
 
-// The maker's vendor ID, and the products known to hold the sensor, likeliest first.
+// Apple's vendor ID, and the products known to contain the sensor, likeliest first.
 constexpr int appleVendorID = 0x05AC;
 constexpr std::array productIDs{0x8104, 0x8102, 0x8103, 0x8105, 0x8262};
 
 constexpr std::uint8_t lidAngleReportID = 1;
 constexpr std::size_t shortestReport = 3;
 
-// A device whose first reading is outside is some other sensor that happens to answer.
+// Degrees. A device whose first reading is outside this range is not a lid sensor.
 constexpr int smallestFirstAngle = 1;
 constexpr int largestFirstAngle = 199;
 
@@ -34,7 +34,7 @@ constexpr double decayInterval = 0.05;
 constexpr double decayFactor = 0.93;
 constexpr double restCutOff = 1.0;
 
-/// Reads the lid-angle feature report into `buffer`; none when that failed or came back too short.
+/// Reads the lid-angle feature report into `buffer`; none if the read failed or was too short.
 std::optional<int> readAngle(HIDDevice& device, std::span<std::uint8_t> buffer) {
     std::size_t length = buffer.size();
     const HIDResult result =
@@ -49,7 +49,7 @@ struct AcceptedDevice {
     int angle = 0;
 };
 
-/// The first device that opens and answers like a lid. Rejected ones are left open.
+/// The first device that opens and whose first angle is a lid's. Rejected ones are left open.
 std::optional<AcceptedDevice> findLid(const std::vector<std::shared_ptr<HIDDevice>>& devices) {
     for (const auto& device : devices) {
         if (device->open() != hidSuccess)
@@ -70,7 +70,7 @@ std::shared_ptr<LidAngleSensor> LidAngleSensor::create(const Platform& platform)
 }
 
 LidAngleSensor::LidAngleSensor(const Platform& platform) : m_platform(platform) {
-    // The window holds six or seven samples at the poll rate; polling then allocates nothing.
+    // The window holds six or seven samples at the poll rate, so polling does not allocate.
     m_angleHistory.reserve(16);
 }
 
@@ -172,10 +172,8 @@ void LidAngleSensor::poll() {
 }
 
 void LidAngleSensor::stop() {
-    if (const auto timer = std::exchange(m_pollTimer, nullptr))
-        timer->invalidate();
-    if (const auto timer = std::exchange(m_fakeVelocityTimer, nullptr))
-        timer->invalidate();
+    invalidate(m_pollTimer);
+    invalidate(m_fakeVelocityTimer);
     stopSleepWakeMonitoring();
     m_isRunning = false;
     m_velocity = 0;
@@ -210,8 +208,7 @@ void LidAngleSensor::simulateLidClose() {
 
 void LidAngleSensor::startBurst(double velocity) {
     m_velocity = velocity;
-    if (m_fakeVelocityTimer)
-        m_fakeVelocityTimer->invalidate();
+    invalidate(m_fakeVelocityTimer);
     m_fakeVelocityTimer = m_platform.runLoop.scheduledTimer(
         decayInterval, true, [weak = weak_from_this()](Timer& timer) {
             if (const auto sensor = weak.lock())

@@ -15,11 +15,6 @@ constexpr double showInterval = 15.0;
 constexpr double showDuration = 5.0;
 constexpr double progressInterval = 1.0 / 60;
 
-void invalidate(std::shared_ptr<Timer>& held) {
-    if (const auto timer = std::exchange(held, nullptr))
-        timer->invalidate();
-}
-
 } // namespace
 
 std::shared_ptr<BSODManager> BSODManager::create(const Platform& platform) {
@@ -30,8 +25,8 @@ std::shared_ptr<BSODManager> BSODManager::create(const Platform& platform) {
 BSODManager::BSODManager(const Platform& platform) : m_platform(platform) {}
 
 BSODManager::~BSODManager() {
-    // Timers and panel are only let go: the timers find nobody, and the panel is the owner's to
-    // have taken away.
+    // The timers' blocks do nothing without the manager. The owner has stopped it, so no panel is
+    // shown.
     requireMainThread(m_platform.runLoop, "BSODManager");
 }
 
@@ -63,8 +58,7 @@ void BSODManager::showBSOD() {
     showPanel();
     const Start start{.date = m_platform.runLoop.currentDate(),
                       .mediaTime = m_platform.runLoop.currentMediaTime()};
-    if (m_progressTimer)
-        m_progressTimer->invalidate();
+    invalidate(m_progressTimer);
     m_progressTimer = m_platform.runLoop.scheduledTimer(
         progressInterval, true, [weak = weak_from_this(), start](Timer& timer) {
             if (const auto manager = weak.lock())
@@ -75,8 +69,8 @@ void BSODManager::showBSOD() {
 }
 
 void BSODManager::showPanel() {
-    // After a late turn of the main thread two screens can come within 5 s. A panel that is no
-    // longer held would take the clicks until the program ends.
+    // When the main thread was busy, two screens can come within 5 s. A panel without a handle
+    // would stay up, and take the clicks, until the program ends.
     removePanel();
     const auto screen = m_platform.screens.mainScreen();
     if (!screen)
@@ -90,7 +84,7 @@ void BSODManager::showPanel() {
 }
 
 double BSODManager::fractionSince(const Start& start) const {
-    // The wall clock can be set back; the other one tells when the time is over all the same.
+    // The wall clock can be set back; the media clock ends the screen even then.
     if (m_platform.runLoop.currentMediaTime() - start.mediaTime >= showDuration)
         return 1.0;
     const double elapsed = m_platform.runLoop.currentDate() - start.date;

@@ -41,14 +41,13 @@ void FreezeManager::start() {
 
 void FreezeManager::stop() {
     m_isActive = false;
-    if (const auto timer = std::exchange(m_freezeTimer, nullptr))
-        timer->invalidate();
+    invalidate(m_freezeTimer);
     removePanel();
 }
 
 void FreezeManager::scheduleNext() {
     const double delay = draw(shortestWait, longestWait);
-    // A timer that is still there is overwritten, not ended.
+    // An earlier timer's handle is overwritten; that timer still fires.
     m_freezeTimer =
         m_platform.runLoop.scheduledTimer(delay, false, [weak = weak_from_this()](Timer&) {
             const auto manager = weak.lock();
@@ -59,10 +58,10 @@ void FreezeManager::scheduleNext() {
 
 void FreezeManager::showFreeze() {
     const auto screen = m_platform.screens.mainScreen();
-    // Without a screen the cycle ends here; only stopping and starting revives it.
+    // Without a screen the cycle ends here, until the effect is stopped and started.
     if (!screen)
         return;
-    // Two chains may overlap; a panel that nobody holds any more would take the clicks for ever.
+    // Two chains may overlap. A panel without a handle would stay up and take the clicks.
     removePanel();
     const double length = draw(shortestFreeze, longestFreeze);
     m_freezeWindow = showOverlay(m_platform.screens, *screen,

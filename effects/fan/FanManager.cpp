@@ -1,7 +1,5 @@
 #include "effects/fan/FanManager.h"
 
-#include <utility>
-
 #include "base/MainThread.h"
 
 namespace quorvane {
@@ -42,7 +40,7 @@ void FanManager::loadSound() {
         m_player->setVolume(fanVolume);
         m_player->prepareToPlay();
     }
-    // Also without a player: it tells that the file was found, no more.
+    // Also when there is no player: the line says that the file was found.
     m_platform.console.print("✅ [FAN] fanmac.mp3 loaded");
 }
 
@@ -56,7 +54,7 @@ void FanManager::start() {
 }
 
 void FanManager::startHaptics() {
-    // Looked up once: the tick has nothing to do but to pulse.
+    // Looked up once, to keep the 20 Hz tick cheap.
     m_hapticTimer = m_platform.runLoop.scheduledTimer(
         hapticInterval, true, [performer = m_platform.haptics.defaultPerformer()](Timer&) {
             performer->performFeedback(HapticPattern::LevelChange, HapticPerformanceTime::Now);
@@ -67,8 +65,7 @@ void FanManager::startHaptics() {
 void FanManager::stop() {
     if (m_player)
         m_player->stop();
-    if (const auto timer = std::exchange(m_hapticTimer, nullptr))
-        timer->invalidate();
+    invalidate(m_hapticTimer);
     m_isActive = false;
 }
 

@@ -40,7 +40,7 @@ StartupSoundManager::StartupSoundManager(const Platform& platform)
     : m_platform(platform), m_rumbleEngine(platform.audio.createEngine()),
       m_rumblePlayer(platform.audio.createPlayerNode()) {}
 
-/// The rest of the construction, which hands out weak references.
+/// The rest of the construction, which needs weak_from_this.
 void StartupSoundManager::begin() {
     loadSound();
     connectRumble();
@@ -52,8 +52,7 @@ StartupSoundManager::~StartupSoundManager() {
     requireMainThread(m_platform.runLoop, "StartupSoundManager");
     if (m_wakeObserver)
         m_platform.workspace.removeObserver(*m_wakeObserver);
-    if (m_hapticTimer)
-        m_hapticTimer->invalidate();
+    invalidate(m_hapticTimer);
     m_rumbleEngine->stop();
 }
 
@@ -66,7 +65,7 @@ void StartupSoundManager::loadSound() {
         m_tractorPlayer = *player;
         m_tractorPlayer->prepareToPlay();
     }
-    // Also without a player: it tells that the file was found, no more.
+    // Also when there is no player: the line says that the file was found.
     m_platform.console.print("✅ [STARTUP] tractor.mp3 loaded");
 }
 
@@ -104,8 +103,8 @@ void StartupSoundManager::observeWake() {
         });
 }
 
-/// Takes a program that is registered to open at login, and not in front shortly after its start,
-/// for one that was opened at login.
+/// A program that is a login item, and not active shortly after its launch, is taken to have been
+/// launched at login.
 void StartupSoundManager::playOnLoginBoot() {
     if (m_platform.application.loginItemStatus() != LoginItemStatus::Enabled ||
         !m_startupSoundEnabled)
@@ -180,9 +179,8 @@ void StartupSoundManager::stepRamp(Timer& timer, int step, float volumeStep) {
 }
 
 void StartupSoundManager::stopRumble() {
-    if (const auto timer = std::exchange(m_rampTimer, nullptr))
-        timer->invalidate();
-    // The engine goes on: it is only stopped with the manager.
+    invalidate(m_rampTimer);
+    // The engine keeps running until the manager is destroyed.
     m_rumblePlayer->stop();
     m_platform.console.print("🔊 [RUMBLE] Stopped");
 }
@@ -207,8 +205,7 @@ void StartupSoundManager::pulse() {
 }
 
 void StartupSoundManager::stopHaptic() {
-    if (const auto timer = std::exchange(m_hapticTimer, nullptr))
-        timer->invalidate();
+    invalidate(m_hapticTimer);
     m_platform.console.print("📳 [HAPTIC] Stopped");
 }
 

@@ -30,8 +30,7 @@ SimulatedAudioFilePlayer::SimulatedAudioFilePlayer(
       m_file(std::move(file)), m_index(index), m_buffer(bufferOf(m_machine->files.at(m_file))) {}
 
 SimulatedAudioFilePlayer::~SimulatedAudioFilePlayer() {
-    if (m_endTimer)
-        m_endTimer->invalidate();
+    invalidate(m_endTimer);
 }
 
 double SimulatedAudioFilePlayer::duration() const {
@@ -155,8 +154,7 @@ void SimulatedAudioFilePlayer::fallSilent() {
     m_place = currentTime();
     (*m_timeline)[*m_current].stopTime = m_runLoop.currentMediaTime();
     m_current.reset();
-    if (m_endTimer)
-        m_endTimer->invalidate();
+    invalidate(m_endTimer);
 }
 
 void SimulatedAudioFilePlayer::finish() {

@@ -25,8 +25,7 @@ SimulatedAudioVoice::SimulatedAudioVoice(RunLoop& runLoop,
     : m_runLoop(runLoop), m_timeline(std::move(timeline)), m_index(index) {}
 
 SimulatedAudioVoice::~SimulatedAudioVoice() {
-    if (m_endTimer)
-        m_endTimer->invalidate();
+    invalidate(m_endTimer);
 }
 
 SimulatedAudioVoice::State SimulatedAudioVoice::state() const {
@@ -151,8 +150,7 @@ void SimulatedAudioVoice::fallSilent() {
     m_offset = position();
     (*m_timeline)[*m_current].stopTime = m_runLoop.currentMediaTime();
     m_current.reset();
-    if (m_endTimer)
-        m_endTimer->invalidate();
+    invalidate(m_endTimer);
 }
 
 void SimulatedAudioVoice::finishHead() {
