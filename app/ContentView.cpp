@@ -1,7 +1,6 @@
 #include "app/ContentView.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace quorvane {
 
@@ -17,30 +16,17 @@ constexpr double hardwareCheckPause = 1.5;
 // Of every change of the screen that a button makes.
 constexpr Animation screenSpring = Animation::spring(0.4, 0.825);
 
-template <class Effect>
-std::shared_ptr<Effect> make(const std::function<std::shared_ptr<Effect>()>& factory) {
-    return factory ? factory() : nullptr;
-}
-
 /// What the hardware check says of the keyboard when it may not be listened to.
 std::string_view keyboardRefusal() {
     return makeCheckRows(false, false, false).at(1).fail;
 }
 
-template <class Effect>
-void stopIfPresent(const std::shared_ptr<Effect>& effect) {
-    if (effect)
-        effect->stop();
-}
-
 } // namespace
 
-ContentView::ContentView(const Platform& platform, StartupExperience* startupManager,
-                         const EffectFactories& effects)
+ContentView::ContentView(const Platform& platform, StartupExperience& startupManager,
+                         const std::vector<Effect>& effects)
     : m_platform(platform), m_sensor(LidAngleSensor::create(platform)),
-      m_audioManager(AudioManager::create(platform)), m_keyboardManager(make(effects.keyboard)),
-      m_fanManager(make(effects.fan)), m_bsodManager(make(effects.bsod)),
-      m_freezeManager(make(effects.freeze)),
+      m_audioManager(AudioManager::create(platform)), m_effects(makeEffects(effects)),
       m_hardwareChecked(platform.userDefaults.boolForKey(hardwareCheckedKey)),
       m_floatingEmojis(FloatingEmoji::generate(emojiCount, platform.random)),
       m_startupManager(startupManager), m_self(std::make_shared<ContentView*>(this)) {
@@ -52,52 +38,53 @@ ContentView::ContentView(const Platform& platform, StartupExperience* startupMan
 
 ContentView::~ContentView() {
     m_platform.defaultCenter.removeObserver(m_autoStartToken);
-    if (m_linkTimer)
-        m_linkTimer->invalidate();
+    endVelocityFeed();
+}
+
+std::deque<ContentView::SwitchedEffect>
+ContentView::makeEffects(const std::vector<Effect>& effects) {
+    std::deque<SwitchedEffect> made;
+    for (const Effect& effect : effects) {
+        SwitchedEffect& switched = made.emplace_back();
+        switched.text = effect.text;
+        switched.manager = effect.make();
+    }
+    return made;
 }
 
 void ContentView::makeToggleRows() {
     m_toggleRows.push_back({.text = ToggleRowTexts::buildQuality,
                             .isOn = &m_audioEnabled,
                             .setOn = [this](bool on) { setHingeCreak(on); }});
-    addKeyboardRow();
-    addEffectRow(ToggleRowTexts::thermals, m_fanManager);
-    addEffectRow(ToggleRowTexts::stability, m_bsodManager);
-    addEffectRow(ToggleRowTexts::performance, m_freezeManager);
-    if (m_startupManager) {
-        Observable<bool>& enabled = m_startupManager->startupSoundEnabled();
-        m_toggleRows.push_back({.text = ToggleRowTexts::startup,
-                                .isOn = &enabled,
-                                .setOn = [&enabled](bool on) { enabled = on; }});
-    }
+    for (SwitchedEffect& effect : m_effects)
+        addEffectRow(effect);
+    Observable<bool>& startupEnabled = m_startupManager.startupSoundEnabled();
+    m_toggleRows.push_back({.text = ToggleRowTexts::startup,
+                            .isOn = &startupEnabled,
+                            .setOn = [&startupEnabled](bool on) { startupEnabled = on; }});
 }
 
-void ContentView::addKeyboardRow() {
-    if (!m_keyboardManager)
+void ContentView::addEffectRow(SwitchedEffect& effect) {
+    const Observable<bool>& isActive = effect.manager->isActive();
+    ToggleRow& row = m_toggleRows.emplace_back();
+    row.text = effect.text;
+    row.isOn = &isActive;
+    row.setOn = [this, &effect](bool on) { switchEffect(effect, on); };
+    if (!effect.manager->hasPermission())
         return;
-    m_toggleRows.push_back({.text = ToggleRowTexts::keyboard,
-                            .isOn = &m_keyboardManager->isActive(),
-                            .setOn = [this](bool on) { setKeyboard(on); },
-                            .hint = &m_keyboardHint});
-    // Permission may come while the person still looks at the switch.
-    m_keyboardStarted =
-        m_keyboardManager->isActive().observe([this] { m_keyboardHint = std::string(); });
+    row.hint = &effect.hint;
+    // Permission may come while the hint is still shown.
+    effect.activeFollowed = isActive.observe([&effect] { effect.hint = std::string(); });
 }
 
-void ContentView::setKeyboard(bool on) {
-    on ? m_keyboardManager->start() : m_keyboardManager->stop();
+void ContentView::switchEffect(SwitchedEffect& effect, bool on) {
+    EffectManager& manager = *effect.manager;
+    on ? manager.start() : manager.stop();
+    if (!manager.hasPermission())
+        return;
     const bool isRefused =
-        on && !m_keyboardManager->isActive() && !m_platform.accessibility.isProcessTrusted();
-    m_keyboardHint = std::string(isRefused ? keyboardRefusal() : "");
-}
-
-void ContentView::addEffectRow(const ToggleRowText& text,
-                               const std::shared_ptr<EffectManager>& effect) {
-    if (!effect)
-        return;
-    m_toggleRows.push_back({.text = text, .isOn = &effect->isActive(), .setOn = [effect](bool on) {
-                                on ? effect->start() : effect->stop();
-                            }});
+        on && !manager.isActive() && !m_platform.accessibility.isProcessTrusted();
+    effect.hint = std::string(isRefused ? keyboardRefusal() : "");
 }
 
 void ContentView::updateScreen(const Animation& animation) {
@@ -156,8 +143,9 @@ void ContentView::finishHardwareCheck() {
     m_sensor->probeSensor();
     m_hasLidSensor = m_sensor->sensorFound() && !m_sensor->usingSleepWake();
     const bool trusted = m_platform.accessibility.isProcessTrusted();
-    if (m_keyboardManager)
-        m_keyboardManager->hasPermission() = trusted;
+    for (const SwitchedEffect& effect : m_effects)
+        if (Observable<bool>* hasPermission = effect.manager->hasPermission())
+            *hasPermission = trusted;
     m_hasAccessibility = trusted;
     m_hasTrackpad = isRunningOnMacBook();
     m_checkDone = true;
@@ -194,13 +182,11 @@ void ContentView::stopAudio(const Animation& animation) {
     m_audioEnabled = false;
     endVelocityFeed();
     m_audioManager->stop();
-    stopIfPresent(m_keyboardManager);
-    m_keyboardHint = std::string();
-    stopIfPresent(m_fanManager);
-    stopIfPresent(m_bsodManager);
-    stopIfPresent(m_freezeManager);
-    if (m_startupManager)
-        m_startupManager->startupSoundEnabled() = false;
+    for (SwitchedEffect& effect : m_effects) {
+        effect.manager->stop();
+        effect.hint = std::string();
+    }
+    m_startupManager.startupSoundEnabled() = false;
 }
 
 void ContentView::setHingeCreak(bool on) {
@@ -223,8 +209,7 @@ void ContentView::startVelocityFeed() {
 }
 
 void ContentView::endVelocityFeed() {
-    if (const auto timer = std::exchange(m_linkTimer, nullptr))
-        timer->invalidate();
+    invalidate(m_linkTimer);
 }
 
 void ContentView::presentInfo(const ToggleRowText& row) {

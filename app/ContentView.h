@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <string>
@@ -20,15 +21,11 @@
 
 namespace quorvane {
 
-/// Makes the switchable effects that this build has, in this order; one that is absent gives
-/// nothing, and its row is not shown.
-struct EffectFactories {
-    using Factory = std::function<std::shared_ptr<EffectManager>()>;
-
-    std::function<std::shared_ptr<KeyboardEffect>()> keyboard;
-    Factory fan;
-    Factory bsod;
-    Factory freeze;
+/// An effect of the control panel: the texts of its row, and what makes its manager.
+struct Effect {
+    ToggleRowText text;
+    /// Never gives null.
+    std::function<std::shared_ptr<EffectManager>()> make;
 };
 
 /// The spine of the program: owns the sensor and every switchable effect, decides which screen is
@@ -44,9 +41,9 @@ public:
     /// What the default notification centre is told to enter the control panel.
     static constexpr std::string_view autoStartSimulation = "autoStartSimulation";
 
-    /// `startupManager` is borrowed and outlives the view; null while there is none.
-    ContentView(const Platform& platform, StartupExperience* startupManager,
-                const EffectFactories& effects);
+    /// `effects` are made, shown and stopped in their order. `startupManager` outlives the view.
+    ContentView(const Platform& platform, StartupExperience& startupManager,
+                const std::vector<Effect>& effects);
     ~ContentView();
 
     // What the screens show.
@@ -100,7 +97,8 @@ public:
     /// The six results as they stand now, in display order.
     [[nodiscard]] std::array<CheckRow, 6> checkRows() const;
 
-    /// The rows whose effects exist, in display order; fixed for the life of the view.
+    /// In display order: the creak's, the effects', the startup experience's. Fixed for the life of
+    /// the view.
     [[nodiscard]] const std::vector<ToggleRow>& toggleRows() const { return m_toggleRows; }
 
     // What happens to the view.
@@ -137,6 +135,18 @@ public:
     [[nodiscard]] AudioManager& audioManager() { return *m_audioManager; }
 
 private:
+    struct SwitchedEffect {
+        ToggleRowText text;
+        std::shared_ptr<EffectManager> manager;
+        // Only in an effect that needs permission.
+        Observable<std::string> hint;
+        Subscription activeFollowed;
+    };
+
+    [[nodiscard]] static std::deque<SwitchedEffect> makeEffects(const std::vector<Effect>& effects);
+    void makeToggleRows();
+    void addEffectRow(SwitchedEffect& effect);
+    void switchEffect(SwitchedEffect& effect, bool on);
     void finishHardwareCheck();
     void startAnimations();
     void startFloatingAnimation();
@@ -145,10 +155,6 @@ private:
     void endVelocityFeed();
     void autoStart();
     void updateScreen(const Animation& animation);
-    void addEffectRow(const ToggleRowText& text, const std::shared_ptr<EffectManager>& effect);
-    void addKeyboardRow();
-    void setKeyboard(bool on);
-    void makeToggleRows();
 
     // References to services, all of which outlive the view.
     Platform m_platform;
@@ -156,10 +162,8 @@ private:
     // In the order in which they come into being.
     std::shared_ptr<LidAngleSensor> m_sensor;
     std::shared_ptr<AudioManager> m_audioManager;
-    std::shared_ptr<KeyboardEffect> m_keyboardManager;
-    std::shared_ptr<EffectManager> m_fanManager;
-    std::shared_ptr<EffectManager> m_bsodManager;
-    std::shared_ptr<EffectManager> m_freezeManager;
+    // A deque, because the rows point to the hints.
+    std::deque<SwitchedEffect> m_effects;
     Observable<bool> m_audioEnabled;
     Observable<bool> m_sufferingMode;
     Observable<bool> m_hardwareChecked;
@@ -177,13 +181,11 @@ private:
     Observable<AnimatedValue> m_glowAmount;
     std::vector<FloatingEmoji> m_floatingEmojis;
     ChangeNotice m_floatingEmojisMoved;
-    StartupExperience* m_startupManager;
+    StartupExperience& m_startupManager;
 
     Observable<Screen> m_screen;
     Animation m_screenAnimation;
     std::vector<ToggleRow> m_toggleRows;
-    Observable<std::string> m_keyboardHint;
-    Subscription m_keyboardStarted;
     NotificationCenter::Token m_autoStartToken = 0;
     // What delayed blocks hold weakly, so that they do nothing once the view is gone.
     std::shared_ptr<ContentView*> m_self;

@@ -1,5 +1,7 @@
 #include "app/OrrowinApp.h"
 
+#include <vector>
+
 #include "effects/crash/BSODManager.h"
 #include "effects/crash/FreezeManager.h"
 #include "effects/fan/FanManager.h"
@@ -7,17 +9,26 @@
 
 namespace quorvane {
 
+namespace {
+
+template <class Manager>
+Effect effect(const ToggleRowText& text, const Platform& platform) {
+    return {.text = text, .make = [platform] { return Manager::create(platform); }};
+}
+
+} // namespace
+
 OrrowinApp::OrrowinApp(const Platform& platform)
     : m_platform(platform), m_startupManager(StartupSoundManager::create(platform)) {}
 
 std::unique_ptr<ContentView> OrrowinApp::makeContentView() {
-    const EffectFactories effects{
-        .keyboard = [this] { return KeyboardCrackManager::create(m_platform); },
-        .fan = [this] { return FanManager::create(m_platform); },
-        .bsod = [this] { return BSODManager::create(m_platform); },
-        .freeze = [this] { return FreezeManager::create(m_platform); },
+    const std::vector<Effect> effects{
+        effect<KeyboardCrackManager>(ToggleRowTexts::keyboard, m_platform),
+        effect<FanManager>(ToggleRowTexts::thermals, m_platform),
+        effect<BSODManager>(ToggleRowTexts::stability, m_platform),
+        effect<FreezeManager>(ToggleRowTexts::performance, m_platform),
     };
-    return std::make_unique<ContentView>(m_platform, m_startupManager.get(), effects);
+    return std::make_unique<ContentView>(m_platform, *m_startupManager, effects);
 }
 
 } // namespace quorvane

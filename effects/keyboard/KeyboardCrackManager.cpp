@@ -46,7 +46,7 @@ void KeyboardCrackManager::loadSound() {
         m_player->prepareToPlay();
         m_player->setVolume(crackVolume);
     }
-    // Also without a player: it tells that the file was found, no more.
+    // Also when there is no player: the line says that the file was found.
     m_platform.console.print("✅ [KEYBOARD] keyboard.mp3 loaded");
 }
 
@@ -97,8 +97,7 @@ void KeyboardCrackManager::startEventTap() {
     m_platform.console.print("⌨️ [KEYBOARD] Event tap started — global monitoring active");
 }
 
-/// Does next to nothing, since a system switches off a tap that is slow. A tap that has been
-/// switched off stays so.
+/// Must return fast: macOS disables a slow tap. A disabled tap is not enabled again.
 const TapEvent& KeyboardCrackManager::handleTapEvent(const TapEvent& event) {
     const auto manager = shared.lock();
     if (manager && event.type == TapEventType::KeyDown && event.keyboardAutorepeat == 0) {

@@ -7,32 +7,31 @@
 
 namespace quorvane {
 
-/// Lets every key press anywhere on the machine crack, at most once in 0.15 s. It hears that a key
-/// went down and nothing about which one. Main thread only; owned through a shared pointer.
-class KeyboardCrackManager final : public KeyboardEffect,
+/// Plays a crack at every key press in the session, at most one in 0.15 s. Does not learn which key
+/// it was. Main thread only; owned through a shared pointer.
+class KeyboardCrackManager final : public EffectManager,
                                    public std::enable_shared_from_this<KeyboardCrackManager> {
 public:
-    /// The instance made last, through which the tap's callback, which carries no context, reaches
-    /// its manager. It keeps nothing alive.
+    /// The latest instance: the tap's callback has no context argument, so it finds its manager
+    /// here.
     static std::weak_ptr<KeyboardCrackManager> shared;
 
     /// Loads the sound and becomes `shared`.
     [[nodiscard]] static std::shared_ptr<KeyboardCrackManager> create(const Platform& platform);
     ~KeyboardCrackManager() override;
 
-    /// Listens from now on. Without permission the system asks the person, and 3 s later there is
-    /// one more attempt, which nothing calls off; after that it takes another `start`. Does nothing
-    /// without a sound.
+    /// Starts the tap. Without permission, has the system ask the user, and retries once after 3 s,
+    /// even if `stop` is called meanwhile. Does nothing without a sound.
     void start() override;
     void stop() override;
 
-    /// The tap is installed and enabled.
+    /// Whether the tap is installed and enabled.
     [[nodiscard]] const Observable<bool>& isActive() const override { return m_isActive; }
 
-    [[nodiscard]] Observable<bool>& hasPermission() override { return m_hasPermission; }
+    [[nodiscard]] Observable<bool>* hasPermission() override { return &m_hasPermission; }
 
-    /// One crack from its beginning, which cuts the one before short; none less than 0.15 s after
-    /// the last.
+    /// Plays one crack, cutting the previous one short; does nothing less than 0.15 s after the
+    /// last.
     void playCrack();
 
 private:
@@ -49,9 +48,9 @@ private:
     std::shared_ptr<EventTap> m_eventTap;
     std::shared_ptr<TapSource> m_runLoopSource;
     std::shared_ptr<AudioFilePlayer> m_player;
-    // Media time. Zero lets the first crack after launch through.
+    // Media time.
     double m_lastPlayTime = 0;
-    // The first key after a rest is to be as fast as the hundredth.
+    // Keeps the output device running, so that the first key after a rest is not late.
     std::shared_ptr<AudioOutputHold> m_outputHold;
 };
 

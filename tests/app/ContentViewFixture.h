@@ -29,15 +29,15 @@ protected:
             return [this, name = std::move(name), &effect] {
                 created.push_back(name);
                 effect = std::make_shared<FakeEffect>(name, calls);
+                effect->needsPermission = name == "keyboard";
                 return effect;
             };
         };
-        view =
-            std::make_unique<ContentView>(machine.platform(), &startup,
-                                          EffectFactories{.keyboard = factory("keyboard", keyboard),
-                                                          .fan = factory("fan", fan),
-                                                          .bsod = factory("bsod", bsod),
-                                                          .freeze = factory("freeze", freeze)});
+        const FakeEffects effects{.keyboard = factory("keyboard", keyboard),
+                                  .fan = factory("fan", fan),
+                                  .bsod = factory("bsod", bsod),
+                                  .freeze = factory("freeze", freeze)};
+        view = std::make_unique<ContentView>(machine.platform(), startup, effects.list());
         return *view;
     }
 

@@ -38,7 +38,7 @@ TEST_F(ContentViewHardwareCheckTest, TheResultsComeInTheirOrder) {
     };
     const auto found = note(view->sensor().sensorFound(), "probe");
     const auto lidFlag = note(view->hasLidSensor(), "lid");
-    const auto permission = note(keyboard->hasPermission(), "permission");
+    const auto permission = note(keyboard->permission, "permission");
     const auto access = note(view->hasAccessibility(), "accessibility");
     const auto trackpad = note(view->hasTrackpad(), "trackpad");
     const auto done = note(view->checkDone(), "done");
@@ -51,15 +51,15 @@ TEST_F(ContentViewHardwareCheckTest, TheResultsComeInTheirOrder) {
 
 TEST_F(ContentViewHardwareCheckTest, TheKeyboardLearnsTheAnswerAndNobodyIsAsked) {
     makeView();
-    keyboard->hasPermission() = true;
+    keyboard->permission = true;
     view->runHardwareCheck();
     machine.runLoop.advance(2);
-    EXPECT_FALSE(keyboard->hasPermission());
+    EXPECT_FALSE(keyboard->permission);
     EXPECT_FALSE(view->hasAccessibility());
     machine.accessibility.trusted = true;
     view->runHardwareCheck();
     machine.runLoop.advance(2);
-    EXPECT_TRUE(keyboard->hasPermission());
+    EXPECT_TRUE(keyboard->permission);
     EXPECT_TRUE(view->hasAccessibility());
     EXPECT_EQ(machine.accessibility.prompts, 0);
 }
@@ -146,9 +146,9 @@ TEST_F(ContentViewHardwareCheckTest, TheFlagIsStoredBeforeTheScreenChanges) {
     EXPECT_TRUE(stored);
 }
 
-TEST_F(ContentViewHardwareCheckTest, WithoutAKeyboardEffectTheCheckStillEnds) {
+TEST_F(ContentViewHardwareCheckTest, EndsAlsoWithoutAnEffectThatNeedsPermission) {
     machine.accessibility.trusted = true;
-    ContentView alone(machine.platform(), nullptr, {});
+    ContentView alone(machine.platform(), startup, {});
     alone.runHardwareCheck();
     machine.runLoop.advance(1.5);
     EXPECT_TRUE(alone.checkDone());

@@ -52,7 +52,7 @@ TEST_F(ContentViewStoppingTest, TheStopButtonWithEveryEffectOffStillStopsAllOfTh
 TEST_F(ContentViewStoppingTest, TheVelocityFeedHasEndedBeforeTheCreakIsStopped) {
     WatchedRunLoop runLoop(machine.runLoop);
     machine.userDefaults.setBool("hardwareChecked", true);
-    ContentView watched(exchange(machine.platform(), {.runLoop = &runLoop}), &startup, {});
+    ContentView watched(exchange(machine.platform(), {.runLoop = &runLoop}), startup, {});
     watched.onAppear();
     watched.setHingeCreak(true);
     const auto& node = machine.audio.node(0).calls();

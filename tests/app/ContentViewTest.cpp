@@ -38,10 +38,11 @@ TEST_F(ContentViewTest, MakesTheEffectsInTheirOrderAndStartsNone) {
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
 }
 
-TEST_F(ContentViewTest, RowsOfEffectsThatDoNotExistAreNotThere) {
-    ContentView alone(machine.platform(), nullptr, {});
-    ASSERT_EQ(alone.toggleRows().size(), 1U);
+TEST_F(ContentViewTest, WithoutEffectsItHasTheCreakAndTheStartupExperience) {
+    ContentView alone(machine.platform(), startup, {});
+    ASSERT_EQ(alone.toggleRows().size(), 2U);
     EXPECT_EQ(alone.toggleRows()[0].text.label, "Build quality");
+    EXPECT_EQ(alone.toggleRows()[1].text.label, "Startup");
     alone.onAppear();
     alone.enterSufferingMode();
     alone.leaveSufferingMode();
@@ -54,8 +55,8 @@ TEST_F(ContentViewTest, TheSensorAndTheCreakComeFirstThenTheEffectsThenThePartic
         nodesAndDraws.emplace_back(machine.audio.nodeCount(), machine.random.bounds().size());
         return std::make_shared<FakeEffect>();
     };
-    const ContentView made(machine.platform(), &startup,
-                           {.keyboard = note, .fan = note, .bsod = note, .freeze = note});
+    const FakeEffects effects{.keyboard = note, .fan = note, .bsod = note, .freeze = note};
+    const ContentView made(machine.platform(), startup, effects.list());
     EXPECT_THAT(nodesAndDraws, ElementsAre(std::pair(1U, 0U), std::pair(1U, 0U), std::pair(1U, 0U),
                                            std::pair(1U, 0U)));
     // Two halves of an identity and six values for each of twelve.

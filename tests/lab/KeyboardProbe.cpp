@@ -59,7 +59,7 @@ int probeEffect(const Platform& platform) {
     std::cout << "started" << std::endl;
     runUntilInputEnds();
     tell("at the end active", manager->isActive());
-    tell("at the end permitted", manager->hasPermission());
+    tell("at the end permitted", *manager->hasPermission());
     return 0;
 }
 

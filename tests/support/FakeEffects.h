@@ -1,16 +1,18 @@
 #pragma once
 
+#include <functional>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "app/ContentView.h"
 #include "base/EffectManager.h"
 
 namespace quorvane {
 
-/// An effect that does what its switch says and tells what it was told. It can stand for any of
-/// them, the keyboard's too.
-class FakeEffect final : public KeyboardEffect {
+/// An effect that is active from `start` to `stop` and records both.
+class FakeEffect final : public EffectManager {
 public:
     FakeEffect() = default;
 
@@ -20,7 +22,9 @@ public:
 
     [[nodiscard]] const Observable<bool>& isActive() const override { return m_isActive; }
 
-    [[nodiscard]] Observable<bool>& hasPermission() override { return m_hasPermission; }
+    [[nodiscard]] Observable<bool>* hasPermission() override {
+        return needsPermission ? &permission : nullptr;
+    }
 
     void start() override {
         ++starts;
@@ -35,6 +39,8 @@ public:
         m_isActive = false;
     }
 
+    bool needsPermission = false;
+    Observable<bool> permission;
     bool canStart = true;
     int starts = 0;
     int stops = 0;
@@ -48,7 +54,26 @@ private:
     std::string m_name;
     std::vector<std::string>* m_calls = nullptr;
     Observable<bool> m_isActive;
-    Observable<bool> m_hasPermission;
+};
+
+/// The effects of a test's controller; an empty function leaves its effect out.
+struct FakeEffects {
+    using Make = std::function<std::shared_ptr<EffectManager>()>;
+
+    Make keyboard;
+    Make fan;
+    Make bsod;
+    Make freeze;
+
+    /// In display order.
+    [[nodiscard]] std::vector<Effect> list() const {
+        std::vector<Effect> effects{{.text = ToggleRowTexts::keyboard, .make = keyboard},
+                                    {.text = ToggleRowTexts::thermals, .make = fan},
+                                    {.text = ToggleRowTexts::stability, .make = bsod},
+                                    {.text = ToggleRowTexts::performance, .make = freeze}};
+        std::erase_if(effects, [](const Effect& effect) { return !effect.make; });
+        return effects;
+    }
 };
 
 /// A startup experience that is only its switch.

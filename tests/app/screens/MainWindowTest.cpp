@@ -22,7 +22,7 @@ TEST_F(MainWindowTest, HasItsTitleAndAFixedSize) {
 }
 
 TEST_F(MainWindowTest, TellsTheControllerThatItAppearedOnceItsFirstFrameIsThere) {
-    m_content = std::make_unique<ContentView>(m_machine.platform(), nullptr, m_effects);
+    m_content = makeContent();
     m_window = std::make_unique<MainWindow>(*m_content, m_machine.platform(), m_desktop);
     bool framed = false;
     bool appeared = false;
@@ -48,7 +48,7 @@ TEST_F(MainWindowTest, TellsTheControllerThatItAppearedOnceItsFirstFrameIsThere)
 // that nobody had looked for, and the creak stayed silent for good.
 TEST_F(MainWindowTest, CannotBePressedBeforeItHasAppeared) {
     m_machine.userDefaults.setBool(ContentView::hardwareCheckedKey, true);
-    m_content = std::make_unique<ContentView>(m_machine.platform(), nullptr, m_effects);
+    m_content = makeContent();
     m_window = std::make_unique<MainWindow>(*m_content, m_machine.platform(), m_desktop);
     ASSERT_TRUE(m_window->show());
     press("MAKE ME SUFFER 😭");
@@ -101,7 +101,7 @@ TEST_F(MainWindowTest, ClosingStopsEverythingOnce) {
 }
 
 TEST_F(MainWindowTest, ClosedBeforeItAppearedItNeverAppears) {
-    m_content = std::make_unique<ContentView>(m_machine.platform(), nullptr, m_effects);
+    m_content = makeContent();
     m_window = std::make_unique<MainWindow>(*m_content, m_machine.platform(), m_desktop);
     int appeared = 0;
     int closed = 0;

@@ -16,7 +16,6 @@ protected:
                      .fan = [this] { return m_fan; },
                      .bsod = [] { return std::make_shared<FakeEffect>(); },
                      .freeze = [] { return std::make_shared<FakeEffect>(); }};
-        m_withStartup = true;
     }
 
     // Nothing reaches beyond the window's edges.

@@ -53,13 +53,17 @@ void act(QAccessibleInterface* element, const QString& action) {
 
 ScreensTest::ScreensTest() {
     m_machine.system.model = "MacBookPro18,3";
+    m_keyboard->needsPermission = true;
 }
 
 ScreensTest::~ScreensTest() = default;
 
+std::unique_ptr<ContentView> ScreensTest::makeContent() {
+    return std::make_unique<ContentView>(m_machine.platform(), m_startup, m_effects.list());
+}
+
 void ScreensTest::appear() {
-    m_content = std::make_unique<ContentView>(m_machine.platform(),
-                                              m_withStartup ? &m_startup : nullptr, m_effects);
+    m_content = makeContent();
     m_window = std::make_unique<MainWindow>(*m_content, m_machine.platform(), m_desktop);
     bool appeared = false;
     QObject::connect(m_window.get(), &MainWindow::appeared, [&appeared] { appeared = true; });

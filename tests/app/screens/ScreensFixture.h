@@ -31,6 +31,7 @@ public:
 protected:
     ScreensTest();
 
+    [[nodiscard]] std::unique_ptr<ContentView> makeContent();
     /// Makes and shows the window and waits until it has appeared. Its sign is about to pop up.
     void appear();
     /// Makes and shows the window and waits until it is at rest.
@@ -95,8 +96,7 @@ protected:
     std::shared_ptr<FakeEffect> m_keyboard = std::make_shared<FakeEffect>();
     std::shared_ptr<FakeEffect> m_fan = std::make_shared<FakeEffect>();
     FakeStartup m_startup;
-    EffectFactories m_effects;
-    bool m_withStartup = false;
+    FakeEffects m_effects;
     AnimationClock m_animations;
     std::unique_ptr<ContentView> m_content;
     std::unique_ptr<MainWindow> m_window;

@@ -14,7 +14,7 @@ TEST_F(KeyboardCrackManagerTest, WithoutPermissionThePersonIsAskedOnce) {
     makeListening();
     EXPECT_EQ(machine.accessibility.prompts, 1);
     EXPECT_FALSE(manager->isActive());
-    EXPECT_FALSE(manager->hasPermission());
+    EXPECT_FALSE(*manager->hasPermission());
     EXPECT_THAT(machine.eventTaps.calls(), IsEmpty());
     machine.runLoop.advance(60);
     EXPECT_EQ(machine.accessibility.prompts, 1);
@@ -28,7 +28,7 @@ TEST_F(KeyboardCrackManagerTest, PermissionGivenWithinThreeSecondsStartsTheTapTh
     EXPECT_FALSE(manager->isActive());
     machine.runLoop.advance(0.001);
     EXPECT_TRUE(manager->isActive());
-    EXPECT_TRUE(manager->hasPermission());
+    EXPECT_TRUE(*manager->hasPermission());
 }
 
 TEST_F(KeyboardCrackManagerTest, ThereIsOneRetryOnly) {
@@ -38,7 +38,7 @@ TEST_F(KeyboardCrackManagerTest, ThereIsOneRetryOnly) {
     machine.accessibility.trusted = true;
     machine.runLoop.advance(60);
     EXPECT_FALSE(manager->isActive());
-    EXPECT_FALSE(manager->hasPermission());
+    EXPECT_FALSE(*manager->hasPermission());
     manager->start();
     EXPECT_TRUE(manager->isActive());
 }
@@ -51,7 +51,7 @@ TEST_F(KeyboardCrackManagerTest, TheRetryOfAnActiveManagerDoesNothing) {
     const auto calls = machine.eventTaps.calls();
     machine.accessibility.trusted = false;
     machine.runLoop.advance(3);
-    EXPECT_TRUE(manager->hasPermission());
+    EXPECT_TRUE(*manager->hasPermission());
     EXPECT_EQ(machine.eventTaps.calls(), calls);
 }
 
@@ -78,10 +78,10 @@ TEST_F(KeyboardCrackManagerTest, TrustThatGoesAwayIsNoticedByTheNextStart) {
     machine.accessibility.trusted = false;
     machine.runLoop.advance(60);
     EXPECT_TRUE(manager->isActive()) << "it is not watched";
-    EXPECT_TRUE(manager->hasPermission());
+    EXPECT_TRUE(*manager->hasPermission());
     manager->stop();
     manager->start();
-    EXPECT_FALSE(manager->hasPermission());
+    EXPECT_FALSE(*manager->hasPermission());
     EXPECT_FALSE(manager->isActive());
     EXPECT_EQ(machine.accessibility.prompts, 1);
     EXPECT_EQ(machine.eventTaps.openCount(), 0U);
@@ -90,9 +90,9 @@ TEST_F(KeyboardCrackManagerTest, TrustThatGoesAwayIsNoticedByTheNextStart) {
 TEST_F(KeyboardCrackManagerTest, TrustThatGoesAwayBeforeTheRetryStartsNothing) {
     machine.accessibility.trusted = false;
     makeListening();
-    manager->hasPermission() = true;
+    *manager->hasPermission() = true;
     machine.runLoop.advance(3);
-    EXPECT_FALSE(manager->hasPermission());
+    EXPECT_FALSE(*manager->hasPermission());
     EXPECT_THAT(machine.eventTaps.calls(), IsEmpty());
     EXPECT_EQ(machine.accessibility.prompts, 1) << "the retry asks nobody";
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U) << "and there is no further one";
@@ -106,7 +106,7 @@ TEST_F(KeyboardCrackManagerTest, ATapThatCannotBeCreatedAtTheRetryIsSaid) {
     machine.runLoop.advance(3);
     EXPECT_EQ(machine.console.lines.back(), failedLine);
     EXPECT_FALSE(manager->isActive());
-    EXPECT_TRUE(manager->hasPermission());
+    EXPECT_TRUE(*manager->hasPermission());
 }
 
 /// A permission that is given as soon as it is asked for.
@@ -128,7 +128,7 @@ TEST_F(KeyboardCrackManagerTest, AYesToTheQuestionIsKnownAtOnceAndUsedByTheRetry
     manager = KeyboardCrackManager::create(
         exchange(machine.platform(), {.accessibility = &accessibility}));
     manager->start();
-    EXPECT_TRUE(manager->hasPermission());
+    EXPECT_TRUE(*manager->hasPermission());
     EXPECT_FALSE(manager->isActive());
     machine.runLoop.advance(3);
     EXPECT_TRUE(manager->isActive());

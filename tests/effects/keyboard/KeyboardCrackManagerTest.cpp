@@ -44,7 +44,7 @@ TEST_F(KeyboardCrackManagerTest, NothingIsTappedBeforeTheStart) {
     EXPECT_THAT(machine.eventTaps.calls(), IsEmpty());
     EXPECT_EQ(machine.audio.holdCount(), 0U);
     EXPECT_FALSE(manager->isActive());
-    EXPECT_FALSE(manager->hasPermission());
+    EXPECT_FALSE(*manager->hasPermission());
 }
 
 TEST_F(KeyboardCrackManagerTest, TheTapListensToKeyDownsOfTheSessionOnly) {
@@ -53,7 +53,7 @@ TEST_F(KeyboardCrackManagerTest, TheTapListensToKeyDownsOfTheSessionOnly) {
                 ElementsAre("create location 1 placement 0 options 1 events 0x400", "source 0",
                             "add", "enable yes"));
     EXPECT_TRUE(manager->isActive());
-    EXPECT_TRUE(manager->hasPermission());
+    EXPECT_TRUE(*manager->hasPermission());
     EXPECT_EQ(machine.console.lines.back(), startedLine);
 }
 
@@ -97,7 +97,7 @@ TEST_F(KeyboardCrackManagerTest, ATapThatCannotBeCreatedIsSaidAndChangesNothingE
     makeListening();
     EXPECT_EQ(machine.console.lines.back(), failedLine);
     EXPECT_FALSE(manager->isActive());
-    EXPECT_TRUE(manager->hasPermission()) << "trust was reported";
+    EXPECT_TRUE(*manager->hasPermission()) << "trust was reported";
     EXPECT_EQ(machine.audio.holdCount(), 0U);
 }
 
@@ -129,7 +129,7 @@ TEST_F(KeyboardCrackManagerTest, StoppingDisablesRemovesAndClosesInThatOrder) {
                 ElementsAre("create location 1 placement 0 options 1 events 0x400", "source 0",
                             "add", "enable yes", "enable no", "remove", "close"));
     EXPECT_FALSE(manager->isActive());
-    EXPECT_TRUE(manager->hasPermission());
+    EXPECT_TRUE(*manager->hasPermission());
     EXPECT_EQ(machine.eventTaps.openCount(), 0U);
 }
 

@@ -42,7 +42,6 @@ TEST_F(InfoPopup, ExplainsTheRow) {
 TEST_F(InfoPopup, OfEachRowHasItsOwnTitle) {
     m_effects.bsod = [] { return std::make_shared<FakeEffect>(); };
     m_effects.freeze = [] { return std::make_shared<FakeEffect>(); };
-    m_withStartup = true;
     launchIntoControlPanel();
     const std::vector<std::pair<std::string, std::string>> rows{
         {"About Build quality", "Build Quality"},          {"About Keyboard", "Tactile Feedback"},

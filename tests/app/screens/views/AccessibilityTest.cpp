@@ -20,7 +20,6 @@ class Accessibility : public ScreensTest {
 protected:
     Accessibility() {
         m_effects.keyboard = [this] { return m_keyboard; };
-        m_withStartup = true;
     }
 
     // What each button does, by its name. Each can be focused and pressed.

@@ -13,7 +13,6 @@ protected:
     ControlPanelScreen() {
         m_effects.keyboard = [this] { return m_keyboard; };
         m_effects.fan = [this] { return m_fan; };
-        m_withStartup = true;
     }
 };
 
@@ -31,11 +30,10 @@ TEST_F(ControlPanelScreen, HasARowForEachEffectThatExists) {
                                        "About Startup", stop));
 }
 
-TEST_F(ControlPanelScreen, HasTheFirstRowAloneWhereThereIsNoOtherEffect) {
+TEST_F(ControlPanelScreen, HasTheFirstAndTheLastRowWhereThereIsNoOtherEffect) {
     m_effects = {};
-    m_withStartup = false;
     launchIntoControlPanel();
-    EXPECT_THAT(switches(), ElementsAre("Build quality"));
+    EXPECT_THAT(switches(), ElementsAre("Build quality", "Startup"));
 }
 
 TEST_F(ControlPanelScreen, StartsWithOnlyTheStartupExperienceOn) {

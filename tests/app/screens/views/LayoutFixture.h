@@ -45,7 +45,6 @@ protected:
                      .fan = [this] { return m_fan; },
                      .bsod = [] { return std::make_shared<FakeEffect>(); },
                      .freeze = [] { return std::make_shared<FakeEffect>(); }};
-        m_withStartup = true;
         withoutParticles();
     }
 
