@@ -9,8 +9,8 @@ namespace quorvane {
 
 namespace {
 
-// The curve that interfaces call ease-in-out: a cubic Bezier curve from (0, 0) to (1, 1) with the
-// control points (0.42, 0) and (0.58, 1); time runs along x, progress along y.
+// Ease-in-out as user interfaces define it: a cubic Bezier curve from (0, 0) to (1, 1) with the
+// control points (0.42, 0) and (0.58, 1); x is time, y is progress.
 constexpr double firstControlX = 0.42;
 constexpr double secondControlX = 0.58;
 
@@ -21,7 +21,7 @@ double bezier(double parameter, double first, double second) {
 }
 
 double easeInOutAt(double time) {
-    // x grows with the parameter, and this many halvings leave nothing that a double could show.
+    // x grows with the parameter; 50 bisections reach the precision of a double.
     constexpr int halvings = 50;
     double low = 0;
     double high = 1;
@@ -32,7 +32,7 @@ double easeInOutAt(double time) {
     return bezier((low + high) / 2, 0, 1);
 }
 
-// From 0 to 1 within one run, or for ever back and forth or anew.
+// 0 to 1, once or repeatedly.
 double phase(const Animation& animation, double seconds) {
     const double runs = seconds / animation.duration;
     if (!animation.repeatsForever)

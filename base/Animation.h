@@ -2,8 +2,8 @@
 
 namespace quorvane {
 
-/// How a value on its way to the screen moves from where it is shown to where it was set. The
-/// controller only says what is wanted; whoever draws evaluates it frame by frame.
+/// How a displayed value moves to a new value. The controller chooses it; the code that draws
+/// evaluates it for each frame.
 struct Animation {
     enum class Curve { None, Spring, Linear, EaseInOut };
 
@@ -15,7 +15,7 @@ struct Animation {
     /// Linear and EaseInOut only: seconds from start to end.
     double duration = 0;
     bool repeatsForever = false;
-    /// Whether a repetition runs back instead of starting over.
+    /// Whether every second repetition runs backwards.
     bool autoreverses = false;
 
     static constexpr Animation spring(double response, double dampingFraction) {
@@ -37,14 +37,14 @@ struct Animation {
         return result;
     }
 
-    /// How much of the way has been gone `seconds` (not negative) after the start: 0 at the start,
-    /// 1 where the value was set. A spring may overshoot; no animation is there at once.
+    /// Progress `seconds` (not negative) after the start: 0 is the old value, 1 the new one. A
+    /// spring may overshoot. Curve::None: always 1.
     [[nodiscard]] double progress(double seconds) const;
 
     bool operator==(const Animation&) const = default;
 };
 
-/// A number and the animation with which it was last set.
+/// A number, and the animation of its latest change.
 struct AnimatedValue {
     double value = 0;
     Animation animation;

@@ -10,7 +10,7 @@ namespace {
 
 template <class... Arguments>
 std::string toText(Arguments... arguments) {
-    // Enough for any double in fixed notation: 309 digits before the point, 17 after, sign, point.
+    // Fits any double in fixed notation: 309 digits before the point, 17 after, sign, point.
     std::array<char, 512> text{};
     const auto result = std::to_chars(text.data(), text.data() + text.size(), arguments...);
     return std::string(text.data(), result.ptr);

@@ -10,8 +10,8 @@
 
 namespace quorvane {
 
-/// Keeps one observer registered; letting go of it (or `cancel`) ends the registration.
-/// Safe to outlive the observable and to be cancelled from inside the observer itself.
+/// One observer's registration, ended by `cancel` or by the destructor. May outlive the observable
+/// and may be cancelled from inside the observer.
 class Subscription : NonCopyable {
 public:
     Subscription() = default;
@@ -40,13 +40,13 @@ private:
     std::function<void()> m_cancel;
 };
 
-/// What every observable value has in common, whatever its type: somebody can be told of a change.
+/// The part of an observable that does not depend on the value's type: its observers.
 class AnyObservable : NonCopyable {
 public:
     virtual ~AnyObservable() = default;
 
     /// Calls `observer` after every change, until the subscription is dropped. Observers are called
-    /// in the order of their registration; one that is added during a notice hears the next one.
+    /// in the order of registration; one added during a notification is first called for the next.
     [[nodiscard]] Subscription observe(std::function<void()> observer) const {
         auto entry = std::make_shared<std::function<void()>>(std::move(observer));
         m_observers->push_back(entry);
@@ -59,14 +59,14 @@ public:
 
 protected:
     void notify() const {
-        // A copy, because an observer may register or cancel others while it is being told. The
-        // list itself stays free of allocation as long as nobody listens.
+        // A copy, because an observer may register or cancel observers. Without observers, nothing
+        // is allocated.
         if (m_observers->empty())
             return;
         const auto observers = *m_observers;
         for (const auto& observer : observers) {
             if (*observer) {
-                // The observer may cancel itself, which would destroy it while it runs.
+                // Copied, because an observer that cancels itself is destroyed while it runs.
                 const auto call = *observer;
                 call();
             }
@@ -78,13 +78,13 @@ private:
     std::shared_ptr<Observers> m_observers = std::make_shared<Observers>();
 };
 
-/// Tells of changes to something that is kept elsewhere. Main thread only.
+/// Notifies of changes to something stored elsewhere. Main thread only.
 class ChangeNotice final : public AnyObservable {
 public:
     using AnyObservable::notify;
 };
 
-/// A stored property that tells its observers when its value really changed. Main thread only.
+/// A value that notifies its observers when it changes. Main thread only.
 template <class T>
 class Observable final : public AnyObservable {
 public:
@@ -94,10 +94,10 @@ public:
 
     [[nodiscard]] const T& get() const { return m_value; }
 
-    // NOLINTNEXTLINE(google-explicit-constructor): it reads as the value that it stands for.
+    // NOLINTNEXTLINE(google-explicit-constructor): to be used like the value itself.
     operator const T&() const { return m_value; }
 
-    /// Stores `value`; a write that would not change the value notifies nobody.
+    /// Stores `value`; notifies only if it differs.
     void set(T value) {
         if (m_value == value)
             return;
@@ -110,7 +110,7 @@ public:
         return *this;
     }
 
-    /// Stores `value` and notifies even when it is the value that was there before.
+    /// Stores `value` and notifies, even if it is equal to the old value.
     void setAndNotify(T value) {
         m_value = std::move(value);
         notify();

@@ -7,8 +7,8 @@ namespace quorvane {
 
 namespace {
 
-// Closer to critical damping than this, the difference of two nearly equal roots loses more digits
-// than taking the damping as critical does.
+// This close to critical damping, the difference of the two nearly equal roots loses more digits
+// than treating the damping as critical.
 constexpr double criticalBand = 1e-6;
 
 SpringState underdamped(double frequency, double damping, double time, const SpringState& initial) {
@@ -53,7 +53,7 @@ SpringState Spring::after(double time, const SpringState& initial) const {
 }
 
 bool Spring::isAtRest(const SpringState& state, double tolerance) const {
-    // The velocity is compared as the way that it would go on for within one radian of oscillation.
+    // The velocity counts as the distance it would cover within one radian of oscillation.
     const double reach = std::abs(state.velocity) * response / (2 * std::numbers::pi);
     return std::abs(state.displacement) < tolerance && reach < tolerance;
 }

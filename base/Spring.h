@@ -2,7 +2,7 @@
 
 namespace quorvane {
 
-/// Where a mass on a spring is, relative to its place of rest, and how fast it moves per second.
+/// Displacement of a mass on a spring from its rest position, and its velocity per second.
 struct SpringState {
     double displacement = 0;
     double velocity = 0;
@@ -10,19 +10,19 @@ struct SpringState {
     bool operator==(const SpringState&) const = default;
 };
 
-/// A spring as interfaces describe it. `response` is the time in seconds of one undamped
-/// oscillation (angular frequency 2 pi / response), above zero; `dampingFraction` is the fraction
-/// of critical damping: below 1 the mass overshoots, from 1 on it does not, at 0 it never rests.
+/// A spring as user interfaces describe it. `response` is the period in seconds of the undamped
+/// oscillation (angular frequency 2 pi / response), above 0; `dampingFraction` is the fraction of
+/// critical damping: below 1 the mass overshoots, from 1 on it does not, at 0 it never rests.
 struct Spring {
     double response = 0;
     double dampingFraction = 1;
 
-    /// The state `time` seconds (not negative) after the mass was in `initial`, in closed form: it
-    /// does not depend on how many frames were drawn on the way.
+    /// The state `time` seconds (not negative) after `initial`, in closed form: independent of the
+    /// frame rate.
     [[nodiscard]] SpringState after(double time, const SpringState& initial) const;
 
-    /// Whether a mass in `state` stays within `tolerance` of its place of rest to the eye, so that
-    /// nothing has to be drawn any more.
+    /// Whether a mass in `state` is so close to rest (`tolerance` in units of displacement) that it
+    /// need not be drawn again.
     [[nodiscard]] bool isAtRest(const SpringState& state, double tolerance) const;
 };
 

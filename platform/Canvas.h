@@ -6,7 +6,7 @@
 
 namespace quorvane {
 
-/// Points; y grows downward.
+/// In points.
 struct Size {
     double width = 0;
     double height = 0;
@@ -14,6 +14,7 @@ struct Size {
     bool operator==(const Size&) const = default;
 };
 
+/// In points, from the top left corner; y grows downward.
 struct Rect {
     double x = 0;
     double y = 0;
@@ -23,7 +24,7 @@ struct Rect {
     bool operator==(const Rect&) const = default;
 };
 
-/// sRGB, each 0 to 1, alpha not multiplied in.
+/// sRGB, 0 to 1 each, alpha not premultiplied.
 struct Color {
     double red = 0;
     double green = 0;
@@ -48,26 +49,26 @@ struct TextStyle {
 struct Spinner {
     double centerX = 0;
     double centerY = 0;
-    /// Times the platform's own size.
+    /// Factor on the platform's own size.
     double scale = 1;
     Color tint;
 };
 
-/// Where views draw, in points from the top left corner. Main thread only.
+/// The surface that views draw on, in points from the top left corner. Main thread only.
 class Canvas : NonCopyable {
 public:
     virtual ~Canvas() = default;
 
-    /// The room that a text takes, wrapped at words to at most `width` points (a word that is wider
-    /// is wrapped within); line ends in the text are kept.
+    /// The size of `text` wrapped to at most `width` points, between words, or within a word that
+    /// is wider. Line breaks in the text are kept.
     [[nodiscard]] virtual Size measure(std::string_view text, const TextStyle& style,
                                        double width) = 0;
-    /// Draws a text from the top left of its room, wrapped as it is measured.
+    /// Draws a text with its top left corner at `x`, `y`, wrapped as by `measure`.
     virtual void drawText(std::string_view text, const TextStyle& style, double x, double y,
                           double width) = 0;
     virtual void fill(const Rect& rect, const Color& color) = 0;
-    /// Strokes a circle's arc from its top, clockwise, over `fraction` (0 to 1) of the circle. Butt
-    /// ends; the line is centred on the radius.
+    /// Strokes `fraction` (0 to 1) of a circle, clockwise from its top, with butt caps; the line is
+    /// centred on the radius.
     virtual void strokeArc(double centerX, double centerY, double radius, double lineWidth,
                            double fraction, const Color& color) = 0;
 };

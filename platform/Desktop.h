@@ -7,20 +7,19 @@
 
 namespace quorvane {
 
-/// What the desktop tells about how the program is to look on it. Main thread only.
+/// Settings and state of the desktop that affect how the program draws. Main thread only.
 class Desktop : NonCopyable {
 public:
     virtual ~Desktop() = default;
 
-    /// The person has asked for less motion: what moves without end is to rest. False where the
-    /// desktop says nothing.
+    /// The user has asked for reduced motion: endless animations must rest. False if unknown.
     [[nodiscard]] virtual const Observable<bool>& reducesMotion() const = 0;
 
-    /// Other windows cover the one that is watched to the last pixel. False where the window system
-    /// does not tell.
+    /// Other windows cover the watched window completely. False if the window system does not
+    /// report it.
     [[nodiscard]] virtual const Observable<bool>& windowIsCovered() const = 0;
 
-    /// Names the program's window, by the window system's own number.
+    /// Sets the watched window, by the window system's ID.
     virtual void watchWindow(std::uintptr_t window) = 0;
 };
 

@@ -11,89 +11,88 @@ namespace quorvane {
 enum class TapEventType : std::uint32_t {
     KeyDown = 10,
     KeyUp = 11,
-    /// A modifier key alone: Shift, Control, Alt, Meta, Caps Lock, Fn and their like.
+    /// A modifier key alone, such as Shift, Control, Alt, Meta, Caps Lock or Fn.
     FlagsChanged = 12,
     DisabledByTimeout = 0xFFFFFFFE,
     DisabledByUserInput = 0xFFFFFFFF,
 };
 
-/// All that is known of an event on this side of the seam. Which key it was is nobody's business
-/// here: no platform passes it on, keeps it or writes it anywhere.
+/// A keyboard event, without the key: for privacy, no platform passes on, stores or logs which key
+/// it was.
 struct TapEvent {
     TapEventType type = TapEventType::KeyDown;
-    /// Not zero for what a held key repeats.
+    /// Not 0 for the automatic repeats of a held key.
     std::int64_t keyboardAutorepeat = 0;
 };
 
-/// Called on the run loop that the tap's source is on; gives back the event that it was given. It
-/// carries no context, and must return at once.
+/// Called on the run loop of the tap's source; must return fast, and return its argument.
 using TapCallback = const TapEvent& (*)(const TapEvent& event);
 
 enum class TapLocation : std::uint32_t {
-    /// The event stream of the person who is logged in.
+    /// The events of the login session.
     Session = 1,
 };
 
 enum class TapPlacement : std::uint32_t {
-    /// Ahead of the taps that are there.
+    /// Before existing taps.
     HeadInsert = 0,
 };
 
 enum class TapOptions : std::uint32_t {
-    /// Hears events without holding them up or changing them.
+    /// Receives events without delaying or changing them.
     ListenOnly = 1,
 };
 
-/// The bit of an event type in a tap's events of interest.
+/// The bit of `type` in a mask of events of interest.
 [[nodiscard]] constexpr std::uint64_t tapEventMask(TapEventType type) {
     return std::uint64_t{1} << static_cast<std::uint32_t>(type);
 }
 
-/// What brings a tap's events to a run loop. Main thread only.
+/// Delivers a tap's events to a run loop. Main thread only.
 class TapSource : NonCopyable {
 public:
     virtual ~TapSource() = default;
 
-    /// Puts it on the current thread's run loop, in its common modes. May be repeated.
+    /// Adds it to the current thread's run loop, in the common modes. May be called again.
     virtual void addToRunLoop() = 0;
-    /// Takes it off again. May be repeated.
+    /// Removes it. May be called again.
     virtual void removeFromRunLoop() = 0;
 };
 
-/// Hears the key events of the whole session. Everything that it has opened is closed with the last
-/// reference to it and its source. Main thread only.
+/// Receives the key events of the whole session. Closes what it has opened when the last reference
+/// to it and to its source is dropped. Main thread only.
 class EventTap : NonCopyable {
 public:
     virtual ~EventTap() = default;
 
-    /// The tap's source, on no run loop yet, with its place among sources that are ready at once
-    /// (0: none in particular); null if it cannot be made.
+    /// The tap's source, not on a run loop yet; `order` is its priority among sources that are
+    /// ready at the same time (0: default). Null if it cannot be made.
     [[nodiscard]] virtual std::shared_ptr<TapSource> createRunLoopSource(int order) = 0;
-    /// A tap that is not enabled delivers nothing. Made disabled.
+    /// A disabled tap delivers no events. Initially disabled.
     virtual void enable(bool enabled) = 0;
 };
 
-/// Where taps come from. Opens nothing by itself.
+/// Creates taps. Opens nothing itself. Main thread only.
 class EventTapService : NonCopyable {
 public:
     virtual ~EventTapService() = default;
 
-    /// A tap for the event types in the mask `eventsOfInterest`; null if it cannot be made, mostly
-    /// for want of the person's permission.
+    /// A tap for the event types in the mask `eventsOfInterest`; null if it cannot be made, usually
+    /// because the user has not given permission.
     [[nodiscard]] virtual std::shared_ptr<EventTap>
     createTap(TapLocation location, TapPlacement placement, TapOptions options,
               std::uint64_t eventsOfInterest, TapCallback callback) = 0;
 };
 
-/// The person's permission to listen to keys. Main thread only.
+/// The user's permission to listen to keys. Main thread only.
 class Accessibility : NonCopyable {
 public:
     virtual ~Accessibility() = default;
 
-    /// Whether key presses anywhere on the machine may be listened to. Asks nobody.
+    /// Whether the program may listen to key presses in the whole session. Shows no prompt.
     [[nodiscard]] virtual bool isProcessTrusted() const = 0;
-    /// As `isProcessTrusted`; if the answer is no and `prompt` is set, the system also asks the
-    /// person, who may take their time: it is not waited for.
+    /// As `isProcessTrusted`. If the result is false and `prompt` is set, the system also shows a
+    /// prompt; the call does not wait for it.
     virtual bool isProcessTrustedWithOptions(bool prompt) = 0;
 };
 

@@ -18,8 +18,8 @@ void InProcessNotificationCenter::removeObserver(Token token) {
 }
 
 void InProcessNotificationCenter::post(std::string_view name) {
-    // Looked up anew at each step, because a block may add and remove observers. Those that are
-    // added during this notice are not part of it.
+    // Looked up again at each step, because a block may add and remove observers. Those added
+    // during this post are not called for it.
     const Token end = m_nextToken;
     for (auto it = m_observers.begin(); it != m_observers.end() && it->first < end;) {
         const Token token = it->first;

@@ -16,23 +16,23 @@ inline constexpr std::string_view screensDidWake = "NSWorkspaceScreensDidWakeNot
 inline constexpr std::string_view didWake = "NSWorkspaceDidWakeNotification";
 } // namespace WorkspaceNotification
 
-/// Delivers named notifications to whoever observes the name, in the order of registration.
-/// Blocks run on the main thread; all calls are made there.
+/// Delivers named notifications to the observers of the name, in the order of registration. Main
+/// thread only, blocks included.
 class NotificationCenter : NonCopyable {
 public:
-    /// Stands for one registration; never zero.
+    /// Identifies a registration; never 0.
     using Token = std::uint64_t;
 
     virtual ~NotificationCenter() = default;
 
-    /// Registers `block` for `name`, from whichever sender.
+    /// Registers `block` for `name`, from any sender.
     virtual Token addObserver(std::string_view name, std::function<void()> block) = 0;
 
-    /// Ends a registration; a token that is not (or no longer) known is ignored. May be called from
-    /// inside a block; a removed block does not run again, not even for a notice under way.
+    /// Ends a registration; an unknown token is ignored. May be called from inside a block; a
+    /// removed block is not called again, even by a `post` in progress.
     virtual void removeObserver(Token token) = 0;
 
-    /// Delivers `name` to its observers before it returns.
+    /// Calls the observers of `name` before it returns.
     virtual void post(std::string_view name) = 0;
 };
 

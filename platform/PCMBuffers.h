@@ -8,11 +8,11 @@
 
 namespace quorvane {
 
-/// What AudioService::createBuffer promises.
+/// Implements AudioService::createBuffer.
 [[nodiscard]] std::shared_ptr<PCMBuffer> makePCMBuffer(const AudioFormat& format,
                                                        std::uint32_t frameCapacity);
 
-/// What AudioService::standardFormat promises, on a system that plays every such format.
+/// Implements AudioService::standardFormat.
 [[nodiscard]] std::optional<AudioFormat> makeStandardFormat(double sampleRate, unsigned channels);
 
 } // namespace quorvane

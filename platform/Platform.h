@@ -12,14 +12,14 @@
 
 namespace quorvane {
 
-/// The operating system as the logic sees it. Built once, by `main` or by a test, and handed down
-/// through constructors; the services outlive everything that is given them.
+/// The services of the operating system. Created once, by `main` or by a test, and passed down
+/// through constructors; the services outlive their users.
 struct Platform {
     RunLoop& runLoop;
     HIDService& hid;
-    /// The workspace's own centre: screens did sleep, screens did wake, did wake.
+    /// The workspace's notifications: see WorkspaceNotification.
     NotificationCenter& workspace;
-    /// The default centre, for notifications inside this process.
+    /// Notifications within this process.
     NotificationCenter& defaultCenter;
     AudioService& audio;
     EventTapService& eventTaps;

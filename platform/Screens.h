@@ -10,28 +10,29 @@
 
 namespace quorvane {
 
-/// What an overlay panel shows. The panel draws it when it appears and whenever it says that it has
-/// changed; the parts that change are drawn apart, so that a change need not redraw the whole
-/// screen. Main thread only.
+/// The content of an overlay panel, drawn when the panel appears and after each change. What
+/// changes is drawn separately, so that a change need not redraw the whole screen. Main thread
+/// only.
 class OverlayView : NonCopyable {
 public:
     virtual ~OverlayView() = default;
 
-    /// Everything that looks the same for as long as the panel is up, over the panel's background.
+    /// Draws what does not change while the panel is shown, over the panel's background.
     virtual void drawStill(Canvas& canvas, Size size) const = 0;
-    /// What changes, over what is still.
+    /// Draws what changes, over the still part.
     virtual void drawChanging(Canvas& canvas, Size size) const = 0;
-    /// Where `drawChanging` draws, whatever it will draw while the panel is up; empty if nowhere.
+    /// Bounds of everything that `drawChanging` draws while the panel is shown; empty if nothing.
     [[nodiscard]] virtual Rect changingBounds(Canvas& canvas, Size size) const = 0;
-    /// Tells that `drawChanging` would draw something else now.
+    /// Calls `changed` when `drawChanging` would draw something else.
     [[nodiscard]] virtual Subscription observeChanges(std::function<void()> changed) const = 0;
-    /// Whether something in it spins by itself, at the platform's own pace.
+    /// A progress indicator that the platform animates; none if there is none.
     [[nodiscard]] virtual std::optional<Spinner> spinner(Canvas& canvas, Size size) const = 0;
 };
 
-/// The values of the window system that overlays are made with.
+// The values that overlays use, as macOS defines them.
+
 namespace PanelStyle {
-/// Neither title bar nor border; never activates its application.
+/// No title bar, no border, does not activate the application.
 inline constexpr unsigned nonactivatingPanel = 128;
 } // namespace PanelStyle
 
@@ -49,9 +50,9 @@ namespace PanelLevel {
 inline constexpr int screenSaver = 1000;
 } // namespace PanelLevel
 
-/// A borderless window over a screen. It is never key, does not activate the application, takes the
-/// clicks over its screen and leaves the keyboard where it was. Shown from `orderFrontRegardless`
-/// to `orderOut`; letting go of a shown panel leaves it up. Main thread only.
+/// A borderless window over a screen. It takes the clicks over its area, never gets or moves the
+/// keyboard focus, and does not activate the application. Shown from `orderFrontRegardless` to
+/// `orderOut`; a panel whose handle is dropped stays up. Main thread only.
 class OverlayPanel : NonCopyable {
 public:
     virtual ~OverlayPanel() = default;
@@ -62,9 +63,8 @@ public:
     virtual void setCollectionBehavior(unsigned behavior) = 0;
     virtual void setIgnoresMouseEvents(bool ignores) = 0;
     virtual void setContentView(std::shared_ptr<const OverlayView> view) = 0;
-    /// Within how many seconds of being shown it will be ordered out; 0, as at first: not known.
-    /// Where the system allows it, the platform removes a panel that is still up 2 s after that,
-    /// because the main thread hangs then.
+    /// The longest time in seconds from `orderFrontRegardless` to `orderOut`; 0, the initial value:
+    /// unknown. If the main thread hangs, platforms that can do so remove the panel 2 s after that.
     virtual void setTimeLimit(double seconds) = 0;
     virtual void setFrame(const Rect& frame, bool display) = 0;
     virtual void orderFrontRegardless() = 0;
@@ -76,19 +76,18 @@ class Screen : NonCopyable {
 public:
     virtual ~Screen() = default;
 
-    /// The whole screen, menu bar and docks included, as it is now.
+    /// The whole screen at present, menu bar and docks included.
     [[nodiscard]] virtual Rect frame() const = 0;
 };
 
-/// The screens there are, and the panels over them. Main thread only.
+/// Finds screens and creates panels. Main thread only.
 class ScreenService : NonCopyable {
 public:
     virtual ~ScreenService() = default;
 
-    /// The screen that holds the window with the keyboard focus, else the primary one; null if
-    /// there is none at all.
+    /// The screen with the focused window, else the primary screen; null without any screen.
     [[nodiscard]] virtual std::shared_ptr<Screen> mainScreen() = 0;
-    /// A panel that is not shown yet; never null.
+    /// A hidden panel; never null.
     [[nodiscard]] virtual std::shared_ptr<OverlayPanel>
     createPanel(const Rect& contentRect, unsigned styleMask, unsigned backing, bool defer) = 0;
 };

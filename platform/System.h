@@ -10,17 +10,17 @@
 
 namespace quorvane {
 
-/// The one-line services of the operating system. All of them: main thread only.
+// Main thread only.
 
-/// The person's stored settings.
+/// The user's stored settings.
 class UserDefaults : NonCopyable {
 public:
     virtual ~UserDefaults() = default;
 
-    /// False when the key is absent or holds no Boolean.
+    /// False if the key is missing or not a Boolean.
     [[nodiscard]] virtual bool boolForKey(std::string_view key) const = 0;
-    /// Takes effect at once in this process, and lastly when the store can be written; a store that
-    /// cannot be written says so on standard error and changes nothing else.
+    /// Takes effect at once in this process. If the store cannot be written, prints an error on
+    /// standard error, and the value is lost at exit.
     virtual void setBool(std::string_view key, bool value) = 0;
 };
 
@@ -29,17 +29,17 @@ class Bundle : NonCopyable {
 public:
     virtual ~Bundle() = default;
 
-    /// The file of the resource `name` with the extension `extension`; none if there is no such.
+    /// The file `name`.`extension`; none if there is no such resource.
     [[nodiscard]] virtual std::optional<std::filesystem::path>
     urlForResource(std::string_view name, std::string_view extension) const = 0;
 };
 
-/// What is known of the machine.
+/// Facts about the machine.
 class SystemInfo : NonCopyable {
 public:
     virtual ~SystemInfo() = default;
 
-    /// The maker's name of the model ("MacBookPro18,3"); empty when it is not known.
+    /// The manufacturer's model name ("MacBookPro18,3"); empty if unknown.
     [[nodiscard]] virtual std::string modelName() const = 0;
 };
 
@@ -48,16 +48,16 @@ class Random : NonCopyable {
 public:
     virtual ~Random() = default;
 
-    /// Uniform over the whole numbers from 0 to `upperBound`, both included.
+    /// A uniform whole number from 0 to `upperBound`, both included.
     virtual std::uint64_t uniform(std::uint64_t upperBound) = 0;
 };
 
-/// Standard output, which carries the system's console lines and nothing else.
+/// Standard output, which carries the console lines and nothing else.
 class Console : NonCopyable {
 public:
     virtual ~Console() = default;
 
-    /// Writes `line` and a line end at once; a reader that has gone is not an error.
+    /// Writes `line` and a newline at once; a closed pipe is ignored.
     virtual void print(std::string_view line) = 0;
 };
 

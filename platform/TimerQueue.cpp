@@ -9,13 +9,13 @@ namespace {
 
 constexpr double nanosecondsPerSecond = 1e9;
 
-// What an interval that is not above zero counts as, so that it cannot trap the run loop.
+// Seconds. Replaces an interval of 0 or less, which would keep the run loop busy for ever.
 constexpr double shortestInterval = 1e-4;
 
 } // namespace
 
 TimerQueue::Nanoseconds toNanoseconds(double seconds) {
-    // Small enough for the sum of two of them to fit the type.
+    // The sum of two of these still fits.
     constexpr double limit = 4.6e18;
     return std::llround(std::clamp(seconds * nanosecondsPerSecond, -limit, limit));
 }
@@ -42,10 +42,10 @@ public:
 
     [[nodiscard]] Key key() const { return m_key; }
 
-    /// Moves on to the first grid point after `now`, which is not before the one that is due.
+    /// Moves to the first grid point after `now`; `now` is not before the current one.
     Key advance(Nanoseconds now) {
         const double elapsed = static_cast<double>(now - m_start) / nanosecondsPerSecond;
-        // One less than the quotient, because the division may have rounded up.
+        // Less one, because the division may have rounded up.
         const auto passed = static_cast<std::int64_t>(elapsed / m_interval) - 1;
         m_next = std::max(m_next + 1, passed);
         while (gridPoint(m_next) <= now)
@@ -54,23 +54,23 @@ public:
         return m_key;
     }
 
-    /// Runs the block. A timer that does not repeat has ended before its block runs.
+    /// Runs the block. A timer that does not repeat becomes invalid before that.
     void fire() {
-        // Held here, because the block may invalidate the timer that owns it.
+        // Copied, because the block may invalidate the timer that owns it.
         const auto block = m_block;
         if (!m_repeats)
             detach();
         (*block)(*this);
     }
 
-    /// Leaves the queue's care: no longer valid, and what the block captured is let go.
+    /// Makes the timer invalid and releases the block.
     void detach() {
         m_queue = nullptr;
         m_block.reset();
     }
 
 private:
-    /// Computed from the start each time, so that no error adds up.
+    /// Computed from the start each time, so that errors do not add up.
     [[nodiscard]] Nanoseconds gridPoint(std::int64_t n) const {
         return m_start + toNanoseconds(static_cast<double>(n) * m_interval);
     }

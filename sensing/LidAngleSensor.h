@@ -13,22 +13,22 @@
 
 namespace quorvane {
 
-/// Finds the notebook's lid-angle sensor among its maker's HID devices and publishes the hinge's
-/// angle and angular velocity; where there is none, makes up bursts of velocity from the screens
-/// going to sleep and waking. Main thread only; owned through a shared pointer.
+/// Finds the notebook's lid-angle sensor among Apple's HID devices and publishes the hinge's angle
+/// and angular velocity. Without a sensor it simulates bursts of velocity when the screens sleep
+/// and wake. Main thread only; owned through a shared pointer.
 class LidAngleSensor : public std::enable_shared_from_this<LidAngleSensor>, NonCopyable {
 public:
     [[nodiscard]] static std::shared_ptr<LidAngleSensor> create(const Platform& platform);
     ~LidAngleSensor();
 
-    /// Looks for the sensor, or settles on the fallback. May be repeated.
+    /// Looks for the sensor; without one, selects the fallback. May be called again.
     void probeSensor();
-    /// Begins to publish. Does nothing before `probeSensor` has run or while running.
+    /// Starts publishing. Does nothing before `probeSensor` or while running.
     void start();
-    /// Ends publishing and leaves the velocity at 0. A device that was found is kept.
+    /// Stops publishing and sets the velocity to 0. Keeps a device that was found.
     void stop();
 
-    /// Last hinge angle read, in degrees. The fallback does not touch it.
+    /// Last hinge angle read, in degrees. The fallback does not change it.
     [[nodiscard]] const Observable<double>& angle() const { return m_angle; }
 
     /// Degrees per second, positive while the lid opens.
@@ -36,8 +36,8 @@ public:
 
     [[nodiscard]] const Observable<bool>& isRunning() const { return m_isRunning; }
 
-    /// True once `probeSensor` has run, whichever way it ended: whether there is a real sensor is
-    /// this and not usingSleepWake.
+    /// True once `probeSensor` has run, whatever its result. There is a real sensor if this is true
+    /// and usingSleepWake is false.
     [[nodiscard]] const Observable<bool>& sensorFound() const { return m_sensorFound; }
 
     [[nodiscard]] const Observable<bool>& usingSleepWake() const { return m_usingSleepWake; }
@@ -53,7 +53,7 @@ private:
 
     bool tryHIDDevice(int productID);
     bool scanAllAppleHIDDevices();
-    /// Keeps the first matching device that answers like a lid; its angle, or none without one.
+    /// Keeps the first matching device whose first angle is a lid's, and returns that angle.
     std::optional<int> adoptDevice(const HIDMatching& matching);
     void printFound(std::string_view how, int productID, int angle);
     void startPolling();
@@ -71,12 +71,13 @@ private:
     Observable<bool> m_isRunning;
     Observable<bool> m_sensorFound;
     Observable<bool> m_usingSleepWake;
-    // Stays open and scheduled; released when replaced or with the sensor, never closed.
+    // Stays open and scheduled until it is replaced or the sensor is destroyed; never closed.
     std::shared_ptr<HIDManager> m_hidManager;
     std::shared_ptr<HIDDevice> m_hidDevice;
-    // Eight bytes, so that a report longer than the three that count still fits.
+    // Three bytes are used; reports may be longer.
     std::array<std::uint8_t, 8> m_hidReport{};
     std::shared_ptr<Timer> m_pollTimer;
+    // Set by `start`; nothing reads these two.
     double m_previousAngle = 0;
     double m_previousTime = 0;
     std::vector<Sample> m_angleHistory;

@@ -118,7 +118,7 @@ void BSODView::drawChanging(Canvas& canvas, Size size) const {
 
 Rect BSODView::changingBounds(Canvas& canvas, Size size) const {
     const Layout layout = layOut(canvas, size);
-    // A point more all round, for what anti-aliasing adds.
+    // One point more on each side, for anti-aliasing.
     constexpr double margin = ringLine / 2 + 1;
     const double completeWidth =
         canvas.measure(longestComplete, completeStyle, layout.linesWidth).width;
@@ -145,7 +145,7 @@ std::string BSODView::hint() const {
 }
 
 int BSODView::percent() const {
-    // Cut off, not rounded: only what is complete is 100 %.
+    // Truncated, so that 100 % is shown only when complete.
     return static_cast<int>(m_screen->progress * 100);
 }
 

@@ -8,9 +8,9 @@
 
 namespace quorvane {
 
-/// Makes the machine seem to hang now and then: after 20 to 40 seconds of normal use, an overlay
-/// takes the clicks of the main screen for 3 to 4 seconds. Main thread only; owned through a shared
-/// pointer. Its owner calls `stop` before letting go of it: a panel that is up then would stay up.
+/// Makes the machine seem to hang: every 20 to 40 seconds, an overlay takes the clicks of the main
+/// screen for 3 to 4 seconds. Main thread only; owned through a shared pointer. The owner must call
+/// `stop` before it drops the manager, or a panel that is shown stays up.
 class FreezeManager final : public EffectManager,
                             public std::enable_shared_from_this<FreezeManager> {
 public:
@@ -18,8 +18,8 @@ public:
     ~FreezeManager() override;
 
     void start() override;
-    /// Takes an overlay away at once. The end of a freeze that is under way still comes; if the
-    /// effect has been started again by then, it begins a second chain of freezes beside the first.
+    /// Removes an overlay at once. The delayed end of a freeze that has begun still runs; if the
+    /// effect is active again by then, it starts a second chain of freezes beside the first.
     void stop() override;
 
     [[nodiscard]] const Observable<bool>& isActive() const override { return m_isActive; }

@@ -16,7 +16,7 @@ constexpr Color grey(double opacity) {
 constexpr TextStyle textStyle{.size = 22, .weight = TextStyle::Weight::Medium, .color = grey(0.8)};
 constexpr std::string_view text = "(Not Responding)";
 
-// Points. The spinner keeps the room of its own size; its scale only draws it larger.
+// Points. The layout uses the spinner's unscaled size.
 constexpr double spinnerSize = 32;
 constexpr double spinnerScale = 3;
 constexpr double spacing = 20;

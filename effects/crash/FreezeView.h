@@ -7,7 +7,7 @@
 
 namespace quorvane {
 
-/// A washed-out desktop with a large spinner and "(Not Responding)". Always the same.
+/// Whitens the desktop, under a large spinner and "(Not Responding)". Never changes.
 class FreezeView final : public OverlayView {
 public:
     void drawStill(Canvas& canvas, Size size) const override;

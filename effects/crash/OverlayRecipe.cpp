@@ -18,7 +18,7 @@ std::shared_ptr<OverlayPanel> showOverlay(ScreenService& screens, const Screen& 
         panel->setIgnoresMouseEvents(*appearance.ignoresMouseEvents);
     panel->setTimeLimit(appearance.timeLimit);
     panel->setContentView(std::move(view));
-    // Read afresh: the screen may have changed since the panel was made.
+    // Read again: the screen may have changed since the panel was made.
     panel->setFrame(screen.frame(), /*display=*/true);
     panel->orderFrontRegardless();
     return panel;

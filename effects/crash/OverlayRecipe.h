@@ -7,18 +7,18 @@
 
 namespace quorvane {
 
-/// What tells one kind of overlay from another.
+/// How the kinds of overlay differ.
 struct OverlayAppearance {
     bool opaque = true;
     Color background;
-    /// None: left as the panel has it.
+    /// None: not set.
     std::optional<bool> ignoresMouseEvents;
-    /// Seconds after which the panel is to be gone; 0: none.
+    /// See OverlayPanel::setTimeLimit.
     double timeLimit = 0;
 };
 
-/// Puts a panel with `view` over the whole of `screen`, above everything, without activating the
-/// application; gives the panel that is up. Main thread only.
+/// Shows a panel with `view` over the whole of `screen`, above all other windows, without
+/// activating the application. Main thread only.
 [[nodiscard]] std::shared_ptr<OverlayPanel> showOverlay(ScreenService& screens,
                                                         const Screen& screen,
                                                         const OverlayAppearance& appearance,

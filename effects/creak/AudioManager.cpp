@@ -13,8 +13,8 @@ namespace quorvane {
 
 namespace {
 
-/// Frames of a file as a buffer's capacity. No creak is that long: one that does not fit is a
-/// programming error.
+/// A file's length as a buffer's capacity, in frames. One that does not fit is a programming error:
+/// no creak is that long.
 std::uint32_t requireFrameCount(std::int64_t length) {
     if (length < 0 || length > std::numeric_limits<std::uint32_t>::max())
         std::abort();
@@ -90,7 +90,7 @@ void AudioManager::update(double velocity) {
 void AudioManager::creak() {
     if (m_isPlaying)
         return;
-    // Silent on purpose: this is tried again 60 times a second for as long as the lid moves.
+    // No console line: this is retried 60 times a second while the lid moves.
     if (!m_engine->isRunning() && m_engine->start())
         return;
     if (m_needsSchedule && m_audioBuffer) {
@@ -107,7 +107,7 @@ void AudioManager::pause() {
 }
 
 void AudioManager::scheduleBuffer() {
-    // Called on a thread of the audio system, so it only hops to the main one.
+    // Called on an audio thread.
     m_playerNode->scheduleBuffer(m_audioBuffer, BufferOptions::Once,
                                  [weak = weak_from_this(), &runLoop = m_platform.runLoop] {
                                      runLoop.async([weak] {

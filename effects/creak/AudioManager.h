@@ -11,23 +11,23 @@
 
 namespace quorvane {
 
-/// Plays the hinge creak while the lid moves: starts it when the hinge is fast enough, pauses it
-/// where it is when the hinge slows down, resumes it there, and plays it afresh only after it has
-/// sounded to its end. Main thread only; owned through a shared pointer.
+/// Plays the hinge creak while the lid moves: plays it while the hinge is fast enough, pauses it
+/// when the hinge slows down, resumes it there, and starts over only after it has played to its
+/// end. Main thread only; owned through a shared pointer.
 class AudioManager : public std::enable_shared_from_this<AudioManager>, NonCopyable {
 public:
     [[nodiscard]] static std::shared_ptr<AudioManager> create(const Platform& platform);
     ~AudioManager();
 
-    /// Decodes the bundle's resource into memory. Without it, or when it cannot be decoded, prints
-    /// a line and stays silent.
+    /// Decodes the bundle's resource into memory. If it is missing or cannot be decoded, prints a
+    /// line and stays silent.
     void loadSound(std::string_view name, std::string_view extension);
     void loadSound(const std::filesystem::path& url);
 
     /// Takes the hinge's velocity in degrees per second, of either sign. Called 60 times a second.
     void update(double velocity);
 
-    /// Falls silent; the next creak starts from its beginning. The engine stays open.
+    /// Stops the sound; the next creak starts from its beginning. The engine keeps running.
     void stop();
 
     /// Slowest absolute velocity that creaks, in degrees per second.
@@ -35,7 +35,7 @@ public:
         return m_velocityThreshold;
     }
 
-    /// The node was told to play and has not been paused, stopped or finished since.
+    /// From `play` on the node until it is paused, stopped or finished.
     [[nodiscard]] const Observable<bool>& isPlaying() const { return m_isPlaying; }
 
     /// A sound is decoded and connected.

@@ -7,16 +7,16 @@
 
 namespace quorvane {
 
-/// An overworked fan: its sound without end, and a trackpad that buzzes with it. Main thread only;
-/// owned through a shared pointer. Its owner calls `stop` before letting go of it: the buzzing
-/// belongs to the run loop and would go on.
+/// An overworked fan: a looping sound and trackpad pulses. Main thread only; owned through a shared
+/// pointer. The owner must call `stop` before it drops the manager, or the pulses continue, since
+/// the run loop keeps their timer.
 class FanManager final : public EffectManager {
 public:
     /// Loads the sound.
     [[nodiscard]] static std::shared_ptr<FanManager> create(const Platform& platform);
     ~FanManager() override;
 
-    /// From the beginning of the sound. Without a sound there is no buzzing either.
+    /// Starts the sound from its beginning, and the pulses. Does nothing without a sound.
     void start() override;
     void stop() override;
 

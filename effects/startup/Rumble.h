@@ -7,26 +7,24 @@
 
 namespace quorvane {
 
-/// The frames in one second at `sampleRate`, the fraction cut off; none if that is no unsigned
-/// 32-bit number.
+/// Whole frames in one second at `sampleRate`; none if the number does not fit 32 unsigned bits.
 [[nodiscard]] std::optional<std::uint32_t> rumbleFrameCount(double sampleRate);
 
-/// An engine that chugs: the fundamental `frequency` (Hz), its octave and its sub-octave, with
-/// weights 0.5, 0.3 and 0.2, under a rectified sine of 4 Hz that swells eight times a second.
-/// `time` in seconds; the result lies within -1 and 1. Over a whole second the swell begins and
-/// ends in silence, so that a second of it loops without a click.
+/// A chugging engine at `time` seconds, -1 to 1: the fundamental `frequency` (Hz), its octave and
+/// its sub-octave, with weights 0.5, 0.3 and 0.2, under an envelope that is a rectified sine of 4
+/// Hz. The envelope is 0 at every whole second, so one second loops without a click.
 [[nodiscard]] double rumbleSample(double time, double frequency);
 
-/// How many pulses a second the trackpad gives `elapsed` seconds into a ramp of `rampUpDuration`
-/// seconds: from 5 at its start to 25 at its end, and 25 after that.
+/// Trackpad pulses per second, `elapsed` seconds into a ramp of `rampUpDuration` seconds: 5 at its
+/// start, 25 from its end on.
 [[nodiscard]] double hapticRate(double elapsed, double rampUpDuration);
 
-/// Whether the tick at `elapsed` seconds falls into the first sixtieth of a second of a pulse's
-/// period. The period is that of the moment: its change while the ramp runs may drop or double a
-/// pulse, and that roughness is wanted.
+/// Whether the tick at `elapsed` seconds is in the first sixtieth of a second of a period of the
+/// current `rate`. Since the rate changes during the ramp, a pulse may be dropped or doubled; the
+/// roughness is intended.
 [[nodiscard]] bool isHapticPulseDue(double elapsed, double rate);
 
-/// Ticks a second at which the trackpad's ramp is looked at.
+/// How often a pulse may become due, per second.
 inline constexpr double hapticTickRate = 60;
 
 } // namespace quorvane

@@ -8,46 +8,47 @@
 
 namespace quorvane {
 
-/// The startup experience: after a wake-up, or when the program was opened at login, an engine that
-/// struggles, with a low rumble under it and a trackpad that vibrates ever faster. Its triggers are
-/// live from its making. Main thread only; owned through a shared pointer.
+/// The startup experience: after a wake-up, or a launch at login, the sound of a struggling engine
+/// with a low rumble, and trackpad pulses that get faster. Its triggers are live from its creation.
+/// Main thread only; owned through a shared pointer.
 class StartupSoundManager final : public StartupExperience,
                                   public std::enable_shared_from_this<StartupSoundManager> {
 public:
-    /// Loads the clip, makes the rumble, observes wake-ups and looks whether this is a login.
+    /// Loads the clip, makes the rumble, observes wake-ups and checks for a launch at login.
     [[nodiscard]] static std::shared_ptr<StartupSoundManager> create(const Platform& platform);
     ~StartupSoundManager() override;
 
-    /// Plays the sequence, once: not while it is switched off, not while one plays, not without its
-    /// clip. It ends after the clip's length, whatever is switched off meanwhile.
+    /// Plays the sequence once, unless it is switched off, already playing or without its clip. It
+    /// ends after the clip's length, even if it is switched off meanwhile.
     void playTractor();
 
-    /// A sequence is under way.
+    /// Whether a sequence is playing.
     [[nodiscard]] const Observable<bool>& isPlayingTractor() const { return m_isPlayingTractor; }
 
     [[nodiscard]] Observable<bool>& startupSoundEnabled() override { return m_startupSoundEnabled; }
 
-    /// Loudness of the rumble at the end of its fade-in, 0 to 1. Lowered on the way, it caps the
-    /// fade-in, whose steps stay.
+    /// Volume of the rumble at the end of its fade-in, 0 to 1. Lowered during the fade-in, it caps
+    /// the volume without changing the steps.
     [[nodiscard]] Observable<float>& rumbleVolume() { return m_rumbleVolume; }
 
     /// The rumble's base frequency in Hz, for the next `generateRumbleBuffer`.
     [[nodiscard]] Observable<double>& rumbleFrequency() { return m_rumbleFrequency; }
 
-    /// Synthesises one second of rumble, as frames of `format` (one channel). A rate that is no
-    /// count of frames is a programming error. Without memory there is no rumble.
+    /// Synthesises one second of rumble in `format` (one channel); none if the buffer cannot be
+    /// made. A sample rate that is no valid number of frames (see rumbleFrameCount) ends the
+    /// program.
     void generateRumbleBuffer(double sampleRate, const AudioFormat& format);
 
-    /// None until it could be made.
+    /// Null until `generateRumbleBuffer` has made it.
     [[nodiscard]] const std::shared_ptr<PCMBuffer>& rumbleBuffer() const { return m_rumbleBuffer; }
 
-    // The two effects under the clip, by themselves. Stopping what does not run only prints a line.
+    // The two parts under the clip. Stopping one that is not running only prints a line.
     void startRumble();
     void stopRumble();
     void startHaptic();
     void stopHaptic();
 
-    // Whether their timers are there.
+    // Whether their timers are scheduled.
     [[nodiscard]] bool isRamping() const { return m_rampTimer != nullptr; }
 
     [[nodiscard]] bool isPulsing() const { return m_hapticTimer != nullptr; }
