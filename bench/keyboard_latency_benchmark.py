@@ -98,7 +98,6 @@ def clicks(server, count):
 
 def onset(recording, since, until):
     """When the first loud sample between two instants is recorded; none: None."""
-    recording.level(since, until)
     loud = numpy.flatnonzero(abs(recording.samples(since, until)) > LOUD)
     return since + loud[0] / RATE if len(loud) else None
 

@@ -219,7 +219,7 @@ class EndToEndTest(unittest.TestCase):
         picture = EVIDENCE / f"{self._testMethodName}.png"
         sound = EVIDENCE / f"{self._testMethodName}.wav"
         self.session.display.screenshot(picture)
-        self.recording.save(sound, self.started)
+        self.recording.save(sound, max(self.started, self.recording.start))
         console = self.program.console.since(self.started) if self.program else []
         errors = self.program.errors.since(self.started) if self.program else []
         return "\n".join(["", f"screen:    {picture}", f"recording: {sound}",

@@ -4,11 +4,11 @@ import pathlib
 import subprocess
 import time
 import unittest
-import wave
 
 import numpy
 
 from harness import BUILD, CHECK, CREAK_SWITCH, ENTER, EVIDENCE, OWN_WORDS, REPOSITORY, EndToEndTest
+from virtual_desktop.clips import read_wave
 
 # A lid that moves once, between two instants after the start.
 SWING = """{
@@ -49,10 +49,8 @@ class Demo(unittest.TestCase):
         self._check_sound(files[-1])
 
     def _check_sound(self, file):
-        with wave.open(str(file), "rb") as recording:
-            rate = recording.getframerate()
-            samples = numpy.frombuffer(recording.readframes(recording.getnframes()), "<i2")
-        loud = numpy.flatnonzero(numpy.abs(samples.astype(int)) > 100) / rate
+        samples, rate = read_wave(file)
+        loud = numpy.flatnonzero(numpy.abs(samples) > 100 / 32768) / rate
         # The lid begins to move at 15 s of the demo, with the first sound.
         start = loud[0] - FIRST_SOUND
         for name, begin, end in SOUNDING:

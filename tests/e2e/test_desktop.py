@@ -12,17 +12,17 @@ import numpy
 
 from harness import ENTER, REPOSITORY, EndToEndTest
 from virtual_desktop import pictures
-from virtual_desktop.recording import Recording
+from virtual_desktop.recording import LiveRecording
 
 RATE = 8000
 
 
 def _record(samples, test):
-    """A recording of samples at full scale 1, as if they had just sounded."""
+    """A recording of samples at full scale 1 that ended just now."""
     read_end, write_end = os.pipe()
     source = test.enterContext(os.fdopen(read_end, "rb"))
     with os.fdopen(write_end, "wb") as pipe:
-        recording = Recording(source, RATE)
+        recording = LiveRecording(source, RATE)
         pipe.write((samples * 32767).astype("<i2").tobytes())
     recording.wait_for_start()
     return recording

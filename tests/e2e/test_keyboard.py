@@ -85,7 +85,6 @@ class KeyboardTest(EndToEndTest):
     def onsets(self, begin, end):
         """When a crack begins between two instants, before the first of which it was silent."""
         begin -= EARLY
-        self.recording.level(begin, end)
         loud = numpy.flatnonzero(abs(self.recording.samples(begin, end)) > LOUD) / 48000
         if not len(loud):
             return []

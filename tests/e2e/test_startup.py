@@ -1,6 +1,5 @@
 """A machine that wakes up, or a program that was opened at login, roars."""
 
-import math
 import pathlib
 import statistics
 import subprocess
@@ -10,9 +9,8 @@ import unittest
 
 import numpy
 
-import clips
 from harness import ENTER, REPOSITORY, EndToEndTest
-from virtual_desktop import processes
+from virtual_desktop import clips, processes
 
 TRACTOR = REPOSITORY / "resources" / "tractor.mp3"
 SWITCH = "Startup"
@@ -118,7 +116,6 @@ class Waking(StartupTest):
         before = len(self.times(COMPLETE))
         begun = self.wake(services)
         self.wait_until(lambda: len(self.times(COMPLETE)) > before, "the end of the sequence", 20)
-        self.recording.level(begun, time.monotonic())
         length = RAMP / STEPS
         gains = [self._gain(begun + i * length, length) for i in range(round(5.5 / length))]
         steady = [gain for gain in gains[STEPS + 5:] if gain is not None]
@@ -136,18 +133,9 @@ class Waking(StartupTest):
         """How loud the rumble is for `length` seconds; none where it is not whole, or too soft."""
         rate = self.session.sound.RATE
         heard = self.recording.samples(begin, begin + length)
-        # Wherever in its loop, which is a second long.
-        loop = rumble(numpy.arange(2 * rate) / rate)
-        size = len(loop) + len(heard)
-        products = numpy.fft.irfft(
-            numpy.fft.rfft(loop, size) * numpy.fft.rfft(heard, size).conj(), size)[:rate]
-        energy = numpy.cumsum(numpy.concatenate(([0.0], numpy.square(loop))))
-        energy = energy[len(heard):len(heard) + rate] - energy[:rate]
-        best = int(numpy.argmax(products / numpy.sqrt(energy)))
-        power = float(heard @ heard)
-        if power == 0 or products[best] / math.sqrt(energy[best] * power) < 0.98:
-            return None
-        return float(products[best] / energy[best])
+        # Anywhere in its loop, which is a second long.
+        _, correlation, gain = clips.find(heard, rumble(numpy.arange(2 * rate) / rate), rate)
+        return gain if correlation >= 0.98 else None
 
     def test_switched_off_it_stays_silent(self):
         services = self.start_system_bus("login")

@@ -1,7 +1,8 @@
 """What keyboards.py and keyboard_rights.py left behind is what it should be."""
 
-import sound
 from verdicts import Scenario, in_every_attempt, main
+
+from virtual_desktop.recording import Recording
 
 ONSET = 0.15
 """Seconds from a key to its crack: some 0.02, and 0.1 for which the machine may stand still."""
@@ -28,7 +29,7 @@ class Typing(Scenario):
         super().open(attempt)
         facts = cls.json("program.json")
         cls.deeds = {deed["deed"]: deed for deed in facts["deeds"]}
-        cls.sound = sound.Recording(cls.folder / "sound.wav", facts["sound_start"])
+        cls.sound = Recording.load(cls.folder / "sound.wav", facts["sound_start"])
 
     def loud(self, deed):
         """When it is loud between a deed's beginning and end, in seconds from the beginning."""

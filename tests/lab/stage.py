@@ -12,7 +12,7 @@ from virtual_desktop import processes
 from virtual_desktop.buses import AccessibilityBus, Bus
 from virtual_desktop.display import Display
 from virtual_desktop.program import Program
-from virtual_desktop.recording import Recording
+from virtual_desktop.recording import LiveRecording
 
 from standstill import Watch
 
@@ -59,7 +59,7 @@ class Desktop:
                  "-t", "raw", "--period-time=20000", "--buffer-time=2000000"],
                 self.env, stdout=subprocess.PIPE, stderr=errors)
         stack.callback(processes.end, recorder)
-        recording = Recording(recorder.stdout, RATE)
+        recording = LiveRecording(recorder.stdout, RATE)
         recording.wait_for_start()
         return recording
 
@@ -132,6 +132,5 @@ class Lab:
 
     def leave_sound(self, scenario, recording, facts):
         """Keeps what was recorded, and when that was."""
-        facts["sound_end"] = recording.end
-        facts["sound_start"] = recording.end - len(recording.samples()) / RATE
+        facts["sound_start"], facts["sound_end"] = recording.start, recording.end
         recording.save(self.folder(scenario) / "sound.wav")

@@ -6,12 +6,13 @@ LAB_CLIP is the creak's sound file.
 import functools
 import os
 import pathlib
-import tempfile
 
 import numpy
 
-import sound
 from verdicts import Scenario, in_every_attempt, main
+
+from virtual_desktop.clips import Clip
+from virtual_desktop.recording import Recording
 
 CLIP = pathlib.Path(os.environ["LAB_CLIP"])
 
@@ -84,7 +85,7 @@ class Creaking(WithLid):
         super().open(attempt)
         facts = cls.json("program.json")
         device = cls.json_lines("device.log")
-        cls.sound = sound.Recording(cls.folder / "sound.wav", facts["sound_start"])
+        cls.sound = Recording.load(cls.folder / "sound.wav", facts["sound_start"])
         cls.moves = [(entry["time"], entry["slope"]) for entry in device
                      if entry["event"] == "move"]
         (cls.gone,) = (entry["time"] for entry in device if entry["event"] == "gone")
@@ -97,8 +98,7 @@ class Creaking(WithLid):
     @functools.cached_property
     def clip(self):
         """The creak's sound file."""
-        with tempfile.TemporaryDirectory() as scratch:
-            return sound.Clip(CLIP, self.sound.rate, pathlib.Path(scratch))
+        return Clip(CLIP, self.sound.rate)
 
     def creak(self, number):
         """When the sound of a motion began and ended."""
@@ -106,7 +106,7 @@ class Creaking(WithLid):
         end = self.rests[number + 1][1] if number + 1 < len(self.rests) else self.gone
         loud = self.sound.loud_windows(begin, end)
         self.assertTrue(loud, f"no sound at all in motion {number + 1}")
-        return loud[0], loud[-1] + sound.WINDOW
+        return loud[0], self.sound.last_sound(begin, end)
 
     def places_in_clip(self, number):
         """Where in the clip the sound of a motion began and ended: (earliest, latest) of each.
@@ -117,7 +117,7 @@ class Creaking(WithLid):
         begin, end = self.creak(number)
         found = []
         for at in numpy.arange(begin, end - SLICE, SLICE / 2):
-            place, likeness = self.clip.locate(self.sound.between(at, at + SLICE))
+            place, likeness = self.clip.locate(self.sound.samples(at, at + SLICE))
             if likeness > LIKENESS:
                 found.append((at, place))
         self.assertTrue(found, f"the sound of motion {number + 1} is not the creak")
@@ -207,8 +207,7 @@ class MovingLid(Creaking):
     def test_creak_has_no_gaps(self):
         for number in range(len(self.spans)):
             begin, end = self.creak(number)
-            loud = self.sound.loud_windows(begin, end)
-            self.assertGreater(len(loud) * sound.WINDOW, (end - begin) * WITHOUT_GAPS)
+            self.assertGreater(self.sound.loud_time(begin, end), (end - begin) * WITHOUT_GAPS)
 
     def test_silence_once_the_mean_slope_is_over_after_the_lid_comes_to_rest(self):
         for number, (_, end) in enumerate(self.spans[:-1]):
@@ -234,8 +233,7 @@ class MovingLid(Creaking):
         # The last speed that was read stays the speed: the clip ends and starts anew.
         since = self.gone + 0.5
         until = self.facts["switching_off"]
-        loud = self.sound.loud_windows(since, until)
-        self.assertGreater(len(loud) * sound.WINDOW, (until - since) * WITHOUT_GAPS)
+        self.assertGreater(self.sound.loud_time(since, until), (until - since) * WITHOUT_GAPS)
         self.assertIn("✅ [AUDIO] Τελείωσε — ready for next", self.console)
 
     def test_program_still_obeys_its_switch_after_the_lid_has_vanished(self):

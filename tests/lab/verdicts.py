@@ -11,6 +11,9 @@ import re
 import sys
 import unittest
 
+# The tests of the scenarios import from there, too.
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
+
 
 class Scenario(unittest.TestCase):
     """What one scenario has left. Its last attempt is the one with times that count."""

@@ -5,7 +5,7 @@ import os
 import subprocess
 
 from . import processes
-from .recording import Recording
+from .recording import LiveRecording
 
 
 DRY = ("Implicit underrun of", "due to end of underrun")
@@ -68,10 +68,10 @@ class SoundServer:
         return count
 
     def record(self, stack):
-        """Starts to record all that is played from soon on; see Recording.wait_for_start."""
+        """Starts to record all that is played from soon on; see LiveRecording.wait_for_start."""
         recorder = processes.start(
             ["parec", f"--device={self.SINK}.monitor", f"--rate={self.RATE}", "--channels=1",
              "--format=s16le", "--latency-msec=20", "--client-name=e2e-recorder"],
             self._env, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
         stack.callback(processes.end, recorder)
-        return Recording(recorder.stdout, self.RATE)
+        return LiveRecording(recorder.stdout, self.RATE)
