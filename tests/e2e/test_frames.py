@@ -1,15 +1,14 @@
 """Nothing is drawn that nobody can see, or that nobody wants to move."""
 
+import contextlib
 import os
 import pathlib
 import re
-import subprocess
-import sys
 import time
 import unittest
 
 from harness import ENTER, OWN_WORDS, EndToEndTest
-from virtual_desktop import processes
+from virtual_desktop.other_window import OtherWindow
 
 WINDOW = "Quorvane"
 # The toolkit says each frame on standard error.
@@ -79,13 +78,9 @@ class Frames(EndToEndTest):
     def test_there_are_none_while_another_window_covers_it(self):
         self._launch()
         self._wait_for_frames("it is to be seen")
-        cover = processes.start(
-            [sys.executable, str(pathlib.Path(processes.__file__).with_name("window.py")),
-             "204060"], dict(self.environment), stdout=subprocess.PIPE)
-        self.stack.callback(processes.end, cover)
-        self.assertTrue(cover.stdout.readline())
-        self._wait_for_no_frames("a full-screen window covers it")
-        processes.end(cover)
+        with contextlib.ExitStack() as stack:
+            OtherWindow("204060", env=self.environment, stack=stack)
+            self._wait_for_no_frames("a full-screen window covers it")
         self._wait_for_frames("it is uncovered")
         self.leave(OWN_WORDS)
 

@@ -5,7 +5,6 @@ import os
 import re
 import statistics
 import subprocess
-import sys
 import time
 import unittest
 
@@ -13,8 +12,9 @@ import dbus.bus
 import dbus.lowlevel
 import numpy
 
-from harness import REPOSITORY, EndToEndTest
+from harness import EndToEndTest
 from virtual_desktop import processes
+from virtual_desktop.other_window import OtherWindow
 from virtual_desktop.typist import Typist
 
 SWITCH = "Keyboard"
@@ -69,18 +69,13 @@ class KeyboardTest(EndToEndTest):
         self._open_window()
 
     def _open_window(self):
-        process = processes.start(
-            [sys.executable, str(REPOSITORY / "tools" / "virtual_desktop" / "window.py"), "336699"],
-            self.environment, stdout=subprocess.PIPE)
-        self.stack.callback(processes.end, process)
-        self.window = processes.Lines(process.stdout)
-        _, number = self.window.wait_for(lambda line: line.isdigit(), "its id")
-        self.wait_until(lambda: self.session.display.xdotool("getwindowfocus") == number,
+        self.window = OtherWindow("336699", env=self.environment, stack=self.stack)
+        self.wait_until(lambda: self.session.display.focused() == self.window.id,
                         "the window to have the keyboard", 15)
 
     def presses(self):
         """How many key presses, repeats among them, the other program's window has got."""
-        return self.window.text.count("key")
+        return self.window.presses().count("key")
 
     def onsets(self, begin, end):
         """When a crack begins between two instants, before the first of which it was silent."""
@@ -222,8 +217,7 @@ class RateLimit(KeyboardTest):
 class Privacy(KeyboardTest):
     def _monitor(self, address):
         process = processes.start(["dbus-monitor", "--address", address], self.environment,
-                                  stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
-        self.stack.callback(processes.end, process)
+                                  self.stack, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
         lines = processes.Lines(process.stdout)
         # What the bus takes away from a connection that becomes a monitor.
         lines.wait_for(lambda line: "member=NameLost" in line, "its beginning")

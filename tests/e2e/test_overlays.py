@@ -2,15 +2,15 @@
 
 import signal
 import subprocess
-import sys
 import time
 import unittest
 
 import numpy
 
-from harness import EVIDENCE, LEAVE, REPOSITORY, EndToEndTest
+from harness import EVIDENCE, LEAVE, EndToEndTest
 from virtual_desktop import processes
 from virtual_desktop.eye import Eye
+from virtual_desktop.other_window import OtherWindow
 from virtual_desktop.pictures import near, save
 
 STABILITY = "Stability"
@@ -47,30 +47,24 @@ class OverlayTest(EndToEndTest):
         self.panel = self.launch_into_control_panel(creak=False)
 
     def _start_compositor(self):
-        compositor = processes.start(
+        processes.start(
             ["picom", "--backend", "xrender", "--config", "/dev/null"], self.environment,
-            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        self.stack.callback(processes.end, compositor)
+            self.stack, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         self.wait_until(self.eye.is_composited, "the compositor")
 
     def open_window(self, *place):
         """A focused window in the colour BENEATH: full screen, or at WIDTHxHEIGHT+X+Y."""
-        process = processes.start(
-            [sys.executable, str(REPOSITORY / "tools" / "virtual_desktop" / "window.py"),
-             "%02x%02x%02x" % BENEATH, *place],
-            self.environment, stdout=subprocess.PIPE)
-        self.stack.callback(processes.end, process)
-        self.window = processes.Lines(process.stdout)
-        _, number = self.window.wait_for(lambda line: line.isdigit(), "its id")
-        self.wait_until(lambda: self.focus() == number, "the window to have the keyboard")
-        return int(number)
+        self.window = OtherWindow("%02x%02x%02x" % BENEATH, *place, env=self.environment,
+                                  stack=self.stack)
+        self.wait_until(lambda: self.focus() == self.window.id, "the window to have the keyboard")
+        return self.window.id
 
     def open_full_screen_window(self):
         self.open_window()
         self.wait_until(lambda: self.sees(BENEATH, (0, 0), self.corner), "the window beneath")
 
     def focus(self):
-        return self.session.display.xdotool("getwindowfocus")
+        return self.session.display.focused()
 
     def sees(self, color, *places):
         return all(near(self.eye.pixel(*place), color) for place in places)
@@ -93,7 +87,7 @@ class OverlayTest(EndToEndTest):
 
     def presses(self):
         """What has reached the window beneath so far."""
-        return self.window.text[1:]
+        return self.window.presses()
 
     def assert_takes_clicks_but_no_keys(self):
         focused = self.focus()

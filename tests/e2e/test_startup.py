@@ -1,5 +1,6 @@
 """A machine that wakes up, or a program that was opened at login, roars."""
 
+import contextlib
 import pathlib
 import statistics
 import subprocess
@@ -38,8 +39,7 @@ class StartupTest(EndToEndTest):
         """Wakes the machine up, once; returns when the sequence began."""
         before = len(self.times(PLAYING))
         self.wait_until_wake_ups_are_heard()
-        services.prepare_for_sleep()
-        services.wake_up()
+        services.sleep_and_wake()
         return self.wait_until(lambda: self.times(PLAYING)[before:], PLAYING, 1.0)[0]
 
     def startup_lines(self):
@@ -75,8 +75,7 @@ class Waking(StartupTest):
         sounded = self.recording.wait_for_sound(begun - EARLY, 2.0)
         self.assertLess(sounded - begun, 0.1 + LATE)
         # A second wake-up meanwhile changes nothing.
-        services.prepare_for_sleep()
-        services.wake_up()
+        services.sleep_and_wake()
         completed = self.program.wait_for_line(COMPLETE, clip + 10)
         self.assertGreater(completed - begun, clip - EARLY)
         self.assertLess(completed - begun, clip + LATE)
@@ -84,8 +83,7 @@ class Waking(StartupTest):
         self.assert_roars(begun + LATE, completed - LATE)
         self.assert_silent(completed + LATE, completed + LATE + 1.0, "after the sequence")
 
-        services.prepare_for_sleep()
-        services.wake_up()
+        services.sleep_and_wake()
         self.wait_until(lambda: len(self.times(PLAYING)) == 2, "the next sequence")
         self.leave()
 
@@ -145,8 +143,7 @@ class Waking(StartupTest):
         self.wait_until(lambda: not panel.is_on(SWITCH), "the switch to be off")
         self.wait_until_wake_ups_are_heard()
         off = time.monotonic()
-        services.prepare_for_sleep()
-        services.wake_up()
+        services.sleep_and_wake()
         self.assert_silent(off, off + 2.0, "a machine that wakes with the switch off")
         self.assertEqual(self.startup_lines(), [])
         panel.toggle(SWITCH)
@@ -167,11 +164,11 @@ class OpenedAtLogin(StartupTest):
         config.write_text("""<?xml version="1.0"?>
 <openbox_config xmlns="http://openbox.org/3.4/rc"><focus><focusNew>no</focusNew></focus>
 </openbox_config>""", encoding="utf-8")
-        manager = processes.start(
+        processes.start(
             ["openbox", "--sm-disable", "--replace", "--config-file", config],
             cls.session.environment(cls.session.directory),
+            cls.enterClassContext(contextlib.ExitStack()),
             stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        cls.addClassCleanup(processes.end, manager)
 
     def test_in_the_background_it_roars_once_after_half_a_second(self):
         self.write_autostart_entry()
@@ -221,7 +218,7 @@ class OpenedByHand(StartupTest):
         """Returns how long after its sounds the program's window has got the keyboard."""
         display = self.session.display
         self.wait_until(lambda: (found := display.windows("Quorvane"))
-                        and display.xdotool("getwindowfocus") == str(found[0]), "the window")
+                        and display.focused() == found[0], "the window")
         focused = time.monotonic()
         loaded, = self.times(GENERATED)
         return focused - loaded
@@ -240,8 +237,7 @@ class Faults(StartupTest):
     def _wake_twice(self, services):
         self.wait_until_wake_ups_are_heard()
         for _ in range(2):
-            services.prepare_for_sleep()
-            services.wake_up()
+            services.sleep_and_wake()
             time.sleep(0.5)
 
     def test_without_the_clip_a_wake_up_does_nothing(self):

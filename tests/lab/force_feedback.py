@@ -7,8 +7,6 @@ to judge.
 import contextlib
 import json
 import pathlib
-import subprocess
-import sys
 import time
 
 from virtual_desktop import processes
@@ -36,11 +34,8 @@ class Pad:
 
     def __init__(self, env, log, stack):
         self._log = log
-        self._process = processes.start([sys.executable, HERE / "force_feedback_device.py", log],
-                                        env, stdin=subprocess.PIPE, stdout=subprocess.PIPE)
-        stack.callback(processes.end, self._process)
-        if self._process.stdout.readline() != b"ready\n":
-            raise RuntimeError("the kernel did not make the device")
+        self._process = processes.start_script(HERE / "force_feedback_device.py", log, env=env,
+                                               stack=stack)
 
     def unplug(self):
         """Comes back when the device has gone."""

@@ -44,8 +44,7 @@ class Probe:
         self._process = processes.start(
             ["setpriv", f"--reuid={NOBODY.pw_uid}", f"--regid={NOBODY.pw_gid}", "--clear-groups",
              str(home / "keyboard_probe"), what],
-            env, stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
-        stack.callback(processes.end, self._process)
+            env, stack, stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         self.lines = processes.Lines(self._process.stdout)
         self._errors = processes.Lines(self._process.stderr)
 

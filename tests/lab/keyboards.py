@@ -62,12 +62,10 @@ class Keyboard(InputDevice):
 @contextlib.contextmanager
 def device_manager(env):
     """The udev that finds and names the devices, as on any desktop."""
-    process = processes.start(["/lib/systemd/systemd-udevd"], env)
-    try:
+    with contextlib.ExitStack() as stack:
+        processes.start(["/lib/systemd/systemd-udevd"], env, stack)
         wait_until(lambda: os.path.exists("/run/udev/control"), "udev")
         yield
-    finally:
-        processes.end(process)
 
 
 def settle():

@@ -2,8 +2,6 @@
 
 import contextlib
 import pathlib
-import subprocess
-import sys
 import time
 
 from virtual_desktop import processes
@@ -23,12 +21,8 @@ class Lid:
     """The lid device, in a process of its own."""
 
     def __init__(self, env, log, stack, *arguments):
-        command = [sys.executable, HERE / "lid_device.py", "--log", log, *arguments]
-        self._process = processes.start(command, env, stdin=subprocess.PIPE,
-                                        stdout=subprocess.PIPE)
-        stack.callback(processes.end, self._process)
-        if self._process.stdout.readline() != b"ready\n":
-            raise RuntimeError("the kernel did not start the lid device")
+        self._process = processes.start_script(HERE / "lid_device.py", "--log", log, *arguments,
+                                               env=env, stack=stack)
 
     def begin_to_move(self):
         """Starts the script."""

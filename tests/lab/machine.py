@@ -185,18 +185,18 @@ def boot(kernel, initramfs, results, job, time_limit):
     if not pathlib.Path("/proc/self/fd").exists():
         raise LabError("/proc is not mounted here: the machine could not write its results")
     started = time.monotonic()
-    qemu = processes.start(command, dict(os.environ), stdout=subprocess.PIPE,
-                           stderr=subprocess.STDOUT)
-    reader = threading.Thread(target=_stream, args=(qemu.stdout, results / "console.log", started))
-    reader.start()
-    try:
-        qemu.wait(time_limit)
-    except subprocess.TimeoutExpired as error:
-        raise LabError(f"the machine was still running after {time_limit:g} s") from error
-    finally:
-        qemu.kill()
-        reader.join()
-        processes.end(qemu)
+    with contextlib.ExitStack() as stack:
+        qemu = processes.start(command, dict(os.environ), stack, stdout=subprocess.PIPE,
+                               stderr=subprocess.STDOUT)
+        reader = threading.Thread(target=_stream,
+                                  args=(qemu.stdout, results / "console.log", started))
+        reader.start()
+        stack.callback(reader.join)
+        stack.callback(qemu.kill)
+        try:
+            qemu.wait(time_limit)
+        except subprocess.TimeoutExpired as error:
+            raise LabError(f"the machine was still running after {time_limit:g} s") from error
     status_file = results / "status"
     if not status_file.exists():
         raise LabError(f"the machine ended (status {qemu.returncode}) before its job did")

@@ -57,8 +57,7 @@ class Desktop:
             recorder = processes.start(
                 ["arecord", "-q", "-D", "lab_ear", "-f", "S16_LE", "-r", str(RATE), "-c", "1",
                  "-t", "raw", "--period-time=20000", "--buffer-time=2000000"],
-                self.env, stdout=subprocess.PIPE, stderr=errors)
-        stack.callback(processes.end, recorder)
+                self.env, stack, stdout=subprocess.PIPE, stderr=errors)
         recording = LiveRecording(recorder.stdout, RATE)
         recording.wait_for_start()
         return recording

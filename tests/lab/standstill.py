@@ -9,8 +9,6 @@ import collections
 import contextlib
 import json
 import pathlib
-import subprocess
-import sys
 import time
 
 from virtual_desktop import processes
@@ -60,11 +58,7 @@ class Watch:
 
     def __init__(self, env, log, stack):
         self._log = log
-        self._heart = processes.start([sys.executable, HERE / "heartbeat.py", log], env,
-                                      stdin=subprocess.PIPE, stdout=subprocess.PIPE)
-        stack.callback(processes.end, self._heart)
-        if self._heart.stdout.readline() != b"ready\n":
-            raise RuntimeError("the heartbeat did not start")
+        self._heart = processes.start_script(HERE / "heartbeat.py", log, env=env, stack=stack)
         self._complaint = None
         self._spans = []
 

@@ -2,7 +2,6 @@
 
 import os
 import subprocess
-import sys
 
 import dbus
 import dbus.bus
@@ -77,44 +76,41 @@ class AccessibilityBus:
 
 
 class Services:
-    """The stand-ins for services on a bus, in a process of their own."""
+    """The fakes of services.py on a bus, in a process of their own."""
 
     def __init__(self, env, bus, stack, names=("login", "power")):
-        self._process = processes.start(
-            [sys.executable, os.path.join(os.path.dirname(__file__), "services.py"), bus.address,
-             *names],
-            env, stdin=subprocess.PIPE, stdout=subprocess.PIPE)
-        stack.callback(processes.end, self._process)
-        self._expect("ready")
+        self._process = processes.start_script(
+            os.path.join(os.path.dirname(__file__), "services.py"), bus.address, *names,
+            env=env, stack=stack)
 
-    def _expect(self, word):
-        answer = self._process.stdout.readline().decode().strip()
-        if answer != word:
-            raise RuntimeError(f"the stand-in services said '{answer}' instead of '{word}'")
-
-    def _tell(self, command):
+    def _send(self, command):
         self._process.stdin.write(f"{command}\n".encode())
         self._process.stdin.flush()
-        self._expect("done")
+        if self._process.stdout.readline() != b"done\n":
+            raise RuntimeError(f"the fake services did not obey '{command}'")
 
     def close_lid(self):
-        self._tell("lid closed")
+        self._send("lid closed")
 
     def open_lid(self):
-        self._tell("lid open")
+        self._send("lid open")
 
     def repeat_lid(self):
         """Announces the lid's state again although it has not changed."""
-        self._tell("lid same")
+        self._send("lid same")
 
     def ask_for_less_motion(self):
-        self._tell("motion reduced")
+        self._send("motion reduced")
 
     def ask_for_usual_motion(self):
-        self._tell("motion usual")
+        self._send("motion usual")
 
     def prepare_for_sleep(self):
-        self._tell("sleep")
+        self._send("sleep")
 
     def wake_up(self):
-        self._tell("wake")
+        self._send("wake")
+
+    def sleep_and_wake(self):
+        self.prepare_for_sleep()
+        self.wake_up()

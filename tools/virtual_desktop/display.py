@@ -7,16 +7,20 @@ from . import processes
 
 
 class Display:
-    """An Xvfb on a free display number, and an openbox on it."""
+    """An Xvfb on a free display number, by default with an openbox on it."""
 
-    def __init__(self, env, stack, width=1280, height=1024):
+    def __init__(self, env, stack, width=1280, height=1024, has_window_manager=True):
         self.name = self._start_server(env, stack, width, height)
         self._env = dict(env, DISPLAY=self.name)
+        if has_window_manager:
+            self._start_window_manager(stack)
+
+    def _start_window_manager(self, stack):
         manager = processes.Server(["openbox", "--sm-disable"], self._env, stack)
         manager.wait_until(lambda: self._xdotool_works("get_num_desktops"), "the window manager")
 
     def _start_server(self, env, stack, width, height):
-        # The server itself picks a number that is free, which no look before the leap can promise.
+        # Xvfb picks a free number itself: between a check of ours and its start another could take it.
         read_end, write_end = os.pipe()
         try:
             server = processes.Server(
@@ -64,6 +68,10 @@ class Display:
             ["xdotool", "search", "--onlyvisible", "--name", f"^{title}$"], env=self._env,
             capture_output=True, text=True)
         return [int(line) for line in found.stdout.split()]
+
+    def focused(self):
+        """The id of the window that has the keyboard."""
+        return int(self.xdotool("getwindowfocus"))
 
     def geometry(self, window):
         """Place and size of a window: x, y, width, height."""

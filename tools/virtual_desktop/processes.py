@@ -4,6 +4,7 @@ import ctypes
 import os
 import signal
 import subprocess
+import sys
 import threading
 import time
 
@@ -18,10 +19,12 @@ def _end_with_parent():
     _libc.prctl(_PR_SET_PDEATHSIG, signal.SIGTERM)
 
 
-def start(command, env, **popen_options):
-    """Starts `command` (a list) with exactly the environment `env`."""
+def start(command, env, stack, **popen_options):
+    """Starts `command` (a list) with exactly the environment `env`; it is ended with `stack`."""
     popen_options.setdefault("stdin", subprocess.DEVNULL)
-    return subprocess.Popen(command, env=env, preexec_fn=_end_with_parent, **popen_options)
+    process = subprocess.Popen(command, env=env, preexec_fn=_end_with_parent, **popen_options)
+    stack.callback(end, process)
+    return process
 
 
 class NotStarted(RuntimeError):
@@ -36,6 +39,15 @@ class NotStarted(RuntimeError):
         self.output = output
 
 
+def start_script(path, *arguments, env, stack):
+    """Starts one of our own Python scripts that prints "ready" and ends with its standard input."""
+    process = start([sys.executable, path, *arguments], env, stack, stdin=subprocess.PIPE,
+                    stdout=subprocess.PIPE)
+    if process.stdout.readline() != b"ready\n":
+        raise NotStarted(os.path.basename(path), "it was not ready")
+    return process
+
+
 class Server:
     """A server of the desktop, ended with `stack`; `said` is what it writes to standard error."""
 
@@ -43,10 +55,9 @@ class Server:
         self._name = os.path.basename(command[0])
         popen_options.setdefault("stdout", subprocess.DEVNULL)
         try:
-            self.process = start(command, env, stderr=subprocess.PIPE, **popen_options)
+            self.process = start(command, env, stack, stderr=subprocess.PIPE, **popen_options)
         except FileNotFoundError:
             raise NotStarted(self._name, "it is not installed") from None
-        stack.callback(end, self.process)
         self.said = Lines(self.process.stderr)
         # Closing the pipe would wait for the reader, and the server's own children may keep it open.
         self.process.stderr = None

@@ -23,10 +23,9 @@ class Program:
             console.close()
         try:
             self._process = processes.start(
-                command, env, stdout=write_end, stderr=subprocess.PIPE)
+                command, env, stack, stdout=write_end, stderr=subprocess.PIPE)
         finally:
             os.close(write_end)
-        stack.callback(processes.end, self._process)
         self.console = processes.Lines(console if console_reader else ())
         self.errors = processes.Lines(self._process.stderr)
 

@@ -47,6 +47,7 @@ class SoundServer:
              "-L", f"module-null-sink sink_name={self.SINK} rate={self.RATE} channels=2",
              "-L", f"module-native-protocol-unix auth-anonymous=1 socket={self._socket}"],
             self._env, stack)
+        self.server_pid = server.process.pid
         self._log = server.said
         server.wait_until(self._answers, "the sound server")
 
@@ -72,6 +73,5 @@ class SoundServer:
         recorder = processes.start(
             ["parec", f"--device={self.SINK}.monitor", f"--rate={self.RATE}", "--channels=1",
              "--format=s16le", "--latency-msec=20", "--client-name=e2e-recorder"],
-            self._env, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
-        stack.callback(processes.end, recorder)
+            self._env, stack, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
         return LiveRecording(recorder.stdout, self.RATE)

@@ -63,9 +63,8 @@ class WaylandDisplay:
 
     def start(self, command, stack):
         """Starts one of its own programs, which is ended when `stack` is closed."""
-        process = processes.start([*self._as_user, *command], self._env, cwd=self._directory,
-                                  stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        stack.callback(processes.end, process)
+        processes.start([*self._as_user, *command], self._env, stack, cwd=self._directory,
+                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
     def look(self):
         """What is on the screen, as an array of height x width x 3 bytes."""
