@@ -9,87 +9,55 @@ them.
 """
 
 import contextlib
-import os
 import pathlib
-import statistics
 import subprocess
 import sys
 import time
-import wave
 
 import rows
-from stop_screen_benchmark import processor_time
+from measuring import argument, environment_of, print_figures, screens, shares, write_repeated_fan
 
 from virtual_desktop import processes
 from virtual_desktop.session import Session
 
-REPOSITORY = pathlib.Path(__file__).resolve().parents[1]
-FAN = REPOSITORY / "resources" / "fanmac.mp3"
-SWITCH = "Thermals"
 SETTLING = 3.0
 """Seconds after a change that are left out."""
 
 
-def share(pid, seconds):
-    """Percent of one core that a process takes in the coming seconds."""
+def percent(pid, seconds):
+    """Percent of one core that a process takes once it has settled."""
     time.sleep(SETTLING)
-    begun, before = time.monotonic(), processor_time(pid)
-    time.sleep(seconds)
-    return 100 * (processor_time(pid) - before) / (time.monotonic() - begun)
+    return 100 * shares(seconds, pid)[0]
 
 
-def write_repeated(path, seconds):
-    """A WAV of the fan's sound, over and over."""
-    once = f"{path}.once"
-    subprocess.run(["lame", "--quiet", "--decode", FAN, once], check=True)
-    with wave.open(once, "rb") as source, wave.open(str(path), "wb") as target:
-        frames = source.readframes(source.getnframes())
-        target.setparams(source.getparams())
-        for _ in range(1 + int(seconds * source.getframerate() / source.getnframes())):
-            target.writeframes(frames)
-
-
-def measure_paplay(session, environment, sound, seconds):
+def measure_paplay(environment, sound, seconds):
     with contextlib.ExitStack() as stack:
-        process = processes.start(["paplay", str(sound)], environment, stdout=subprocess.DEVNULL)
-        stack.callback(processes.end, process)
-        return share(process.pid, seconds)
-
-
-def print_figures(name, figures):
-    each = "  ".join(f"{figure:.2f}" for figure in figures)
-    print(f"{name}: median {statistics.median(figures):.2f} % of a core  ({each})")
+        process = processes.start(["paplay", str(sound)], environment, stack,
+                                  stdout=subprocess.DEVNULL)
+        return percent(process.pid, seconds)
 
 
 def main():
     build = pathlib.Path(sys.argv[1])
-    turns = int(sys.argv[2]) if len(sys.argv) > 2 else 3
-    seconds = float(sys.argv[3]) if len(sys.argv) > 3 else 20.0
-    off, on, other = [], [], []
+    count, seconds = argument(2, 3), argument(3, 20.0)
+    turns = []
     with contextlib.ExitStack() as stack:
         session = stack.enter_context(Session(1280, 800))
-        environment = session.environment(os.path.join(session.directory, "home"))
-        settings = pathlib.Path(environment["XDG_CONFIG_HOME"], "quorvane", "quorvane.ini")
-        settings.parent.mkdir(parents=True)
-        settings.write_text("[General]\nhardwareChecked=true\n")
+        environment = environment_of(session)
         sound = pathlib.Path(session.directory, "fan.wav")
-        write_repeated(sound, seconds + 2 * SETTLING)
+        write_repeated_fan(sound, seconds + 2 * SETTLING)
         program = session.run([str(build / "quorvane")], environment, stack)
-        screens = session.reader.application(program)
-        screens.press("MAKE ME SUFFER 😭")
-        screens.find(SWITCH)
-        for _ in range(turns):
-            off.append(share(program.pid, seconds))
-            screens.toggle(SWITCH)
-            on.append(share(program.pid, seconds))
-            screens.toggle(SWITCH)
-            other.append(measure_paplay(session, environment, sound, seconds))
-    fan = [with_fan - without for with_fan, without in zip(on, off)]
-    print_figures("control panel, fan off", off)
-    print_figures("control panel, fan on", on)
-    print_figures("the fan itself", fan)
-    print_figures("paplay", other)
-    rows.print_row("fan: processor", statistics.median(fan), "paplay", statistics.median(other),
+        panel = screens.open_control_panel(session.reader, program)
+        for _ in range(count):
+            off = percent(program.pid, seconds)
+            panel.toggle(screens.THERMALS)
+            on = percent(program.pid, seconds)
+            panel.toggle(screens.THERMALS)
+            turns.append({"control panel, fan off": off, "control panel, fan on": on,
+                          "the fan itself": on - off,
+                          "paplay": measure_paplay(environment, sound, seconds)})
+    medians = print_figures("percent of a core", turns)
+    rows.print_row("fan: processor", medians["the fan itself"], "paplay", medians["paplay"],
                    "% of a core")
 
 

@@ -12,7 +12,6 @@ and judges none of them.
 
 import contextlib
 import ctypes
-import os
 import pathlib
 import statistics
 import subprocess
@@ -22,17 +21,14 @@ import time
 import numpy
 
 import rows
+from measuring import argument, environment_of, screens, shares
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "tools"))
-
-from virtual_desktop import processes  # noqa: E402 (found through the line above)
-from virtual_desktop.session import Session  # noqa: E402
-from virtual_desktop.typist import Typist  # noqa: E402
-from virtual_desktop.waiting import wait_until  # noqa: E402
+from virtual_desktop import processes
+from virtual_desktop.session import Session
+from virtual_desktop.typist import Typist
+from virtual_desktop.waiting import wait_until
 
 OTHER = "/usr/games/buckle"
-SWITCH = "Keyboard"
-TITLE = "Quorvane"
 CLICKS = 7
 STARTED = "⌨️ [KEYBOARD] Event tap started — global monitoring active"
 RATE = 48000
@@ -47,12 +43,6 @@ RESTS = 2
 KEY = "a"
 
 
-def processor_time(pid):
-    """Seconds of processor time of all threads of a process so far."""
-    # The number of another process's clock, as clock_getcpuclockid() makes it.
-    return time.clock_gettime((~pid << 3) | 2)
-
-
 class _SampleFormat(ctypes.Structure):
     _fields_ = [("format", ctypes.c_int), ("rate", ctypes.c_uint32), ("channels", ctypes.c_uint8)]
 
@@ -63,7 +53,7 @@ class _BufferSizes(ctypes.Structure):
 
 
 def clicks(server, count):
-    """Plays clicks; when each is heard by the sound server's own word."""
+    """Plays clicks; returns when each sounds by the delay that the sound server reports."""
     library = ctypes.CDLL("libpulse-simple.so.0")
     library.pa_simple_new.restype = ctypes.c_void_p
     library.pa_simple_get_latency.restype = ctypes.c_uint64
@@ -111,55 +101,36 @@ class Bench:
         self._typist = Typist(self._session.display.name, stack)
         self._recording = self._session.recording
         self._recording.wait_for_start()
-        self._home = os.path.join(self._session.directory, "home")
-        self.environment = self._session.environment(self._home)
-        settings = pathlib.Path(self.environment["XDG_CONFIG_HOME"], "quorvane", "quorvane.ini")
-        settings.parent.mkdir(parents=True)
-        settings.write_text("[General]\nhardwareChecked=true\n", encoding="utf-8")
-        self._server = self._find_sound_server()
+        self.environment = environment_of(self._session)
         self.errors = []
         self.unheard = 0
-
-    def _find_sound_server(self):
-        mine = os.getpid()
-        for entry in pathlib.Path("/proc").glob("[0-9]*"):
-            with contextlib.suppress(OSError):
-                status = (entry / "status").read_text()
-                if "Name:\tpulseaudio" in status and f"PPid:\t{mine}\n" in status:
-                    return int(entry.name)
-        raise SystemExit("where is the sound server?")
 
     @contextlib.contextmanager
     def ours(self):
         """The program with the switch on; its process."""
         with contextlib.ExitStack() as stack:
             program = self._session.run([str(self._build / "quorvane")], self.environment, stack)
-            screens = self._session.reader.application(program)
-            # The only line without a tag comes with the first frame.
-            program.console.wait_for(lambda line: "[" not in line, "about the creak")
-            screens.press("MAKE ME SUFFER 😭")
-            screens.find(SWITCH)
-            screens.toggle(SWITCH)
+            screens.open_control_panel(self._session.reader, program).toggle(screens.KEYBOARD)
             program.wait_for_line(STARTED)
-            self._put_away()
+            self._minimise()
             yield program.pid
             program.terminate()
             program.wait_for_exit()
 
-    def _put_away(self):
-        """Minimises the window: whoever types does so in another one."""
+    def _minimise(self):
+        """Minimises the window: people type in another one."""
         display = self._session.display
-        for window in wait_until(lambda: display.windows(TITLE), "the window"):
-            display.xdotool("windowminimize", window)
-        wait_until(lambda: not display.windows(TITLE), "the window to go")
+        for window in wait_until(lambda: display.windows(screens.TITLE), "the window"):
+            display.minimise(window)
+        wait_until(lambda: not display.windows(screens.TITLE), "the window to go")
 
     @contextlib.contextmanager
     def other(self):
         """bucklespring, ready; its process."""
         with contextlib.ExitStack() as stack:
             process = processes.start([OTHER], dict(self.environment, ALSOFT_DRIVERS="pulse"),
-                                      stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-            stack.callback(processes.end, process)
+                                      stack, stdout=subprocess.DEVNULL,
+                                      stderr=subprocess.DEVNULL)
             wait_until(self._is_heard, "bucklespring to make a sound", 20)
             yield process.pid
 
@@ -185,10 +156,7 @@ class Bench:
     def rest(self, pid, seconds):
         """The instant of a key after that long; milliseconds of processor time a second."""
         time.sleep(SETTLED)
-        before = processor_time(pid), processor_time(self._server), time.monotonic()
-        time.sleep(seconds)
-        after = processor_time(pid), processor_time(self._server), time.monotonic()
-        spent = [(b - a) / (after[2] - before[2]) * 1000 for a, b in zip(before[:2], after[:2])]
+        spent = [1000 * share for share in shares(seconds, pid, self._session.sound.server_pid)]
         instant = self._stroke()
         time.sleep(APART)
         return instant, spent
@@ -227,8 +195,7 @@ def percentile(values, share):
 
 def main():
     build = pathlib.Path(sys.argv[1])
-    turns, keys, rest = [int(given) if given else default for given, default in zip(
-        (sys.argv[2:] + [""] * 3)[:3], (5, 10, 60))]
+    turns, keys, rest = argument(2, 5), argument(3, 10), argument(4, 60)
     typed, rested, spent = ({"ours": [], "other": []} for _ in range(3))
     with contextlib.ExitStack() as stack:
         bench = Bench(build, stack)

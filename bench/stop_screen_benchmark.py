@@ -8,21 +8,18 @@ Prints figures, and judges none of them.
 """
 
 import contextlib
-import os
 import pathlib
-import statistics
 import subprocess
 import sys
 import time
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "tools"))
-
 import rows
+from measuring import argument, environment_of, memory, print_figures, processor_time, screens
 
-from virtual_desktop import processes  # noqa: E402 (found through the line above)
-from virtual_desktop.eye import Eye  # noqa: E402
-from virtual_desktop.session import Session  # noqa: E402
-from virtual_desktop.waiting import wait_until  # noqa: E402
+from virtual_desktop import processes
+from virtual_desktop.eye import Eye
+from virtual_desktop.session import Session
+from virtual_desktop.waiting import wait_until
 
 PROGRAM_BLUE = (0, 120, 212)
 OTHER = "/usr/libexec/xscreensaver/bsod"
@@ -35,19 +32,6 @@ AHEAD = 0.3
 ASLEEP = 0.010
 """Seconds without processor time after which the program counts as having been asleep: far more
 than it waits for the display server's answers, far less than is between its regular wakings."""
-
-
-def processor_time(pid):
-    """Seconds of processor time of all threads of a process so far."""
-    # The number of another process's clock, as clock_getcpuclockid() makes it.
-    return time.clock_gettime((~pid << 3) | 2)
-
-
-def memory(pid):
-    """Memory in use, shared pages counted by their share, in MiB."""
-    text = pathlib.Path(f"/proc/{pid}/smaps_rollup").read_text()
-    kilobytes, = [line.split()[1] for line in text.splitlines() if line.startswith("Pss:")]
-    return int(kilobytes) / 1024
 
 
 def rest_until(instant):
@@ -74,9 +58,9 @@ def first_pixels(eye, pid, deadline):
     raise SystemExit("no stop screen came")
 
 
-def measure_program(program, screens, server, eye):
+def measure_program(program, panel, server, eye):
     idle_memory = memory(program.pid)
-    screens.toggle("Stability")
+    panel.toggle(screens.STABILITY)
     begun = time.monotonic()
     rest_until(begun + WAIT - AHEAD - SHOWN_FOR)
     idle = processor_time(program.pid)
@@ -97,7 +81,7 @@ def measure_program(program, screens, server, eye):
     rest_until(begun + 2 * WAIT - AHEAD)
     took = first_pixels(eye, program.pid, begun + 2 * WAIT + 3)
     figures["from the timer to the first pixels (ms)"] = took * 1000
-    screens.toggle("Stability")
+    panel.toggle(screens.STABILITY)
     time.sleep(1)
     return figures
 
@@ -107,8 +91,7 @@ def measure_other(session, environment, server):
         server_before = processor_time(server)
         process = processes.start(
             [OTHER, "--window", "--geometry", "1280x800+0+0", "--only", OTHER_SCREEN],
-            environment, stdout=subprocess.DEVNULL)
-        stack.callback(processes.end, process)
+            environment, stack, stdout=subprocess.DEVNULL)
         window, = wait_until(lambda: session.display.windows("BSOD: .*"), "the other's window")
         shown = time.monotonic()
         start = processor_time(process.pid)
@@ -125,34 +108,18 @@ def measure_other(session, environment, server):
                 "memory (MiB)": used}
 
 
-def print_figures(name, turns):
-    print(f"== {name}")
-    medians = {key: statistics.median(turn[key] for turn in turns) for key in turns[0]}
-    for key, median in medians.items():
-        each = "  ".join(f"{turn[key]:.1f}" for turn in turns)
-        print(f"{key}: median {median:.1f}  ({each})")
-    return medians
-
-
 def main():
     build = pathlib.Path(sys.argv[1])
-    count = int(sys.argv[2]) if len(sys.argv) > 2 else 3
     ours, others = [], []
     with contextlib.ExitStack() as stack:
         session = stack.enter_context(Session(1280, 800))
-        home = os.path.join(session.directory, "home")
-        environment = session.environment(home)
-        settings = pathlib.Path(environment["XDG_CONFIG_HOME"], "quorvane", "quorvane.ini")
-        settings.parent.mkdir(parents=True)
-        settings.write_text("[General]\nhardwareChecked=true\n")
+        environment = environment_of(session)
         server = session.display.server_pid
         eye = Eye(session.display.name, stack)
         program = session.run([str(build / "quorvane")], environment, stack)
-        screens = session.reader.application(program)
-        screens.press("MAKE ME SUFFER 😭")
-        screens.find("Stability")
-        for _ in range(count):
-            ours.append(measure_program(program, screens, server, eye))
+        panel = screens.open_control_panel(session.reader, program)
+        for _ in range(argument(2, 3)):
+            ours.append(measure_program(program, panel, server, eye))
             others.append(measure_other(session, environment, server))
     own = print_figures("one stop screen", ours)
     other = print_figures(f"xscreensaver's bsod ({OTHER_SCREEN}), {SHOWN_FOR:g} s", others)
