@@ -25,7 +25,7 @@ from measuring import argument, environment_of, screens, shares
 
 from virtual_desktop import processes
 from virtual_desktop.session import Session
-from virtual_desktop.typist import Typist
+from virtual_desktop.key_sender import KeySender
 from virtual_desktop.waiting import wait_until
 
 OTHER = "/usr/games/buckle"
@@ -98,7 +98,7 @@ class Bench:
     def __init__(self, build, stack):
         self._build = build
         self._session = stack.enter_context(Session())
-        self._typist = Typist(self._session.display.name, stack)
+        self._keys = KeySender(self._session.display.name, stack)
         self._recording = self._session.recording
         self._recording.wait_for_start()
         self.environment = environment_of(self._session)
@@ -139,9 +139,9 @@ class Bench:
         return onset(self._recording, earliest, earliest + 0.4) is not None
 
     def _stroke(self):
-        earliest, _ = self._typist.press(KEY)
+        earliest, _ = self._keys.press(KEY)
         time.sleep(HOLD)
-        self._typist.release(KEY)
+        self._keys.release(KEY)
         return earliest
 
     def type(self, count):

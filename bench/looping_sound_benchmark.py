@@ -18,7 +18,7 @@ import rows
 from measuring import FAN, argument, memory, print_figures, shares, write_repeated_fan
 
 from virtual_desktop import processes
-from virtual_desktop.sound import SoundServer
+from virtual_desktop.sound_server import SoundServer
 
 SETTLES = 1.0
 LASTS = 20.0

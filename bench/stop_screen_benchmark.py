@@ -17,7 +17,7 @@ import rows
 from measuring import argument, environment_of, memory, print_figures, processor_time, screens
 
 from virtual_desktop import processes
-from virtual_desktop.eye import Eye
+from virtual_desktop.screen_capture import ScreenCapture
 from virtual_desktop.session import Session
 from virtual_desktop.waiting import wait_until
 
@@ -38,7 +38,7 @@ def rest_until(instant):
     time.sleep(max(0.0, instant - time.monotonic()))
 
 
-def first_pixels(eye, pid, deadline):
+def first_pixels(screen, pid, deadline):
     """Watches closely until a corner is blue; how many seconds the program has worked on that.
 
     The program sleeps until the timer fires and works from then on until the panel is there: the
@@ -52,13 +52,13 @@ def first_pixels(eye, pid, deadline):
             if now - worked > ASLEEP:
                 woke = now
             spent, worked = spent_now, now
-        if eye.pixel(eye.width - 1, eye.height - 1) == PROGRAM_BLUE:
+        if screen.pixel(screen.width - 1, screen.height - 1) == PROGRAM_BLUE:
             return time.monotonic() - woke
         time.sleep(0.0001)
     raise SystemExit("no stop screen came")
 
 
-def measure_program(program, panel, server, eye):
+def measure_program(program, panel, server, screen):
     idle_memory = memory(program.pid)
     panel.toggle(screens.STABILITY)
     begun = time.monotonic()
@@ -79,7 +79,7 @@ def measure_program(program, panel, server, eye):
                "of it for the panel (MiB)": shown_memory - idle_memory}
     # The next one is watched, which would have cost the display server time before.
     rest_until(begun + 2 * WAIT - AHEAD)
-    took = first_pixels(eye, program.pid, begun + 2 * WAIT + 3)
+    took = first_pixels(screen, program.pid, begun + 2 * WAIT + 3)
     figures["from the timer to the first pixels (ms)"] = took * 1000
     panel.toggle(screens.STABILITY)
     time.sleep(1)
@@ -115,11 +115,11 @@ def main():
         session = stack.enter_context(Session(1280, 800))
         environment = environment_of(session)
         server = session.display.server_pid
-        eye = Eye(session.display.name, stack)
+        screen = ScreenCapture(session.display.name, stack)
         program = session.run([str(build / "quorvane")], environment, stack)
         panel = screens.open_control_panel(session.reader, program)
         for _ in range(argument(2, 3)):
-            ours.append(measure_program(program, panel, server, eye))
+            ours.append(measure_program(program, panel, server, screen))
             others.append(measure_other(session, environment, server))
     own = print_figures("one stop screen", ours)
     other = print_figures(f"xscreensaver's bsod ({OTHER_SCREEN}), {SHOWN_FOR:g} s", others)

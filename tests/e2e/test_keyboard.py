@@ -15,7 +15,7 @@ import numpy
 from harness import EndToEndTest
 from virtual_desktop import processes
 from virtual_desktop.other_window import OtherWindow
-from virtual_desktop.typist import Typist
+from virtual_desktop.key_sender import KeySender
 
 SWITCH = "Keyboard"
 LOADED = "✅ [KEYBOARD] keyboard.mp3 loaded"
@@ -65,7 +65,7 @@ class KeyboardTest(EndToEndTest):
         self.panel = self.launch_into_control_panel(creak=False)
         self.panel.toggle(SWITCH)
         self.program.wait_for_line(STARTED)
-        self.typist = Typist(self.session.display.name, self.stack)
+        self.keys = KeySender(self.session.display.name, self.stack)
         self._open_window()
 
     def _open_window(self):
@@ -86,20 +86,20 @@ class KeyboardTest(EndToEndTest):
         first = numpy.concatenate(([True], numpy.diff(loud) > APART))
         return [begin + at for at in loud[first]]
 
-    def assert_cracks(self, count, deed, why):
-        """Exactly `count` cracks come of `deed`, which returns its begin and end."""
+    def assert_cracks(self, count, action, why):
+        """Exactly `count` cracks come of `action`, which returns its begin and end."""
         def check():
-            begin, end = deed()
+            begin, end = action()
             self.assertEqual(len(self.onsets(begin, end + REACTION + 0.3)), count, why)
         self.hear(check)
 
-    def do_many_times(self, deed, longest=math.inf):
-        """Does `deed`, which returns its begin and end, until TIMES of them were no longer than
+    def do_many_times(self, action, longest=math.inf):
+        """Does `action`, which returns its begin and end, until TIMES of them were no longer than
         `longest`; what was heard of each of these: how long after its begin the cracks came."""
         spans = []
         while (short := sum(end - begin < longest for begin, end in spans)) < TIMES:
             self.assertLess(len(spans), 2 * TIMES, f"most take too long to tell: {spans}")
-            spans.append(deed())
+            spans.append(action())
             time.sleep(REACTION + EARLY)
         if short < len(spans):
             self.tell_repeat(f"{len(spans) - short} of {len(spans)} took longer than "
@@ -121,7 +121,7 @@ class Keys(KeyboardTest):
         self.leave()
 
     def _check_keys(self):
-        heard = self.do_many_times(lambda: self.typist.stroke("a"))
+        heard = self.do_many_times(lambda: self.keys.stroke("a"))
         self.assertLessEqual(max(map(len, heard)), 1, f"more than one crack of a key: {heard}")
         delays = [delay for key in heard for delay in key]
         self.assertGreaterEqual(len(delays), NEARLY_ALWAYS, f"of {TIMES} keys: {heard}")
@@ -138,9 +138,9 @@ class Keys(KeyboardTest):
 
     def test_a_held_key_cracks_once(self):
         def hold():
-            begin, _ = self.typist.press("a")
+            begin, _ = self.keys.press("a")
             time.sleep(HOLD)
-            _, end = self.typist.release("a")
+            _, end = self.keys.release("a")
             return begin, end
 
         self.assert_cracks(1, hold, "a held key")
@@ -150,14 +150,14 @@ class Keys(KeyboardTest):
     def test_modifiers_alone_are_silent(self):
         begin = time.monotonic()
         for modifier in ("Shift_L", "Control_L", "Alt_L", "Super_L", "Caps_Lock", "Caps_Lock"):
-            self.typist.stroke(modifier)
+            self.keys.stroke(modifier)
         self.wait_until(lambda: self.presses() >= 4, "the modifiers in the window")
         self.assert_silent(begin, time.monotonic() + REACTION, "modifiers alone")
 
         def type_capital():
-            self.typist.press("Shift_L")
-            instants = self.typist.stroke("a")
-            self.typist.release("Shift_L")
+            self.keys.press("Shift_L")
+            instants = self.keys.stroke("a")
+            self.keys.release("Shift_L")
             return instants
 
         self.assert_cracks(1, type_capital, "a capital letter")
@@ -166,12 +166,12 @@ class Keys(KeyboardTest):
     def test_switched_off_keys_are_silent(self):
         self.panel.toggle(SWITCH)
         self.wait_until(lambda: not self.panel.is_on(SWITCH), "the switch to be off")
-        begin, _ = self.typist.stroke("a")
+        begin, _ = self.keys.stroke("a")
         self.wait_until(lambda: self.presses() == 1, "the key in the window")
         self.assert_silent(begin, begin + REACTION + 0.3, "with the switch off")
         self.panel.toggle(SWITCH)
         self.wait_until(lambda: self.program.console.text.count(STARTED) == 2, "the second start")
-        self.assert_cracks(1, lambda: self.typist.stroke("a"), "switched on again")
+        self.assert_cracks(1, lambda: self.keys.stroke("a"), "switched on again")
         self.leave()
 
 
@@ -179,10 +179,10 @@ class RateLimit(KeyboardTest):
     """What is so close to the limit is judged by when the keys were really pressed: a busy machine
     may bring two of them further apart."""
 
-    def check(self, count, deed, longest=math.inf):
-        """Nearly always exactly `count` cracks come of `deed`, and never two close together."""
+    def check(self, count, action, longest=math.inf):
+        """Nearly always exactly `count` cracks come of `action`, and never two close together."""
         def check_once():
-            heard = self.do_many_times(deed, longest)
+            heard = self.do_many_times(action, longest)
             for delays in heard:
                 for earlier, later in zip(delays, delays[1:]):
                     self.assertGreater(later - earlier, RATE_LIMIT - TOLERANCE, heard)
@@ -193,9 +193,9 @@ class RateLimit(KeyboardTest):
 
     def stroke_twice(self, gap):
         """Two keys `gap` seconds apart; when the first and the second was pressed."""
-        first, _ = self.typist.stroke("a")
+        first, _ = self.keys.stroke("a")
         time.sleep(max(0.0, first + gap - time.monotonic()))
-        second, _ = self.typist.stroke("b")
+        second, _ = self.keys.stroke("b")
         return first, second
 
     def test_two_keys_closer_than_the_limit_crack_once(self):
@@ -208,8 +208,8 @@ class RateLimit(KeyboardTest):
         self.assertEqual(len(BURST), 64)
 
         def press_burst():
-            instants = self.typist.press(*BURST)
-            self.typist.release(*BURST)
+            instants = self.keys.press(*BURST)
+            self.keys.release(*BURST)
             return instants
         self.check(1, press_burst, RATE_LIMIT - TOLERANCE)
 

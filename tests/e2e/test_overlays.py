@@ -9,7 +9,7 @@ import numpy
 
 from harness import EVIDENCE, LEAVE, EndToEndTest
 from virtual_desktop import processes
-from virtual_desktop.eye import Eye
+from virtual_desktop.screen_capture import ScreenCapture
 from virtual_desktop.other_window import OtherWindow
 from virtual_desktop.pictures import near, save
 
@@ -32,7 +32,7 @@ LATE = 0.5
 
 
 class OverlayTest(EndToEndTest):
-    """The control panel, a window beneath the panel to come, and an eye on the display."""
+    """The control panel, and a window that the panel to come will cover."""
 
     waits = True
 
@@ -40,8 +40,8 @@ class OverlayTest(EndToEndTest):
 
     def setUp(self):
         super().setUp()
-        self.eye = Eye(self.session.display.name, self.stack)
-        self.corner = (self.eye.width - 1, self.eye.height - 1)
+        self.screen = ScreenCapture(self.session.display.name, self.stack)
+        self.corner = (self.screen.width - 1, self.screen.height - 1)
         if self.composited:
             self._start_compositor()
         self.panel = self.launch_into_control_panel(creak=False)
@@ -50,7 +50,7 @@ class OverlayTest(EndToEndTest):
         processes.start(
             ["picom", "--backend", "xrender", "--config", "/dev/null"], self.environment,
             self.stack, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        self.wait_until(self.eye.is_composited, "the compositor")
+        self.wait_until(self.screen.is_composited, "the compositor")
 
     def open_window(self, *place):
         """A focused window in the colour BENEATH: full screen, or at WIDTHxHEIGHT+X+Y."""
@@ -67,7 +67,7 @@ class OverlayTest(EndToEndTest):
         return self.session.display.focused()
 
     def sees(self, color, *places):
-        return all(near(self.eye.pixel(*place), color) for place in places)
+        return all(near(self.screen.pixel(*place), color) for place in places)
 
     def turn_on(self, switch):
         """Turns a switch on; the earliest and the latest instant at which that took effect."""
@@ -155,7 +155,7 @@ class StopScreen(OverlayTest):
 
         time.sleep(max(0, shown + 2.5 - time.monotonic()))
         asked = time.monotonic()
-        picture = self.eye.look()
+        picture = self.screen.capture()
         seen = time.monotonic()
         name = "stop-screen-composited" if self.composited else "stop-screen"
         self.keep(picture, name)
@@ -185,7 +185,7 @@ class Freeze(OverlayTest):
         corners = [(0, 0), (self.corner[0], 0), (0, self.corner[1]), self.corner]
         shown = self.wait_for_color(VEILED, self.corner, 43)
         self.assert_within(shown, before + 20, after + 40, "the freeze")
-        picture = self.eye.look()
+        picture = self.screen.capture()
         self.assertTrue(self.sees(VEILED, *corners))
         self.assert_takes_clicks_but_no_keys()
 
@@ -211,14 +211,14 @@ class FreezeComposited(Freeze):
 
 class Monitors(OverlayTest):
     def _split_display(self):
-        half, height = self.eye.width // 2, self.eye.height
+        half, height = self.screen.width // 2, self.screen.height
         for name, x, output in (("left", 0, "screen"), ("right", half, "none")):
             subprocess.run(["xrandr", "--setmonitor", name, f"{half}/170x{height}/270+{x}+0",
                             output], env=self.environment, check=True)
 
     def test_each_15_seconds_the_one_with_the_focused_window_is_covered(self):
         self._split_display()
-        half = self.eye.width // 2
+        half = self.screen.width // 2
         left, right = (half - 1, self.corner[1]), (half, self.corner[1])
         window = self.open_window(f"300x200+{half + 100}+400")
         before, after = self.turn_on(STABILITY)
@@ -226,14 +226,14 @@ class Monitors(OverlayTest):
         shown = self.wait_for_color(BLUE, right, 17)
         self.assert_within(shown, before + 15, after + 15, "the stop screen")
         self.assertTrue(self.sees(BLUE, (half, 0), self.corner))
-        self.assertFalse(near(self.eye.look(0, 0, half), BLUE).any())
+        self.assertFalse(near(self.screen.capture(0, 0, half), BLUE).any())
         self.wait_until(lambda: not self.sees(BLUE, right), "the stop screen to go", 6)
 
         self.session.display.xdotool("windowmove", window, 100, 400)
         shown = self.wait_for_color(BLUE, left, 12)
         self.assert_within(shown, before + 30, after + 30, "the second stop screen")
         self.assertTrue(self.sees(BLUE, (0, 0), (half - 1, 0), (0, self.corner[1])))
-        self.assertFalse(near(self.eye.look(half, 0, half), BLUE).any())
+        self.assertFalse(near(self.screen.capture(half, 0, half), BLUE).any())
         self.leave()
 
 
@@ -251,7 +251,8 @@ class Clearing(OverlayTest):
         cleared = self.wait_until(
             lambda: not self.sees(BLUE, self.corner) and time.monotonic(), "the panel to go", 10)
         self.assertLess(cleared - asked, within)
-        self.assertFalse(near(self.eye.look(), BLUE).all(axis=1).any(), "a row of blue is left")
+        self.assertFalse(near(self.screen.capture(), BLUE).all(axis=1).any(),
+                         "a row of blue is left")
 
 
 class ClearedByThePerson(Clearing):

@@ -32,7 +32,7 @@ class WaylandTest(EndToEndTest):
         self.focused = self.desktop.focused()
 
     def corners(self):
-        picture = self.desktop.look()
+        picture = self.desktop.capture()
         return picture[[0, 0, -1, -1], [0, -1, 0, -1]]
 
     def wait_for_corners(self, color, timeout):
@@ -49,7 +49,7 @@ class WaylandTest(EndToEndTest):
         shown = self.wait_for_corners(color, delays[1] + 2)
         self.assertGreater(shown, before + delays[0] - LATE)
         self.assertLess(shown, after + delays[1] + LATE)
-        picture = self.desktop.look()
+        picture = self.desktop.capture()
         EVIDENCE.mkdir(parents=True, exist_ok=True)
         save(picture, EVIDENCE / f"{name}.png")
         self.assertEqual(self.desktop.focused(), self.focused)

@@ -60,7 +60,7 @@ def _lid(product):
         device.destroy()
 
 
-def _look():
+def _read():
     """Each device's name and whether the person is let at it."""
     rights = {}
     for product in (*LIDS, OTHER_PRODUCT):
@@ -72,9 +72,9 @@ def _look():
     return rights
 
 
-def look():
+def read():
     """The rights before and after the rules are there."""
-    without = _look()
+    without = _read()
     PLACE.mkdir(parents=True)
     shutil.copy(RULES, PLACE)
-    return {"without": without, "with": _look()}
+    return {"without": without, "with": _read()}

@@ -9,7 +9,7 @@ import json
 import pathlib
 import time
 
-from virtual_desktop import processes
+from virtual_desktop import processes, screens
 from virtual_desktop.buses import Bus, Services
 from virtual_desktop.waiting import wait_until
 
@@ -17,8 +17,6 @@ from stage import PATIENCE
 
 HERE = pathlib.Path(__file__).resolve().parent
 
-ENTER = "MAKE ME SUFFER 😭"
-FAN = "Thermals"
 PLAYING = "🚜 [STARTUP] Playing tractor + rumble + haptic!"
 COMPLETE = "🚜 [STARTUP] Sequence complete"
 
@@ -68,19 +66,16 @@ def _at_the_panel(lab, name, stack):
     """A later launch, as far as the panel with the fan's switch, and the end by SIGTERM."""
     lab.set_first_launch(False)
     with lab.program(name, stack) as (program, facts):
-        app = lab.reader.application(program)
-        app.press(ENTER, PATIENCE)
-        app.find(FAN, timeout=PATIENCE)
-        yield app, program, facts
+        yield screens.open_control_panel(lab.reader, program, PATIENCE), program, facts
 
 
 def _fan_once(app, pad, facts):
     facts["fan_on"] = time.monotonic()
-    app.toggle(FAN)
+    app.toggle(screens.THERMALS)
     pad.wait_for("upload", EFFECTS)
     time.sleep(FAN_TIME)
     facts["switching_off"] = time.monotonic()
-    app.toggle(FAN)
+    app.toggle(screens.THERMALS)
     facts["fan_off"] = time.monotonic()
     pad.wait_for("erase", EFFECTS)
 
@@ -104,7 +99,7 @@ def felt(lab, name):
                 _fan_once(app, pad, facts)
                 _engine_once(logind, program, pad, facts)
             facts["fan_on_again"] = time.monotonic()
-            app.toggle(FAN)
+            app.toggle(screens.THERMALS)
             pad.wait_for("upload", 3 * EFFECTS)
             time.sleep(MOMENT)
 
@@ -115,7 +110,7 @@ def unplugged(lab, name):
     with contextlib.ExitStack() as stack:
         first = Pad(lab.desktop.env, folder / "first.log", stack)
         with _at_the_panel(lab, name, stack) as (app, _, facts):
-            app.toggle(FAN)
+            app.toggle(screens.THERMALS)
             first.wait_for("upload", EFFECTS)
             time.sleep(MOMENT)
             facts["unplugging"] = time.monotonic()
@@ -123,9 +118,9 @@ def unplugged(lab, name):
             second = Pad(lab.desktop.env, folder / "second.log", stack)
             time.sleep(MOMENT)
             facts["switching_off"] = time.monotonic()
-            app.toggle(FAN)
+            app.toggle(screens.THERMALS)
             time.sleep(MOMENT)
-            app.toggle(FAN)
+            app.toggle(screens.THERMALS)
             second.wait_for("upload", EFFECTS)
             second.wait_for("play", 2)
 
@@ -135,7 +130,7 @@ def killed(lab, name):
     with contextlib.ExitStack() as stack:
         pad = Pad(lab.desktop.env, lab.folder(name) / "pad.log", stack)
         with _at_the_panel(lab, name, stack) as (app, program, facts), lab.watch.timed():
-            app.toggle(FAN)
+            app.toggle(screens.THERMALS)
             pad.wait_for("play", 2)
             facts["killed"] = time.monotonic()
             program.kill()

@@ -1,6 +1,6 @@
 """Keyboards of the machine's own kernel, in a session that is not all X11: what is played.
 
-Every scenario leaves its deeds, with the time of each, for keyboards_test.py to judge.
+Every scenario leaves its actions, with the time of each, for keyboards_test.py to judge.
 """
 
 import contextlib
@@ -10,7 +10,7 @@ import struct
 import subprocess
 import time
 
-from virtual_desktop import processes
+from virtual_desktop import processes, screens
 from virtual_desktop.waiting import wait_until
 
 from input_device import EV_KEY, InputDevice
@@ -22,9 +22,8 @@ KEYS = tuple(range(1, 89))
 # Letters, digits and function keys, no modifier or lock among them.
 BURST = [key for key in KEYS if key not in (29, 42, 54, 56, 58, 69, 70)][:64]
 
-SWITCH = "Keyboard"
 PAUSE = 0.7
-"""Seconds between two deeds: a crack is over long before."""
+"""Seconds between two actions: a crack is over long before."""
 
 HOLD = 1.0
 STROKES = 6
@@ -88,49 +87,49 @@ def _open_files(pid):
     return files
 
 
-class Typist:
-    """Does things at the keyboards, and notes when."""
+class ActionLog:
+    """Types at the keyboards and notes when it did what."""
 
-    def __init__(self, program, deeds):
+    def __init__(self, program, actions):
         self._program = program
-        self._deeds = deeds
+        self._actions = actions
 
-    def do(self, name, *deeds, pause=PAUSE):
-        """Each of `deeds` is something to call, or a time to wait."""
+    def do(self, name, *actions, pause=PAUSE):
+        """Each of `actions` is a function to call, or a time to wait."""
         begin = time.monotonic()
-        for deed in deeds:
-            deed() if callable(deed) else time.sleep(deed)
+        for action in actions:
+            action() if callable(action) else time.sleep(action)
         time.sleep(pause)
-        self._deeds.append({"deed": name, "begin": begin, "end": time.monotonic()})
+        self._actions.append({"action": name, "begin": begin, "end": time.monotonic()})
 
     def wait_until_heard(self, keyboard):
         wait_until(lambda: reads(self._program.pid, keyboard), "the program to open a keyboard")
 
 
-def _unplug_and_replug_while_typing(typist, one, other, stack):
+def _unplug_and_replug_while_typing(log, one, other, stack):
     """Strokes on `one` all along; gives back the keyboard that is there in place of `other`."""
     for number in range(STROKES):
-        typist.do(f"stroke {number}", lambda: one.stroke(KEY_A), pause=STROKE)
+        log.do(f"stroke {number}", lambda: one.stroke(KEY_A), pause=STROKE)
         if number == 1:
             # With a key down, which may or may not be heard before its keyboard is gone.
-            typist.do("unplugging", lambda: other.press(KEY_C), other.unplug, pause=STROKE)
+            log.do("unplugging", lambda: other.press(KEY_C), other.unplug, pause=STROKE)
         if number == 3:
             other = Keyboard("lab keyboard two", stack)
     settle()
-    typist.wait_until_heard(other)
+    log.wait_until_heard(other)
     return other
 
 
-def _type(typist, one, other, stack):
-    typist.do("stroke on the first", lambda: one.stroke(KEY_A))
-    typist.do("stroke on the second", lambda: other.stroke(KEY_A))
-    typist.do("shift alone", lambda: one.stroke(KEY_LEFTSHIFT))
-    typist.do("held key", lambda: one.press(KEY_B), HOLD, lambda: one.release(KEY_B))
-    other = _unplug_and_replug_while_typing(typist, one, other, stack)
-    typist.do("stroke on the replugged", lambda: other.stroke(KEY_A))
-    typist.do("burst", lambda: one.press(*BURST), lambda: one.release(*BURST))
-    typist.do("vanishing in mid-event", lambda: other.write((EV_KEY, KEY_A, 1)), other.unplug)
-    typist.do("stroke after all that", lambda: one.stroke(KEY_A))
+def _type(log, one, other, stack):
+    log.do("stroke on the first", lambda: one.stroke(KEY_A))
+    log.do("stroke on the second", lambda: other.stroke(KEY_A))
+    log.do("shift alone", lambda: one.stroke(KEY_LEFTSHIFT))
+    log.do("held key", lambda: one.press(KEY_B), HOLD, lambda: one.release(KEY_B))
+    other = _unplug_and_replug_while_typing(log, one, other, stack)
+    log.do("stroke on the replugged", lambda: other.stroke(KEY_A))
+    log.do("burst", lambda: one.press(*BURST), lambda: one.release(*BURST))
+    log.do("vanishing in mid-event", lambda: other.write((EV_KEY, KEY_A, 1)), other.unplug)
+    log.do("stroke after all that", lambda: one.stroke(KEY_A))
 
 
 @contextlib.contextmanager
@@ -144,13 +143,9 @@ def _wayland_session(env):
 
 def _arm(lab, program, facts):
     """Switches the cracks on, and comes back once keys are heard."""
-    app = lab.reader.application(program)
-    # The only line without a tag comes with the first frame.
-    program.console.wait_for(lambda line: "[" not in line, "about the creak", PATIENCE)
-    app.press("MAKE ME SUFFER 😭", PATIENCE)
-    app.find(SWITCH, timeout=PATIENCE)
+    app = screens.open_control_panel(lab.reader, program, PATIENCE)
     facts["files_before"] = _open_files(program.pid)
-    app.toggle(SWITCH)
+    app.toggle(screens.KEYBOARD)
     program.console.wait_for(lambda line: "Event tap started" in line, "armed", PATIENCE)
     time.sleep(PAUSE)
     return app
@@ -167,13 +162,13 @@ def typing(lab, name):
         settle()
         with lab.program(name, stack) as (program, facts):
             app = _arm(lab, program, facts)
-            facts["deeds"] = []
-            typist = Typist(program, facts["deeds"])
+            facts["actions"] = []
+            log = ActionLog(program, facts["actions"])
             with lab.watch.timed():
-                _type(typist, one, other, stack)
-                app.toggle(SWITCH)
+                _type(log, one, other, stack)
+                app.toggle(screens.KEYBOARD)
                 wait_until(lambda: not reads(program.pid, one), "the keyboard to be closed")
-                typist.do("switched off", lambda: one.stroke(KEY_A))
+                log.do("switched off", lambda: one.stroke(KEY_A))
             facts["files_after"] = _open_files(program.pid)
             lab.leave_sound(name, recording, facts)
 

@@ -8,7 +8,7 @@ ONSET = 0.15
 """Seconds from a key to its crack: some 0.02, and 0.1 for which the machine may stand still."""
 
 EARLY = 0.1
-"""Seconds by which the recording's clock may be ahead; it is silent before every deed."""
+"""Seconds by which the recording's clock may be ahead; it is silent before every action."""
 
 CRACK = 0.13
 """Seconds for which one crack can be heard: some 0.05, and less than until another may follow."""
@@ -28,24 +28,24 @@ class Typing(Scenario):
     def open(cls, attempt):
         super().open(attempt)
         facts = cls.json("program.json")
-        cls.deeds = {deed["deed"]: deed for deed in facts["deeds"]}
+        cls.actions = {action["action"]: action for action in facts["actions"]}
         cls.sound = Recording.load(cls.folder / "sound.wav", facts["sound_start"])
 
-    def loud(self, deed):
-        """When it is loud between a deed's beginning and end, in seconds from the beginning."""
-        begin, end = self.deeds[deed]["begin"], self.deeds[deed]["end"]
+    def loud(self, action):
+        """When it is loud between a action's beginning and end, in seconds from the beginning."""
+        begin, end = self.actions[action]["begin"], self.actions[action]["end"]
         return [at - begin for at in self.sound.loud_windows(begin - EARLY, end - EARLY, AUDIBLE)]
 
-    def assert_one_crack(self, deed):
-        loud = self.loud(deed)
-        self.assertTrue(loud, f"{deed}: no sound")
-        print(f"{deed}: sound from {loud[0]:.3f} to {loud[-1]:.3f} s")
-        self.assertLess(loud[0], ONSET, deed)
-        self.assertLess(loud[-1] - loud[0], CRACK, deed)
+    def assert_one_crack(self, action):
+        loud = self.loud(action)
+        self.assertTrue(loud, f"{action}: no sound")
+        print(f"{action}: sound from {loud[0]:.3f} to {loud[-1]:.3f} s")
+        self.assertLess(loud[0], ONSET, action)
+        self.assertLess(loud[-1] - loud[0], CRACK, action)
 
-    def assert_silent(self, deed):
-        self.assertGreater(self.sound.end, self.deeds[deed]["end"] - EARLY)
-        self.assertEqual(self.loud(deed), [])
+    def assert_silent(self, action):
+        self.assertGreater(self.sound.end, self.actions[action]["end"] - EARLY)
+        self.assertEqual(self.loud(action), [])
 
     def test_no_sample_of_the_recording_was_lost(self):
         self.assertEqual((self.folder / "recorder.log").read_text(encoding="utf-8"), "")
@@ -70,7 +70,7 @@ class Typing(Scenario):
         self.assert_one_crack("held key")
 
     def test_every_stroke_cracks_while_another_keyboard_goes_and_comes_back(self):
-        strokes = [name for name in self.deeds if name.startswith("stroke ") and name[-1].isdigit()]
+        strokes = [name for name in self.actions if name.startswith("stroke ") and name[-1].isdigit()]
         self.assertEqual(len(strokes), 6)
         for stroke in strokes:
             self.assert_one_crack(stroke)

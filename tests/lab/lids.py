@@ -4,7 +4,7 @@ import contextlib
 import pathlib
 import time
 
-from virtual_desktop import processes
+from virtual_desktop import processes, screens
 
 import device_rights
 from stage import PATIENCE
@@ -40,14 +40,12 @@ def _plug(lab, scenario, stack, *arguments):
 
 def _to_the_panel(lab, program, is_first):
     """A launch, as far as the panel with the creak's switch."""
-    app = lab.reader.application(program)
     if is_first:
-        app.press("CHECK HARDWARE 🔍", PATIENCE)
+        app = lab.reader.application(program)
+        app.press(screens.CHECK, PATIENCE)
         app.find("Lid sensor detected", timeout=PATIENCE)
-        app.press("CONTINUE", PATIENCE)
-    app.press("MAKE ME SUFFER 😭", PATIENCE)
-    app.find("Build quality", timeout=PATIENCE)
-    return app
+        app.press(screens.CONTINUE, PATIENCE)
+    return screens.open_control_panel(lab.reader, program, PATIENCE)
 
 
 def moving_lid(lab, name, *script, after_vanishing, is_first=False):
@@ -60,12 +58,12 @@ def moving_lid(lab, name, *script, after_vanishing, is_first=False):
         with lab.program(name, stack) as (program, facts):
             app = _to_the_panel(lab, program, is_first)
             with lab.watch.timed():
-                app.toggle("Build quality")
+                app.toggle(screens.BUILD_QUALITY)
                 lid.begin_to_move()
                 lid.wait_until_gone(PATIENCE)
                 time.sleep(after_vanishing)
                 facts["switching_off"] = time.monotonic()
-                app.toggle("Build quality")
+                app.toggle(screens.BUILD_QUALITY)
                 facts["switched_off"] = time.monotonic()
                 time.sleep(AFTER_SWITCHING_OFF)
             lab.leave_sound(name, recording, facts)
@@ -96,7 +94,7 @@ def hidraw_contract(lab, name):
 
 def rights(lab, name):
     """What the program's udev rules change for the person at the machine."""
-    lab.leave(name, "rights.json", device_rights.look())
+    lab.leave(name, "rights.json", device_rights.read())
 
 
 def play_all(play):

@@ -8,7 +8,7 @@ import subprocess
 import tempfile
 import time
 
-from virtual_desktop import processes
+from virtual_desktop import processes, screens
 from virtual_desktop.buses import AccessibilityBus, Bus
 from virtual_desktop.display import Display
 from virtual_desktop.program import Program
@@ -94,11 +94,9 @@ class Lab:
 
     def set_first_launch(self, is_first):
         """Makes the next launch the first one, which checks the hardware, or a later one."""
-        settings = pathlib.Path(self.desktop.env["XDG_CONFIG_HOME"], "quorvane", "quorvane.ini")
-        settings.parent.mkdir(parents=True, exist_ok=True)
-        settings.unlink(missing_ok=True)
+        screens.settings_file(self.desktop.env).unlink(missing_ok=True)
         if not is_first:
-            settings.write_text("[General]\nhardwareChecked=true\n", encoding="utf-8")
+            screens.skip_hardware_check(self.desktop.env)
 
     @contextlib.contextmanager
     def program(self, scenario, stack):

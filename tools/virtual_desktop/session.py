@@ -8,7 +8,7 @@ from . import processes
 from .buses import AccessibilityBus, Bus, Services
 from .display import Display
 from .program import Program
-from .sound import SoundServer
+from .sound_server import SoundServer
 
 
 class Session:

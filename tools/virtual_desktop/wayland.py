@@ -66,7 +66,7 @@ class WaylandDisplay:
         processes.start([*self._as_user, *command], self._env, stack, cwd=self._directory,
                         stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
-    def look(self):
+    def capture(self):
         """What is on the screen, as an array of height x width x 3 bytes."""
         picture = subprocess.run(["grim", "-t", "ppm", "-"], env=self._env, check=True,
                                  capture_output=True, timeout=20).stdout

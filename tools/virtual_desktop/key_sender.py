@@ -1,4 +1,4 @@
-"""Real key events, at instants that are known."""
+"""Key events through XTEST, at known instants."""
 
 import ctypes
 import time
@@ -17,8 +17,8 @@ _xtst.XTestFakeKeyEvent.argtypes = [
     ctypes.c_void_p, ctypes.c_uint, ctypes.c_int, ctypes.c_ulong]
 
 
-class Typist:
-    """Somebody at the keyboard of a display, for as long as `stack` is open."""
+class KeySender:
+    """The keyboard of a display, until `stack` is closed."""
 
     def __init__(self, display, stack):
         self._display = _xlib.XOpenDisplay(display.encode())
@@ -28,11 +28,11 @@ class Typist:
 
     def press(self, *keys):
         """Presses keys by their X names at one instant; returns the earliest and latest it was."""
-        return self._act(keys, True)
+        return self._send(keys, True)
 
     def release(self, *keys):
         """As `press`."""
-        return self._act(keys, False)
+        return self._send(keys, False)
 
     def stroke(self, key):
         """Presses and releases at once; returns the earliest and latest instant of the press."""
@@ -40,7 +40,7 @@ class Typist:
         self.release(key)
         return instants
 
-    def _act(self, keys, is_press):
+    def _send(self, keys, is_press):
         codes = [_xlib.XKeysymToKeycode(self._display, _xlib.XStringToKeysym(key.encode()))
                  for key in keys]
         _xlib.XSync(self._display, 0)

@@ -1,4 +1,4 @@
-"""Looking at a display's pixels without a detour through a picture file."""
+"""Reads a display's pixels directly, without a picture file."""
 
 import ctypes
 
@@ -47,7 +47,7 @@ _xcb.xcb_get_image_data.argtypes = [ctypes.c_void_p]
 _libc.free.argtypes = [ctypes.c_void_p]
 
 
-# Where an answer of one number has it, the atom or the window, behind its header.
+# The 32-bit word of a reply that holds its one number, an atom or a window.
 _NUMBER = 2
 
 
@@ -60,8 +60,8 @@ def _number(reply):
         _libc.free(reply)
 
 
-class Eye:
-    """Sees a display of 24-bit colours as a person in front of it does. One thread at a time."""
+class ScreenCapture:
+    """The pixels of an X display of 24-bit colours, by one thread at a time."""
 
     def __init__(self, display, stack):
         self._connection = _xcb.xcb_connect(display.encode(), None)
@@ -73,14 +73,14 @@ class Eye:
         self._root = screen[0]
         self.width, self.height = screen[5] & 0xFFFF, screen[5] >> 16
 
-    def look(self, x=0, y=0, width=None, height=None):
+    def capture(self, x=0, y=0, width=None, height=None):
         """A part of the screen, or all of it, as an array of height x width x 3 bytes."""
         width, height = width or self.width, height or self.height
         cookie = _xcb.xcb_get_image(self._connection, _Z_PIXMAP, self._root, x, y, width, height,
                                     _ALL_PLANES)
         reply = _xcb.xcb_get_image_reply(self._connection, cookie, None)
         if not reply:
-            raise RuntimeError("the display shows nothing there, or nothing any more")
+            raise RuntimeError("that part is off the screen, or the display has ended")
         try:
             data = ctypes.string_at(_xcb.xcb_get_image_data(reply), width * height * 4)
         finally:
@@ -90,7 +90,7 @@ class Eye:
 
     def pixel(self, x, y):
         """The colour at a place, as three numbers from 0 to 255."""
-        return tuple(int(value) for value in self.look(x, y, 1, 1)[0, 0])
+        return tuple(int(value) for value in self.capture(x, y, 1, 1)[0, 0])
 
     def is_composited(self):
         """Whether a compositor blends the windows of the first screen."""
