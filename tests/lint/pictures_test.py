@@ -11,6 +11,10 @@ import xml.etree.ElementTree as ElementTree
 import numpy
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(ROOT / "tools"))
+
+from virtual_desktop.pictures import pixels  # noqa: E402 (found through the line above)
+
 RESOURCES = ROOT / "resources"
 SVG = "{http://www.w3.org/2000/svg}"
 
@@ -34,22 +38,12 @@ def elements(path):
             if isinstance(element.tag, str)]
 
 
-def pixels(path):
-    """A picture as an array of height x width x 4 bytes: red, green, blue, opacity."""
-    size = subprocess.run(["identify", "-format", "%w %h", path], check=True, capture_output=True,
-                          text=True).stdout.split()
-    width, height = map(int, size)
-    raw = subprocess.run(["stream", "-map", "rgba", "-storage-type", "char", path, "-"],
-                         check=True, capture_output=True).stdout
-    return numpy.frombuffer(raw, dtype=numpy.uint8).reshape(height, width, 4)
-
-
 def drawn(path, width):
     """The drawing's pixels at a width."""
     with tempfile.NamedTemporaryFile(suffix=".png") as picture:
         subprocess.run(["rsvg-convert", "--width", str(width), "--output", picture.name, path],
                        check=True)
-        return pixels(picture.name)
+        return pixels(picture.name, "rgba")
 
 
 class Symbols(unittest.TestCase):
@@ -92,7 +86,7 @@ class Drawings(unittest.TestCase):
             self.assertLessEqual({name for name, _ in elements(path)}, STATIC_DRAWING, path.name)
 
     def test_logo_is_large_and_its_ground_transparent(self):
-        logo = pixels(RESOURCES / "logo.png")
+        logo = pixels(RESOURCES / "logo.png", "rgba")
         height, width, _ = logo.shape
         self.assertGreaterEqual(width, 1024)
         corners = logo[[0, 0, -1, -1], [0, -1, 0, -1], 3]
@@ -100,7 +94,7 @@ class Drawings(unittest.TestCase):
         self.assertGreater((logo[:, :, 3] > 127).mean(), 0.3)
 
     def test_logo_is_what_its_drawing_shows(self):
-        logo = pixels(RESOURCES / "logo.png").astype(int)
+        logo = pixels(RESOURCES / "logo.png", "rgba").astype(int)
         anew = drawn(RESOURCES / "logo.svg", logo.shape[1]).astype(int)
         self.assertEqual(logo.shape, anew.shape)
         # Another version of the program that draws it may smooth its edges otherwise.

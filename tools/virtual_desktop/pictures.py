@@ -5,15 +5,15 @@ import subprocess
 import numpy
 
 
-def pixels(path):
-    """A PNG's pixels as an array of height x width x 3 bytes."""
+def pixels(path, channels="rgb"):
+    """A PNG's pixels as an array of bytes: height x width x channels."""
     size = subprocess.run(["identify", "-format", "%w %h", path], check=True, capture_output=True,
                           text=True).stdout.split()
     width, height = map(int, size)
     raw = subprocess.run(
-        ["stream", "-map", "rgb", "-storage-type", "char", path, "-"], check=True,
+        ["stream", "-map", channels, "-storage-type", "char", path, "-"], check=True,
         capture_output=True).stdout
-    return numpy.frombuffer(raw, dtype=numpy.uint8).reshape(height, width, 3)
+    return numpy.frombuffer(raw, dtype=numpy.uint8).reshape(height, width, len(channels))
 
 
 def change(before, after):
