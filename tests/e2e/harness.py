@@ -21,16 +21,10 @@ CREAK = REPOSITORY / "resources" / "creaking.mp3"
 
 sys.path.insert(0, str(REPOSITORY / "tools"))
 
-from virtual_desktop.buses import Services  # noqa: E402 (found through the line above)
+from virtual_desktop import screens  # noqa: E402 (found through the line above)
+from virtual_desktop.buses import Services  # noqa: E402
 from virtual_desktop.session import Session  # noqa: E402
 from virtual_desktop.waiting import wait_until  # noqa: E402
-
-CHECK = "CHECK HARDWARE 🔍"
-CONTINUE = "CONTINUE"
-ENTER = "MAKE ME SUFFER 😭"
-LEAVE = "STOP, I'M SUFFERING 😭"
-CREAK_SWITCH = "Build quality"
-STARTUP_SWITCH = "Startup"
 
 LOADED = r"✅ Φορτώθηκε: creaking\.mp3 \((\d+\.\d)s\)"
 NO_SENSOR = "⚠️ [SENSOR] No HID lid sensor found — using sleep/wake fallback"
@@ -108,29 +102,29 @@ class EndToEndTest(unittest.TestCase):
 
     def screens(self):
         """The accessible tree of the program, once its window has appeared."""
-        screens = self.session.reader.application(self.program)
-        # The creak's clip is loaded with the first frame, which the line about it tells: the only
-        # one without a tag. Nobody can press what is not to be seen yet.
-        self.program.console.wait_for(lambda line: "[" not in line, "about the creak")
-        return screens
+        tree = self.session.reader.application(self.program)
+        screens.wait_for_first_frame(self.program)
+        return tree
 
     def skip_hardware_check(self):
-        """Lets the next launch be a later one."""
-        folder = pathlib.Path(self.environment["XDG_CONFIG_HOME"], "quorvane")
-        folder.mkdir(parents=True, exist_ok=True)
-        (folder / "quorvane.ini").write_text("[General]\nhardwareChecked=true\n")
+        """Makes the next launch a later one, which opens on the warning."""
+        screens.skip_hardware_check(self.environment)
+
+    @staticmethod
+    def pass_hardware_check(tree):
+        """Goes on from the hardware check to the warning."""
+        tree.press(screens.CHECK)
+        tree.press(screens.CONTINUE)
+        tree.find(screens.ENTER)
 
     def launch_into_control_panel(self, creak, *arguments, **environment):
         """A later launch, entered into the control panel, with the creak's switch as asked."""
         self.skip_hardware_check()
         self.launch(*arguments, **environment)
-        screens = self.screens()
-        screens.press(ENTER)
-        screens.find(CREAK_SWITCH)
+        panel = screens.open_control_panel(self.session.reader, self.program)
         if creak:
-            screens.toggle(CREAK_SWITCH)
-            self.wait_until(lambda: screens.is_on(CREAK_SWITCH), "the switch to be on")
-        return screens
+            panel.switch(screens.BUILD_QUALITY, True)
+        return panel
 
     def lid_lines(self):
         """The console lines that tell of the sensor and of the creak."""
@@ -154,6 +148,35 @@ class EndToEndTest(unittest.TestCase):
         folder = pathlib.Path(self.home, "resources")
         shutil.copytree(CREAK.parent, folder, ignore=shutil.ignore_patterns(*names))
         return folder
+
+    def resources_with_damaged(self, *names):
+        """A resource folder like the program's own, in which the files named are no sounds."""
+        folder = self.resources_without(*names)
+        for name in names:
+            (folder / name).write_text("no sound at all\n" * 100)
+        return folder
+
+    # The mouse and the keyboard.
+
+    def click(self, tree, name):
+        """Clicks in the middle of a control."""
+        left, top, width, height = tree.settled_place(name)
+        self.session.display.click(left + width // 2, top + height // 2)
+
+    def focus(self, tree, name):
+        """Presses Tab until a control has the keyboard."""
+        for _ in range(20):
+            if tree.is_focused(name):
+                return
+            self.session.display.press_key("Tab")
+            # The key goes through the display server: the focus may move only after the next look.
+            with contextlib.suppress(AssertionError):
+                self.wait_until(lambda: tree.is_focused(name), name, 0.3)
+        self.fail(f'Tab does not reach "{name}"\n{tree.describe()}')
+
+    def press_space_on(self, tree, name):
+        self.focus(tree, name)
+        self.session.display.press_key("space")
 
     # The machine around it.
 

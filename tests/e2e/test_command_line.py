@@ -3,7 +3,8 @@
 import pathlib
 import unittest
 
-from harness import ENTER, EndToEndTest
+from harness import EndToEndTest
+from virtual_desktop.screens import ENTER
 
 
 class CommandLine(EndToEndTest):

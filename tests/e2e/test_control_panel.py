@@ -1,10 +1,9 @@
-"""The control panel, entered and left in each of the ways that a person has."""
+"""The control panel, entered and left with the accessibility bus, the mouse and the keyboard."""
 
 import unittest
 
-from harness import CREAK_SWITCH, ENTER, LEAVE, MONITORING, EndToEndTest
-
-WINDOW = "Quorvane"
+from harness import MONITORING, EndToEndTest
+from virtual_desktop.screens import BUILD_QUALITY, ENTER, LEAVE, TITLE
 
 
 class ControlPanel(EndToEndTest):
@@ -18,7 +17,7 @@ class ControlPanel(EndToEndTest):
     def _check_panel(self):
         self.panel.find(LEAVE)
         self.panel.find("SIMULATION ACTIVE")
-        self.assertFalse(self.panel.is_on(CREAK_SWITCH))
+        self.assertFalse(self.panel.is_on(BUILD_QUALITY))
 
     def _check_warning(self):
         self.panel.find(ENTER)
@@ -27,8 +26,7 @@ class ControlPanel(EndToEndTest):
     def test_works_through_the_accessibility_bus(self):
         self.panel.press(ENTER)
         self._check_panel()
-        self.panel.toggle(CREAK_SWITCH)
-        self.wait_until(lambda: self.panel.is_on(CREAK_SWITCH), "the switch to be on")
+        self.panel.switch(BUILD_QUALITY, True)
         self.panel.press(LEAVE)
         self._check_warning()
         self.panel.press(ENTER)
@@ -37,42 +35,23 @@ class ControlPanel(EndToEndTest):
                          "the sensor keeps running behind the warning")
         self.leave()
 
-    def _click(self, name):
-        left, top, width, height = self.panel.settled_place(name)
-        self.session.display.click(left + width // 2, top + height // 2)
-
     def test_works_with_the_mouse(self):
-        self._click(ENTER)
+        self.click(self.panel, ENTER)
         self._check_panel()
-        self._click(CREAK_SWITCH)
-        self.wait_until(lambda: self.panel.is_on(CREAK_SWITCH), "the switch to be on")
-        self._click(CREAK_SWITCH)
-        self.wait_until(lambda: not self.panel.is_on(CREAK_SWITCH), "the switch to be off")
-        self._click(LEAVE)
+        self.click(self.panel, BUILD_QUALITY)
+        self.wait_until(lambda: self.panel.is_on(BUILD_QUALITY), "the switch to be on")
+        self.click(self.panel, BUILD_QUALITY)
+        self.wait_until(lambda: not self.panel.is_on(BUILD_QUALITY), "the switch to be off")
+        self.click(self.panel, LEAVE)
         self._check_warning()
         self.leave()
 
-    def _focus(self, name, tabs=20):
-        for _ in range(tabs):
-            if self.panel.is_focused(name):
-                return
-            self.session.display.press_key("Tab")
-            # The key goes through the display server; the next look may come before it has landed.
-            try:
-                self.wait_until(lambda: self.panel.is_focused(name), name, 0.3)
-            except AssertionError:
-                continue
-        self.fail(f'Tab does not reach "{name}"\n{self.panel.describe()}')
-
     def test_works_with_the_keyboard(self):
-        self._focus(ENTER)
-        self.session.display.press_key("space")
+        self.press_space_on(self.panel, ENTER)
         self._check_panel()
-        self._focus(CREAK_SWITCH)
-        self.session.display.press_key("space")
-        self.wait_until(lambda: self.panel.is_on(CREAK_SWITCH), "the switch to be on")
-        self._focus(LEAVE)
-        self.session.display.press_key("space")
+        self.press_space_on(self.panel, BUILD_QUALITY)
+        self.wait_until(lambda: self.panel.is_on(BUILD_QUALITY), "the switch to be on")
+        self.press_space_on(self.panel, LEAVE)
         self._check_warning()
         self.leave()
 
@@ -90,12 +69,12 @@ class ControlPanel(EndToEndTest):
 
     def test_the_window_cannot_be_resized(self):
         display = self.session.display
-        window, = self.wait_until(lambda: display.windows(WINDOW), "the window")
+        window, = self.wait_until(lambda: display.windows(TITLE), "the window")
         self.assertEqual(display.geometry(window)[2:], (550, 780))
         left, top, width, height = self.panel.settled_place(ENTER)
         display.drag_with_alt(3, (left + width - 5, top + height - 5), (60, 50))
         # A resize would have been asked for before the next key reaches the program.
-        self._focus(ENTER)
+        self.focus(self.panel, ENTER)
         self.assertEqual(display.geometry(window)[2:], (550, 780))
         self.leave()
 

@@ -4,8 +4,8 @@ import re
 import time
 import unittest
 
-from harness import (CREAK_SWITCH, FINISHED, LEAVE, LOADED, MONITORING, NO_SENSOR,
-                     STARTUP_SWITCH, EndToEndTest)
+from harness import FINISHED, LOADED, MONITORING, NO_SENSOR, EndToEndTest
+from virtual_desktop.screens import BUILD_QUALITY, LEAVE, STARTUP
 
 BURST = 3.0
 """Seconds for which a lid event keeps the hinge moving."""
@@ -54,8 +54,7 @@ class Creak(EndToEndTest):
         services = self.start_system_bus("login")
         panel = self.launch_into_control_panel(creak=True)
         # An engine would sound over it.
-        panel.toggle(STARTUP_SWITCH)
-        self.wait_until(lambda: not panel.is_on(STARTUP_SWITCH), "the switch to be off")
+        panel.switch(STARTUP, False)
         self._hear_burst(services.prepare_for_sleep)
         self._hear_burst(services.wake_up)
         self.leave()
@@ -74,10 +73,10 @@ class Creak(EndToEndTest):
         closed = time.monotonic()
         services.close_lid()
         self.assert_silent(closed, closed + 0.7, "with the switch off")
-        panel.toggle(CREAK_SWITCH)
+        panel.toggle(BUILD_QUALITY)
         self.recording.wait_for_sound(closed, 1.0)
         off = time.monotonic()
-        panel.toggle(CREAK_SWITCH)
+        panel.toggle(BUILD_QUALITY)
         self.assert_silent(off + REACTION, off + REACTION + 0.4, "with the switch off again")
         self.leave()
 

@@ -7,8 +7,9 @@ import unittest
 
 import numpy
 
-from harness import BUILD, CHECK, CREAK_SWITCH, ENTER, EVIDENCE, OWN_WORDS, REPOSITORY, EndToEndTest
+from harness import BUILD, EVIDENCE, OWN_WORDS, REPOSITORY, EndToEndTest
 from virtual_desktop.clips import read_wave
+from virtual_desktop.screens import BUILD_QUALITY, CHECK, ENTER
 
 # A lid that moves once, between two instants after the start.
 SWING = """{
@@ -82,7 +83,7 @@ class Simulated(EndToEndTest):
         self.program.errors.wait_for(lambda line: "simulated" in line.lower(), "an announcement")
         screens = self.screens()
         screens.press(ENTER)
-        screens.toggle(CREAK_SWITCH)
+        screens.toggle(BUILD_QUALITY)
         self.program.wait_for_line(
             "✅ [SENSOR] Found lid sensor! ProductID=0x8104, angle=90°")
         self.assertLess(time.monotonic() - begun, 5.5, "too late for the lid")

@@ -49,12 +49,16 @@ class DemoFailures(unittest.TestCase):
         build = self.folder / "build"
         build.mkdir()
         program = build / "quorvane"
-        program.write_text("#!/bin/sh\necho something is broken >&2\nexit 5\n")
-        program.chmod(0o755)
-        done = self._play("/usr/bin:/bin", build)
-        self.assertEqual(done.returncode, 1)
-        self.assertIn("The demo failed: the program has ended", done.stderr)
-        self.assertIn("something is broken", (self.folder / "demo/quorvane.log").read_text())
+        for status in (0, 5):
+            with self.subTest(status=status):
+                program.write_text(f"#!/bin/sh\necho ended with {status} >&2\nexit {status}\n")
+                program.chmod(0o755)
+                done = self._play("/usr/bin:/bin", build)
+                self.assertEqual(done.returncode, 1)
+                self.assertIn("The demo failed: the program has ended", done.stderr)
+                self.assertIn(f"ended with {status}", done.stderr)
+                self.assertIn(f"ended with {status}",
+                              (self.folder / "demo/quorvane.log").read_text())
 
     def test_commands_that_are_not_installed_are_named_all_at_once(self):
         for command in ("openbox", "parec"):

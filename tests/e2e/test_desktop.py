@@ -1,4 +1,4 @@
-"""The desktop's own instruments, on which every other end-to-end test relies."""
+"""The virtual desktop's own instruments, on which every other end-to-end test relies."""
 
 import os
 import pathlib
@@ -10,9 +10,10 @@ import unittest
 
 import numpy
 
-from harness import ENTER, REPOSITORY, EndToEndTest
+from harness import EndToEndTest
 from virtual_desktop import pictures
 from virtual_desktop.recording import LiveRecording
+from virtual_desktop.screens import ENTER
 
 RATE = 8000
 
@@ -111,18 +112,6 @@ class Screens(EndToEndTest):
             os.kill(self.program.pid, signal.SIGCONT)
         self.assertTrue(screens.shows(ENTER))
         self.leave()
-
-
-class DemoTool(unittest.TestCase):
-    def test_a_program_that_does_nothing_is_a_failed_demo(self):
-        with tempfile.TemporaryDirectory() as build:
-            program = pathlib.Path(build, "quorvane")
-            program.write_text("#!/bin/sh\necho nothing to see >&2\n")
-            program.chmod(0o755)
-            done = subprocess.run([str(REPOSITORY / "tools" / "demo"), build],
-                                  capture_output=True, text=True, timeout=60)
-        self.assertEqual(done.returncode, 1)
-        self.assertIn("nothing to see", done.stderr)
 
 
 if __name__ == "__main__":

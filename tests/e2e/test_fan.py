@@ -9,11 +9,11 @@ import unittest
 
 import numpy
 
-from harness import LEAVE, REPOSITORY, EndToEndTest
+from harness import REPOSITORY, EndToEndTest
 from virtual_desktop import clips
+from virtual_desktop.screens import LEAVE, THERMALS
 
 FAN = REPOSITORY / "resources" / "fanmac.mp3"
-SWITCH = "Thermals"
 SECONDS = float(os.environ.get("QUORVANE_FAN_SECONDS", "11"))
 
 WINDOW = 0.01
@@ -21,28 +21,20 @@ LATE = 1.0
 """Seconds by which a busy machine may be late."""
 
 
-class FanTest(EndToEndTest):
-    """What the tests of the fan have in common."""
-
+class Endless(EndToEndTest):
     listens = True
 
-    def switch_on(self, panel):
-        panel.toggle(SWITCH)
-        self.wait_until(lambda: panel.is_on(SWITCH), "the switch to be on")
-
-
-class Endless(FanTest):
     def test_it_runs_without_a_gap_or_a_click(self):
         panel = self.launch_into_control_panel(creak=False)
         self.assertIn("✅ [FAN] fanmac.mp3 loaded", self.program.console.text)
         pressed = time.monotonic()
-        self.switch_on(panel)
+        panel.switch(THERMALS, True)
         started = self.recording.wait_for_sound(pressed - 0.1, 3.0)
         self.assertLess(started - pressed, LATE)
         time.sleep(0.5)
         self.hear(self._check_rounds)
         off = time.monotonic()
-        panel.toggle(SWITCH)
+        panel.toggle(THERMALS)
         self.assert_silent(off + LATE, off + LATE + 1.0, "after the fan")
         self.leave()
 
@@ -94,23 +86,24 @@ class Endless(FanTest):
         return 0.6 * float(numpy.abs(numpy.diff(resampled[edge:-edge])).max())
 
 
-class Switch(FanTest):
+class Switch(EndToEndTest):
+    listens = True
+
     def test_it_starts_anew_each_time(self):
         panel = self.launch_into_control_panel(creak=False)
         for _ in range(2):
             pressed = time.monotonic()
-            self.switch_on(panel)
+            panel.switch(THERMALS, True)
             self.recording.wait_for_sound(pressed - 0.1, 3.0)
             off = time.monotonic()
-            panel.toggle(SWITCH)
-            self.wait_until(lambda: not panel.is_on(SWITCH), "the switch to be off")
+            panel.switch(THERMALS, False)
             self.assert_silent(off + LATE, off + LATE + 0.5, "after the fan")
         self.leave()
 
     def test_the_stop_button_ends_it(self):
         panel = self.launch_into_control_panel(creak=False)
         pressed = time.monotonic()
-        self.switch_on(panel)
+        panel.switch(THERMALS, True)
         self.recording.wait_for_sound(pressed - 0.1, 3.0)
         panel.press(LEAVE)
         off = time.monotonic()
@@ -125,8 +118,7 @@ class Switch(FanTest):
         self.leave()
 
     def test_with_a_sound_that_is_none_the_switch_stays_off(self):
-        folder = self.resources_without("fanmac.mp3")
-        (folder / "fanmac.mp3").write_text("no sound at all\n" * 100)
+        folder = self.resources_with_damaged("fanmac.mp3")
         panel = self.launch_into_control_panel(creak=False, QUORVANE_RESOURCES=str(folder))
         self.assertIn("✅ [FAN] fanmac.mp3 loaded", self.program.console.text)
         self._check_that_it_stays_off(panel)
@@ -135,19 +127,18 @@ class Switch(FanTest):
 
     def _check_that_it_stays_off(self, panel):
         pressed = time.monotonic()
-        panel.toggle(SWITCH)
+        panel.toggle(THERMALS)
         self.assert_silent(pressed, pressed + 1.0, "a fan without its sound")
-        self.assertFalse(panel.is_on(SWITCH))
+        self.assertFalse(panel.is_on(THERMALS))
 
     def test_without_a_sound_device_it_runs_in_silence(self):
         panel = self.launch_into_control_panel(creak=False,
                                                PULSE_SERVER=f"unix:{self.home}/nobody",
                                                ALSA_CONFIG_PATH="/nonexistent")
-        self.switch_on(panel)
+        panel.switch(THERMALS, True)
         time.sleep(1)
-        self.assertTrue(panel.is_on(SWITCH))
-        panel.toggle(SWITCH)
-        self.wait_until(lambda: not panel.is_on(SWITCH), "the switch to be off")
+        self.assertTrue(panel.is_on(THERMALS))
+        panel.switch(THERMALS, False)
         self.leave("")
 
 

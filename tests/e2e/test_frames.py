@@ -7,10 +7,10 @@ import re
 import time
 import unittest
 
-from harness import ENTER, OWN_WORDS, EndToEndTest
+from harness import OWN_WORDS, EndToEndTest
 from virtual_desktop.other_window import OtherWindow
+from virtual_desktop.screens import ENTER, TITLE
 
-WINDOW = "Quorvane"
 # The toolkit says each frame on standard error.
 TELL_FRAMES = {"QT_LOGGING_RULES": "qt.scenegraph.time.renderloop.debug=true"}
 FRAME = "frame rendered"
@@ -26,7 +26,7 @@ class Frames(EndToEndTest):
         self.skip_hardware_check()
         self.launch(**TELL_FRAMES, **environment)
         self.screens().find(ENTER)
-        self.window, = self.wait_until(lambda: self.session.display.windows(WINDOW), "the window")
+        self.window, = self.wait_until(lambda: self.session.display.windows(TITLE), "the window")
 
     def _graphics_drivers(self):
         """What of the libraries that the program has loaded is such a driver."""

@@ -14,10 +14,10 @@ import numpy
 
 from harness import EndToEndTest
 from virtual_desktop import processes
-from virtual_desktop.other_window import OtherWindow
 from virtual_desktop.key_sender import KeySender
+from virtual_desktop.other_window import OtherWindow
+from virtual_desktop.screens import KEYBOARD
 
-SWITCH = "Keyboard"
 LOADED = "✅ [KEYBOARD] keyboard.mp3 loaded"
 STARTED = "⌨️ [KEYBOARD] Event tap started — global monitoring active"
 
@@ -63,7 +63,7 @@ class KeyboardTest(EndToEndTest):
     def setUp(self):
         super().setUp()
         self.panel = self.launch_into_control_panel(creak=False)
-        self.panel.toggle(SWITCH)
+        self.panel.toggle(KEYBOARD)
         self.program.wait_for_line(STARTED)
         self.keys = KeySender(self.session.display.name, self.stack)
         self._open_window()
@@ -164,12 +164,11 @@ class Keys(KeyboardTest):
         self.leave()
 
     def test_switched_off_keys_are_silent(self):
-        self.panel.toggle(SWITCH)
-        self.wait_until(lambda: not self.panel.is_on(SWITCH), "the switch to be off")
+        self.panel.switch(KEYBOARD, False)
         begin, _ = self.keys.stroke("a")
         self.wait_until(lambda: self.presses() == 1, "the key in the window")
         self.assert_silent(begin, begin + REACTION + 0.3, "with the switch off")
-        self.panel.toggle(SWITCH)
+        self.panel.toggle(KEYBOARD)
         self.wait_until(lambda: self.program.console.text.count(STARTED) == 2, "the second start")
         self.assert_cracks(1, lambda: self.keys.stroke("a"), "switched on again")
         self.leave()

@@ -2,8 +2,9 @@
 
 import unittest
 
-from harness import CHECK, CONTINUE, ENTER, LEAVE, EndToEndTest
+from harness import EndToEndTest
 from virtual_desktop.accessibility import Announcements
+from virtual_desktop.screens import BUILD_QUALITY, CHECK, CONTINUE, ENTER, KEYBOARD, LEAVE, STARTUP
 
 INFOS = {
     "Build quality": ("Build Quality", "Premium hinge quality simulation. Experience the authentic "
@@ -21,8 +22,6 @@ INFOS = {
     "Startup": ("Boot Experience", "The iconic startup experience. Relive the classic moment of "
                 "booting a real Windows machine.\n\nClose the lid and open it again to hear it."),
 }
-STARTUP = "Startup"
-KEYBOARD = "Keyboard"
 
 
 class NewUser(EndToEndTest):
@@ -49,23 +48,10 @@ class NewUser(EndToEndTest):
             self.wait_until(lambda: self.panel.is_on(row) == expected, f"{row}: {expected}", 10)
 
     def _click(self, name):
-        left, top, width, height = self.panel.settled_place(name)
-        self.session.display.click(left + width // 2, top + height // 2)
-
-    def _focus(self, name):
-        for _ in range(2 * len(INFOS) + 2):
-            self.session.display.press_key("Tab")
-            try:
-                self.wait_until(lambda: self.panel.is_focused(name), name, 0.3)
-                return
-            except AssertionError:
-                continue
-        self.fail(f'Tab does not reach "{name}"\n{self.panel.describe()}')
+        self.click(self.panel, name)
 
     def _press_space_on(self, name):
-        if not self.panel.is_focused(name):
-            self._focus(name)
-        self.session.display.press_key("space")
+        self.press_space_on(self.panel, name)
 
     def _read(self, row, act):
         title, text = INFOS[row]
@@ -119,8 +105,7 @@ class NewUser(EndToEndTest):
 
     def test_the_stop_button_is_announced_by_the_switches(self):
         self._arrive()
-        self.panel.toggle("Build quality")
-        self.wait_until(lambda: self.panel.is_on("Build quality"), "the switch to be on")
+        self.panel.switch(BUILD_QUALITY, True)
         with Announcements() as announcements:
             self.panel.press(LEAVE)
             announcements.wait_for("Build quality", False)

@@ -1,10 +1,10 @@
 """The way from a first launch to the warning."""
 
-import pathlib
 import time
 import unittest
 
-from harness import CHECK, CONTINUE, ENTER, EndToEndTest
+from harness import EndToEndTest
+from virtual_desktop.screens import CHECK, CONTINUE, ENTER, settings_file
 
 ROWS = {
     "Lid creak": "Lid sensor not found — this feature won't be available",
@@ -42,7 +42,7 @@ class Onboarding(EndToEndTest):
 
     def test_a_later_launch_opens_on_the_warning(self):
         self.launch()
-        self._pass_hardware_check()
+        self.pass_hardware_check(self.screens())
         self.leave()
         self.assertTrue(self._stored_flag())
 
@@ -64,14 +64,8 @@ class Onboarding(EndToEndTest):
         self.screens().find(CHECK)
         self.leave()
 
-    def _pass_hardware_check(self):
-        screens = self.screens()
-        screens.press(CHECK)
-        screens.press(CONTINUE)
-        screens.find(ENTER)
-
     def _stored_flag(self):
-        file = pathlib.Path(self.environment["XDG_CONFIG_HOME"], "quorvane", "quorvane.ini")
+        file = settings_file(self.environment)
         return file.exists() and "hardwareChecked=true" in file.read_text()
 
 

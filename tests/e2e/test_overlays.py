@@ -1,4 +1,4 @@
-"""What a person sees, and can still do, while a stop screen or a freeze is up."""
+"""What a user sees, and can still do, while a stop screen or a freeze is up."""
 
 import signal
 import subprocess
@@ -7,14 +7,13 @@ import unittest
 
 import numpy
 
-from harness import EVIDENCE, LEAVE, EndToEndTest
+from harness import EVIDENCE, EndToEndTest
 from virtual_desktop import processes
-from virtual_desktop.screen_capture import ScreenCapture
 from virtual_desktop.other_window import OtherWindow
 from virtual_desktop.pictures import near, save
+from virtual_desktop.screen_capture import ScreenCapture
+from virtual_desktop.screens import LEAVE, PERFORMANCE, STABILITY
 
-STABILITY = "Stability"
-PERFORMANCE = "Performance"
 
 BLUE = (0, 120, 212)
 BENEATH = (200, 40, 120)
@@ -70,10 +69,9 @@ class OverlayTest(EndToEndTest):
         return all(near(self.screen.pixel(*place), color) for place in places)
 
     def turn_on(self, switch):
-        """Turns a switch on; the earliest and the latest instant at which that took effect."""
+        """Turns a switch on; returns the earliest and the latest instant at which that took effect."""
         before = time.monotonic()
-        self.panel.toggle(switch)
-        self.wait_until(lambda: self.panel.is_on(switch), f"{switch} to be on")
+        self.panel.switch(switch, True)
         return before, time.monotonic()
 
     def wait_for_color(self, color, place, timeout):
@@ -241,21 +239,26 @@ class Clearing(OverlayTest):
     """What takes away a panel that is up."""
 
     def await_stop_screen(self):
-        self.turn_on(STABILITY)
+        """Waits until a stop screen has been up for a second; when the effect was turned on."""
+        switched = self.turn_on(STABILITY)
         shown = self.wait_for_color(BLUE, self.corner, 17)
         # It would go by itself only 5 s after it has come.
         time.sleep(max(0, shown + 1 - time.monotonic()))
         self.assertTrue(self.sees(BLUE, (0, self.corner[1]), self.corner))
+        return switched
+
+    def wait_until_cleared(self, timeout):
+        """Waits until the corner is no longer blue and returns when that was seen."""
+        self.wait_until(lambda: not self.sees(BLUE, self.corner), "the panel to go", timeout)
+        return time.monotonic()
 
     def assert_cleared(self, asked, within):
-        cleared = self.wait_until(
-            lambda: not self.sees(BLUE, self.corner) and time.monotonic(), "the panel to go", 10)
-        self.assertLess(cleared - asked, within)
+        self.assertLess(self.wait_until_cleared(10) - asked, within)
         self.assertFalse(near(self.screen.capture(), BLUE).all(axis=1).any(),
                          "a row of blue is left")
 
 
-class ClearedByThePerson(Clearing):
+class ClearedByUser(Clearing):
     def test_with_the_stop_button(self):
         press = self.panel.presser(LEAVE)
         self.await_stop_screen()
@@ -267,7 +270,7 @@ class ClearedByThePerson(Clearing):
     def test_by_closing_the_window(self):
         self.await_stop_screen()
         self.session.display.close_window()
-        # The tool that presses the keys has to start first, which is none of the program's time.
+        # Counted from here: xdotool has to start first.
         self.assert_cleared(time.monotonic(), 0.5)
         self.assertEqual(self.program.wait_for_exit()[0], 0)
 
@@ -284,7 +287,7 @@ class ClearedBySignal(Clearing):
         self.await_stop_screen()
         asked = time.monotonic()
         self.program.kill()
-        # Nobody is left to take it away, and a busy system takes its time to bury the dead.
+        # The X server takes it away. Teardown can be slow under load.
         self.assert_cleared(asked, 10)
         self.assertEqual(self.program.wait_for_exit()[0], -signal.SIGKILL)
 

@@ -9,7 +9,7 @@ import time
 import unittest
 
 from harness import PROGRAM
-from test_overlays import BLUE, STABILITY, Clearing
+from test_overlays import BLUE, Clearing
 
 _AS_A_JOB = """
 import os, resource, sys
@@ -33,26 +33,18 @@ def _ptrace(request, thread):
 
 class Leaving(Clearing):
     def launch(self, *arguments, **environment):
-        # As a shell starts a job: the system stops only a process whose group has a parent.
+        # As a shell starts a job: SIGTSTP stops no process of an orphaned process group.
         self.program = self.session.run(
             [sys.executable, "-c", _AS_A_JOB, str(PROGRAM), *arguments],
             self.environment | environment, self.stack)
         return self.program
-
-    def await_stop_screen(self):
-        """Waits until a stop screen has been up for a second; when the effect was turned on."""
-        switched = self.turn_on(STABILITY)
-        shown = self.wait_for_color(BLUE, self.corner, 17)
-        time.sleep(max(0, shown + 1 - time.monotonic()))
-        self.assertTrue(self.sees(BLUE, (0, self.corner[1]), self.corner))
-        return switched
 
     def signal(self, number):
         os.kill(self.program.pid, number)
         return time.monotonic()
 
     def state(self):
-        """What the system says of the main thread: S sleeps, T is stopped."""
+        """The kernel's state of the main thread: S is sleeping, T is stopped."""
         stat = pathlib.Path(f"/proc/{self.program.pid}/stat").read_text()
         return stat.rpartition(")")[2].split()[0]
 
@@ -60,7 +52,7 @@ class Leaving(Clearing):
         before, after = switched
         shown = self.wait_for_color(BLUE, self.corner, 15)
         self.assert_within(shown, before + 30, after + 30, "the second stop screen")
-        self.wait_until(lambda: not self.sees(BLUE, self.corner), "its end", 6)
+        self.wait_until_cleared(6)
 
 
 class StoppedFromTheTerminal(Leaving):
@@ -77,7 +69,7 @@ class StoppedFromTheTerminal(Leaving):
 
 class HungMainThread(Leaving):
     def _halt_main_thread(self):
-        """Halts that thread alone, as a debugger can."""
+        """Halts the main thread alone, as a debugger does."""
         _ptrace(_PTRACE_SEIZE, self.program.pid)
         _ptrace(_PTRACE_INTERRUPT, self.program.pid)
         os.waitpid(self.program.pid, _ALL_THREADS)
@@ -86,8 +78,7 @@ class HungMainThread(Leaving):
         switched = self.await_stop_screen()
         before, after = switched
         self._halt_main_thread()
-        gone = self.wait_until(
-            lambda: not self.sees(BLUE, self.corner) and time.monotonic(), "the panel to go", 10)
+        gone = self.wait_until_cleared(10)
         self.assert_within(gone, before + 22, after + 22, "the end of the stop screen")
         self.wait_until(lambda: self.program.errors.text, "a line about it")
         _ptrace(_PTRACE_DETACH, self.program.pid)
@@ -100,7 +91,7 @@ class Crash(Leaving):
     def _check(self, number):
         self.await_stop_screen()
         asked = self.signal(number)
-        # A busy system takes its time to clear away what a process held.
+        # Teardown can be slow under load.
         self.assert_cleared(asked, 10)
         self.assertEqual(self.program.wait_for_exit()[0], -number)
 

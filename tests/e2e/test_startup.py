@@ -10,11 +10,11 @@ import unittest
 
 import numpy
 
-from harness import ENTER, REPOSITORY, EndToEndTest
+from harness import REPOSITORY, EndToEndTest
 from virtual_desktop import clips, processes
+from virtual_desktop.screens import CHECK, ENTER, STARTUP, TITLE
 
 TRACTOR = REPOSITORY / "resources" / "tractor.mp3"
-SWITCH = "Startup"
 
 LOADED = "✅ [STARTUP] tractor.mp3 loaded"
 GENERATED = "✅ [RUMBLE] Buffer generated: 25.0Hz + 12.5Hz sub"
@@ -138,16 +138,14 @@ class Waking(StartupTest):
     def test_switched_off_it_stays_silent(self):
         services = self.start_system_bus("login")
         panel = self.launch_into_control_panel(creak=False)
-        self.wait_until(lambda: panel.is_on(SWITCH), "the switch, which is on at first")
-        panel.toggle(SWITCH)
-        self.wait_until(lambda: not panel.is_on(SWITCH), "the switch to be off")
+        self.wait_until(lambda: panel.is_on(STARTUP), "the switch, which is on at first")
+        panel.switch(STARTUP, False)
         self.wait_until_wake_ups_are_heard()
         off = time.monotonic()
         services.sleep_and_wake()
         self.assert_silent(off, off + 2.0, "a machine that wakes with the switch off")
         self.assertEqual(self.startup_lines(), [])
-        panel.toggle(SWITCH)
-        self.wait_until(lambda: panel.is_on(SWITCH), "the switch to be on")
+        panel.switch(STARTUP, True)
         self.wake(services)
         self.leave()
 
@@ -184,7 +182,7 @@ class OpenedAtLogin(StartupTest):
     def test_without_an_autostart_entry_it_stays_silent(self):
         self.launch()
         screens = self.screens()
-        screens.find("CHECK HARDWARE 🔍")
+        screens.find(CHECK)
         time.sleep(1.5)
         self.assertEqual(self.startup_lines(), [])
         self.leave()
@@ -217,7 +215,7 @@ class OpenedByHand(StartupTest):
     def _wait_until_it_is_in_front(self):
         """Returns how long after its sounds the program's window has got the keyboard."""
         display = self.session.display
-        self.wait_until(lambda: (found := display.windows("Quorvane"))
+        self.wait_until(lambda: (found := display.windows(TITLE))
                         and display.focused() == found[0], "the window")
         focused = time.monotonic()
         loaded, = self.times(GENERATED)
@@ -250,14 +248,13 @@ class Faults(StartupTest):
         self.assertEqual(self.startup_lines(), [])
         self.assertNotIn(LOADED, self.program.console.text)
         self.assertIn(GENERATED, self.program.console.text)
-        self.assertTrue(screens.is_on(SWITCH))
+        self.assertTrue(screens.is_on(STARTUP))
         self.leave()
 
     def test_with_a_clip_that_is_no_sound_a_wake_up_does_nothing(self):
         services = self.start_system_bus("login")
-        folder = self.resources_without("*.mp3")
-        for name in ("creaking", "fanmac", "keyboard", "tractor"):
-            (folder / f"{name}.mp3").write_text("no sound at all\n" * 100)
+        folder = self.resources_with_damaged("creaking.mp3", "fanmac.mp3", "keyboard.mp3",
+                                             "tractor.mp3")
         self.launch_into_control_panel(creak=False, QUORVANE_RESOURCES=str(folder))
         begun = time.monotonic()
         self._wake_twice(services)

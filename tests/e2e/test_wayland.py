@@ -5,6 +5,7 @@ import unittest
 
 from harness import EVIDENCE, EndToEndTest
 from virtual_desktop.pictures import near, save
+from virtual_desktop.screens import PERFORMANCE, STABILITY
 from virtual_desktop.wayland import WaylandDisplay
 
 BLUE = (0, 120, 212)
@@ -43,8 +44,7 @@ class WaylandTest(EndToEndTest):
 
     def check(self, switch, color, name, delays, lengths):
         before = time.monotonic()
-        self.panel.toggle(switch)
-        self.wait_until(lambda: self.panel.is_on(switch), f"{switch} to be on")
+        self.panel.switch(switch, True)
         after = time.monotonic()
         shown = self.wait_for_corners(color, delays[1] + 2)
         self.assertGreater(shown, before + delays[0] - LATE)
@@ -63,14 +63,14 @@ class WaylandTest(EndToEndTest):
 
 class StopScreen(WaylandTest):
     def test_comes_above_it(self):
-        picture = self.check("Stability", BLUE, "stop-screen-wayland", (15, 15), (5, 5))
+        picture = self.check(STABILITY, BLUE, "stop-screen-wayland", (15, 15), (5, 5))
         self.assertGreater(near(picture, BLUE).mean(), 0.95)
         self.assertGreater(near(picture[240:320, 100:804], (255, 255, 255), 30).sum(), 1000)
 
 
 class Freeze(WaylandTest):
     def test_comes_above_it_and_lets_it_be_seen(self):
-        picture = self.check("Performance", VEILED, "freeze-wayland", (20, 40), (3, 4))
+        picture = self.check(PERFORMANCE, VEILED, "freeze-wayland", (20, 40), (3, 4))
         veiled = near(picture, VEILED)
         self.assertGreater(veiled.mean(), 0.95)
         middle = veiled[picture.shape[0] // 2 - 150:, :][:300, 490:790]

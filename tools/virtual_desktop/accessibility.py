@@ -168,6 +168,11 @@ class Application:
         """Turns a switch over."""
         _do(self.find(name, *SWITCHES), ("toggle", "press", "click"))
 
+    def switch(self, name, on):
+        """Turns a switch over and waits until it is on, or off."""
+        self.toggle(name)
+        wait_until(lambda: self.is_on(name) == on, f'"{name}" to be {"on" if on else "off"}', 5.0)
+
     def is_on(self, name):
         """Whether a switch is on."""
         states = self.find(name, *SWITCHES).get_state_set()
