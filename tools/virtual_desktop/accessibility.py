@@ -10,23 +10,23 @@ from . import waiting
 from .waiting import TimedOut, wait_until
 
 gi.require_version("Atspi", "2.0")
-from gi.repository import Atspi, GLib  # noqa: E402 (the version has to be asked for first)
+from gi.repository import Atspi, GLib  # noqa: E402 (require_version has to come first)
 
 BUTTON = Atspi.Role.PUSH_BUTTON
-# What a switch is called depends on the toolkit's version.
+# The role of a switch depends on the version of Qt.
 SWITCHES = (Atspi.Role.CHECK_BOX, Atspi.Role.TOGGLE_BUTTON)
 
 READABLE_WITHIN = 5.0
-"""Seconds for which a tree may answer with errors: one that is changing, or a busy program."""
+"""Seconds for which reading a tree may fail: it is changing, or the program is busy."""
 
 
 class ScreenReader:
-    """The one accessibility client of this process: it can only ever be on one bus."""
+    """The accessibility client of this process, which can connect to one bus only."""
 
     def __init__(self, bus_address):
         os.environ["AT_SPI_BUS_ADDRESS"] = bus_address
         Atspi.init()
-        # Nothing here runs a main loop that would keep the client's cache fresh.
+        # The cache is kept up to date by a main loop, and none runs here.
         Atspi.get_desktop(0).set_cache_mask(Atspi.Cache.NONE)
         Atspi.set_timeout(3000, 10000)
 
@@ -46,12 +46,12 @@ class ScreenReader:
                 if child is not None and child.get_process_id() == program.pid:
                     return child
             except GLib.Error:
-                pass  # an earlier program that is just leaving
+                pass  # an earlier program that is ending
         return None
 
 
 class Announcements:
-    """What a screen reader is told of switches, from now on until it is closed."""
+    """The changes of switches that a screen reader is notified of, while the context is open."""
 
     def __init__(self):
         self._heard = []
@@ -68,9 +68,9 @@ class Announcements:
         self._heard.append((event.source.get_name(), bool(event.detail1)))
 
     def wait_for(self, name, on):
-        """Waits until it has been told that the switch of this name is on, or off."""
+        """Waits for the notification that the switch of this name is on, or off."""
         def heard():
-            # Nobody else runs the loop from which the announcements come.
+            # The events are delivered by this loop, which nothing else runs.
             while GLib.MainContext.default().iteration(False):
                 pass
             return (name, on) in self._heard
@@ -80,9 +80,9 @@ class Announcements:
 def _children(node):
     count = node.get_child_count()
     children = [node.get_child_at_index(index) for index in range(count)]
-    # These two say so where others raise an error.
+    # These calls report an error by such values instead of raising.
     if count < 0 or None in children:
-        raise GLib.Error("no answer, or children that have just gone")
+        raise GLib.Error("no answer, or the children have just been removed")
     return children
 
 
@@ -91,11 +91,11 @@ def _shown(node):
 
 
 class Unreadable(AssertionError):
-    """What is shown cannot be told: the program answers with errors, or not at all."""
+    """The program answers with errors, or not at all."""
 
 
 class Application:
-    """What a screen reader knows of one running program. Nothing can be said of an ended one."""
+    """The accessible tree of a running program; once that has ended, every call raises."""
 
     def __init__(self, root, program):
         self._root = root
@@ -108,12 +108,12 @@ class Application:
                 yield from self._walk(child, depth + 1)
 
     def _read(self, evaluate):
-        """What `evaluate` makes of the tree's nodes, each with its depth."""
+        """Calls `evaluate` with the tree's (depth, node) pairs, again if the tree has changed."""
         deadline = time.monotonic() + READABLE_WITHIN * waiting.slowness
         while True:
             try:
                 result = evaluate(self._walk(self._root))
-                # An empty name may be no answer, too: only some calls tell that there was none.
+                # An empty name may mean that there was no answer; this call would raise then.
                 self._root.get_role()
                 self._check_that_it_runs()
                 return result
@@ -121,11 +121,11 @@ class Application:
                 self._check_that_it_runs()
                 if time.monotonic() >= deadline:
                     raise Unreadable(f"what is shown cannot be read: {error.message}") from None
-                time.sleep(0.02)  # the screen changed under the walk
+                time.sleep(0.02)  # the tree changed during the walk
 
     def _check_that_it_runs(self):
         if not self._program.is_running:
-            raise AssertionError("the program has ended: nothing can be said of what it shows")
+            raise AssertionError("the program has ended: what it shows cannot be read")
 
     def _matches(self, name, roles):
         return self._read(lambda nodes: [
@@ -133,7 +133,7 @@ class Application:
             if node.get_name() == name and (not roles or node.get_role() in roles)])
 
     def _matches_by_now(self, name, roles):
-        """As `_matches` for what is yet to appear: a program that starts may not answer yet."""
+        """As `_matches`, but empty if unreadable: a program that starts may not answer yet."""
         try:
             return self._matches(name, roles)
         except Unreadable:
@@ -156,11 +156,11 @@ class Application:
         wait_until(lambda: not self.shows(name), f'"{name}" to go', timeout, interval=0.05)
 
     def press(self, name, timeout=10.0):
-        """Does what a button does when it is pressed."""
+        """Presses a button."""
         _do(self.find(name, BUTTON, timeout=timeout), ("press", "click"))
 
     def presser(self, name):
-        """Looks for a button now; what is returned presses it, without the time of the search."""
+        """Finds a button now; returns a function that presses it without another search."""
         button = self.find(name, BUTTON)
         return lambda: _do(button, ("press", "click"))
 
@@ -179,21 +179,21 @@ class Application:
         return states.contains(Atspi.StateType.CHECKED)
 
     def is_focused(self, name):
-        """Whether what has this name has the keyboard."""
+        """Whether the control of this name has the keyboard focus."""
         return any(node.get_state_set().contains(Atspi.StateType.FOCUSED)
                    for node in self._matches(name, ()))
 
     def description(self, name, *roles):
-        """What is told of something beyond its name."""
+        """The accessible description."""
         return self.find(name, *roles).get_description()
 
     def place(self, name, *roles):
-        """Where something is on the screen: x, y, width, height."""
+        """The place of something on the screen: x, y, width, height."""
         box = self.find(name, *roles).get_extents(Atspi.CoordType.SCREEN)
         return box.x, box.y, box.width, box.height
 
     def settled_place(self, name, *roles):
-        """Like `place`, once it no longer changes: a screen that comes in moves its controls."""
+        """Like `place`, once it no longer changes: controls move while a screen slides in."""
         places = []
 
         def rests():
@@ -203,7 +203,7 @@ class Application:
         return places[-1]
 
     def describe(self):
-        """The whole tree, for a person to read."""
+        """The whole tree as text."""
         try:
             return self._read(lambda nodes: "\n".join(
                 f"{'  ' * depth}{node.get_role_name()} '{node.get_name()}'"
@@ -214,7 +214,7 @@ class Application:
 
 def _do(node, names):
     with warnings.catch_warnings():
-        # The replacement that its deprecation names is hidden by Accessible's own get_name.
+        # The suggested replacement, Action.get_name, is hidden by Accessible.get_name.
         warnings.simplefilter("ignore", DeprecationWarning)
         offered = [node.get_action_name(i).lower() for i in range(node.get_n_actions())]
     for name in names:

@@ -24,7 +24,7 @@ _CONFIG = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configura
 
 
 class Bus:
-    """A message bus on which nothing is started on demand."""
+    """A message bus without service activation."""
 
     def __init__(self, env, directory, name, stack):
         self._env = env
@@ -41,7 +41,7 @@ class Bus:
             raise daemon.failure(f"the {name} bus has no address")
 
     def is_listened_to(self, member):
-        """Whether somebody has asked for the signals of this name."""
+        """Whether any connection has a match rule for the signals of this name."""
         connection = dbus.bus.BusConnection(self.address)
         try:
             daemon = connection.get_object("org.freedesktop.DBus", "/org/freedesktop/DBus",
@@ -53,7 +53,7 @@ class Bus:
 
 
 class AccessibilityBus:
-    """The accessibility bus of a session: its launcher, the bus and (on demand) its registry."""
+    """The accessibility bus of a session: its launcher, the bus and, once needed, its registry."""
 
     LAUNCHER = "/usr/libexec/at-spi-bus-launcher"
 

@@ -94,7 +94,7 @@ class Loop:
         samples, own_rate = decode(path)
         self._rate = rate
         self.period = round(len(samples) * rate / own_rate)
-        """How many recorded samples a round takes."""
+        """The length of a round in recorded samples."""
         times = numpy.arange(2 * self.period) * own_rate / rate % len(samples)
         self._twice = _low_pass(
             numpy.interp(times, numpy.arange(len(samples) + 1), [*samples, samples[0]]), rate)

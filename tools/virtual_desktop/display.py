@@ -20,7 +20,7 @@ class Display:
         manager.wait_until(lambda: self._xdotool_works("get_num_desktops"), "the window manager")
 
     def _start_server(self, env, stack, width, height):
-        # Xvfb picks a free number itself: between a check of ours and its start another could take it.
+        # With -displayfd Xvfb picks a free number itself, which is free of races.
         read_end, write_end = os.pipe()
         try:
             server = processes.Server(
@@ -33,7 +33,7 @@ class Display:
         with os.fdopen(read_end) as answer:
             number = answer.readline().strip()
         if not number:
-            raise server.failure("it offers no display")
+            raise server.failure("it has no display number")
         return f":{number}"
 
     def _xdotool_works(self, *arguments):

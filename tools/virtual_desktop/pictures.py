@@ -1,4 +1,4 @@
-"""Looking at a screenshot."""
+"""Reading, comparing and writing pictures."""
 
 import subprocess
 
@@ -17,7 +17,7 @@ def pixels(path, channels="rgb"):
 
 
 def change(before, after):
-    """The share of pixels that differ between two pictures of one size, be it ever so slightly."""
+    """The share of pixels that differ at all between two pictures of one size."""
     return float((before != after).any(axis=2).mean())
 
 
@@ -32,7 +32,7 @@ def detail(path):
 
 
 def near(seen, wanted, tolerance=4):
-    """Whether colours are the same but for rounding: a yes or no for each pixel."""
+    """Whether colours are the same within `tolerance`: a truth value for each pixel."""
     return (numpy.abs(numpy.asarray(seen).astype(int) - wanted) <= tolerance).all(axis=-1)
 
 

@@ -1,4 +1,4 @@
-"""Child processes that are ended by their id, and never outlive the process that started them."""
+"""Child processes, which end with the process that started them."""
 
 import ctypes
 import os
@@ -15,7 +15,7 @@ _PR_SET_PDEATHSIG = 1
 
 
 def _end_with_parent():
-    # A test runner that gives up kills the tests without giving them a chance to clean up.
+    # CTest kills a test that times out, which then cannot end its own processes.
     _libc.prctl(_PR_SET_PDEATHSIG, signal.SIGTERM)
 
 
@@ -49,7 +49,7 @@ def start_script(path, *arguments, env, stack):
 
 
 class Server:
-    """A server of the desktop, ended with `stack`; `said` is what it writes to standard error."""
+    """A server of the desktop, ended with `stack`; `said` has its lines on standard error."""
 
     def __init__(self, command, env, stack, **popen_options):
         self._name = os.path.basename(command[0])
@@ -59,33 +59,34 @@ class Server:
         except FileNotFoundError:
             raise NotStarted(self._name, "it is not installed") from None
         self.said = Lines(self.process.stderr)
-        # Closing the pipe would wait for the reader, and the server's own children may keep it open.
+        # Not closed by end(): that would wait for the reader, for as long as a child of the server
+        # keeps the pipe open.
         self.process.stderr = None
 
     def wait_until(self, condition, what):
         """Waits until it can be used; returns what `condition` returned."""
-        def looked_at():
+        def check():
             if self.process.poll() is not None:
                 raise self.failure(f"it ended with status {self.process.returncode}")
             return condition()
         try:
-            return wait_until(looked_at, what)
+            return wait_until(check, what)
         except TimedOut as error:
             raise self.failure(str(error)) from None
 
     def failure(self, reason):
-        """The error to raise when it does not do what it is there for."""
+        """The error to raise when the server does not work."""
         if self.process.poll() is not None:
             self.said.wait_for_end()
         return NotStarted(self._name, reason, "".join(f"{line}\n" for line in self.said.text))
 
 
-def end(process, patience=3.0):
-    """Asks `process` to end, insists after `patience` seconds, and reaps it."""
+def end(process, timeout=3.0):
+    """Ends `process` by SIGTERM, after `timeout` seconds by SIGKILL, and closes its pipes."""
     if process.poll() is None:
         process.terminate()
         try:
-            process.wait(patience)
+            process.wait(timeout)
         except subprocess.TimeoutExpired:
             process.kill()
             process.wait()
@@ -95,7 +96,7 @@ def end(process, patience=3.0):
 
 
 def base_environment(home):
-    """What every process of a desktop gets: of the caller's only the PATH, and a home of its own."""
+    """The environment of every process of a desktop: the caller's PATH and folders below `home`."""
     environment = {
         "PATH": os.environ.get("PATH", os.defpath),
         "HOME": home,
@@ -107,13 +108,13 @@ def base_environment(home):
     }
     for name in ("XDG_RUNTIME_DIR", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME"):
         os.makedirs(environment[name], mode=0o700, exist_ok=True)
-    # Sanitizers and coverage are told what to do from outside.
+    # The options of the sanitizers come from the caller, too.
     environment.update({k: v for k, v in os.environ.items() if k.endswith("SAN_OPTIONS")})
     return environment
 
 
 class Lines:
-    """Reads a pipe's lines in the background and remembers when each one arrived."""
+    """Reads a pipe's lines in a thread and remembers when each one arrived."""
 
     def __init__(self, pipe):
         self._pipe = pipe
@@ -142,17 +143,17 @@ class Lines:
             return [text for _, text in self._lines]
 
     def timed(self):
-        """The lines so far, each with the instant at which it came."""
+        """The lines so far as (instant, text)."""
         with self._changed:
             return list(self._lines)
 
     def times(self, text):
-        """When each of the lines so far came that is exactly `text`."""
+        """When each line came that is exactly `text`."""
         with self._changed:
             return [arrived for arrived, line in self._lines if line == text]
 
     def since(self, start):
-        """The lines so far, each after the seconds from `start` at which it came."""
+        """The lines so far as text, each after its seconds since `start`."""
         with self._changed:
             return [f"{arrived - start:7.2f}  {text}" for arrived, text in self._lines]
 

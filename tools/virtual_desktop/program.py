@@ -1,4 +1,4 @@
-"""The program under observation."""
+"""A running program."""
 
 import os
 import signal
@@ -10,9 +10,9 @@ from .waiting import TimedOut
 
 
 class Program:
-    """A running program: its console, its standard error, its end.
+    """A running program, its console and its standard error.
 
-    With `console_reader` False nobody reads the console: writing to it fails.
+    With `console_reader` False the console is a broken pipe.
     """
 
     def __init__(self, command, env, stack, console_reader=True):
@@ -49,7 +49,7 @@ class Program:
         self._process.send_signal(signal.SIGTERM)
 
     def kill(self):
-        """Ends it without giving it the chance to clean up."""
+        """Ends it by SIGKILL."""
         self._process.send_signal(signal.SIGKILL)
 
     def wait_for_exit(self, timeout=5.0):

@@ -90,7 +90,7 @@ class LiveRecording(Recording):
                 self.start = min(self.start, now - len(self._samples) / 2 / self.rate)
 
     def wait_for_start(self):
-        """Waits until sound arrives, be it silence; the server takes 2 s to its first block."""
+        """Waits for the first samples, which may be silence; the server takes 2 s to send them."""
         wait_until(lambda: self.end > -math.inf, "the recorder's first samples")
 
     @property

@@ -1,7 +1,9 @@
-"""Stand-ins for logind, UPower and the settings portal; told on standard input what happens.
+"""Fakes of logind, UPower and the settings portal, controlled through standard input.
 
 Usage: services.py BUS-ADDRESS [login] [power] [portal]
 """
+
+# python3-dbusmock would be shorter, but starts in 0.11 s instead of 0.04 s and needs dbus-x11.
 
 import sys
 
@@ -19,7 +21,7 @@ MOTION = ("org.gnome.desktop.interface", "enable-animations")
 
 
 class Login(dbus.service.Object):
-    """What of logind's manager tells of sleep."""
+    """The part of logind's manager that is about sleep."""
 
     def __init__(self, connection):
         name = dbus.service.BusName("org.freedesktop.login1", connection)
@@ -31,7 +33,7 @@ class Login(dbus.service.Object):
 
 
 class Power(dbus.service.Object):
-    """What of UPower tells of the lid."""
+    """The part of UPower that is about the lid."""
 
     def __init__(self, connection):
         self._closed = False
@@ -62,7 +64,7 @@ class Power(dbus.service.Object):
 
 
 class Portal(dbus.service.Object):
-    """What of the settings portal tells of animations."""
+    """The part of the settings portal that is about animations."""
 
     def __init__(self, connection, animations):
         self._animations = animations

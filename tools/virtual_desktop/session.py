@@ -1,4 +1,4 @@
-"""All the pieces together: a desktop session of our own."""
+"""A desktop session of all these parts."""
 
 import contextlib
 import os
@@ -14,8 +14,8 @@ from .sound_server import SoundServer
 class Session:
     """A display with a window manager, a session bus with accessibility, a sound server.
 
-    A context manager: leaving it ends every process of it and removes its files. As an
-    accessibility client can be on one bus only, a process can have one session.
+    A context manager: leaving it ends its processes and removes its files. A process can have one
+    session in all, as its accessibility client can connect to one bus only.
     """
 
     def __init__(self, width=1280, height=1024):
@@ -44,7 +44,7 @@ class Session:
         self.sound = self.sound_server("sound")
         self.sound.start(self._stack)
         self.recording = self.sound.record(self._stack)
-        # Connects to the accessibility bus of this process's environment as it is loaded.
+        # Atspi connects to the bus in this process's environment when it is loaded.
         from .accessibility import ScreenReader
         self.reader = ScreenReader(accessibility.address)
 
@@ -57,11 +57,11 @@ class Session:
         return Bus(self._env, self.directory, name, stack)
 
     def settings_portal(self, stack):
-        """A settings portal that asks for less motion from the start, until `stack` is closed."""
+        """A settings portal with animations off, until `stack` is closed."""
         return Services(self._env, self._bus, stack, ["portal"])
 
     def environment(self, home):
-        """What a program in this session gets, with a home folder of its own, no system bus."""
+        """A program's environment in this session, with its own home folder and no system bus."""
         environment = processes.base_environment(home)
         environment.update({
             "DISPLAY": self.display.name,

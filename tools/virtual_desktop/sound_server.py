@@ -1,4 +1,4 @@
-"""A silent sound server whose output is recorded, and which tells when it ran dry."""
+"""A sound server with a null sink, its output recorded and its dropouts counted."""
 
 import math
 import os
@@ -9,14 +9,14 @@ from .recording import LiveRecording
 
 
 DRY = ("Implicit underrun of", "due to end of underrun")
-"""What the server says of a stream that has nothing left to play: of one that is to go on whatever
-comes, at once; of any other, when there is something again."""
+"""What the server logs of an underrun: at once for a stream that must not stop, for any other once it
+has samples again."""
 
 FRESH = ("Created input", "due to uncorking")
-"""What it says of a stream that begins, or goes on after a pause: that had nothing either."""
+"""What it logs of a stream that begins, or goes on after a pause; those underrun at first."""
 
 SETTLED = 0.1
-"""Seconds after which such a stream has got its first sound."""
+"""Seconds after which such a stream has its first samples."""
 
 
 class SoundServer:
@@ -56,9 +56,9 @@ class SoundServer:
             ["pactl", "info"], env=self._env, capture_output=True, timeout=10).returncode == 0
 
     def dropouts(self, begin, end):
-        """How often between two instants something that was playing had nothing left to play.
+        """How many underruns of playing streams there were between two instants.
 
-        Then the server has played silence in its place: the machine was too busy.
+        The server plays silence then: the machine was too busy.
         """
         count, fresh = 0, -math.inf
         for arrived, line in self._log.timed():
@@ -69,7 +69,7 @@ class SoundServer:
         return count
 
     def record(self, stack):
-        """Starts to record all that is played from soon on; see LiveRecording.wait_for_start."""
+        """Starts to record what is played; see LiveRecording.wait_for_start."""
         recorder = processes.start(
             ["parec", f"--device={self.SINK}.monitor", f"--rate={self.RATE}", "--channels=1",
              "--format=s16le", "--latency-msec=20", "--client-name=e2e-recorder"],

@@ -1,9 +1,9 @@
-"""Waiting for a condition instead of for a guessed length of time."""
+"""Waiting until a condition holds."""
 
 import time
 
 slowness = 1.0
-"""How much longer than on a real machine everything may take here."""
+"""The factor of all timeouts, for a machine that is emulated."""
 
 
 class TimedOut(AssertionError):

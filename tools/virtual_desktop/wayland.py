@@ -1,4 +1,4 @@
-"""A Wayland compositor without a screen, and an X server within it."""
+"""A headless Wayland compositor with Xwayland."""
 
 import glob
 import json
@@ -21,9 +21,9 @@ exec xhost +si:localuser:{client} && echo "$DISPLAY $WAYLAND_DISPLAY" > "$XDG_RU
 
 
 class WaylandDisplay:
-    """A sway and its Xwayland, for as long as `stack` is open.
+    """A sway and its Xwayland, until `stack` is closed.
 
-    It refuses to run as root. There it runs as nobody, and so do the windows of `start`.
+    sway refuses to run as root; for root it and the programs of `start` run as the user nobody.
     """
 
     def __init__(self, stack, width=1280, height=800):
@@ -33,7 +33,7 @@ class WaylandDisplay:
         if os.getuid() == 0:
             user = pwd.getpwnam("nobody")
             os.chown(directory, user.pw_uid, user.pw_gid)
-            # A change of user makes the kernel forget that the process is to end with its parent.
+            # Changing the user resets the parent-death signal.
             self._as_user = ["setpriv", f"--reuid={user.pw_uid}", f"--regid={user.pw_gid}",
                              "--clear-groups", "--pdeathsig=TERM"]
         self._directory = directory
@@ -51,7 +51,7 @@ class WaylandDisplay:
         self._env |= {"WAYLAND_DISPLAY": socket, "SWAYSOCK": control}
         self.environment = {"DISPLAY": display,
                             "WAYLAND_DISPLAY": os.path.join(directory, socket)}
-        """What a program needs to find it."""
+        """The variables by which a program connects to it."""
 
     def _ready(self):
         try:
@@ -72,13 +72,13 @@ class WaylandDisplay:
                                  capture_output=True, timeout=20).stdout
         magic, width, height, depth = picture.split(maxsplit=4)[:4]
         if (magic, depth) != (b"P6", b"255"):
-            raise RuntimeError("this is no picture of 24-bit colours")
+            raise RuntimeError("grim wrote no PPM of 24-bit colours")
         width, height = int(width), int(height)
         pixels = numpy.frombuffer(picture[-width * height * 3:], dtype=numpy.uint8)
         return pixels.reshape(height, width, 3)
 
     def focused(self):
-        """The id, in the compositor's own numbering, of what has the keyboard."""
+        """The compositor's id of the window with the keyboard focus."""
         tree = subprocess.run(["swaymsg", "-r", "-t", "get_tree"], env=self._env, check=True,
                               capture_output=True, timeout=20).stdout
         nodes = [json.loads(tree)]

@@ -1,4 +1,4 @@
-"""A window of one colour that tells on standard output which keys and clicks reach it.
+"""A window of one colour that prints which keys and clicks reach it.
 
 Usage: window.py RRGGBB [WIDTHxHEIGHT+X+Y]; without a place it is full screen. Prints its id in
 decimal once it is shown, then "key" or "click" for each press.
