@@ -1,4 +1,4 @@
-"""What every end-to-end test needs: a desktop session, and the built program started in it.
+"""The base of the end-to-end tests: a desktop session with the built program in it.
 
 QUORVANE_BUILD_DIR names the build that is tested (by default the folder "build" of the repository).
 A test that fails leaves a picture of the screen and a recording in its folder "e2e".
@@ -32,18 +32,18 @@ MONITORING = "📡 [SENSOR] Sleep/wake monitoring started"
 FINISHED = "✅ [AUDIO] Τελείωσε — ready for next"
 
 OTHER_EFFECTS = ("[STARTUP]", "[RUMBLE]", "[HAPTIC]", "[KEYBOARD]", "[FAN]")
-"""The tags of the lines that have nothing to do with the lid."""
+"""The tags of the lines that are not about the lid."""
 
 AUDIBLE = -50.0
-"""dBFS above which somebody would hear the creak."""
+"""dBFS above which the creak can be heard."""
 
 LISTENING_ATTEMPTS = 4
-"""How often at the most something is listened to; see `hear`."""
+"""The most attempts of `hear`."""
 
-OWN_WORDS = "quorvane: "
-"""How each line begins that the program itself writes to standard error."""
+OWN_LINES = "quorvane: "
+"""The prefix of the program's own lines on standard error; libraries write others."""
 
-ANY_WORDS = ""
+ANY_LINES = ""
 
 
 def _keep_evidence(step):
@@ -58,14 +58,13 @@ def _keep_evidence(step):
 
 
 class EndToEndTest(unittest.TestCase):
-    """A session for the class; a home folder, and whatever is started, for each test."""
+    """A session for the class; a home folder and the processes started in it for each test."""
 
     listens = False
-    """Whether the class's tests need the recording, which takes 2 s to begin, and a machine on
-    which nothing computes beside them."""
+    """Whether the tests need the recording, which takes 2 s to begin, and an idle machine."""
 
     waits = False
-    """Whether the class's tests sleep for most of their time, so that they can run beside others."""
+    """Whether the tests sleep for most of their time, so that they can run beside others."""
 
     program = None
 
@@ -93,7 +92,7 @@ class EndToEndTest(unittest.TestCase):
     # The program.
 
     def launch(self, *arguments, console_reader=True, **environment):
-        """Starts the program; `environment` adds to this test's, or takes away what is None."""
+        """Starts the program; `environment` adds variables, or removes those that are None."""
         env = {name: value for name, value in (self.environment | environment).items()
                if value is not None}
         self.program = self.session.run([str(PROGRAM), *arguments], env, self.stack,
@@ -118,7 +117,7 @@ class EndToEndTest(unittest.TestCase):
         tree.find(screens.ENTER)
 
     def launch_into_control_panel(self, creak, *arguments, **environment):
-        """A later launch, entered into the control panel, with the creak's switch as asked."""
+        """A later launch as far as the control panel; `creak` turns the creak's switch on."""
         self.skip_hardware_check()
         self.launch(*arguments, **environment)
         panel = screens.open_control_panel(self.session.reader, self.program)
@@ -127,14 +126,14 @@ class EndToEndTest(unittest.TestCase):
         return panel
 
     def lid_lines(self):
-        """The console lines that tell of the sensor and of the creak."""
+        """The console lines about the sensor and the creak."""
         return [line for line in self.program.console.text
                 if not any(tag in line for tag in OTHER_EFFECTS)]
 
     def leave(self, complaints=None):
-        """Ends the program and makes sure that it ends well.
+        """Ends the program by SIGTERM; its status has to be 0.
 
-        Its standard error has to be empty, or to hold but lines that begin with `complaints`.
+        Every line on standard error has to begin with `complaints`; by default there may be none.
         """
         self.program.terminate()
         status, _ = self.program.wait_for_exit()
@@ -178,18 +177,18 @@ class EndToEndTest(unittest.TestCase):
         self.focus(tree, name)
         self.session.display.press_key("space")
 
-    # The machine around it.
+    # The system bus.
 
     def start_system_bus(self, *services):
-        """A system bus with the stand-ins named; the program will find it."""
+        """A system bus with the fakes named, for programs that start from now on."""
         self.bus = self.session.system_bus(self._testMethodName, self.stack)
         self.environment["DBUS_SYSTEM_BUS_ADDRESS"] = self.bus.address
         return Services(self.environment, self.bus, self.stack, services) if services else None
 
-    def wait_until_wake_ups_are_heard(self):
-        """A program that is shown listens to the system bus, or is just about to."""
+    def wait_until_sleep_is_watched(self):
+        """A program whose window is up listens to the system bus, or is about to."""
         self.wait_until(lambda: self.bus.is_listened_to("PrepareForSleep"),
-                        "the program to ask for the machine's sleep", 1.0)
+                        "the program to subscribe to the machine's sleep", 1.0)
 
     # Time and sound.
 
@@ -198,10 +197,10 @@ class EndToEndTest(unittest.TestCase):
         return wait_until(condition, what, timeout)
 
     def hear(self, check):
-        """Runs `check`, which listens, and again only if the sound server ran dry meanwhile.
+        """Runs `check` on the recording, and again only if it fails and the sound server ran dry.
 
-        It does so where it, or the program, gets no processor time for longer than its buffers
-        last. What is heard then is no fault of the program's.
+        That happens where the server or the program gets no processor time for longer than its
+        buffers last, which is not the program's fault.
         """
         for attempt in range(1, LISTENING_ATTEMPTS + 1):
             begin = time.monotonic()
@@ -212,10 +211,10 @@ class EndToEndTest(unittest.TestCase):
                 error.add_note(f"attempt {attempt}: the sound server ran dry {dropouts} times")
                 if not dropouts or attempt == LISTENING_ATTEMPTS:
                     raise
-                self.tell_repeat(f"once more, as the sound server ran dry {dropouts} times: {error}")
+                self.log_repeat(f"once more, as the sound server ran dry {dropouts} times: {error}")
 
-    def tell_repeat(self, text):
-        """Tells of what was put to the test again: CTest shows no output of a test that passes."""
+    def log_repeat(self, text):
+        """Logs a repeated check to a file: CTest shows no output of a test that passes."""
         with open(BUILD / "repeats.log", "a", encoding="utf-8") as file:
             print(f"{self.id()}: {text}", file=file)
 
@@ -226,7 +225,7 @@ class EndToEndTest(unittest.TestCase):
                       f"{end - begin:.2f} s of silence")
 
     def assert_creaks(self, begin, end, why):
-        """A creak is a row of pulses: it need not sound at every instant, but in every stretch."""
+        """A creak is a series of pulses, and has to be loud in each half second."""
         stretch = (end - begin) / max(1, round((end - begin) / 0.5))
         at = begin
         while at < end - 0.01:
@@ -234,10 +233,10 @@ class EndToEndTest(unittest.TestCase):
             self.assertGreater(level, AUDIBLE, f"{why}: quiet {at - begin:.2f} s after its start")
             at += stretch
 
-    # What is left of a failure.
+    # Evidence of a failure.
 
     def evidence(self):
-        """Keeps what can be kept, and tells where it is and what the program said."""
+        """Saves a screenshot and the recording; returns where they are and the program's output."""
         EVIDENCE.mkdir(parents=True, exist_ok=True)
         picture = EVIDENCE / f"{self._testMethodName}.png"
         sound = EVIDENCE / f"{self._testMethodName}.wav"

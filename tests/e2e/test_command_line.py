@@ -20,11 +20,11 @@ class CommandLine(EndToEndTest):
             for option in ("--help", "--version", "--simulated", "--demo"):
                 self.assertIn(option, output)
 
-    def test_a_refusal_tells_where_the_options_are_told(self):
+    def test_a_refusal_names_the_help_option(self):
         _, _, errors = self._run("--no-such-option")
         self.assertIn("--help", errors.replace("--no-such-option", ""))
 
-    def test_version_is_told(self):
+    def test_version_is_printed(self):
         status, output, errors = self._run("--version", DISPLAY=None)
         self.assertEqual((status, errors), (0, ""))
         self.assertRegex(output, r"^\S+ \d+\.\d+\.\d+$")
@@ -45,7 +45,7 @@ class CommandLine(EndToEndTest):
     def test_a_missing_scenario_is_refused(self):
         self._check_refusal("/no/such.scenario", "--simulated", "/no/such.scenario")
 
-    def test_a_scenario_that_makes_no_sense_is_refused(self):
+    def test_an_invalid_scenario_is_refused(self):
         file = pathlib.Path(self.home, "nonsense.scenario")
         file.write_text('{ "model": "X", "lids": 3 }')
         self._check_refusal("lids", "--simulated", str(file))
@@ -53,21 +53,21 @@ class CommandLine(EndToEndTest):
     def test_an_option_without_its_file_is_refused(self):
         self._check_refusal("--simulated", "--simulated")
 
-    def test_a_missing_display_is_told(self):
+    def test_a_missing_display_is_an_error(self):
         status, output, errors = self._run(DISPLAY=None)
         self.assertEqual((status, output), (1, ""))
         self.assertRegex(errors, "(?m)^quorvane: .*display")
 
-    def test_a_display_that_does_not_answer_is_told(self):
+    def test_a_display_that_does_not_answer_is_an_error(self):
         status, output, errors = self._run(DISPLAY=":65000")
         self.assertEqual((status, output), (1, ""))
         self.assertRegex(errors, "(?m)^quorvane: .*display")
 
-    def test_a_reader_of_the_help_that_has_gone_is_no_error(self):
+    def test_help_on_a_closed_pipe_is_no_error(self):
         program = self.launch("--help", console_reader=False)
         self.assertEqual(program.wait_for_exit(10)[0], 0)
 
-    def test_a_reader_of_the_console_that_has_gone_is_no_error(self):
+    def test_a_console_on_a_closed_pipe_is_no_error(self):
         self.skip_hardware_check()
         self.launch(console_reader=False)
         screens = self.session.reader.application(self.program)

@@ -73,7 +73,7 @@ class ControlPanel(EndToEndTest):
         self.assertEqual(display.geometry(window)[2:], (550, 780))
         left, top, width, height = self.panel.settled_place(ENTER)
         display.drag_with_alt(3, (left + width - 5, top + height - 5), (60, 50))
-        # A resize would have been asked for before the next key reaches the program.
+        # A resize would come before the keys.
         self.focus(self.panel, ENTER)
         self.assertEqual(display.geometry(window)[2:], (550, 780))
         self.leave()

@@ -1,4 +1,4 @@
-"""The lid's own events make the hinge creak."""
+"""The lid's events make the hinge creak."""
 
 import re
 import time
@@ -11,14 +11,14 @@ BURST = 3.0
 """Seconds for which a lid event keeps the hinge moving."""
 
 REACTION = 0.5
-"""Seconds that an event may take to be heard, and silence to come; generous for a busy machine."""
+"""Seconds until an event is heard, or silence begins; generous for a busy machine."""
 
 
 class Creak(EndToEndTest):
     listens = True
 
     def _hear_burst(self, event):
-        """Lets `event` happen and checks the burst of creak that it makes."""
+        """Calls `event` and checks the burst of creak that it causes."""
         happened = time.monotonic()
         quiet_since = max(happened - 0.5, self.started)
         self.assert_silent(quiet_since, happened, "before the event")
@@ -53,18 +53,18 @@ class Creak(EndToEndTest):
     def test_a_machine_that_goes_to_sleep_creaks_too(self):
         services = self.start_system_bus("login")
         panel = self.launch_into_control_panel(creak=True)
-        # An engine would sound over it.
+        # The engine would be heard, too.
         panel.switch(STARTUP, False)
         self._hear_burst(services.prepare_for_sleep)
         self._hear_burst(services.wake_up)
         self.leave()
 
-    def test_news_that_is_none_is_not_heard(self):
+    def test_a_repeated_lid_state_is_not_heard(self):
         services = self.start_system_bus("login", "power")
         self.launch_into_control_panel(creak=True)
-        told = time.monotonic()
+        repeated = time.monotonic()
         services.repeat_lid()
-        self.assert_silent(told, told + 1.0, "an open lid said to be open")
+        self.assert_silent(repeated, repeated + 1.0, "an open lid announced as open")
         self.leave()
 
     def test_the_switch_decides_whether_it_is_heard(self):

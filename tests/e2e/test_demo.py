@@ -7,11 +7,11 @@ import unittest
 
 import numpy
 
-from harness import BUILD, EVIDENCE, OWN_WORDS, REPOSITORY, EndToEndTest
+from harness import BUILD, EVIDENCE, OWN_LINES, REPOSITORY, EndToEndTest
 from virtual_desktop.clips import read_wave
 from virtual_desktop.screens import BUILD_QUALITY, CHECK, ENTER
 
-# A lid that moves once, between two instants after the start.
+# A lid that moves once; the times are seconds after the start.
 SWING = """{
     "model": "MacBookPro18,3",
     "defaults": { "hardwareChecked": true },
@@ -30,7 +30,7 @@ SILENT = (
     ("the lid that rests", 17.3, 17.9), ("the fan that is off", 26.5, 31.5),
     ("what has been stopped", 42.5, 43.4),
 )
-"""What is to be heard when, in seconds of the demo, and when there is nothing to be heard."""
+"""Begin and end, in seconds of the demo, of what has to be heard and of what has to be silent."""
 
 
 class Demo(unittest.TestCase):
@@ -66,16 +66,16 @@ class Demo(unittest.TestCase):
 class Simulated(EndToEndTest):
     listens = True
 
-    def test_the_demo_leaves_the_persons_settings_alone(self):
+    def test_the_demo_leaves_the_users_settings_alone(self):
         self.launch("--demo")
         screens = self.screens()
         screens.press(CHECK)
         self.wait_until(lambda: screens.shows(ENTER), "the warning", 15)
-        self.leave(OWN_WORDS)
+        self.leave(OWN_LINES)
         left = list(pathlib.Path(self.environment["XDG_CONFIG_HOME"]).rglob("*"))
         self.assertEqual([str(path) for path in left if path.is_file()], [])
 
-    def test_a_simulated_machine_says_so_and_plays(self):
+    def test_a_simulated_machine_is_announced_and_creaks(self):
         file = pathlib.Path(self.home, "swing.scenario")
         file.write_text(SWING % {"begin": 6.0, "end": 8.0})
         self.launch("--simulated", str(file))
@@ -91,7 +91,7 @@ class Simulated(EndToEndTest):
         self.assertGreater(moves - begun, 5.5)
         self.assert_creaks(moves, moves + 1.5, "while the lid moves")
         self.assert_silent(begun + 9.0, begun + 9.5, "after the lid has come to rest")
-        self.leave(OWN_WORDS)
+        self.leave(OWN_LINES)
 
 
 if __name__ == "__main__":

@@ -1,4 +1,4 @@
-"""A demo that cannot be played says which step failed, and what there is to read about it."""
+"""A demo that cannot be played names the step that failed and its log."""
 
 import os
 import pathlib
@@ -45,7 +45,7 @@ class DemoFailures(unittest.TestCase):
         done = self._play(f"{self.commands}:/usr/bin:/bin")
         self._assert_names(done, "pulseaudio", "no room for a sound")
 
-    def test_a_program_that_ends_early_is_named_with_what_it_said(self):
+    def test_a_program_that_ends_early_is_named_with_its_output(self):
         build = self.folder / "build"
         build.mkdir()
         program = build / "quorvane"

@@ -1,4 +1,4 @@
-"""The virtual desktop's own instruments, on which every other end-to-end test relies."""
+"""The virtual desktop's instruments, on which the other end-to-end tests rely."""
 
 import os
 import pathlib
@@ -83,7 +83,7 @@ class Pictures(unittest.TestCase):
 
 
 class Screens(EndToEndTest):
-    def test_nothing_is_told_of_what_an_ended_program_shows(self):
+    def test_reading_the_screen_of_an_ended_program_is_an_error(self):
         self.skip_hardware_check()
         self.launch()
         screens = self.screens()
@@ -97,7 +97,7 @@ class Screens(EndToEndTest):
                     look(ENTER)
                 self.assertLess(time.monotonic() - asked, 1.0)
 
-    def test_what_a_program_shows_that_does_not_answer_is_not_gone(self):
+    def test_reading_the_screen_of_a_program_that_hangs_is_an_error(self):
         self.skip_hardware_check()
         self.launch()
         screens = self.screens()

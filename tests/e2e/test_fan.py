@@ -1,6 +1,6 @@
-"""The fan never stops until it is told to.
+"""The fan runs until it is switched off.
 
-QUORVANE_FAN_SECONDS says how long the fan is listened to (by default 11 s).
+QUORVANE_FAN_SECONDS is for how many seconds the fan is recorded (by default 11).
 """
 
 import os
@@ -18,7 +18,7 @@ SECONDS = float(os.environ.get("QUORVANE_FAN_SECONDS", "11"))
 
 WINDOW = 0.01
 LATE = 1.0
-"""Seconds by which a busy machine may be late."""
+"""Seconds that a busy machine may be late."""
 
 
 class Endless(EndToEndTest):
@@ -53,17 +53,17 @@ class Endless(EndToEndTest):
               f"{steps.max():.4f}, the clip's own {largest:.4f}, {len(samples) / rate:.1f} s with "
               f"{(end - begin) / clips.length(FAN):.1f} rounds")
         self.assertGreater(quietest, 0.1, f"a gap at {levels.argmin() * WINDOW:.2f} s")
-        # A tenth for the resampling on the way.
+        # A tenth more, for the resampling.
         self.assertLess(steps.max(), 1.1 * largest, f"a click at {steps.argmax() / rate:.3f} s")
         self._check_order(samples, rate)
 
     def _check_order(self, samples, rate):
-        """From each place of the clip it goes on to the next, and from its end to its beginning."""
+        """The clip is played in order, and its end is followed by its beginning."""
         loop = clips.Loop(FAN, rate)
         size = rate // 2
         places, likenesses = zip(*(loop.locate(samples[first:first + size])
                                    for first in range(0, len(samples) - size, size)))
-        self.assertGreater(min(likenesses), 0.97, "something else than the clip")
+        self.assertGreater(min(likenesses), 0.97, "not the clip")
         seams = 0
         for earlier, later in zip(places, places[1:]):
             seams += later < earlier
@@ -74,14 +74,14 @@ class Endless(EndToEndTest):
 
     @staticmethod
     def _largest_step_of_the_clip(rate):
-        """From one sample to the next as it is played, away from the clip's ends."""
+        """The largest difference between two samples as played, away from the clip's ends."""
         samples, own_rate = clips.decode(FAN)
         inner = samples[own_rate // 10:-own_rate // 10]
         count = len(inner)
         wanted = round(count * rate / own_rate)
         spectrum = numpy.fft.rfft(inner)
         resampled = numpy.fft.irfft(spectrum, wanted) * wanted / count
-        # The ends of a stretch that is no loop ring.
+        # Resampled by its spectrum, what is no loop rings at its ends.
         edge = rate // 20
         return 0.6 * float(numpy.abs(numpy.diff(resampled[edge:-edge])).max())
 
@@ -89,7 +89,7 @@ class Endless(EndToEndTest):
 class Switch(EndToEndTest):
     listens = True
 
-    def test_it_starts_anew_each_time(self):
+    def test_it_starts_again_each_time(self):
         panel = self.launch_into_control_panel(creak=False)
         for _ in range(2):
             pressed = time.monotonic()
@@ -117,12 +117,12 @@ class Switch(EndToEndTest):
         self._check_that_it_stays_off(panel)
         self.leave()
 
-    def test_with_a_sound_that_is_none_the_switch_stays_off(self):
+    def test_with_a_damaged_sound_the_switch_stays_off(self):
         folder = self.resources_with_damaged("fanmac.mp3")
         panel = self.launch_into_control_panel(creak=False, QUORVANE_RESOURCES=str(folder))
         self.assertIn("✅ [FAN] fanmac.mp3 loaded", self.program.console.text)
         self._check_that_it_stays_off(panel)
-        # The decoder's library says on standard error what it stumbles over.
+        # The decoder's library writes to standard error.
         self.leave("")
 
     def _check_that_it_stays_off(self, panel):

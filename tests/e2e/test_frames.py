@@ -1,4 +1,4 @@
-"""Nothing is drawn that nobody can see, or that nobody wants to move."""
+"""Nothing is drawn while the window is hidden or motion is reduced."""
 
 import contextlib
 import os
@@ -7,16 +7,16 @@ import re
 import time
 import unittest
 
-from harness import OWN_WORDS, EndToEndTest
+from harness import OWN_LINES, EndToEndTest
 from virtual_desktop.other_window import OtherWindow
 from virtual_desktop.screens import ENTER, TITLE
 
-# The toolkit says each frame on standard error.
-TELL_FRAMES = {"QT_LOGGING_RULES": "qt.scenegraph.time.renderloop.debug=true"}
+# Qt logs each frame to standard error.
+LOG_FRAMES = {"QT_LOGGING_RULES": "qt.scenegraph.time.renderloop.debug=true"}
 FRAME = "frame rendered"
 GRAPHICS_DRIVER = r"_dri\.so|libgallium|libnvidia-glcore"
 LOOK = 1.5
-"""Seconds for which frames are counted: dozens of them, if there are any."""
+"""Seconds for which frames are counted; an animation draws dozens."""
 
 
 class Frames(EndToEndTest):
@@ -24,12 +24,12 @@ class Frames(EndToEndTest):
 
     def _launch(self, **environment):
         self.skip_hardware_check()
-        self.launch(**TELL_FRAMES, **environment)
+        self.launch(**LOG_FRAMES, **environment)
         self.screens().find(ENTER)
         self.window, = self.wait_until(lambda: self.session.display.windows(TITLE), "the window")
 
     def _graphics_drivers(self):
-        """What of the libraries that the program has loaded is such a driver."""
+        """The graphics drivers among the libraries that the program has loaded."""
         loaded = pathlib.Path("/proc", str(self.program.pid), "maps").read_text()
         return set(re.findall(GRAPHICS_DRIVER, loaded))
 
@@ -41,7 +41,7 @@ class Frames(EndToEndTest):
         self.wait_until(lambda: self._count() >= before + 10, f"frames: {why}", 15)
 
     def _wait_for_no_frames(self, why):
-        """The last ones may be under way yet: waits for a stretch of time without any."""
+        """Waits for LOOK seconds without a frame: the last ones may still come."""
         def none():
             before = self._count()
             time.sleep(LOOK)
@@ -51,7 +51,7 @@ class Frames(EndToEndTest):
     def test_there_are_frames_while_the_glow_can_be_seen(self):
         self._launch()
         self._wait_for_frames("glow and particles")
-        self.leave(OWN_WORDS)
+        self.leave(OWN_LINES)
 
     def test_a_graphics_driver_is_loaded_only_where_there_may_be_a_card(self):
         devices = pathlib.Path("/dev")
@@ -59,32 +59,32 @@ class Frames(EndToEndTest):
                  if os.access(card, os.R_OK | os.W_OK)]
         self._launch()
         self.assertEqual(bool(self._graphics_drivers()), bool(cards), self._graphics_drivers())
-        self.leave(OWN_WORDS)
+        self.leave(OWN_LINES)
 
-    def test_who_asks_for_another_renderer_gets_it(self):
+    def test_the_environment_chooses_another_renderer(self):
         self._launch(QT_QUICK_BACKEND="rhi")
         self.assertTrue(self._graphics_drivers())
-        self.leave(OWN_WORDS)
+        self.leave(OWN_LINES)
 
     def test_there_are_none_while_the_window_is_minimised(self):
         self._launch()
-        self._wait_for_frames("it is to be seen")
+        self._wait_for_frames("it is visible")
         self.session.display.minimise(self.window)
         self._wait_for_no_frames("it is minimised")
         self.session.display.restore(self.window)
         self._wait_for_frames("it is back")
-        self.leave(OWN_WORDS)
+        self.leave(OWN_LINES)
 
     def test_there_are_none_while_another_window_covers_it(self):
         self._launch()
-        self._wait_for_frames("it is to be seen")
+        self._wait_for_frames("it is visible")
         with contextlib.ExitStack() as stack:
             OtherWindow("204060", env=self.environment, stack=stack)
             self._wait_for_no_frames("a full-screen window covers it")
         self._wait_for_frames("it is uncovered")
-        self.leave(OWN_WORDS)
+        self.leave(OWN_LINES)
 
-    def test_there_are_none_for_those_who_ask_for_less_motion(self):
+    def test_there_are_none_with_reduced_motion(self):
         portal = self.session.settings_portal(self.stack)
         self._launch()
         self._wait_for_no_frames("less motion is asked for")
@@ -92,15 +92,15 @@ class Frames(EndToEndTest):
         self._wait_for_frames("the usual motion is asked for")
         portal.ask_for_less_motion()
         self._wait_for_no_frames("less motion is asked for again")
-        self.leave(OWN_WORDS)
+        self.leave(OWN_LINES)
 
-    def test_a_desktop_without_a_portal_says_it_in_a_file(self):
+    def test_without_a_portal_a_file_asks_for_reduced_motion(self):
         folder = pathlib.Path(self.environment["XDG_CONFIG_HOME"], "gtk-3.0")
         folder.mkdir(parents=True)
         (folder / "settings.ini").write_text("[Settings]\ngtk-enable-animations=0\n")
         self._launch()
         self._wait_for_no_frames("less motion is asked for")
-        self.leave(OWN_WORDS)
+        self.leave(OWN_LINES)
 
 
 if __name__ == "__main__":

@@ -26,8 +26,8 @@ FILES = {
     "share/quorvane/tractor.mp3",
 }
 
-STAND_IN_LENGTH = 7.5
-"""Seconds; no sound of the program's own is as long as that."""
+OTHER_LENGTH = 7.5
+"""Seconds; no sound of the program is that long."""
 
 
 class Installed(EndToEndTest):
@@ -50,7 +50,7 @@ class Installed(EndToEndTest):
                                         self.environment | {"PATH": path}, self.stack)
 
     def _length_of_the_creak(self):
-        """What the program says of the sound that it has found, in seconds."""
+        """The seconds that the program prints for the sound that it has found."""
         self.skip_hardware_check()
         self._launch_as_a_desktop_does()
         _, line = self.program.console.wait_for(
@@ -70,7 +70,7 @@ class Installed(EndToEndTest):
                  if not file.is_dir()}
         self.assertEqual(files, FILES)
 
-    def test_polkit_is_told_of_the_program_in_its_place(self):
+    def test_polkit_policy_names_the_installed_program(self):
         policy = xml.etree.ElementTree.parse(
             self.prefix / "share/polkit-1/actions/org.quorvane.keyboard-access.policy")
         program = policy.find(".//annotate[@key='org.freedesktop.policykit.exec.path']").text
@@ -86,17 +86,17 @@ class Installed(EndToEndTest):
         self.assertRegex("\n".join(self.program.console.text), r"^quorvane \d+\.\d+\.\d+$")
 
     def test_it_finds_the_sounds_that_were_installed_with_it(self):
-        # Its own, and not those of the source tree, which are there as well: a longer one shows.
+        # Not those of the source tree, which exist as well: the installed one is given another length.
         installed = self.prefix / "share/quorvane/creaking.mp3"
         original = installed.read_bytes()
         self.addCleanup(installed.write_bytes, original)
         before = self._length_of_the_creak()
         self.assertGreater(before, 0)
-        self.assertNotEqual(before, STAND_IN_LENGTH)
+        self.assertNotEqual(before, OTHER_LENGTH)
         with wave.open(str(installed), "wb") as sound:
             sound.setparams((1, 2, 8000, 0, "NONE", ""))
-            sound.writeframes(bytes(round(2 * 8000 * STAND_IN_LENGTH)))
-        self.assertEqual(self._length_of_the_creak(), STAND_IN_LENGTH)
+            sound.writeframes(bytes(round(2 * 8000 * OTHER_LENGTH)))
+        self.assertEqual(self._length_of_the_creak(), OTHER_LENGTH)
 
     def test_udev_rules_name_every_product_that_may_hold_the_lid_sensor(self):
         source = (REPOSITORY / "sensing/LidAngleSensor.cpp").read_text(encoding="utf-8")
@@ -115,7 +115,7 @@ class Installed(EndToEndTest):
     def test_its_window_belongs_to_the_desktop_entry(self):
         self.skip_hardware_check()
         self._launch_as_a_desktop_does()
-        # Which has its title, its class and its frame one after the other.
+        # The title and the class are not set at the same time.
         wait_until(lambda: self._windows("--name", "Name")
                    and self._windows("--name", "Name") == self._windows("--class", "StartupWMClass"),
                    "a window that has the entry's name and class", 20)

@@ -1,4 +1,4 @@
-"""Every key press cracks, in whatever program, and nothing else is made of it."""
+"""Every key press in any program cracks, and what is typed leaves no trace."""
 
 import math
 import os
@@ -22,13 +22,13 @@ LOADED = "✅ [KEYBOARD] keyboard.mp3 loaded"
 STARTED = "⌨️ [KEYBOARD] Event tap started — global monitoring active"
 
 LOUD = 0.1
-"""Share of full scale above which there is a crack: of its 60 ms, the first 20."""
+"""Share of full scale above which a crack is heard: the first 20 of its 60 ms are that loud."""
 
 APART = 0.06
-"""Seconds of less than that after which a new crack may begin: two of them 0.1 s apart are two."""
+"""Seconds below LOUD after which the next loud sample begins another crack."""
 
 REACTION = 0.5
-"""Seconds that a key may take to be heard; generous for a busy machine."""
+"""Seconds until a key is heard; generous for a busy machine."""
 
 EARLY = 0.1
 """Seconds by which the recording's clock may be ahead; more than twice what it is known for."""
@@ -41,15 +41,15 @@ TIMES = 10
 """How often a key, or a pair or a burst of them, is pressed."""
 
 NEARLY_ALWAYS = 9
-"""How often of these it has to be heard as it should."""
+"""How many of these have to be heard as expected."""
 
 LATENCY = 0.15
-"""Seconds within which a key is heard, as a rule: more would feel slow."""
+"""The longest median delay of a key; more would feel slow."""
 
 HOLD = 2.0
 SECRET = "xq7zvkjw9"
-TOOLKIT = "member=GetRegisteredEvents"
-"""What the toolkit asks the accessibility bus whenever somebody has joined or left that."""
+QT_CALL = "member=GetRegisteredEvents"
+"""Qt's call on the accessibility bus whenever a client connects or disconnects."""
 
 BURST = [*"abcdefghijklmnopqrstuvwxyz0123456789", *(f"F{n}" for n in range(1, 13)),
          *(f"KP_{n}" for n in range(10)), "space", "Tab", "minus", "equal", "comma", "period"]
@@ -74,11 +74,11 @@ class KeyboardTest(EndToEndTest):
                         "the window to have the keyboard", 15)
 
     def presses(self):
-        """How many key presses, repeats among them, the other program's window has got."""
+        """How many key presses, with repeats, the other program's window has received."""
         return self.window.presses().count("key")
 
     def onsets(self, begin, end):
-        """When a crack begins between two instants, before the first of which it was silent."""
+        """When each crack begins between two instants; it has to be silent before."""
         begin -= EARLY
         loud = numpy.flatnonzero(abs(self.recording.samples(begin, end)) > LOUD) / 48000
         if not len(loud):
@@ -87,22 +87,22 @@ class KeyboardTest(EndToEndTest):
         return [begin + at for at in loud[first]]
 
     def assert_cracks(self, count, action, why):
-        """Exactly `count` cracks come of `action`, which returns its begin and end."""
+        """`action`, which returns its begin and end, causes exactly `count` cracks."""
         def check():
             begin, end = action()
             self.assertEqual(len(self.onsets(begin, end + REACTION + 0.3)), count, why)
         self.hear(check)
 
     def do_many_times(self, action, longest=math.inf):
-        """Does `action`, which returns its begin and end, until TIMES of them were no longer than
-        `longest`; what was heard of each of these: how long after its begin the cracks came."""
+        """Calls `action`, which returns its begin and end, until TIMES of them took less than
+        `longest`; returns for each of these the delays of the cracks after its begin."""
         spans = []
         while (short := sum(end - begin < longest for begin, end in spans)) < TIMES:
             self.assertLess(len(spans), 2 * TIMES, f"most take too long to tell: {spans}")
             spans.append(action())
             time.sleep(REACTION + EARLY)
         if short < len(spans):
-            self.tell_repeat(f"{len(spans) - short} of {len(spans)} took longer than "
+            self.log_repeat(f"{len(spans) - short} of {len(spans)} took longer than "
                              f"{longest:.2f} s and are not counted")
         onsets = self.onsets(spans[0][0], spans[-1][1] + REACTION + 0.3)
         heard = [[onset - begin for onset in onsets if begin - EARLY <= onset <= end + REACTION]
@@ -175,11 +175,10 @@ class Keys(KeyboardTest):
 
 
 class RateLimit(KeyboardTest):
-    """What is so close to the limit is judged by when the keys were really pressed: a busy machine
-    may bring two of them further apart."""
+    """Only pairs count that were really pressed close together: a busy machine may be slow."""
 
     def check(self, count, action, longest=math.inf):
-        """Nearly always exactly `count` cracks come of `action`, and never two close together."""
+        """`action` nearly always causes exactly `count` cracks, and never two close together."""
         def check_once():
             heard = self.do_many_times(action, longest)
             for delays in heard:
@@ -218,7 +217,7 @@ class Privacy(KeyboardTest):
         process = processes.start(["dbus-monitor", "--address", address], self.environment,
                                   self.stack, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
         lines = processes.Lines(process.stdout)
-        # What the bus takes away from a connection that becomes a monitor.
+        # A connection that becomes a monitor loses its name.
         lines.wait_for(lambda line: "member=NameLost" in line, "its beginning")
         connection = dbus.bus.BusConnection(address)
         self.stack.callback(connection.close)
@@ -238,7 +237,7 @@ class Privacy(KeyboardTest):
             return None
 
     def _files(self):
-        """All that is in the program's home, byte for byte."""
+        """Every file in the program's home with its bytes."""
         files = {}
         for folder, _, names in os.walk(self.home):
             for name in names:
@@ -267,7 +266,7 @@ class Privacy(KeyboardTest):
         self.session.display.xdotool("type", "--delay", 200, SECRET)
         self.wait_until(lambda: self.presses() >= len(SECRET), "the secret in the window")
         self.assertGreater(len(self.onsets(typed, time.monotonic() + REACTION)), 1,
-                           "it has not been listening")
+                           "the keys were not heard")
         for connection, lines in monitors:
             self._sync(connection, lines, "End")
         self.assertEqual(self.program.console.text, console)
@@ -285,7 +284,7 @@ class Privacy(KeyboardTest):
         end = next(i for i, line in enumerate(lines) if "member=End" in line)
         sent = [line for line in lines[begin:end]
                 if (sender := re.search(r"sender=(\S+)", line)) and sender[1] in names
-                and TOOLKIT not in line]
+                and QT_CALL not in line]
         self.assertEqual(sent, [])
         self.assertNotIn(SECRET, "\n".join(lines))
 

@@ -1,4 +1,4 @@
-"""Every way out silences the program at once and ends it well."""
+"""Every way to end the program silences it at once, with status 0."""
 
 import time
 import unittest

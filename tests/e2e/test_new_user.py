@@ -1,4 +1,4 @@
-"""The whole way of a new user, with the mouse, with the keyboard and with a screen reader."""
+"""Everything that a new user does, with the mouse, the keyboard and a screen reader."""
 
 import unittest
 
@@ -26,22 +26,22 @@ INFOS = {
 
 class NewUser(EndToEndTest):
     def _arrive(self):
-        """From a first launch to the control panel; returns what can be switched."""
+        """From a first launch to the control panel; returns the rows that can be switched."""
         self.launch()
         self.panel = self.screens()
         self.panel.press(CHECK)
         self.panel.find(CONTINUE)
-        may_hear_keys = self.panel.shows("Accessibility granted")
+        is_trusted = self.panel.shows("Accessibility granted")
         self.panel.press(CONTINUE)
         self.panel.press(ENTER)
         self.panel.find(LEAVE)
         self.panel.wait_until_gone(ENTER)
         for row in INFOS:
             self.assertEqual(self.panel.is_on(row), row == STARTUP, row)
-        return [row for row in INFOS if row != KEYBOARD or may_hear_keys]
+        return [row for row in INFOS if row != KEYBOARD or is_trusted]
 
     def _turn_over_twice(self, row, act):
-        """On and off again, or off and on: a stop screen would take the screen in the end."""
+        """On and off again, or off and on: left on, a stop screen would cover the window."""
         before = self.panel.is_on(row)
         for expected in (not before, before):
             act(row)
@@ -115,7 +115,7 @@ class NewUser(EndToEndTest):
             self.assertFalse(self.panel.is_on(row), row)
         self.leave()
 
-    def test_an_info_button_pressed_under_a_popup_has_its_turn_after_it(self):
+    def test_an_info_button_pressed_under_a_popup_opens_its_popup_afterwards(self):
         rows = self._arrive()
         later = rows[-1]
         press_later = self.panel.presser(f"About {later}")

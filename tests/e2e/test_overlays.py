@@ -27,7 +27,7 @@ RING_MIDDLE = TEXT_LEFT + 35
 RING_RADIUS = 35
 
 LATE = 0.5
-"""Seconds by which a panel may come or go beside its time, our own looking included."""
+"""Seconds by which a panel may come or go early or late, including the time of a capture."""
 
 
 class OverlayTest(EndToEndTest):
@@ -69,7 +69,7 @@ class OverlayTest(EndToEndTest):
         return all(near(self.screen.pixel(*place), color) for place in places)
 
     def turn_on(self, switch):
-        """Turns a switch on; returns the earliest and the latest instant at which that took effect."""
+        """Turns a switch on; returns the earliest and latest instant of the change."""
         before = time.monotonic()
         self.panel.switch(switch, True)
         return before, time.monotonic()
@@ -84,14 +84,14 @@ class OverlayTest(EndToEndTest):
         self.assertLess(instant, latest + LATE, f"{what} came too late")
 
     def presses(self):
-        """What has reached the window beneath so far."""
+        """The presses that the window beneath has received so far."""
         return self.window.presses()
 
     def assert_takes_clicks_but_no_keys(self):
         focused = self.focus()
         earlier = self.presses()
         self.session.display.click(900, 600)
-        # The key comes to the window after a click that was to come to it.
+        # Events keep their order: if the click went to the window, it came before the key.
         self.session.display.press_key("a")
         self.wait_until(lambda: len(self.presses()) > len(earlier), "the key beneath the panel")
         self.assertEqual(self.presses(), [*earlier, "key"])

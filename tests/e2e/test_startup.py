@@ -1,4 +1,4 @@
-"""A machine that wakes up, or a program that was opened at login, roars."""
+"""The start-up sound when the machine wakes up and when the program was opened at login."""
 
 import contextlib
 import pathlib
@@ -26,19 +26,19 @@ ENDING = ["🔊 [RUMBLE] Stopped", "📳 [HAPTIC] Stopped", COMPLETE]
 RAMP = 3.0
 STEPS = 30
 LATE = 1.0
-"""Seconds by which a busy machine may be late."""
+"""Seconds that a busy machine may be late."""
 
 EARLY = 0.1
 """Seconds by which a line of the console or a sound may be dated too early."""
 
 
 class StartupTest(EndToEndTest):
-    """What the tests of the sequence have in common."""
+    """The base of the tests of the sequence."""
 
     def wake(self, services):
         """Wakes the machine up, once; returns when the sequence began."""
         before = len(self.times(PLAYING))
-        self.wait_until_wake_ups_are_heard()
+        self.wait_until_sleep_is_watched()
         services.sleep_and_wake()
         return self.wait_until(lambda: self.times(PLAYING)[before:], PLAYING, 1.0)[0]
 
@@ -49,7 +49,7 @@ class StartupTest(EndToEndTest):
         return self.program.console.times(text)
 
     def resources_with_silence(self, seconds):
-        """Resources whose clip leaves the rumble to be heard alone."""
+        """Resources with a silent clip, so that only the rumble is heard."""
         folder = self.resources_without("tractor.mp3")
         clips.write_silence(folder / "tractor.mp3", seconds)
         return str(folder)
@@ -64,7 +64,7 @@ class StartupTest(EndToEndTest):
 class Waking(StartupTest):
     listens = True
 
-    def test_a_machine_that_wakes_roars_for_as_long_as_the_clip(self):
+    def test_a_wake_up_roars_for_as_long_as_the_clip(self):
         clip = clips.length(TRACTOR)
         services = self.start_system_bus("login")
         self.skip_hardware_check()
@@ -128,7 +128,7 @@ class Waking(StartupTest):
         self.assertLess(max(abs(error - common) for _, error in errors), 0.12)
 
     def _gain(self, begin, length):
-        """How loud the rumble is for `length` seconds; none where it is not whole, or too soft."""
+        """The volume of the rumble for `length` seconds; None if it has gaps or is too soft."""
         rate = self.session.sound.RATE
         heard = self.recording.samples(begin, begin + length)
         # Anywhere in its loop, which is a second long.
@@ -140,7 +140,7 @@ class Waking(StartupTest):
         panel = self.launch_into_control_panel(creak=False)
         self.wait_until(lambda: panel.is_on(STARTUP), "the switch, which is on at first")
         panel.switch(STARTUP, False)
-        self.wait_until_wake_ups_are_heard()
+        self.wait_until_sleep_is_watched()
         off = time.monotonic()
         services.sleep_and_wake()
         self.assert_silent(off, off + 2.0, "a machine that wakes with the switch off")
@@ -195,7 +195,7 @@ class OpenedByHand(StartupTest):
 
     STARTS = 5
     MOST_LATE = 3
-    """How many starts may be too slow to tell: the window has to be in front within 0.5 s."""
+    """The most starts that do not count, as the window was not in front within 0.5 s."""
 
     def test_in_front_it_stays_silent(self):
         self.write_autostart_entry()
@@ -213,7 +213,7 @@ class OpenedByHand(StartupTest):
         print("in front after", *(f"{delay:.2f}" for delay in delays), "s", file=sys.stderr)
 
     def _wait_until_it_is_in_front(self):
-        """Returns how long after its sounds the program's window has got the keyboard."""
+        """Returns how long after loading its sounds the program's window has the keyboard focus."""
         display = self.session.display
         self.wait_until(lambda: (found := display.windows(TITLE))
                         and display.focused() == found[0], "the window")
@@ -223,7 +223,7 @@ class OpenedByHand(StartupTest):
 
 
 def rumble(times):
-    """What is to be heard of it at full volume, at these seconds since its loop began."""
+    """The rumble at full volume, at these seconds since its loop began."""
     tau = 2 * numpy.pi * times
     partials = 0.5 * numpy.sin(25 * tau) + 0.3 * numpy.sin(50 * tau) + 0.2 * numpy.sin(12.5 * tau)
     return numpy.abs(numpy.sin(4 * tau)) * partials
@@ -233,7 +233,7 @@ class Faults(StartupTest):
     listens = True
 
     def _wake_twice(self, services):
-        self.wait_until_wake_ups_are_heard()
+        self.wait_until_sleep_is_watched()
         for _ in range(2):
             services.sleep_and_wake()
             time.sleep(0.5)
@@ -251,17 +251,17 @@ class Faults(StartupTest):
         self.assertTrue(screens.is_on(STARTUP))
         self.leave()
 
-    def test_with_a_clip_that_is_no_sound_a_wake_up_does_nothing(self):
+    def test_with_a_damaged_clip_a_wake_up_does_nothing(self):
         services = self.start_system_bus("login")
         folder = self.resources_with_damaged("creaking.mp3", "fanmac.mp3", "keyboard.mp3",
                                              "tractor.mp3")
         self.launch_into_control_panel(creak=False, QUORVANE_RESOURCES=str(folder))
         begun = time.monotonic()
         self._wake_twice(services)
-        self.assert_silent(begun, begun + 1.5, "a wake-up with a clip that is none")
+        self.assert_silent(begun, begun + 1.5, "a wake-up with a damaged clip")
         self.assertEqual(self.startup_lines(), [])
         self.assertIn(LOADED, self.program.console.text)
-        # The decoder's library says on standard error what it stumbles over.
+        # The decoder's library writes to standard error.
         self.leave("")
 
     def test_without_a_sound_device_the_sequence_keeps_its_time(self):

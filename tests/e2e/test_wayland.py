@@ -14,7 +14,7 @@ BENEATH = (200, 40, 120)
 VEILED = tuple(round(0.45 * value + 0.55 * 255) for value in BENEATH)
 
 LATE = 1.0
-"""Seconds by which a panel may be seen beside its time: a look takes some tenths of one."""
+"""Seconds by which a panel may be seen early or late: a capture takes some tenths of one."""
 
 
 class WaylandTest(EndToEndTest):
@@ -69,7 +69,7 @@ class StopScreen(WaylandTest):
 
 
 class Freeze(WaylandTest):
-    def test_comes_above_it_and_lets_it_be_seen(self):
+    def test_comes_above_it_and_is_translucent(self):
         picture = self.check(PERFORMANCE, VEILED, "freeze-wayland", (20, 40), (3, 4))
         veiled = near(picture, VEILED)
         self.assertGreater(veiled.mean(), 0.95)
