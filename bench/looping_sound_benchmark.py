@@ -56,7 +56,8 @@ def main():
     medians = {name: print_figures(name, figures) for name, figures in turns.items()}
     for key, value in medians["file player, looping"].items():
         name, unit = key.rstrip(")").split(" (")
-        rows.print_row(f"looping file player: {name}", value, "paplay", medians["paplay"][key], unit)
+        rows.print_row(f"looping file player: {name}", value, "paplay", medians["paplay"][key],
+                       unit)
 
 
 if __name__ == "__main__":

@@ -86,7 +86,7 @@ class Installed(EndToEndTest):
         self.assertRegex("\n".join(self.program.console.text), r"^quorvane \d+\.\d+\.\d+$")
 
     def test_it_finds_the_sounds_that_were_installed_with_it(self):
-        # Not those of the source tree, which exist as well: the installed one is given another length.
+        # Not those of the source tree: the installed one gets another length.
         installed = self.prefix / "share/quorvane/creaking.mp3"
         original = installed.read_bytes()
         self.addCleanup(installed.write_bytes, original)

@@ -1,4 +1,4 @@
-"""Whom udev lets at which device, with the program's rules and without them."""
+"""Which devices udev opens to the user at the seat, with and without the program's rules."""
 
 import contextlib
 import pathlib
@@ -15,7 +15,7 @@ from lid_device import LidDevice
 RULES = pathlib.Path(__file__).resolve().parents[2] / "resources/70-quorvane.rules"
 PLACE = pathlib.Path("/run/udev/rules.d")
 
-# Without 0x8102, which the kernel keeps for a driver of its own.
+# Without 0x8102, which has a kernel driver of its own.
 LIDS = (0x8103, 0x8104, 0x8105, 0x8262)
 OTHER_PRODUCT = 0xABC1
 
@@ -31,7 +31,7 @@ INPUT_DEVICES = {
 
 
 def _hidraw_node():
-    # Which comes a little after the device's start.
+    # The node appears a little after the device.
     nodes = pathlib.Path("/sys/class/hidraw")
     wait_until(lambda: any(nodes.iterdir()), "the node of the HID device", 10)
     node, = nodes.iterdir()
@@ -39,20 +39,20 @@ def _hidraw_node():
 
 
 def _given_to_the_seat(node):
-    """Whether udev would let the person at the machine at this device."""
+    """Whether udev would open this device to the user at the seat."""
     rules = subprocess.run(["udevadm", "test", "--action=add", node], check=True,
                            capture_output=True, text=True)
-    # It is silent about what it understands, at least of rules that only tag.
+    # Rules that only set a tag are mentioned only if they are wrong.
     output = rules.stdout + rules.stderr
     if re.search(rf"{re.escape(RULES.name)}:\d+ ", output):
-        raise RuntimeError(f"udev does not like the rules:\n{output}")
-    # Tags that another device with this number once had are among the TAGS as well.
+        raise RuntimeError(f"udev rejects the rules:\n{output}")
+    # Not TAGS, which has those of earlier devices with this number, too.
     return re.search(r"^CURRENT_TAGS=.*:uaccess:", output, re.M) is not None
 
 
 @contextlib.contextmanager
 def _lid(product):
-    """A lid sensor that is there but never answers: nothing is asked of it."""
+    """A lid sensor that never answers, as it is not read."""
     device = LidDevice(product)
     try:
         yield
@@ -61,7 +61,7 @@ def _lid(product):
 
 
 def _read():
-    """Each device's name and whether the person is let at it."""
+    """The name of each device and whether the user may open it."""
     rights = {}
     for product in (*LIDS, OTHER_PRODUCT):
         with _lid(product):
@@ -73,7 +73,7 @@ def _read():
 
 
 def read():
-    """The rights before and after the rules are there."""
+    """The rights without and with the rules."""
     without = _read()
     PLACE.mkdir(parents=True)
     shutil.copy(RULES, PLACE)

@@ -1,7 +1,6 @@
-"""What can be felt, on a device of the machine's own kernel: what is played.
+"""Scenarios with force feedback, on a uinput device.
 
-Every scenario leaves what happened on its devices, and when it did what, for force_feedback_test.py
-to judge.
+Each leaves its actions and the logs of its devices, with times, for force_feedback_test.py.
 """
 
 import contextlib
@@ -13,7 +12,7 @@ from virtual_desktop import processes, screens
 from virtual_desktop.buses import Bus, Services
 from virtual_desktop.waiting import wait_until
 
-from stage import PATIENCE
+from stage import TIMEOUT
 
 HERE = pathlib.Path(__file__).resolve().parent
 
@@ -21,7 +20,7 @@ PLAYING = "🚜 [STARTUP] Playing tractor + rumble + haptic!"
 COMPLETE = "🚜 [STARTUP] Sequence complete"
 
 EFFECTS = 3
-"""How many the program uploads: one a pattern."""
+"""How many effects the program uploads: one for each pattern."""
 
 FAN_TIME = 4.5
 MOMENT = 1.0
@@ -36,26 +35,26 @@ class Pad:
                                                stack=stack)
 
     def unplug(self):
-        """Comes back when the device has gone."""
+        """Unplugs the device."""
         self._process.stdin.close()
-        self._process.wait(PATIENCE)
+        self._process.wait(TIMEOUT)
 
     def count(self, event):
-        """How often something happened so far."""
+        """How often an event was logged so far."""
         lines = self._log.read_text(encoding="utf-8").splitlines()
         return sum(json.loads(line)["event"] == event for line in lines)
 
     def wait_for(self, event, count):
-        """Waits until something has happened that often in all."""
+        """Waits until an event was logged that often in all."""
         wait_until(lambda: self.count(event) >= count, f"{count} times '{event}' on the pad")
 
 
 def _system_bus(lab, folder, stack):
-    """A stand-in for logind, where the programs that start from now on find it."""
+    """A fake logind, for the programs that start from now on."""
     env = lab.desktop.env
     before = env["DBUS_SYSTEM_BUS_ADDRESS"]
     stack.callback(lambda: env.update(DBUS_SYSTEM_BUS_ADDRESS=before))
-    # Its socket belongs in a file system of this machine's.
+    # A socket needs a file system of this machine, not the one shared with the host.
     bus = Bus(env, env["HOME"], f"system-{folder.name}", stack)
     env["DBUS_SYSTEM_BUS_ADDRESS"] = bus.address
     return Services(env, bus, stack, ["login"])
@@ -63,10 +62,10 @@ def _system_bus(lab, folder, stack):
 
 @contextlib.contextmanager
 def _at_the_panel(lab, name, stack):
-    """A later launch, as far as the panel with the fan's switch, and the end by SIGTERM."""
+    """A later launch as far as the control panel, ended by SIGTERM."""
     lab.set_first_launch(False)
     with lab.program(name, stack) as (program, facts):
-        yield screens.open_control_panel(lab.reader, program, PATIENCE), program, facts
+        yield screens.open_control_panel(lab.reader, program, TIMEOUT), program, facts
 
 
 def _fan_once(app, pad, facts):
@@ -82,8 +81,8 @@ def _fan_once(app, pad, facts):
 
 def _engine_once(logind, program, pad, facts):
     logind.wake_up()
-    facts["awake"] = program.wait_for_line(PLAYING, PATIENCE)
-    facts["complete"] = program.wait_for_line(COMPLETE, PATIENCE)
+    facts["awake"] = program.wait_for_line(PLAYING, TIMEOUT)
+    facts["complete"] = program.wait_for_line(COMPLETE, TIMEOUT)
     pad.wait_for("erase", 2 * EFFECTS)
 
 
@@ -105,7 +104,7 @@ def felt(lab, name):
 
 
 def unplugged(lab, name):
-    """The device goes while the fan runs; another one comes for the fan's next start."""
+    """The device is unplugged while the fan runs, another one is there at the fan's next start."""
     folder = lab.folder(name)
     with contextlib.ExitStack() as stack:
         first = Pad(lab.desktop.env, folder / "first.log", stack)
@@ -126,7 +125,7 @@ def unplugged(lab, name):
 
 
 def killed(lab, name):
-    """The fan runs when the program is killed."""
+    """The program is killed while the fan runs."""
     with contextlib.ExitStack() as stack:
         pad = Pad(lab.desktop.env, lab.folder(name) / "pad.log", stack)
         with _at_the_panel(lab, name, stack) as (app, program, facts), lab.watch.timed():
@@ -134,11 +133,11 @@ def killed(lab, name):
             pad.wait_for("play", 2)
             facts["killed"] = time.monotonic()
             program.kill()
-            program.wait_for_exit(PATIENCE)
+            program.wait_for_exit(TIMEOUT)
             pad.wait_for("erase", EFFECTS)
 
 
 def play_all(play):
-    """Every scenario of this file, each by `play(name, scenario)`, in an order of no meaning."""
+    """Calls `play(name, scenario)` for every scenario of this file."""
     for scenario in (felt, unplugged, killed):
         play(scenario.__name__, scenario)

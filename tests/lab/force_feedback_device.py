@@ -1,9 +1,9 @@
 #!/usr/bin/python3
-"""A device that rumbles, made through /dev/uinput, which writes down what is done on it.
+"""A uinput device that rumbles and logs what is done on it.
 
     force_feedback_device.py LOG
 
-"ready" on standard output says that the device is there. It vanishes when standard input ends.
+Prints "ready" once the device is there, and removes it when standard input ends.
 
 The log has one JSON object a line, each with the CLOCK_MONOTONIC time in seconds: effects that were
 uploaded, played and erased, and the device's beginning and end.
@@ -33,7 +33,7 @@ EFFECT = struct.Struct("HhHHHHHxxHH")
 
 
 class RumblingDevice(InputDevice):
-    """The device, and the answers to what the kernel asks of it."""
+    """The device, and its answers to the kernel's requests."""
 
     EFFECTS = 16
 
@@ -43,7 +43,7 @@ class RumblingDevice(InputDevice):
         self.file = self._file
 
     def serve(self):
-        """Reads one event of the kernel's and does what it asks for."""
+        """Handles one event of the kernel."""
         _, _, kind, code, value = EVENT.unpack(os.read(self.file, EVENT.size))
         if kind == EV_FF:
             self._log("play" if value else "stop", effect=code)

@@ -1,4 +1,4 @@
-"""What was felt is what should be."""
+"""What force_feedback.py left: the effects that were played, and when."""
 
 import math
 import signal
@@ -13,12 +13,11 @@ ALIGNMENT, LEVEL_CHANGE, GENERIC = (25, 0x6000, 0x9000), (25, 0x9000, 0x4000), (
 
 FAN_TICK = 0.05
 BACK_TO_BACK = 0.005
-"""Seconds that two pulses of one tick may be apart, on an emulated processor that does other things
-too."""
+"""Seconds between two pulses of one tick, on an emulated processor."""
 
 KEPT, CLOSED_WITHIN = 0.4, 1.7
-"""Seconds from an effect's end: the device is closed at the second of two looks, one every half a
-second, that find it unused."""
+"""Bounds for the seconds from an effect's end until its device is closed, which is when two checks,
+half a second apart, have found it unused."""
 
 RAMP = 3.0
 """Seconds over which the pulse rate rises."""
@@ -27,19 +26,19 @@ TICK = 1 / 60
 
 
 class WithPad(Scenario):
-    """What was done on the devices."""
+    """A scenario with logs of its devices."""
 
     def events(self, kind, begin=-math.inf, end=math.inf, pad="pad"):
-        """What of one kind happened between two instants."""
+        """The events of one kind between two instants."""
         return [entry for entry in self.json_lines(f"{pad}.log")
                 if entry["event"] == kind and begin <= entry["time"] < end]
 
     def times(self, kind, begin=-math.inf, end=math.inf, pad="pad"):
-        """The same, only when."""
+        """The times of these events."""
         return [entry["time"] for entry in self.events(kind, begin, end, pad)]
 
     def pulses(self, begin, end):
-        """What was played between two instants: of each pulse what its effect was uploaded as."""
+        """What was played between two instants: of each pulse its effect's length and motors."""
         known, played = {}, []
         for entry in self.json_lines("pad.log"):
             if entry["event"] == "upload":
@@ -49,7 +48,7 @@ class WithPad(Scenario):
         return played
 
     def assert_erased(self, begin, end):
-        """Each effect that was uploaded between two instants is erased there once."""
+        """Each effect that was uploaded between two instants is also erased once between them."""
         uploaded = [entry["effect"] for entry in self.events("upload", begin, end)]
         erased = [entry["effect"] for entry in self.events("erase", begin, end)]
         self.assertEqual(len(uploaded), 3)
@@ -95,7 +94,7 @@ class Felt(WithPad):
         self.assertGreater(length, 4)
         self.assertAlmostEqual(statistics.median(gaps), FAN_TICK, delta=0.003)
         self.assertLess(statistics.median(within), BACK_TO_BACK)
-        # The tick is on a grid, so only ticks that an emulated processor slept through are missing.
+        # Only ticks that the emulated processor missed are skipped.
         self.assertGreater(rate, 18)
         self.assertLess(rate, 20.2)
 
@@ -108,7 +107,7 @@ class Felt(WithPad):
             self.assertEqual(pulses[1::2], [GENERIC] * len(pulses[1::2]))
 
     @in_every_attempt
-    def test_console_tells_of_the_engine(self):
+    def test_console_has_the_lines_of_the_engine(self):
         self.assertEqual(self.facts["console"][-6:], [
             "🚜 [STARTUP] Playing tractor + rumble + haptic!",
             "🔊 [RUMBLE] Started with 3.0s ramp-up", "📳 [HAPTIC] Started with ramp-up",
@@ -121,7 +120,7 @@ class Felt(WithPad):
         self.assertGreater(len(pulses), 20)
         self.assertEqual(pulses, [ALIGNMENT] * len(pulses))
 
-    def test_device_is_still_and_its_effects_erased_soon_after_the_fan_stops(self):
+    def test_effects_stop_and_are_erased_soon_after_the_fan_stops(self):
         off = self.facts["fan_off"]
         self.assert_erased(self.facts["fan_on"], self.facts["awake"])
         erased = self.times("erase", off)[0] - off
@@ -134,21 +133,20 @@ class Felt(WithPad):
     def test_startup_pulses_rise_from_five_to_twenty_five_a_second(self):
         begin = self.facts["awake"]
         plays = self.times("play", begin, self.facts["complete"])
-        # A late tick can drop or double a pulse, and the first ones come while the device is being
-        # opened.
+        # A late tick can drop or double a pulse; the first pulses come while the device is opened.
         for since, until, spare in ((0, 1, 4), (1, 2, 3), (2, 3, 3), (3, 5, 5)):
             felt = sum(begin + since <= at < begin + until for at in plays)
             ideal = ideal_pulses(since, until)
             print(f"second {since} to {until}: {felt} pulses, {ideal} on a perfect clock")
             self.assertAlmostEqual(felt, ideal, delta=spare)
 
-    def test_startup_ends_still_with_its_effects_erased(self):
+    def test_effects_stop_and_are_erased_after_the_startup_sound(self):
         complete = self.facts["complete"]
         plays = self.times("play", self.facts["awake"], self.facts["fan_on_again"])
         self.assertLess(plays[-1] - complete, 0.1)
         self.assert_erased(self.facts["awake"], self.facts["fan_on_again"])
         erased = self.times("erase", complete)[0] - complete
-        print(f"erased {erased:.2f} s after the engine died")
+        print(f"erased {erased:.2f} s after the engine stopped")
         self.assertGreater(erased, KEPT)
         self.assertLess(erased, CLOSED_WITHIN)
 
@@ -160,40 +158,40 @@ class Felt(WithPad):
 
 
 class Unplugged(WithPad):
-    """The device goes and another one comes."""
+    """The device is unplugged and another one is plugged in."""
 
     NAME = "unplugged"
 
-    def test_device_was_felt_until_it_went(self):
+    def test_first_device_rumbles_until_it_is_unplugged(self):
         plays = self.times("play", pad="first")
         self.assertGreater(len(plays), 20)
 
-    def test_running_fan_stays_still_without_its_device(self):
+    def test_running_fan_does_not_move_to_the_second_device(self):
         self.assertEqual(self.times("play", self.facts["unplugging"],
                                     self.facts["switching_off"], pad="second"), [])
 
-    def test_next_start_of_the_fan_is_felt_on_the_new_device(self):
+    def test_next_start_of_the_fan_uses_the_second_device(self):
         self.assertGreaterEqual(len(self.times("play", pad="second")), 2)
 
-    def test_nobody_is_told(self):
+    def test_standard_error_is_empty(self):
         self.assertEqual(self.facts["errors"], [])
 
-    def test_program_outlives_it_and_leaves_properly(self):
+    def test_program_goes_on_and_ends_with_status_0(self):
         self.assertTrue(self.facts["alive_before_sigterm"])
         self.assertEqual(self.facts["status"], 0)
 
 
 class Killed(WithPad):
-    """No chance to clean up."""
+    """The program cannot clean up."""
 
     NAME = "killed"
 
     @in_every_attempt
-    def test_kernel_erases_what_a_killed_program_leaves(self):
+    def test_kernel_erases_the_effects_of_a_killed_program(self):
         self.assertEqual(self.facts["status"], -signal.SIGKILL)
         self.assert_erased(-math.inf, math.inf)
 
-    def test_device_is_still_from_then_on(self):
+    def test_nothing_is_played_from_then_on(self):
         self.assertEqual(self.times("play", self.facts["killed"] + 0.1), [])
 
 

@@ -1,10 +1,10 @@
-"""What is played inside the lab machine; what it leaves behind is judged outside.
+"""Plays the scenarios inside the lab machine; the host tests what they leave.
 
     guest.py BUILD_DIRECTORY RESULTS_DIRECTORY [SCENARIO ...]
 
-Every scenario has a folder of its own below the results: the program's console with the time of
-each line, its end, the log of the lid device, the recorded sound. All times are CLOCK_MONOTONIC.
-Without a SCENARIO all of them are played.
+Each scenario leaves a folder below the results: the program's console with times and its exit
+status, the logs of its devices, the recorded sound. All times are CLOCK_MONOTONIC. Without a
+SCENARIO all are played.
 """
 
 import contextlib
@@ -25,21 +25,21 @@ from player import Player, TooManyRetries  # noqa: E402
 from stage import Lab  # noqa: E402
 
 
-def asking(lab, name):
-    """Somebody asks the host for files, one after the other, while something is timed."""
-    asked = 0
+def file_lookups(lab, name):
+    """Looks up files of the host, one after the other, while something is timed."""
+    count = 0
     with lab.watch.timed():
         until = time.monotonic() + 1
         while time.monotonic() < until:
-            pathlib.Path(f"/usr/no-such-file-{asked}").exists()
-            asked += 1
-    lab.leave(name, "asked.json", {"asked": asked})
+            pathlib.Path(f"/usr/no-such-file-{count}").exists()
+            count += 1
+    lab.leave(name, "lookups.json", {"count": count})
 
 
 def play_all(lab, play):
     """Every scenario there is."""
     lids.play_all(play)
-    play("asking", asking)
+    play("file_lookups", file_lookups)
     with keyboards.device_manager(lab.desktop.env):
         keyboards.play_all(play)
         keyboard_rights.play_all(play)
@@ -47,7 +47,7 @@ def play_all(lab, play):
 
 
 def main():
-    """All scenarios, or those that are asked for."""
+    """Plays all scenarios, or those named."""
     build, results = map(pathlib.Path, sys.argv[1:3])
     waiting.slowness = 6.0
     with contextlib.ExitStack() as stack:

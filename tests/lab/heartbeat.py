@@ -1,10 +1,10 @@
 #!/usr/bin/python3
-"""Wakes every 10 ms, ahead of all else on the machine, and writes down when it came late.
+"""Wakes up every 10 ms with real-time priority and logs when that was late.
 
     heartbeat.py LOG
 
-A beat that comes late tells that the machine stood still: no program can hold this one up. "ready"
-on standard output says that it beats; it ends when standard input ends.
+As no other program can delay it, a late beat means that the whole machine stood still. Prints
+"ready" once it beats, and ends with its standard input.
 
 The log has one JSON object a line, with the CLOCK_MONOTONIC seconds at which a beat was due and at
 which it came.
@@ -34,8 +34,8 @@ def beat(out, due):
 
 
 def main():
-    """Beats until told to end."""
-    # A program that fills the memory must not make this one wait for its own pages.
+    """Beats until standard input ends."""
+    # Its pages must not be swapped out when memory is short.
     if ctypes.CDLL(None, use_errno=True).mlockall(MCL_CURRENT | MCL_FUTURE) != 0:
         raise OSError(ctypes.get_errno(), "mlockall")
     os.sched_setscheduler(0, os.SCHED_FIFO, os.sched_param(PRIORITY))

@@ -1,4 +1,4 @@
-"""Input devices made through /dev/uinput, which last as long as their object is not closed."""
+"""uinput devices, which exist until they are closed."""
 
 import fcntl
 import os
@@ -29,7 +29,7 @@ class InputDevice:
     """A device with the event codes given by event type; `node` is its event node below /sys."""
 
     EFFECTS = 1
-    """How many it can hold, if it has force feedback."""
+    """How many effects it can hold, if it has force feedback."""
 
     def __init__(self, name, codes):
         self._file = os.open("/dev/uinput", os.O_RDWR | os.O_CLOEXEC)

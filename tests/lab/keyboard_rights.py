@@ -1,6 +1,6 @@
-"""Keyboards that the program may not read, or not yet: what is played.
+"""Scenarios with keyboards that the program may not read, or not yet.
 
-Every scenario leaves what its probe has said, for keyboards_test.py to judge.
+Each leaves the output of the probe for keyboards_test.py.
 """
 
 import contextlib
@@ -15,17 +15,17 @@ from virtual_desktop import processes
 from virtual_desktop.waiting import wait_until
 
 from keyboards import KEY_A, KEY_B, Keyboard, reads, settle
-from stage import PATIENCE
+from stage import TIMEOUT
 
 RETRY = 3.0
-"""Seconds after which the effect looks once more whether it has been permitted."""
+"""Seconds after which the effect checks its permission once more."""
 
 NOBODY = pwd.getpwnam("nobody")
 CRACK = pathlib.Path(__file__).resolve().parents[2] / "resources/keyboard.mp3"
 
 
 class Probe:
-    """The probe program, run as a user without rights, with a stand-in for polkit's prompt."""
+    """The probe program, run as a user without rights, with a fake polkit prompt."""
 
     def __init__(self, lab, home, stack, what):
         self.asked = home / "asked"
@@ -37,7 +37,7 @@ class Probe:
         env["PATH"] = f"{home}:{env['PATH']}"
         for folder in (home, *filter(pathlib.Path.is_dir, home.iterdir())):
             os.chown(folder, NOBODY.pw_uid, NOBODY.pw_gid)
-        # Where the program was built may be a folder that this user cannot enter.
+        # This user may lack access to the build folder.
         env["QUORVANE_RESOURCES"] = str(home)
         for file in (CRACK, lab.build / "keyboard_probe", lab.build / "quorvane-keyboard-access"):
             shutil.copy(file, home)
@@ -53,9 +53,9 @@ class Probe:
         return self._process.pid
 
     def finish(self, lab, name):
-        """Ends it and leaves what it has said."""
+        """Ends the probe and leaves its output."""
         self._process.stdin.close()
-        status = self._process.wait(PATIENCE)
+        status = self._process.wait(TIMEOUT)
         self.lines.wait_for_end()
         self._errors.wait_for_end()
         asked = self.asked.read_text().splitlines() if self.asked.exists() else []
@@ -65,7 +65,7 @@ class Probe:
 
 @contextlib.contextmanager
 def _home():
-    # Not a folder of the program's, which only root may enter.
+    # The user has no access to the temporary folder of the scenarios.
     home = pathlib.Path("/run/probe-home")
     home.mkdir(mode=0o755)
     try:
@@ -75,7 +75,7 @@ def _home():
 
 
 def _run_probe(lab, name, what, scenario, *, is_readable=False):
-    """Runs the probe beside one keyboard; `scenario(lab, keyboard, probe, stack)` is played."""
+    """Plays `scenario(lab, keyboard, probe, stack)` with the probe and one keyboard."""
     with contextlib.ExitStack() as stack:
         keyboard = Keyboard("lab keyboard one", stack)
         settle()
@@ -88,9 +88,9 @@ def _run_probe(lab, name, what, scenario, *, is_readable=False):
 
 
 def _refused(_lab, keyboard, probe, _stack):
-    probe.lines.wait_for(lambda line: line == "started", "the start", PATIENCE)
+    probe.lines.wait_for(lambda line: line == "started", "the start", TIMEOUT)
     wait_until(lambda: probe.lines.text.count("trusted no") == 2, "the retry")
-    # Comes too late: the one retry is over.
+    # Too late: there is only one retry.
     _allow(keyboard)
     time.sleep(RETRY + 1)
 
@@ -100,7 +100,7 @@ def _allow(keyboard):
 
 
 def _agree(lab):
-    """What polkit does once the person has agreed, and what the session manager says of them."""
+    """Does what polkit does once the user has agreed; makes the user the one at the seat."""
     users = pathlib.Path("/run/systemd/users")
     users.mkdir(parents=True, exist_ok=True)
     (users / str(NOBODY.pw_uid)).write_text("ACTIVE_SEATS=seat0\nSEATS=seat0\n")
@@ -109,21 +109,21 @@ def _agree(lab):
 
 
 def _permitted(lab, _keyboard, probe, _stack):
-    # The right has to be there when the effect looks once more.
+    # The permission has to be there before the retry.
     with lab.watch.timed():
         wait_until(probe.asked.exists, "the prompt")
         _agree(lab)
-        probe.lines.wait_for(lambda line: line == "active yes", "the retry", PATIENCE)
+        probe.lines.wait_for(lambda line: line == "active yes", "the retry", TIMEOUT)
 
 
 def _readable_later(_lab, one, probe, stack):
-    """A tap hears a keyboard from when it may be read, though it was there all along."""
-    probe.lines.wait_for(lambda line: line == "tap yes", "the tap", PATIENCE)
+    """A keyboard becomes readable only after the tap was started."""
+    probe.lines.wait_for(lambda line: line == "tap yes", "the tap", TIMEOUT)
     other = Keyboard("lab keyboard two", stack)
     settle()
     other.stroke(KEY_A)
     one.stroke(KEY_A)
-    probe.lines.wait_for(lambda line: line == "key", "the first key", PATIENCE)
+    probe.lines.wait_for(lambda line: line == "key", "the first key", TIMEOUT)
     _allow(other)
     wait_until(lambda: reads(probe.pid, other), "the other keyboard to be opened")
     other.stroke(KEY_B)
@@ -131,7 +131,7 @@ def _readable_later(_lab, one, probe, stack):
 
 
 def play_all(play):
-    """The probe's scenarios, each by `play(name, scenario, *arguments, **options)`."""
+    """Calls `play(name, scenario, *arguments, **options)` for every scenario of this file."""
     play("refused", _run_probe, "effect", _refused)
     play("permitted", _run_probe, "effect", _permitted)
     play("readable_later", _run_probe, "tap", _readable_later, is_readable=True)

@@ -1,6 +1,6 @@
-"""Keyboards of the machine's own kernel, in a session that is not all X11: what is played.
+"""Scenarios with uinput keyboards, in a session that looks like Wayland.
 
-Every scenario leaves its actions, with the time of each, for keyboards_test.py to judge.
+Each leaves its actions, with times, for keyboards_test.py.
 """
 
 import contextlib
@@ -14,23 +14,24 @@ from virtual_desktop import processes, screens
 from virtual_desktop.waiting import wait_until
 
 from input_device import EV_KEY, InputDevice
-from stage import PATIENCE
+from stage import TIMEOUT
 
 EV_SYN, EV_REP = 0x00, 0x14
 KEY_A, KEY_B, KEY_C, KEY_LEFTSHIFT = 30, 48, 46, 42
 KEYS = tuple(range(1, 89))
-# Letters, digits and function keys, no modifier or lock among them.
+# Letters, digits and function keys, without modifiers and locks.
 BURST = [key for key in KEYS if key not in (29, 42, 54, 56, 58, 69, 70)][:64]
 
 PAUSE = 0.7
-"""Seconds between two actions: a crack is over long before."""
+"""Seconds between two actions; a crack is much shorter."""
 
 HOLD = 1.0
 STROKES = 6
 STROKE = 0.5
 
+
 class Keyboard(InputDevice):
-    """A keyboard that repeats a held key by the kernel's own clock."""
+    """A keyboard whose held keys the kernel repeats."""
 
     def __init__(self, name, stack):
         super().__init__(name, {EV_KEY: KEYS, EV_REP: ()})
@@ -39,7 +40,7 @@ class Keyboard(InputDevice):
         stack.callback(self.unplug)
 
     def write(self, *events):
-        """Sends (type, code, value), all of it at one instant."""
+        """Sends (type, code, value) events in one write."""
         os.write(self._file, b"".join(struct.pack("llHHi", 0, 0, *event) for event in events))
 
     def press(self, *keys):
@@ -60,7 +61,7 @@ class Keyboard(InputDevice):
 
 @contextlib.contextmanager
 def device_manager(env):
-    """The udev that finds and names the devices, as on any desktop."""
+    """A running udev, which names and announces the devices."""
     with contextlib.ExitStack() as stack:
         processes.start(["/lib/systemd/systemd-udevd"], env, stack)
         wait_until(lambda: os.path.exists("/run/udev/control"), "udev")
@@ -68,8 +69,8 @@ def device_manager(env):
 
 
 def settle():
-    """Returns once udev has told of every device that came or went."""
-    # The machine's whole tree is a changed root, in which udevadm does not expect a udev.
+    """Waits until udev has announced every device that was added or removed."""
+    # The machine runs in a chroot, where udevadm ignores udev by default.
     subprocess.run(["udevadm", "settle", "--timeout=60"], check=True,
                    env=dict(os.environ, SYSTEMD_IGNORE_CHROOT="1"))
 
@@ -107,11 +108,11 @@ class ActionLog:
 
 
 def _unplug_and_replug_while_typing(log, one, other, stack):
-    """Strokes on `one` all along; gives back the keyboard that is there in place of `other`."""
+    """Strokes on `one` all the while; returns the keyboard that replaces `other`."""
     for number in range(STROKES):
         log.do(f"stroke {number}", lambda: one.stroke(KEY_A), pause=STROKE)
         if number == 1:
-            # With a key down, which may or may not be heard before its keyboard is gone.
+            # With a key down, which may or may not be heard.
             log.do("unplugging", lambda: other.press(KEY_C), other.unplug, pause=STROKE)
         if number == 3:
             other = Keyboard("lab keyboard two", stack)
@@ -134,7 +135,7 @@ def _type(log, one, other, stack):
 
 @contextlib.contextmanager
 def _wayland_session(env):
-    env["WAYLAND_DISPLAY"] = "a-compositor-of-which-only-the-name-is-known"
+    env["WAYLAND_DISPLAY"] = "no-such-compositor"
     try:
         yield
     finally:
@@ -142,17 +143,17 @@ def _wayland_session(env):
 
 
 def _arm(lab, program, facts):
-    """Switches the cracks on, and comes back once keys are heard."""
-    app = screens.open_control_panel(lab.reader, program, PATIENCE)
+    """Switches the cracks on and waits until keys are heard."""
+    app = screens.open_control_panel(lab.reader, program, TIMEOUT)
     facts["files_before"] = _open_files(program.pid)
     app.toggle(screens.KEYBOARD)
-    program.console.wait_for(lambda line: "Event tap started" in line, "armed", PATIENCE)
+    program.console.wait_for(lambda line: "Event tap started" in line, "armed", TIMEOUT)
     time.sleep(PAUSE)
     return app
 
 
 def typing(lab, name):
-    """The program, and two keyboards of which one comes and goes."""
+    """Typing on two keyboards, one of which is unplugged and plugged in again."""
     lab.set_first_launch(False)
     with contextlib.ExitStack() as stack:
         stack.enter_context(_wayland_session(lab.desktop.env))
@@ -174,11 +175,11 @@ def typing(lab, name):
 
 
 def uinput_contract(lab, name):
-    """The taps' own contract test, on a keyboard of this kernel."""
+    """The contract test of the event taps, on uinput keyboards."""
     lab.run_contract(name, "contract_uinput")
 
 
 def play_all(play):
-    """The keyboards' scenarios, each by `play(name, scenario)`."""
+    """Calls `play(name, scenario)` for every scenario of this file."""
     play("typing", typing)
     play("uinput_contract", uinput_contract)

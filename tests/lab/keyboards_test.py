@@ -1,17 +1,17 @@
-"""What keyboards.py and keyboard_rights.py left behind is what it should be."""
+"""What keyboards.py and keyboard_rights.py left."""
 
 from verdicts import Scenario, in_every_attempt, main
 
 from virtual_desktop.recording import Recording
 
 ONSET = 0.15
-"""Seconds from a key to its crack: some 0.02, and 0.1 for which the machine may stand still."""
+"""Seconds from a key to its crack: some 0.02, and 0.1 of standstill."""
 
 EARLY = 0.1
-"""Seconds by which the recording's clock may be ahead; it is silent before every action."""
+"""Seconds that the recording's clock may be ahead; it is silent before every action."""
 
 CRACK = 0.13
-"""Seconds for which one crack can be heard: some 0.05, and less than until another may follow."""
+"""Seconds for which one crack may be loud: some 0.05, and less than the rate limit."""
 
 AUDIBLE = -50.0
 
@@ -20,7 +20,7 @@ INPUT_FILES = ("/dev/input/", "anon_inode:inotify")
 
 
 class Typing(Scenario):
-    """The program, in a session whose keys are the kernel's."""
+    """Keys from the kernel's devices."""
 
     NAME = "typing"
 
@@ -32,7 +32,7 @@ class Typing(Scenario):
         cls.sound = Recording.load(cls.folder / "sound.wav", facts["sound_start"])
 
     def loud(self, action):
-        """When it is loud between a action's beginning and end, in seconds from the beginning."""
+        """When it is loud during an action, in seconds from its beginning."""
         begin, end = self.actions[action]["begin"], self.actions[action]["end"]
         return [at - begin for at in self.sound.loud_windows(begin - EARLY, end - EARLY, AUDIBLE)]
 
@@ -51,7 +51,7 @@ class Typing(Scenario):
         self.assertEqual((self.folder / "recorder.log").read_text(encoding="utf-8"), "")
 
     @in_every_attempt
-    def test_console_tells_that_keys_are_listened_to(self):
+    def test_console_has_the_lines_of_the_keyboard(self):
         lines = [line for line in self.facts["console"] if "[KEYBOARD]" in line]
         self.assertEqual(lines, ["✅ [KEYBOARD] keyboard.mp3 loaded", STARTED])
 
@@ -69,23 +69,24 @@ class Typing(Scenario):
     def test_held_key_cracks_once(self):
         self.assert_one_crack("held key")
 
-    def test_every_stroke_cracks_while_another_keyboard_goes_and_comes_back(self):
-        strokes = [name for name in self.actions if name.startswith("stroke ") and name[-1].isdigit()]
+    def test_every_stroke_cracks_while_another_keyboard_is_replugged(self):
+        strokes = [name for name in self.actions
+                   if name.startswith("stroke ") and name[-1].isdigit()]
         self.assertEqual(len(strokes), 6)
         for stroke in strokes:
             self.assert_one_crack(stroke)
 
-    def test_keyboard_that_was_plugged_in_again_cracks(self):
+    def test_replugged_keyboard_cracks(self):
         self.assert_one_crack("stroke on the replugged")
 
     def test_burst_cracks_once_and_is_not_replayed(self):
         self.assert_one_crack("burst")
 
-    def test_keyboard_that_vanishes_in_mid_event_harms_nothing(self):
+    def test_keyboard_unplugged_in_mid_event_does_no_harm(self):
         self.assert_one_crack("stroke after all that")
 
     @in_every_attempt
-    def test_program_leaves_properly_when_told(self):
+    def test_program_ends_by_sigterm_with_status_0(self):
         self.assertTrue(self.facts["alive_before_sigterm"])
         self.assertEqual(self.facts["status"], 0)
 
@@ -93,14 +94,14 @@ class Typing(Scenario):
         self.assert_silent("switched off")
 
     @in_every_attempt
-    def test_nothing_of_a_keyboard_is_open_before_the_switch_goes_on_or_after_it_goes_off(self):
+    def test_no_input_device_is_open_before_switching_on_and_after_switching_off(self):
         for files in (self.facts["files_before"], self.facts["files_after"]):
             self.assertTrue(files)
             self.assertEqual([file for file in files if file.startswith(INPUT_FILES)], [])
 
 
 class Contract(Scenario):
-    """The taps' own test program, on a keyboard of the machine's kernel."""
+    """The contract test of the event taps, on uinput keyboards."""
 
     NAME = "uinput_contract"
 
@@ -109,24 +110,24 @@ class Contract(Scenario):
 
 
 class WithProbe(Scenario):
-    """A user without rights, and what the probe says."""
+    """The output of the probe, run by a user without rights."""
 
     @classmethod
     def open(cls, attempt):
         super().open(attempt)
         cls.probe = cls.json("probe.json")
 
-    def assert_ended_well(self):
+    def assert_ended_properly(self):
         self.assertEqual(self.probe["errors"], [])
         self.assertEqual(self.probe["status"], 0)
 
 
 class Refused(WithProbe):
-    """A user who may not read the keyboard, and does not get the right in time."""
+    """A user who may not read the keyboard and gets the permission too late."""
 
     NAME = "refused"
 
-    def test_person_is_asked_once_and_trust_looked_at_once_more(self):
+    def test_user_is_asked_once_and_trust_checked_once_more(self):
         lines = [line for line in self.probe["lines"] if line.startswith("trusted")]
         self.assertEqual(lines, ["trusted no", "trusted, with a prompt no", "trusted no"])
         self.assertEqual(len(self.probe["asked"]), 1)
@@ -138,20 +139,20 @@ class Refused(WithProbe):
                          ["at the end active no", "at the end permitted no"])
         self.assertNotIn(STARTED, self.probe["lines"])
 
-    def test_program_ends_well(self):
-        self.assert_ended_well()
+    def test_probe_ends_with_status_0(self):
+        self.assert_ended_properly()
 
 
 class Permitted(WithProbe):
-    """A user who may not read the keyboard, and agrees when asked."""
+    """A user who may not read the keyboard and agrees to the prompt."""
 
     NAME = "permitted"
 
     @in_every_attempt
-    def test_program_ends_well(self):
-        self.assert_ended_well()
+    def test_probe_ends_with_status_0(self):
+        self.assert_ended_properly()
 
-    def test_retry_finds_the_right_that_the_helper_gave(self):
+    def test_retry_finds_the_permission_that_the_helper_gave(self):
         lines = [line for line in self.probe["lines"] if not line.startswith("✅")]
         self.assertEqual(lines, ["trusted no", "trusted, with a prompt no", "started",
                                  "trusted yes", "active yes", STARTED,
@@ -159,15 +160,15 @@ class Permitted(WithProbe):
 
 
 class ReadableLater(WithProbe):
-    """A keyboard that is there all along, and may be read from some time on."""
+    """A keyboard that becomes readable only after the tap was started."""
 
     NAME = "readable_later"
 
-    def test_it_is_heard_from_then_on(self):
+    def test_its_keys_are_heard_from_then_on(self):
         self.assertEqual(self.probe["lines"], ["tap yes", "key", "key"])
 
-    def test_program_ends_well(self):
-        self.assert_ended_well()
+    def test_probe_ends_with_status_0(self):
+        self.assert_ended_properly()
 
 
 if __name__ == "__main__":

@@ -1,11 +1,11 @@
 #!/usr/bin/python3
-"""Plays the lab's scenarios on the built program in a machine of its own.
+"""Plays the lab's scenarios on the built program in an emulated machine.
 
     lab.py BUILD_DIRECTORY [--time-limit SECONDS] [SCENARIO ...]
 
-The machine is kept under BUILD_DIRECTORY/lab/machine, what it leaves behind is below
-BUILD_DIRECTORY/lab/results. Status 0 says that every scenario was played, with no more than two
-retries in all, not that the program passed: that is for the verdicts to say.
+The machine is kept in BUILD_DIRECTORY/lab/machine, the results in BUILD_DIRECTORY/lab/results.
+Status 0 means that every scenario was played, with no more than two retries in all; whether the
+program passed is what the verdicts test.
 """
 
 import argparse
@@ -19,15 +19,15 @@ import machine
 HERE = pathlib.Path(__file__).resolve().parent
 
 
-def tell_repeats(build):
-    """Tells of the attempts that were void: CTest shows no output of a test that passes."""
+def log_repeats(build):
+    """Logs the void attempts to a file: CTest shows no output of a test that passes."""
     console = (build / "lab" / "results" / "console.log").read_text(encoding="utf-8")
     with open(build / "repeats.log", "a", encoding="utf-8") as file:
         file.writelines(f"{line}\n" for line in console.splitlines() if " is void: " in line)
 
 
 def main():
-    """Makes the machine if need be and runs it once."""
+    """Makes the machine if necessary and runs it once."""
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("build", type=pathlib.Path)
     parser.add_argument("scenarios", nargs="*", metavar="SCENARIO")
@@ -45,7 +45,7 @@ def main():
     except machine.LabError as error:
         print(f"lab: {error}", file=sys.stderr)
         return 1
-    tell_repeats(build)
+    log_repeats(build)
     print(f"lab: prepared in {prepared - began:.1f} s, played in "
           f"{time.monotonic() - prepared:.1f} s")
     return 0

@@ -1,12 +1,12 @@
 #!/usr/bin/python3
-"""A lid-angle sensor made through /dev/uhid, whose feature report 1 follows a script.
+"""A uhid lid-angle sensor, whose feature report 1 follows a script.
 
     lid_device.py [--product ID] [--angle DEGREES] [--log FILE] [--keep] [MOVE ...]
 
 A MOVE is `still:SECONDS`, `open:SLOPE:SECONDS` or `close:SLOPE:SECONDS`, the slope in degrees per
 second. The device stands at its first angle until a line arrives on standard input, then makes its
-moves and vanishes; with --keep, or when standard input ends before that line, it stays until
-standard input ends. "ready" on standard output says that the device is there.
+moves and is unplugged; with --keep, or when standard input ends before that line, it stays until
+standard input ends. Prints "ready" once the device is there.
 
 The log has one JSON object a line, each with the CLOCK_MONOTONIC time in seconds: the moves, every
 reading that was answered, and the device's beginning and end.
@@ -49,7 +49,7 @@ DESCRIPTOR = bytes([
 
 
 class Motion:
-    """Where the lid stands at a given time, in whole degrees as the report carries them."""
+    """The lid's angle at a given time, in whole degrees as in the report."""
 
     def __init__(self, angle, moves):
         self._angle = angle
@@ -57,7 +57,7 @@ class Motion:
         self._started = None
 
     def start(self, now):
-        """The first move begins at `now`; returns (time, slope, angle) of each move's beginning."""
+        """Begins the first move at `now`; returns (time, slope, angle) of each move's beginning."""
         self._started = now
         marks, angle, at = [], self._angle, now
         for slope, seconds in self._moves:
@@ -67,13 +67,13 @@ class Motion:
         return marks
 
     def end(self):
-        """When the last move ends; none before `start`."""
+        """When the last move ends; None before `start`."""
         if self._started is None:
             return None
         return self._started + sum(seconds for _, seconds in self._moves)
 
     def angle_at(self, now):
-        """Never outside 0 to 360."""
+        """The angle at an instant, from 0 to 360."""
         angle = self._angle
         left = 0 if self._started is None else now - self._started
         for slope, seconds in self._moves:
@@ -83,7 +83,7 @@ class Motion:
 
 
 class LidDevice:
-    """The device itself, from its creation until `destroy`."""
+    """The device, until `destroy`."""
 
     def __init__(self, product, motion=None, log=None):
         self._motion = motion
@@ -97,7 +97,7 @@ class LidDevice:
         os.write(self.file, event.ljust(EVENT_SIZE, b"\0"))
 
     def serve(self):
-        """Reads one event of the kernel's and answers it; true for the start of the device."""
+        """Handles one event of the kernel; true for the start of the device."""
         event = os.read(self.file, EVENT_SIZE)
         (kind,) = struct.unpack_from("<I", event)
         if kind == UHID_GET_REPORT:

@@ -1,4 +1,4 @@
-"""A lid sensor of the machine's own kernel: what is played with it."""
+"""Scenarios with uhid lid sensors."""
 
 import contextlib
 import pathlib
@@ -7,13 +7,13 @@ import time
 from virtual_desktop import processes, screens
 
 import device_rights
-from stage import PATIENCE
+from stage import TIMEOUT
 
 HERE = pathlib.Path(__file__).resolve().parent
 
 SCRIPT = ("still:1", "open:50:0.7", "still:1", "close:50:0.7", "still:1", "open:50:0.5")
 COLD_SCRIPT = ("still:1", "open:50:1")
-AFTER_VANISHING = 3.5
+AFTER_UNPLUGGING = 3.5
 AFTER_SWITCHING_OFF = 1.2
 
 
@@ -39,17 +39,17 @@ def _plug(lab, scenario, stack, *arguments):
 
 
 def _to_the_panel(lab, program, is_first):
-    """A launch, as far as the panel with the creak's switch."""
+    """Goes on from a launch to the control panel."""
     if is_first:
         app = lab.reader.application(program)
-        app.press(screens.CHECK, PATIENCE)
-        app.find("Lid sensor detected", timeout=PATIENCE)
-        app.press(screens.CONTINUE, PATIENCE)
-    return screens.open_control_panel(lab.reader, program, PATIENCE)
+        app.press(screens.CHECK, TIMEOUT)
+        app.find("Lid sensor detected", timeout=TIMEOUT)
+        app.press(screens.CONTINUE, TIMEOUT)
+    return screens.open_control_panel(lab.reader, program, TIMEOUT)
 
 
-def moving_lid(lab, name, *script, after_vanishing, is_first=False):
-    """A launch, the way to the creak's switch, a lid that moves and then vanishes."""
+def moving_lid(lab, name, *script, after_unplugging, is_first=False):
+    """A launch, the creak switched on, a lid that moves and is unplugged."""
     lab.set_first_launch(is_first)
     folder = lab.folder(name)
     with contextlib.ExitStack() as stack:
@@ -60,8 +60,8 @@ def moving_lid(lab, name, *script, after_vanishing, is_first=False):
             with lab.watch.timed():
                 app.toggle(screens.BUILD_QUALITY)
                 lid.begin_to_move()
-                lid.wait_until_gone(PATIENCE)
-                time.sleep(after_vanishing)
+                lid.wait_until_gone(TIMEOUT)
+                time.sleep(after_unplugging)
                 facts["switching_off"] = time.monotonic()
                 app.toggle(screens.BUILD_QUALITY)
                 facts["switched_off"] = time.monotonic()
@@ -70,41 +70,40 @@ def moving_lid(lab, name, *script, after_vanishing, is_first=False):
 
 
 def cold_creak(lab, name):
-    """The first launch on a machine that has read nothing of the program's files, and a creak."""
+    """The first launch with empty file caches, and a creak."""
     pathlib.Path("/proc/sys/vm/drop_caches").write_text("3", encoding="ascii")
-    moving_lid(lab, name, *COLD_SCRIPT, after_vanishing=AFTER_SWITCHING_OFF, is_first=True)
+    moving_lid(lab, name, *COLD_SCRIPT, after_unplugging=AFTER_SWITCHING_OFF, is_first=True)
 
 
 def found(lab, name, *lids):
-    """What the console says of the sensor at a later launch, with these devices plugged in."""
+    """A later launch with these devices plugged in, until the console line about the sensor."""
     lab.set_first_launch(False)
     with contextlib.ExitStack() as stack:
         for lid in lids:
             _plug(lab, name, stack, "--keep", *lid)
         with lab.program(name, stack) as (program, _):
-            program.console.wait_for(lambda line: "[SENSOR]" in line, "about the sensor", PATIENCE)
+            program.console.wait_for(lambda line: "[SENSOR]" in line, "about the sensor", TIMEOUT)
 
 
 def hidraw_contract(lab, name):
-    """The HID service's own contract test, on a device of this kernel."""
+    """The contract test of the HID service, on a uhid device."""
     with contextlib.ExitStack() as stack:
         _plug(lab, name, stack, "--keep", "--product", "0x8104", "--angle", "100")
         lab.run_contract(name, "contract_hidraw", QUORVANE_HIDRAW_ANGLE="100")
 
 
 def rights(lab, name):
-    """What the program's udev rules change for the person at the machine."""
+    """What the program's udev rules change for the user at the seat."""
     lab.leave(name, "rights.json", device_rights.read())
 
 
 def play_all(play):
-    """The lid's scenarios, each by `play(name, scenario, *arguments, **options)`.
+    """Calls `play(name, scenario, *arguments, **options)` for every scenario of this file.
 
-    What the program reads of the host's files when the lid creaks for the first time, the machine
-    has in its own memory from then on.
+    The cold creak is first: from then on the machine has the program's files in its caches.
     """
     play("cold_creak", cold_creak)
-    play("moving_lid", moving_lid, *SCRIPT, after_vanishing=AFTER_VANISHING)
+    play("moving_lid", moving_lid, *SCRIPT, after_unplugging=AFTER_UNPLUGGING)
     play("found_by_scan", found, ("--product", "0xabc1"))
     play("first_reading_0", found, ("--angle", "0"))
     play("first_reading_200", found, ("--angle", "200"))

@@ -1,4 +1,4 @@
-"""What the lid's scenarios left behind is what it should be.
+"""What the scenarios of lids.py left.
 
 LAB_CLIP is the creak's sound file.
 """
@@ -17,37 +17,34 @@ from virtual_desktop.recording import Recording
 CLIP = pathlib.Path(os.environ["LAB_CLIP"])
 
 ONSET = 0.2
-"""Seconds from the beginning of a motion to its sound. On the way lie a reading every 1/30 s, the
-feed every 1/60 s and the output's buffer: 0.08 at the most, and 0.1 for which the machine may stand
-still."""
+"""Seconds from the beginning of a motion to its sound: a reading every 1/30 s, an update every
+1/60 s and the output's buffer, 0.08 at the most, and 0.1 of standstill."""
 
 FIRST_ONSET = 0.25
-"""The same with the opening of the output device, some 0.06."""
+"""The same, and some 0.06 to open the output device."""
 
 COLD_ONSET = 0.35
-"""The same on a machine that has read nothing of the program's files yet, some 0.03 more."""
+"""The same with empty file caches, some 0.03 more."""
 
 RELEASE = (0.14, 0.35)
-"""Seconds from the end of the motion to silence: 0.2 s until the mean slope is 0, a reading more or
-less, and on the late side a buffer and 0.1 for which the machine may stand still."""
+"""Bounds for the seconds from the end of a motion to silence: 0.2 until the mean slope is 0, a
+reading more or less, and at the latest a buffer and 0.1 of standstill more."""
 
 PLACE = 0.08
 """Seconds by which a place in the clip may be off. A restart would be off by almost a second."""
 
 SLICE = 0.1
-"""Seconds of sound that are looked for in the clip; a processor short of time drops out between
-such pieces."""
+"""Seconds of the excerpts that are searched for in the clip; there may be dropouts between them."""
 
 WITHOUT_GAPS = 0.85
-"""What part of a sounding time is loud: nearly all, but 0.1 of each second for which the machine may
-stand still."""
+"""The least share of loud windows in a creak: nearly all, less 0.1 of each second of standstill."""
 
-LIKENESS = 0.8
-"""Correlation from which on a slice has been found; a wrong place comes to some 0.5."""
+CORRELATION = 0.8
+"""The least correlation of an excerpt with the clip at its place; at wrong places it is some 0.5."""
 
 
 class WithLid(Scenario):
-    """What every scenario with a program and lid devices has."""
+    """A scenario with the program and lid devices."""
 
     @property
     def console(self):
@@ -60,23 +57,23 @@ class WithLid(Scenario):
     def sensor_lines(self):
         return [line for line in self.console if "[SENSOR]" in line]
 
-    def assert_refused(self, angle):
-        """The only device there was answered with `angle`, and was not taken."""
+    def assert_not_used(self, angle):
+        """The only device was read, answered with `angle` and was not used."""
         angles = {entry["angle"] for entry in self.device if entry["event"] == "reading"}
         self.assertEqual(angles, {angle})
         self.assertEqual(
             self.sensor_lines(),
             ["⚠️ [SENSOR] No HID lid sensor found — using sleep/wake fallback"])
 
-    def assert_left_properly(self):
-        """The program was there until it was told to leave, and complained of nothing."""
+    def assert_ended_properly(self):
+        """The program ran until SIGTERM, ended with status 0 and wrote nothing to standard error."""
         self.assertEqual(self.facts["errors"], [])
         self.assertTrue(self.facts["alive_before_sigterm"])
         self.assertEqual(self.facts["status"], 0)
 
 
 class Creaking(WithLid):
-    """The lid moves and vanishes meanwhile, and all the while it is recorded."""
+    """A recorded scenario in which the lid moves and is unplugged during a motion."""
 
     MOTIONS = 0
 
@@ -111,14 +108,14 @@ class Creaking(WithLid):
     def places_in_clip(self, number):
         """Where in the clip the sound of a motion began and ended: (earliest, latest) of each.
 
-        Between its first and last slice that were found the sound is where it is heard to be;
-        outside of them it can have run on or, at the worst, dropped out.
+        Between the first and the last excerpt that were found the places are known; before and
+        after them the sound can have run on or, at the worst, dropped out.
         """
         begin, end = self.creak(number)
         found = []
         for at in numpy.arange(begin, end - SLICE, SLICE / 2):
-            place, likeness = self.clip.locate(self.sound.samples(at, at + SLICE))
-            if likeness > LIKENESS:
+            place, correlation = self.clip.locate(self.sound.samples(at, at + SLICE))
+            if correlation > CORRELATION:
                 found.append((at, place))
         self.assertTrue(found, f"the sound of motion {number + 1} is not the creak")
         first, last = found[0], found[-1]
@@ -140,7 +137,7 @@ class Creaking(WithLid):
 
 
 class ColdCreak(Creaking):
-    """The lid opens once, on a machine that has read nothing of the program's files yet."""
+    """The lid opens once, with empty file caches."""
 
     NAME = "cold_creak"
     MOTIONS = 1
@@ -153,7 +150,7 @@ class ColdCreak(Creaking):
     def test_nothing_sounds_before_the_lid_moves(self):
         self.assert_silent_until_the_lid_moves()
 
-    def test_creak_begins_in_spite_of_all_that_is_read_for_it(self):
+    def test_creak_begins_in_time_with_empty_file_caches(self):
         begin = self.spans[0][0]
         loud = self.sound.loud_windows(begin, self.facts["switching_off"])
         self.assertTrue(loud, "no sound at all")
@@ -161,12 +158,12 @@ class ColdCreak(Creaking):
         self.assertLess(loud[0] - begin, COLD_ONSET)
 
     @in_every_attempt
-    def test_program_leaves_properly_when_told(self):
-        self.assert_left_properly()
+    def test_program_ends_by_sigterm_with_status_0(self):
+        self.assert_ended_properly()
 
 
 class MovingLid(Creaking):
-    """The lid rests, opens, rests, closes, rests, opens and vanishes meanwhile."""
+    """The lid rests, opens, rests, closes, rests, opens and is unplugged while it opens."""
 
     NAME = "moving_lid"
     MOTIONS = 3
@@ -229,25 +226,25 @@ class MovingLid(Creaking):
             self.assertLess(resumed_earliest, paused_latest + PLACE)
             self.assertGreater(resumed_latest, paused_earliest - PLACE)
 
-    def test_creak_goes_on_after_the_moving_lid_has_vanished(self):
-        # The last speed that was read stays the speed: the clip ends and starts anew.
+    def test_creak_goes_on_after_the_moving_lid_was_unplugged(self):
+        # The last speed stays: the clip ends and starts again.
         since = self.gone + 0.5
         until = self.facts["switching_off"]
         self.assertGreater(self.sound.loud_time(since, until), (until - since) * WITHOUT_GAPS)
         self.assertIn("✅ [AUDIO] Τελείωσε — ready for next", self.console)
 
-    def test_program_still_obeys_its_switch_after_the_lid_has_vanished(self):
+    def test_switch_still_silences_the_creak_after_the_lid_was_unplugged(self):
         end = self.facts["sound_end"]
         self.assertGreater(end - self.facts["switched_off"], 1)
         self.assertEqual(self.sound.loud_windows(self.facts["switched_off"] + 0.15, end), [])
 
     @in_every_attempt
-    def test_program_outlives_the_lid_and_leaves_properly_when_told(self):
-        self.assert_left_properly()
+    def test_program_goes_on_without_the_lid_and_ends_with_status_0(self):
+        self.assert_ended_properly()
 
 
 class FoundByScan(WithLid):
-    """A product that is in no list."""
+    """A product that is not in the program's list."""
 
     NAME = "found_by_scan"
 
@@ -255,20 +252,20 @@ class FoundByScan(WithLid):
         self.assertEqual(self.sensor_lines(),
                          ["✅ [SENSOR] Found lid sensor via scan! ProductID=0xabc1, angle=100°"])
 
-    def test_program_leaves_properly_when_told(self):
-        self.assert_left_properly()
+    def test_program_ends_by_sigterm_with_status_0(self):
+        self.assert_ended_properly()
 
 
 class FirstReading0(WithLid):
-    """A reading that no hinge in use can have."""
+    """A reading of an angle that no open lid has."""
 
     NAME = "first_reading_0"
 
-    def test_device_was_read_and_refused(self):
-        self.assert_refused(0)
+    def test_device_is_read_and_not_used(self):
+        self.assert_not_used(0)
 
-    def test_program_leaves_properly_when_told(self):
-        self.assert_left_properly()
+    def test_program_ends_by_sigterm_with_status_0(self):
+        self.assert_ended_properly()
 
 
 class FirstReading200(WithLid):
@@ -276,11 +273,11 @@ class FirstReading200(WithLid):
 
     NAME = "first_reading_200"
 
-    def test_device_was_read_and_refused(self):
-        self.assert_refused(200)
+    def test_device_is_read_and_not_used(self):
+        self.assert_not_used(200)
 
-    def test_program_leaves_properly_when_told(self):
-        self.assert_left_properly()
+    def test_program_ends_by_sigterm_with_status_0(self):
+        self.assert_ended_properly()
 
 
 if __name__ == "__main__":

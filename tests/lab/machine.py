@@ -1,7 +1,7 @@
-"""A Linux machine in software emulation whose root is the host's, read-only.
+"""An emulated Linux machine whose root is the host's, read-only.
 
-The kernel is the distribution's own package, unpacked but not installed. Nothing that the machine
-does reaches the host except the files that it leaves in its results folder.
+The kernel is the distribution's package, unpacked but not installed. The machine writes to its
+results folder only.
 """
 
 import contextlib
@@ -30,10 +30,10 @@ KERNEL_METAPACKAGE = "linux-image-amd64"
 
 QEMU = [
     "qemu-system-x86_64", "-accel", "tcg,thread=single", "-machine", "pc", "-cpu", "Nehalem-v1",
-    # The guest's clock counts instructions (one every 2 ns), so that a busy host makes the machine
-    # late, but never short of time. Only while the machine has nothing to do does its clock follow
-    # the host's: what standstill.py watches. Were it to skip such times instead (sleep=off), every
-    # answer of the host's would seem to take some hundred times as long.
+    # The guest's clock counts instructions (one every 2 ns), so a busy host makes the machine slow
+    # without making it miss deadlines. Only while the machine is idle does its clock follow the
+    # host's, which is why there is standstill.py. If it skipped idle times instead (sleep=off),
+    # every answer of the host would seem to take some hundred times as long.
     "-smp", "1", "-icount", "shift=1,sleep=on",
     "-m", "2048", "-nic", "none", "-display", "none", "-monitor", "none",
     "-no-reboot", "-no-user-config", "-nodefaults", "-serial", "stdio",
@@ -41,8 +41,7 @@ QEMU = [
 ]
 COMMAND_LINE = "console=ttyS0 quiet panic=-1 reboot=t mitigations=off tsc=reliable no_timer_check"
 
-# In the header of a bzImage: how many sectors come before the kernel, and where in it the packed one
-# begins and its length.
+# Offsets in the header of a bzImage: the number of setup sectors; offset and length of the payload.
 SETUP_SECTORS, PAYLOAD = 0x1F1, 0x248
 XZ = b"\xfd7zXZ\0"
 
@@ -78,7 +77,7 @@ def _unpack_kernel(package, folder):
 
 
 def _modules_in_order(root, release):
-    """The files of MODULES and of all they need, each after what it depends on."""
+    """The files of MODULES and their dependencies, dependencies first."""
     _output("depmod", "-b", root, release)
     files = []
     for module in MODULES:
@@ -91,13 +90,13 @@ def _modules_in_order(root, release):
 
 
 def _unpacked(vmlinuz):
-    """The kernel that a bzImage unpacks as it starts, which takes an emulated processor seconds."""
+    """The kernel in a bzImage: unpacking it at boot takes an emulated processor seconds."""
     image = vmlinuz.read_bytes()
     sectors = image[SETUP_SECTORS]
     offset, length = struct.unpack_from("<II", image, PAYLOAD)
     begin = (sectors + 1) * 512 + offset
     payload = image[begin:begin + length]
-    # Another kind of compression is left to the kernel itself.
+    # With another compression the kernel unpacks itself.
     return lzma.LZMADecompressor().decompress(payload) if payload.startswith(XZ) else image
 
 
@@ -119,7 +118,7 @@ def _pack_initramfs(tree, archive):
 
 
 def prepare(folder):
-    """Kernel and initramfs, made once for each kernel package and each state of these sources."""
+    """Kernel and initramfs, made again only for another kernel package or after changes here."""
     package = _kernel_package()
     kernel = folder / package / "kernel"
     initramfs = folder / package / "initramfs"
@@ -162,16 +161,16 @@ def _stream(source, log_path, started):
 
 
 def run_first():
-    """Puts this process and its children ahead of what else runs here, where that is permitted.
+    """Gives this process and its children real-time priority, where that is permitted.
 
-    A niceness would not do: Linux weighs one session's processes against another's by none.
+    A nice value would not help: autogroups ignore it between sessions.
     """
     with contextlib.suppress(PermissionError):
         os.sched_setscheduler(0, os.SCHED_RR, os.sched_param(1))
 
 
 def boot(kernel, initramfs, results, job, time_limit):
-    """Runs the shell text `job` in a fresh machine, its results in the folder `results`.
+    """Runs the shell script `job` in a new machine with the folder `results` at /run/results.
 
     Raises LabError unless the job ended by itself with status 0 within `time_limit` seconds.
     """

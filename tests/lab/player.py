@@ -1,10 +1,10 @@
-"""Plays scenarios, and once more what was timed while the machine stood still."""
+"""Plays scenarios, and repeats those whose timed part had a standstill."""
 
 import pathlib
 import traceback
 
 RETRIES = 2
-"""In one run, over all scenarios. A host that needs more is too busy for anything to be timed."""
+"""The most retries in one run, over all scenarios; with more, the host is too busy."""
 
 
 class TooManyRetries(Exception):
@@ -12,10 +12,10 @@ class TooManyRetries(Exception):
 
 
 class Player:
-    """Plays one scenario after the other: each owns the machine's HID devices and sound.
+    """Plays scenarios one at a time, as they share the machine's HID devices and sound.
 
-    Of `wanted` names only, if there are any. Every attempt leaves a folder of its own: only its
-    times are void when the machine stood still, the rest is judged as well.
+    Plays those with the `wanted` names only, if any are given. Every attempt leaves a folder: of a
+    void attempt only the times do not count, the rest is judged as well.
     """
 
     def __init__(self, lab, wanted=()):
@@ -54,7 +54,7 @@ class Player:
         return complaint
 
     def finish(self):
-        """What the run was, in a line; not every name that was wanted may exist."""
+        """A line about the run; LookupError if a wanted name does not exist."""
         if unknown := self._wanted - self._played:
             raise LookupError(f"no such scenario: {', '.join(sorted(unknown))}")
         return f"{len(self._played)} scenarios, {len(self._void)} of {RETRIES} retries"

@@ -20,7 +20,7 @@ STOOD_STILL = "the machine stood still for 0.70 s within a second"
 
 
 class FakeLab:
-    """Keeps what is left and handed over; tells of standstills as often as it is told to."""
+    """A lab whose watch reports the given complaints, one after the other."""
 
     def __init__(self, home, complaints):
         self.results = home / "results"
@@ -48,17 +48,17 @@ class FakeLab:
         shutil.move(self.folder(name), self.results / name / attempt)
 
     def complaints(self, name):
-        """What each attempt at a scenario that was handed over says of the machine."""
+        """The complaint of each attempt at a scenario, None for none."""
         attempts = sorted((self.results / name).iterdir())
         return [json.loads((attempt / "standstill.json").read_text())["complaint"]
                 for attempt in attempts]
 
 
 class WithPlayer(unittest.TestCase):
-    """A player in a lab of its own, and nothing on the console."""
+    """The base of tests with a player in a fake lab."""
 
     def player(self, *complaints, wanted=()):
-        """A player in a lab that stands still as told, one attempt after the other."""
+        """A player in a lab that complains of one attempt after the other as given."""
         home = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory()))
         self.lab = FakeLab(home, complaints)
         self.console = self.enterContext(contextlib.redirect_stdout(io.StringIO()))
@@ -70,13 +70,13 @@ def _nothing(_lab, _name):
 
 
 def _crash(_lab, _name):
-    raise RuntimeError("the program is gone")
+    raise RuntimeError("the program has crashed")
 
 
 class Attempts(WithPlayer):
-    """How often something is played."""
+    """How often a scenario is played."""
 
-    def test_what_stands_is_played_once(self):
+    def test_scenario_without_a_standstill_is_played_once(self):
         play = self.player()
         play("one", _nothing)
         self.assertEqual(self.lab.complaints("one"), [None])
@@ -94,7 +94,7 @@ class Attempts(WithPlayer):
         play("one", _nothing)
         self.assertEqual(self.lab.complaints("one"), [STOOD_STILL, STOOD_STILL, None])
 
-    def test_third_retry_in_one_run_is_the_labs_failure_whichever_scenario_needs_it(self):
+    def test_third_retry_in_one_run_fails_the_run(self):
         play = self.player(STOOD_STILL, None, STOOD_STILL, None, STOOD_STILL)
         play("one", _nothing)
         play("two", _nothing)
@@ -103,16 +103,16 @@ class Attempts(WithPlayer):
         self.assertIn("this host is too busy: 3 attempts were void", str(raised.exception))
         self.assertEqual(self.lab.complaints("three"), [STOOD_STILL])
 
-    def test_failure_is_kept_without_a_retry_and_stops_no_other_scenario(self):
+    def test_failure_is_kept_without_a_retry_and_the_next_scenario_is_played(self):
         play = self.player()
         play("one", _crash)
         play("two", _nothing)
-        self.assertIn("the program is gone",
+        self.assertIn("the program has crashed",
                       (self.lab.results / "one/attempt-1/failure").read_text())
         self.assertEqual(self.lab.complaints("one"), [None])
         self.assertEqual(self.lab.complaints("two"), [None])
 
-    def test_only_what_is_wanted_is_played_and_has_to_exist(self):
+    def test_only_the_scenarios_named_are_played_and_have_to_exist(self):
         play = self.player(wanted=["two"])
         play("one", _nothing)
         play("two", _nothing)
@@ -125,12 +125,12 @@ class Attempts(WithPlayer):
 
 
 class VoidAttempts(WithPlayer):
-    """What is judged of an attempt that is void, by the verdicts as the tests run them."""
+    """What the tests judge of an attempt that is void."""
 
     def judge(self, verdict, void, last, scenario="permitted"):
-        """The verdict's status and words on a void attempt and the one after it.
+        """Runs a verdict on a void attempt and the one after it; returns its status and output.
 
-        Each attempt is what the probe said, or none if the scenario failed in the machine.
+        Each attempt is the result of the probe, or None if the scenario failed in the machine.
         """
         attempts = [void, last]
 
@@ -149,8 +149,8 @@ class VoidAttempts(WithPlayer):
         "trusted no", "trusted, with a prompt no", "started", "trusted yes", "active yes",
         "⌨️ [KEYBOARD] Event tap started — global monitoring active",
         "at the end active yes", "at the end permitted yes"]}
-    ENDS_WELL = "Permitted.test_program_ends_well"
-    IN_TIME = "Permitted.test_retry_finds_the_right_that_the_helper_gave"
+    ENDS_WELL = "Permitted.test_probe_ends_with_status_0"
+    IN_TIME = "Permitted.test_retry_finds_the_permission_that_the_helper_gave"
 
     def test_count_of_attempts_is_in_the_verdict(self):
         status, said = self.judge(self.ENDS_WELL, self.WELL, self.WELL)
@@ -170,9 +170,9 @@ class VoidAttempts(WithPlayer):
     def test_failure_in_the_machine_in_a_void_attempt_fails_every_verdict(self):
         status, said = self.judge(self.IN_TIME, None, self.WELL)
         self.assertEqual(status, 1)
-        self.assertIn("the program is gone", said)
+        self.assertIn("the program has crashed", said)
 
-    def test_what_came_too_late_in_a_void_attempt_is_forgiven(self):
+    def test_late_line_in_a_void_attempt_is_ignored(self):
         late = {"status": 0, "lines": ["trusted no"]}
         status, said = self.judge(self.IN_TIME, late, self.WELL)
         self.assertEqual(status, 0, said)
@@ -186,7 +186,7 @@ class VoidAttempts(WithPlayer):
 
 
 class Skips(unittest.TestCase):
-    """A test that is skipped has said nothing."""
+    """A skipped test is a failure."""
 
     def run_verdict(self, body):
         """The status of a file of verdicts with one test."""

@@ -1,4 +1,4 @@
-"""Where the scenarios are played: the machine's desktop, and the program on it."""
+"""The desktop inside the lab machine, and the program on it."""
 
 import contextlib
 import json
@@ -17,14 +17,14 @@ from virtual_desktop.recording import LiveRecording
 from standstill import Watch
 
 RATE = 48000
-PATIENCE = 60.0
-"""Seconds for what takes a second or two on real hardware."""
+TIMEOUT = 60.0
+"""The timeout, in seconds, of what takes a second or two on real hardware."""
 
-# The program plays into one end of the loopback and the recorder listens at the other.
+# The program plays to one end of the loopback, the recorder reads from the other.
 ALSA_CONFIG = """
 </usr/share/alsa/alsa.conf>
 pcm.!default { type hw card Loopback device 0 subdevice 0 }
-pcm.lab_ear {
+pcm.lab_recorder {
     type plug
     slave { pcm "hw:Loopback,1,0" format S16_LE rate 48000 channels 2 }
 }
@@ -32,7 +32,7 @@ pcm.lab_ear {
 
 
 class Desktop:
-    """A display, a session bus with accessibility, and the way to the sound loopback."""
+    """A display, a session bus with accessibility, and the sound loopback."""
 
     def __init__(self, directory, stack):
         self.env = processes.base_environment(str(directory))
@@ -52,10 +52,10 @@ class Desktop:
         self.env["DBUS_SESSION_BUS_ADDRESS"] = bus.address
 
     def record(self, log, stack):
-        """Starts to record what comes out of the loopback; `log` tells of lost samples."""
+        """Starts to record from the loopback; lost samples are in `log`."""
         with open(log, "wb") as errors:
             recorder = processes.start(
-                ["arecord", "-q", "-D", "lab_ear", "-f", "S16_LE", "-r", str(RATE), "-c", "1",
+                ["arecord", "-q", "-D", "lab_recorder", "-f", "S16_LE", "-r", str(RATE), "-c", "1",
                  "-t", "raw", "--period-time=20000", "--buffer-time=2000000"],
                 self.env, stack, stdout=subprocess.PIPE, stderr=errors)
         recording = LiveRecording(recorder.stdout, RATE)
@@ -64,7 +64,7 @@ class Desktop:
 
 
 class Lab:
-    """The machine's desktop, and the program on it."""
+    """The machine's desktop, and the files that the scenarios leave."""
 
     def __init__(self, build, results, stack):
         self.build = build
@@ -73,23 +73,22 @@ class Lab:
             tempfile.TemporaryDirectory(prefix="lab-", ignore_cleanup_errors=True)))
         self._played = home / "played"
         self.desktop = Desktop(home, stack)
-        # Connects to the accessibility bus of this process's environment as it is loaded.
+        # Atspi connects to the bus in this process's environment when it is loaded.
         from virtual_desktop.accessibility import ScreenReader
         self.reader = ScreenReader(self.desktop.accessibility.address)
         self.watch = Watch(self.desktop.env, home / "heartbeat.log", stack)
 
     def folder(self, scenario):
-        """Where a scenario leaves what it has seen.
+        """The folder of a scenario's files.
 
-        In the machine's memory: a line of a log that had to wait for the host would hold up its
-        writer in the midst of what is timed.
+        In the machine's memory: writing a log to the host would block its writer while it is timed.
         """
         folder = self._played / scenario
         folder.mkdir(parents=True, exist_ok=True)
         return folder
 
     def hand_over(self, scenario, attempt):
-        """Gives what an attempt at a scenario has left to the host, and makes room for another."""
+        """Moves the files of an attempt at a scenario to the host."""
         shutil.move(self.folder(scenario), self._results / scenario / attempt)
 
     def set_first_launch(self, is_first):
@@ -100,7 +99,7 @@ class Lab:
 
     @contextlib.contextmanager
     def program(self, scenario, stack):
-        """The program, ended by SIGTERM; its console and end are kept, and so is what is added."""
+        """The program, ended by SIGTERM; leaves its output, its status and the facts added."""
         facts = {}
         began = time.monotonic()
         program = Program([self.build / "quorvane"], self.desktop.env, stack)
@@ -109,25 +108,25 @@ class Lab:
             facts["alive_before_sigterm"] = program.is_running
             facts["sigterm"] = time.monotonic()
             program.terminate()
-            facts["status"], facts["ended"] = program.wait_for_exit(PATIENCE)
+            facts["status"], facts["ended"] = program.wait_for_exit(TIMEOUT)
         finally:
             facts.update(began=began, console=program.console.text, errors=program.errors.text)
             self.leave(scenario, "program.json", facts)
 
     def run_contract(self, scenario, program, **settings):
-        """One of the services' own test programs; what it says is kept."""
+        """Runs a contract test; leaves its status and output."""
         result = subprocess.run([self.build / program], env=self.desktop.env | settings,
                                 check=False, stdin=subprocess.DEVNULL, capture_output=True,
-                                text=True, timeout=2 * PATIENCE)
+                                text=True, timeout=2 * TIMEOUT)
         self.leave(scenario, "result.json", {"status": result.returncode,
                                              "output": result.stdout + result.stderr})
 
     def leave(self, scenario, name, facts):
-        """Writes down what a scenario has found out."""
+        """Writes a file of a scenario as JSON."""
         text = json.dumps(facts, ensure_ascii=False, indent=1)
         (self.folder(scenario) / name).write_text(text, encoding="utf-8")
 
     def leave_sound(self, scenario, recording, facts):
-        """Keeps what was recorded, and when that was."""
+        """Writes the recorded sound and adds its times to the facts."""
         facts["sound_start"], facts["sound_end"] = recording.start, recording.end
         recording.save(self.folder(scenario) / "sound.wav")

@@ -1,8 +1,8 @@
-"""Whether the machine stood still while a program in it was being timed.
+"""Detects standstills of the machine while a program in it is timed.
 
-The guest's clock runs on while the host is slow to wake the machine. Inside that looks like a
-program that does nothing. A heartbeat that no program can hold up tells the two apart. Waiting for
-the host's files does not count: a program that reads while it is timed has to answer for that.
+While the host is slow to wake an idle machine the guest's clock runs on, which in the guest looks
+like a program that does nothing. The heartbeat, which no program can delay, tells the two apart.
+Waiting for files of the host is no standstill: it counts as the program's time.
 """
 
 import collections
@@ -16,24 +16,24 @@ from virtual_desktop import processes
 HERE = pathlib.Path(__file__).resolve().parent
 
 SPARE = 0.1
-"""Seconds that may be missing of any one second that is timed: the verdicts' bounds have as much to
-spare, whether it is missing in one go or in many."""
+"""The most seconds of standstill, in one or several spans, in any second that is timed: the bounds
+of the verdicts allow for as much."""
 
 
 def late_beats(lines):
-    """The (begin, end) of each beat that was late, of a log of heartbeat.py."""
+    """The (begin, end) of each late beat in a log of heartbeat.py."""
     beats = [json.loads(line) for line in lines]
     return [(entry["due"], entry["came"]) for entry in beats]
 
 
 def within(spans, begin, end):
-    """What of the spans lies between two instants."""
+    """The parts of the spans that lie between two instants."""
     return [(max(first, begin), min(last, end)) for first, last in spans
             if first < end and last > begin]
 
 
 def worst_second(spans):
-    """How much of any one second was missing at the most; the spans come as `within` gives them."""
+    """The most standstill in any one second; the spans are in order."""
     recent, total, worst = collections.deque(), 0.0, 0.0
     for begin, end in spans:
         recent.append((begin, end))
@@ -46,7 +46,7 @@ def worst_second(spans):
 
 
 def complaint(spans):
-    """What is wrong with what was measured meanwhile, in a few words; none if it stands."""
+    """Why times measured meanwhile are void, or None if they count."""
     worst = worst_second(spans)
     if worst <= SPARE:
         return None
@@ -54,7 +54,7 @@ def complaint(spans):
 
 
 class Watch:
-    """The heartbeat, from now until the end of `stack`; `log` is where it writes."""
+    """Runs the heartbeat, until `stack` is closed, with its log in the file `log`."""
 
     def __init__(self, env, log, stack):
         self._log = log
@@ -64,7 +64,7 @@ class Watch:
 
     @contextlib.contextmanager
     def timed(self):
-        """Around what is timed."""
+        """The context in which something is timed."""
         begin = time.monotonic()
         try:
             yield
@@ -77,11 +77,7 @@ class Watch:
             self._complaint = complaint(self._spans)
 
     def take(self):
-        """What was seen while something was last timed, told once.
-
-        The spans of time in which the machine stood still, and what is wrong with what was measured
-        meanwhile, which is none if it stands.
-        """
-        told = self._spans, self._complaint
+        """The standstills and the complaint of what was timed last; resets both."""
+        taken = self._spans, self._complaint
         self._spans, self._complaint = [], None
-        return told
+        return taken

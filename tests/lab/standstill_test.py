@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""What counts as a standstill of the machine, by a log as the machine wrote it."""
+"""What counts as a standstill, with a log from the machine."""
 
 import unittest
 
@@ -7,7 +7,7 @@ from verdicts import main  # first: it makes virtual_desktop importable
 
 import standstill
 
-# QEMU was stopped for 0.7 s, three times; twice the machine had nothing to do just then.
+# QEMU was stopped for 0.7 s three times; the machine was idle in two of them.
 HEARTBEAT = """
 {"due": 30.716431223002143, "came": 31.411410242}
 {"due": 42.00643122300024, "came": 42.699495681}
@@ -16,7 +16,7 @@ HEARTBEAT = """
 
 
 def standing(*lengths, every=0.05):
-    """As many spans, one after the other."""
+    """Spans of these lengths, `every` so many seconds."""
     return [(10 + number * every, 10 + number * every + length)
             for number, length in enumerate(lengths)]
 
@@ -31,7 +31,7 @@ class Beats(unittest.TestCase):
 
 
 class Within(unittest.TestCase):
-    """What lies in the timed part."""
+    """Which spans lie in the timed part."""
 
     def test_what_is_outside_does_not_count(self):
         spans = standstill.late_beats(HEARTBEAT)
@@ -41,9 +41,9 @@ class Within(unittest.TestCase):
 
 
 class Complaint(unittest.TestCase):
-    """Whether a measurement stands."""
+    """When measured times are void."""
 
-    def test_recorded_standstills_make_it_void_only_if_they_fall_into_it(self):
+    def test_standstills_make_times_void_only_if_they_overlap(self):
         spans = standstill.late_beats(HEARTBEAT)
         self.assertEqual(standstill.complaint(standstill.within(spans, 30, 50)),
                          "the machine stood still for 0.69 s within a second")

@@ -1,6 +1,6 @@
-"""What the verdicts on all scenarios have in common.
+"""The base of the verdicts: the tests of what the scenarios left.
 
-LAB_RESULTS names the folder of the run. Each attempt at a scenario has a folder in it.
+LAB_RESULTS is the folder of the results, with a folder for each attempt at a scenario.
 """
 
 import functools
@@ -16,7 +16,7 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
 
 
 class Scenario(unittest.TestCase):
-    """What one scenario has left. Its last attempt is the one with times that count."""
+    """The files of one scenario. Only the times of its last attempt count."""
 
     NAME = ""
 
@@ -39,12 +39,12 @@ class Scenario(unittest.TestCase):
 
     @classmethod
     def open(cls, attempt):
-        """What is judged from now on."""
+        """Selects the attempt that is judged from now on."""
         cls.folder = attempt
 
     @classmethod
     def json(cls, name):
-        """One object that was left."""
+        """The content of a JSON file."""
         return json.loads((cls.folder / name).read_text(encoding="utf-8"))
 
     @classmethod
@@ -55,22 +55,22 @@ class Scenario(unittest.TestCase):
 
     @property
     def facts(self):
-        """What was noted of the program."""
+        """The facts about the program."""
         return self.json("program.json")
 
     def assert_contract_kept(self, count):
-        """A contract's own test program ran `count` tests or more, and all of them passed."""
+        """A contract test ran `count` tests or more, and all of them passed."""
         result = self.json("result.json")
         print(result["output"])
         self.assertEqual(result["status"], 0)
         ran = re.search(r"(\d+) tests from \d+ test suites? ran", result["output"])
         self.assertGreaterEqual(int(ran[1]), count)
-        # Less than have run if one was skipped.
+        # With a skipped test the number would be lower.
         self.assertIn(f"[  PASSED  ] {ran[1]} tests.", result["output"])
 
 
 def in_every_attempt(test):
-    """A verdict on what is no time: one that a void attempt has to pass as well."""
+    """Decorates a verdict on something else than times: void attempts have to pass it, too."""
     @functools.wraps(test)
     def judge(self):
         for attempt in self.attempts:
@@ -81,7 +81,7 @@ def in_every_attempt(test):
 
 
 def main():
-    """Runs the tests that the command line names; one that is skipped has failed."""
+    """Runs the tests that the command line names; a skipped test is a failure."""
     result = unittest.main(verbosity=2, exit=False).result
     passed = result.wasSuccessful() and result.testsRun > 0 and not result.skipped
     sys.exit(0 if passed else 1)

@@ -9,8 +9,8 @@ from .recording import LiveRecording
 
 
 DRY = ("Implicit underrun of", "due to end of underrun")
-"""What the server logs of an underrun: at once for a stream that must not stop, for any other once it
-has samples again."""
+"""What the server logs of an underrun: at once for a stream that must not stop, for any other once
+it has samples again."""
 
 FRESH = ("Created input", "due to uncorking")
 """What it logs of a stream that begins, or goes on after a pause; those underrun at first."""
