@@ -7,8 +7,8 @@
 
 #include "platform/linux/audio/OpenALAudioService.h"
 
-/// What one sound of the program costs, without its window: `looping_sound hold` keeps the output
-/// open and silent, `looping_sound FILE` plays the file over and over, until a signal ends it.
+/// The program's sound output without its window, until a signal: `looping_sound hold` keeps the
+/// output open and silent, `looping_sound FILE` plays the file over and over.
 int main(int argc, char** argv) {
     using namespace quorvane;
     if (argc != 2) {

@@ -1,7 +1,6 @@
-// Starts the program and a bare window of the same toolkit in turn, each on an empty X server, and
-// prints how long it takes from the start of the process to its first frame and how much memory it
-// then holds. Both are looked at from outside and in the same way: the first frame is there when
-// the middle of the window no longer shows what the root window was painted with.
+// Starts the program and a bare Qt window in turn on an empty X server, and prints how long each
+// takes from the start of the process to its first frame and how much memory it then has. The first
+// frame is there when the middle of the window no longer has the root window's colour.
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -29,11 +28,11 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::uint16_t windowWidth = 550;
 constexpr std::uint16_t windowHeight = 780;
-// No screen shows it.
+// A colour that is on no screen of either program.
 constexpr std::uint32_t rootColor = 0x00FF00FF;
 constexpr auto lookInterval = std::chrono::microseconds(500);
-constexpr auto patience = std::chrono::seconds(20);
-// Long enough for what a program does once it has shown itself.
+constexpr auto timeout = std::chrono::seconds(20);
+// Long enough for what a program still does after its first frame.
 constexpr auto settlingTime = std::chrono::seconds(3);
 
 struct Sample {
@@ -63,7 +62,7 @@ public:
 
     ~Display() { xcb_disconnect(m_connection); }
 
-    // So that nothing of an earlier window is left to be taken for a frame.
+    // Removes the pixels of earlier windows, which could be taken for a frame.
     void paintRoot() {
         xcb_clear_area(m_connection, 0, m_root, 0, 0, 0, 0);
         xcb_flush(m_connection);
@@ -122,7 +121,7 @@ pid_t start(const char* program) {
     _exit(127);
 }
 
-// Proportional set size: its own pages, and its share of those that it has in common with others.
+// Proportional set size: shared pages are counted by their share.
 double proportionalMegabytes(pid_t process) {
     std::ifstream file("/proc/" + std::to_string(process) + "/smaps_rollup");
     for (std::string line; std::getline(file, line);) {
@@ -142,7 +141,7 @@ Sample measure(Display& display, const char* program) {
     const auto begin = Clock::now();
     const pid_t process = start(program);
     while (!display.showsFrame()) {
-        if (Clock::now() - begin > patience || waitpid(process, nullptr, WNOHANG) != 0) {
+        if (Clock::now() - begin > timeout || waitpid(process, nullptr, WNOHANG) != 0) {
             std::fprintf(stderr, "StartupBenchmark: %s shows no window\n", program);
             end(process);
             std::exit(EXIT_FAILURE);
@@ -176,7 +175,7 @@ int main(int argc, char** argv) {
     }
     const int repetitions = std::max(1, std::atoi(argv[3]));
     Display display;
-    // The first start of each fills the disk's cache and counts for nothing.
+    // The first start of each only fills the disk cache.
     measure(display, argv[1]);
     measure(display, argv[2]);
     std::vector<Sample> program;

@@ -1,6 +1,6 @@
-// Constructs the startup manager once, as the program does at its start, and prints how long that
-// took and, of it, opening the clip, in milliseconds. For a process of its own each time: the first
-// sound that a process loads is the one that a start-up waits for.
+// Constructs the startup manager once, as the program does at its start, and prints the
+// milliseconds that this took and how many of them were for opening the clip. Once per process, as
+// the first sound that a process loads takes longest.
 
 #include <QCoreApplication>
 
@@ -15,7 +15,7 @@ namespace {
 
 using namespace quorvane;
 
-/// Notes when each line comes and prints none.
+/// Records when the startup manager prints, without printing.
 class LineClock final : public Console {
 public:
     explicit LineClock(RunLoop& runLoop) : m_runLoop(runLoop) {}

@@ -1,12 +1,12 @@
 #!/usr/bin/python3
-"""What a visible control panel costs, all effects off, beside a bare window of the same size.
+"""What a visible control panel costs, all effects off, compared with a bare window of its size.
 
 Usage: control_panel_benchmark.py BUILD_FOLDER [TURNS]
 
 The bare window changes one item's opacity as often as the control panel draws a frame, which is
 counted first. Both run in turn on one virtual display, 10 s each, drawn by Qt's software
 renderer, which is what the program asks for on a machine without a graphics card, and once more
-through OpenGL. Prints figures, and judges none of them.
+through OpenGL.
 """
 
 import contextlib
@@ -24,7 +24,7 @@ from virtual_desktop.waiting import wait_until
 MEASURED_FOR = 10.0
 SETTLES_IN = 2.0
 FRAME = "frame rendered"
-TELL_FRAMES = {"QT_LOGGING_RULES": "qt.scenegraph.time.renderloop.debug=true"}
+LOG_FRAMES = {"QT_LOGGING_RULES": "qt.scenegraph.time.renderloop.debug=true"}
 RENDERERS = {"software renderer": {"QT_QUICK_BACKEND": "software"},
              "OpenGL": {"QT_QUICK_BACKEND": "rhi"}}
 
@@ -74,12 +74,12 @@ class Bench:
 
 
 def count_frames(bench, renderer):
-    """How often the bare window has to be asked to draw to draw as often as the control panel.
+    """The rate to ask the bare window for, so that it draws as often as the control panel.
 
     Qt's timer has whole milliseconds and is a little late, so it draws less often than it is
     asked to.
     """
-    extra = renderer | TELL_FRAMES
+    extra = renderer | LOG_FRAMES
     panel = bench.frames(lambda stack: bench.control_panel(stack, extra))
     asked = panel
     for _ in range(2):

@@ -1,11 +1,10 @@
 #!/usr/bin/python3
-"""What the running fan, with its pulses, costs: beside paplay with the same sound.
+"""What the running fan costs, with its pulses, compared with paplay playing the same sound.
 
 Usage: fan_benchmark.py BUILD_FOLDER [TURNS] [SECONDS]
 
-In turn on one virtual display and one sound server: the program's control panel with the fan off and
-with it on, and paplay with the fan's sound as often as it takes. Prints figures, and judges none of
-them.
+In turn on one virtual display and one sound server: the program's control panel with the fan off,
+with the fan on, and paplay with the fan's sound.
 """
 
 import contextlib

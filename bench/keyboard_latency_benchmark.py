@@ -1,13 +1,13 @@
 #!/usr/bin/python3
-"""How long a key takes to be heard, beside bucklespring, on one display and one sound server.
+"""How long a key takes to be heard, compared with bucklespring.
 
 Usage: keyboard_latency_benchmark.py BUILD_FOLDER [TURNS [KEYS [REST]]]
 
-Turn by turn each of the two is started, gets KEYS (10) keys 0.6 s apart, and is ended; TURNS (5).
-Then each rests for REST (60) s, during which its processor time is counted, and gets one more key;
-twice. The program's window is minimised, as nobody types there. Every time is from the key event to
-the first loud sample at the sound server's output, on the sound server's own clock. Prints figures,
-and judges none of them.
+In TURNS (5) turns each of the two is started, gets KEYS (10) keys 0.6 s apart, and is ended. Then
+each rests for REST (60) s, during which its processor time is counted, and gets one more key;
+twice. Both run on one display and one sound server. The program's window is minimised: people type
+elsewhere. A latency is from the key event to the first loud sample of the sound server's output, on
+that server's clock.
 """
 
 import contextlib
@@ -67,7 +67,7 @@ def clicks(server, count):
         server.encode(), b"clicks", playback, None, b"clicks",
         ctypes.byref(_SampleFormat(little_endian_16, RATE, 1)), None, ctypes.byref(sizes), None)
     if not stream:
-        raise SystemExit("the sound server takes no clicks")
+        raise SystemExit("the sound server cannot be connected to")
     silence = bytes(RATE // 100 * 2)
     click = (numpy.ones(RATE // 100) * 16000).astype("<i2").tobytes()
     heard = []
@@ -76,7 +76,7 @@ def clicks(server, count):
             library.pa_simple_write(stream, silence, len(silence), None)
         asked = time.monotonic()
         delay = library.pa_simple_get_latency(stream, None) / 1e6
-        # Otherwise something else had the processor meanwhile.
+        # Otherwise the process was preempted and the instant is inexact.
         if time.monotonic() - asked < AT_ONCE:
             heard.append(asked + delay)
         library.pa_simple_write(stream, click, len(click), None)
@@ -87,13 +87,13 @@ def clicks(server, count):
 
 
 def onset(recording, since, until):
-    """When the first loud sample between two instants is recorded; none: None."""
+    """When the first loud sample between two instants is recorded, or None."""
     loud = numpy.flatnonzero(abs(recording.samples(since, until)) > LOUD)
     return since + loud[0] / RATE if len(loud) else None
 
 
 class Bench:
-    """The desktop, and what was measured on it."""
+    """The desktop, and the two programs on it."""
 
     def __init__(self, build, stack):
         self._build = build
@@ -107,7 +107,7 @@ class Bench:
 
     @contextlib.contextmanager
     def ours(self):
-        """The program with the switch on; its process."""
+        """Runs the program with the switch on; gives its process id."""
         with contextlib.ExitStack() as stack:
             program = self._session.run([str(self._build / "quorvane")], self.environment, stack)
             screens.open_control_panel(self._session.reader, program).toggle(screens.KEYBOARD)
@@ -126,7 +126,7 @@ class Bench:
 
     @contextlib.contextmanager
     def other(self):
-        """bucklespring, ready; its process."""
+        """Runs bucklespring, ready to sound; gives its process id."""
         with contextlib.ExitStack() as stack:
             process = processes.start([OTHER], dict(self.environment, ALSOFT_DRIVERS="pulse"),
                                       stack, stdout=subprocess.DEVNULL,
@@ -145,7 +145,7 @@ class Bench:
         return earliest
 
     def type(self, count):
-        """The instants of `count` keys."""
+        """Types `count` keys and returns their instants."""
         time.sleep(SETTLED)
         instants = []
         for _ in range(count):
@@ -154,7 +154,9 @@ class Bench:
         return instants
 
     def rest(self, pid, seconds):
-        """The instant of a key after that long; milliseconds of processor time a second."""
+        """Returns the instant of a key after so many seconds at rest, and the milliseconds of
+        processor time a second of the process and of the sound server.
+        """
         time.sleep(SETTLED)
         spent = [1000 * share for share in shares(seconds, pid, self._session.sound.server_pid)]
         instant = self._stroke()
@@ -162,10 +164,9 @@ class Bench:
         return instant, spent
 
     def clock_error(self):
-        """How much later the recording says that something sounded than the sound server does.
+        """By how much the recording's times are later than the sound server's.
 
-        It changes when the recorder was too late for some of the sound, so it is asked for beside
-        every turn.
+        It changes when the recorder loses samples, so it is measured in every turn.
         """
         errors = []
         for heard in clicks(self._session.sound.address, CLICKS):
@@ -177,10 +178,10 @@ class Bench:
         return error
 
     def latencies(self, instants, error):
-        """Milliseconds; a key that was not heard is left out, and counted."""
+        """The latencies in milliseconds; keys that were not heard are left out and counted."""
         found = []
         for instant in instants:
-            # Were the clock's error not what it is taken for, a figure below zero would tell.
+            # From 0.1 s earlier on: with a wrong clock error there would be latencies below zero.
             at = onset(self._recording, instant + error - 0.1, instant + error + 0.4)
             if at is None:
                 self.unheard += 1
@@ -215,7 +216,7 @@ def main():
 
 
 def report(bench, typed, rested, spent):
-    """Prints what came of it."""
+    """Prints the results."""
     medians, idle = {}, {}
     print("clock of the recording, by clicks (ms): "
           + " ".join(f"{error * 1000:.0f}" for error in bench.errors)

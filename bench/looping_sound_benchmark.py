@@ -1,9 +1,9 @@
 #!/usr/bin/python3
-"""What the fan's endless sound costs, beside `paplay` with the same sound, and what a held output.
+"""What the fan's looped sound costs, compared with `paplay`, and what a held output costs.
 
 Usage: looping_sound_benchmark.py BUILD_FOLDER [TURNS]
 
-All play in turn to one null sink, each for 20 s. Prints figures, and judges none of them.
+All play in turn to one null sink, each for 20 s.
 """
 
 import contextlib
@@ -25,7 +25,7 @@ LASTS = 20.0
 
 
 def measure(command, environment):
-    """A player's figures, from its second second on."""
+    """A player's figures, after its first second."""
     with contextlib.ExitStack() as stack:
         player = processes.start(command, environment, stack, stdout=subprocess.DEVNULL)
         time.sleep(SETTLES)

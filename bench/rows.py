@@ -1,15 +1,15 @@
-"""The lines that bench/run makes one table of."""
+"""The rows of the table that bench/run prints."""
 
 HEADINGS = ("what", "Quorvane", "beside it", "ratio", "beside")
 
 
 def print_row(what, ours, other, theirs, unit):
-    """Tells of one figure and of that of the program beside it; Row.h does the same."""
+    """Prints a figure and the one beside it as a row for bench/run; Row.h does the same."""
     print(f"row\t{what}\t{ours:.3f}\t{other}\t{theirs:.3f}\t{unit}", flush=True)
 
 
 def parse(line):
-    """The cells of the table that a line tells; none if it is not one of those."""
+    """The table's cells for a printed row; None for any other line."""
     kind, *cells = line.rstrip("\n").split("\t")
     if kind != "row" or len(cells) != 5:
         return None
@@ -19,7 +19,7 @@ def parse(line):
 
 
 def table(rows):
-    """The rows below their headings, each column as wide as it has to be."""
+    """The rows below their headings, in aligned columns."""
     lines = [HEADINGS, *rows]
     widths = [max(len(line[column]) for line in lines) for column in range(len(HEADINGS))]
     return "\n".join("  ".join(cell.ljust(width) for cell, width in zip(line, widths)).rstrip()

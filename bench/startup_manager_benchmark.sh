@@ -1,5 +1,5 @@
 #!/bin/bash
-# How long the startup manager's construction takes, in a process of its own each time.
+# How long the startup manager's construction takes, once per process.
 # usage: startup_manager_benchmark.sh BUILD_FOLDER [REPETITIONS]
 set -euo pipefail
 

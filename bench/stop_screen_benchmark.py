@@ -1,10 +1,9 @@
 #!/usr/bin/python3
-"""What one stop screen costs, beside xscreensaver's bsod in a window of the same size.
+"""What one stop screen costs, compared with xscreensaver's bsod in a window of the same size.
 
 Usage: stop_screen_benchmark.py BUILD_FOLDER [TURNS]
 
 Both run in turn on one virtual display of 1280x800, each for the 5 s that a stop screen is up.
-Prints figures, and judges none of them.
 """
 
 import contextlib
@@ -28,10 +27,10 @@ OTHER_SCREEN = "win10"
 SHOWN_FOR = 5.0
 WAIT = 15.0
 AHEAD = 0.3
-"""Seconds before the panel is due from which on the program is watched."""
+"""Seconds before the panel is due at which the measuring begins."""
 ASLEEP = 0.010
-"""Seconds without processor time after which the program counts as having been asleep: far more
-than it waits for the display server's answers, far less than is between its regular wakings."""
+"""Seconds without processor time after which the program counts as asleep: far more than it waits
+for a reply of the X server, far less than the time between two of its timers."""
 
 
 def rest_until(instant):
@@ -39,10 +38,10 @@ def rest_until(instant):
 
 
 def first_pixels(screen, pid, deadline):
-    """Watches closely until a corner is blue; how many seconds the program has worked on that.
+    """Polls until a corner is blue; returns how many seconds after the timer fired that was.
 
-    The program sleeps until the timer fires and works from then on until the panel is there: the
-    beginning of the last work before the first pixels is when the timer fired.
+    The program sleeps until the timer fires and then works until the panel is there: when it last
+    woke up before the first pixels is when the timer fired.
     """
     spent = processor_time(pid)
     woke = worked = time.monotonic()
@@ -70,14 +69,14 @@ def measure_program(program, panel, server, screen):
     rest_until(begun + WAIT + SHOWN_FOR / 2)
     shown_memory = memory(program.pid)
     rest_until(begun + WAIT + SHOWN_FOR + AHEAD)
-    # The control panel moves before and after, and not while it is covered.
+    # The control panel draws before and after, and not while it is covered.
     uncovered = idle * 2 * AHEAD / SHOWN_FOR
     figures = {"processor time (ms)": (processor_time(program.pid) - before - uncovered) * 1000,
                "taken off for the control panel (ms)": uncovered * 1000,
                "display server (ms)": (processor_time(server) - server_before) * 1000,
                "memory (MiB)": shown_memory,
                "of it for the panel (MiB)": shown_memory - idle_memory}
-    # The next one is watched, which would have cost the display server time before.
+    # Only the next panel is polled for, as that costs the X server time.
     rest_until(begun + 2 * WAIT - AHEAD)
     took = first_pixels(screen, program.pid, begun + 2 * WAIT + 3)
     figures["from the timer to the first pixels (ms)"] = took * 1000

@@ -1,8 +1,8 @@
 #include <QGuiApplication>
 #include <QQuickView>
 
-// What the toolkit itself takes: the least program that puts a window of the same size on screen,
-// and, with a number as its argument, changes one item's opacity so many times a second.
+// The cost of Qt Quick itself: a minimal program with a window of the same size, which with a
+// number as its argument changes one item's opacity so many times a second.
 int main(int argc, char** argv) {
     const QGuiApplication application(argc, argv);
     QQuickView window;
