@@ -1,5 +1,5 @@
-// A clang-tidy plug-in: its checks walk over what is written here, and not over the libraries'
-// headers as well, which is most of the way in every file and where nothing is ever reported.
+// A clang-tidy plug-in that limits the checks to our own code. System headers are most of each
+// translation unit, and nothing is reported there.
 
 #include <clang/AST/ASTConsumer.h>
 #include <clang/AST/ASTContext.h>
@@ -14,13 +14,13 @@
 
 namespace {
 
-class Narrower : public clang::ASTConsumer {
+class OwnCodeConsumer : public clang::ASTConsumer {
 public:
     void HandleTranslationUnit(clang::ASTContext& context) override {
         const clang::SourceManager& files = context.getSourceManager();
         std::vector<clang::Decl*> own;
         for (clang::Decl* declaration : context.getTranslationUnitDecl()->decls()) {
-            // A macro of a library's, spelled out here, is here.
+            // A library's macro that is used in our code counts as our code.
             const clang::SourceLocation at = files.getExpansionLoc(declaration->getLocation());
             if (at.isValid() && !files.isInSystemHeader(at)) {
                 own.push_back(declaration);
@@ -34,7 +34,7 @@ class Plugin : public clang::PluginASTAction {
 public:
     std::unique_ptr<clang::ASTConsumer> CreateASTConsumer(clang::CompilerInstance& /*compiler*/,
                                                           llvm::StringRef /*file*/) override {
-        return std::make_unique<Narrower>();
+        return std::make_unique<OwnCodeConsumer>();
     }
 
     bool ParseArgs(const clang::CompilerInstance& /*compiler*/,
@@ -45,7 +45,7 @@ public:
     ActionType getActionType() override { return AddBeforeMainAction; }
 };
 
-const clang::FrontendPluginRegistry::Add<Plugin>
-    registration("own-code-only", "narrows what is walked over to what is written here");
+const clang::FrontendPluginRegistry::Add<Plugin> registration("own-code-only",
+                                                              "limits the checks to our own code");
 
 } // namespace

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""What the build looks for and compiles: the program without its tests, and the same with them."""
+"""Configuring the build, with and without the tests."""
 
 import json
 import os
@@ -27,7 +27,7 @@ class Configuration(unittest.TestCase):
         commands = [entry["command"].replace(str(folder), "BUILD") for entry in entries]
         return {re.search(r" -o (\S+)", command)[1]: command for command in commands}
 
-    def test_the_tests_change_nothing_of_how_the_program_is_compiled(self):
+    def test_the_tests_do_not_change_how_the_program_is_compiled(self):
         alone = self.commands()
         beside_tests = self.commands("-DQUORVANE_TESTS=ON", "-DQUORVANE_BENCHMARKS=ON")
         self.assertGreater(len(alone), 100)

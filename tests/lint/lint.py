@@ -1,7 +1,7 @@
 #!/usr/bin/python3
-"""Checks what no compiler does. Usage: lint.py BUILD_DIR [CHECK ...]; all checks without a name.
+"""Checks the sources. Usage: lint.py BUILD_DIR [CHECK ...]; without a CHECK all of them.
 
-Each check prints what it found and then one line, OK or FAIL and its name.
+Each check prints its problems and then a line with OK or FAIL and its name.
 """
 
 import ast
@@ -16,7 +16,7 @@ from tidy import Tidy
 
 ROOT = Path(__file__).resolve().parents[2]
 
-# What each floor of the house may include, besides itself.
+# What each floor may include, besides itself.
 FLOORS = {
     "base": (),
     "platform": ("base",),
@@ -25,7 +25,7 @@ FLOORS = {
     "app": ("effects", "sensing", "platform", "base"),
 }
 
-# The logic knows the standard library and our own interfaces only.
+# The logic includes the standard library and our own interfaces only.
 LOGIC = re.compile(r"^(base/|sensing/|effects/|app/[^/]*$|platform/[^/]*$)")
 NOT_LOGIC = {"app/main.cpp"}
 
@@ -40,7 +40,7 @@ STANDARD_HEADERS = set(
     version""".split()
 )
 
-# Types and functions that read a clock or chance: the first by their mere name, the others called.
+# Types that read a clock or random numbers, and functions that do, where they are called.
 CLOCKS = re.compile(
     r"\b(system_clock|steady_clock|high_resolution_clock|QElapsedTimer|QDateTime|QTime"
     r"|QDeadlineTimer|QRandomGenerator|random_device|mt19937(_64)?|minstd_rand0?"
@@ -49,12 +49,12 @@ CLOCKS = re.compile(
     r"|arc4random\w*|getrandom|getentropy)\s*\("
 )
 
-# It measures the sounds that come with the program, and runs next to none of its code.
+# It measures the sounds in resources/ and runs hardly any code of the program.
 NOT_SANITIZED = {"shipped_sounds"}
 
 
 def tracked(*patterns):
-    """The repository's files, those that are new and not ignored too."""
+    """The files of the repository, with new ones that are not ignored."""
     listing = subprocess.run(
         ["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard", "--", *patterns],
         cwd=ROOT, check=True, capture_output=True, text=True,
@@ -86,7 +86,7 @@ def registered_commands(build):
 
 
 def test_classes(path):
-    """The classes of a Python file that have tests of their own."""
+    """The classes of a Python file that define tests."""
     return [node.name for node in ast.parse(path.read_text()).body
             if isinstance(node, ast.ClassDef)
             and any(getattr(part, "name", "").startswith("test_") for part in node.body)]
@@ -101,7 +101,7 @@ def unsanitized(commands):
 
 
 def check_sources(build):
-    """Every test source is built, and every test program is run, with the sanitizers too."""
+    """Every test source is built, and every test program is run, also with the sanitizers."""
     built = compile_commands(build)
     commands = registered_commands(build)
     paths = {os.path.relpath(word, ROOT) for command in commands for word in command
@@ -119,7 +119,7 @@ def check_sources(build):
 
 
 def linux_service(name):
-    """The service of platform/linux that a file implements, if any."""
+    """The service in platform/linux that a file belongs to, if any."""
     found = re.match(r"platform/linux/(\w+)/", name)
     return found and found[1]
 
@@ -138,7 +138,7 @@ def include_problems(name, line, target):
     if target_floor not in FLOORS:
         return f"{name}: {target} is not included by its path from the root"
     if target_floor != floor and target_floor not in FLOORS[floor]:
-        return f"{name}: {target} is further up the house"
+        return f"{name}: {target} is on a floor above"
     service, target_service = linux_service(name), linux_service(target)
     if service and target_service and target_service not in (service, "common"):
         return f"{name}: {target} belongs to another service"
@@ -186,13 +186,13 @@ def check_format(_build):
 
 
 def check_tidy(build):
-    """clang-tidy has nothing to say."""
+    """clang-tidy has no complaints."""
     return Tidy(build, ROOT).problems(sources())
 
 
 def check_qml(build):
-    """qmllint has nothing to say, of any QML file there is."""
-    # The build knows each module's resources; without them a singleton looks like any type.
+    """qmllint has no complaints about any QML file."""
+    # Through the build, which passes each module's resources; without them singletons are unknown.
     done = subprocess.run(["cmake", "--build", str(build), "--target", "all_qmllint", "--verbose"],
                           capture_output=True, text=True)
     output = done.stdout + done.stderr
@@ -200,7 +200,7 @@ def check_qml(build):
     # Only ./test all builds the benchmarks.
     if "QUORVANE_BENCHMARKS:BOOL=ON" not in (build / "CMakeCache.txt").read_text():
         names = [name for name in names if not name.startswith("bench/")]
-    problems = [f"{name} is not looked at" for name in names if str(ROOT / name) not in output]
+    problems = [f"{name} is not checked" for name in names if str(ROOT / name) not in output]
     if done.returncode or re.search(r"^(Warning|Error|Info):", output, re.M):
         problems.append(output)
     return problems

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""The lints themselves: what they must find, and what they must leave alone."""
+"""What the lint finds and what it accepts."""
 
 import json
 import os
@@ -19,7 +19,7 @@ class Includes(unittest.TestCase):
         quote = line[0]
         return lint.include_problems(name, quote, line.strip('"<>'))
 
-    def test_downwards_is_fine(self):
+    def test_downwards_is_accepted(self):
         self.assertIsNone(self.problem("app/ContentView.cpp", '"effects/creak/AudioManager.h"'))
         self.assertIsNone(self.problem("sensing/LidAngleSensor.h", '"platform/HID.h"'))
         self.assertIsNone(self.problem("base/Format.cpp", "<charconv>"))
@@ -30,10 +30,10 @@ class Includes(unittest.TestCase):
         self.assertIsNone(
             self.problem("platform/linux/LinuxPlatform.h", '"platform/linux/hid/LinuxHID.h"'))
 
-    def test_upwards_and_sideways_is_not(self):
-        self.assertIn("up the house", self.problem("base/Format.h", '"platform/HID.h"'))
-        self.assertIn("up the house", self.problem("effects/creak/A.h", '"sensing/B.h"'))
-        self.assertIn("up the house", self.problem("platform/linux/A.cpp", '"app/B.h"'))
+    def test_upwards_and_sideways_is_a_problem(self):
+        self.assertIn("a floor above", self.problem("base/Format.h", '"platform/HID.h"'))
+        self.assertIn("a floor above", self.problem("effects/creak/A.h", '"sensing/B.h"'))
+        self.assertIn("a floor above", self.problem("platform/linux/A.cpp", '"app/B.h"'))
         self.assertIn("another effect", self.problem("effects/creak/A.h", '"effects/fan/B.h"'))
         self.assertIn("another service",
                       self.problem("platform/linux/hid/A.h", '"platform/linux/haptics/B.h"'))
@@ -51,7 +51,7 @@ class Clocks(unittest.TestCase):
     def found(self, code):
         return bool(lint.CLOCKS.search(lint.without_comments(code)))
 
-    def test_clocks_and_chance_are_found(self):
+    def test_clocks_and_random_sources_are_found(self):
         for code in ("auto t = std::chrono::steady_clock::now();", "QElapsedTimer timer;",
                      "clock_gettime(CLOCK_MONOTONIC, &t);", "std::random_device{}()",
                      "std::mt19937 engine(1);", "x = Math.random()", "int n = rand();",
@@ -59,7 +59,7 @@ class Clocks(unittest.TestCase):
             with self.subTest(code):
                 self.assertTrue(self.found(code))
 
-    def test_words_that_only_look_alike_are_not(self):
+    def test_similar_words_are_not(self):
         for code in ("random.uniform(bound);", "// steady_clock::now()", "/* rand() */",
                      "Random& random", "platform.random.uniform(1)", "double currentMediaTime() const;"):
             with self.subTest(code):
@@ -81,7 +81,7 @@ class OwnCodeOnly(unittest.TestCase):
     }
 
     def complaints(self, *options):
-        """The variables of which it says that they have no initial value."""
+        """The variables that clang-tidy reports as uninitialized."""
         with tempfile.TemporaryDirectory() as folder:
             for name, text in self.FILES.items():
                 file = pathlib.Path(folder, name)
@@ -94,13 +94,13 @@ class OwnCodeOnly(unittest.TestCase):
         return {name for name in ("left", "below", "here", "inside")
                 if f"variable '{name}' is not initialized" in said}
 
-    def test_it_finds_all_that_is_written_here(self):
+    def test_it_checks_all_of_our_own_code(self):
         self.assertEqual(self.complaints(), {"left", "below", "here", "inside"})
         self.assertEqual(self.complaints(f"--load={OWN_CODE_ONLY}"), {"below", "here", "inside"})
 
 
 class TidyStamps(unittest.TestCase):
-    """Which sources are checked again, in a build of one source and one header."""
+    """When a source is checked again, in a build of one source and one header."""
 
     COMMAND = "c++ -std=c++20 -o main.o -c ../main.cpp"
 
@@ -144,7 +144,7 @@ class TidyStamps(unittest.TestCase):
         self.compile()
         self.assertTrue(self.is_known())
 
-    def test_a_new_text_is_checked(self):
+    def test_a_changed_source_is_checked(self):
         self.make_known()
         self.write("main.cpp", '#include "own.h"\nint main() { return own() + 1; }\n')
         self.assertFalse(self.is_known())
@@ -152,28 +152,28 @@ class TidyStamps(unittest.TestCase):
         self.assertFalse(self.is_known())
         self.make_known()
 
-    def test_a_new_text_of_an_include_is_checked(self):
+    def test_a_changed_include_is_checked(self):
         self.make_known()
         self.write("own.h", "inline int own() { return 2; }\n")
         self.compile()
         self.assertFalse(self.is_known())
 
-    def test_other_settings_are_checked(self):
+    def test_changed_settings_are_checked(self):
         self.make_known()
         self.write(".clang-tidy", "Checks: '-*,bugprone-*'\nWarningsAsErrors: '*'\n")
         self.assertFalse(self.is_known())
 
-    def test_another_command_is_checked(self):
+    def test_a_changed_command_is_checked(self):
         self.make_known()
         self.compile("c++ -std=c++20 -DNDEBUG -o main.o -c ../main.cpp")
         self.assertFalse(self.is_known())
 
-    def test_what_was_not_built_since_is_checked_each_time(self):
+    def test_a_source_with_an_outdated_build_is_checked_each_time(self):
         self.write("own.h", "inline int own() { return 2; }\n")
         self.assertIsNone(self.problem())
         self.assertFalse(self.is_known())
 
-    def test_a_source_with_a_complaint_is_told_each_time(self):
+    def test_a_complaint_is_repeated_each_time(self):
         self.make_known()
         fine = (self.root / "main.cpp").read_text(encoding="utf-8")
         self.write("main.cpp", "int main() { int left; left = 1; return left; }\n")

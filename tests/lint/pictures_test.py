@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""The drawings are one family, and what is made of them is up to date."""
+"""The drawings share one style, and the logo is up to date."""
 
 import pathlib
 import subprocess
@@ -24,7 +24,7 @@ SYMBOLS = {
 }
 
 STATIC_DRAWING = {"svg", "title", "defs", "g", "linearGradient", "stop", "path", "rect", "circle"}
-"""The elements of SVG Tiny 1.2 that the drawings keep to; text would need a font."""
+"""The elements of SVG Tiny 1.2 that the drawings may use; text would need a font."""
 
 
 def symbol(name):
@@ -66,7 +66,7 @@ class Symbols(unittest.TestCase):
             self.assertEqual(colours, {"#ffffff"}, name)
 
     def test_each_is_about_as_big_as_the_others_and_nowhere_cut_off(self):
-        # Four pixels a unit; a line of its own thickness may not touch the edge.
+        # At four pixels a unit; nothing may touch the edge.
         for name in SYMBOLS:
             opacity = drawn(symbol(name), 96)[:, :, 3]
             self.assertEqual(opacity.shape, (96, 96), name)
@@ -79,13 +79,13 @@ class Symbols(unittest.TestCase):
 
 
 class Drawings(unittest.TestCase):
-    def test_each_keeps_to_what_the_toolkit_can_draw(self):
+    def test_each_keeps_to_what_qt_can_draw(self):
         files = [symbol(name) for name in SYMBOLS] + [RESOURCES / "logo.svg",
                                                       RESOURCES / "icon.svg"]
         for path in files:
             self.assertLessEqual({name for name, _ in elements(path)}, STATIC_DRAWING, path.name)
 
-    def test_logo_is_large_and_its_ground_transparent(self):
+    def test_logo_is_large_with_a_transparent_background(self):
         logo = pixels(RESOURCES / "logo.png", "rgba")
         height, width, _ = logo.shape
         self.assertGreaterEqual(width, 1024)
@@ -95,13 +95,13 @@ class Drawings(unittest.TestCase):
 
     def test_logo_is_what_its_drawing_shows(self):
         logo = pixels(RESOURCES / "logo.png", "rgba").astype(int)
-        anew = drawn(RESOURCES / "logo.svg", logo.shape[1]).astype(int)
-        self.assertEqual(logo.shape, anew.shape)
-        # Another version of the program that draws it may smooth its edges otherwise.
-        different = (numpy.abs(logo - anew).max(axis=2) > 32).mean()
+        redrawn = drawn(RESOURCES / "logo.svg", logo.shape[1]).astype(int)
+        self.assertEqual(logo.shape, redrawn.shape)
+        # Another version of rsvg-convert may antialias differently.
+        different = (numpy.abs(logo - redrawn).max(axis=2) > 32).mean()
         self.assertLess(different, 0.001)
 
-    def test_icon_is_square_with_an_opaque_ground(self):
+    def test_icon_is_square_with_an_opaque_background(self):
         icon = drawn(RESOURCES / "icon.svg", 256)
         self.assertEqual(icon.shape[:2], (256, 256))
         self.assertEqual(icon[0, 0, 3], 0)

@@ -1,4 +1,4 @@
-"""clang-tidy on the sources that have changed since it last had nothing to say of them."""
+"""clang-tidy on the sources that have changed since it last had no complaints."""
 
 import functools
 import hashlib
@@ -16,7 +16,7 @@ def digest(file):
 
 
 def files_read(listing):
-    """What each object file was compiled from, out of what `ninja -t deps` prints."""
+    """What each object file was compiled from, by the output of `ninja -t deps`."""
     files = {}
     for block in listing.split("\n\n"):
         heading, *lines = block.strip().splitlines() or [""]
@@ -28,9 +28,9 @@ def files_read(listing):
 class Tidy:
     """clang-tidy for the sources below `root` as they are compiled in `build`.
 
-    For each source without complaints a stamp keeps a digest of everything that the answer depends
-    on: clang-tidy itself, its settings, the compiler's command, and the text of every file that the
-    compiler read. While that stays the same the source is not looked at again.
+    For each source without complaints a stamp keeps a digest of everything that the result depends
+    on: clang-tidy, its settings, the compiler's command and every file that the compiler read.
+    While the digest stays the same the source is not checked again.
     """
 
     def __init__(self, build, root):
@@ -52,7 +52,7 @@ class Tidy:
             *self._command, *(digest(file) for file in [plugin] if file.exists())]
 
     def _read_compile_commands(self):
-        """Each source's commands, also written down for clang, without the compiler's own."""
+        """Reads each source's commands and writes them for clang, without precompiled headers."""
         commands = json.loads((self._build / "compile_commands.json").read_text())
         self._commands = {}
         for entry in commands:
@@ -66,7 +66,7 @@ class Tidy:
         return self._folder / "stamps" / name
 
     def state(self, name):
-        """A digest of all that clang-tidy's answer depends on; None if the build is out of date."""
+        """The digest of everything that the result depends on; None if the build is out of date."""
         parts = list(self._settings)
         for folder in (self._root / name).parents:
             if (folder / ".clang-tidy").exists():
@@ -87,12 +87,12 @@ class Tidy:
         return hashlib.sha256("\n".join(parts).encode()).hexdigest()
 
     def is_known(self, name):
-        """Whether clang-tidy had nothing to say of the source as it is."""
+        """Whether clang-tidy had no complaints about the source as it is."""
         stamp = self._stamp(name)
         return stamp.exists() and stamp.read_text() == self.state(name)
 
     def problem(self, name):
-        """Checks one source; what clang-tidy says of it, or None."""
+        """Checks one source; returns the complaints, or None."""
         state = self.state(name)
         done = subprocess.run([*self._command, str(self._root / name)], cwd=self._root, check=False,
                               stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
@@ -106,7 +106,7 @@ class Tidy:
         return None
 
     def problems(self, names):
-        """Checks those of the sources that are not known, one process a core."""
+        """Checks those of the sources that are not known, with one process a core."""
         names = [name for name in names if name in self._commands]
         new = [name for name in names if not self.is_known(name)]
         print(f"{len(new)} of {len(names)} sources are new to clang-tidy")

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""What the Mac's bundle is made of, as far as that can be seen without a Mac."""
+"""The Mac's bundle, as far as it can be tested without a Mac."""
 
 import plistlib
 import re
@@ -12,8 +12,7 @@ ROOT = Path(__file__).resolve().parents[2]
 RESOURCES = ROOT / "resources"
 BUNDLE = (ROOT / "app/MacBundle.cmake").read_text()
 
-# The two lists of the build that are for a Mac alone, around a program that is empty. The versions
-# of the real one and of its tools are another matter.
+# The two parts of the build that are for a Mac only, with an empty program.
 PROJECT = f"""
 cmake_minimum_required(VERSION 3.25)
 project(Quorvane VERSION 1.2.3 LANGUAGES CXX)
@@ -35,7 +34,7 @@ SETTINGS = {
 
 
 def configured(folder, **settings):
-    """The build folder of that project, configured as CMake would on a Mac."""
+    """The build folder of that project, configured as on a Mac."""
     (folder / "CMakeLists.txt").write_text(PROJECT)
     (folder / "main.cpp").write_text("int main() {}\n")
     (folder / "resources").symlink_to(RESOURCES)
@@ -71,7 +70,7 @@ class Build(unittest.TestCase):
         self.assertTrue(all(width == height for width, height, _ in drawn))
         self.assertRegex(self.commands, r"iconutil --convert icns --output \S+/Quorvane.icns")
 
-    def test_the_native_side_is_compiled_with_counted_references(self):
+    def test_the_native_side_is_compiled_with_arc(self):
         objects = re.findall(r"^build \S+\.mm\.o: OBJCXX_COMPILER.*?(?=^build )", self.commands,
                              re.M | re.S)
         self.assertTrue(objects)
@@ -138,7 +137,7 @@ class InfoPropertyList(unittest.TestCase):
 class Entitlements(unittest.TestCase):
     def test_they_are_few_and_leave_the_program_out_of_the_sandbox(self):
         entitlements = plistlib.loads((RESOURCES / "macos/Quorvane.entitlements").read_bytes())
-        # In a sandbox there are no key taps; the other one would let foreign code in.
+        # A sandbox forbids event taps; other entitlements would weaken the hardened runtime.
         self.assertEqual(entitlements, {"com.apple.security.cs.allow-jit": True})
 
 
@@ -152,7 +151,7 @@ class Sources(unittest.TestCase):
     def test_every_framework_that_is_used_is_linked(self):
         declared = ROOT / "tests/macos/frameworks"
         frameworks = {folder.name for folder in declared.iterdir() if folder.is_dir()}
-        # No frameworks, but parts of the C library; CoreGraphics comes with ApplicationServices.
+        # Parts of the C library, not frameworks; CoreGraphics comes with ApplicationServices.
         frameworks -= {"dispatch", "sys", "CoreGraphics"}
         linked = re.findall(r"-framework (\w+)",
                             (ROOT / "platform/macos/CMakeLists.txt").read_text())

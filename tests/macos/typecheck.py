@@ -1,8 +1,8 @@
 #!/usr/bin/python3
 """Compiles platform/macos against the declarations beside this file, as far as types go.
 
-Usage: typecheck.py [FILE ...]; every file of platform/macos without one. What is wrong is printed,
-and the exit status tells whether anything is.
+Usage: typecheck.py [FILE ...]; without a FILE every file of platform/macos. Prints the problems;
+the status is 1 if there are any.
 """
 
 import os
@@ -36,11 +36,10 @@ def system_includes(language):
 
 
 def targets():
-    """Options for each machine that the files are compiled for: this one, and a Mac.
+    """Options for each target that the files are compiled for: this machine, and a Mac.
 
-    Only for a Mac does the compiler look at since when things have been available. It is given this
-    machine's standard library, which needs a word on GNU's extensions and takes __nonnull for its
-    own macro.
+    Availability is checked for a Mac only. That target gets this machine's standard library, which
+    needs _GNU_SOURCE and defines __nonnull as a macro.
     """
     mac = ["-target", "x86_64-apple-macosx13.0", "-D_GNU_SOURCE", "-U__nonnull", "-nostdinc++"]
     for folder in system_includes("c++"):

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""What the type-check must find, and that nothing stands in the way of compiling what is right."""
+"""What the type-check finds, and that correct code compiles."""
 
 import tempfile
 import unittest
@@ -23,12 +23,12 @@ class TypeCheck(unittest.TestCase):
     def assert_found(self, expected, code, options):
         self.assertIn(expected, problems(code, options))
 
-    def test_right_code_compiles(self):
+    def test_correct_code_compiles(self):
         code = "void f() { [NSScreen.mainScreen frame]; }"
         self.assertEqual(problems(code, HERE), "")
         self.assertEqual(problems(code, MAC), "")
 
-    def test_a_selector_that_is_not_declared_is_found(self):
+    def test_an_undeclared_selector_is_found(self):
         for options in (HERE, MAC):
             self.assert_found("no visible @interface", "void f(NSView* v) { [v shimmer]; }", options)
 
@@ -37,12 +37,12 @@ class TypeCheck(unittest.TestCase):
         for options in (HERE, MAC):
             self.assert_found("incompatible pointer types", code, options)
 
-    def test_what_may_be_null_where_it_must_not_be_is_found(self):
+    def test_a_nullable_value_where_null_is_not_allowed_is_found(self):
         code = "void f(NSFont* n) { NSString* _Nonnull s = n.familyName; (void)s; }"
         for options in (HERE, MAC):
             self.assert_found("nullable pointer", code, options)
 
-    def test_a_method_that_is_left_out_is_found(self):
+    def test_a_missing_method_is_found(self):
         code = """
         @interface Performer : NSObject <NSHapticFeedbackPerformer>
         @end
@@ -51,13 +51,13 @@ class TypeCheck(unittest.TestCase):
         for options in (HERE, MAC):
             self.assert_found("not implemented", code, options)
 
-    def test_what_came_after_the_oldest_system_is_found(self):
+    def test_an_api_newer_than_the_oldest_system_is_found(self):
         code = """
         void newer(void) __attribute__((availability(macos, introduced = 14.0)));
         void f() { newer(); }"""
         self.assert_found("only available on macOS 14.0", code, MAC)
 
-    def test_references_are_counted_by_the_compiler(self):
+    def test_code_is_compiled_with_arc(self):
         for options in (HERE, MAC):
             self.assert_found("requires a bridged cast", "void* f(NSView* v) { return (void*)v; }", options)
 

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""What the sanitizer runs take for a failure."""
+"""What counts as a failure of a sanitizer run."""
 
 import importlib.machinery
 import importlib.util
