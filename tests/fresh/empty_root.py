@@ -1,4 +1,4 @@
-"""An empty Debian 12 in a folder, in which commands run as on a machine of its own."""
+"""An empty Debian 12 in a folder, in which commands run as on a machine of their own."""
 
 import os
 import pathlib
@@ -8,7 +8,7 @@ import subprocess
 
 SUITE = "bookworm"
 
-# The machine's own /proc and processes, with device nodes of the host's; temporary folders in memory.
+# Its own process ids and /proc, the host's /dev, temporary folders in memory.
 ENTER = """
 set -e
 mount --bind "$ARCHIVES" "$ROOT/var/cache/apt/archives"
@@ -16,23 +16,23 @@ mount --rbind /dev "$ROOT/dev"
 mount -t tmpfs -o mode=1777 tmpfs "$ROOT/dev/shm"
 mount -t tmpfs -o mode=1777 tmpfs "$ROOT/tmp"
 mount -t tmpfs tmpfs "$ROOT/run"
-exec chroot --userspec="$PERSON" "$ROOT" env -i HOME="$PLACE" PATH="$SEARCH" /bin/sh -c 'cd "$HOME" && exec "$@"' sh "$@"
+exec chroot --userspec="$ACCOUNT" "$ROOT" env -i HOME="$FOLDER" PATH="$SEARCH" /bin/sh -c 'cd "$HOME" && exec "$@"' sh "$@"
 """
 
 
 class CannotBeMade(Exception):
-    """Why there is no empty system here."""
+    """The empty system cannot be made, and why."""
 
 
 def _mirror():
-    """Where this machine's own packages come from; none if apt does not know."""
-    told = subprocess.run(["apt-get", "indextargets", "--format", "$(SITE) $(RELEASE)"],
-                          capture_output=True, text=True).stdout
-    return re.findall(rf"^(\S+) {SUITE}$", told, re.M)[:1]
+    """The mirror that this machine's apt uses, as a list; empty if unknown."""
+    targets = subprocess.run(["apt-get", "indextargets", "--format", "$(SITE) $(RELEASE)"],
+                             capture_output=True, text=True).stdout
+    return re.findall(rf"^(\S+) {SUITE}$", targets, re.M)[:1]
 
 
 class EmptyRoot:
-    """`folder` is kept: what was downloaded is there the next time."""
+    """An empty system below `folder`, which also keeps the downloads."""
 
     def __init__(self, folder):
         if os.geteuid() != 0:
@@ -52,11 +52,11 @@ class EmptyRoot:
         if done.returncode != 0:
             raise CannotBeMade(f"debootstrap failed:\n{done.stdout}{done.stderr}")
 
-    def command(self, *words, person="root", place="/root", search=None, network=True):
-        """A command line that runs `words` in there, and ends all that it started."""
+    def command(self, *words, account="root", folder="/root", search=None, network=True):
+        """A command line that runs `words` in the system and ends all processes that they start."""
         environment = {
-            "ROOT": str(self.path), "ARCHIVES": str(self._archives), "PERSON": person,
-            "PLACE": place, "SEARCH": search or "/usr/sbin:/usr/bin:/sbin:/bin",
+            "ROOT": str(self.path), "ARCHIVES": str(self._archives), "ACCOUNT": account,
+            "FOLDER": folder, "SEARCH": search or "/usr/sbin:/usr/bin:/sbin:/bin",
         }
         isolation = ["--mount", "--pid", "--fork", "--kill-child", f"--mount-proc={self.path}/proc"]
         if not network:
@@ -65,11 +65,11 @@ class EmptyRoot:
                 "unshare", *isolation, "sh", "-c", ENTER, "sh", *words]
 
     def run(self, *words, **options):
-        """Runs it to its end; returns its status and all that it wrote."""
+        """Runs a command; returns its status and its output."""
         done = subprocess.run(self.command(*words, **options), stdin=subprocess.DEVNULL,
                               stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
         return done.returncode, done.stdout
 
     def file(self, path):
-        """Where a file of its is, seen from here."""
+        """The path of one of its files on this machine."""
         return pathlib.Path(self.path, path.lstrip("/"))
