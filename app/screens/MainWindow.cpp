@@ -28,7 +28,7 @@ MainWindow::MainWindow(ContentView& content, const Platform& platform, Desktop& 
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
 
     const QSize size(OrrowinApp::windowWidth, OrrowinApp::windowHeight);
-    m_window.setTitle(toQString(OrrowinApp::windowTitle));
+    m_window.setTitle(QString::fromUtf8(OrrowinApp::windowTitle));
     m_window.resize(size);
     m_window.setMinimumSize(size);
     m_window.setMaximumSize(size);

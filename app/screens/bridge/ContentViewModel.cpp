@@ -58,7 +58,7 @@ AnimatedNumber ContentViewModel::controlPanelShown() const {
 
 QUrl ContentViewModel::logo() const {
     const auto file = m_bundle.urlForResource("logo", "png");
-    return file ? QUrl::fromLocalFile(toQString(file->string())) : QUrl();
+    return file ? QUrl::fromLocalFile(QString::fromStdString(file->string())) : QUrl();
 }
 
 void ContentViewModel::setOn(int row, bool on) {

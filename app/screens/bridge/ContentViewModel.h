@@ -6,10 +6,9 @@
 
 #include "app/ContentView.h"
 #include "app/LoopingValue.h"
-#include "app/screens/bridge/AnimatedNumber.h"
 #include "app/screens/bridge/InfoPresenter.h"
 #include "app/screens/bridge/RowModels.h"
-#include "app/screens/bridge/Text.h"
+#include "app/screens/bridge/SpringValue.h"
 #include "platform/Desktop.h"
 #include "platform/Platform.h"
 

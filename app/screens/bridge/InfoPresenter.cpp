@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "app/screens/bridge/Text.h"
-
 namespace quorvane {
 
 InfoPresenter::InfoPresenter(ContentView& content, QObject* parent)
@@ -24,8 +22,8 @@ void InfoPresenter::dismiss() {
 
 void InfoPresenter::follow() {
     if (isShown()) {
-        m_title = toQString(m_content.activeInfoLabel().get());
-        m_text = toQString(m_content.activeInfoText().get());
+        m_title = QString::fromUtf8(m_content.activeInfoLabel().get());
+        m_text = QString::fromUtf8(m_content.activeInfoText().get());
     }
     emit changed();
 }

@@ -4,14 +4,12 @@
 #include <QQuickItem>
 #include <QWindow>
 
-#include "app/screens/bridge/Text.h"
-
 namespace quorvane {
 
 namespace {
 
 bool canBePressed(QAccessibleInterface& control) {
-    // The toolkit does not tell of a disabled item through its accessible state.
+    // Qt Quick's accessible state does not say that an item is disabled.
     const auto* item = qobject_cast<const QQuickItem*>(control.object());
     return item && item->isEnabled() && control.actionInterface() && !control.state().invisible &&
            control.actionInterface()->actionNames().contains(
@@ -34,7 +32,7 @@ QAccessibleInterface* find(QAccessibleInterface* from, const QString& name) {
 
 bool pressControl(QWindow& window, std::string_view name) {
     QAccessibleInterface* control =
-        find(QAccessible::queryAccessibleInterface(&window), toQString(name));
+        find(QAccessible::queryAccessibleInterface(&window), QString::fromUtf8(name));
     if (!control)
         return false;
     control->actionInterface()->doAction(QAccessibleActionInterface::pressAction());

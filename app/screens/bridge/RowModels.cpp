@@ -1,7 +1,5 @@
 #include "app/screens/bridge/RowModels.h"
 
-#include "app/screens/bridge/Text.h"
-
 namespace quorvane {
 
 CheckRowModel::CheckRowModel(const ContentView& content, QObject* parent)
@@ -24,11 +22,11 @@ QVariant CheckRowModel::data(const QModelIndex& index, int role) const {
     const CheckRow row = m_content.checkRows().at(static_cast<std::size_t>(index.row()));
     switch (role) {
     case FeatureRole:
-        return toQString(row.feature);
+        return QString::fromUtf8(row.feature);
     case PassedRole:
         return row.passed;
     case ResultRole:
-        return toQString(row.passed ? row.ok : row.fail);
+        return QString::fromUtf8(row.passed ? row.ok : row.fail);
     default:
         return {};
     }
@@ -63,13 +61,13 @@ QVariant ToggleRowModel::data(const QModelIndex& index, int role) const {
     const ToggleRow& row = m_content.toggleRows()[static_cast<std::size_t>(index.row())];
     switch (role) {
     case IconRole:
-        return toQString(row.text.icon);
+        return QString::fromUtf8(row.text.icon);
     case LabelRole:
-        return toQString(row.text.label);
+        return QString::fromUtf8(row.text.label);
     case IsOnRole:
         return row.isOn->get();
     case HintRole:
-        return row.hint ? toQString(row.hint->get()) : QString();
+        return row.hint ? QString::fromUtf8(row.hint->get()) : QString();
     default:
         return {};
     }

@@ -4,24 +4,33 @@
 #include <QObject>
 #include <QtQmlIntegration/qqmlintegration.h>
 
-#include "app/screens/bridge/AnimatedNumber.h"
+#include "base/Animation.h"
 #include "base/Spring.h"
 
 namespace quorvane {
 
-/// A number on screen that follows a goal the way the goal asks for. The first goal is taken at
-/// once, since there is nothing yet that could move; so is a goal whose animation is no spring. A
-/// new goal on the way is headed for from where the number is, with the speed that it has. At rest
-/// it asks for no frames.
+/// A number of the controller and how it is to be reached, as a QML value: QML only passes it on.
+struct AnimatedNumber {
+    Q_GADGET
+    QML_VALUE_TYPE(animatedNumber)
+
+public:
+    AnimatedValue value;
+
+    bool operator==(const AnimatedNumber&) const = default;
+};
+
+/// A number on screen that follows its goal with the goal's animation. The first goal, and one
+/// whose animation is no spring, is taken at once. A new goal while it moves is approached from the
+/// current value and velocity. At rest it requests no frames.
 class SpringValue : public QAbstractAnimation {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(
         quorvane::AnimatedNumber goal READ goal WRITE setGoal NOTIFY goalChanged REQUIRED FINAL)
-    /// Where it is going to rest.
+    /// The goal's value.
     Q_PROPERTY(double target READ target NOTIFY goalChanged FINAL)
     Q_PROPERTY(double value READ value NOTIFY valueChanged FINAL)
-    /// Whether it is on its way.
     Q_PROPERTY(bool moving READ isMoving NOTIFY movingChanged FINAL)
 
 public:
@@ -48,7 +57,7 @@ signals:
 protected:
     void updateCurrentTime(int milliseconds) override;
 
-    /// Not connected to stateChanged: the base's destructor emits that for one on its way.
+    /// Not connected to stateChanged, which the base class's destructor emits too.
     void updateState(State /*now*/, State /*before*/) override { emit movingChanged(); }
 
 private:
@@ -57,7 +66,7 @@ private:
     AnimatedNumber m_goal;
     bool m_hasGoal = false;
     Spring m_spring;
-    // Relative to the goal: when the present goal was set, and now.
+    // Relative to the goal: when it was set, and now.
     SpringState m_initial;
     SpringState m_current;
 };

@@ -10,7 +10,6 @@
 #include <algorithm>
 
 #include "app/screens/bridge/SpringValue.h"
-#include "app/screens/bridge/Text.h"
 #include "base/UniformDraw.h"
 
 namespace quorvane {
@@ -245,7 +244,7 @@ void ScreensTest::savePicture(const std::string& name) {
     const QImage picture = m_window->window().grabWindow();
     const double ratio = m_window->window().effectiveDevicePixelRatio();
     const QString scale = ratio == 1 ? QString() : QString("@%1x").arg(ratio);
-    EXPECT_TRUE(picture.save(folder + "/" + toQString(name) + scale + ".png"));
+    EXPECT_TRUE(picture.save(folder + "/" + QString::fromStdString(name) + scale + ".png"));
 }
 
 } // namespace quorvane
