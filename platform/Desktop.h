@@ -1,26 +1,53 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "base/NonCopyable.h"
 #include "base/Observable.h"
 
 namespace quorvane {
 
-/// Settings and state of the desktop that affect how the program draws. Main thread only.
+/// Font families that the screens ask for by name.
+struct FontFamilies {
+    /// Emoji in colour.
+    std::string emoji = "Noto Color Emoji";
+    /// The system's own rounded family, in every weight; empty if it has none.
+    std::string rounded;
+};
+
+/// A picture of 8 bits a channel: red, green, blue and alpha, the colours multiplied by alpha.
+struct SymbolPicture {
+    int width = 0;
+    int height = 0;
+    std::vector<std::uint8_t> pixels;
+};
+
+/// How the desktop wants the program to look, and what it offers for that. Main thread only.
 class Desktop : NonCopyable {
 public:
     virtual ~Desktop() = default;
 
-    /// The user has asked for reduced motion: endless animations must rest. False if unknown.
+    /// The user has asked for less motion: endless animations are to stop. False if unknown.
     [[nodiscard]] virtual const Observable<bool>& reducesMotion() const = 0;
 
-    /// Other windows cover the watched window completely. False if the window system does not
-    /// report it.
+    /// Other windows cover every pixel of the watched window. False if unknown.
     [[nodiscard]] virtual const Observable<bool>& windowIsCovered() const = 0;
 
-    /// Sets the watched window, by the window system's ID.
+    /// Starts watching the program's window; `window` is its QWindow::winId().
     virtual void watchWindow(std::uintptr_t window) = 0;
+
+    [[nodiscard]] virtual FontFamilies fontFamilies() const { return {}; }
+
+    /// The system symbol `name` in white, as large as fits in a square of `pixels` pixels; none
+    /// where the system has no symbols, or not this one.
+    [[nodiscard]] virtual std::optional<SymbolPicture> symbol(std::string_view /*name*/,
+                                                              int /*pixels*/) const {
+        return std::nullopt;
+    }
 };
 
 } // namespace quorvane

@@ -3,47 +3,49 @@
 #include <QFontDatabase>
 #include <QGuiApplication>
 
-#ifdef QUORVANE_MACOS
-#include "platform/macos/MacSymbols.h"
-#endif
+#include <utility>
 
 namespace quorvane::Fonts {
 
 namespace {
 
 constexpr auto textFont = "Inter";
-#ifdef QUORVANE_MACOS
-constexpr auto emojiFont = "Apple Color Emoji";
-#else
-constexpr auto emojiFont = "Noto Color Emoji";
-#endif
 
-// The distribution has no rounded face that is heavier than bold. An outline with round joins makes
-// up for the rest, and makes it rounder still.
+// The heaviest free rounded family ends at bold. An outline with round joins takes it to black, and
+// rounds it further.
 constexpr auto roundedFont = "Quicksand";
 constexpr double outlineOfAnEm = 0.062;
 
-// The rounded face that there is; empty without any.
+FontFamilies& desktopFamilies() {
+    static FontFamilies families;
+    return families;
+}
+
+QString emojiFamily() {
+    return QString::fromStdString(desktopFamilies().emoji);
+}
+
+// Empty without any. The desktop's own is not looked up: macOS does not list it.
 QString roundedFamily() {
-#ifdef QUORVANE_MACOS
-    // The system has its own in every weight, and keeps it out of the list of families.
-    static const QString family = QString::fromStdString(roundedSystemFontFamily());
-    return family;
-#else
+    if (const std::string& own = desktopFamilies().rounded; !own.empty())
+        return QString::fromStdString(own);
     return QFontDatabase::hasFamily(roundedFont) ? QString(roundedFont) : QString();
-#endif
 }
 
 } // namespace
 
-// The emoji font comes last, for the emoji within a text. A font that is not there must not be
-// named: all letters would come from the next one in the list.
+void setFamilies(FontFamilies families) {
+    desktopFamilies() = std::move(families);
+}
+
+// The emoji font comes last, for the emoji within a text. Only an installed font may come first:
+// for a missing one, Qt takes all letters from the next family in the list.
 QFont text(QFont base) {
     QStringList families = base.families();
     if (QFontDatabase::hasFamily(textFont) && !families.contains(textFont))
         families.prepend(textFont);
-    if (!families.contains(emojiFont))
-        families.append(emojiFont);
+    if (!families.contains(emojiFamily()))
+        families.append(emojiFamily());
     base.setFamilies(families);
     return base;
 }
@@ -58,13 +60,13 @@ QFont heavy(int pixelSize) {
     QStringList families = font.families();
     families.prepend(rounded);
     font.setFamilies(families);
-    // The outlines of neighbours must not touch.
+    // Otherwise the outlines of neighbouring letters touch.
     font.setLetterSpacing(QFont::AbsoluteSpacing, outline(rounded, pixelSize) / 2);
     return font;
 }
 
 QFont emoji(int pixelSize) {
-    QFont font(emojiFont);
+    QFont font(emojiFamily());
     font.setPixelSize(pixelSize);
     return font;
 }

@@ -2,22 +2,27 @@
 
 #include <QFont>
 
-/// The program's typefaces. Whatever is missing is replaced by the desktop's own font, in the same
-/// size and in the same place. Needs a QGuiApplication; any thread.
+#include "platform/Desktop.h"
+
+/// The program's typefaces. A missing one is replaced by the desktop's default font in the same
+/// size. Needs a QGuiApplication; any thread.
 namespace quorvane::Fonts {
 
-/// What ordinary text is set in: `base` in the interface's own face, emoji in colour.
+/// Which of the desktop's families the functions below use. Main thread, before any of them.
+void setFamilies(FontFamilies families);
+
+/// The font of ordinary text: `base` in the program's own family, emoji in colour.
 [[nodiscard]] QFont text(QFont base);
 
 /// The rounded heavy face at `pixelSize`.
 [[nodiscard]] QFont heavy(int pixelSize);
 
-/// The emoji font at `pixelSize`: left to itself, the toolkit takes the outlines that an ordinary
-/// font may have for some of them.
+/// The emoji font at `pixelSize`. Where no font is named, Qt draws some emoji in outline from a
+/// text font that has them.
 [[nodiscard]] QFont emoji(int pixelSize);
 
-/// How thick an outline, in pixels, letters of `family` need to be as heavy as black; 0 for one
-/// that has that weight itself.
+/// The outline, in pixels, that makes letters of `family` as heavy as black; 0 for a family that
+/// has that weight itself.
 [[nodiscard]] double outline(const QString& family, double pixelSize);
 
 } // namespace quorvane::Fonts

@@ -7,24 +7,30 @@
 
 #include "app/OrrowinApp.h"
 #include "app/screens/Fonts.h"
-#ifdef QUORVANE_MACOS
-#include "app/screens/SystemSymbols.h"
-#endif
+#include "app/screens/scene/SymbolProvider.h"
 
 void qml_register_types_Quorvane();
 
 namespace quorvane {
 
+namespace {
+
+// On a thread of its own: loading the installed fonts and creating the window, which loads the
+// graphics driver, take most of the time before the first frame, and neither needs the other.
+std::future<QFont> loadTextFont(const Desktop& desktop) {
+    Fonts::setFamilies(desktop.fontFamilies());
+    return std::async(std::launch::async, Fonts::text, QGuiApplication::font());
+}
+
+} // namespace
+
 MainWindow::MainWindow(ContentView& content, const Platform& platform, Desktop& desktop)
     : m_content(content), m_desktop(desktop), m_model(content, platform, desktop),
-      // The toolkit's first look at the installed fonts and the window, which loads the graphics
-      // driver, are what takes longest before the first frame, and neither needs the other.
-      m_font(std::async(std::launch::async, Fonts::text, QGuiApplication::font())),
+      m_font(loadTextFont(desktop)),
       m_coverFollowed(desktop.windowIsCovered().observe([this] { updateSeen(); })) {
-    // The screens' types register themselves, if only the linker keeps them.
+    // Keeps the linker from dropping the code that registers the QML types.
     [[maybe_unused]] auto* volatile keep = &qml_register_types_Quorvane;
-    // The window's texts stand still at their natural size, where the system's own rendering is
-    // both sharper and faster to start with.
+    // For text that is neither moved nor scaled, native rendering is sharper and starts faster.
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
 
     const QSize size(OrrowinApp::windowWidth, OrrowinApp::windowHeight);
@@ -47,23 +53,21 @@ MainWindow::~MainWindow() {
 
 bool MainWindow::show() {
     m_window.engine()->addImportPath("qrc:/qt/qml");
-#ifdef QUORVANE_MACOS
-    // The engine's to delete.
-    m_window.engine()->addImageProvider(QStringLiteral("symbols"), new SystemSymbols);
-#endif
+    // Deleted by the engine.
+    m_window.engine()->addImageProvider(QStringLiteral("symbols"), new SymbolProvider(m_desktop));
     m_window.setInitialProperties({{"content", QVariant::fromValue(&m_model)}});
     m_window.setSource(QUrl("qrc:/qt/qml/Quorvane/MainView.qml"));
     if (m_window.status() != QQuickView::Ready)
         return false;
-    // A screen reader can press before there is anything to see, but not before the controller has
-    // appeared: the sensor that a press starts would not have been looked for yet.
+    // A screen reader could press a control before the first frame, when the controller has not yet
+    // looked for the lid sensor that the press starts.
     m_window.rootObject()->setEnabled(false);
     m_window.show();
     return true;
 }
 
 void MainWindow::close() {
-    // A window that is not on screen would not be told that it is closed.
+    // A window that is not on screen gets no close event.
     if (!m_window.close() || !m_closed)
         onClosed();
 }
@@ -76,8 +80,8 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
     return QObject::eventFilter(watched, event);
 }
 
-// The controller reads and decodes its sound when it appears. That waits for the first frame, so
-// that the window is there at once; nothing can be heard before a person has pressed something.
+// The controller decodes its sound in onAppear(). That waits for the first frame, so that the
+// window shows at once; no sound is needed before the user has pressed something.
 void MainWindow::onFirstFrame() {
     if (m_appeared || m_closed)
         return;

@@ -10,9 +10,8 @@
 
 namespace quorvane {
 
-/// The program's one window. Shows the controller and runs its lifecycle hooks, each once: it has
-/// appeared when its first frame is on screen, and it has disappeared when it is closed, whoever
-/// closes it. Main thread only.
+/// The program's one window. Shows the controller and calls its lifecycle hooks, each once:
+/// onAppear() after the first frame, onDisappear() when the window is closed. Main thread only.
 class MainWindow final : public QObject {
     Q_OBJECT
 
@@ -21,9 +20,9 @@ public:
     MainWindow(ContentView& content, const Platform& platform, Desktop& desktop);
     ~MainWindow() override;
 
-    /// False if the screens could not be loaded; what is wrong with them is on standard error.
+    /// False if the screens could not be loaded; the errors are on standard error.
     [[nodiscard]] bool show();
-    /// As by its close button. Closing it twice is harmless.
+    /// The same as its close button. May be called twice.
     void close();
 
     [[nodiscard]] QQuickView& window() { return m_window; }
@@ -31,9 +30,9 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 signals:
-    /// After the controller has been told.
+    /// After the controller's onAppear().
     void appeared();
-    /// After the controller has been told.
+    /// After the controller's onDisappear().
     void closed();
 
 private:

@@ -19,6 +19,10 @@ public:
     /// `window` is the toolkit's number of it: its view.
     void watchWindow(std::uintptr_t window) override;
 
+    [[nodiscard]] FontFamilies fontFamilies() const override;
+    [[nodiscard]] std::optional<SymbolPicture> symbol(std::string_view name,
+                                                      int pixels) const override;
+
 private:
     struct Observers;
 

@@ -2,6 +2,8 @@
 
 #import <AppKit/AppKit.h>
 
+#include "platform/macos/MacSymbols.h"
+
 namespace quorvane {
 
 struct MacDesktop::Observers {
@@ -39,6 +41,15 @@ void MacDesktop::watchWindow(std::uintptr_t window) {
                 usingBlock:^(NSNotification*) {
                   m_isCovered = (watched.occlusionState & NSWindowOcclusionStateVisible) == 0;
                 }];
+}
+
+FontFamilies MacDesktop::fontFamilies() const {
+    return {.emoji = "Apple Color Emoji", .rounded = roundedSystemFontFamily()};
+}
+
+std::optional<SymbolPicture> MacDesktop::symbol(std::string_view name, int pixels) const {
+    constexpr Color white{.red = 1, .green = 1, .blue = 1};
+    return drawSystemSymbol(name, pixels, white);
 }
 
 } // namespace quorvane

@@ -13,9 +13,15 @@ public:
 
     void watchWindow(std::uintptr_t window) override { watched = window; }
 
+    [[nodiscard]] std::optional<SymbolPicture> symbol(std::string_view /*name*/,
+                                                      int /*pixels*/) const override {
+        return everySymbol;
+    }
+
     Observable<bool> motionReduced;
     Observable<bool> covered;
     std::uintptr_t watched = 0;
+    std::optional<SymbolPicture> everySymbol;
 };
 
 } // namespace quorvane

@@ -56,6 +56,10 @@ AnimatedNumber ContentViewModel::controlPanelShown() const {
     return shown(ContentView::Screen::ControlPanel);
 }
 
+QString ContentViewModel::emojiFamily() const {
+    return QString::fromStdString(m_desktop.fontFamilies().emoji);
+}
+
 QUrl ContentViewModel::logo() const {
     const auto file = m_bundle.urlForResource("logo", "png");
     return file ? QUrl::fromLocalFile(QString::fromStdString(file->string())) : QUrl();

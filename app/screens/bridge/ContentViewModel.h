@@ -28,11 +28,11 @@ private:                                                                        
 namespace quorvane {
 
 /// The one bridge between the controller and the screens: shows its observables as properties and
-/// passes on what the person does. It decides nothing. Main thread only.
+/// passes on the user's actions. It decides nothing. Main thread only.
 class ContentViewModel final : public QObject {
     Q_OBJECT
     QML_ELEMENT
-    QML_UNCREATABLE("the program hands the screens the one there is")
+    QML_UNCREATABLE("the program passes the screens its one instance")
     /// 1 on the screen that is shown, 0 on the others.
     Q_PROPERTY(quorvane::AnimatedNumber hardwareCheckShown READ hardwareCheckShown NOTIFY
                    screenChanged FINAL)
@@ -41,11 +41,13 @@ class ContentViewModel final : public QObject {
                    screenChanged FINAL)
     Q_PROPERTY(quorvane::CheckRowModel* checkRows READ checkRows CONSTANT FINAL)
     Q_PROPERTY(quorvane::ToggleRowModel* toggleRows READ toggleRows CONSTANT FINAL)
+    /// To be named where emoji stand alone: Qt draws some in outline from a text font otherwise.
+    Q_PROPERTY(QString emojiFamily READ emojiFamily CONSTANT FINAL)
     /// The logo's file; empty if there is none.
     Q_PROPERTY(QUrl logo READ logo CONSTANT FINAL)
-    /// 0 to 1, for ever up and down.
+    /// 0 to 1, endlessly up and down.
     Q_PROPERTY(double glow READ glow NOTIFY glowChanged FINAL)
-    /// Whether what moves without end is to move now: somebody can see it, and wants it to.
+    /// Whether endless animations run: the window can be seen, and less motion is not asked for.
     Q_PROPERTY(bool animates READ animates NOTIFY animatesChanged FINAL)
     Q_PROPERTY(bool infoShown READ infoShown NOTIFY infoChanged FINAL)
     Q_PROPERTY(QString infoTitle READ infoTitle NOTIFY infoChanged FINAL)
@@ -56,7 +58,7 @@ public:
     ContentViewModel(ContentView& content, const Platform& platform, const Desktop& desktop,
                      QObject* parent = nullptr);
 
-    /// Whether a pixel of the window can be seen.
+    /// Whether any pixel of the window can be seen.
     void setSeen(bool seen);
 
     [[nodiscard]] AnimatedNumber hardwareCheckShown() const;
@@ -67,6 +69,7 @@ public:
 
     [[nodiscard]] ToggleRowModel* toggleRows() { return &m_toggleRows; }
 
+    [[nodiscard]] QString emojiFamily() const;
     [[nodiscard]] QUrl logo() const;
 
     [[nodiscard]] double glow() const { return m_glow.get(); }
@@ -103,7 +106,7 @@ signals:
     void glowChanged();
     void animatesChanged();
     void infoChanged();
-    /// The particles have moved, and somebody is looking.
+    /// The particles have moved, and `animates` is true.
     void particlesMoved();
 
 private:

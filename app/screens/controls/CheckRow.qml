@@ -1,21 +1,23 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import Quorvane
 
 // One result of the hardware check.
 Row {
     id: root
 
+    required property ContentViewModel content
     required property string feature
     required property bool passed
     required property string result
 
     spacing: 12
 
-    EmojiText {
+    PlainText {
         anchors.verticalCenter: parent.verticalCenter
         text: root.passed ? "✅" : "❌"
-        font.pixelSize: 16
+        font { family: root.content.emojiFamily; pixelSize: 16 }
     }
 
     Column {

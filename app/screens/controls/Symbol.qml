@@ -2,8 +2,7 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 
-// A symbol by its name: the system's own on a Mac, one of the drawn ones elsewhere. One that is
-// missing leaves its place empty.
+// A white symbol by its name.
 Image {
     id: root
 
@@ -13,9 +12,8 @@ Image {
     width: root.size
     height: root.size
     sourceSize { width: root.size; height: root.size }
-    source: Qt.platform.os === "osx" ? "image://symbols/" + root.name
-                                     : "qrc:/symbols/" + root.name + ".svg"
+    source: "image://symbols/" + root.name
 
-    // Whatever it stands beside says it.
+    // The control that it belongs to has a name.
     Accessible.ignored: true
 }

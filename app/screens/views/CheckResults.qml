@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Quorvane
 
-// What the hardware check found, and the way on.
+// What the hardware check found, and the button that goes on.
 Column {
     id: root
 
@@ -18,7 +18,9 @@ Column {
         Repeater {
             model: root.content.checkRows
 
-            CheckRow {}
+            CheckRow {
+                content: root.content
+            }
         }
     }
 

@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Quorvane
 
-// What the machine has, looked at once before anything else.
+// The hardware check, on a first launch.
 Backdrop {
     id: root
 
@@ -20,10 +20,10 @@ Backdrop {
         width: parent.width - 60
         spacing: 18
 
-        EmojiText {
+        PlainText {
             anchors.horizontalCenter: parent.horizontalCenter
             text: "🔧"
-            font.pixelSize: 70
+            font { family: root.content.emojiFamily; pixelSize: 70 }
         }
 
         PlainText {
@@ -50,7 +50,7 @@ Backdrop {
 
             Scanning {
                 anchors.horizontalCenter: stack.horizontalCenter
-                // Asked once more as the window closes, when its screen has gone.
+                // Evaluated once more as the window closes, when `root` no longer exists.
                 turning: root?.content.animates ?? false
             }
         }

@@ -27,10 +27,10 @@ Backdrop {
             width: parent.width
             spacing: 18
 
-            EmojiText {
+            PlainText {
                 anchors.horizontalCenter: parent.horizontalCenter
                 text: "💀"
-                font.pixelSize: 60
+                font { family: root.content.emojiFamily; pixelSize: 60 }
             }
 
             HeavyText {

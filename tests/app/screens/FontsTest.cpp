@@ -21,7 +21,7 @@ TEST(Fonts, TextIsSetInInterWithColouredEmoji) {
                 ElementsAre("Inter", "Sans", "Noto Color Emoji"));
 }
 
-TEST(Fonts, TextThatIsSetInThemStaysAsItIs) {
+TEST(Fonts, SettingTextTwiceChangesNothing) {
     const QFont once = Fonts::text(QFont("Sans"));
     EXPECT_EQ(Fonts::text(once), once);
 }
@@ -41,9 +41,19 @@ TEST(Fonts, OnlyTheRoundedFontNeedsAnOutlineToBeBlack) {
     EXPECT_EQ(Fonts::outline("Noto Color Emoji", 50), 0);
 }
 
-TEST(Fonts, EmojiAreOfTheFontInColour) {
+TEST(Fonts, EmojiAreInColour) {
     EXPECT_THAT(families(Fonts::emoji(80)), ElementsAre("Noto Color Emoji"));
     EXPECT_EQ(Fonts::emoji(80).pixelSize(), 80);
+}
+
+TEST(Fonts, AreTheDesktopsOwnWhereItHasThem) {
+    Fonts::setFamilies({.emoji = "Its Emoji", .rounded = "Its Rounded"});
+    EXPECT_THAT(families(Fonts::text(QFont("Sans"))), ElementsAre("Inter", "Sans", "Its Emoji"));
+    EXPECT_THAT(families(Fonts::emoji(80)), ElementsAre("Its Emoji"));
+    const QFont heavy = Fonts::heavy(32);
+    EXPECT_EQ(families(heavy).front(), "Its Rounded");
+    EXPECT_EQ(heavy.letterSpacing(), 0) << "it needs no outline";
+    Fonts::setFamilies({});
 }
 
 } // namespace
