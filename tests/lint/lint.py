@@ -49,6 +49,10 @@ CLOCKS = re.compile(
     r"|arc4random\w*|getrandom|getentropy)\s*\("
 )
 
+# What tells platforms apart: only platform/ may, and the main program, which chooses one.
+PLATFORM_TESTS = re.compile(r"\b(QUORVANE_MACOS|__APPLE__|__linux__|Q_OS_\w+|Qt\.platform)\b")
+MAY_TEST_PLATFORM = re.compile(r"^(platform/|app/main\.cpp$)")
+
 # It measures the sounds in resources/ and runs hardly any code of the program.
 NOT_SANITIZED = {"shipped_sounds"}
 
@@ -172,6 +176,18 @@ def check_clocks(_build):
     return problems
 
 
+def platform_problems(name, code):
+    if MAY_TEST_PLATFORM.match(name):
+        return []
+    return [f"{name}: tests {found}" for found in PLATFORM_TESTS.findall(without_comments(code))]
+
+
+def check_platforms(_build):
+    """Only platform/ and app/main.cpp test for a platform."""
+    return [problem for name in sources() + tracked("*.qml")
+            for problem in platform_problems(name, (ROOT / name).read_text())]
+
+
 def run(command):
     done = subprocess.run(command, cwd=ROOT, capture_output=True, text=True)
     output = (done.stdout + done.stderr).strip()
@@ -210,6 +226,7 @@ CHECKS = {
     "sources": check_sources,
     "includes": check_includes,
     "clocks": check_clocks,
+    "platforms": check_platforms,
     "format": check_format,
     "tidy": check_tidy,
     "qml": check_qml,

@@ -66,6 +66,17 @@ class Clocks(unittest.TestCase):
                 self.assertFalse(self.found(code))
 
 
+class Platforms(unittest.TestCase):
+    def test_a_platform_is_tested_for_in_few_places_only(self):
+        for code in ("#ifdef QUORVANE_MACOS", "#if defined(__APPLE__)", "#ifndef __linux__",
+                     "#if defined(Q_OS_WIN)", 'source: Qt.platform.os === "osx" ? a : b'):
+            with self.subTest(code):
+                self.assertEqual(len(lint.platform_problems("app/screens/A.cpp", code)), 1)
+                self.assertEqual(lint.platform_problems("app/main.cpp", code), [])
+                self.assertEqual(lint.platform_problems("platform/linux/A.cpp", code), [])
+                self.assertEqual(lint.platform_problems("app/screens/A.cpp", f"// {code}"), [])
+
+
 class OwnCodeOnly(unittest.TestCase):
     """clang-tidy with the plug-in."""
 
