@@ -47,9 +47,12 @@ struct TextStyle {
 
 /// An indeterminate circular progress indicator.
 struct Spinner {
+    /// The platform's own size, in points: that of the macOS progress indicator.
+    static constexpr double size = 32;
+
     double centerX = 0;
     double centerY = 0;
-    /// Factor on the platform's own size.
+    /// Factor on `size`.
     double scale = 1;
     Color tint;
 };

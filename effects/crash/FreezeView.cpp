@@ -17,7 +17,6 @@ constexpr TextStyle textStyle{.size = 22, .weight = TextStyle::Weight::Medium, .
 constexpr std::string_view text = "(Not Responding)";
 
 // Points. The layout uses the spinner's unscaled size.
-constexpr double spinnerSize = 32;
 constexpr double spinnerScale = 3;
 constexpr double spacing = 20;
 constexpr double textPadding = 20;
@@ -30,11 +29,11 @@ struct Layout {
 
 Layout layOut(Canvas& canvas, Size size) {
     const Size room = canvas.measure(text, textStyle, size.width);
-    const double height = spinnerSize + spacing + textPadding + room.height;
+    const double height = Spinner::size + spacing + textPadding + room.height;
     const double top = (size.height - height) / 2;
-    return {.spinnerCenterY = top + spinnerSize / 2,
+    return {.spinnerCenterY = top + Spinner::size / 2,
             .textX = (size.width - room.width) / 2,
-            .textY = top + spinnerSize + spacing + textPadding};
+            .textY = top + Spinner::size + spacing + textPadding};
 }
 
 } // namespace

@@ -19,9 +19,6 @@ Size sizeOf(NSView* view) {
     return {.width = view.bounds.size.width, .height = view.bounds.size.height};
 }
 
-// The system's own size of a spinning progress indicator, in points.
-constexpr CGFloat spinnerSize = 32;
-
 } // namespace
 
 /// What changes in an overlay, over what is still, in the coordinates of the whole.
@@ -123,14 +120,14 @@ constexpr CGFloat spinnerSize = 32;
 }
 
 - (void)addSpinner:(const Spinner&)spinner {
-    const CGFloat drawn = spinnerSize * spinner.scale;
+    const CGFloat drawn = Spinner::size * spinner.scale;
     NSView* scaled =
         [[NSView alloc] initWithFrame:NSMakeRect(spinner.centerX - drawn / 2,
                                                  spinner.centerY - drawn / 2, drawn, drawn)];
     // What is in it is laid out at its own size and drawn larger.
-    scaled.bounds = NSMakeRect(0, 0, spinnerSize, spinnerSize);
+    scaled.bounds = NSMakeRect(0, 0, Spinner::size, Spinner::size);
     NSProgressIndicator* indicator =
-        [[NSProgressIndicator alloc] initWithFrame:NSMakeRect(0, 0, spinnerSize, spinnerSize)];
+        [[NSProgressIndicator alloc] initWithFrame:NSMakeRect(0, 0, Spinner::size, Spinner::size)];
     indicator.style = NSProgressIndicatorStyleSpinning;
     indicator.indeterminate = YES;
     // A spinner has no colour to be set: in the light appearance it is the grey that is wanted.

@@ -13,8 +13,7 @@ namespace {
 
 constexpr auto preferredFont = "Inter";
 
-// Points. A progress circle of this system, at its own size.
-constexpr double spinnerSize = 32;
+// Points, of a spinner at its own size.
 constexpr double spokeLine = 3;
 constexpr double spokeInner = 8;
 constexpr double spokeOuter = 14;
@@ -151,7 +150,7 @@ void PaintedCanvas::strokeArc(double centerX, double centerY, double radius, dou
 }
 
 Rect spinnerBounds(const Spinner& spinner) {
-    const double size = spinnerSize * spinner.scale;
+    const double size = Spinner::size * spinner.scale;
     return {.x = spinner.centerX - size / 2,
             .y = spinner.centerY - size / 2,
             .width = size,
