@@ -31,7 +31,7 @@ std::string nameOf(const QAccessibleInterface& element) {
     return element.text(QAccessible::Name).toStdString();
 }
 
-// What a repeater makes is a child on screen only.
+// A repeater's items are children in the scene only, not QObject children.
 bool hasMovingSpring(const QQuickItem& item) {
     const auto springs = item.findChildren<SpringValue*>(Qt::FindDirectChildrenOnly);
     const auto items = item.childItems();
@@ -57,13 +57,24 @@ ScreensTest::ScreensTest() {
 
 ScreensTest::~ScreensTest() = default;
 
-std::unique_ptr<ContentView> ScreensTest::makeContent() {
-    return std::make_unique<ContentView>(m_machine.platform(), m_startup, m_effects.list());
+void ScreensTest::withAllEffects() {
+    m_effects = {.keyboard = [this] { return m_keyboard; },
+                 .fan = [this] { return m_fan; },
+                 .bsod = [] { return std::make_shared<FakeEffect>(); },
+                 .freeze = [] { return std::make_shared<FakeEffect>(); }};
+}
+
+void ScreensTest::withHardwareChecked() {
+    m_machine.userDefaults.setBool(ContentView::hardwareCheckedKey, true);
+}
+
+void ScreensTest::makeWindow() {
+    m_content = std::make_unique<ContentView>(m_machine.platform(), m_startup, m_effects.list());
+    m_window = std::make_unique<MainWindow>(*m_content, m_machine.platform(), m_desktop);
 }
 
 void ScreensTest::appear() {
-    m_content = makeContent();
-    m_window = std::make_unique<MainWindow>(*m_content, m_machine.platform(), m_desktop);
+    makeWindow();
     bool appeared = false;
     QObject::connect(m_window.get(), &MainWindow::appeared, [&appeared] { appeared = true; });
     QObject::connect(&m_window->window(), &QQuickWindow::frameSwapped, m_window.get(),
@@ -78,13 +89,23 @@ void ScreensTest::launch() {
 }
 
 void ScreensTest::launchChecked() {
-    m_machine.userDefaults.setBool(ContentView::hardwareCheckedKey, true);
+    withHardwareChecked();
     launch();
 }
 
 void ScreensTest::launchIntoControlPanel() {
     launchChecked();
-    press("MAKE ME SUFFER 😭");
+    press(enter);
+    settle();
+}
+
+void ScreensTest::runCheck() {
+    press(check);
+    m_machine.runLoop.advance(1.5);
+}
+
+void ScreensTest::openInfo(const std::string& label) {
+    press("About " + label);
     settle();
 }
 
@@ -95,8 +116,8 @@ void ScreensTest::waitUntil(const std::function<bool()>& condition, const char* 
     ASSERT_TRUE(condition()) << "waited in vain until " << what;
 }
 
-// An update that is asked for is drawn within the next round or two, because main() has set the
-// time that it waits to zero.
+// A requested update is drawn within the next round or two, because main() has set
+// QT_QPA_UPDATE_IDLE_TIME to 0.
 void ScreensTest::draw() {
     constexpr int quietRounds = 5;
     const QDeadlineTimer deadline(patience);
@@ -205,6 +226,12 @@ std::string ScreensTest::focused() {
     QQuickItem* item = m_window->window().activeFocusItem();
     QAccessibleInterface* found = item ? QAccessible::queryAccessibleInterface(item) : nullptr;
     return found ? nameOf(*found) : "";
+}
+
+void ScreensTest::expectNear(const QColor& seen, const QColor& wanted, int tolerance) {
+    EXPECT_NEAR(seen.red(), wanted.red(), tolerance);
+    EXPECT_NEAR(seen.green(), wanted.green(), tolerance);
+    EXPECT_NEAR(seen.blue(), wanted.blue(), tolerance);
 }
 
 QRectF ScreensTest::placeOf(const std::string& name) {

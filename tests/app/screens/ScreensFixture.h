@@ -29,9 +29,20 @@ public:
     ~ScreensTest() override;
 
 protected:
+    // The names of the big buttons.
+    static constexpr auto check = "CHECK HARDWARE 🔍";
+    static constexpr auto enter = "MAKE ME SUFFER 😭";
+    static constexpr auto stop = "STOP, I'M SUFFERING 😭";
+
     ScreensTest();
 
-    [[nodiscard]] std::unique_ptr<ContentView> makeContent();
+    /// Gives the next window every effect's row.
+    void withAllEffects();
+    /// The next launch begins on the warning screen.
+    void withHardwareChecked();
+
+    /// Makes the window and does not show it.
+    void makeWindow();
     /// Makes and shows the window and waits until it has appeared. Its sign is about to pop up.
     void appear();
     /// Makes and shows the window and waits until it is at rest.
@@ -40,8 +51,12 @@ protected:
     void launchChecked();
     /// Launches and goes on to the control panel.
     void launchIntoControlPanel();
+    /// Runs the hardware check until its results are there.
+    void runCheck();
+    /// Opens the info popup of the row `label`.
+    void openInfo(const std::string& label);
 
-    /// Lets the toolkit work until `condition` holds; fails the test after ten seconds.
+    /// Handles events until `condition` holds; fails the test after ten seconds.
     static void waitUntil(const std::function<bool()>& condition, const char* what);
     /// Handles all events and draws every frame that is asked for. No animation moves.
     void draw();
@@ -50,7 +65,7 @@ protected:
     /// Lets all animations that have an end come to it, and draws.
     void settle();
 
-    /// What can be found in the window, by role and name, in reading order.
+    /// The names of the visible elements, in reading order.
     [[nodiscard]] std::vector<std::string> names(QAccessible::Role role);
     [[nodiscard]] std::vector<std::string> texts();
     [[nodiscard]] std::vector<std::string> buttons();
@@ -62,13 +77,14 @@ protected:
     void toggle(const std::string& name);
 
     void type(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
-    /// As when the key is held down for so long that it repeats.
+    /// A key press from auto-repeat.
     void repeat(Qt::Key key);
     void click(const std::string& name);
     void focus(const std::string& name);
-    /// The name of what the keyboard acts on; empty if on nothing.
+    /// The name of the element with the keyboard focus; empty without.
     [[nodiscard]] std::string focused();
 
+    static void expectNear(const QColor& seen, const QColor& wanted, int tolerance = 3);
     /// In the window's coordinates.
     [[nodiscard]] QRectF placeOf(const std::string& name);
     [[nodiscard]] QColor colorAt(int x, int y);
@@ -82,13 +98,12 @@ protected:
         double opacity;
     };
 
-    /// The next launch has this particle alone in the window, for as long as it takes the others to
-    /// come in from below.
+    /// The next launch has this particle alone in the window, until the others come in from below.
     void scriptParticle(const LoneParticle& particle);
 
     void withoutParticles() { scriptParticle({.x = 0, .y = -100, .size = 40, .opacity = 0.08}); }
 
-    /// Leaves a picture of the window beside the tests for a person to look at.
+    /// Saves a picture of the window beside the tests, to be looked at.
     void savePicture(const std::string& name);
 
     SimulatedMachine m_machine;

@@ -49,7 +49,7 @@ TEST_F(SpringValueTest, MovesAsTheSpringOfItsGoal) {
     EXPECT_EQ(m_changes, 3);
 }
 
-TEST_F(SpringValueTest, GoesOnToANewGoalFromWhereItIsWithTheSpeedThatItHas) {
+TEST_F(SpringValueTest, KeepsItsValueAndVelocityForANewGoal) {
     m_value.setGoal(springTo(1));
     m_value.setCurrentTime(100);
     m_value.setGoal(springTo(0));
@@ -81,7 +81,7 @@ TEST_F(SpringValueTest, StartsFromRestAfterARest) {
     EXPECT_NEAR(m_value.value(), 1 - 0.517425, exact);
 }
 
-TEST_F(SpringValueTest, TakesAGoalWithoutASpringAtOnceEvenOnItsWay) {
+TEST_F(SpringValueTest, TakesAGoalWithoutASpringAtOnceEvenWhileMoving) {
     m_value.setGoal(springTo(1));
     m_value.setCurrentTime(100);
     m_value.setGoal(at(0.25));
@@ -92,7 +92,7 @@ TEST_F(SpringValueTest, TakesAGoalWithoutASpringAtOnceEvenOnItsWay) {
     EXPECT_NEAR(m_value.value(), 0.25 + 0.517425, exact) << "its speed is gone";
 }
 
-TEST_F(SpringValueTest, IsNotDisturbedByTheGoalThatItHas) {
+TEST_F(SpringValueTest, IgnoresTheGoalThatItHas) {
     m_value.setGoal(springTo(1));
     m_value.setCurrentTime(100);
     m_value.setGoal(springTo(1));
@@ -101,17 +101,17 @@ TEST_F(SpringValueTest, IsNotDisturbedByTheGoalThatItHas) {
     EXPECT_NEAR(m_value.value(), 0.517425, exact);
 }
 
-TEST_F(SpringValueTest, TellsThatItMovesAndRests) {
-    std::vector<bool> told;
+TEST_F(SpringValueTest, SignalsWhenItStartsAndStopsMoving) {
+    std::vector<bool> moving;
     QObject::connect(&m_value, &SpringValue::movingChanged,
-                     [&] { told.push_back(m_value.isMoving()); });
+                     [&] { moving.push_back(m_value.isMoving()); });
     m_value.setGoal(springTo(1));
     m_value.setCurrentTime(600);
-    EXPECT_THAT(told, testing::ElementsAre(true, false));
+    EXPECT_THAT(moving, testing::ElementsAre(true, false));
 }
 
-// A screen may close while it still fades in: by then there is no value any more to ask.
-TEST_F(SpringValueTest, SaysNothingWhenItIsDestroyedOnItsWay) {
+// A screen may be destroyed while it fades in; a handler would then read a half-destroyed value.
+TEST_F(SpringValueTest, EmitsNothingWhenDestroyedWhileMoving) {
     auto value = std::make_unique<SpringValue>();
     int changes = 0;
     QObject::connect(value.get(), &SpringValue::movingChanged, [&changes] { ++changes; });

@@ -9,8 +9,6 @@
 namespace quorvane {
 namespace {
 
-constexpr auto stop = "STOP, I'M SUFFERING 😭";
-
 const QColor red("#ff3b30");
 
 class Controls : public LayoutTest {};
@@ -75,6 +73,18 @@ TEST_F(Controls, EveryRowHasItsSymbol) {
     EXPECT_NEAR(brightestIn(place), over(night, Qt::white, 0.7).lightness(), 8);
 }
 
+TEST_F(Controls, SymbolsAreTheDesktopsOwnWhereItHasThem) {
+    constexpr int side = 18;
+    SymbolPicture symbol{.width = side, .height = side, .pixels = {}};
+    for (int i = 0; i < side * side; ++i)
+        symbol.pixels.insert(symbol.pixels.end(), {200, 100, 50, 255});
+    m_desktop.everySymbol = symbol;
+    launchIntoControlPanel();
+    const QPointF middle(79, placeOf("Startup").top() + 13);
+    const QColor night = at(middle - QPointF(13, 0));
+    expectNear(at(middle), over(night, QColor(200, 100, 50), 0.7));
+}
+
 TEST_F(Controls, ControlsShowThatTheMouseIsOnThemAndPresses) {
     launchIntoControlPanel();
     const auto hover = [this](const std::string& name) {
@@ -103,8 +113,7 @@ TEST_F(Controls, ControlsShowThatTheMouseIsOnThemAndPresses) {
 
 TEST_F(Controls, ThePopupsButtonShowsThatTheMouseIsOnItAndPresses) {
     launchIntoControlPanel();
-    press("About Keyboard");
-    settle();
+    openInfo("Keyboard");
     const QPoint middle = placeOf("OK").center().toPoint();
     const auto fill = [&] { return at(placeOf("OK").topLeft() + QPointF(20, 18)); };
     const QColor blue("#007aff");

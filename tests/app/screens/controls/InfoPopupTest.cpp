@@ -94,29 +94,28 @@ TEST_F(InfoPopup, KeepsKeyboardAndMouseFromTheScreenBelow) {
     }
     click("Build quality");
     EXPECT_FALSE(m_content->audioEnabled());
-    click("STOP, I'M SUFFERING 😭");
+    click(stop);
     EXPECT_TRUE(m_content->sufferingMode());
     EXPECT_TRUE(m_content->showInfo());
     EXPECT_EQ(focused(), "OK");
 }
 
-TEST_F(InfoPopup, KeepsReadersFromTheScreenBelow) {
+TEST_F(InfoPopup, KeepsScreenReadersFromTheScreenBelow) {
     open();
     EXPECT_FALSE(pressControl(m_window->window(), "Build quality"));
     toggle("Build quality");
     EXPECT_FALSE(m_content->audioEnabled());
     press("Build quality");
     EXPECT_FALSE(m_content->audioEnabled());
-    EXPECT_FALSE(pressControl(m_window->window(), "STOP, I'M SUFFERING 😭"));
-    press("STOP, I'M SUFFERING 😭");
+    EXPECT_FALSE(pressControl(m_window->window(), stop));
+    press(stop);
     EXPECT_TRUE(m_content->sufferingMode());
 }
 
-TEST_F(InfoPopup, ShowsALaterInfoButtonsWordsOnceItIsDismissed) {
+TEST_F(InfoPopup, ShowsTheLastInfoButtonPressedMeanwhileOnceDismissed) {
     open();
     press("About Keyboard");
-    press("About Thermals");
-    settle();
+    openInfo("Thermals");
     EXPECT_THAT(texts(), Contains("Build Quality"));
     EXPECT_THAT(texts(), Not(Contains("Tactile Feedback")));
     EXPECT_THAT(texts(), Not(Contains("Thermal Performance")));
@@ -154,8 +153,7 @@ TEST_F(InfoPopup, GivesTheKeyboardBackToTheInfoButton) {
 TEST_F(InfoPopup, ShowsTheRowOfTheLastInfoButton) {
     open();
     press("OK");
-    press("About Keyboard");
-    settle();
+    openInfo("Keyboard");
     EXPECT_THAT(texts(), IsSupersetOf({"Tactile Feedback",
                                        "Genuine keyboard feedback. Feel the premium tactile "
                                        "response of original Windows hardware.\n\nJust start "

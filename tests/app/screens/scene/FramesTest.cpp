@@ -3,11 +3,10 @@
 namespace quorvane {
 namespace {
 
-// How often the window is drawn anew.
+// How often the window is redrawn.
 class Frames : public ScreensTest {
 protected:
-    // Frames of two seconds of the controller's time, which is looked at at every tick of the
-    // particles.
+    // Over two seconds of the controller's time, drawn at every step of the particles.
     int framesOfTwoSeconds() {
         settle();
         const int before = m_frames;
@@ -29,7 +28,7 @@ TEST_F(Frames, AreOneForGlowAndParticlesTogether) {
     EXPECT_EQ(framesOfTwoSeconds(), 40);
 }
 
-TEST_F(Frames, AreNoneForThoseWhoAskForLessMotion) {
+TEST_F(Frames, AreNoneWithReducedMotion) {
     m_desktop.motionReduced = true;
     launchIntoControlPanel();
     EXPECT_EQ(framesOfTwoSeconds(), 0);
@@ -56,9 +55,9 @@ TEST_F(Frames, AreNoneWhileHidden) {
     EXPECT_EQ(framesOfTwoSeconds(), 40);
 }
 
-TEST_F(Frames, AreNoneOfAScanThatNobodySees) {
+TEST_F(Frames, AreNoneOfAScanInACoveredWindow) {
     launch();
-    press("CHECK HARDWARE 🔍");
+    press(check);
     int before = m_frames;
     animate(250);
     EXPECT_GT(m_frames, before);

@@ -3,10 +3,12 @@
 namespace quorvane {
 namespace {
 
-// What glows is looked at beside and below its letters, where nothing else is drawn.
+// Measured beside and below the glowing elements, where nothing else is drawn.
 class Glow : public ScreensTest {
 protected:
-    // How light a line below the element is on average.
+    Glow() { withoutParticles(); }
+
+    // The average lightness of a line `distance` points below the element.
     double light(const std::string& name, double distance) {
         const QRectF place = placeOf(name);
         const QImage picture = picture1x();
@@ -24,7 +26,6 @@ protected:
 };
 
 TEST_F(Glow, GrowsAndShrinksAroundTheWarningSign) {
-    withoutParticles();
     launchChecked();
     const double dark = light("⚠️", 1);
     glowFor(0.75);
@@ -39,7 +40,6 @@ TEST_F(Glow, GrowsAndShrinksAroundTheWarningSign) {
 }
 
 TEST_F(Glow, IsYellowAroundTheSignAndCyanAroundMillions) {
-    withoutParticles();
     launchChecked();
     glowFor(1.5);
     const QRectF sign = placeOf("⚠️");
@@ -52,7 +52,6 @@ TEST_F(Glow, IsYellowAroundTheSignAndCyanAroundMillions) {
 }
 
 TEST_F(Glow, IsRedAroundTheControlPanelsTitle) {
-    withoutParticles();
     launchIntoControlPanel();
     const QRectF title = placeOf("SIMULATION ACTIVE");
     const auto beside = [&] {
@@ -65,7 +64,6 @@ TEST_F(Glow, IsRedAroundTheControlPanelsTitle) {
 }
 
 TEST_F(Glow, ReachesAsFarAsItsRadius) {
-    withoutParticles();
     launchChecked();
     const QRectF place = placeOf("MILLIONS");
     const auto beside = [&](int distance) {
@@ -78,15 +76,13 @@ TEST_F(Glow, ReachesAsFarAsItsRadius) {
 }
 
 TEST_F(Glow, ReachesNoFurtherThanItsRadius) {
-    withoutParticles();
     launchChecked();
     const double dark = light("⚠️", 32);
     glowFor(1.5);
     EXPECT_NEAR(light("⚠️", 32), dark, 0.5);
 }
 
-TEST_F(Glow, RestsAtItsFullestForThoseWhoAskForLessMotion) {
-    withoutParticles();
+TEST_F(Glow, StaysFullWithReducedMotion) {
     m_desktop.motionReduced = true;
     launchChecked();
     const double resting = light("⚠️", 1);

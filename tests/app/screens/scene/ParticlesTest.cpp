@@ -12,8 +12,6 @@ namespace {
 
 using testing::SizeIs;
 
-constexpr auto enter = "MAKE ME SUFFER 😭";
-
 // Whether all pixels that differ between two pictures are within `boxes`.
 bool differsOnlyWithin(const QImage& a, const QImage& b, const std::vector<QRectF>& boxes) {
     for (int y = 0; y < a.height(); ++y)
@@ -37,7 +35,7 @@ protected:
     }
 };
 
-TEST_F(Particles, StandWhereTheControllerHasThem) {
+TEST_F(Particles, AreDrawnWhereTheControllerHasThem) {
     launchChecked();
     ASSERT_THAT(m_content->floatingEmojis(), SizeIs(12));
     const QImage before = picture1x();
@@ -113,7 +111,7 @@ TEST_F(Particles, MoveWithTheController) {
     EXPECT_LT(after.pixelColor(118, 300).red(), 30) << "it has left its place";
 }
 
-TEST_F(Particles, ComeBackFromBelowAsFaintAsTheyAreThen) {
+TEST_F(Particles, ReenterAtTheBottomWithTheirNewOpacity) {
     scriptParticle({.x = 200, .y = -79.5, .size = 60, .opacity = 0.2});
     // Its place, drift, speed and opacity from then on.
     m_machine.random.script({uniformDrawBound / 2, uniformDrawBound / 2, 0, 0});
@@ -160,7 +158,7 @@ TEST_F(Particles, AreNotOnTheHardwareCheck) {
     EXPECT_EQ(before, picture1x());
 }
 
-TEST_F(Particles, StandStillForThoseWhoAskForLessMotion) {
+TEST_F(Particles, StandStillWithReducedMotion) {
     m_desktop.motionReduced = true;
     launchChecked();
     const QImage before = picture1x();
@@ -171,7 +169,7 @@ TEST_F(Particles, StandStillForThoseWhoAskForLessMotion) {
     EXPECT_EQ(before, picture1x());
 }
 
-TEST_F(Particles, AreNothingToAReader) {
+TEST_F(Particles, AreHiddenFromScreenReaders) {
     launchChecked();
     EXPECT_THAT(texts(), testing::Not(testing::Contains("😭")));
 }

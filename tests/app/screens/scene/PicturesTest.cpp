@@ -3,9 +3,7 @@
 namespace quorvane {
 namespace {
 
-constexpr auto stop = "STOP, I'M SUFFERING 😭";
-
-// Looks at every screen as a whole, and leaves its picture for a person to look at too.
+// Checks every screen as a whole, and saves its picture to be looked at.
 class Pictures : public LayoutTest {
 protected:
     Pictures() {
@@ -22,7 +20,7 @@ protected:
         return at(placeOfTheLogo().topLeft() + QPointF(x, y) * 130 / 360);
     }
 
-    // How many hundredths of a place are in that colour.
+    // The percentage of a place that is near that colour.
     double shareOf(const QColor& color, const QRectF& place) {
         return 100.0 * countOf(color, place) / (place.width() * place.height());
     }
@@ -33,7 +31,7 @@ TEST_F(Pictures, OfTheHardwareCheck) {
     savePicture("hardware-check");
     EXPECT_GT(countOf(QColor(132, 166, 180), placeOf("🔧"), 40), 100) << "in colour";
     EXPECT_GT(shareOf(Qt::white, placeOf("HARDWARE CHECK")), 5);
-    press("CHECK HARDWARE 🔍");
+    press(check);
     draw();
     savePicture("hardware-check-scanning");
     m_machine.runLoop.advance(1.5);
@@ -43,8 +41,7 @@ TEST_F(Pictures, OfTheHardwareCheck) {
 
 TEST_F(Pictures, OfMarksInTheirColours) {
     launch();
-    press("CHECK HARDWARE 🔍");
-    m_machine.runLoop.advance(1.5);
+    runCheck();
     settle();
     const auto markOf = [&](const std::string& row) {
         return QRectF(70, placeOf(row).top(), 24, placeOf(row).height() + 16);
@@ -161,8 +158,7 @@ TEST_F(Pictures, OfHeavyText) {
 TEST_F(Pictures, OfTheInfoPopup) {
     launchIntoControlPanel();
     const QRectF button = placeOf(stop);
-    press("About Build quality");
-    settle();
+    openInfo("Build quality");
     savePicture("info-popup");
     // What is below is 0.6 darker.
     expectNear(at({5, 390}), {8, 8, 20}, 1);
@@ -188,8 +184,7 @@ TEST_F(Pictures, OfTheInfoPopup) {
 
 TEST_F(Pictures, OfTheInfoPopupsWords) {
     launchIntoControlPanel();
-    press("About Build quality");
-    settle();
+    openInfo("Build quality");
     const std::string words = "Premium hinge quality simulation. Experience the authentic build "
                               "quality of a real Windows laptop.\n\nTry moving your laptop lid to "
                               "feel the difference.";

@@ -7,8 +7,6 @@
 namespace quorvane {
 namespace {
 
-constexpr auto enter = "MAKE ME SUFFER 😭";
-
 const QColor red("#ff3b30");
 
 // Lines one or two points wide and the edges of controls, which are exact where a point is a whole
@@ -51,8 +49,7 @@ TEST_F(Edges, OfTheFocusRingsOfARow) {
 
 TEST_F(Edges, OfTheInfoPopup) {
     launchIntoControlPanel();
-    press("About Build quality");
-    settle();
+    openInfo("Build quality");
     const QColor ground("#23233a");
     EXPECT_NEAR(at({105, 480}).red(), 44, 4) << "its border";
     // A circle of radius 18 leaves out what is nearer than 5.3 to both edges.

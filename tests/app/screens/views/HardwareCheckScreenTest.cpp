@@ -13,14 +13,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
 
-class HardwareCheckScreen : public ScreensTest {
-protected:
-    void runCheck() {
-        press("CHECK HARDWARE 🔍");
-        m_machine.runLoop.advance(1.5);
-        settle();
-    }
-};
+class HardwareCheckScreen : public ScreensTest {};
 
 TEST_F(HardwareCheckScreen, IsWhatAFirstLaunchShows) {
     launch();
@@ -28,12 +21,12 @@ TEST_F(HardwareCheckScreen, IsWhatAFirstLaunchShows) {
         texts(),
         ElementsAre("🔧", "HARDWARE CHECK",
                     "Before we begin, let's make sure\nyour Mac is ready for the experience."));
-    EXPECT_THAT(buttons(), ElementsAre("CHECK HARDWARE 🔍"));
+    EXPECT_THAT(buttons(), ElementsAre(check));
 }
 
 TEST_F(HardwareCheckScreen, ScansForASecondAndAHalf) {
     launch();
-    press("CHECK HARDWARE 🔍");
+    press(check);
     EXPECT_THAT(texts(), Contains("Scanning hardware..."));
     EXPECT_THAT(buttons(), IsEmpty());
     m_machine.runLoop.advance(1.49);
@@ -45,7 +38,7 @@ TEST_F(HardwareCheckScreen, ScansForASecondAndAHalf) {
 
 TEST_F(HardwareCheckScreen, TurnsWhileItScansAndRestsAfterwards) {
     launch();
-    press("CHECK HARDWARE 🔍");
+    press(check);
     draw();
     const QPointF middle = placeOf("Scanning").center();
     // Counted clockwise from the top.
@@ -62,7 +55,7 @@ TEST_F(HardwareCheckScreen, TurnsWhileItScansAndRestsAfterwards) {
         return brightest;
     };
     EXPECT_EQ(brightestSpoke(), 11);
-    // By a spoke each 83 ms.
+    // One spoke every 83 ms.
     animate(80);
     EXPECT_EQ(brightestSpoke(), 11);
     for (const int next : {0, 1, 2}) {
@@ -76,10 +69,11 @@ TEST_F(HardwareCheckScreen, TurnsWhileItScansAndRestsAfterwards) {
     EXPECT_EQ(m_frames, before);
 }
 
-TEST_F(HardwareCheckScreen, TellsWhatFailed) {
+TEST_F(HardwareCheckScreen, ShowsWhatFailed) {
     m_machine.system.model = "Precision 5570";
     launch();
     runCheck();
+    settle();
     EXPECT_THAT(
         texts(),
         ElementsAre("🔧", "HARDWARE CHECK",
@@ -91,18 +85,20 @@ TEST_F(HardwareCheckScreen, TellsWhatFailed) {
                     "Ready"));
 }
 
-TEST_F(HardwareCheckScreen, TellsOfALidSensor) {
+TEST_F(HardwareCheckScreen, ShowsThatALidSensorIsThere) {
     m_machine.hid.addDevice(0x8104)->setAngle(90);
     launch();
     runCheck();
+    settle();
     EXPECT_THAT(texts(), Contains("Lid sensor detected"));
     EXPECT_THAT(texts(), Contains("✅").Times(5));
 }
 
-TEST_F(HardwareCheckScreen, TellsWhatPassed) {
+TEST_F(HardwareCheckScreen, ShowsWhatPassed) {
     m_machine.accessibility.trusted = true;
     launch();
     runCheck();
+    settle();
     const auto shown = texts();
     EXPECT_THAT(shown, Contains("Accessibility granted"));
     EXPECT_THAT(shown, Contains("Force Touch trackpad detected"));
@@ -110,10 +106,10 @@ TEST_F(HardwareCheckScreen, TellsWhatPassed) {
     EXPECT_THAT(shown, Contains("✅").Times(5));
 }
 
-TEST_F(HardwareCheckScreen, IsLeftWithTheKeyboardAlone) {
+TEST_F(HardwareCheckScreen, CanBeLeftWithTheKeyboardAlone) {
     launch();
     type(Qt::Key_Tab);
-    EXPECT_EQ(focused(), "CHECK HARDWARE 🔍");
+    EXPECT_EQ(focused(), check);
     type(Qt::Key_Space);
     m_machine.runLoop.advance(1.5);
     settle();

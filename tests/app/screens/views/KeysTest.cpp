@@ -3,10 +3,9 @@
 namespace quorvane {
 namespace {
 
-constexpr auto stop = "STOP, I'M SUFFERING 😭";
 constexpr std::array pressingKeys{Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter};
 
-// What keys do to the control that has the focus.
+// What keys do to the focused control.
 class Keys : public ScreensTest {
 protected:
     Keys() {

@@ -12,7 +12,7 @@
 
 namespace quorvane {
 
-// How a text is set, whichever item sets it.
+// The look of a text, whichever QML type draws it.
 struct Look {
     int size;
     int weight = QFont::Normal;
@@ -37,14 +37,11 @@ inline QQuickItem* findText(QQuickItem* from, const QString& text) {
     return nullptr;
 }
 
-// Sizes, weights, colours, places: what is promised of the screens' looks.
+// Sizes, weights, colours and places.
 class LayoutTest : public ScreensTest {
 protected:
     LayoutTest() {
-        m_effects = {.keyboard = [this] { return m_keyboard; },
-                     .fan = [this] { return m_fan; },
-                     .bsod = [] { return std::make_shared<FakeEffect>(); },
-                     .freeze = [] { return std::make_shared<FakeEffect>(); }};
+        withAllEffects();
         withoutParticles();
     }
 
@@ -52,7 +49,7 @@ protected:
         return findText(m_window->window().rootObject(), QString::fromStdString(words));
     }
 
-    // Of the words themselves, whatever else is called so.
+    // Of the text itself, not of the control that has it as its name.
     QRectF placeOfText(const std::string& words) {
         const QQuickItem* item = text(words);
         EXPECT_TRUE(item) << "there is no " << words;
@@ -76,12 +73,6 @@ protected:
                 .opacity = item->opacity() * qRound(color.alphaF() * 100) / 100};
     }
 
-    static void expectNear(const QColor& seen, const QColor& wanted, int tolerance = 3) {
-        EXPECT_NEAR(seen.red(), wanted.red(), tolerance);
-        EXPECT_NEAR(seen.green(), wanted.green(), tolerance);
-        EXPECT_NEAR(seen.blue(), wanted.blue(), tolerance);
-    }
-
     static QColor over(const QColor& below, const QColor& above, double opacity) {
         const auto mix = [&](int a, int b) { return qRound(a + (b - a) * opacity); };
         return {mix(below.red(), above.red()), mix(below.green(), above.green()),
@@ -99,7 +90,7 @@ protected:
         return brightest;
     }
 
-    // How many of the window's points within `place` are shown in `color`.
+    // How many of the window's points within `place` are near `color`.
     int countOf(const QColor& color, const QRectF& place, int tolerance = 12) {
         const QImage picture = picture1x();
         const QRect points = place.toAlignedRect().intersected(picture.rect());

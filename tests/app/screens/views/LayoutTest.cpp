@@ -3,10 +3,6 @@
 namespace quorvane {
 namespace {
 
-constexpr auto check = "CHECK HARDWARE 🔍";
-constexpr auto enter = "MAKE ME SUFFER 😭";
-constexpr auto stop = "STOP, I'M SUFFERING 😭";
-
 const QColor red("#ff3b30");
 const QColor yellow("#ffd60a");
 const QColor green("#34c759");
@@ -60,8 +56,7 @@ TEST_F(Layout, OfTheScan) {
 TEST_F(Layout, OfTheResults) {
     launch();
     m_desktop.motionReduced = true;
-    press(check);
-    m_machine.runLoop.advance(1.5);
+    runCheck();
     settle();
     EXPECT_EQ(lookOf("Lid creak"), (Look{.size = 14, .weight = QFont::Bold}));
     EXPECT_EQ(lookOf("Lid sensor not found — this feature won't be available"),
