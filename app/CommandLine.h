@@ -7,13 +7,13 @@
 
 namespace quorvane {
 
-/// What the person asked the program to do.
+/// What the command line asks for.
 struct CommandLine {
     enum class Mode {
         Run,
         /// The real program on the devices of the scenario in `scenarioFile`.
         Simulate,
-        /// The same with the scenario that the program carries.
+        /// The same with the built-in scenario.
         Demo,
         Help,
         Version
@@ -26,12 +26,12 @@ struct CommandLine {
 };
 
 struct CommandLineError {
-    /// What is wrong, for a person.
+    /// A message for the user.
     std::string description;
 };
 
-/// Understands `arguments`, which do not include the program's own name. Help and version win over
-/// anything else that is right.
+/// Parses `arguments`, which do not include the program's own name. Help and version win over other
+/// valid options, and the first of them over the other.
 [[nodiscard]] std::variant<CommandLine, CommandLineError>
 parseCommandLine(std::span<const char* const> arguments);
 

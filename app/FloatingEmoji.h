@@ -13,7 +13,7 @@ struct FloatingEmoji {
     /// What every particle shows.
     static constexpr const char* glyph = "😭";
 
-    /// Random identity for the view list; never changes.
+    /// Random identity; never changes.
     std::pair<std::uint64_t, std::uint64_t> id;
     /// Centre in points; y grows downward.
     double x = 0;
@@ -33,8 +33,8 @@ struct FloatingEmoji {
     /// ends the program.
     [[nodiscard]] static std::vector<FloatingEmoji> generate(int count, Random& random);
 
-    /// Moves the particle by one twentieth of its speeds, whatever the real time since the last
-    /// step, and lets it enter anew at the bottom once it has left at the top.
+    /// Moves the particle by 1/20 s of its speeds, whatever the real time since the last step. One
+    /// that has left at the top re-enters at the bottom with new random values.
     void step(Random& random);
 };
 

@@ -10,22 +10,21 @@
 
 namespace quorvane {
 
-/// Where a value of the controller is on its way along an animation that never ends. It is
-/// evaluated 30 times a second, which is enough for a slow glow and half of what a display could
-/// show, and only while somebody is looking. Main thread only.
+/// The current value of one of the controller's values while an endless animation runs. Evaluated
+/// 30 times a second, enough for a slow glow, and only while it can be seen. Main thread only.
 class LoopingValue : NonCopyable {
 public:
-    /// `source` and `runLoop` outlive it. `changed` is told of each new value.
+    /// `source` and `runLoop` outlive it. `changed` is called after each new value.
     LoopingValue(const Observable<AnimatedValue>& source, RunLoop& runLoop,
                  std::function<void()> changed);
     ~LoopingValue();
 
-    /// Where it was last seen.
+    /// The value as of the last update.
     [[nodiscard]] double get() const { return m_value; }
 
-    /// Whether somebody is looking. Its time passes all the same.
+    /// Whether it can be seen. The animation's time passes all the same.
     void setSeen(bool seen);
-    /// A value that is to rest rests where it was set.
+    /// At rest it is the value that was last set.
     void setAtRest(bool atRest);
 
 private:

@@ -1,5 +1,4 @@
-# The program as Quorvane.app, made complete and signed as it is installed, and the disk image that it
-# is handed out on.
+# Quorvane.app, with Qt copied in and signed by `cmake --install`, and its disk image.
 
 set(QUORVANE_SIGNING_IDENTITY "-" CACHE STRING "What codesign signs with; - signs for this Mac only")
 find_program(QUORVANE_MACDEPLOYQT macdeployqt REQUIRED)
@@ -13,7 +12,7 @@ set(bundled
     ${resources}/logo.png
     ${resources}/tractor.mp3)
 
-# The icon in each size that the system asks for, and in twice as many pixels.
+# The icon in each size of an icon set, and at twice as many pixels.
 set(icon ${CMAKE_CURRENT_BINARY_DIR}/Quorvane.icns)
 set(iconset ${CMAKE_CURRENT_BINARY_DIR}/Quorvane.iconset)
 set(drawings COMMAND ${CMAKE_COMMAND} -E make_directory ${iconset})
@@ -43,7 +42,7 @@ set_target_properties(quorvane PROPERTIES
     MACOSX_BUNDLE_ICON_FILE Quorvane.icns
     MACOSX_BUNDLE_SHORT_VERSION_STRING ${PROJECT_VERSION})
 
-# Only what a known identity has signed can be notarised, and gets the time with it.
+# Notarising takes a known identity and a secure timestamp.
 if(QUORVANE_SIGNING_IDENTITY STREQUAL "-")
     set(deploy_option -codesign=-)
     set(timestamp --timestamp=none)
@@ -53,7 +52,7 @@ else()
 endif()
 
 install(TARGETS quorvane BUNDLE DESTINATION .)
-# The toolkit goes into the bundle, and all that is in it is signed by one hand: the hardened runtime
+# Qt goes into the bundle, and everything in it is signed with one identity: the hardened runtime
 # loads nothing else.
 install(CODE "
     set(bundle \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/Quorvane.app\")

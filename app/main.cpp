@@ -27,17 +27,16 @@ using namespace quorvane;
 
 // Exit statuses.
 constexpr int cannotRun = 1;
-constexpr int misunderstood = 2;
+constexpr int badUsage = 2;
 
-void complain(std::string_view what) {
+void printError(std::string_view what) {
     std::fprintf(stderr, "quorvane: %.*s\n", static_cast<int>(what.size()), what.data());
 }
 
-// Standard output belongs to the console lines, and a toolkit that logs elsewhere when it has no
-// terminal would hide what is wrong.
-void complainForToolkit(QtMsgType /*type*/, const QMessageLogContext& /*context*/,
-                        const QString& message) {
-    complain(message.toStdString());
+// All of Qt's messages go to standard error: without a terminal, Qt may log to the journal instead.
+void printQtMessage(QtMsgType /*type*/, const QMessageLogContext& /*context*/,
+                    const QString& message) {
+    printError(message.toStdString());
 }
 
 std::variant<Scenario, ScenarioError> demoScenario() {
@@ -47,12 +46,12 @@ std::variant<Scenario, ScenarioError> demoScenario() {
     return parseScenario(demo.readAll().toStdString());
 }
 
-// None, after a complaint, if the scenario cannot be had.
+// None, with the error printed, if the scenario cannot be loaded.
 std::optional<Scenario> scenarioOf(const CommandLine& commandLine) {
     const bool demo = commandLine.mode == CommandLine::Mode::Demo;
     auto scenario = demo ? demoScenario() : loadScenario(commandLine.scenarioFile);
     if (const auto* error = std::get_if<ScenarioError>(&scenario)) {
-        complain((demo ? "the demo" : commandLine.scenarioFile) + ": " + error->description);
+        printError((demo ? "the demo" : commandLine.scenarioFile) + ": " + error->description);
         return std::nullopt;
     }
     return std::get<Scenario>(std::move(scenario));
@@ -60,16 +59,16 @@ std::optional<Scenario> scenarioOf(const CommandLine& commandLine) {
 
 void pressForScenario(QWindow& window, std::string_view control) {
     if (!pressControl(window, control))
-        complain(std::string("the scenario presses \"")
-                     .append(control)
-                     .append("\", but there is no such control to press now"));
+        printError(std::string("the scenario presses \"")
+                       .append(control)
+                       .append("\", but there is no such control to press now"));
 }
 
 void playScenario(LiveMachine& machine, MainWindow& window) {
     machine.start(
         {.press =
              [&window](std::string_view control) { pressForScenario(window.window(), control); },
-         // The machine has the taps.
+         // Set by the machine, which has the event taps.
          .key = {},
          .quit = [&window] { window.close(); }});
 }
@@ -100,39 +99,38 @@ int runWindow(QGuiApplication& application, Host::TerminationSignals& terminatio
     return status;
 }
 
-// Without a graphics card, the toolkit would have the processor play one, which draws the whole
-// window anew for every step of the glow; its own way to draw without one draws what changed. Who
-// asks for something else gets it.
+// Without a graphics card, Qt Quick would run OpenGL on the processor and draw the whole window for
+// every step of the glow; its software renderer draws only what changed.
 void chooseRenderer() {
     if (!qEnvironmentVariableIsSet("QT_QUICK_BACKEND") && !Host::hasGraphicsCard())
         QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
 }
 
-// `name` is the toolkit's to keep, in the form that it asks for.
+// `name` is not const because QGuiApplication keeps it in its argv.
 // NOLINTNEXTLINE(readability-non-const-parameter)
 int run(char* name, const std::optional<Scenario>& scenario) {
     Host::TerminationSignals termination;
     Host::DisplayServer display;
     if (!display.error().empty()) {
-        complain(display.error());
+        printError(display.error());
         return cannotRun;
     }
     if (scenario)
-        complain("SIMULATED MACHINE: the devices are a scenario's, not those of this machine");
-    qInstallMessageHandler(complainForToolkit);
-    // The toolkit is given no options: all there are have been understood.
+        printError("SIMULATED MACHINE: the devices are a scenario's, not those of this machine");
+    qInstallMessageHandler(printQtMessage);
     chooseRenderer();
+    // Qt gets none of the options.
     int count = 1;
     std::array<char*, 2> arguments{name, nullptr};
     QGuiApplication application(count, arguments.data());
     display.release();
     QGuiApplication::setQuitOnLastWindowClosed(false);
-    // By this a dock finds the icon.
+    // A dock finds the icon by this name.
     QGuiApplication::setDesktopFileName("quorvane");
     return runWindow(application, termination, scenario);
 }
 
-int obey(char* name, const CommandLine& commandLine) {
+int execute(char* name, const CommandLine& commandLine) {
     switch (commandLine.mode) {
     case CommandLine::Mode::Help:
         std::fputs(std::string(commandLineHelp()).c_str(), stdout);
@@ -147,21 +145,21 @@ int obey(char* name, const CommandLine& commandLine) {
         break;
     }
     const std::optional<Scenario> scenario = scenarioOf(commandLine);
-    return scenario ? run(name, scenario) : misunderstood;
+    return scenario ? run(name, scenario) : badUsage;
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    // A reader of our output that has gone is no reason to stop.
+    // Writing to a closed pipe is not to end the program.
     std::signal(SIGPIPE, SIG_IGN);
 
     const std::span<char* const> arguments(argv, static_cast<std::size_t>(argc));
     const std::vector<const char*> options(arguments.begin() + 1, arguments.end());
     const auto commandLine = parseCommandLine(options);
     if (const auto* error = std::get_if<CommandLineError>(&commandLine)) {
-        complain(error->description + " (--help tells what there is)");
-        return misunderstood;
+        printError(error->description + " (--help tells what there is)");
+        return badUsage;
     }
-    return obey(argv[0], std::get<CommandLine>(commandLine));
+    return execute(argv[0], std::get<CommandLine>(commandLine));
 }
