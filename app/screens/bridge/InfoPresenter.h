@@ -7,8 +7,8 @@
 
 namespace quorvane {
 
-/// The popup as it is on screen. One that is up keeps its words, whatever info button is pressed
-/// meanwhile; the last of those has its turn once it is dismissed. Main thread only.
+/// The popup on screen. While it is up its text stays the same: of the info buttons pressed
+/// meanwhile, the last one's text is shown once it is dismissed. Main thread only.
 class InfoPresenter final : public QObject {
     Q_OBJECT
 
@@ -26,7 +26,7 @@ public:
     void dismiss();
 
 signals:
-    /// Anything of it.
+    /// Any of the values above.
     void changed();
 
 private:

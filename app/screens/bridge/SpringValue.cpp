@@ -4,7 +4,7 @@ namespace quorvane {
 
 namespace {
 
-// Of the values shown, opacities and scales: half a step of a colour's 255, a sixth of a pixel.
+// Half of an opacity's 1/255, and less than a sixth of a pixel of the scaled sign.
 constexpr double restTolerance = 0.002;
 
 } // namespace

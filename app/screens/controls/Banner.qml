@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Quorvane
 
-// Congratulates.
+// The congratulation on the control panel.
 SmoothRectangle {
     implicitWidth: words.width + 44
     implicitHeight: words.height + 28

@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Quorvane
 
-// A button as wide as its place, called by its text.
+// A big button. Its text is its accessible name.
 Pressable {
     id: root
 
@@ -27,7 +27,7 @@ Pressable {
         pixelSize: 20
         opacity: root.down ? 0.75 : 1
 
-        // The button says it.
+        // The button has it as its name.
         Accessible.ignored: true
     }
 

@@ -2,7 +2,7 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 
-// Shows which control the keyboard acts on; stands around the control that it is a child of.
+// Marks the control that has the keyboard focus, whose child it is.
 Rectangle {
     required property Item control
 

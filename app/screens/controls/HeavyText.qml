@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Quorvane
 
-// A text of black weight that is read out as it stands.
+// A text of black weight that screen readers read out.
 RoundedText {
     id: root
 

@@ -2,11 +2,11 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 
-// The little circled "i" beside a label. It can be hit well beyond what is seen of it.
+// The little circled "i" beside a label. Its hit area is larger than the symbol.
 Pressable {
     id: root
 
-    // A reader need not wait for an explanation to be closed: the next one has its turn after it.
+    // Also while a popup is up: this one's explanation is shown after it.
     readable: true
     reach: 8
     implicitWidth: 13

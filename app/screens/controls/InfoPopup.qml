@@ -24,7 +24,7 @@ FocusScope {
         anchors.fill: parent
         color: "#99000000"
 
-        // Takes what is meant for the screen below.
+        // Keeps the mouse from the screen below.
         MouseArea {
             anchors.fill: parent
         }

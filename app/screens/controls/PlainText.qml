@@ -2,7 +2,7 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 
-// A text that is read out as it stands.
+// A text that screen readers read out.
 Text {
     color: "white"
     textFormat: Text.PlainText

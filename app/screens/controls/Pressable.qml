@@ -2,16 +2,16 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 
-// What every button has in common: it is pressed with the mouse, with the keyboard and through the
-// accessibility interface, which knows it by its name.
+// The base of every button: pressed with the mouse, with the keyboard and through the accessibility
+// interface.
 Item {
     id: root
 
     required property string name
     required property string description
-    // Whether a reader can press it: a reader can reach what the mouse can no longer reach.
+    // Whether a screen reader can press it. It also reaches items that are disabled or covered.
     property bool readable: root.enabled
-    // How far beyond its bounds it can be hit.
+    // Points by which the hit area is larger on each side.
     property int reach: 0
     readonly property bool down: mouse.containsPress
     readonly property bool hovered: mouse.containsMouse

@@ -2,13 +2,13 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 
-// Something is going on.
+// Indeterminate progress.
 Item {
     id: root
 
     required property bool turning
 
-    // Half as large again as such a thing usually is.
+    // 1.5 times the usual size of such a wheel.
     implicitWidth: 48
     implicitHeight: 48
 
@@ -39,7 +39,7 @@ Item {
             }
         }
 
-        // A step a spoke, as such wheels turn.
+        // One spoke a step.
         Timer {
             running: root.turning
             repeat: true

@@ -2,8 +2,8 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 
-// Shows a state that somebody else keeps, and asks for the other one when it is toggled. It lies in
-// the middle of a grey capsule, of which a rim is seen.
+// Shows `checked`, which never changes by itself: toggled() asks for the other state. The switch lies
+// on a grey capsule whose rim is visible.
 Item {
     id: root
 
@@ -23,7 +23,7 @@ Item {
     Accessible.checkable: true
     Accessible.checked: root.checked
     Accessible.focusable: true
-    // A reader can toggle what the mouse can no longer reach.
+    // A screen reader also reaches disabled items.
     Accessible.onPressAction: if (root.enabled) root.toggled()
     Accessible.onToggleAction: if (root.enabled) root.toggled()
 

@@ -3,8 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Quorvane
 
-// One effect of the control panel: what it is called, what it does, its switch, and what there is
-// to know about it, if anything.
+// One effect of the control panel: its symbol, label, info button, switch and, if any, hint.
 Item {
     id: root
 
@@ -30,14 +29,14 @@ Item {
 
         Text {
             anchors.verticalCenter: parent.verticalCenter
-            // What follows stands on whole pixels, so that it is sharp.
+            // Keeps what follows on whole pixels, so that it is sharp.
             width: Math.ceil(implicitWidth)
             text: root.label
             textFormat: Text.PlainText
             color: "white"
             font { pixelSize: 14; weight: Font.DemiBold }
 
-            // The switch says it.
+            // The switch has it as its name.
             Accessible.ignored: true
         }
 
@@ -69,7 +68,7 @@ Item {
         opacity: 0.8
         font { pixelSize: 11; weight: Font.Medium }
 
-        // The switch says it.
+        // The switch has it as its description.
         Accessible.ignored: true
     }
 }

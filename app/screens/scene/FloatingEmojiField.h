@@ -12,8 +12,8 @@
 
 namespace quorvane {
 
-/// Draws the controller's particles, and takes no part in anything else: the mouse passes
-/// through. Each particle's picture is drawn once, since only places and opacities change.
+/// Draws the controller's particles; the mouse passes through. Each particle's picture is painted
+/// once, since only positions and opacities change.
 class FloatingEmojiField : public QQuickItem {
     Q_OBJECT
     QML_ELEMENT
@@ -38,7 +38,7 @@ private:
     void takeParticles();
 
     QPointer<ContentViewModel> m_content;
-    // As they are to be drawn; the controller's own go on while nobody looks.
+    // As they are drawn: the controller's own keep moving while the window cannot be seen.
     std::vector<FloatingEmoji> m_particles;
     std::shared_ptr<RenderMailbox<std::vector<FloatingEmoji>>> m_newer =
         std::make_shared<RenderMailbox<std::vector<FloatingEmoji>>>();

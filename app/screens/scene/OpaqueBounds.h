@@ -5,8 +5,8 @@
 
 namespace quorvane {
 
-/// The smallest part of `picture`, which has premultiplied colours, that holds all there is to be
-/// seen of it; empty if there is nothing. What is drawn for every frame need not be larger.
+/// The smallest rectangle that holds every visible pixel of `picture`, which has premultiplied
+/// colours; empty if there are none. A texture cut to it is cheaper to draw in each frame.
 [[nodiscard]] QRect opaqueBounds(const QImage& picture);
 
 } // namespace quorvane

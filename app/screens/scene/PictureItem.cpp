@@ -12,7 +12,7 @@ namespace quorvane {
 
 namespace {
 
-// For the edges of letters and outlines that stand out beyond an item's bounds.
+// Points, for edges and outlines of letters beyond the item's bounds.
 constexpr double pictureMargin = 4;
 
 } // namespace
@@ -62,12 +62,12 @@ QImage PictureItem::picture(double margin, double scale) const {
     return image;
 }
 
-// The last tenths of a blur are too faint to be missed.
+// Further out the blur is too faint to be seen.
 double PictureItem::glowMargin() const {
     return std::ceil(m_glowRadius * 1.4);
 }
 
-// A picture is sharp only where its pixels are the window's.
+// A picture is sharp only if its pixels coincide with the window's.
 QRectF PictureItem::onPixels(const QRectF& place, double scale) const {
     const QPointF scene = mapToScene(place.topLeft());
     const QPointF snapped(std::round(scene.x() * scale) / scale,
@@ -82,7 +82,7 @@ QSGNode* PictureItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData* /*data*
     }
     auto* node = old ? static_cast<PictureNode*>(old) : new PictureNode(*window(), m_glowForNode);
     const double scale = window()->effectiveDevicePixelRatio();
-    // A scene that was let go, say of a window that was hidden, has lost its pictures too.
+    // A scene graph that was released, as for a hidden window, has lost its textures too.
     if (std::exchange(m_needsPaint, false) || !old) {
         node->setPicture(picture(pictureMargin, scale));
         node->setGlowSource(m_glowRadius > 0 ? picture(glowMargin(), scale) : QImage(),

@@ -13,17 +13,16 @@ class QPainter;
 
 namespace quorvane {
 
-/// A picture that is drawn once, over a glow of its own shape whose radius follows `glow`. Neither
-/// is drawn again from frame to frame: the glow was blurred once at a few radii, and what is shown
-/// is two neighbours of them, the one fading into the other.
+/// A picture that is painted once, over a glow of its own shape whose radius follows `glow`. The
+/// glow is blurred once at a few radii; a frame shows two neighbouring ones, cross-faded.
 class PictureItem : public QQuickItem {
     Q_OBJECT
     QML_ANONYMOUS
-    /// With the alpha that the glow has.
+    /// Its alpha is the glow's.
     Q_PROPERTY(QColor glowColor MEMBER m_glowColor NOTIFY glowLookChanged FINAL)
-    /// How far the full glow reaches; none at 0.
+    /// How far the full glow reaches, in points; 0 is no glow.
     Q_PROPERTY(double glowRadius MEMBER m_glowRadius NOTIFY glowLookChanged FINAL)
-    /// How far below the picture it lies.
+    /// How far below the picture it lies, in points.
     Q_PROPERTY(double glowOffset MEMBER m_glowOffset NOTIFY glowLookChanged FINAL)
     /// 0 to 1.
     Q_PROPERTY(double glow READ glow WRITE setGlow NOTIFY glowChanged FINAL)
@@ -40,10 +39,9 @@ signals:
     void glowChanged();
 
 protected:
-    /// Draws in the item's own coordinates; a few points beyond its bounds are still
-    /// seen.
+    /// Paints in the item's own coordinates, up to a few points beyond its bounds.
     virtual void draw(QPainter& painter) const = 0;
-    /// Has it drawn anew.
+    /// Has draw() called before the next frame.
     void redraw();
 
     QSGNode* updatePaintNode(QSGNode* old, UpdatePaintNodeData* data) override;

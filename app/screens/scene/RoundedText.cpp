@@ -74,7 +74,7 @@ QBrush RoundedText::brush() const {
     return gradient;
 }
 
-// Letters are drawn as outlines, thicker than they are; emoji, which have none, as they come.
+// Letters are filled and stroked, to be heavier; emoji have no outlines and are drawn as they are.
 void RoundedText::draw(QPainter& painter) const {
     const QBrush fill = brush();
     for (const QGlyphRun& run : m_layout.glyphRuns()) {

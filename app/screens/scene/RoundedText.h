@@ -14,7 +14,7 @@ class RoundedText : public quorvane::PictureItem {
     QML_ELEMENT
     Q_PROPERTY(QString text READ text WRITE setText NOTIFY textChanged REQUIRED FINAL)
     Q_PROPERTY(int pixelSize READ pixelSize WRITE setPixelSize NOTIFY textChanged REQUIRED FINAL)
-    /// Whether it is an emoji, and comes from the font of those.
+    /// Whether the text is an emoji, set in the emoji font.
     Q_PROPERTY(bool emoji READ isEmoji WRITE setEmoji NOTIFY textChanged FINAL)
     /// One colour, or the three of the gradient.
     Q_PROPERTY(QList<QColor> colors MEMBER m_colors NOTIFY colorsChanged FINAL)

@@ -8,11 +8,10 @@ namespace quorvane {
 
 namespace {
 
-// Told the format, the toolkit does not load all that it could read others with to ask them.
+// Without a format, QImageReader would load every image plugin to find the right one.
 constexpr auto format = "png";
 
-// The painter's own scaling looks at neighbouring pixels only, too few for a picture several times
-// the size.
+// QPainter's own scaling looks at neighbouring pixels only: too few for scaling down several times.
 QImage load(const QString& file, const QSize& size) {
     const QImage picture = QImageReader(file, format).read();
     return picture.isNull() ? picture
@@ -39,7 +38,7 @@ QString ShadowedImage::file() const {
     return m_source.toLocalFile();
 }
 
-// Loading takes longer than all the rest of the screen, so it begins before its turn to be drawn.
+// Loading takes longer than the rest of the screen, so a thread starts it before it is painted.
 void ShadowedImage::measure() {
     if (!isPresent() || m_shownHeight <= 0) {
         setImplicitSize(0, 0);
@@ -56,7 +55,7 @@ void ShadowedImage::draw(QPainter& painter) const {
         return;
     const double scale = painter.transform().m11();
     const QSize wanted = (size() * scale).toSize();
-    // Only a window that has come to a screen with another scale waits here for long.
+    // This waits for long only after a move to a screen with another scale factor.
     QImage picture = wanted == m_loadedSize ? m_loaded.get() : load(file(), wanted);
     picture.setDevicePixelRatio(scale);
     painter.drawImage(QPointF(0, 0), picture);

@@ -8,13 +8,13 @@
 
 namespace quorvane {
 
-/// A local PNG file's picture at a height of `shownHeight`, in its own shape. Only what is shown of
-/// it is kept. Takes no place if there is no such picture.
+/// A local PNG file at a height of `shownHeight`, in its own aspect ratio. Only the scaled picture
+/// is kept. Takes no room if there is no such file.
 class ShadowedImage : public quorvane::PictureItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(QUrl source READ source WRITE setSource NOTIFY sourceChanged REQUIRED FINAL)
-    /// The height at which it is shown.
+    /// In points.
     Q_PROPERTY(double shownHeight MEMBER m_shownHeight NOTIFY shownHeightChanged REQUIRED FINAL)
     Q_PROPERTY(bool present READ isPresent NOTIFY sourceChanged FINAL)
 

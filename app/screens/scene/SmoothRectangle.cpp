@@ -11,13 +11,14 @@ namespace quorvane {
 
 namespace {
 
-// Each corner is a quarter of the curve |x|^n + |y|^n = 1, which begins and ends straight. It is
-// half as long again as the circle's, and cuts off as much at its middle.
+// Each corner is a quarter of the superellipse |x|^n + |y|^n = 1, whose curvature is 0 at its ends.
+// It is 1.5 times as long as the circle's, and cuts off as much at its middle.
 constexpr double reachOfARadius = 1.5;
 constexpr double exponent = 3.19;
 constexpr int pointsOfACorner = 32;
 
-// From its vertical end to its horizontal one; (0, 0) is where the edges would meet, 1 its reach.
+// Point 0 is on the vertical edge, the last one on the horizontal. (0, 0) is where the edges would
+// meet, and 1 is how far the corner reaches.
 QPointF onCorner(int point) {
     const double angle = std::numbers::pi / 2 * point / pointsOfACorner;
     return {1 - std::pow(std::cos(angle), 2 / exponent),

@@ -4,12 +4,12 @@
 
 namespace quorvane {
 
-/// A filled rectangle whose straight edges turn into its corners without a jump in their bending.
+/// A filled rectangle whose curvature has no jump between its edges and its round corners.
 class SmoothRectangle : public quorvane::PictureItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(QColor color MEMBER m_color NOTIFY lookChanged REQUIRED FINAL)
-    /// Of the circle that the corners come closest to.
+    /// Of the circle that the corners come closest to, in points.
     Q_PROPERTY(double radius MEMBER m_radius NOTIFY lookChanged FINAL)
 
 public:

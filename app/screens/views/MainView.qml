@@ -4,8 +4,8 @@ import QtQuick
 import Quorvane
 
 // The content of the window: the screens one over the other, of which one is shown, and the popup.
-// What is not to be seen does not exist; repeaters of none or one make it, because a Loader of this
-// toolkit refuses bound components.
+// Items that are not visible do not exist. Repeaters of 0 or 1 items create them, because Qt 6.4's
+// Loader does not accept bound components.
 Item {
     id: root
 

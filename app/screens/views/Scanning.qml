@@ -2,7 +2,7 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 
-// The hardware check is going on.
+// The hardware check while it runs.
 Column {
     id: root
 
