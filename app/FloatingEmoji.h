@@ -34,7 +34,7 @@ struct FloatingEmoji {
     [[nodiscard]] static std::vector<FloatingEmoji> generate(int count, Random& random);
 
     /// Moves the particle by 1/20 s of its speeds, whatever the real time since the last step. One
-    /// that has left at the top re-enters at the bottom with new random values.
+    /// that has left at the top re-enters at the bottom with a new x, drift, speed and opacity.
     void step(Random& random);
 };
 

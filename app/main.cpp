@@ -151,7 +151,7 @@ int execute(char* name, const CommandLine& commandLine) {
 } // namespace
 
 int main(int argc, char** argv) {
-    // Writing to a closed pipe is not to end the program.
+    // Writing to a closed pipe must not end the program.
     std::signal(SIGPIPE, SIG_IGN);
 
     const std::span<char* const> arguments(argv, static_cast<std::size_t>(argc));

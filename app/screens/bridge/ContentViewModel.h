@@ -41,7 +41,8 @@ class ContentViewModel final : public QObject {
                    screenChanged FINAL)
     Q_PROPERTY(quorvane::CheckRowModel* checkRows READ checkRows CONSTANT FINAL)
     Q_PROPERTY(quorvane::ToggleRowModel* toggleRows READ toggleRows CONSTANT FINAL)
-    /// To be named where emoji stand alone: Qt draws some in outline from a text font otherwise.
+    /// The font of texts that are nothing but an emoji, which Qt otherwise may take from a text
+    /// font, in outline.
     Q_PROPERTY(QString emojiFamily READ emojiFamily CONSTANT FINAL)
     /// The logo's file; empty if there is none.
     Q_PROPERTY(QUrl logo READ logo CONSTANT FINAL)

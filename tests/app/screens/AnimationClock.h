@@ -8,14 +8,14 @@
 
 namespace quorvane {
 
-/// The time of all animations of this process, which passes only as it is told to. Nothing that is
-/// shown then depends on how fast the machine draws, and no test waits for an animation.
+/// The clock of all animations of this process, which only pass() advances: what is shown does not
+/// depend on the machine's speed, and no test waits for an animation.
 class AnimationClock final : public QAnimationDriver, NonCopyable {
 public:
     AnimationClock() {
         install();
         m_endless.start();
-        // The little real time that this has taken belongs to no other animation.
+        // Uses up the real time that has passed until now.
         pass(0);
     }
 
@@ -25,7 +25,7 @@ public:
     }
 
     void pass(int milliseconds) {
-        // An animation that was started begins to move by two events, one after the other.
+        // An animation that was started begins to run after two queued events.
         QCoreApplication::sendPostedEvents();
         m_elapsed += milliseconds;
         advance();
@@ -40,7 +40,7 @@ protected:
     }
 
 private:
-    // Without anything that moves, Qt would wait for QML's timers in real time.
+    // While no animation runs, Qt runs QML's timers in real time.
     class Endless final : public QAbstractAnimation {
     public:
         [[nodiscard]] int duration() const override { return -1; }

@@ -38,7 +38,7 @@ TEST_F(Controls, ASwitchIsRedOnAGreyCapsule) {
 TEST_F(Controls, EveryRowHasItsSymbol) {
     launchIntoControlPanel();
     const QImage picture = picture1x();
-    // How far what is seen at the row's beginning is from a symbol, 0 to 255 on average.
+    // The mean difference between what is drawn at the row's beginning and a symbol, 0 to 255.
     const auto difference = [&](const std::string& row, const QString& symbol) {
         QImageReader reader(":/symbols/" + symbol + ".svg");
         reader.setScaledSize({18, 18});

@@ -53,7 +53,7 @@ TEST_F(Keys, PressAButton) {
     }
 }
 
-TEST_F(Keys, ThatRepeatPressNothing) {
+TEST_F(Keys, RepeatedPressNothing) {
     launchIntoControlPanel();
     focus("About Keyboard");
     for (const Qt::Key key : pressingKeys) {
@@ -69,7 +69,7 @@ TEST_F(Keys, ThatRepeatPressNothing) {
     }
 }
 
-TEST_F(Keys, OtherThanTheseDoNothing) {
+TEST_F(Keys, OfOtherKindsDoNothing) {
     launchIntoControlPanel();
     for (const char* control : {"Keyboard", "About Keyboard", stop}) {
         focus(control);

@@ -127,7 +127,7 @@ TEST_F(Layout, TheLogosPlaceStaysEmptyWithoutOne) {
 TEST_F(Layout, MillionsGoesFromGreenThroughCyanToBlue) {
     launchChecked();
     const QRectF place = placeOf("MILLIONS");
-    // The stems of the first, a middle and the last letter, found as what is brightest there.
+    // The stems of the first, a middle and the last letter: the brightest pixels there.
     const auto brightest = [&](double from, double to) {
         QColor result = Qt::black;
         for (double x = place.left() + from * place.width(); x < place.left() + to * place.width();
