@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <cmath>
 #include <fstream>
 #include <functional>
@@ -21,7 +22,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-/// Thrown where the text does not describe a machine; caught in parseScenario.
+/// An error in the scenario; caught in parseScenario.
 class Mistake : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
@@ -29,7 +30,7 @@ class Mistake : public std::runtime_error {
 template <class Value>
 using Names = std::initializer_list<std::pair<std::string_view, Value>>;
 
-/// What `name` stands for in a table of the words that a key takes.
+/// The value of `name` among the words that `key` takes.
 template <class Value>
 Value lookUp(const Names<Value>& names, const std::string& name, const std::string& key) {
     for (const auto& [known, value] : names) {
@@ -42,7 +43,7 @@ Value lookUp(const Names<Value>& names, const std::string& name, const std::stri
 using Reader = std::function<void(const Json&)>;
 using Readers = std::initializer_list<std::pair<std::string_view, Reader>>;
 
-/// Hands each member of an object to its reader.
+/// Passes each member of an object to its reader.
 void readObject(const Json& json, const std::string& what, const Readers& readers) {
     if (!json.is_object())
         throw Mistake(what + " is not an object");
@@ -72,21 +73,34 @@ Reader into(std::optional<Value>& target) {
     return [&target](const Json& json) { target = json.get<Value>(); };
 }
 
-/// An ID as JSON has it: a number, or text in hexadecimal ("0x8104").
+/// Json::exception if `json` is not a list.
+const Json::array_t& listIn(const Json& json) {
+    return json.get_ref<const Json::array_t&>();
+}
+
+/// The number that is the whole of `text`; none if there is anything else in it.
+std::optional<int> wholeNumber(std::string_view text, int base) {
+    const char* const end = text.data() + text.size();
+    int number = 0;
+    const auto result = std::from_chars(text.data(), end, number, base);
+    return result.ec == std::errc() && result.ptr == end ? std::optional(number) : std::nullopt;
+}
+
+/// An ID: a number, or text in hexadecimal ("0x8104").
 int readID(const Json& json) {
-    if (json.is_number_integer())
-        return json.get<int>();
-    const auto text = json.get<std::string>();
-    std::size_t length = 0;
-    int id = 0;
-    try {
-        id = std::stoi(text, &length, 16);
-    } catch (const std::logic_error&) {
-        length = 0;
+    std::int64_t id = 0;
+    if (json.is_number_integer()) {
+        id = json.get<std::int64_t>();
+    } else {
+        const auto text = json.get<std::string>();
+        const auto number = wholeNumber(text.substr(text.starts_with("0x") ? 2 : 0), 16);
+        if (!number)
+            throw Mistake("\"" + text + "\" is not an ID in hexadecimal");
+        id = *number;
     }
-    if (text.empty() || length != text.size())
-        throw Mistake("\"" + text + "\" is not an ID in hexadecimal");
-    return id;
+    if (id < 0 || id > 0xFFFF)
+        throw Mistake("an ID is outside 0 to 65535");
+    return static_cast<int>(id);
 }
 
 double readTime(const Json& json) {
@@ -97,25 +111,37 @@ double readTime(const Json& json) {
 }
 
 std::vector<Scenario::LidPoint> readLid(const Json& json) {
-    std::vector<Scenario::LidPoint> way;
-    for (const Json& point : json) {
+    std::vector<Scenario::LidPoint> points;
+    for (const Json& point : listIn(json)) {
+        if (listIn(point).size() != 2)
+            throw Mistake("a lid's point is not [seconds, degrees]");
         const auto [at, degrees] = point.get<std::pair<double, double>>();
-        if (!way.empty() && at < way.back().at)
+        if (!points.empty() && at < points.back().at)
             throw Mistake("a lid's times decrease");
         if (degrees < 0 || degrees > 65535)
             throw Mistake("a lid's angle is outside 0 to 65535");
-        way.push_back({.at = at, .degrees = degrees});
+        points.push_back({.at = at, .degrees = degrees});
     }
-    return way;
+    return points;
+}
+
+std::vector<std::uint8_t> readReport(const Json& json) {
+    std::vector<std::uint8_t> report;
+    for (const Json& byte : listIn(json)) {
+        if (!byte.is_number_integer() || byte < 0 || byte > 255)
+            throw Mistake("a report's byte is not a whole number from 0 to 255");
+        report.push_back(byte.get<std::uint8_t>());
+    }
+    return report;
 }
 
 std::map<int, std::vector<std::uint8_t>> readReadings(const Json& json) {
     std::map<int, std::vector<std::uint8_t>> readings;
-    for (const auto& [number, report] : json.items()) {
-        const int reading = std::atoi(number.c_str());
-        if (reading < 1)
-            throw Mistake("\"" + number + "\" is not the number of a reading");
-        readings[reading] = report.get<std::vector<std::uint8_t>>();
+    for (const auto& [key, report] : json.get_ref<const Json::object_t&>()) {
+        const int number = wholeNumber(key, 10).value_or(0);
+        if (number < 1)
+            throw Mistake("\"" + key + "\" is not the number of a reading");
+        readings[number] = readReport(report);
     }
     return readings;
 }
@@ -156,6 +182,11 @@ Scenario::Event readEvent(const Json& json) {
                                        {"flags", Scenario::Key::FlagsChanged}},
                                       value.get<std::string>(), "key"));
     };
+    const auto quit = [&](const Json& value) {
+        if (!value.get<bool>())
+            throw Mistake("\"quit\" does not take false");
+        happens(Scenario::Quit{});
+    };
     readObject(
         json, "an event",
         {{"at", [&](const Json& value) { event.at = readTime(value); }},
@@ -164,7 +195,7 @@ Scenario::Event readEvent(const Json& json) {
          {"screens", screens},
          {"machine", machine},
          {"key", key},
-         {"quit", [&](const Json&) { happens(Scenario::Quit{}); }}});
+         {"quit", quit}});
     if (kinds != 1)
         throw Mistake("an event must be exactly one of press, post, screens, machine, key, quit");
     return event;
@@ -172,7 +203,7 @@ Scenario::Event readEvent(const Json& json) {
 
 std::vector<Scenario::Event> readEvents(const Json& json) {
     std::vector<Scenario::Event> events;
-    for (const Json& event : json) {
+    for (const Json& event : listIn(json)) {
         events.push_back(readEvent(event));
         if (events.size() > 1 && events.back().at < events[events.size() - 2].at)
             throw Mistake("the events' times decrease");
@@ -183,8 +214,8 @@ std::vector<Scenario::Event> readEvents(const Json& json) {
 Scenario readScenario(const Json& json) {
     Scenario scenario;
     const auto devices = [&](const Json& value) {
-        std::transform(value.begin(), value.end(), std::back_inserter(scenario.devices),
-                       readDevice);
+        std::transform(listIn(value).begin(), listIn(value).end(),
+                       std::back_inserter(scenario.devices), readDevice);
     };
     readObject(json, "the scenario",
                {{"model", into(scenario.model)},
@@ -211,7 +242,7 @@ std::variant<Scenario, ScenarioError> parseScenario(std::string_view text) {
 
 std::variant<Scenario, ScenarioError> loadScenario(const std::filesystem::path& path) {
     std::error_code ignored;
-    // A folder can be opened, but fails at the first reading.
+    // A folder can be opened; only reading it fails.
     if (std::filesystem::is_directory(path, ignored))
         return ScenarioError{std::generic_category().message(EISDIR)};
     errno = 0;
@@ -222,13 +253,13 @@ std::variant<Scenario, ScenarioError> loadScenario(const std::filesystem::path& 
     return parseScenario(text);
 }
 
-double lidAngleAt(const std::vector<Scenario::LidPoint>& way, double time) {
-    const auto next =
-        std::find_if(way.begin(), way.end(), [time](const auto& point) { return point.at > time; });
-    if (next == way.begin())
+double lidAngleAt(const std::vector<Scenario::LidPoint>& points, double time) {
+    const auto next = std::find_if(points.begin(), points.end(),
+                                   [time](const auto& point) { return point.at > time; });
+    if (next == points.begin())
         return next->degrees;
     const auto previous = std::prev(next);
-    if (next == way.end())
+    if (next == points.end())
         return previous->degrees;
     const double part = (time - previous->at) / (next->at - previous->at);
     return previous->degrees + part * (next->degrees - previous->degrees);

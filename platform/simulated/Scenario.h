@@ -12,10 +12,10 @@
 namespace quorvane {
 
 /// A machine and what happens to it, as a scenario file describes them. All times are seconds from
-/// the start of the scenario. The file is JSON, comments allowed; docs/scenarios.md tells its keys.
+/// the start of the scenario. docs/scenarios.md describes the file.
 struct Scenario {
-    /// A point of a lid's way: the angle moves from one to the next in a straight line, and rests
-    /// before the first and after the last.
+    /// A point of a lid's movement, which is linear between points; before the first and after the
+    /// last the lid rests.
     struct LidPoint {
         double at = 0;
         double degrees = 0;
@@ -28,7 +28,7 @@ struct Scenario {
         std::vector<LidPoint> lid;
         bool refusesOpen = false;
         std::optional<double> unplugAt;
-        /// Reports that answer single readings (the first is 1) instead of the lid.
+        /// The reports of single readings, counted from 1, instead of the lid's.
         std::map<int, std::vector<std::uint8_t>> readings;
     };
 
@@ -37,18 +37,19 @@ struct Scenario {
         std::string control;
     };
 
-    /// A notification of the workspace.
+    /// A notification posted on the workspace centre.
     struct Workspace {
         std::string name;
     };
 
-    /// A notification inside the process, on the default centre.
+    /// A notification posted on the default centre.
     struct Post {
         std::string name;
     };
+
     enum class Key { Down, Repeat, Up, FlagsChanged };
 
-    /// The program is asked to leave, as by closing its window.
+    /// The program quits, as by closing its window.
     struct Quit {};
 
     struct Event {
@@ -59,7 +60,7 @@ struct Scenario {
     std::string model;
     bool trusted = false;
     bool loginItem = false;
-    /// A defaults store of the scenario's own, with these values; none: the person's own store.
+    /// Settings of the scenario's own, with these values; none: the user's settings.
     std::optional<std::map<std::string, bool>> defaults;
     std::vector<Device> devices;
     bool hidManagerRefusesOpen = false;
@@ -68,18 +69,18 @@ struct Scenario {
 };
 
 struct ScenarioError {
-    /// What is wrong and where, for a person.
+    /// What is wrong, and where, for the user.
     std::string description;
 };
 
-/// Reads a scenario from its text. Unknown keys and values are errors, so that a typing error never
-/// simulates another machine than was meant.
+/// Parses a scenario. Unknown keys and values are errors, so that a typing error never simulates a
+/// machine other than intended.
 [[nodiscard]] std::variant<Scenario, ScenarioError> parseScenario(std::string_view text);
 
 /// Reads a scenario from a file.
 [[nodiscard]] std::variant<Scenario, ScenarioError> loadScenario(const std::filesystem::path& path);
 
-/// Where a lid is `time` seconds into its way; `way` is not empty.
-[[nodiscard]] double lidAngleAt(const std::vector<Scenario::LidPoint>& way, double time);
+/// The lid's angle in degrees at `time`; `points` is not empty.
+[[nodiscard]] double lidAngleAt(const std::vector<Scenario::LidPoint>& points, double time);
 
 } // namespace quorvane

@@ -54,8 +54,8 @@ void ScenarioPlayer::addDevice(SimulatedHID& hid, const Scenario::Device& descri
     device->vendorID = description.vendorID;
     device->refusesOpen = description.refusesOpen;
     if (!description.lid.empty()) {
-        device->setAngle([way = description.lid, start = m_startTime](double time) {
-            return lidAngleAt(way, time - start);
+        device->setAngle([points = description.lid, start = m_startTime](double time) {
+            return lidAngleAt(points, time - start);
         });
     }
     for (const auto& [reading, report] : description.readings)
@@ -67,7 +67,7 @@ void ScenarioPlayer::addDevice(SimulatedHID& hid, const Scenario::Device& descri
 void ScenarioPlayer::start(ScenarioHandlers handlers) {
     m_handlers = std::move(handlers);
     for (const Scenario::Event& event : m_scenario.events)
-        schedule(event.at, [this, &event] { happen(event); });
+        schedule(event.at, [this, &event] { perform(event); });
 }
 
 void ScenarioPlayer::schedule(double at, std::function<void()> block) {
@@ -76,7 +76,7 @@ void ScenarioPlayer::schedule(double at, std::function<void()> block) {
         m_runLoop.scheduledTimer(delay, false, [block = std::move(block)](Timer&) { block(); }));
 }
 
-void ScenarioPlayer::happen(const Scenario::Event& event) {
+void ScenarioPlayer::perform(const Scenario::Event& event) {
     const auto callIfSet = [](const auto& handler, const auto&... arguments) {
         if (handler)
             handler(arguments...);

@@ -16,32 +16,32 @@
 
 namespace quorvane {
 
-/// What a scenario needs somebody else to do. An empty handler: the event passes unheard.
+/// Handlers of events that the player cannot perform itself. An empty one ignores its events.
 struct ScenarioHandlers {
     std::function<void(std::string_view control)> press;
     std::function<void(const TapEvent& event)> key;
     std::function<void()> quit;
 };
 
-/// Lets the events of a scenario happen, in virtual time or in real. Main thread only.
+/// Plays a scenario's events, in the time of its run loop. Main thread only.
 class ScenarioPlayer : NonCopyable {
 public:
     /// Time zero is now. The services outlive the player.
     ScenarioPlayer(Scenario scenario, RunLoop& runLoop, NotificationCenter& workspace,
                    NotificationCenter& defaultCenter);
-    /// What has not happened yet no longer happens.
+    /// Cancels the remaining events.
     ~ScenarioPlayer();
 
-    /// Sets `hid`, `accessibility` and `system` to what the scenario says of the machine.
+    /// Sets up `hid`, `accessibility` and `system` as the scenario describes the machine.
     void setUpMachine(SimulatedHID& hid, SimulatedAccessibility& accessibility,
                       SimulatedSystemInfo& system);
 
-    /// From now on the events happen, each at its time; those whose time has passed, at once.
+    /// Starts the events, each at its time; those whose time has passed, at once.
     void start(ScenarioHandlers handlers);
 
 private:
     void addDevice(SimulatedHID& hid, const Scenario::Device& description);
-    void happen(const Scenario::Event& event);
+    void perform(const Scenario::Event& event);
     void schedule(double at, std::function<void()> block);
 
     Scenario m_scenario;

@@ -28,7 +28,7 @@ std::string mistakeIn(std::string_view text) {
     return error ? error->description : "no mistake";
 }
 
-TEST(Scenario, AnEmptyOneIsAMachineWithNothing) {
+TEST(Scenario, AnEmptyOneDescribesAMachineWithoutDevices) {
     const Scenario scenario = parse("{}");
     EXPECT_TRUE(scenario.devices.empty());
     EXPECT_FALSE(scenario.trusted);
@@ -67,7 +67,7 @@ TEST(Scenario, DescribesTheMachineItsDevicesAndWhatHappens) {
     EXPECT_TRUE(std::holds_alternative<Scenario::Quit>(scenario.events[5].what));
 }
 
-TEST(Scenario, EveryMistakeIsNamed) {
+TEST(Scenario, EveryMistakeHasItsError) {
     EXPECT_THAT(mistakeIn("{"), HasSubstr("line 1"));
     EXPECT_EQ(mistakeIn("[]"), "the scenario is not an object");
     EXPECT_EQ(mistakeIn(R"({"modle": "x"})"), R"(the scenario has an unknown key "modle")");
@@ -93,17 +93,62 @@ TEST(Scenario, EveryMistakeIsNamed) {
               R"("0" is not the number of a reading)");
 }
 
+TEST(Scenario, ANumberIsNothingButANumber) {
+    for (const std::string reading : {"5x", "x5", "", " 5", "5 ", "+5", "-5", "1.5", "99999999999"})
+        EXPECT_EQ(mistakeIn(R"({"hid": [{"readings": {")" + reading + R"(": []}}]})"),
+                  '"' + reading + R"(" is not the number of a reading)");
+    for (const std::string id : {"0x", "0x81x4", " 0x8104", "0x8104 ", "+8104", "0x999999999"})
+        EXPECT_EQ(mistakeIn(R"({"hid": [{"product": ")" + id + R"("}]})"),
+                  '"' + id + R"(" is not an ID in hexadecimal)");
+    for (const std::string id : {"-1", "65536", "4294967296", R"("-1")", R"("0x10000")"})
+        EXPECT_EQ(mistakeIn(R"({"hid": [{"vendor": )" + id + "}]}"), "an ID is outside 0 to 65535");
+    for (const std::string byte : {"-1", "256", "1.5", "true", R"("1")", "[1]"})
+        EXPECT_EQ(mistakeIn(R"({"hid": [{"readings": {"1": [1, )" + byte + "]}}]}"),
+                  "a report's byte is not a whole number from 0 to 255");
+}
+
+TEST(Scenario, APointOfALidIsTwoNumbers) {
+    for (const std::string point : {"[]", "[1]", "[1, 100, 3]", "[[1, 100], [2, 50]]"})
+        EXPECT_NE(mistakeIn(R"({"hid": [{"lid": [)" + point + "]}]}"), "no mistake") << point;
+    EXPECT_EQ(mistakeIn(R"({"hid": [{"lid": [[0, 100], [1, 100, 3]]}]})"),
+              "a lid's point is not [seconds, degrees]");
+    for (const std::string lid : {"100", R"([[1, "100"]])", R"({"1": 100})", "[1, 100]", "null"})
+        EXPECT_EQ(mistakeIn(R"({"hid": [{"lid": )" + lid + "}]}"),
+                  R"(a device: "lid" has a value of the wrong kind)");
+}
+
+TEST(Scenario, AListIsAList) {
+    EXPECT_EQ(mistakeIn(R"({"hid": {"a": {}}})"),
+              R"(the scenario: "hid" has a value of the wrong kind)");
+    EXPECT_EQ(mistakeIn(R"({"events": {"a": {"at": 1, "quit": true}}})"),
+              R"(the scenario: "events" has a value of the wrong kind)");
+    EXPECT_EQ(mistakeIn(R"({"hid": [{"readings": [[1, 2]]}]})"),
+              R"(a device: "readings" has a value of the wrong kind)");
+    EXPECT_EQ(mistakeIn(R"({"hid": [{"readings": {"1": {"a": 1}}}]})"),
+              R"(a device: "readings" has a value of the wrong kind)");
+}
+
+TEST(Scenario, QuitTakesNothingButTrue) {
+    EXPECT_EQ(mistakeIn(R"({"events": [{"at": 1, "quit": false}]})"),
+              R"("quit" does not take false)");
+    EXPECT_EQ(mistakeIn(R"({"events": [{"at": 1, "quit": 1}]})"),
+              R"(an event: "quit" has a value of the wrong kind)");
+}
+
 TEST(Scenario, WhatIsJustWithinBoundsIsNoMistake) {
     EXPECT_EQ(mistakeIn(R"({"hid": [{"lid": [[0, 0], [1, 65535]]}]})"), "no mistake");
     EXPECT_EQ(mistakeIn(R"({"hid": [{"lid": [[0, 65536]]}]})"),
               "a lid's angle is outside 0 to 65535");
     EXPECT_EQ(mistakeIn(R"({"hid": [{"lid": [[1, 2], [1, 3]]}]})"), "no mistake") << "a jump";
-    EXPECT_EQ(mistakeIn(R"({"hid": [{"readings": {"1": [1, 0]}}]})"), "no mistake");
+    EXPECT_EQ(mistakeIn(R"({"hid": [{"readings": {"1": [255, 0], "2": []}}]})"), "no mistake");
+    EXPECT_EQ(mistakeIn(R"({"hid": [{"vendor": 0, "product": 65535}, {"product": "0xffff"}]})"),
+              "no mistake");
+    EXPECT_EQ(parse(R"({"hid": [{"product": "8104"}]})").devices[0].productID, 0x8104);
     EXPECT_EQ(mistakeIn(R"({"events": [{"at": 0, "quit": true}, {"at": 0, "key": "up"}]})"),
               "no mistake");
 }
 
-TEST(Scenario, AFileThatCannotBeReadSaysWhy) {
+TEST(Scenario, AFileThatCannotBeReadGivesTheReason) {
     const auto missing = loadScenario("no/such/file.scenario");
     EXPECT_EQ(std::get<ScenarioError>(missing).description, "No such file or directory");
     const auto folder = loadScenario(".");
@@ -150,7 +195,7 @@ TEST_F(ScenarioPlayerTest, SetsUpTheMachine) {
     EXPECT_NEAR(sensor->velocity(), 20, 5);
 }
 
-TEST_F(ScenarioPlayerTest, LetsEventsHappenAtTheirTimes) {
+TEST_F(ScenarioPlayerTest, PlaysEventsAtTheirTimes) {
     std::vector<std::string> happened;
     machine.workspace.addObserver(WorkspaceNotification::screensDidSleep,
                                   [&] { happened.emplace_back("sleep"); });
@@ -169,7 +214,7 @@ TEST_F(ScenarioPlayerTest, LetsEventsHappenAtTheirTimes) {
     EXPECT_THAT(happened, ElementsAre("OK", "sleep", "hello", "key", "quit"));
 }
 
-TEST_F(ScenarioPlayerTest, KeysAreToldAsWhatTheyAre) {
+TEST_F(ScenarioPlayerTest, KeysHaveTheirTypes) {
     std::vector<std::pair<TapEventType, std::int64_t>> keys;
     play(R"({"events": [{"at": 1, "key": "down"}, {"at": 2, "key": "repeat"},
                         {"at": 3, "key": "up"}, {"at": 4, "key": "flags"}]})")
@@ -186,7 +231,7 @@ TEST_F(ScenarioPlayerTest, KeysAreToldAsWhatTheyAre) {
                             std::pair(TapEventType::FlagsChanged, 0)));
 }
 
-TEST_F(ScenarioPlayerTest, ScreensAndMachineWakeUpEachInItsOwnWords) {
+TEST_F(ScenarioPlayerTest, ScreensAndMachinePostTheirOwnNotifications) {
     std::vector<std::string> happened;
     for (const char* name :
          {"NSWorkspaceScreensDidSleepNotification", "NSWorkspaceScreensDidWakeNotification",
@@ -201,7 +246,7 @@ TEST_F(ScenarioPlayerTest, ScreensAndMachineWakeUpEachInItsOwnWords) {
                                       "NSWorkspaceScreensDidSleepNotification"));
 }
 
-TEST_F(ScenarioPlayerTest, TimesCountFromItsMakingAndWhatIsPastHappensAtOnce) {
+TEST_F(ScenarioPlayerTest, TimesCountFromItsCreationAndLateEventsHappenAtOnce) {
     machine.runLoop.advance(5);
     std::vector<double> pressed;
     ScenarioPlayer& late = play(R"({"events": [{"at": 1, "press": "a"}, {"at": 3, "press": "b"}],
@@ -221,7 +266,7 @@ TEST_F(ScenarioPlayerTest, TimesCountFromItsMakingAndWhatIsPastHappensAtOnce) {
               "✅ [SENSOR] Found lid sensor! ProductID=0x8104, angle=50°");
 }
 
-TEST_F(ScenarioPlayerTest, FaultsOfTheMachineAreSetUpToo) {
+TEST_F(ScenarioPlayerTest, SetsUpFaults) {
     play(R"({"hidManagerRefusesOpen": true,
              "hid": [{"vendor": "0x046d", "product": 7, "refusesOpen": true}]})");
     EXPECT_TRUE(machine.hid.managerRefusesOpen);
@@ -234,13 +279,13 @@ TEST_F(ScenarioPlayerTest, FaultsOfTheMachineAreSetUpToo) {
     EXPECT_NE(devices->front()->open(), hidSuccess);
 }
 
-TEST_F(ScenarioPlayerTest, AnEventThatNobodyHandlesPasses) {
+TEST_F(ScenarioPlayerTest, AnEventWithoutAHandlerIsIgnored) {
     play(R"({"events": [{"at": 0, "press": "OK"}, {"at": 0, "key": "up"}]})").start({});
     machine.runLoop.advance(1);
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
 }
 
-TEST_F(ScenarioPlayerTest, ADeviceIsUnpluggedWhenItsTimeHasCome) {
+TEST_F(ScenarioPlayerTest, UnplugsADeviceAtItsTime) {
     play(R"({"hid": [{"product": "0x8104", "lid": [[0, 100]], "unplugAt": 1}]})");
     const auto sensor = LidAngleSensor::create(machine.platform());
     machine.runLoop.advance(0.9);
@@ -251,7 +296,7 @@ TEST_F(ScenarioPlayerTest, ADeviceIsUnpluggedWhenItsTimeHasCome) {
     EXPECT_TRUE(sensor->usingSleepWake());
 }
 
-TEST_F(ScenarioPlayerTest, SingleReadingsCanAnswerOtherwise) {
+TEST_F(ScenarioPlayerTest, SingleReadingsCanHaveTheirOwnReports) {
     play(R"({"hid": [{"product": "0x8104", "lid": [[0, 100]], "readings": {"1": [1, 50]}}]})");
     const auto sensor = LidAngleSensor::create(machine.platform());
     sensor->probeSensor();
@@ -260,7 +305,7 @@ TEST_F(ScenarioPlayerTest, SingleReadingsCanAnswerOtherwise) {
         << "the first reading is short, so the product is passed over and the scan finds it";
 }
 
-TEST_F(ScenarioPlayerTest, WhatHasNotHappenedNoLongerHappensOnceItIsGone) {
+TEST_F(ScenarioPlayerTest, ItsDestructionCancelsEventsToCome) {
     int quits = 0;
     play(R"({"events": [{"at": 1, "quit": true}]})").start({.press = {}, .key = {}, .quit = [&] {
                                                                 ++quits;
