@@ -9,7 +9,7 @@
 
 namespace quorvane {
 
-/// The scenario's word on the login item, the real desktop's on everything else.
+/// The scenario's login item status; everything else is the real desktop's.
 class SimulatedLoginItem final : public Application {
 public:
     explicit SimulatedLoginItem(const Application& real) : m_real(real) {}
@@ -24,16 +24,16 @@ private:
     const Application& m_real;
 };
 
-/// A scenario's devices under the real screens and the real sound: what the scenario describes is
-/// simulated, everything else is the machine's own. Main thread only.
+/// Simulates what a scenario describes; screens, sound and everything else are the real machine's.
+/// Main thread only.
 class LiveMachine {
 public:
-    /// `real` outlives the machine; the scenario's time starts now.
+    /// `real` outlives the machine. The scenario's time zero is now.
     LiveMachine(const Scenario& scenario, const Platform& real);
 
     [[nodiscard]] Platform platform();
 
-    /// From now on the scenario's events happen.
+    /// Starts the scenario's events.
     void start(ScenarioHandlers handlers);
 
 private:
@@ -44,7 +44,7 @@ private:
     SimulatedAccessibility m_accessibility;
     SimulatedSystemInfo m_system;
     SimulatedLoginItem m_application;
-    // The scenario's own store; none where the person's is used.
+    // None: the real settings are used.
     std::optional<SimulatedUserDefaults> m_userDefaults;
     ScenarioPlayer m_player;
 };

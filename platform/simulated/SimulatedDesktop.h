@@ -4,7 +4,7 @@
 
 namespace quorvane {
 
-/// A desktop that is as it is told to be.
+/// A desktop whose state a test sets.
 class SimulatedDesktop final : public Desktop {
 public:
     [[nodiscard]] const Observable<bool>& reducesMotion() const override { return motionReduced; }

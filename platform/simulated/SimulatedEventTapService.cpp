@@ -55,13 +55,13 @@ public:
         m_enabled = enabled;
     }
 
-    /// Notices about the tap itself come whatever it is interested in.
-    [[nodiscard]] bool hears(TapEventType type) const {
+    /// Events about the tap itself are delivered whatever its mask.
+    [[nodiscard]] bool accepts(TapEventType type) const {
         const auto source = m_source.lock();
-        const bool isNotice =
+        const bool isAboutTap =
             type == TapEventType::DisabledByTimeout || type == TapEventType::DisabledByUserInput;
         return m_enabled && source && source->isAdded() &&
-               (isNotice || (m_events & tapEventMask(type)) != 0);
+               (isAboutTap || (m_events & tapEventMask(type)) != 0);
     }
 
     [[nodiscard]] bool send(const TapEvent& event) const { return &m_callback(event) == &event; }
@@ -95,7 +95,7 @@ std::shared_ptr<EventTap> SimulatedEventTapService::createTap(TapLocation locati
 bool SimulatedEventTapService::send(const TapEvent& event) {
     bool unchanged = true;
     for (const auto& weak : std::vector(m_taps))
-        if (const auto tap = weak.lock(); tap && tap->hears(event.type))
+        if (const auto tap = weak.lock(); tap && tap->accepts(event.type))
             unchanged = tap->send(event) && unchanged;
     return unchanged;
 }

@@ -9,7 +9,7 @@
 
 namespace quorvane {
 
-/// Taps on a keyboard that a test plays, and what was done with them.
+/// Taps whose events a test sends, and a record of the calls.
 class SimulatedEventTapService final : public EventTapService {
 public:
     [[nodiscard]] std::shared_ptr<EventTap> createTap(TapLocation location, TapPlacement placement,
@@ -17,12 +17,12 @@ public:
                                                       std::uint64_t eventsOfInterest,
                                                       TapCallback callback) override;
 
-    /// Fault switches: no tap, or no source of a tap, can be made.
+    /// Faults: no tap, or no source of a tap, can be made.
     bool refusesTap = false;
     bool refusesSource = false;
 
-    /// An event goes to every tap that is enabled, on a run loop and interested. False if one of
-    /// them did not give the very event back.
+    /// Sends an event to every tap that is enabled, on a run loop and interested in it. False if a
+    /// callback did not return its argument.
     bool send(const TapEvent& event);
 
     bool pressKey() { return send({.type = TapEventType::KeyDown}); }
@@ -31,7 +31,7 @@ public:
     /// "enable yes", "enable no", "remove", "close".
     [[nodiscard]] const std::vector<std::string>& calls() const { return *m_calls; }
 
-    /// Number of taps that have not been let go of.
+    /// Number of taps that exist.
     [[nodiscard]] std::size_t openCount() const;
 
 private:
@@ -43,7 +43,7 @@ private:
     std::vector<std::weak_ptr<Tap>> m_taps;
 };
 
-/// A permission that is given when its field says so.
+/// A permission that a test sets.
 class SimulatedAccessibility final : public Accessibility {
 public:
     [[nodiscard]] bool isProcessTrusted() const override { return trusted; }
@@ -54,7 +54,7 @@ public:
     }
 
     bool trusted = false;
-    /// How often the person was asked.
+    /// Number of prompts shown.
     int prompts = 0;
 };
 

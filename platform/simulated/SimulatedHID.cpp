@@ -69,7 +69,7 @@ std::optional<SimulatedHIDDevice::Report> SimulatedHIDDevice::currentReport() {
     return m_reportAt ? m_reportAt(m_runLoop.currentMediaTime()) : std::nullopt;
 }
 
-/// A manager over the devices that are plugged in when it is asked.
+/// Finds the devices that are plugged in at the time of `copyDevices`.
 class SimulatedHIDManager final : public HIDManager {
 public:
     explicit SimulatedHIDManager(SimulatedHID& service)

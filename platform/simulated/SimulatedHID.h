@@ -12,7 +12,7 @@
 
 namespace quorvane {
 
-/// A HID device that answers as it was told. Plugged in until `unplug`.
+/// A HID device with scripted reports. Plugged in until `unplug`.
 class SimulatedHIDDevice final : public HIDDevice {
 public:
     using Report = std::vector<std::uint8_t>;
@@ -27,26 +27,26 @@ public:
     int vendorID = 0x05AC;
     /// None: the device has no such property.
     std::optional<int> productID;
-    /// Fault switch: opening is refused.
+    /// Fault: opening fails.
     bool refusesOpen = false;
 
-    /// The feature report as it stands from now on; none: reading it fails.
+    /// The feature report from now on; none: reading it fails.
     void setReport(std::optional<Report> report);
     /// Feature report 1 of a lid at `degrees` (0 to 65535): report ID, low byte, high byte.
     void setAngle(unsigned degrees);
-    /// A lid that moves: the report holds the angle at the media time of each reading, rounded.
+    /// A moving lid: the report contains the angle at the media time of each reading, rounded.
     void setAngle(std::function<double(double time)> degreesAt);
-    /// Answers the reading with the number `reading` (from 1) by `report` instead, once.
+    /// The report of the reading number `reading`, counted from 1, instead of the current one.
     void setReportAt(int reading, std::optional<Report> report);
 
-    /// Gone for good: every call fails from now on.
+    /// From now on every call fails.
     void unplug() { m_unplugged = true; }
 
     [[nodiscard]] bool isPluggedIn() const { return !m_unplugged; }
 
     [[nodiscard]] bool isOpen() const { return m_open; }
 
-    /// Number of readings so far, failed ones included.
+    /// Number of readings so far, including failed ones.
     [[nodiscard]] int readings() const { return m_readings; }
 
 private:
@@ -60,21 +60,21 @@ private:
     bool m_unplugged = false;
 };
 
-/// The devices of a simulated machine, and a record of what was asked of its managers.
+/// The devices of a simulated machine, and a record of the calls of its managers.
 class SimulatedHID final : public HIDService {
 public:
     explicit SimulatedHID(RunLoop& runLoop) : m_runLoop(runLoop) {}
 
     std::shared_ptr<HIDManager> createManager() override;
 
-    /// Adds a device of the vendor 05AC; devices are found in the order in which they were added.
+    /// Adds a device of vendor 0x05AC; devices are found in the order of adding.
     std::shared_ptr<SimulatedHIDDevice> addDevice(std::optional<int> productID);
 
-    /// Fault switches.
+    /// Faults.
     bool managerRefusesOpen = false;
     bool copyGivesNoSet = false;
 
-    /// What was asked of every manager, in order: "create", "match 1452:33028" or "match 1452",
+    /// The calls of all managers, in order: "create", "match 1452:33028" or "match 1452",
     /// "schedule", "open", "copy", "close", "release".
     [[nodiscard]] const std::vector<std::string>& calls() const { return *m_calls; }
 

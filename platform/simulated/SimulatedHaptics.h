@@ -8,7 +8,7 @@
 
 namespace quorvane {
 
-/// A trackpad that writes down its pulses.
+/// A trackpad that records its pulses.
 class SimulatedHaptics final : public HapticService {
 public:
     struct Pulse {
@@ -22,10 +22,10 @@ public:
 
     [[nodiscard]] std::shared_ptr<HapticPerformer> defaultPerformer() override;
 
-    /// How often the performer was looked up.
+    /// Number of calls of `defaultPerformer`.
     [[nodiscard]] int lookups() const { return m_lookups; }
 
-    /// Number of performers that have not been let go of.
+    /// Number of performers that exist.
     [[nodiscard]] long performersInUse() const;
 
     [[nodiscard]] const std::vector<Pulse>& pulses() const { return *m_pulses; }

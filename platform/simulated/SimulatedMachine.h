@@ -12,7 +12,7 @@
 
 namespace quorvane {
 
-/// A whole machine in virtual time, every service of it at hand for a test to set and to look at.
+/// A whole machine in virtual time, for tests to set up and inspect.
 struct SimulatedMachine {
     SimulatedRunLoop runLoop;
     SimulatedHID hid{runLoop};

@@ -43,7 +43,7 @@ void SimulatedRunLoop::advance(double seconds) {
     const TimerQueue::Nanoseconds end = m_now + toNanoseconds(seconds);
     runMainQueue();
     for (auto due = m_queue.nextDeadline(); due && *due <= end; due = m_queue.nextDeadline()) {
-        // Work can be overdue after `block`; the clock never runs backwards for it.
+        // After `block`, deadlines can be in the past; the clock does not go back.
         m_now = std::max(m_now, *due);
         m_queue.runNext(m_now);
         runMainQueue();

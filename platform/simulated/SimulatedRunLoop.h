@@ -10,12 +10,10 @@
 
 namespace quorvane {
 
-/// A run loop on a virtual clock that never moves by itself. The rules:
-/// - `advance` runs due work in time order, ties in the order of registration, with the clock at
-///   each piece's own instant; blocks on the main queue run before the clock moves on;
-/// - an invalidated timer does not fire, however little time is left;
-/// - work that is scheduled on the way runs too if it is due by the end;
-/// - a machine that was busy (`block`) or asleep (`sleep`) is a call of its own.
+/// A run loop on a virtual clock that only `advance` and `block` move. `advance` fires timers in
+/// the order of their deadlines, ties in the order of scheduling, with the clock at each deadline;
+/// blocks on the main queue run before the clock moves on. Timers scheduled meanwhile fire too if
+/// they are due by the end.
 class SimulatedRunLoop final : public RunLoop {
 public:
     std::shared_ptr<Timer> scheduledTimer(double interval, bool repeats, TimerBlock block) override;
@@ -25,31 +23,31 @@ public:
     [[nodiscard]] double currentMediaTime() const override;
     [[nodiscard]] double currentDate() const override;
 
-    /// Lets `seconds` (not negative) pass.
+    /// Runs for `seconds` (not negative).
     void advance(double seconds);
-    /// Runs what is on the main queue, without any time passing.
+    /// Runs the blocks on the main queue; the clock does not move.
     void runMainQueue();
-    /// Lets `seconds` pass with the main thread busy: nothing runs, then late work is due at once.
+    /// Moves the clock by `seconds` as if the main thread were busy: nothing fires until `advance`.
     void block(double seconds);
-    /// Lets `seconds` pass with the machine asleep: only the wall clock moves.
+    /// Moves only the wall clock by `seconds`, as while the machine sleeps.
     void sleep(double seconds);
-    /// Moves the wall clock alone, as when a person sets it.
+    /// Sets only the wall clock.
     void setDate(double secondsSince1970);
-    /// While held, the main queue keeps what it is given, as when the main thread is between turns.
+    /// While held, the main queue runs no blocks.
     void holdMainQueue(bool held);
 
-    /// Number of timers and delayed blocks that still have something to do.
+    /// Number of timers and delayed blocks that will still fire.
     [[nodiscard]] std::size_t pendingCount() const { return m_queue.pendingCount(); }
 
-    /// Seconds on the media clock at which the next of them is due; none without any.
+    /// Media time of the next deadline; none if nothing is scheduled.
     [[nodiscard]] std::optional<double> nextDeadline() const;
 
 private:
     const std::thread::id m_mainThread = std::this_thread::get_id();
     TimerQueue m_queue;
-    // The media clock. It starts at zero, where tenths of seconds add up as a person would expect.
+    // The media clock.
     TimerQueue::Nanoseconds m_now = 0;
-    // Wall clock less media clock.
+    // Wall clock minus media clock.
     TimerQueue::Nanoseconds m_dateOffset = toNanoseconds(1.7e9);
     bool m_queueHeld = false;
 

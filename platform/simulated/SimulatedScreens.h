@@ -9,8 +9,8 @@
 
 namespace quorvane {
 
-/// A canvas that keeps what was drawn, with letters of a fixed shape: half as wide as their size,
-/// lines one and a fifth of it high.
+/// A canvas that records what is drawn. Letters are half as wide as the text's size, lines 1.2
+/// times as high.
 class SimulatedCanvas final : public Canvas {
 public:
     struct Text {
@@ -41,7 +41,7 @@ public:
     void strokeArc(double centerX, double centerY, double radius, double lineWidth, double fraction,
                    const Color& color) override;
 
-    /// The text that starts with `start`; fails the program if there is none.
+    /// The text that starts with `start`; ends the program if there is none.
     [[nodiscard]] const Text& textStarting(std::string_view start) const;
 
     std::vector<Text> texts;
@@ -49,7 +49,7 @@ public:
     std::vector<Fill> fills;
 };
 
-/// What was done with one panel.
+/// A record of one panel.
 struct SimulatedPanel {
     /// In order: "create 0,0 1440x900 style 128 backing 2 defer no", "level 1000", "opaque yes",
     /// "background 0,0.47,0.83,1", "behavior 257", "ignores mouse no", "content view",
@@ -71,15 +71,15 @@ public:
     [[nodiscard]] std::shared_ptr<OverlayPanel>
     createPanel(const Rect& contentRect, unsigned styleMask, unsigned backing, bool defer) override;
 
-    /// The main screen's frame from now on; none: there is no screen.
+    /// The main screen's frame from now on; none: no screen.
     void setMainScreen(std::optional<Rect> frame);
 
-    /// Every panel that was ever created, in that order.
+    /// All panels, in the order of creation.
     [[nodiscard]] const std::vector<std::shared_ptr<SimulatedPanel>>& panels() const {
         return m_panels;
     }
 
-    /// Those that are shown now, the frontmost last.
+    /// The panels that are shown, the frontmost last.
     [[nodiscard]] std::vector<std::shared_ptr<SimulatedPanel>> shownPanels() const;
 
 private:

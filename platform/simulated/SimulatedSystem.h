@@ -11,19 +11,17 @@
 
 namespace quorvane {
 
-/// Settings that live as long as the object, and as many of them as somebody looked at.
+/// Settings in memory.
 class SimulatedUserDefaults final : public UserDefaults {
 public:
     [[nodiscard]] bool boolForKey(std::string_view key) const override;
     void setBool(std::string_view key, bool value) override;
 
-    [[nodiscard]] bool hasKey(std::string_view key) const { return m_values.contains(key); }
-
 private:
     std::map<std::string, bool, std::less<>> m_values;
 };
 
-/// Resources by name, each wherever the test says that it is.
+/// Resources at paths that a test sets.
 class SimulatedBundle final : public Bundle {
 public:
     [[nodiscard]] std::optional<std::filesystem::path>
@@ -31,14 +29,13 @@ public:
 
     void addResource(std::string_view name, std::string_view extension, std::filesystem::path path);
 
-    /// Nothing is there any more.
     void removeResources() { m_paths.clear(); }
 
 private:
     std::map<std::string, std::filesystem::path, std::less<>> m_paths;
 };
 
-/// A machine that is what its fields say.
+/// A machine whose model a test sets.
 class SimulatedSystemInfo final : public SystemInfo {
 public:
     [[nodiscard]] std::string modelName() const override { return model; }
@@ -46,7 +43,7 @@ public:
     std::string model;
 };
 
-/// A program of which the desktop knows what the fields say.
+/// A program whose state a test sets.
 class SimulatedApplication final : public Application {
 public:
     [[nodiscard]] LoginItemStatus loginItemStatus() const override { return loginItem; }
@@ -57,17 +54,17 @@ public:
     bool active = true;
 };
 
-/// Draws from a script, then from a seeded generator. The same seed repeats the same run.
+/// Draws from a script, then from a seeded generator: the same seed gives the same numbers.
 class SimulatedRandom final : public Random {
 public:
     explicit SimulatedRandom(std::uint64_t seed = 1) : m_engine(seed) {}
 
     std::uint64_t uniform(std::uint64_t upperBound) override;
 
-    /// Begins anew, as if made with `seed`; the script stays.
+    /// Seeds the generator; the script stays.
     void reseed(std::uint64_t seed) { m_engine.seed(seed); }
 
-    /// What the next draws give, in order; each is cut to its draw's upper bound.
+    /// Adds the results of the next draws, in order, each clamped to its draw's upper bound.
     void script(std::initializer_list<std::uint64_t> draws);
 
     /// The upper bounds of all draws so far.
@@ -79,7 +76,7 @@ private:
     std::vector<std::uint64_t> m_bounds;
 };
 
-/// Keeps the lines that were printed.
+/// Records the lines.
 class SimulatedConsole final : public Console {
 public:
     void print(std::string_view line) override { lines.emplace_back(line); }

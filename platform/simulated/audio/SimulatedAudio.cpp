@@ -12,7 +12,7 @@ namespace quorvane {
 
 namespace {
 
-/// The sound file `path` of the machine; the error when there is none.
+/// The sound file at `path`, or an error.
 std::variant<const SimulatedRecording*, AudioError>
 recordingIn(const SimulatedAudioMachine& machine, const std::filesystem::path& path) {
     const auto found = machine.files.find(path);
@@ -75,7 +75,7 @@ std::shared_ptr<AudioEngine> SimulatedAudio::createEngine() {
 }
 
 std::shared_ptr<AudioPlayerNode> SimulatedAudio::createPlayerNode() {
-    auto voice = std::make_shared<SimulatedAudioVoice>(m_runLoop, m_timeline, m_voices.size());
+    auto voice = std::make_shared<SimulatedAudioVoice>(m_runLoop, m_timeline);
     m_voices.push_back(voice);
     return std::make_shared<SimulatedPlayerNode>(std::move(voice));
 }
@@ -116,8 +116,8 @@ SimulatedAudio::createFilePlayer(const std::filesystem::path& path) {
     if (recording.samples.size() <
         static_cast<std::size_t>(recording.claimedFrames) * recording.format.channels)
         return AudioError{path.string() + ": the sound ends before its length"};
-    const auto player = std::make_shared<SimulatedAudioFilePlayer>(m_runLoop, m_timeline, m_machine,
-                                                                   path, m_filePlayers.size());
+    const auto player =
+        std::make_shared<SimulatedAudioFilePlayer>(m_runLoop, m_timeline, m_machine, path);
     m_filePlayers.push_back(player);
     return std::shared_ptr<AudioFilePlayer>(
         player.get(), [player](AudioFilePlayer* /*owned by the capture*/) { player->release(); });

@@ -15,8 +15,7 @@
 
 namespace quorvane {
 
-/// Sound on a machine that exists on a run loop's clock only: it is written down when it is due,
-/// never heard. Main thread only; the service outlives nothing but its own calls.
+/// Records what would sound, on the run loop's clock. Main thread only.
 class SimulatedAudio final : public AudioService {
 public:
     explicit SimulatedAudio(RunLoop& runLoop);
@@ -33,62 +32,60 @@ public:
     createFilePlayer(const std::filesystem::path& path) override;
     [[nodiscard]] std::shared_ptr<AudioOutputHold> holdOutput() override;
 
-    // What there is on the machine. A path that was never named is a missing file.
+    // The files of the machine. Any other path is a missing file.
 
     /// `samples` are interleaved and whole frames.
     void addFile(const std::filesystem::path& path, const AudioFormat& format,
                  std::vector<float> samples);
-    /// A file that says it has `claimedFrames` but holds only `samples`.
+    /// A file that claims `claimedFrames` but contains only `samples`.
     void addTruncatedFile(const std::filesystem::path& path, const AudioFormat& format,
                           std::vector<float> samples, std::int64_t claimedFrames);
-    /// A file that is there but holds no sound.
+    /// A file that is not a sound file.
     void addNonAudioFile(const std::filesystem::path& path);
 
-    // What goes wrong.
+    // Faults.
 
-    /// The fault lasts until `clearFault`; its description reaches the caller where the call has
-    /// room for one.
+    /// The fault lasts until `clearFault`. Calls that return an error return `description`.
     void setFault(AudioFault fault, std::string description);
     void clearFault(AudioFault fault);
-    /// Unplugged: every running engine stops at once, what was scheduled on its nodes is dropped,
-    /// no engine starts until the device is there again, and file players fall silent; one that
-    /// was to play less than SimulatedAudioFilePlayer::patience ago then plays on. Present from
-    /// the start.
+    /// Initially present. When it goes, running engines stop and drop what is scheduled on their
+    /// nodes, and file players fall silent; without it no engine starts. When it comes back, a file
+    /// player that was asked to play at most SimulatedAudioFilePlayer::patience ago plays on.
     void setOutputDevicePresent(bool present);
 
-    // What was heard.
+    // What has sounded.
 
-    /// Every stretch of sound, in the order in which they began.
+    /// All sounds, in the order of their starts.
     [[nodiscard]] const SimulatedTimeline& timeline() const { return *m_timeline; }
 
     /// The mix from one media time to another, as interleaved samples of `format` (1 or 2
-    /// channels), without any filtering. Sound that is still to come is what would come if nothing
-    /// more were called.
+    /// channels), without filtering. After the present time: what would sound without further
+    /// calls.
     [[nodiscard]] std::vector<float> render(double from, double to,
                                             const AudioFormat& format) const;
 
-    /// Number of nodes that were ever created.
+    /// Number of nodes created.
     [[nodiscard]] std::size_t nodeCount() const { return m_voices.size(); }
 
-    /// What the node does that was created as number `index`, counted from 0.
+    /// The state of the node created as number `index`, counted from 0; also after its destruction.
     [[nodiscard]] const SimulatedAudioVoice& node(std::size_t index) const {
         return *m_voices.at(index);
     }
 
-    /// Number of file players that were ever created.
+    /// Number of file players created.
     [[nodiscard]] std::size_t filePlayerCount() const { return m_filePlayers.size(); }
 
-    /// The file player that was created as number `index`, counted from 0; also when it is gone.
+    /// The file player created as number `index`, counted from 0; also after its owner dropped it.
     [[nodiscard]] const SimulatedAudioFilePlayer& filePlayer(std::size_t index) const {
         return *m_filePlayers.at(index);
     }
 
-    /// Number of holds on the output device that live now.
+    /// Number of holds on the output device that exist.
     [[nodiscard]] std::size_t holdCount() const { return m_machine->holdCount; }
 
-    /// Number of engines that run now.
+    /// Number of running engines.
     [[nodiscard]] std::size_t runningEngineCount() const;
-    /// Number of calls of `start` on an engine that was not running, failed ones too.
+    /// Number of calls of `start` on an engine that was not running, including failed ones.
     [[nodiscard]] std::size_t engineStartCount() const;
 
 private:

@@ -9,7 +9,7 @@
 
 namespace quorvane {
 
-/// A node whose sounds are written down by its voice. Main thread only.
+/// A node whose sounds are recorded by its voice. Main thread only.
 class SimulatedPlayerNode final : public AudioPlayerNode {
 public:
     explicit SimulatedPlayerNode(std::shared_ptr<SimulatedAudioVoice> voice);
@@ -50,7 +50,7 @@ public:
 
     void stop() override { halt(); }
 
-    /// As `stop`: the device has gone.
+    /// As `stop`, for the loss of the device.
     void halt();
 
 private:

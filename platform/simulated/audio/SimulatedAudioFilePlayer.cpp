@@ -24,10 +24,9 @@ std::shared_ptr<const PCMBuffer> bufferOf(const SimulatedRecording& recording) {
 
 SimulatedAudioFilePlayer::SimulatedAudioFilePlayer(
     RunLoop& runLoop, std::shared_ptr<SimulatedTimeline> timeline,
-    std::shared_ptr<const SimulatedAudioMachine> machine, std::filesystem::path file,
-    std::size_t index)
+    std::shared_ptr<const SimulatedAudioMachine> machine, std::filesystem::path file)
     : m_runLoop(runLoop), m_timeline(std::move(timeline)), m_machine(std::move(machine)),
-      m_file(std::move(file)), m_index(index), m_buffer(bufferOf(m_machine->files.at(m_file))) {}
+      m_file(std::move(file)), m_buffer(bufferOf(m_machine->files.at(m_file))) {}
 
 SimulatedAudioFilePlayer::~SimulatedAudioFilePlayer() {
     invalidate(m_endTimer);
@@ -113,7 +112,6 @@ void SimulatedAudioFilePlayer::deviceWent() {
 }
 
 void SimulatedAudioFilePlayer::release() {
-    m_released = true;
     fallSilent();
     m_request.reset();
 }
@@ -133,8 +131,7 @@ double SimulatedAudioFilePlayer::lengthFromPlace() const {
 void SimulatedAudioFilePlayer::sound(double left) {
     const double now = m_runLoop.currentMediaTime();
     m_current = m_timeline->size();
-    m_timeline->push_back({.node = m_index,
-                           .file = m_file,
+    m_timeline->push_back({.file = m_file,
                            .buffer = m_buffer,
                            .startTime = now,
                            .offset = m_place,

@@ -15,7 +15,7 @@ namespace quorvane {
 
 class SimulatedAudioEngine;
 
-/// What can be made to go wrong, by name.
+/// The faults that a test can set.
 enum class AudioFault {
     /// Every engine refuses to start.
     EngineStart,
@@ -27,7 +27,7 @@ enum class AudioFault {
     FileRead,
     /// No file player can be made.
     FilePlayerCreation,
-    /// There is no standard format; this fault's description reaches nobody.
+    /// There is no standard format. The fault's description is not used.
     StandardFormat,
 };
 
@@ -39,8 +39,8 @@ struct SimulatedRecording {
     bool isAudio = true;
 };
 
-/// The sound side of the simulated machine, shared by the service and all that comes from it, which
-/// may live longer. Main thread only.
+/// The audio state of the simulated machine, shared by the service and the objects that it creates,
+/// which may outlive it. Main thread only.
 struct SimulatedAudioMachine {
     std::map<AudioFault, std::string> faults;
     std::map<std::filesystem::path, SimulatedRecording> files;

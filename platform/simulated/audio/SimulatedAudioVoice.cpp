@@ -11,7 +11,7 @@ namespace quorvane {
 
 namespace {
 
-/// Real audio systems call from a thread of their own; so does this one, although it waits for it.
+/// As real audio systems do, but this waits for the call to return.
 void callFromAnotherThread(const AudioPlayerNode::Completion& completion) {
     if (completion)
         std::thread(completion).join();
@@ -20,9 +20,8 @@ void callFromAnotherThread(const AudioPlayerNode::Completion& completion) {
 } // namespace
 
 SimulatedAudioVoice::SimulatedAudioVoice(RunLoop& runLoop,
-                                         std::shared_ptr<SimulatedTimeline> timeline,
-                                         std::size_t index)
-    : m_runLoop(runLoop), m_timeline(std::move(timeline)), m_index(index) {}
+                                         std::shared_ptr<SimulatedTimeline> timeline)
+    : m_runLoop(runLoop), m_timeline(std::move(timeline)) {}
 
 SimulatedAudioVoice::~SimulatedAudioVoice() {
     invalidate(m_endTimer);
@@ -65,7 +64,7 @@ void SimulatedAudioVoice::schedule(std::shared_ptr<const PCMBuffer> buffer, Buff
                                    AudioPlayerNode::Completion completion) {
     const bool loops = options == BufferOptions::Loops;
     m_calls.emplace_back(loops ? "schedule loops" : "schedule");
-    // Nothing, over and over, would never let the time go on.
+    // A loop of an empty buffer would never end.
     const bool canLoop = loops && buffer->frameLength > 0;
     m_scheduled.push_back(
         {.buffer = std::move(buffer), .loops = canLoop, .completion = std::move(completion)});
@@ -117,7 +116,7 @@ void SimulatedAudioVoice::drop() {
     m_playing = false;
     m_paused = false;
     m_offset = 0;
-    // Later, because a completion never runs inside the call that causes it.
+    // Queued, because a completion never runs inside the call that causes it.
     for (const Scheduled& dropped : std::exchange(m_scheduled, {}))
         m_runLoop.async([completion = dropped.completion] { callFromAnotherThread(completion); });
 }
@@ -127,8 +126,7 @@ void SimulatedAudioVoice::sound(double startTime) {
     const double stopTime =
         loops ? std::numeric_limits<double>::infinity() : startTime + headDuration() - m_offset;
     m_current = m_timeline->size();
-    m_timeline->push_back({.node = m_index,
-                           .file = {},
+    m_timeline->push_back({.file = {},
                            .buffer = m_scheduled.front().buffer,
                            .startTime = startTime,
                            .offset = m_offset,
@@ -159,7 +157,7 @@ void SimulatedAudioVoice::finishHead() {
     m_scheduled.pop_front();
     m_current.reset();
     m_offset = 0;
-    // The next one follows without a gap, whenever the timer happened to fire.
+    // From the exact end, so that the next buffer follows without a gap even if the timer was late.
     if (!m_scheduled.empty())
         sound(endTime);
     callFromAnotherThread(completion);

@@ -14,42 +14,41 @@
 
 namespace quorvane {
 
-/// What a simulated player node does, kept by the service for as long as it exists itself, so that
-/// a test can still ask about a node that is gone. Main thread only.
+/// The state of a simulated player node. The service keeps it alive, so that tests can inspect it
+/// after the node's destruction. Main thread only.
 class SimulatedAudioVoice final : public std::enable_shared_from_this<SimulatedAudioVoice>,
                                   NonCopyable {
 public:
     enum class State {
-        /// Not told to play, and at the start of what is scheduled, if anything.
+        /// Not playing, at the start of what is scheduled, if anything.
         Stopped,
-        /// Told to play, with something left to sound.
+        /// Playing a scheduled buffer.
         Sounding,
-        /// Told to play, with nothing scheduled: what is scheduled next sounds at once.
+        /// Playing with nothing scheduled: the next buffer sounds as soon as it is scheduled.
         Waiting,
         Paused,
     };
 
-    SimulatedAudioVoice(RunLoop& runLoop, std::shared_ptr<SimulatedTimeline> timeline,
-                        std::size_t index);
+    SimulatedAudioVoice(RunLoop& runLoop, std::shared_ptr<SimulatedTimeline> timeline);
     ~SimulatedAudioVoice();
 
-    // What a test asks.
+    // For tests.
 
     [[nodiscard]] State state() const;
-    /// Seconds into the buffer that is at the head of what is scheduled; 0 with nothing scheduled.
+    /// Seconds into the first scheduled buffer; 0 if nothing is scheduled.
     [[nodiscard]] double position() const;
 
-    /// Number of buffers that have not sounded to their end.
+    /// Number of buffers that have not played to their end.
     [[nodiscard]] std::size_t scheduledCount() const { return m_scheduled.size(); }
 
     [[nodiscard]] float volume() const { return m_volume; }
 
-    /// What was called on the node, in order: "attach", "connect 44100/2" (rate and channels),
+    /// The calls, in order: "attach", "connect 44100/2" (rate and channels),
     /// "schedule", "schedule loops", "volume 0.5", "play", "pause", "stop". A "play" without a
     /// running engine, which does nothing, reads "play without engine".
     [[nodiscard]] const std::vector<std::string>& calls() const { return m_calls; }
 
-    // What the node and its engine tell it.
+    // Called by the node and its engine.
 
     void attach();
     void connect(const AudioFormat& format);
@@ -62,9 +61,9 @@ public:
 
     void engineStarted() { m_engineRunning = true; }
 
-    /// The engine stopped, or its device went: silent, and nothing stays scheduled.
+    /// The engine stopped or lost its device: silent, drops what is scheduled.
     void engineStopped();
-    /// As `stop`, but nobody called it.
+    /// As `stop`, but not recorded as a call.
     void drop();
 
 private:
@@ -82,7 +81,6 @@ private:
 
     RunLoop& m_runLoop;
     std::shared_ptr<SimulatedTimeline> m_timeline;
-    std::size_t m_index;
     std::vector<std::string> m_calls;
     std::deque<Scheduled> m_scheduled;
     std::optional<AudioFormat> m_format;
@@ -90,9 +88,9 @@ private:
     bool m_engineRunning = false;
     bool m_playing = false;
     bool m_paused = false;
-    // Seconds into the head at which it was last interrupted.
+    // Seconds into the first scheduled buffer at the last interruption.
     double m_offset = 0;
-    // The stretch that sounds now.
+    // Index of the current sound in the timeline.
     std::optional<std::size_t> m_current;
     std::shared_ptr<Timer> m_endTimer;
 };

@@ -16,7 +16,7 @@ float SimulatedSound::volumeAt(double time) const {
 float SimulatedSound::sampleAt(double time, unsigned channel, unsigned channels) const {
     if (time < startTime || time >= stopTime || buffer->frameLength == 0)
         return 0;
-    // A little room, since times are whole nanoseconds and frames are not.
+    // A tolerance, since times are whole nanoseconds and frames are not.
     double frame = std::floor((offset + time - startTime) * buffer->format.sampleRate + 1e-3);
     if (loops)
         frame = std::fmod(frame, buffer->frameLength);

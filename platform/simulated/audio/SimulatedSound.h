@@ -9,34 +9,30 @@
 
 namespace quorvane {
 
-/// One uninterrupted stretch of sound: a buffer, heard from some place in it.
+/// One uninterrupted playback of a buffer, from some position in it.
 struct SimulatedSound {
     struct VolumeChange {
         double time = 0;
         float volume = 1;
     };
 
-    /// Which node of the service, or which file player where there is a `file`; both are counted
-    /// from 0 in the order of their creation.
-    std::size_t node = 0;
     /// The file that a file player plays; empty for a node.
     std::filesystem::path file;
     std::shared_ptr<const PCMBuffer> buffer;
     /// Media time at which it starts, in seconds.
     double startTime = 0;
-    /// Place in the buffer that is heard first, in seconds.
+    /// Position in the buffer at the start, in seconds.
     double offset = 0;
-    /// Media time at which it fell or falls silent, by itself or because it was told to; infinite
-    /// for a loop that nobody has stopped.
+    /// Media time at which it ended or will end; infinite for an endless loop that was not stopped.
     double stopTime = 0;
-    /// The buffer comes again when it is over, until `stopTime`.
+    /// The buffer is repeated until `stopTime`.
     bool loops = false;
-    /// The volume at the start, and every change since; in the order of their times.
+    /// The volume at the start, and its changes, in the order of their times.
     std::vector<VolumeChange> volumes;
 
-    /// The volume at media time `time`; that of the start before it, 1 if none was ever noted.
+    /// The volume at media time `time`; before the start, the initial one; 1 if none is recorded.
     [[nodiscard]] float volumeAt(double time) const;
-    /// What is heard of it at media time `time` in `channel` of `channels` (1 or 2).
+    /// Its sample at media time `time` in `channel` of `channels` (1 or 2).
     [[nodiscard]] float sampleAt(double time, unsigned channel, unsigned channels) const;
 };
 
