@@ -5,7 +5,7 @@
 
 namespace quorvane {
 
-/// One result of the hardware check: what it is about, whether it passed, and the text for either.
+/// One result of the hardware check: the feature, whether it passed, and the text for each case.
 struct CheckRow {
     std::string_view feature;
     bool passed = false;
@@ -15,7 +15,7 @@ struct CheckRow {
     bool operator==(const CheckRow&) const = default;
 };
 
-/// The six results, in display order. The last three need nothing of the machine.
+/// The six results, in display order. The last three always pass.
 [[nodiscard]] constexpr std::array<CheckRow, 6>
 makeCheckRows(bool hasLidSensor, bool hasAccessibility, bool hasTrackpad) {
     return {{{.feature = "Lid creak",

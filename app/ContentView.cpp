@@ -13,10 +13,10 @@ constexpr double velocityFeedInterval = 1.0 / 60;
 constexpr double floatingEmojiInterval = 0.05;
 constexpr double hardwareCheckPause = 1.5;
 
-// Of every change of the screen that a button makes.
+// For the changes of the screen that buttons make.
 constexpr Animation screenSpring = Animation::spring(0.4, 0.825);
 
-/// What the hardware check says of the keyboard when it may not be listened to.
+/// The hardware check's text for a keyboard without permission.
 std::string_view keyboardRefusal() {
     return makeCheckRows(false, false, false).at(1).fail;
 }
@@ -117,7 +117,7 @@ void ContentView::startAnimations() {
 }
 
 void ContentView::startFloatingAnimation() {
-    // Not kept: the particles drift for the life of the process, whatever screen is shown.
+    // Never invalidated: the particles move for the life of the process, on every screen.
     m_platform.runLoop.scheduledTimer(floatingEmojiInterval, true,
                                       [self = std::weak_ptr(m_self)](Timer&) {
                                           if (const auto view = self.lock())
@@ -200,7 +200,7 @@ void ContentView::setHingeCreak(bool on) {
 }
 
 void ContentView::startVelocityFeed() {
-    // A feed that is already there is overwritten, not ended: it keeps firing beside the new one.
+    // An earlier timer's handle is overwritten; that timer keeps firing beside the new one.
     m_linkTimer = m_platform.runLoop.scheduledTimer(
         velocityFeedInterval, true, [self = std::weak_ptr(m_self)](Timer&) {
             if (const auto view = self.lock())
@@ -228,7 +228,7 @@ std::array<CheckRow, 6> ContentView::checkRows() const {
 
 bool ContentView::isRunningOnMacBook() const {
     std::string model = m_platform.system.modelName();
-    // Letters of ASCII only, whatever the person's locale makes of an I.
+    // ASCII only: in a Turkish locale, tolower('I') is not 'i'.
     std::transform(model.begin(), model.end(), model.begin(), [](char letter) {
         return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
     });

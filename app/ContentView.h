@@ -28,17 +28,17 @@ struct Effect {
     std::function<std::shared_ptr<EffectManager>()> make;
 };
 
-/// The spine of the program: owns the sensor and every switchable effect, decides which screen is
-/// shown, keeps the one stored flag, feeds the lid's velocity to the creak, and starts and stops
-/// everything in a fixed order. Knows no toolkit; screens read its observables and call its
-/// operations. Main thread only.
+/// The controller: owns the sensor, the creak and the effects, decides which screen is shown,
+/// stores the one persistent flag, feeds the lid's velocity to the creak, and starts and stops
+/// everything in a fixed order. Independent of the user interface, which reads its observables and
+/// calls its operations. Main thread only.
 class ContentView : NonCopyable {
 public:
     enum class Screen { HardwareCheck, Warning, ControlPanel };
 
-    /// The stored flag's key in the user defaults.
+    /// The persistent flag's key in the user defaults.
     static constexpr std::string_view hardwareCheckedKey = "hardwareChecked";
-    /// What the default notification centre is told to enter the control panel.
+    /// The notification on the default centre that enters the control panel.
     static constexpr std::string_view autoStartSimulation = "autoStartSimulation";
 
     /// `effects` are made, shown and stopped in their order. `startupManager` outlives the view.
@@ -46,12 +46,12 @@ public:
                 const std::vector<Effect>& effects);
     ~ContentView();
 
-    // What the screens show.
+    // State for the screens.
 
     /// Follows hardwareChecked and sufferingMode.
     [[nodiscard]] const Observable<Screen>& screen() const { return m_screen; }
 
-    /// How the latest change of the screen is to look.
+    /// The animation of the latest change of `screen`.
     [[nodiscard]] const Animation& screenAnimation() const { return m_screenAnimation; }
 
     [[nodiscard]] const Observable<bool>& hardwareChecked() const { return m_hardwareChecked; }
@@ -87,47 +87,47 @@ public:
     /// 0 to 1; glow radii are multiples of it.
     [[nodiscard]] const Observable<AnimatedValue>& glowAmount() const { return m_glowAmount; }
 
-    /// Moved in place 20 times a second from the first appearance on.
+    /// Moved 20 times a second from the first appearance on.
     [[nodiscard]] const std::vector<FloatingEmoji>& floatingEmojis() const {
         return m_floatingEmojis;
     }
 
     [[nodiscard]] const AnyObservable& floatingEmojisMoved() const { return m_floatingEmojisMoved; }
 
-    /// The six results as they stand now, in display order.
+    /// The current results of the hardware check, in display order.
     [[nodiscard]] std::array<CheckRow, 6> checkRows() const;
 
     /// In display order: the creak's, the effects', the startup experience's. Fixed for the life of
     /// the view.
     [[nodiscard]] const std::vector<ToggleRow>& toggleRows() const { return m_toggleRows; }
 
-    // What happens to the view.
+    // Lifecycle.
 
-    /// The view has come on screen. A second appearance adds a second floating-emoji timer.
+    /// The view has appeared on screen. A second call adds a second floating-emoji timer.
     void onAppear();
-    /// The view has gone for good: everything stops, the sensor too.
+    /// The view has disappeared for good: stops everything, the sensor too.
     void onDisappear();
 
-    // What the person does.
+    // Controls.
 
-    /// "CHECK HARDWARE 🔍": results come after a fixed pause of 1.5 s.
+    /// "CHECK HARDWARE 🔍": the results follow after a fixed pause of 1.5 s.
     void runHardwareCheck();
-    /// "CONTINUE": stored, whatever the results.
+    /// "CONTINUE": stores that the check is done, whatever the results.
     void confirmHardwareCheck();
     /// "MAKE ME SUFFER 😭".
     void enterSufferingMode();
     /// "STOP, I'M SUFFERING 😭".
     void leaveSufferingMode();
-    /// The first row's switch. Writing true twice leaves the earlier timer firing.
+    /// The first row's switch. If set to true twice, the first velocity timer keeps firing.
     void setHingeCreak(bool on);
     /// An info button.
     void presentInfo(const ToggleRowText& row);
-    /// The popup's "OK": its texts stay until the next info button.
+    /// The popup's "OK". Its texts stay until the next info button.
     void dismissInfo();
 
-    /// Leaves suffering mode and stops everything but the sensor, which goes on behind the warning.
+    /// Leaves suffering mode and stops everything but the sensor.
     void stopAudio(const Animation& animation = {});
-    /// Whether the model's name says that this is a MacBook.
+    /// Whether the model name contains "macbook", in any letter case.
     [[nodiscard]] bool isRunningOnMacBook() const;
 
     [[nodiscard]] LidAngleSensor& sensor() { return *m_sensor; }
@@ -156,10 +156,9 @@ private:
     void autoStart();
     void updateScreen(const Animation& animation);
 
-    // References to services, all of which outlive the view.
     Platform m_platform;
 
-    // In the order in which they come into being.
+    // In the order of creation.
     std::shared_ptr<LidAngleSensor> m_sensor;
     std::shared_ptr<AudioManager> m_audioManager;
     // A deque, because the rows point to the hints.
@@ -187,7 +186,7 @@ private:
     Animation m_screenAnimation;
     std::vector<ToggleRow> m_toggleRows;
     NotificationCenter::Token m_autoStartToken = 0;
-    // What delayed blocks hold weakly, so that they do nothing once the view is gone.
+    // Delayed blocks hold it weakly, so that they do nothing after the view's destruction.
     std::shared_ptr<ContentView*> m_self;
 };
 

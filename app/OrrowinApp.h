@@ -9,7 +9,7 @@
 
 namespace quorvane {
 
-/// The program itself: what lives as long as the process, and the one window's terms.
+/// The program: what lives as long as the process, and the window's title and size.
 class OrrowinApp {
 public:
     static constexpr std::string_view windowTitle = "Quorvane";
@@ -19,12 +19,11 @@ public:
 
     explicit OrrowinApp(const Platform& platform);
 
-    /// Makes the window's content, which borrows the startup manager.
+    /// Makes the window's content, which must not outlive this.
     [[nodiscard]] std::unique_ptr<ContentView> makeContentView();
 
 private:
     Platform m_platform;
-    // Its triggers are live from launch, on every screen.
     std::shared_ptr<StartupSoundManager> m_startupManager;
 };
 

@@ -8,9 +8,9 @@
 
 namespace quorvane {
 
-/// What a row of the control panel says, in texts that live as long as the program.
+/// The texts of a row of the control panel, which live as long as the program.
 struct ToggleRowText {
-    /// Name of a system symbol.
+    /// Name of the system symbol.
     std::string_view icon;
     std::string_view label;
     std::string_view infoTitle;
@@ -19,15 +19,14 @@ struct ToggleRowText {
     bool operator==(const ToggleRowText&) const = default;
 };
 
-/// A row of the control panel: its words and the two-way binding of its switch.
+/// A row of the control panel: its texts and the two-way binding of its switch.
 struct ToggleRow {
     ToggleRowText text;
-    /// The flag that the switch shows. The binding's write side never sets it directly; the switch
-    /// shows whatever the feature reports after the call.
+    /// The state that the switch shows. `setOn` need not change it: the feature may fail to start.
     const Observable<bool>* isOn = nullptr;
     std::function<void(bool)> setOn;
-    /// Why the feature stays off although it was switched on, for a person; empty while there is
-    /// nothing to tell. Null in rows that never tell anything.
+    /// Why the feature is off although it was switched on, for the user; else empty. Null in rows
+    /// that never have a hint.
     const Observable<std::string>* hint = nullptr;
 };
 
