@@ -46,7 +46,7 @@ TEST_F(ContentViewAutoStartTest, AutoStartOnThePanelWithSwitchesOnChangesNothing
     EXPECT_EQ(view->screenAnimation().curve, Animation::Curve::Spring);
 }
 
-TEST_F(ContentViewAutoStartTest, AutoStartComesByTheDefaultCentreOnly) {
+TEST_F(ContentViewAutoStartTest, AutoStartIsANotificationOfTheDefaultCentreOnly) {
     makeReturningView();
     machine.workspace.post("autoStartSimulation");
     EXPECT_FALSE(view->sufferingMode());

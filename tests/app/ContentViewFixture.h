@@ -41,7 +41,7 @@ protected:
         return *view;
     }
 
-    /// A view of a person who has confirmed the hardware check, as it comes on screen.
+    /// A view that has appeared, for a user who has done the hardware check before.
     ContentView& makeReturningView() {
         machine.userDefaults.setBool("hardwareChecked", true);
         makeView().onAppear();

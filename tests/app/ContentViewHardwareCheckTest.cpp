@@ -49,7 +49,7 @@ TEST_F(ContentViewHardwareCheckTest, TheResultsComeInTheirOrder) {
                                    "trackpad", "done", "checking"));
 }
 
-TEST_F(ContentViewHardwareCheckTest, TheKeyboardLearnsTheAnswerAndNobodyIsAsked) {
+TEST_F(ContentViewHardwareCheckTest, StoresThePermissionInTheKeyboardEffectWithoutAPrompt) {
     makeView();
     keyboard->permission = true;
     view->runHardwareCheck();
@@ -92,7 +92,7 @@ TEST_F(ContentViewHardwareCheckTest, TheModelTestIsASubstringInAnyLetterCase) {
     }
 }
 
-TEST_F(ContentViewHardwareCheckTest, TheCheckRowsTellPassedAndFailedAndTheLastThreeAreAlwaysReady) {
+TEST_F(ContentViewHardwareCheckTest, TheRowsShowPassedAndFailedAndTheLastThreeAreAlwaysReady) {
     makeView();
     const auto failed = view->checkRows();
     EXPECT_EQ(failed[0].fail, "Lid sensor not found — this feature won't be available");
@@ -127,7 +127,7 @@ TEST_F(ContentViewHardwareCheckTest, EachRowShowsItsOwnResult) {
     EXPECT_EQ(passed(), "+--+++");
 }
 
-TEST_F(ContentViewHardwareCheckTest, TheRowsSayWhatTheyAreAboutAndWhatWasFound) {
+TEST_F(ContentViewHardwareCheckTest, TheRowsHaveTheirFeaturesAndTexts) {
     std::vector<std::string> rows;
     for (const CheckRow& each : makeCheckRows(true, true, true))
         rows.push_back(std::string(each.feature) + ": " + std::string(each.ok));

@@ -67,7 +67,7 @@ TEST_F(ContentViewStoppingTest, TheVelocityFeedHasEndedBeforeTheCreakIsStopped) 
     EXPECT_THAT(enabledAndStops, ElementsAre(std::pair(false, 0L), std::pair(false, 1L)));
 }
 
-TEST_F(ContentViewStoppingTest, OnlyTheStopButtonAnimatesTheWayBack) {
+TEST_F(ContentViewStoppingTest, OnlyTheStopButtonAnimatesTheChangeOfScreen) {
     makeReturningView().enterSufferingMode();
     view->onDisappear();
     EXPECT_EQ(view->screen(), Screen::Warning);
@@ -91,7 +91,7 @@ TEST_F(ContentViewStoppingTest, TheStopButtonTurnsEverySwitchOff) {
     EXPECT_THAT(switches(), ElementsAre(false, false, false, false, false, false));
 }
 
-TEST_F(ContentViewStoppingTest, AStartupSoundThatIsOffAlreadyIsLeftWithoutANotice) {
+TEST_F(ContentViewStoppingTest, AStartupSoundThatIsOffAlreadyIsNotNotified) {
     makeReturningView();
     startup.startupSoundEnabled() = false;
     int notices = 0;

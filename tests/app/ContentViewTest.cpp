@@ -73,7 +73,7 @@ TEST_F(ContentViewTest, AFirstLaunchShowsTheHardwareCheckAndEveryLaterOneTheWarn
     EXPECT_EQ(makeView().screen(), Screen::Warning);
 }
 
-TEST_F(ContentViewTest, SufferingIsNotRemembered) {
+TEST_F(ContentViewTest, SufferingModeIsNotPersisted) {
     makeReturningView().enterSufferingMode();
     EXPECT_EQ(view->screen(), Screen::ControlPanel);
     EXPECT_EQ(makeReturningView().screen(), Screen::Warning);
@@ -90,7 +90,7 @@ TEST_F(ContentViewTest, TheThreeButtonsChangeTheScreenWithASpring) {
     EXPECT_EQ(view->screenAnimation(), spring);
 }
 
-TEST_F(ContentViewTest, TheScreenKnowsHowItIsToChangeWhenItDoes) {
+TEST_F(ContentViewTest, TheAnimationIsSetBeforeTheScreenChanges) {
     makeView();
     std::vector<Animation::Curve> curves;
     const auto changed =
@@ -124,14 +124,14 @@ TEST_F(ContentViewTest, EnteringStartsTheSensorAndNoEffect) {
 
 // Appearing.
 
-TEST_F(ContentViewTest, OnItsFirstAppearanceItLoadsTheCreakAndProbesOnlyForAKnownPerson) {
+TEST_F(ContentViewTest, AppearingLoadsTheCreakAndDoesNotProbeBeforeTheHardwareCheck) {
     makeView().onAppear();
     EXPECT_THAT(machine.console.lines, ElementsAre("✅ Φορτώθηκε: creaking.mp3 (2.0s)"));
     EXPECT_THAT(machine.hid.calls(), IsEmpty());
     EXPECT_FALSE(view->sensor().sensorFound());
 }
 
-TEST_F(ContentViewTest, AReturningPersonsSensorIsFoundOnAppearingAfterTheCreakIsLoaded) {
+TEST_F(ContentViewTest, AppearingFindsTheSensorOfAReturningUserAfterLoadingTheCreak) {
     addLid(100);
     makeReturningView();
     EXPECT_THAT(machine.console.lines,
@@ -158,7 +158,7 @@ TEST_F(ContentViewTest, AppearingStartsTheAnimations) {
                                                                      .autoreverses = true}}));
 }
 
-TEST_F(ContentViewTest, AppearingLoadsAnimatesLetsTheParticlesDriftAndProbesInThatOrder) {
+TEST_F(ContentViewTest, AppearingLoadsAnimatesStartsTheParticlesAndProbesInThatOrder) {
     addLid(100);
     machine.userDefaults.setBool("hardwareChecked", true);
     makeView();
@@ -193,7 +193,7 @@ TEST_F(ContentViewTest, TheParticlesMoveTwentyTimesASecondOnEveryScreen) {
     EXPECT_EQ(steps, 40) << "nothing in the view ever stops them";
 }
 
-TEST_F(ContentViewTest, EveryParticleHasMovedByATwentiethOfItsSpeedsWhenItIsTold) {
+TEST_F(ContentViewTest, EveryParticleHasMovedByATwentiethOfItsSpeedsBeforeTheNotification) {
     makeView();
     const auto before = view->floatingEmojis();
     ASSERT_EQ(before.size(), 12U);

@@ -43,7 +43,7 @@ private:
         Class::create(exchange(m_machine.platform(), {.runLoop = &m_runLoop}));
 };
 
-TEST(MainThread, WhatIsLetGoElsewhereIsDestroyedFromTheMainQueue) {
+TEST(MainThread, DroppedOnAnotherThreadTheyAreDestroyedFromTheMainQueue) {
     EXPECT_EQ(Owner<LidAngleSensor>().letGoElsewhere(), 1);
     EXPECT_EQ(Owner<AudioManager>().letGoElsewhere(), 1);
     EXPECT_EQ(Owner<KeyboardCrackManager>().letGoElsewhere(), 1);

@@ -41,7 +41,7 @@ protected:
         machine.bundle.addResource(name, "mp3", path);
     }
 
-    /// Opens the window for a person who has been here before, on the control panel.
+    /// Opens the control panel, for a user who has done the hardware check before.
     void enterPanel() {
         machine.userDefaults.setBool("hardwareChecked", true);
         app.emplace(machine.platform());

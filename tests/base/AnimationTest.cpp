@@ -14,15 +14,15 @@ constexpr double exact = 1e-9;
 
 constexpr Animation glow = Animation::easeInOut(1.5).repeatForever(/*reversing=*/true);
 
-TEST(AnimationProgress, IsThereAtOnceWithoutAnimation) {
+TEST(AnimationProgress, WithoutAnimationIsOneAtOnce) {
     EXPECT_EQ(Animation{}.progress(0), 1);
 }
 
-TEST(AnimationProgress, HasNoMotionWithoutAnimationLaterEither) {
+TEST(AnimationProgress, WithoutAnimationIsOneLaterToo) {
     EXPECT_EQ(Animation{}.progress(5), 1);
 }
 
-TEST(Animation, IsMadeOfWhatItsNameSays) {
+TEST(Animation, FactoriesSetTheirFields) {
     constexpr Animation spring = Animation::spring(0.4, 0.825);
     EXPECT_EQ(spring.curve, Animation::Curve::Spring);
     EXPECT_EQ(spring.response, 0.4);
@@ -54,7 +54,7 @@ TEST(AnimationProgress, StartsOverWhenItRepeatsWithoutReversing) {
     EXPECT_THAT(rotation.progress(2030), DoubleNear(0.5, exact));
 }
 
-TEST(AnimationProgress, GlowsUpAndDownForEver) {
+TEST(AnimationProgress, GoesUpAndDownWhenItReverses) {
     for (const double period : {0.0, 3.0, 300.0}) {
         EXPECT_THAT(glow.progress(period), DoubleNear(0, exact));
         EXPECT_THAT(glow.progress(period + 0.75), DoubleNear(0.5, exact));

@@ -33,7 +33,7 @@ TEST(MainThreadOwned, TheLastReferenceOnTheMainThreadDestroysAtOnce) {
     EXPECT_TRUE(destroyed);
 }
 
-TEST(MainThreadOwned, TheLastReferenceOnAnotherThreadHopsToTheMainThread) {
+TEST(MainThreadOwned, TheLastReferenceOnAnotherThreadDestroysFromTheMainQueue) {
     SimulatedRunLoop runLoop;
     bool destroyed = false;
     auto owned = makeMainThreadOwned(runLoop, std::make_unique<Owned>(runLoop, destroyed));

@@ -8,7 +8,7 @@
 namespace quorvane {
 namespace {
 
-TEST(Observable, TellsOfAChange) {
+TEST(Observable, NotifiesOfAChange) {
     Observable<int> value{1};
     int notices = 0;
     const auto subscription = value.observe([&] { ++notices; });
@@ -17,7 +17,7 @@ TEST(Observable, TellsOfAChange) {
     EXPECT_EQ(notices, 1);
 }
 
-TEST(Observable, AWriteOfTheSameValueNotifiesNobody) {
+TEST(Observable, AWriteOfTheSameValueDoesNotNotify) {
     Observable<double> value{0.5};
     int notices = 0;
     const auto subscription = value.observe([&] { ++notices; });
@@ -33,7 +33,7 @@ TEST(Observable, CanBeMadeToNotifyWithoutAChange) {
     EXPECT_EQ(notices, 1);
 }
 
-TEST(Observable, HoldsTheNewValueWhenItTells) {
+TEST(Observable, HasTheNewValueWhenItNotifies) {
     Observable<int> value{1};
     int seen = 0;
     const auto subscription = value.observe([&] { seen = value; });
@@ -41,7 +41,7 @@ TEST(Observable, HoldsTheNewValueWhenItTells) {
     EXPECT_EQ(seen, 7);
 }
 
-TEST(Observable, TellsObserversInTheOrderOfRegistration) {
+TEST(Observable, NotifiesInTheOrderOfRegistration) {
     Observable<int> value;
     std::vector<int> order;
     const auto first = value.observe([&] { order.push_back(1); });
@@ -50,7 +50,7 @@ TEST(Observable, TellsObserversInTheOrderOfRegistration) {
     EXPECT_EQ(order, (std::vector{1, 2}));
 }
 
-TEST(Observable, ADroppedSubscriptionHearsNothing) {
+TEST(Observable, ADroppedSubscriptionIsNotCalled) {
     Observable<int> value;
     int notices = 0;
     {
@@ -60,7 +60,7 @@ TEST(Observable, ADroppedSubscriptionHearsNothing) {
     EXPECT_EQ(notices, 0);
 }
 
-TEST(Observable, AnObserverMayCancelItselfWhileItIsTold) {
+TEST(Observable, AnObserverMayCancelItself) {
     Observable<int> value;
     int notices = 0;
     Subscription subscription;
@@ -75,7 +75,7 @@ TEST(Observable, AnObserverMayCancelItselfWhileItIsTold) {
     EXPECT_EQ(guard.use_count(), 1) << "a cancelled observer must let go of what it captured";
 }
 
-TEST(Observable, AnObserverThatAnotherOneCancelsIsNotTold) {
+TEST(Observable, AnObserverCancelledByAnEarlierOneIsNotCalled) {
     Observable<int> value;
     int notices = 0;
     Subscription second;
@@ -85,7 +85,7 @@ TEST(Observable, AnObserverThatAnotherOneCancelsIsNotTold) {
     EXPECT_EQ(notices, 0);
 }
 
-TEST(Observable, AnObserverThatIsAddedWhileTellingHearsTheNextChange) {
+TEST(Observable, AnObserverAddedDuringANotificationIsCalledFromTheNextChangeOn) {
     Observable<int> value;
     int notices = 0;
     Subscription late;
@@ -116,7 +116,7 @@ TEST(Observable, AMovedSubscriptionStillCountsAndTheOldHandleDoesNot) {
     EXPECT_EQ(notices, 1);
 }
 
-TEST(Observable, ASubscriptionThatIsAssignedOverEnds) {
+TEST(Observable, AssigningToASubscriptionEndsIt) {
     Observable<int> value;
     int first = 0;
     int second = 0;
@@ -127,7 +127,7 @@ TEST(Observable, ASubscriptionThatIsAssignedOverEnds) {
     EXPECT_EQ(second, 1);
 }
 
-TEST(Observable, ACancelledObserverIsLetGoOfAtOnce) {
+TEST(Observable, ACancelledObserverIsDestroyedAtOnce) {
     Observable<int> value;
     const auto captured = std::make_shared<int>();
     Subscription subscription = value.observe([captured] {});
@@ -136,7 +136,7 @@ TEST(Observable, ACancelledObserverIsLetGoOfAtOnce) {
     EXPECT_EQ(captured.use_count(), 1);
 }
 
-TEST(Observable, ANoticeOfWhatIsKeptElsewhereIsToldEveryTime) {
+TEST(Observable, AChangeNoticeNotifiesEveryTime) {
     ChangeNotice notice;
     int notices = 0;
     const auto subscription = notice.observe([&] { ++notices; });

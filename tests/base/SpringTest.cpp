@@ -44,7 +44,7 @@ TEST_P(SpringOfAnyDamping, MovesAsTheEquationOfMotionSays) {
     }
 }
 
-TEST_P(SpringOfAnyDamping, StartsWhereItIsPut) {
+TEST_P(SpringOfAnyDamping, StartsAtItsInitialState) {
     const Spring spring{.response = 0.6, .dampingFraction = GetParam()};
     const SpringState initial{.displacement = 2.5, .velocity = -7};
     const SpringState actual = spring.after(0, initial);
@@ -52,7 +52,7 @@ TEST_P(SpringOfAnyDamping, StartsWhereItIsPut) {
     EXPECT_THAT(actual.velocity, DoubleNear(-7, 1e-6));
 }
 
-TEST_P(SpringOfAnyDamping, GoesOnFromAnyPointAsIfItHadNotBeenLookedAt) {
+TEST_P(SpringOfAnyDamping, DoesNotDependOnTheNumberOfSteps) {
     const Spring spring{.response = 0.4, .dampingFraction = GetParam()};
     const SpringState initial{.displacement = -1, .velocity = 0};
     const SpringState inTwoSteps = spring.after(0.13, spring.after(0.07, initial));
@@ -68,7 +68,7 @@ TEST(Spring, WithoutDampingComesBackAfterOneResponse) {
     EXPECT_THAT(state.velocity, DoubleNear(0, 1e-7));
 }
 
-TEST(Spring, OvershootsByTheShareThatItsDampingFractionGives) {
+TEST(Spring, OvershootsAccordingToItsDampingFraction) {
     const double damping = 0.6;
     const Spring spring{.response = 0.6, .dampingFraction = damping};
     const double root = std::sqrt(1 - damping * damping);

@@ -5,7 +5,7 @@
 namespace quorvane {
 namespace {
 
-TEST(UniformDraw, IsOfTheWholeNumbersUpToTwoToThe53rd) {
+TEST(UniformDraw, TheBoundIsTwoToThe53rd) {
     EXPECT_EQ(uniformDrawBound, 9007199254740992U);
 }
 

@@ -7,7 +7,7 @@
 namespace quorvane {
 namespace {
 
-TEST(InProcessNotificationCenter, KnowsHowManyObserversThereAre) {
+TEST(InProcessNotificationCenter, CountsItsObservers) {
     InProcessNotificationCenter center;
     const auto first = center.addObserver("a", [] {});
     center.addObserver("b", [] {});
@@ -18,7 +18,7 @@ TEST(InProcessNotificationCenter, KnowsHowManyObserversThereAre) {
     EXPECT_EQ(center.observerCount(), 1U);
 }
 
-TEST(InProcessNotificationCenter, AnObserverThatIsAddedMeanwhileIsNotPartOfTheNotice) {
+TEST(InProcessNotificationCenter, AnObserverAddedDuringAPostIsNotCalledForIt) {
     InProcessNotificationCenter center;
     std::vector<int> told;
     center.addObserver("a", [&] {
@@ -29,7 +29,7 @@ TEST(InProcessNotificationCenter, AnObserverThatIsAddedMeanwhileIsNotPartOfTheNo
     EXPECT_EQ(told, (std::vector{1}));
 }
 
-TEST(InProcessNotificationCenter, AnObserverMayRemoveItselfAndOthersMeanwhile) {
+TEST(InProcessNotificationCenter, AnObserverMayRemoveItselfAndOthersDuringAPost) {
     InProcessNotificationCenter center;
     std::vector<int> told;
     NotificationCenter::Token first = 0;
@@ -45,7 +45,7 @@ TEST(InProcessNotificationCenter, AnObserverMayRemoveItselfAndOthersMeanwhile) {
     EXPECT_EQ(told, (std::vector{1, 3}));
 }
 
-TEST(InProcessNotificationCenter, TellsThoseWhoObserveTheNameInTheOrderTheyCame) {
+TEST(InProcessNotificationCenter, CallsTheObserversOfTheNameInTheOrderOfRegistration) {
     InProcessNotificationCenter center;
     std::vector<int> told;
     center.addObserver("a", [&] { told.push_back(1); });
@@ -57,7 +57,7 @@ TEST(InProcessNotificationCenter, TellsThoseWhoObserveTheNameInTheOrderTheyCame)
     EXPECT_EQ(told, (std::vector{1, 3}));
 }
 
-TEST(InProcessNotificationCenter, ATokenIsNeverZeroNorGivenTwice) {
+TEST(InProcessNotificationCenter, TokensAreUniqueAndNeverZero) {
     InProcessNotificationCenter center;
     const auto first = center.addObserver("a", [] {});
     center.removeObserver(first);
@@ -66,7 +66,7 @@ TEST(InProcessNotificationCenter, ATokenIsNeverZeroNorGivenTwice) {
     EXPECT_NE(second, first);
 }
 
-TEST(InProcessNotificationCenter, ARemovedObserverIsToldNothingAndLetsGoOfItsBlock) {
+TEST(InProcessNotificationCenter, ARemovedObserverIsNotCalledAndItsBlockIsDestroyed) {
     InProcessNotificationCenter center;
     const auto captured = std::make_shared<int>();
     const auto token = center.addObserver("a", [captured] { ++*captured; });

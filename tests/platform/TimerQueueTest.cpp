@@ -11,7 +11,7 @@
 namespace quorvane {
 namespace {
 
-TEST(TimerQueue, ASixtiethOfASecondKeepsToItsGridForADay) {
+TEST(TimerQueue, ATimerOfASixtiethOfASecondDoesNotDriftInADay) {
     TimerQueue queue;
     std::int64_t firings = 0;
     queue.schedule(0, 1.0 / 60, true, [&](Timer&) { ++firings; });
@@ -29,7 +29,7 @@ TEST(TimerQueue, NothingRunsBeforeItIsDue) {
     EXPECT_EQ(queue.pendingCount(), 1U);
 }
 
-TEST(TimerQueue, AnInvalidatedTimerLeavesAtOnceAndLetsGoOfWhatItCaptured) {
+TEST(TimerQueue, AnInvalidatedTimerIsRemovedAtOnceAndItsBlockDestroyed) {
     TimerQueue queue;
     auto captured = std::make_shared<int>();
     const auto timer = queue.schedule(0, 1, true, [captured](Timer&) {});
@@ -39,7 +39,7 @@ TEST(TimerQueue, AnInvalidatedTimerLeavesAtOnceAndLetsGoOfWhatItCaptured) {
     EXPECT_FALSE(queue.nextDeadline());
 }
 
-TEST(TimerQueue, WorkIsDueAtItsInstantAndNotANanosecondBefore) {
+TEST(TimerQueue, ATimerIsDueAtItsDeadlineAndNotANanosecondBefore) {
     TimerQueue queue;
     int ran = 0;
     queue.schedule(0, 1, false, [&](Timer&) { ++ran; });
@@ -49,7 +49,7 @@ TEST(TimerQueue, WorkIsDueAtItsInstantAndNotANanosecondBefore) {
     EXPECT_FALSE(queue.runNext(1'000'000'000));
 }
 
-TEST(TimerQueue, ATimerThatDoesNotRepeatHasEndedBeforeItsBlockRuns) {
+TEST(TimerQueue, ATimerThatDoesNotRepeatIsInvalidBeforeItsBlockRuns) {
     TimerQueue queue;
     bool valid = true;
     const auto timer = queue.schedule(0, 1, false, [&](Timer& self) {
@@ -78,7 +78,7 @@ TEST(TimerQueue, ARepeatingTimerMayEndItselfInItsBlock) {
     EXPECT_EQ(captured.use_count(), 1);
 }
 
-TEST(TimerQueue, ARepeatingTimerStaysValidAndSkipsWhatWasMissed) {
+TEST(TimerQueue, ARepeatingTimerStaysValidAndSkipsMissedFirings) {
     TimerQueue queue;
     const auto timer = queue.schedule(5, 1, true, [](Timer&) {});
     EXPECT_EQ(queue.nextDeadline(), 1'000'000'005);
@@ -92,7 +92,7 @@ TEST(TimerQueue, ARepeatingTimerStaysValidAndSkipsWhatWasMissed) {
     EXPECT_EQ(queue.nextDeadline(), 8'000'000'005);
 }
 
-TEST(TimerQueue, ANegativeOrNoIntervalCountsAsATenthOfAMillisecond) {
+TEST(TimerQueue, AnIntervalOfZeroOrLessCountsAsATenthOfAMillisecond) {
     TimerQueue queue;
     queue.schedule(0, 0, true, [](Timer&) {});
     EXPECT_EQ(queue.nextDeadline(), 100'000);
@@ -109,7 +109,7 @@ TEST(TimerQueue, AHandleMayOutliveTheQueue) {
     timer->invalidate();
 }
 
-TEST(TimerQueue, WhatABlockOwnsMayInvalidateOtherTimersWhileTheQueueGoes) {
+TEST(TimerQueue, ABlocksObjectsMayInvalidateOtherTimersDuringTheQueuesDestruction) {
     class Invalidator : NonCopyable {
     public:
         explicit Invalidator(std::shared_ptr<Timer> timer) : m_timer(std::move(timer)) {}
@@ -142,7 +142,7 @@ TEST(SimulatedRunLoop, TheClockNeverMovesByItself) {
     EXPECT_EQ(runLoop.currentMediaTime(), before);
 }
 
-TEST(SimulatedRunLoop, WorkRunsInTimeOrderEachAtItsOwnInstant) {
+TEST(SimulatedRunLoop, TimersFireInOrderEachAtItsDeadline) {
     SimulatedRunLoop runLoop;
     const double start = runLoop.currentMediaTime();
     std::vector<double> instants;
@@ -156,7 +156,7 @@ TEST(SimulatedRunLoop, WorkRunsInTimeOrderEachAtItsOwnInstant) {
     EXPECT_DOUBLE_EQ(runLoop.currentMediaTime() - start, 1);
 }
 
-TEST(SimulatedRunLoop, EqualDeadlinesRunInTheOrderOfRegistration) {
+TEST(SimulatedRunLoop, EqualDeadlinesFireInTheOrderOfScheduling) {
     SimulatedRunLoop runLoop;
     std::vector<int> order;
     runLoop.asyncAfter(0.1, [&] { order.push_back(1); });
@@ -166,7 +166,7 @@ TEST(SimulatedRunLoop, EqualDeadlinesRunInTheOrderOfRegistration) {
     EXPECT_EQ(order, (std::vector{1, 2, 3}));
 }
 
-TEST(SimulatedRunLoop, WorkThatIsScheduledOnTheWayRunsIfItIsDueByTheEnd) {
+TEST(SimulatedRunLoop, ATimerScheduledMeanwhileFiresIfItIsDueByTheEnd) {
     SimulatedRunLoop runLoop;
     int ran = 0;
     runLoop.asyncAfter(0.1, [&] {
@@ -177,7 +177,7 @@ TEST(SimulatedRunLoop, WorkThatIsScheduledOnTheWayRunsIfItIsDueByTheEnd) {
     EXPECT_EQ(ran, 1);
 }
 
-TEST(SimulatedRunLoop, AnIntervalOfZeroCannotTrapIt) {
+TEST(SimulatedRunLoop, AnIntervalOfZeroDoesNotBlockIt) {
     SimulatedRunLoop runLoop;
     int ran = 0;
     runLoop.scheduledTimer(0, true, [&](Timer&) { ++ran; });
@@ -185,7 +185,7 @@ TEST(SimulatedRunLoop, AnIntervalOfZeroCannotTrapIt) {
     EXPECT_EQ(ran, 100);
 }
 
-TEST(SimulatedRunLoop, WorkThatABusyMainThreadMissedRunsOnceAndLate) {
+TEST(SimulatedRunLoop, FiringsMissedWhileBusyHappenOnceAndLate) {
     SimulatedRunLoop runLoop;
     std::vector<double> instants;
     const double start = runLoop.currentMediaTime();
@@ -198,7 +198,7 @@ TEST(SimulatedRunLoop, WorkThatABusyMainThreadMissedRunsOnceAndLate) {
     EXPECT_DOUBLE_EQ(instants[1], 0.4);
 }
 
-TEST(SimulatedRunLoop, SleepMovesTheWallClockAlone) {
+TEST(SimulatedRunLoop, SleepMovesOnlyTheWallClock) {
     SimulatedRunLoop runLoop;
     const double media = runLoop.currentMediaTime();
     const double date = runLoop.currentDate();
@@ -211,7 +211,7 @@ TEST(SimulatedRunLoop, SleepMovesTheWallClockAlone) {
     EXPECT_DOUBLE_EQ(runLoop.currentDate(), date + 3600);
 }
 
-TEST(SimulatedRunLoop, TellsHowMuchIsPendingAndWhenTheNextIsDue) {
+TEST(SimulatedRunLoop, CountsItsTimersAndHasTheNextDeadline) {
     SimulatedRunLoop runLoop;
     EXPECT_FALSE(runLoop.nextDeadline());
     runLoop.asyncAfter(2, [] {});
@@ -222,7 +222,7 @@ TEST(SimulatedRunLoop, TellsHowMuchIsPendingAndWhenTheNextIsDue) {
     EXPECT_DOUBLE_EQ(*runLoop.nextDeadline(), runLoop.currentMediaTime() + 2);
 }
 
-TEST(SimulatedRunLoop, AHeldMainQueueRunsWhenItIsLetGo) {
+TEST(SimulatedRunLoop, AHeldMainQueueRunsOnceItIsReleased) {
     SimulatedRunLoop runLoop;
     int ran = 0;
     runLoop.holdMainQueue(true);

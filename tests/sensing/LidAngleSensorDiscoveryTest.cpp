@@ -15,20 +15,20 @@ constexpr auto fallbackLine =
 
 using LidAngleSensorDiscoveryTest = LidAngleSensorFixture;
 
-TEST_F(LidAngleSensorDiscoveryTest, FindsTheFirstKnownProductAndSaysSo) {
+TEST_F(LidAngleSensorDiscoveryTest, FindsTheFirstKnownProductAndPrintsIt) {
     probeLidAt(112);
     EXPECT_TRUE(sensor->sensorFound());
     EXPECT_THAT(machine.console.lines,
                 ElementsAre("✅ [SENSOR] Found lid sensor! ProductID=0x8104, angle=112°"));
 }
 
-TEST_F(LidAngleSensorDiscoveryTest, AsksAManagerInThePromisedOrderAndKeepsItOpen) {
+TEST_F(LidAngleSensorDiscoveryTest, CallsTheManagerInOrderAndKeepsItOpen) {
     probeLidAt(112);
     EXPECT_THAT(machine.hid.calls(),
                 ElementsAre("create", "match 1452:33028", "schedule", "open", "copy"));
 }
 
-TEST_F(LidAngleSensorDiscoveryTest, TriesTheProductsInTheirOrderAndThenEveryDeviceOfTheMaker) {
+TEST_F(LidAngleSensorDiscoveryTest, TriesTheProductsInOrderAndThenEveryDeviceOfTheVendor) {
     sensor->probeSensor();
     std::vector<std::string> matches;
     std::copy_if(machine.hid.calls().begin(), machine.hid.calls().end(),
@@ -53,14 +53,14 @@ TEST_F(LidAngleSensorDiscoveryTest, AnUnknownProductIsFoundByTheScan) {
     EXPECT_FALSE(sensor->usingSleepWake());
 }
 
-TEST_F(LidAngleSensorDiscoveryTest, TheScanCallsAMissingProductIdZero) {
+TEST_F(LidAngleSensorDiscoveryTest, TheScanPrintsAMissingProductIdAsZero) {
     machine.hid.addDevice(std::nullopt)->setAngle(45);
     sensor->probeSensor();
     EXPECT_THAT(machine.console.lines,
                 ElementsAre("✅ [SENSOR] Found lid sensor via scan! ProductID=0x0, angle=45°"));
 }
 
-TEST_F(LidAngleSensorDiscoveryTest, AnotherMakersDeviceIsNeverAsked) {
+TEST_F(LidAngleSensorDiscoveryTest, ADeviceOfAnotherVendorIsNeverRead) {
     const auto other = machine.hid.addDevice(0x8104);
     other->vendorID = 0x046D;
     other->setAngle(100);
@@ -197,7 +197,7 @@ TEST_F(LidAngleSensorDiscoveryTest, ARepeatedProbeThatFindsOneAgainReplacesWhatI
     EXPECT_EQ(sensor->angle(), 80);
 }
 
-TEST_F(LidAngleSensorDiscoveryTest, ARepeatedProbeNotifiesNobodyWhenNothingChanged) {
+TEST_F(LidAngleSensorDiscoveryTest, ARepeatedProbeDoesNotNotifyWithoutAChange) {
     probeLidAt(100);
     int notices = 0;
     const auto found = sensor->sensorFound().observe([&] { ++notices; });

@@ -20,7 +20,7 @@ protected:
         ASSERT_FALSE(sensor->usingSleepWake());
     }
 
-    /// From now on the lid moves evenly, from 100 degrees.
+    /// Moves the lid evenly from now on, from 100 degrees.
     void moveLid(double degreesPerSecond) {
         const double start = machine.runLoop.currentMediaTime();
         lid->setAngle([start, degreesPerSecond](double time) {
@@ -28,7 +28,16 @@ protected:
         });
     }
 
-    /// Lets time pass to the next poll and no further.
+    /// A running sensor whose lid has moved from 100 to 130 degrees in the last second.
+    void pollMovingLid() {
+        probeLidAt(100);
+        moveLid(30);
+        sensor->start();
+        machine.runLoop.advance(1);
+        ASSERT_NEAR(sensor->velocity(), 30, 6);
+    }
+
+    /// Runs to the next poll.
     void advanceOnePoll() {
         machine.runLoop.advance(*machine.runLoop.nextDeadline() -
                                 machine.runLoop.currentMediaTime());

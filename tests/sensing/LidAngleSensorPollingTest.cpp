@@ -41,7 +41,7 @@ TEST_F(LidAngleSensorPollingTest, TheFirstPollSetsTheAngleAndLeavesTheVelocity) 
     EXPECT_TRUE(sensor->isRunning());
 }
 
-TEST_F(LidAngleSensorPollingTest, ItRunsOnlyOnceTheFirstAngleIsThere) {
+TEST_F(LidAngleSensorPollingTest, IsRunningIsSetAfterTheFirstAngle) {
     probeLidAt(100);
     double angle = 0;
     const auto running = sensor->isRunning().observe([&] { angle = sensor->angle(); });
@@ -49,7 +49,7 @@ TEST_F(LidAngleSensorPollingTest, ItRunsOnlyOnceTheFirstAngleIsThere) {
     EXPECT_EQ(angle, 100);
 }
 
-TEST_F(LidAngleSensorPollingTest, AnyAngleCountsOnceTheDeviceIsChosen) {
+TEST_F(LidAngleSensorPollingTest, AnyAngleIsAcceptedOnceTheDeviceIsChosen) {
     probeLidAt(100);
     sensor->start();
     lid->setAngle(0);
@@ -68,11 +68,7 @@ TEST_F(LidAngleSensorPollingTest, AConstantAngleHasNoVelocity) {
 }
 
 TEST_F(LidAngleSensorPollingTest, StopEndsThePollingAndTheVelocityAlsoWhenCalledTwice) {
-    probeLidAt(100);
-    moveLid(30);
-    sensor->start();
-    machine.runLoop.advance(1);
-    ASSERT_NE(sensor->velocity(), 0);
+    pollMovingLid();
     for (int i = 0; i < 2; ++i) {
         sensor->stop();
         EXPECT_EQ(sensor->velocity(), 0);

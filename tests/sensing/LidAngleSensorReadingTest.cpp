@@ -44,13 +44,9 @@ INSTANTIATE_TEST_SUITE_P(Reports, BadReportTest,
                                                  : std::string("failed");
                          });
 
-TEST_F(LidAngleSensorReadingTest, ALongSilenceChangesNothingAndIsNotAnEnd) {
-    probeLidAt(100);
-    moveLid(30);
-    sensor->start();
-    machine.runLoop.advance(1);
+TEST_F(LidAngleSensorReadingTest, AfterManyFailedReadingsItGoesOn) {
+    pollMovingLid();
     const double before = sensor->velocity();
-    ASSERT_NEAR(before, 30, 6);
     lid->setReport(std::nullopt);
     machine.runLoop.advance(2);
     EXPECT_EQ(sensor->velocity(), before);
@@ -62,13 +58,9 @@ TEST_F(LidAngleSensorReadingTest, ALongSilenceChangesNothingAndIsNotAnEnd) {
     EXPECT_EQ(sensor->velocity(), 0);
 }
 
-TEST_F(LidAngleSensorReadingTest, ADeviceThatVanishesWhileTheLidMovesChangesNothing) {
-    probeLidAt(100);
-    moveLid(30);
-    sensor->start();
-    machine.runLoop.advance(1);
+TEST_F(LidAngleSensorReadingTest, ADeviceUnpluggedWhileTheLidMovesChangesNothing) {
+    pollMovingLid();
     const double before = sensor->velocity();
-    ASSERT_NEAR(before, 30, 6);
     lid->unplug();
     machine.runLoop.advance(2);
     EXPECT_TRUE(sensor->isRunning());
@@ -76,25 +68,25 @@ TEST_F(LidAngleSensorReadingTest, ADeviceThatVanishesWhileTheLidMovesChangesNoth
     EXPECT_EQ(sensor->velocity(), before);
 }
 
-// What is asked of the device.
+// The calls that the device gets.
 
-struct Question {
+struct Call {
     HIDReportType type;
     int reportID;
     std::size_t room;
     std::size_t length;
 
-    bool operator==(const Question&) const = default;
+    bool operator==(const Call&) const = default;
 };
 
-/// A lid at 100 degrees that notes what it is asked.
-class AskedLid final : public HIDDevice {
+/// A lid at 100 degrees that records its calls.
+class RecordingLid final : public HIDDevice {
 public:
     HIDResult open() override { return hidSuccess; }
 
     HIDResult getReport(HIDReportType type, std::uint8_t reportID, std::span<std::uint8_t> buffer,
                         std::size_t& length) override {
-        questions.push_back(
+        calls.push_back(
             {.type = type, .reportID = reportID, .room = buffer.size(), .length = length});
         buffer[0] = 1;
         buffer[1] = 100;
@@ -107,10 +99,10 @@ public:
         return std::nullopt;
     }
 
-    std::vector<Question> questions;
+    std::vector<Call> calls;
 };
 
-class AskedHID final : public HIDService {
+class RecordingHID final : public HIDService {
 public:
     std::shared_ptr<HIDManager> createManager() override {
         class Manager final : public HIDManager {
@@ -138,27 +130,28 @@ public:
         return manager;
     }
 
-    std::shared_ptr<AskedLid> lid = std::make_shared<AskedLid>();
+    std::shared_ptr<RecordingLid> lid = std::make_shared<RecordingLid>();
     std::vector<std::weak_ptr<HIDManager>> managers;
 };
 
-TEST(LidAngleSensorQuestions, EveryReadingAsksForFeatureReport1WithRoomForEightBytes) {
+class LidAngleSensorCallsTest : public testing::Test {
+protected:
     SimulatedMachine machine;
-    AskedHID hid;
-    const auto sensor = LidAngleSensor::create(exchange(machine.platform(), {.hid = &hid}));
+    RecordingHID hid;
+    std::shared_ptr<LidAngleSensor> sensor =
+        LidAngleSensor::create(exchange(machine.platform(), {.hid = &hid}));
+};
+
+TEST_F(LidAngleSensorCallsTest, EveryReadingGetsFeatureReport1WithRoomForEightBytes) {
     sensor->probeSensor();
     sensor->start();
     machine.runLoop.advance(0.1);
-    EXPECT_THAT(hid.lid->questions, SizeIs(5)) << "the probe, the start and three polls";
-    EXPECT_THAT(
-        hid.lid->questions,
-        Each(Question{.type = HIDReportType::Feature, .reportID = 1, .room = 8, .length = 8}));
+    EXPECT_THAT(hid.lid->calls, SizeIs(5)) << "the probe, the start and three polls";
+    EXPECT_THAT(hid.lid->calls,
+                Each(Call{.type = HIDReportType::Feature, .reportID = 1, .room = 8, .length = 8}));
 }
 
-TEST(LidAngleSensorQuestions, ARepeatedProbeHoldsTheManagerThatFoundTheSensorLast) {
-    SimulatedMachine machine;
-    AskedHID hid;
-    const auto sensor = LidAngleSensor::create(exchange(machine.platform(), {.hid = &hid}));
+TEST_F(LidAngleSensorCallsTest, ARepeatedProbeKeepsOnlyTheLatestManager) {
     sensor->probeSensor();
     ASSERT_THAT(hid.managers, SizeIs(1));
     EXPECT_FALSE(hid.managers[0].expired());

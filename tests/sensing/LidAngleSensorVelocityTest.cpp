@@ -60,12 +60,8 @@ TEST_F(LidAngleSensorVelocityTest, TheVelocityIsZeroAWindowAfterTheLidStopped) {
 }
 
 TEST_F(LidAngleSensorVelocityTest, AfterAGapLongerThanTheWindowTheVelocityWaitsForNewSamples) {
-    probeLidAt(100);
-    moveLid(30);
-    sensor->start();
-    machine.runLoop.advance(1);
+    pollMovingLid();
     const double before = sensor->velocity();
-    EXPECT_NEAR(before, 30, 6);
     machine.runLoop.block(0.5);
     lid->setAngle(20);
     machine.runLoop.advance(0);
@@ -108,12 +104,8 @@ protected:
     /// After a second of even motion the main thread is busy, until a late poll at 20 degrees; the
     /// next one, `gap` seconds later and on the grid again, reads 26.
     void pollLateAndThenAfter(double gap) {
-        probeLidAt(100);
-        moveLid(30);
-        sensor->start();
-        machine.runLoop.advance(1);
+        pollMovingLid();
         before = sensor->velocity();
-        ASSERT_NEAR(before, 30, 6);
         machine.runLoop.block(0.5 - gap);
         lid->setAngle(20);
         machine.runLoop.advance(0);

@@ -29,14 +29,14 @@ protected:
     std::shared_ptr<LidAngleSensor> sensor = LidAngleSensor::create(machine.platform());
 };
 
-TEST_F(SleepWakeFallbackTest, StartObservesBothNotificationsAndSaysSo) {
+TEST_F(SleepWakeFallbackTest, StartObservesBothNotificationsAndPrintsALine) {
     EXPECT_EQ(machine.console.lines.back(), "📡 [SENSOR] Sleep/wake monitoring started");
     EXPECT_EQ(machine.workspace.observerCount(), 2U);
     EXPECT_TRUE(sensor->isRunning());
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U) << "between events the fallback costs nothing";
 }
 
-TEST_F(SleepWakeFallbackTest, WakingScreensStandForAnOpeningLid) {
+TEST_F(SleepWakeFallbackTest, WakingScreensSimulateAnOpeningLid) {
     wake();
     EXPECT_EQ(sensor->velocity(), 80);
     ticks(1);
@@ -45,7 +45,7 @@ TEST_F(SleepWakeFallbackTest, WakingScreensStandForAnOpeningLid) {
     EXPECT_NEAR(sensor->velocity(), 69.192, 1e-9);
 }
 
-TEST_F(SleepWakeFallbackTest, SleepingScreensStandForAClosingLid) {
+TEST_F(SleepWakeFallbackTest, SleepingScreensSimulateAClosingLid) {
     sleep();
     EXPECT_EQ(sensor->velocity(), -80);
     ticks(1);
@@ -131,14 +131,14 @@ TEST_F(SleepWakeFallbackTest, EveryTickOfABurstNotifies) {
     EXPECT_EQ(notices, 60);
 }
 
-TEST_F(SleepWakeFallbackTest, ABurstWhoseSensorHasGoneEndsItsTimer) {
+TEST_F(SleepWakeFallbackTest, ABurstWithoutItsSensorEndsItsTimer) {
     wake();
     sensor.reset();
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
     EXPECT_EQ(machine.workspace.observerCount(), 0U);
 }
 
-TEST_F(SleepWakeFallbackTest, ATickThatFindsTheSensorGoneEndsItsTimer) {
+TEST_F(SleepWakeFallbackTest, ATickAfterTheLastReferenceEndsItsTimer) {
     wake();
     // The last reference goes on another thread, so the sensor itself waits on the main queue.
     machine.runLoop.holdMainQueue(true);
@@ -151,7 +151,7 @@ TEST_F(SleepWakeFallbackTest, ATickThatFindsTheSensorGoneEndsItsTimer) {
     EXPECT_EQ(machine.workspace.observerCount(), 0U);
 }
 
-TEST_F(SleepWakeFallbackTest, ANotificationThatFindsTheSensorGoneDoesNothing) {
+TEST_F(SleepWakeFallbackTest, ANotificationAfterTheLastReferenceDoesNothing) {
     machine.runLoop.holdMainQueue(true);
     std::thread([last = std::move(sensor)]() mutable { last.reset(); }).join();
     wake();

@@ -21,7 +21,7 @@ protected:
     std::shared_ptr<BSODManager> manager = BSODManager::create(machine.platform());
 };
 
-TEST_F(BSODManagerTest, StartsIdleWithNothingToSay) {
+TEST_F(BSODManagerTest, StartsIdleWithEmptyTexts) {
     EXPECT_FALSE(manager->isActive());
     EXPECT_FALSE(manager->isShowing());
     EXPECT_EQ(manager->errorMessage().get(), "");
@@ -155,7 +155,7 @@ TEST_F(BSODManagerTest, TheTextsAreSetBeforeTheProgressAndTheShowing) {
     EXPECT_THAT(order, ElementsAre("message", "code", "progress", "showing"));
 }
 
-TEST_F(BSODManagerTest, StopWhileAScreenIsUpTakesItAwayAtOnceAndKeepsTheProgress) {
+TEST_F(BSODManagerTest, StopRemovesAScreenAtOnceAndKeepsTheProgress) {
     manager->start();
     machine.runLoop.advance(17);
     const double progress = manager->progress();
@@ -167,7 +167,7 @@ TEST_F(BSODManagerTest, StopWhileAScreenIsUpTakesItAwayAtOnceAndKeepsTheProgress
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
 }
 
-TEST_F(BSODManagerTest, StopWhenIdleIsHarmless) {
+TEST_F(BSODManagerTest, StopWhenIdleDoesNothing) {
     manager->stop();
     EXPECT_FALSE(manager->isActive());
 }

@@ -236,5 +236,17 @@ TEST_F(FreezeManagerTest, WhatIsPendingDoesNothingOnceItIsGone) {
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
 }
 
+TEST_F(FreezeManagerTest, ThePanelsTimeLimitIsTheLengthOfItsFreeze) {
+    machine.random.script({lowest, highest / 4, lowest, highest});
+    manager->start();
+    machine.runLoop.advance(20);
+    ASSERT_EQ(freezes(), 1U);
+    EXPECT_EQ(machine.screens.panels().at(0)->timeLimit, 3.25);
+    machine.runLoop.advance(23.25);
+    ASSERT_EQ(freezes(), 2U);
+    EXPECT_EQ(machine.screens.panels().at(1)->timeLimit, 4);
+    manager->stop();
+}
+
 } // namespace
 } // namespace quorvane

@@ -93,7 +93,7 @@ TEST_F(BSODViewTest, HangsItsTextsFromTheTopLeftCornerWithTheirGaps) {
     expectAt("0%", 135 - 8, rowTop + 35 - 9.6);
 }
 
-TEST_F(BSODViewTest, SaysItsTextsInTheirSizesWeightsAndOpacities) {
+TEST_F(BSODViewTest, DrawsItsTextsInTheirSizesWeightsAndOpacities) {
     draw(notebook);
     const auto check = [&](std::string_view text, double size, Weight weight, double opacity) {
         const auto& drawn = canvas.textStarting(text);
@@ -179,7 +179,7 @@ struct Percent {
 
 class PercentTest : public BSODViewTest, public testing::WithParamInterface<Percent> {};
 
-TEST_P(PercentTest, IsCutOffAndNeverRounded) {
+TEST_P(PercentTest, IsTruncatedAndNeverRounded) {
     screen->progress = GetParam().progress;
     view.drawChanging(canvas, notebook);
     const std::string percent = GetParam().text;
@@ -230,7 +230,7 @@ TEST_F(BSODViewTest, WhatChangesIsDrawnWithinItsBounds) {
     }
 }
 
-TEST_F(BSODViewTest, TellsOfEachChangeOfTheProgressForAsLongAsItIsAskedTo) {
+TEST_F(BSODViewTest, NotifiesOfEachChangeOfTheProgressUntilItIsCancelled) {
     int changes = 0;
     std::optional<Subscription> subscription = view.observeChanges([&] { ++changes; });
     screen->progress = 0.5;
@@ -243,11 +243,11 @@ TEST_F(BSODViewTest, TellsOfEachChangeOfTheProgressForAsLongAsItIsAskedTo) {
     EXPECT_EQ(changes, 2);
 }
 
-TEST_F(BSODViewTest, NothingInItSpins) {
+TEST_F(BSODViewTest, HasNoSpinner) {
     EXPECT_FALSE(view.spinner(canvas, notebook));
 }
 
-TEST(FreezeView, WashesTheWholeDesktopOut) {
+TEST(FreezeView, FillsTheScreenWithTranslucentWhite) {
     SimulatedCanvas canvas;
     FreezeView().drawStill(canvas, notebook);
     ASSERT_EQ(canvas.fills.size(), 1U);
@@ -255,7 +255,7 @@ TEST(FreezeView, WashesTheWholeDesktopOut) {
     EXPECT_EQ(canvas.fills[0].color, white(0.55));
 }
 
-TEST(FreezeView, SaysInGreyThatItDoesNotRespond) {
+TEST(FreezeView, DrawsItsTextInGrey) {
     SimulatedCanvas canvas;
     FreezeView().drawStill(canvas, notebook);
     ASSERT_THAT(textsOn(canvas), ElementsAre("(Not Responding)"));
@@ -298,7 +298,7 @@ TEST(FreezeView, StacksBothInTheMiddleOfEveryScreen) {
     }
 }
 
-TEST(FreezeView, NothingInItChangesButTheSpinner) {
+TEST(FreezeView, HasNothingThatChangesButTheSpinner) {
     const FreezeView view;
     SimulatedCanvas canvas;
     view.drawChanging(canvas, notebook);

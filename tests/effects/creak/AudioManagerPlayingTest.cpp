@@ -118,7 +118,7 @@ TEST_F(AudioManagerTest, AFastUpdateBetweenTheEndAndTheCompletionStepIsIgnored) 
     EXPECT_EQ(sounds().size(), 2U);
 }
 
-TEST_F(AudioManagerTest, APendingCompletionDoesNothingOnceTheManagerIsGone) {
+TEST_F(AudioManagerTest, APendingCompletionDoesNothingAfterTheManagersDestruction) {
     load();
     manager->update(50);
     machine.runLoop.holdMainQueue(true);

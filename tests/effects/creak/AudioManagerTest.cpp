@@ -27,7 +27,7 @@ TEST_F(AudioManagerTest, LoadingDecodesConnectsAndNamesTheClipWithItsLength) {
     EXPECT_EQ(machine.audio.engineStartCount(), 0U);
 }
 
-TEST_F(AudioManagerTest, ItCountsAsLoadedOnceItIsConnectedAndSaysSoLast) {
+TEST_F(AudioManagerTest, IsLoadedIsSetAfterConnectingAndTheLineIsPrintedLast) {
     std::vector<std::string> atTheFlag;
     const auto loaded = manager->isLoaded().observe([&] {
         atTheFlag = node().calls();
@@ -47,7 +47,7 @@ TEST_F(AudioManagerTest, TheLengthInItsLineIsRoundedToATenth) {
 
 // Frames are counted in 32 bits; a file that claims another number is a mistake in the program.
 
-TEST_F(AudioManagerTest, TheLargestCountOfFramesIsNoMistake) {
+TEST_F(AudioManagerTest, TheLargestNumberOfFramesIsAccepted) {
     machine.audio.addTruncatedFile(clipPath, format, std::vector<float>(1), 4294967295);
     // Without the memory for it.
     machine.audio.setFault(AudioFault::BufferCreation, "");
@@ -58,32 +58,32 @@ TEST_F(AudioManagerTest, TheLargestCountOfFramesIsNoMistake) {
 
 using AudioManagerDeathTest = AudioManagerTest;
 
-TEST_F(AudioManagerDeathTest, ANegativeCountOfFramesEndsTheProgram) {
+TEST_F(AudioManagerDeathTest, ANegativeNumberOfFramesEndsTheProgram) {
     machine.audio.addTruncatedFile(clipPath, format, std::vector<float>(1), -1);
     machine.audio.setFault(AudioFault::BufferCreation, "");
     EXPECT_DEATH(manager->loadSound("creaking", "mp3"), "");
 }
 
-TEST_F(AudioManagerDeathTest, ACountOfFramesBeyond32BitsEndsTheProgram) {
+TEST_F(AudioManagerDeathTest, ANumberOfFramesBeyond32BitsEndsTheProgram) {
     machine.audio.addTruncatedFile(clipPath, format, std::vector<float>(1), 4294967296);
     machine.audio.setFault(AudioFault::BufferCreation, "");
     EXPECT_DEATH(manager->loadSound("creaking", "mp3"), "");
 }
 
-TEST_F(AudioManagerTest, AMissingResourceIsNamed) {
+TEST_F(AudioManagerTest, AMissingResourcePrintsItsName) {
     manager->loadSound("missing", "mp3");
     EXPECT_FALSE(manager->isLoaded());
     EXPECT_THAT(machine.console.lines, ElementsAre("⚠️ Δεν βρέθηκε: missing.mp3"));
 }
 
-TEST_F(AudioManagerTest, AFileThatCannotBeOpenedIsAnErrorInWords) {
+TEST_F(AudioManagerTest, AFileThatCannotBeOpenedPrintsTheError) {
     machine.audio.setFault(AudioFault::FileOpen, "The file is broken.");
     manager->loadSound("creaking", "mp3");
     EXPECT_FALSE(manager->isLoaded());
     EXPECT_THAT(machine.console.lines, ElementsAre("⚠️ Σφάλμα: The file is broken."));
 }
 
-TEST_F(AudioManagerTest, AFileThatCannotBeReadIsAnErrorInWords) {
+TEST_F(AudioManagerTest, AFileThatCannotBeReadPrintsTheError) {
     machine.audio.setFault(AudioFault::FileRead, "The file ends too early.");
     manager->loadSound("creaking", "mp3");
     EXPECT_FALSE(manager->isLoaded());
@@ -140,6 +140,97 @@ TEST_F(AudioManagerTest, LoadingLeavesTheSchedulingAlone) {
     load();
     manager->update(50);
     EXPECT_EQ(sounds().back().offset, 1.0) << "the paused clip goes on where it was";
+}
+
+// Stopping.
+
+TEST_F(AudioManagerTest, StopBeforeTheCompletionArrivesLeavesItIdle) {
+    load();
+    manager->update(50);
+    machine.runLoop.holdMainQueue(true);
+    machine.runLoop.advance(clipLength + 0.01);
+    manager->stop();
+    EXPECT_FALSE(manager->isPlaying());
+    machine.runLoop.holdMainQueue(false);
+    machine.runLoop.runMainQueue();
+    EXPECT_FALSE(manager->isPlaying());
+    EXPECT_THAT(machine.console.lines, ElementsAre(completionLine));
+    manager->update(50);
+    EXPECT_EQ(node().scheduledCount(), 1U);
+    EXPECT_EQ(sounds().back().offset, 0);
+}
+
+TEST_F(AudioManagerTest, TheCompletionOfACreakThatWasStoppedChangesNothingMore) {
+    load();
+    manager->update(50);
+    machine.runLoop.advance(1);
+    manager->stop();
+    machine.runLoop.runMainQueue();
+    EXPECT_FALSE(manager->isPlaying());
+    manager->update(50);
+    EXPECT_EQ(node().scheduledCount(), 1U);
+    machine.runLoop.advance(clipLength - 0.001);
+    EXPECT_TRUE(manager->isPlaying());
+    machine.runLoop.advance(0.002);
+    EXPECT_FALSE(manager->isPlaying());
+    EXPECT_EQ(node().scheduledCount(), 0U);
+}
+
+TEST_F(AudioManagerTest, StopFallsSilentAndTheNextCreakStartsFromItsBeginning) {
+    load();
+    manager->update(50);
+    machine.runLoop.advance(1);
+    manager->stop();
+    EXPECT_EQ(machine.audio.runningEngineCount(), 1U) << "the engine keeps running";
+    machine.runLoop.advance(1);
+    EXPECT_FALSE(manager->isPlaying());
+    EXPECT_NEAR(sounds()[0].stopTime - sounds()[0].startTime, 1, 1e-9);
+    manager->update(50);
+    EXPECT_EQ(sounds().back().offset, 0);
+    EXPECT_EQ(machine.audio.engineStartCount(), 1U);
+}
+
+TEST_F(AudioManagerTest, AfterStopTheNextCreakWaitsForNoCompletion) {
+    load();
+    manager->update(50);
+    machine.runLoop.holdMainQueue(true);
+    manager->stop();
+    manager->update(50);
+    EXPECT_EQ(node().state(), SimulatedAudioVoice::State::Sounding);
+    EXPECT_EQ(node().scheduledCount(), 1U);
+    machine.runLoop.holdMainQueue(false);
+}
+
+TEST_F(AudioManagerTest, StopWhilePausedForgetsThePosition) {
+    load();
+    manager->update(50);
+    machine.runLoop.advance(1);
+    manager->update(0);
+    manager->stop();
+    machine.runLoop.advance(0.1);
+    manager->update(50);
+    EXPECT_EQ(sounds().back().offset, 0);
+}
+
+TEST_F(AudioManagerTest, StopReachesTheNodeAlsoWhileNothingPlays) {
+    load();
+    manager->stop();
+    EXPECT_THAT(node().calls(), ElementsAre("attach", "connect 1000/1", "stop"));
+}
+
+TEST_F(AudioManagerTest, StopBeforeAnythingWasPlayedIsHarmless) {
+    manager->stop();
+    load();
+    manager->stop();
+    manager->update(50);
+    EXPECT_TRUE(manager->isPlaying());
+}
+
+TEST_F(AudioManagerTest, ItsDestructionStopsTheEngine) {
+    load();
+    manager->update(50);
+    manager.reset();
+    EXPECT_EQ(machine.audio.runningEngineCount(), 0U);
 }
 
 } // namespace

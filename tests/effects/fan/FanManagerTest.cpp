@@ -44,7 +44,7 @@ TEST_F(FanManagerTest, TheSoundIsSetToLoopAtItsVolumeAndPrepared) {
     EXPECT_THAT(machine.console.lines, ElementsAre("✅ [FAN] fanmac.mp3 loaded"));
 }
 
-TEST_F(FanManagerTest, AMissingSoundIsSaidAndNothingStarts) {
+TEST_F(FanManagerTest, AMissingSoundPrintsALineAndNothingStarts) {
     machine.bundle.removeResources();
     makeManager();
     manager->start();
@@ -54,7 +54,7 @@ TEST_F(FanManagerTest, AMissingSoundIsSaidAndNothingStarts) {
     EXPECT_THAT(pulses(), IsEmpty());
 }
 
-TEST_F(FanManagerTest, AnUndecodableSoundIsLoadedByTheLineAndNothingStarts) {
+TEST_F(FanManagerTest, AnUndecodableSoundPrintsTheLoadedLineAndNothingStarts) {
     machine.audio.addNonAudioFile(fanPath);
     makeManager();
     manager->start();
@@ -125,13 +125,13 @@ TEST_F(FanManagerTest, ItRewindsBeforeItPlays) {
                 ElementsAre("loops -1", "volume 0.6", "prepare", "currentTime 0", "play"));
 }
 
-TEST_F(FanManagerTest, StoppingWhileIdleReachesThePlayerAllTheSame) {
+TEST_F(FanManagerTest, StoppingWhileIdleStopsThePlayer) {
     makeManager();
     manager->stop();
     EXPECT_EQ(machine.audio.filePlayer(0).calls().back(), "stop");
 }
 
-TEST_F(FanManagerTest, StoppingWithoutASoundIsHarmless) {
+TEST_F(FanManagerTest, StoppingWithoutASoundDoesNothing) {
     machine.bundle.removeResources();
     makeManager();
     manager->stop();
@@ -158,7 +158,7 @@ TEST_F(FanManagerTest, StoppingWhileIdleIsHarmlessAndPrintsNothing) {
     EXPECT_EQ(machine.console.lines, lines);
 }
 
-TEST_F(FanManagerTest, StoppingEndsThePulsesAtOnceAndLetsGoOfThePerformer) {
+TEST_F(FanManagerTest, StoppingEndsThePulsesAtOnceAndReleasesThePerformer) {
     makeManager();
     manager->start();
     machine.runLoop.advance(0.2);
@@ -181,7 +181,7 @@ TEST_F(FanManagerTest, AfterStoppingItStartsFromTheBeginningAgain) {
     EXPECT_EQ(machine.audio.timeline().back().startTime, 1.7);
 }
 
-TEST_F(FanManagerTest, TheBuzzingHoldsThePerformerNotTheManager) {
+TEST_F(FanManagerTest, ThePulsesHoldThePerformerNotTheManager) {
     makeManager();
     manager->start();
     const std::weak_ptr<FanManager> weak = manager;
@@ -192,7 +192,7 @@ TEST_F(FanManagerTest, TheBuzzingHoldsThePerformerNotTheManager) {
     EXPECT_EQ(machine.haptics.performersInUse(), 1);
 }
 
-TEST_F(FanManagerTest, WithoutAnOutputDeviceTheTrackpadBuzzesAllTheSame) {
+TEST_F(FanManagerTest, WithoutAnOutputDeviceTheTrackpadStillPulses) {
     machine.audio.setOutputDevicePresent(false);
     makeManager();
     manager->start();

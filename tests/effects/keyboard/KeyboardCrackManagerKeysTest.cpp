@@ -90,7 +90,7 @@ TEST_F(KeyboardCrackManagerTest, AHeldKeyCracksOnceHoweverLongItIsHeld) {
     EXPECT_EQ(cracks(), 1U);
 }
 
-TEST_F(KeyboardCrackManagerTest, KeyUpsModifiersAndNoticesNeverCrackNorReenable) {
+TEST_F(KeyboardCrackManagerTest, KeyUpsModifiersAndDisablingNeverCrackNorReenable) {
     makeListening();
     const auto calls = machine.eventTaps.calls();
     for (const auto type : {TapEventType::KeyUp, TapEventType::FlagsChanged,
@@ -101,7 +101,7 @@ TEST_F(KeyboardCrackManagerTest, KeyUpsModifiersAndNoticesNeverCrackNorReenable)
     EXPECT_EQ(machine.eventTaps.calls(), calls);
 }
 
-TEST_F(KeyboardCrackManagerTest, EveryCrackStartsTheClipAnewAndCutsTheOneBefore) {
+TEST_F(KeyboardCrackManagerTest, EveryCrackRestartsTheClip) {
     makeListening();
     press();
     machine.runLoop.advance(0.16);
@@ -115,7 +115,7 @@ TEST_F(KeyboardCrackManagerTest, EveryCrackStartsTheClipAnewAndCutsTheOneBefore)
         ElementsAre("prepare", "volume 0.5", "currentTime 0", "play", "currentTime 0", "play"));
 }
 
-TEST_F(KeyboardCrackManagerTest, CracksAreSpacedByTheClockThatNobodySets) {
+TEST_F(KeyboardCrackManagerTest, CracksAreSpacedByTheMediaClock) {
     makeListening();
     press();
     machine.runLoop.setDate(2e9);
@@ -127,7 +127,7 @@ TEST_F(KeyboardCrackManagerTest, CracksAreSpacedByTheClockThatNobodySets) {
     EXPECT_EQ(cracks(), 2U);
 }
 
-TEST_F(KeyboardCrackManagerTest, AKeyWhoseManagerGoesBeforeItsTurnCracksNothing) {
+TEST_F(KeyboardCrackManagerTest, AKeyWhoseManagerIsDestroyedMeanwhilePlaysNothing) {
     makeListening();
     machine.runLoop.holdMainQueue(true);
     EXPECT_TRUE(machine.eventTaps.pressKey());
@@ -194,7 +194,7 @@ TEST_F(TapCallbackTest, CracksAtAKeyThatGoesDownAndAtNothingElse) {
     EXPECT_EQ(cracksOf({.type = TapEventType::KeyDown}), 1U);
 }
 
-TEST_F(TapCallbackTest, GivesTheEventBackAlsoWhenTheManagerHasGone) {
+TEST_F(TapCallbackTest, ReturnsTheEventAlsoWithoutAManager) {
     manager.reset();
     const TapEvent event;
     EXPECT_EQ(&taps.callback(event), &event);

@@ -9,7 +9,7 @@ namespace {
 
 using testing::IsEmpty;
 
-TEST_F(KeyboardCrackManagerTest, WithoutPermissionThePersonIsAskedOnce) {
+TEST_F(KeyboardCrackManagerTest, WithoutPermissionThereIsOnePrompt) {
     machine.accessibility.trusted = false;
     makeListening();
     EXPECT_EQ(machine.accessibility.prompts, 1);
@@ -55,7 +55,7 @@ TEST_F(KeyboardCrackManagerTest, TheRetryOfAnActiveManagerDoesNothing) {
     EXPECT_EQ(machine.eventTaps.calls(), calls);
 }
 
-TEST_F(KeyboardCrackManagerTest, StoppingDoesNotCallTheRetryOff) {
+TEST_F(KeyboardCrackManagerTest, StoppingDoesNotCancelTheRetry) {
     machine.accessibility.trusted = false;
     makeListening();
     manager->stop();
@@ -64,7 +64,7 @@ TEST_F(KeyboardCrackManagerTest, StoppingDoesNotCallTheRetryOff) {
     EXPECT_TRUE(manager->isActive());
 }
 
-TEST_F(KeyboardCrackManagerTest, TheRetryOutlivesTheManagerHarmlessly) {
+TEST_F(KeyboardCrackManagerTest, TheRetryDoesNothingAfterTheManagersDestruction) {
     machine.accessibility.trusted = false;
     makeListening();
     manager.reset();
@@ -73,7 +73,7 @@ TEST_F(KeyboardCrackManagerTest, TheRetryOutlivesTheManagerHarmlessly) {
     EXPECT_THAT(machine.eventTaps.calls(), IsEmpty());
 }
 
-TEST_F(KeyboardCrackManagerTest, TrustThatGoesAwayIsNoticedByTheNextStart) {
+TEST_F(KeyboardCrackManagerTest, RevokedPermissionIsNoticedByTheNextStart) {
     makeListening();
     machine.accessibility.trusted = false;
     machine.runLoop.advance(60);
@@ -87,7 +87,7 @@ TEST_F(KeyboardCrackManagerTest, TrustThatGoesAwayIsNoticedByTheNextStart) {
     EXPECT_EQ(machine.eventTaps.openCount(), 0U);
 }
 
-TEST_F(KeyboardCrackManagerTest, TrustThatGoesAwayBeforeTheRetryStartsNothing) {
+TEST_F(KeyboardCrackManagerTest, PermissionRevokedBeforeTheRetryStartsNothing) {
     machine.accessibility.trusted = false;
     makeListening();
     *manager->hasPermission() = true;
@@ -98,7 +98,7 @@ TEST_F(KeyboardCrackManagerTest, TrustThatGoesAwayBeforeTheRetryStartsNothing) {
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U) << "and there is no further one";
 }
 
-TEST_F(KeyboardCrackManagerTest, ATapThatCannotBeCreatedAtTheRetryIsSaid) {
+TEST_F(KeyboardCrackManagerTest, ATapThatCannotBeCreatedAtTheRetryPrintsALine) {
     machine.accessibility.trusted = false;
     makeListening();
     machine.accessibility.trusted = true;
@@ -123,7 +123,7 @@ private:
     bool m_asked = false;
 };
 
-TEST_F(KeyboardCrackManagerTest, AYesToTheQuestionIsKnownAtOnceAndUsedByTheRetry) {
+TEST_F(KeyboardCrackManagerTest, PermissionGivenAtThePromptIsStoredAtOnceAndUsedByTheRetry) {
     WillingAccessibility accessibility;
     manager = KeyboardCrackManager::create(
         exchange(machine.platform(), {.accessibility = &accessibility}));

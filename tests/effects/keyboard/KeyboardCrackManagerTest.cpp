@@ -18,7 +18,7 @@ TEST_F(KeyboardCrackManagerTest, TheSoundIsPreparedOnceAtHalfVolume) {
     EXPECT_THAT(machine.console.lines, ElementsAre("✅ [KEYBOARD] keyboard.mp3 loaded"));
 }
 
-TEST_F(KeyboardCrackManagerTest, AMissingSoundIsSaidAndNothingEverStarts) {
+TEST_F(KeyboardCrackManagerTest, AMissingSoundPrintsALineAndNothingStarts) {
     machine.bundle.removeResources();
     machine.accessibility.trusted = false;
     makeListening();
@@ -29,7 +29,7 @@ TEST_F(KeyboardCrackManagerTest, AMissingSoundIsSaidAndNothingEverStarts) {
     EXPECT_THAT(machine.eventTaps.calls(), IsEmpty());
 }
 
-TEST_F(KeyboardCrackManagerTest, AnUndecodableSoundIsLoadedByTheLineAndNothingStarts) {
+TEST_F(KeyboardCrackManagerTest, AnUndecodableSoundPrintsTheLoadedLineAndNothingStarts) {
     machine.audio.addNonAudioFile(crackPath);
     makeListening();
     EXPECT_THAT(machine.console.lines, ElementsAre("✅ [KEYBOARD] keyboard.mp3 loaded"));
@@ -72,7 +72,7 @@ TEST_F(KeyboardCrackManagerTest, ItIsActiveOnceTheTapAndTheOutputAreReady) {
     EXPECT_THAT(holds, ElementsAre(1U));
 }
 
-TEST_F(KeyboardCrackManagerTest, ItIsInactiveOnceTheTapAndTheOutputAreLetGo) {
+TEST_F(KeyboardCrackManagerTest, ItIsInactiveOnceTheTapAndTheOutputAreReleased) {
     makeListening();
     std::size_t open = 1;
     std::size_t holds = 1;
@@ -92,7 +92,7 @@ TEST_F(KeyboardCrackManagerTest, StartingTwiceCreatesNoSecondTap) {
     EXPECT_EQ(machine.eventTaps.calls(), calls);
 }
 
-TEST_F(KeyboardCrackManagerTest, ATapThatCannotBeCreatedIsSaidAndChangesNothingElse) {
+TEST_F(KeyboardCrackManagerTest, ATapThatCannotBeCreatedPrintsALineAndChangesNothingElse) {
     machine.eventTaps.refusesTap = true;
     makeListening();
     EXPECT_EQ(machine.console.lines.back(), failedLine);
@@ -141,7 +141,7 @@ TEST_F(KeyboardCrackManagerTest, StoppingTwiceDoesNothingMore) {
     EXPECT_EQ(machine.eventTaps.calls(), calls);
 }
 
-TEST_F(KeyboardCrackManagerTest, StoppingLetsTheLastCrackSoundToItsEnd) {
+TEST_F(KeyboardCrackManagerTest, StoppingDoesNotCutTheLastCrackShort) {
     makeListening();
     press();
     manager->stop();
@@ -181,7 +181,7 @@ TEST_F(KeyboardCrackManagerTest, TheRateLimitSurvivesStoppingAndStarting) {
     EXPECT_EQ(cracks(), 1U);
 }
 
-TEST_F(KeyboardCrackManagerTest, LettingGoOfTheManagerStopsIt) {
+TEST_F(KeyboardCrackManagerTest, DroppingTheManagerStopsIt) {
     makeListening();
     manager.reset();
     EXPECT_THAT(machine.eventTaps.calls(),
@@ -191,7 +191,7 @@ TEST_F(KeyboardCrackManagerTest, LettingGoOfTheManagerStopsIt) {
     EXPECT_TRUE(KeyboardCrackManager::shared.expired());
 }
 
-TEST_F(KeyboardCrackManagerTest, TheLatestInstanceIsTheOneThatKeysReach) {
+TEST_F(KeyboardCrackManagerTest, KeysReachTheLatestInstance) {
     makeListening();
     auto second = KeyboardCrackManager::create(machine.platform());
     EXPECT_EQ(KeyboardCrackManager::shared.lock(), second);

@@ -11,7 +11,10 @@ namespace {
 
 using testing::Contains;
 
-using HapticRampTest = StartupFixture;
+class HapticRampTest : public StartupFixture {
+protected:
+    HapticRampTest() { makeManager(); }
+};
 
 TEST_F(HapticRampTest, ThePulseRateRisesFrom5To25OverTheRampAndStays) {
     EXPECT_DOUBLE_EQ(hapticRate(0, 3), 5);
@@ -31,7 +34,6 @@ TEST_F(HapticRampTest, APulseIsDueInTheFirstSixtiethOfASecondOfItsPeriod) {
 }
 
 TEST_F(HapticRampTest, TheTrackpadPulsesByThePhaseOfEachTick) {
-    makeManager();
     // Scheduled first, so it sees each tick's date just before the manager does.
     const double start = machine.runLoop.currentDate();
     std::vector<double> expected;
@@ -53,7 +55,6 @@ TEST_F(HapticRampTest, TheTrackpadPulsesByThePhaseOfEachTick) {
 }
 
 TEST_F(HapticRampTest, AtFullRateTheTrackpadPulses25TimesASecond) {
-    makeManager();
     manager->startHaptic();
     advance(3);
     const auto before = pulses().size();
@@ -65,7 +66,6 @@ TEST_F(HapticRampTest, AtFullRateTheTrackpadPulses25TimesASecond) {
 }
 
 TEST_F(HapticRampTest, StoppingEndsThePulsesAtOnce) {
-    makeManager();
     manager->startHaptic();
     advance(1.5);
     manager->stopHaptic();
@@ -76,8 +76,7 @@ TEST_F(HapticRampTest, StoppingEndsThePulsesAtOnce) {
     EXPECT_THAT(machine.console.lines, Contains(hapticStoppedLine));
 }
 
-TEST_F(HapticRampTest, ANewStartBeginsTheRampAnew) {
-    makeManager();
+TEST_F(HapticRampTest, ANewStartRestartsTheRamp) {
     manager->startHaptic();
     advance(3);
     manager->stopHaptic();
@@ -88,10 +87,9 @@ TEST_F(HapticRampTest, ANewStartBeginsTheRampAnew) {
     EXPECT_NEAR(static_cast<double>(pulses().size() - before), 8, 3);
 }
 
-// The ramp follows the wall clock, which a person may set; the sequence's end does not.
+// The ramp follows the wall clock, which the user may set; the sequence's end does not.
 
-TEST_F(HapticRampTest, AClockThatIsSetAheadBringsTheFullRateAtOnce) {
-    makeManager();
+TEST_F(HapticRampTest, AClockSetForwardGivesTheFullRateAtOnce) {
     manager->startHaptic();
     advance(0.5);
     machine.runLoop.setDate(machine.runLoop.currentDate() + 3600);
@@ -102,8 +100,7 @@ TEST_F(HapticRampTest, AClockThatIsSetAheadBringsTheFullRateAtOnce) {
     EXPECT_LE(pulses().size() - before, 120U);
 }
 
-TEST_F(HapticRampTest, AClockThatIsSetBackLetsEveryTickPulseAndNoMoreThanThat) {
-    makeManager();
+TEST_F(HapticRampTest, AClockSetBackMakesEveryTickPulse) {
     manager->startHaptic();
     advance(0.5);
     machine.runLoop.setDate(machine.runLoop.currentDate() - 3600);
@@ -115,7 +112,7 @@ TEST_F(HapticRampTest, AClockThatIsSetBackLetsEveryTickPulseAndNoMoreThanThat) {
     EXPECT_EQ(pulses().size() - before, 120U);
 }
 
-TEST_F(HapticRampTest, AClockThatIsSetEitherWayLeavesTheEndOfTheSequenceAlone) {
+TEST_F(HapticRampTest, SettingTheClockDoesNotMoveTheEndOfTheSequence) {
     for (const double seconds : {3600.0, -3600.0}) {
         makeManager();
         wakeUp();
@@ -130,8 +127,7 @@ TEST_F(HapticRampTest, AClockThatIsSetEitherWayLeavesTheEndOfTheSequenceAlone) {
     }
 }
 
-TEST_F(HapticRampTest, ATickThatFindsTheManagerGoneDoesNothing) {
-    makeManager();
+TEST_F(HapticRampTest, ATickAfterTheLastReferenceDoesNothing) {
     manager->startHaptic();
     machine.runLoop.holdMainQueue(true);
     std::thread([last = std::move(manager)]() mutable { last.reset(); }).join();

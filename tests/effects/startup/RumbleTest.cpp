@@ -12,9 +12,12 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using RumbleTest = StartupFixture;
+class RumbleTest : public StartupFixture {
+protected:
+    RumbleTest() { makeManager(); }
+};
 
-/// The rumble written out anew, so that a slip in one of the two shows.
+/// The formula written out a second time, to catch a mistake in either.
 float expectedSample(int frame, double frequency) {
     constexpr double eightPi = 25.132741228718345;
     constexpr double twoPi = 6.283185307179586;
@@ -27,8 +30,7 @@ float expectedSample(int frame, double frequency) {
 
 // The buffer.
 
-TEST_F(RumbleTest, EverySampleIsTheFormulas) {
-    makeManager();
+TEST_F(RumbleTest, EverySampleFollowsTheFormula) {
     const PCMBuffer& buffer = *manager->rumbleBuffer();
     ASSERT_EQ(buffer.frameLength, 44100U);
     ASSERT_EQ(buffer.format, (AudioFormat{.sampleRate = 44100, .channels = 1}));
@@ -36,8 +38,7 @@ TEST_F(RumbleTest, EverySampleIsTheFormulas) {
         ASSERT_EQ(buffer.samples[static_cast<std::size_t>(i)], expectedSample(i, 25)) << i;
 }
 
-TEST_F(RumbleTest, TheSwellIsSilentEightTimesASecondAndAtTheSeam) {
-    makeManager();
+TEST_F(RumbleTest, TheEnvelopeIsZeroEightTimesASecondAndAtTheSeam) {
     const auto& samples = manager->rumbleBuffer()->samples;
     EXPECT_EQ(samples[0], 0);
     for (int beat = 1; beat < 8; ++beat) {
@@ -50,7 +51,6 @@ TEST_F(RumbleTest, TheSwellIsSilentEightTimesASecondAndAtTheSeam) {
 }
 
 TEST_F(RumbleTest, ThePeakStaysAtOrBelowFullScale) {
-    makeManager();
     float peak = 0;
     for (const float sample : manager->rumbleBuffer()->samples)
         peak = std::max(peak, std::abs(sample));
@@ -59,7 +59,6 @@ TEST_F(RumbleTest, ThePeakStaysAtOrBelowFullScale) {
 }
 
 TEST_F(RumbleTest, AnotherFrequencyChangesTheSamplesAndTheLine) {
-    makeManager();
     manager->rumbleFrequency() = 30.5;
     manager->generateRumbleBuffer(44100, {.sampleRate = 44100, .channels = 1});
     EXPECT_THAT(machine.console.lines,
@@ -68,7 +67,6 @@ TEST_F(RumbleTest, AnotherFrequencyChangesTheSamplesAndTheLine) {
 }
 
 TEST_F(RumbleTest, OfTwoChannelsOnlyTheFirstIsFilled) {
-    makeManager();
     manager->generateRumbleBuffer(44100, {.sampleRate = 44100, .channels = 2});
     const auto& samples = manager->rumbleBuffer()->samples;
     ASSERT_EQ(samples.size(), 88200U);
@@ -77,8 +75,7 @@ TEST_F(RumbleTest, OfTwoChannelsOnlyTheFirstIsFilled) {
     EXPECT_EQ(samples[2469], 0);
 }
 
-TEST_F(RumbleTest, NoFramesAtAllAreABufferToo) {
-    makeManager();
+TEST_F(RumbleTest, ARateBelowOneGivesAnEmptyBuffer) {
     manager->generateRumbleBuffer(0.5, {.sampleRate = 44100, .channels = 1});
     EXPECT_EQ(manager->rumbleBuffer()->frameLength, 0U);
     EXPECT_THAT(machine.console.lines, ElementsAre(bufferLine));
@@ -94,8 +91,7 @@ TEST_F(RumbleTest, TheFrameCountIsTheRateWithoutItsFraction) {
         EXPECT_EQ(rumbleFrameCount(rate), std::nullopt) << rate;
 }
 
-TEST_F(RumbleTest, ARateThatIsNoCountOfFramesIsFatal) {
-    makeManager();
+TEST_F(RumbleTest, ARateThatIsNoNumberOfFramesEndsTheProgram) {
     EXPECT_DEATH(manager->generateRumbleBuffer(-2, {.sampleRate = 44100, .channels = 1}),
                  "StartupSoundManager");
 }
@@ -103,7 +99,6 @@ TEST_F(RumbleTest, ARateThatIsNoCountOfFramesIsFatal) {
 // The fade-in.
 
 TEST_F(RumbleTest, StartsSilentAndLoopsFromTheBuffersBeginning) {
-    makeManager();
     manager->startRumble();
     EXPECT_THAT(rumble().calls(),
                 ElementsAre("attach", "connect 44100/1", "volume 0", "schedule loops", "play"));
@@ -113,7 +108,6 @@ TEST_F(RumbleTest, StartsSilentAndLoopsFromTheBuffersBeginning) {
 }
 
 TEST_F(RumbleTest, TheVolumeRisesInThirtyEqualStepsOverThreeSeconds) {
-    makeManager();
     manager->startRumble();
     advance(0.1);
     EXPECT_NEAR(rumble().volume(), 1.0F / 30, 1e-7);
@@ -129,8 +123,7 @@ TEST_F(RumbleTest, TheVolumeRisesInThirtyEqualStepsOverThreeSeconds) {
     EXPECT_EQ(rumble().volume(), 1.0F);
 }
 
-TEST_F(RumbleTest, ALowerVolumeOnTheWayCapsTheRampAndKeepsItsSteps) {
-    makeManager();
+TEST_F(RumbleTest, ALowerVolumeDuringTheRampCapsItAndKeepsItsSteps) {
     manager->startRumble();
     advance(0.5);
     manager->rumbleVolume() = 0.4F;
@@ -142,8 +135,7 @@ TEST_F(RumbleTest, ALowerVolumeOnTheWayCapsTheRampAndKeepsItsSteps) {
     EXPECT_EQ(rumble().volume(), 0.4F);
 }
 
-TEST_F(RumbleTest, AHigherVolumeOnTheWayKeepsTheStepsToo) {
-    makeManager();
+TEST_F(RumbleTest, AHigherVolumeDuringTheRampKeepsItsSteps) {
     manager->rumbleVolume() = 0.3F;
     manager->startRumble();
     advance(1);
@@ -156,7 +148,6 @@ TEST_F(RumbleTest, AHigherVolumeOnTheWayKeepsTheStepsToo) {
 }
 
 TEST_F(RumbleTest, TheRampsTimerEndsWithItsThirtiethStep) {
-    makeManager();
     manager->startRumble();
     advance(2.999);
     EXPECT_EQ(machine.runLoop.pendingCount(), 1U);
@@ -168,7 +159,6 @@ TEST_F(RumbleTest, TheRampsTimerEndsWithItsThirtiethStep) {
 }
 
 TEST_F(RumbleTest, StoppingCancelsWhatIsLeftOfTheRamp) {
-    makeManager();
     manager->startRumble();
     advance(1.5);
     manager->stopRumble();
@@ -181,8 +171,7 @@ TEST_F(RumbleTest, StoppingCancelsWhatIsLeftOfTheRamp) {
     EXPECT_EQ(machine.audio.runningEngineCount(), 1U) << "the engine goes on";
 }
 
-TEST_F(RumbleTest, StartingAgainSchedulesTheLoopAfreshAndRampsAnew) {
-    makeManager();
+TEST_F(RumbleTest, StartingAgainRestartsTheLoopAndTheRamp) {
     manager->startRumble();
     advance(2);
     manager->stopRumble();
@@ -194,8 +183,7 @@ TEST_F(RumbleTest, StartingAgainSchedulesTheLoopAfreshAndRampsAnew) {
     EXPECT_EQ(machine.audio.engineStartCount(), 1U);
 }
 
-TEST_F(RumbleTest, StoppingWhatDoesNotRunOnlyPrintsItsLine) {
-    makeManager();
+TEST_F(RumbleTest, StoppingWhenNotRunningOnlyPrintsItsLine) {
     manager->stopRumble();
     manager->stopHaptic();
     EXPECT_THAT(machine.console.lines, ElementsAre(rumbleStoppedLine, hapticStoppedLine));

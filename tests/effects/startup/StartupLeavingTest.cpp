@@ -15,7 +15,7 @@ using testing::IsEmpty;
 
 using StartupLeavingTest = StartupFixture;
 
-TEST_F(StartupLeavingTest, TheLoginOutlivesTheManagerHarmlessly) {
+TEST_F(StartupLeavingTest, TheLoginCheckDoesNothingAfterTheManagersDestruction) {
     machine.application.loginItem = LoginItemStatus::Enabled;
     makeManager();
     manager.reset();
@@ -23,7 +23,7 @@ TEST_F(StartupLeavingTest, TheLoginOutlivesTheManagerHarmlessly) {
     EXPECT_THAT(machine.console.lines, IsEmpty());
 }
 
-TEST_F(StartupLeavingTest, TheLastLineIsPrintedEvenWhenTheManagerIsGone) {
+TEST_F(StartupLeavingTest, TheLastLineIsPrintedAlsoAfterTheManagersDestruction) {
     makeManager();
     wakeUp();
     manager.reset();
@@ -32,7 +32,7 @@ TEST_F(StartupLeavingTest, TheLastLineIsPrintedEvenWhenTheManagerIsGone) {
                 ElementsAre(playingLine, rumbleLine, hapticLine, completeLine));
 }
 
-TEST_F(StartupLeavingTest, LettingGoOfTheManagerEndsWakeUpsPulsesAndTheEngine) {
+TEST_F(StartupLeavingTest, DroppingTheManagerEndsWakeUpsPulsesAndTheEngine) {
     makeManager();
     wakeUp();
     advance(1);
@@ -47,7 +47,7 @@ TEST_F(StartupLeavingTest, LettingGoOfTheManagerEndsWakeUpsPulsesAndTheEngine) {
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U) << "the ramp's timer ends itself";
 }
 
-/// A workspace that tells of an observer that is about to be removed.
+/// A workspace centre that calls a hook before it removes an observer.
 class WatchedWorkspace final : public NotificationCenter {
 public:
     explicit WatchedWorkspace(NotificationCenter& real) : m_real(real) {}

@@ -12,7 +12,7 @@ using testing::IsEmpty;
 
 using StartupLoginTest = StartupFixture;
 
-TEST_F(StartupLoginTest, OpenedAtLoginInTheBackgroundItPlaysOnceAfterHalfASecond) {
+TEST_F(StartupLoginTest, LaunchedAtLoginInTheBackgroundItPlaysOnceAfterHalfASecond) {
     machine.application.loginItem = LoginItemStatus::Enabled;
     makeManager();
     advance(0.499);
@@ -23,7 +23,7 @@ TEST_F(StartupLoginTest, OpenedAtLoginInTheBackgroundItPlaysOnceAfterHalfASecond
     EXPECT_EQ(machine.console.lines.size(), 6U);
 }
 
-TEST_F(StartupLoginTest, NotRegisteredAtLoginItStaysSilent) {
+TEST_F(StartupLoginTest, WithoutALoginItemItStaysSilent) {
     for (const auto status : {LoginItemStatus::NotRegistered, LoginItemStatus::RequiresApproval,
                               LoginItemStatus::NotFound}) {
         machine.application.loginItem = status;
@@ -50,7 +50,7 @@ private:
     const SimulatedRunLoop& m_runLoop;
 };
 
-TEST_F(StartupLoginTest, WakeUpsAreObservedBeforeTheLoginIsLookedAt) {
+TEST_F(StartupLoginTest, WakeUpsAreObservedBeforeTheLoginCheck) {
     NotingWorkspace workspace(machine.runLoop);
     machine.application.loginItem = LoginItemStatus::Enabled;
     manager = StartupSoundManager::create(exchange(machine.platform(), {.workspace = &workspace}));
@@ -66,7 +66,7 @@ TEST_F(StartupLoginTest, RegisteredAfterItsStartItStaysSilent) {
     EXPECT_THAT(machine.console.lines, IsEmpty());
 }
 
-TEST_F(StartupLoginTest, AWakeUpWithinTheHalfSecondLeavesNothingForTheLogin) {
+TEST_F(StartupLoginTest, AWakeUpWithinTheHalfSecondReplacesTheLogin) {
     machine.application.loginItem = LoginItemStatus::Enabled;
     makeManager();
     advance(0.2);

@@ -25,7 +25,7 @@ TEST_F(StartupSequenceTest, ConstructionLoadsTheClipAndMakesTheRumbleInThatOrder
     EXPECT_FALSE(manager->isPlayingTractor());
 }
 
-TEST_F(StartupSequenceTest, AMissingClipIsNotMentionedAndNothingEverPlays) {
+TEST_F(StartupSequenceTest, AMissingClipPrintsNothingAndNothingPlays) {
     machine.bundle.removeResources();
     manager = StartupSoundManager::create(machine.platform());
     wakeUp();
@@ -36,7 +36,7 @@ TEST_F(StartupSequenceTest, AMissingClipIsNotMentionedAndNothingEverPlays) {
     EXPECT_THAT(pulses(), IsEmpty());
 }
 
-TEST_F(StartupSequenceTest, AnUndecodableClipIsLoadedByTheLineAndNothingEverPlays) {
+TEST_F(StartupSequenceTest, AnUndecodableClipPrintsTheLoadedLineAndNothingPlays) {
     machine.audio.addNonAudioFile(tractorPath);
     manager = StartupSoundManager::create(machine.platform());
     wakeUp();
@@ -100,7 +100,7 @@ TEST_F(StartupSequenceTest, TheClipThenTheRumbleThenThePulsesAndSoTheyEnd) {
     manager.reset();
 }
 
-TEST_F(StartupSequenceTest, AShorterClipEndsTheRampsOnTheirWay) {
+TEST_F(StartupSequenceTest, AShortClipEndsTheRampsEarly) {
     machine.audio.addFile(tractorPath, {.sampleRate = 100, .channels = 1},
                           std::vector<float>(150, 0.25F));
     makeManager();
@@ -165,7 +165,7 @@ TEST_F(StartupSequenceTest, SwitchedOffNoWakeUpPlaysAnything) {
     EXPECT_TRUE(manager->isPlayingTractor());
 }
 
-TEST_F(StartupSequenceTest, SwitchingOffOnTheWayCutsNothingShort) {
+TEST_F(StartupSequenceTest, SwitchingOffDuringASequenceDoesNotCutItShort) {
     makeManager();
     wakeUp();
     advance(1);
@@ -179,7 +179,7 @@ TEST_F(StartupSequenceTest, SwitchingOffOnTheWayCutsNothingShort) {
 
 // The guards.
 
-TEST_F(StartupSequenceTest, TheGuardsHoldForEveryCaller) {
+TEST_F(StartupSequenceTest, PlayTractorChecksItsConditionsForEveryCaller) {
     makeManager();
     manager->startupSoundEnabled() = false;
     manager->playTractor();
@@ -194,7 +194,7 @@ TEST_F(StartupSequenceTest, TheGuardsHoldForEveryCaller) {
 
 // What goes wrong.
 
-TEST_F(StartupSequenceTest, AnEngineThatDoesNotStartCostsTheRumbleOnly) {
+TEST_F(StartupSequenceTest, WithoutTheEngineOnlyTheRumbleIsMissing) {
     machine.audio.setFault(AudioFault::EngineStart, "no such thing as sound");
     makeManager();
     wakeUp();
@@ -219,7 +219,7 @@ TEST_F(StartupSequenceTest, WithoutTheFormatOfTheRumbleTheProgramEnds) {
                  "StartupSoundManager: there is no format of one channel at 44100 Hz");
 }
 
-TEST_F(StartupSequenceTest, WithoutMemoryForTheRumbleTheRestGoesOn) {
+TEST_F(StartupSequenceTest, WithoutMemoryOnlyTheRumbleIsMissing) {
     machine.audio.setFault(AudioFault::BufferCreation, "");
     manager = StartupSoundManager::create(machine.platform());
     EXPECT_THAT(machine.console.lines, ElementsAre(loadedLine));
@@ -231,7 +231,7 @@ TEST_F(StartupSequenceTest, WithoutMemoryForTheRumbleTheRestGoesOn) {
     EXPECT_GT(pulses().size(), 0U);
 }
 
-TEST_F(StartupSequenceTest, WithoutAnOutputDeviceItsOwnTimingIsUnaffected) {
+TEST_F(StartupSequenceTest, WithoutAnOutputDeviceTheTimingIsUnaffected) {
     machine.audio.setOutputDevicePresent(false);
     makeManager();
     wakeUp();

@@ -79,7 +79,7 @@ TEST_F(LiveMachineTest, ControlsArePressedByName) {
     EXPECT_EQ(pressed, "OK");
 }
 
-TEST_F(LiveMachineTest, TheLoginItemIsTheScenariosAndTheFocusTheDesktops) {
+TEST_F(LiveMachineTest, TheLoginItemIsTheScenariosAndTheFocusIsTheDesktops) {
     m_real.application.loginItem = LoginItemStatus::Enabled;
     load("{}");
     const auto& application = m_live->platform().application;
@@ -91,7 +91,7 @@ TEST_F(LiveMachineTest, TheLoginItemIsTheScenariosAndTheFocusTheDesktops) {
     EXPECT_EQ(m_live->platform().application.loginItemStatus(), LoginItemStatus::Enabled);
 }
 
-TEST_F(LiveMachineTest, SettingsAreThePersonsUnlessTheScenarioHasItsOwn) {
+TEST_F(LiveMachineTest, SettingsAreTheUsersUnlessTheScenarioHasItsOwn) {
     load("{}");
     m_live->platform().userDefaults.setBool("mine", true);
     EXPECT_TRUE(m_real.userDefaults.boolForKey("mine"));
@@ -104,7 +104,7 @@ TEST_F(LiveMachineTest, SettingsAreThePersonsUnlessTheScenarioHasItsOwn) {
     EXPECT_FALSE(m_real.userDefaults.boolForKey("new"));
 }
 
-TEST_F(LiveMachineTest, TheSystemIsTheScenarios) {
+TEST_F(LiveMachineTest, TheModelIsTheScenarios) {
     m_real.system.model = "real";
     m_real.accessibility.trusted = true;
     load(R"({"model": "scenario"})");
@@ -112,7 +112,7 @@ TEST_F(LiveMachineTest, TheSystemIsTheScenarios) {
     EXPECT_FALSE(m_live->platform().accessibility.isProcessTrusted());
 }
 
-TEST_F(LiveMachineTest, SleepAndWakeAreTheScenarios) {
+TEST_F(LiveMachineTest, SleepAndWakeAreSimulated) {
     load(R"({"events": [{"at": 1, "screens": "sleep"}, {"at": 2, "screens": "wake"},
                         {"at": 3, "machine": "wake"}]})");
     std::vector<std::string> heard;
@@ -128,7 +128,7 @@ TEST_F(LiveMachineTest, SleepAndWakeAreTheScenarios) {
                                    "NSWorkspaceDidWakeNotification"));
 }
 
-TEST_F(LiveMachineTest, ItsKeysAreHeardByItsTaps) {
+TEST_F(LiveMachineTest, ItsKeysReachItsTaps) {
     load(R"({"trusted": true,
              "events": [{"at": 1, "key": "down"}, {"at": 1, "key": "repeat"}, {"at": 1, "key": "up"},
                         {"at": 1, "key": "flags"}]})");
@@ -147,7 +147,7 @@ TEST_F(LiveMachineTest, ItsKeysAreHeardByItsTaps) {
                             std::pair(TapEventType::FlagsChanged, 0)));
 }
 
-TEST_F(LiveMachineTest, ItsTimeStartsWhenItIsMade) {
+TEST_F(LiveMachineTest, ItsTimeStartsAtItsCreation) {
     m_real.runLoop.advance(10);
     load(R"({"hid": [{"product": "0x8104", "lid": [[0, 100], [2, 140]], "unplugAt": 3}],
              "events": [{"at": 1, "quit": true}]})");
@@ -167,7 +167,7 @@ TEST_F(LiveMachineTest, ItsTimeStartsWhenItIsMade) {
     EXPECT_NE(found[0]->open(), hidSuccess);
 }
 
-TEST_F(LiveMachineTest, ADeviceIsWhatTheScenarioSaysOfIt) {
+TEST_F(LiveMachineTest, ADeviceHasTheScenariosProperties) {
     load(R"({"hid": [{"vendor": "0x046d", "product": 7, "lid": [[0, 90]]},
                      {"product": "0x8104", "lid": [[0, 90]], "refusesOpen": true}]})");
     EXPECT_THAT(devices({.vendorID = 0x046D, .productID = 7}), SizeIs(1));
