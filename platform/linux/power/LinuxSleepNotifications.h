@@ -9,16 +9,14 @@ namespace quorvane {
 
 class SleepSignals;
 
-/// The workspace centre: posts that the machine did wake, by what logind says, and that the screens
-/// did sleep and did wake, by what UPower says of the lid besides. A machine that wakes is told
-/// before its screens. The system bus is connected to only while somebody observes, and UPower
-/// asked only while somebody observes more than the machine; that and everything else happens
-/// without waiting, and notifications come from the Qt event loop. No bus, or no such service: no
-/// notifications.
+/// The workspace centre. didWake comes from logind; screensDidSleep and screensDidWake come from
+/// logind and from the lid's state in UPower, and follow didWake. The system bus is connected only
+/// while there are observers, and UPower is called only if one of them observes the screens. Never
+/// blocks on the bus; the Qt event loop posts the notifications. Without the bus or a service there
+/// are none.
 class LinuxSleepNotifications final : public InProcessNotificationCenter {
 public:
-    /// `busAddress` in the form of DBUS_SYSTEM_BUS_ADDRESS; empty: the system bus, where that
-    /// variable says that it is.
+    /// `busAddress` in the form of DBUS_SYSTEM_BUS_ADDRESS; empty: the system bus.
     explicit LinuxSleepNotifications(std::string busAddress = {});
     ~LinuxSleepNotifications() override;
 

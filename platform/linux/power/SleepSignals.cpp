@@ -20,7 +20,7 @@ const QString logindManager = QStringLiteral("org.freedesktop.login1.Manager");
 const QString lidIsPresent = QStringLiteral("LidIsPresent");
 const QString lidIsClosed = QStringLiteral("LidIsClosed");
 
-// Milliseconds; a bus that is well takes one or two.
+// Milliseconds; a healthy bus takes one or two.
 constexpr unsigned long longestWait = 500;
 
 QString newConnectionName() {
@@ -42,8 +42,8 @@ SleepSignals::SleepSignals(QString address, Reports reports)
 
 SleepSignals::~SleepSignals() {
     endSession();
-    // One that is still connecting while the process ends would find the library already gone. A
-    // bus that never answers keeps its thread asleep, which then ends with the process.
+    // A thread that is still connecting at exit would use Qt after its teardown. On a bus that
+    // never answers it stays blocked, and ends with the process.
     for (const Connecting& connecting : m_connecting) {
         if (!connecting.thread || !connecting.thread->wait(longestWait))
             continue;
@@ -64,7 +64,7 @@ void SleepSignals::listenToLid() {
 
 void SleepSignals::stop() {
     auto session = endSession();
-    // Then it is one of the session's own signals that led here.
+    // Then a signal of one of the session's children is on the stack.
     if (session && m_isReporting)
         session.release()->deleteLater();
 }
@@ -76,7 +76,8 @@ std::unique_ptr<QObject> SleepSignals::endSession() {
     m_listensToLid = false;
     m_lidIsPresent = true;
     m_state = {};
-    // While the connection is still being made there is no session, and its maker closes it.
+    // While the connection is still being opened there is no session; the `finished` handler closes
+    // it.
     auto session = std::exchange(m_session, nullptr);
     if (session) {
         for (QObject* child : session->children())
@@ -86,12 +87,12 @@ std::unique_ptr<QObject> SleepSignals::endSession() {
     return session;
 }
 
-/// A bus that takes the connection but does not answer would hold up its caller for long.
+/// On a thread: a bus that accepts the connection but does not answer blocks the call for long.
 void SleepSignals::connectInBackground() {
     m_connectionName = newConnectionName();
     QThread* thread = QThread::create(
         [address = m_address, name = m_connectionName] { openConnection(address, name); });
-    // The thread object lives here, on the main thread, so this is where its end is told.
+    // The QThread object lives on the main thread, so its signal arrives there.
     connect(thread, &QThread::finished, thread,
             [thread, self = QPointer(this), name = m_connectionName] {
                 thread->deleteLater();
@@ -111,7 +112,7 @@ void SleepSignals::connectInBackground() {
 void SleepSignals::subscribe() {
     QDBusConnection bus(m_connectionName);
     m_session = std::make_unique<QObject>();
-    // No sender is named: the library would ask the bus for its owner, and wait for the answer.
+    // No sender is given: QtDBus would block on asking the bus for its owner.
     bus.connect({}, logindPath, logindManager, QStringLiteral("PrepareForSleep"), this,
                 SLOT(prepareForSleep(QDBusMessage)));
     watch(logind);
@@ -152,7 +153,7 @@ void SleepSignals::askForOwner(const QString& service) {
         if (owner.isValid())
             setOwner(service, owner.value());
         else if (service == upower)
-            // It may be one that the bus starts when it is called.
+            // The bus may start it when it is called.
             readLid();
     });
 }
@@ -163,7 +164,8 @@ void SleepSignals::setOwner(const QString& service, const QString& owner) {
         return;
     if (service == upower && !owner.isEmpty())
         readLid();
-    // Without the service that announced the sleep nobody would tell that it is over.
+    // A logind that has stopped or restarted does not report the end of the sleep that it
+    // announced.
     if (service == logind)
         report(m_state.setPreparingForSleep(false));
 }
@@ -196,12 +198,12 @@ void SleepSignals::prepareForSleep(const QDBusMessage& message) {
         return;
     const bool preparing = message.arguments().at(0).toBool();
     if (!preparing)
-        tell([this] { m_reports.didWake(); });
-    // Ended from inside that report, the state is a fresh one, which this does not change.
+        notify([this] { m_reports.didWake(); });
+    // If didWake has called `stop`, the state is a fresh one, and this is no change.
     report(m_state.setPreparingForSleep(preparing));
 }
 
-/// A lid that is not there is neither open nor closed, whatever is said of it.
+/// LidIsClosed means nothing where there is no lid.
 void SleepSignals::takeLid(const QVariantMap& properties) {
     m_lidIsPresent = properties.value(lidIsPresent, m_lidIsPresent).toBool();
     const auto closed = properties.find(lidIsClosed);
@@ -211,12 +213,12 @@ void SleepSignals::takeLid(const QVariantMap& properties) {
 
 void SleepSignals::report(ScreenSleepState::Change change) {
     if (change)
-        tell([this, asleep = *change] { m_reports.screens(asleep); });
+        notify([this, asleep = *change] { m_reports.screens(asleep); });
 }
 
-void SleepSignals::tell(const std::function<void()>& news) {
+void SleepSignals::notify(const std::function<void()>& callback) {
     m_isReporting = true;
-    news();
+    callback();
     m_isReporting = false;
 }
 

@@ -14,14 +14,14 @@
 
 namespace quorvane {
 
-/// Whether the screens sleep, made up of what the lid and the sleep of the whole machine say. Each
-/// update gives the new state if it is another one, and nothing otherwise.
+/// Whether the screens sleep, by the state of the lid and of the machine. Each update returns the
+/// new state if it has changed.
 class ScreenSleepState {
 public:
     /// True: the screens now sleep; false: they are awake; none: no change.
     using Change = std::optional<bool>;
 
-    /// The first word about the lid is where things start from, not a change.
+    /// The first state of the lid is not a change.
     Change setLidClosed(bool closed) {
         const bool isFirst = !m_lidClosed.has_value();
         m_lidClosed = closed;
@@ -48,16 +48,16 @@ private:
     bool m_asleep = false;
 };
 
-/// Listens on the system bus to the two services that know of sleep: logind for that of the machine
-/// and, once somebody asks for the screens, UPower for the lid. Main thread; never waits for the
-/// bus. Without a bus, or without the services on it, nothing is ever reported.
+/// Listens on the system bus to logind for the machine's sleep and, after `listenToLid`, to UPower
+/// for the lid. Main thread; never blocks on the bus. Without the bus or a service nothing is
+/// reported.
 class SleepSignals final : public QObject {
     Q_OBJECT
 
 public:
-    /// Who is told; each may call `stop`.
+    /// Callbacks; each may call `stop`.
     struct Reports {
-        /// The machine woke up. Comes before the news of its screens.
+        /// The machine woke up. Called before `screens`.
         std::function<void()> didWake;
         /// True: the screens go to sleep; false: they wake.
         std::function<void(bool asleep)> screens;
@@ -67,12 +67,12 @@ public:
     SleepSignals(QString address, Reports reports);
     ~SleepSignals() override;
 
-    /// Begins with a fresh state.
+    /// Connects, with a fresh state, unless already started.
     void start();
-    /// From now on until `stop` the lid counts too; as it is found first is no change. Until then
-    /// UPower, which the bus starts for whoever calls it, is left alone.
+    /// From now on until `stop` the lid counts too. UPower is not called before, because a call
+    /// makes the bus start it.
     void listenToLid();
-    /// Nothing is reported from here on, and the connection is closed.
+    /// Closes the connection; nothing is reported any more.
     void stop();
 
 private Q_SLOTS:
@@ -91,12 +91,12 @@ private:
     void readLid();
     void takeLid(const QVariantMap& properties);
     void report(ScreenSleepState::Change change);
-    void tell(const std::function<void()>& news);
+    void notify(const std::function<void()>& callback);
 
     const QString m_address;
     const Reports m_reports;
 
-    /// A thread on its way to a connection of that name.
+    /// A thread that is opening the connection of that name.
     struct Connecting {
         QPointer<QThread> thread;
         QString name;
@@ -104,13 +104,13 @@ private:
 
     std::vector<Connecting> m_connecting;
 
-    // All of one start-to-stop span.
+    // State between `start` and `stop`.
     QString m_connectionName;
-    // Parent of whatever waits for the bus; none while there is no connection.
+    // Parent of watchers and pending calls; null while there is no connection.
     std::unique_ptr<QObject> m_session;
     ScreenSleepState m_state;
-    // Unique bus names, empty while the service is not there: anybody may send signals that look
-    // like the services'.
+    // Unique bus names, empty while the service is not running: signals of other senders are
+    // ignored.
     QString m_upowerOwner;
     QString m_logindOwner;
     bool m_listensToLid = false;
