@@ -26,7 +26,7 @@ std::optional<int> parseHexadecimal(std::string_view text) {
 std::optional<HidrawNode> readNode(udev_device& device) {
     const char* node = udev_device_get_devnode(&device);
     const char* number = udev_device_get_sysnum(&device);
-    // Belongs to its child, so it is not released.
+    // Owned by `device`: not to be released.
     udev_device* parent = udev_device_get_parent_with_subsystem_devtype(&device, "hid", nullptr);
     const char* id = parent ? udev_device_get_property_value(parent, "HID_ID") : nullptr;
     const auto identity = id ? parseHIDID(id) : std::nullopt;
@@ -44,12 +44,12 @@ bool isRefusal(int error) {
     return error == EACCES || error == EPERM || error == EROFS;
 }
 
-/// Node numbers are given out again, so a name found earlier may by now lead elsewhere.
+/// Node numbers are reused, so the node may belong to another device by now.
 bool isStill(int descriptor, HIDIdentity identity) {
     hidraw_devinfo info{};
     if (ioctl(descriptor, HIDIOCGRAWINFO, &info) < 0)
         return false;
-    // The kernel has the numbers as signed 16-bit ones.
+    // The struct has them as signed 16-bit numbers.
     return static_cast<std::uint16_t>(info.vendor) == identity.vendorID &&
            static_cast<std::uint16_t>(info.product) == identity.productID;
 }

@@ -12,7 +12,7 @@ struct udev;
 
 namespace quorvane {
 
-/// The two numbers that name a kind of HID device.
+/// Vendor and product of a HID device.
 struct HIDIdentity {
     int vendorID = 0;
     int productID = 0;
@@ -36,21 +36,22 @@ struct HidrawNode {
 /// All hidraw nodes of the machine, in no particular order.
 [[nodiscard]] std::vector<HidrawNode> listHidrawNodes(udev& context);
 
-/// Those that match, hidraw2 before hidraw10.
+/// The matching ones, hidraw2 before hidraw10.
 [[nodiscard]] std::vector<HidrawNode> matchingNodes(std::vector<HidrawNode> nodes,
                                                     const HIDMatching& matching);
 
-/// A HID device behind a hidraw node. Failures are errno values.
+/// A HID device behind a hidraw node. Failures are errno values, which libhidapi does not return;
+/// nor does it check that a node still belongs to the device that was listed.
 class HidrawDevice final : public HIDDevice {
 public:
-    /// `node` as the kernel names it ("/dev/hidraw3"), `identity` as the device was found under.
+    /// `node`: "/dev/hidraw3"; `identity`: what it was listed with.
     HidrawDevice(std::filesystem::path node, HIDIdentity identity);
 
-    /// A node that may only be read will do: feature reports need no more. Fails with ENODEV when
-    /// the node has meanwhile become another device's.
+    /// A read-only node will do: reading feature reports needs no more. ENODEV when the node
+    /// meanwhile belongs to another device.
     HIDResult open() override;
-    /// Feature reports only; anything else is ENOTSUP. Waits for the device's answer, which the
-    /// kernel gives up on after some seconds.
+    /// Feature reports only; anything else is ENOTSUP. Blocks until the device answers or, after
+    /// some seconds, the kernel times out.
     HIDResult getReport(HIDReportType type, std::uint8_t reportID, std::span<std::uint8_t> buffer,
                         std::size_t& length) override;
     [[nodiscard]] std::optional<int> integerProperty(std::string_view key) const override;

@@ -24,19 +24,19 @@ namespace fs = std::filesystem;
 
 constexpr std::uint8_t lidReportID = 1;
 constexpr double largestAngle = std::numeric_limits<std::uint16_t>::max();
-// What the Chrome EC answers while its accelerometers cannot tell.
+// The Chrome EC's value for an unreliable reading.
 constexpr double unreliableDegrees = 500;
 constexpr double degreesPerRadian = 180.0 / std::numbers::pi;
 
-/// How an industrial-I/O channel tells the angle between lid and base.
+/// The unit of an industrial-I/O channel's lid angle.
 enum class IIOLidUnit {
-    /// Whole degrees; 500 while the sensor does not trust itself (the Chrome EC's lid angle).
+    /// Whole degrees; 500 while the reading is unreliable (the Chrome EC's lid angle).
     Degrees,
-    /// (raw + offset) times scale gives radians, as the kernel has it for angle channels.
+    /// (raw + offset) * scale is radians, the kernel's convention for angle channels.
     Radians
 };
 
-/// Where a channel's attributes are.
+/// A channel's attribute files.
 struct IIOLidChannel {
     fs::path raw;
     fs::path scale;
@@ -45,9 +45,7 @@ struct IIOLidChannel {
     IIOLidUnit unit = IIOLidUnit::Degrees;
 };
 
-/// A lid angle channel of the industrial-I/O subsystem, shown as a HID device whose feature report
-/// 1 holds the angle: the report ID, then whole degrees, low byte first. It has no properties:
-/// nobody gave it a vendor or a product. Failures are errno values.
+/// One channel, as `findIIOLids` describes it.
 class IIOLidDevice final : public HIDDevice {
 public:
     explicit IIOLidDevice(IIOLidChannel channel);
@@ -108,7 +106,7 @@ std::optional<int> IIOLidDevice::integerProperty(std::string_view) const {
     return std::nullopt;
 }
 
-/// Rounded; none when there is no reading to trust.
+/// Rounded; none without a reliable reading.
 std::optional<double> IIOLidDevice::degrees() const {
     const auto raw = readSystemNumber(m_channel.raw);
     if (!raw || (m_channel.unit == IIOLidUnit::Degrees && *raw == unreliableDegrees))
@@ -116,8 +114,8 @@ std::optional<double> IIOLidDevice::degrees() const {
     return std::round((*raw + m_offset) * m_scale);
 }
 
-/// Drivers are known to slip in a single zero between good readings. Whether it is a slip shows
-/// only afterwards, so the first zero after another angle is not believed and the next one is.
+/// Some drivers report a single zero between good readings. The first zero after another angle
+/// therefore counts as a failed reading, a second one as an angle.
 bool IIOLidDevice::isLoneZero(int angle) {
     const bool lastWasZero = std::exchange(m_lastWasZero, angle == 0);
     return angle == 0 && !lastWasZero;
@@ -135,7 +133,7 @@ int numberAfter(std::string_view name, std::string_view prefix) {
     return number;
 }
 
-/// Lower case, every separator an underscore and one at either end: words are then found whole.
+/// In lower case, with underscores for separators and at both ends, to search it for whole words.
 std::string words(std::string_view text) {
     std::string result = "_";
     for (const char character : text) {
@@ -157,7 +155,7 @@ std::vector<std::string> entries(const fs::path& folder) {
     return names;
 }
 
-/// The names in `folder` with these ends, in the order of the numbers in them.
+/// The names in `folder` with this prefix and suffix, sorted by the number after the prefix.
 std::vector<std::string> numberedEntries(const fs::path& folder, std::string_view prefix,
                                          std::string_view suffix) {
     std::vector<std::string> names = entries(folder);
@@ -192,8 +190,8 @@ std::optional<IIOLidChannel> lidChannel(const fs::path& device, const std::strin
                         .offset = attribute(device, channel, "offset")};
     std::error_code error;
     const bool isChromeEC = namesWord(deviceName, "cros_ec_lid_angle");
-    // Without a scale there is nothing to make radians of: such a channel gives degrees, as the
-    // Chrome EC's does. The hinge device always scales, so one without is broken.
+    // A channel without a scale gives degrees, as the Chrome EC's does. A hinge always has a scale;
+    // one without fails to open.
     if (isHinge || (!isChromeEC && fs::exists(found.scale, error)))
         found.unit = IIOLidUnit::Radians;
     return found;
