@@ -28,7 +28,7 @@ bool hasBit(std::span<const unsigned long> bits, std::size_t number) {
 std::optional<HapticNode> readNode(udev_device& device) {
     const char* node = udev_device_get_devnode(&device);
     const char* number = udev_device_get_sysnum(&device);
-    // Belongs to its child, so it is not released.
+    // Owned by `device`: not to be released.
     udev_device* parent = udev_device_get_parent_with_subsystem_devtype(&device, "input", nullptr);
     const char* bits = parent ? udev_device_get_sysattr_value(parent, "capabilities/ff") : nullptr;
     const auto kind = bits ? hapticKind(std::string_view(bits)) : std::nullopt;
@@ -64,7 +64,7 @@ private:
     FileDescriptor m_descriptor;
 };
 
-/// Node numbers are given out again, so a name found earlier may by now lead elsewhere.
+/// Node numbers are reused, so the node may belong to another device by now.
 bool isStill(int descriptor, HapticKind kind) {
     std::array<unsigned long, FF_MAX / bitsPerWord + 1> bits{};
     if (ioctl(descriptor, EVIOCGBIT(EV_FF, sizeof bits), bits.data()) < 0)

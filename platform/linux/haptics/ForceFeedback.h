@@ -16,13 +16,13 @@ inline constexpr int hapticEffectType = 0x4F;
 
 /// How a device makes a pulse.
 enum class HapticKind {
-    /// A touchpad that clicks by itself, and at our wish too.
+    /// A touchpad that simulates clicks, also on request.
     Touchpad,
-    /// Motors that shake whatever they are in.
+    /// Rumble motors.
     Rumble,
 };
 
-/// An input device that can be felt.
+/// An input device with force feedback.
 struct HapticNode {
     std::filesystem::path node;
     /// The number in the node's name.
@@ -32,18 +32,17 @@ struct HapticNode {
     bool operator==(const HapticNode&) const = default;
 };
 
-/// An opened device with force feedback: what the kernel offers on it, and nothing else. Closed
-/// with the object. One thread at a time.
+/// An open device with force feedback, call by call as the kernel has it. Closed with the object.
+/// One thread at a time.
 class ForceFeedbackPort : NonCopyable {
 public:
     virtual ~ForceFeedbackPort() = default;
 
-    /// The number of the effect on the device; none when the device does not take it. May wait for
-    /// the device.
+    /// The effect's id on the device; none when the device refuses it. May block.
     virtual std::optional<int> upload(const ff_effect& effect) = 0;
-    /// May wait for the device.
+    /// May block.
     virtual void erase(int effect) = 0;
-    /// Plays an effect once, from its beginning; never waits. False: the device has gone.
+    /// Plays an effect once, from its beginning; never blocks. False: the device is gone.
     virtual bool play(int effect) = 0;
 };
 
@@ -52,9 +51,9 @@ class ForceFeedbackDevices : NonCopyable {
 public:
     virtual ~ForceFeedbackDevices() = default;
 
-    /// Those that are there now, in no particular order.
+    /// The devices that exist now, in no particular order.
     virtual std::vector<HapticNode> list() = 0;
-    /// None when it cannot be opened, or is no longer what it was listed as.
+    /// Null when it cannot be opened or is no longer what it was listed as.
     virtual std::unique_ptr<ForceFeedbackPort> open(const HapticNode& node) = 0;
 };
 

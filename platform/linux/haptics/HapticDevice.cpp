@@ -9,11 +9,11 @@ namespace quorvane {
 
 namespace {
 
-// Never 0x1006 and 0x1007, press and release: a touchpad that is given one of those leaves its own
-// clicks to the host from then on.
+// The HID usage "click". Never 0x1006 or 0x1007, press and release: a touchpad that gets one of
+// those leaves its own clicks to the host from then on.
 constexpr std::uint16_t clickWaveform = 0x1003;
 
-/// A motor takes some 20 ms to be felt, and 25 pulses a second leave 40 from one to the next.
+/// A motor takes some 20 ms to be felt, and at 25 pulses a second there are 40 ms for each.
 struct Rumble {
     std::uint16_t strong;
     std::uint16_t weak;
@@ -99,7 +99,8 @@ bool HapticDevice::play(HapticPattern pattern) {
     return effect && m_port->play(*effect);
 }
 
-/// Whether it took one at least; another one is then felt in place of what it has no room for.
+/// Whether the device accepted at least one effect, which then also serves the patterns that it had
+/// no room for.
 bool HapticDevice::upload(HapticKind kind) {
     for (const auto pattern :
          {HapticPattern::Alignment, HapticPattern::LevelChange, HapticPattern::Generic})

@@ -33,17 +33,17 @@ struct HapticEffect {
 /// Touchpads before anything else, event2 before event10.
 void sortBySuitability(std::vector<HapticNode>& nodes);
 
-/// A device that is ready to pulse: opened, with an effect for each pattern on it. They are erased
-/// and it is closed with the object, which may wait for the device.
+/// An open device with an effect uploaded for each pattern. The destructor erases the effects and
+/// closes the device, which may block.
 class HapticDevice : NonCopyable {
 public:
-    /// The first of `devices`, by suitability, that can be opened and takes our effects; null when
-    /// there is none. May wait for the devices.
+    /// The first of `devices`, by suitability, that can be opened and accepts an effect; null when
+    /// there is none. May block.
     [[nodiscard]] static std::unique_ptr<HapticDevice> openBest(ForceFeedbackDevices& devices);
 
     ~HapticDevice();
 
-    /// One pulse; never waits. False: the device has gone.
+    /// One pulse; never blocks. False: the device is gone.
     bool play(HapticPattern pattern);
 
 private:

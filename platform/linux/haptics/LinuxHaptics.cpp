@@ -13,12 +13,12 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A performer that nobody holds is let go at the second look that finds nobody to have asked for it
-// since the one before: 1 to 1.5 s after its last use.
-constexpr auto lookInterval = 500ms;
-constexpr int quietLooks = 2;
+// A performer is dropped at the second check in a row that finds it neither held nor asked for
+// since the check before: 1 to 1.5 s after its last use.
+constexpr auto checkInterval = 500ms;
+constexpr int unusedChecksBeforeClosing = 2;
 
-// Milliseconds for closing the device at the end; one that is well takes one or two.
+// Milliseconds for closing the device at exit; a healthy one takes one or two.
 constexpr int longestWait = 500;
 
 } // namespace
@@ -30,7 +30,7 @@ public:
         m_background.start([devices, opening = m_opening]() mutable {
             opening->device = HapticDevice::openBest(*devices);
             opening->isDone.store(true, std::memory_order_release);
-            // Nobody may want it any more, and closing it is for this thread to do.
+            // If the performer is gone by now, this closes the device, on this thread.
             opening.reset();
         });
     }
@@ -67,8 +67,8 @@ LinuxHaptics::LinuxHaptics() : LinuxHaptics(std::make_shared<EvdevForceFeedback>
 
 LinuxHaptics::LinuxHaptics(std::shared_ptr<ForceFeedbackDevices> devices)
     : m_devices(std::move(devices)) {
-    m_look.setInterval(lookInterval);
-    QObject::connect(&m_look, &QTimer::timeout, &m_look, [this] { closeWhenUnused(); });
+    m_useCheck.setInterval(checkInterval);
+    QObject::connect(&m_useCheck, &QTimer::timeout, &m_useCheck, [this] { closeWhenUnused(); });
 }
 
 LinuxHaptics::~LinuxHaptics() {
@@ -84,7 +84,7 @@ std::shared_ptr<HapticPerformer> LinuxHaptics::defaultPerformer() {
         m_background = std::make_unique<QThreadPool>();
     if (!m_current || m_current->isLost()) {
         m_current = std::make_shared<Performer>(*m_background, m_devices);
-        m_look.start();
+        m_useCheck.start();
     }
     return m_current;
 }
@@ -92,10 +92,10 @@ std::shared_ptr<HapticPerformer> LinuxHaptics::defaultPerformer() {
 void LinuxHaptics::closeWhenUnused() {
     const bool isUsed = m_current.use_count() > 1;
     if (std::exchange(m_wasAskedFor, false) || isUsed)
-        m_quietLooks = 0;
-    else if (++m_quietLooks >= quietLooks) {
+        m_unusedChecks = 0;
+    else if (++m_unusedChecks >= unusedChecksBeforeClosing) {
         m_current.reset();
-        m_look.stop();
+        m_useCheck.stop();
     }
 }
 

@@ -9,18 +9,17 @@
 
 namespace quorvane {
 
-/// Pulses on a device with force feedback: a haptic touchpad if there is one, else what rumbles.
-/// Devices are looked for, opened, given their effects and closed on another thread; pulses asked
-/// for before that is done are not felt. A device that vanishes is dropped, and the performer that
-/// had it stays still: the next one looks anew. One that comes while a performer is without any is
-/// found by the next one too, that is once nobody has used the last for a moment. Main thread only;
-/// needs a QCoreApplication there.
+/// Pulses on a device with force feedback: a haptic touchpad if there is one, else a rumble device.
+/// Devices are found, opened and closed on another thread; pulses before one is open are dropped. A
+/// performer looks for a device once. If there is none, or it vanishes, its pulses are dropped;
+/// after a vanished device, or a moment without use, `defaultPerformer` makes a new performer. Main
+/// thread only; needs a QCoreApplication there.
 class LinuxHaptics final : public HapticService {
 public:
     /// On the devices of this machine.
     LinuxHaptics();
     explicit LinuxHaptics(std::shared_ptr<ForceFeedbackDevices> devices);
-    /// Closes the device, unless that takes the device very long.
+    /// Closes the device, but waits for that no longer than 0.5 s.
     ~LinuxHaptics() override;
 
     [[nodiscard]] std::shared_ptr<HapticPerformer> defaultPerformer() override;
@@ -31,14 +30,14 @@ private:
     void closeWhenUnused();
 
     std::shared_ptr<ForceFeedbackDevices> m_devices;
-    // Left alone at the end if it is waiting for a device that does not answer.
+    // Leaked by the destructor while it is blocked on a device that does not answer.
     std::unique_ptr<QThreadPool> m_background;
-    // The one performer that can have a device. Kept for as long as somebody uses it and a moment
-    // more: some ask for it at every pulse, and effects take a while to upload.
+    // The only performer that can have a device. Kept for a moment after its last use: some callers
+    // ask for it at every pulse, and uploading effects takes a while.
     std::shared_ptr<Performer> m_current;
-    QTimer m_look;
+    QTimer m_useCheck;
     bool m_wasAskedFor = false;
-    int m_quietLooks = 0;
+    int m_unusedChecks = 0;
 };
 
 } // namespace quorvane
