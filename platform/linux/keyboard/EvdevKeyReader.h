@@ -10,11 +10,11 @@
 
 namespace quorvane {
 
-/// The keys of every keyboard that this process may read, those that come later too. A keyboard
-/// that goes is dropped without a word.
+/// The keys of every keyboard that this process may read, including those plugged in later. A
+/// keyboard that is unplugged is dropped silently.
 class EvdevKeyReader final : public KeyEventReader {
 public:
-    /// Null if not one keyboard can be read.
+    /// Null if no keyboard can be read.
     [[nodiscard]] static std::unique_ptr<EvdevKeyReader>
     open(std::unique_ptr<KeyboardWatcher> nodes, Sink sink,
          EvdevKeyboard::KeyQuery query = &EvdevKeyboard::keysThatAreDown);
@@ -31,7 +31,7 @@ private:
     EvdevKeyboard::KeyQuery m_query;
     std::map<std::filesystem::path, std::unique_ptr<EvdevKeyboard>> m_keyboards;
     bool m_reading = false;
-    /// Last, so that nothing is told to a reader that is half gone.
+    /// Last, so that it is destroyed first and calls no half-destroyed reader.
     std::unique_ptr<KeyboardWatcher> m_nodes;
 };
 

@@ -39,11 +39,11 @@ void setMask(int descriptor, std::uint32_t type, const EvdevKeyboard::Keys& code
     mask.type = type;
     mask.codes_size = static_cast<std::uint32_t>(bytes.size());
     mask.codes_ptr = reinterpret_cast<std::uintptr_t>(bytes.data());
-    // Not having it costs wake-ups and nothing else.
+    // Without the mask there are more wake-ups and nothing else.
     static_cast<void>(ioctl(descriptor, EVIOCSMASK, &mask));
 }
 
-/// Of all that the node carries, only keys are to come here.
+/// Masks all events of the node but those of keys.
 void askForKeysOnly(int descriptor) {
     EvdevKeyboard::Keys types;
     types.set(EV_KEY);
@@ -130,7 +130,7 @@ void EvdevKeyboard::handle(const input_event& event) {
 }
 
 void EvdevKeyboard::handleReport(const input_event& event) {
-    // The kernel had no room left; what follows up to the next report is incomplete.
+    // The kernel's buffer overflowed; events up to the next report are incomplete.
     if (event.code == SYN_DROPPED)
         m_lostEvents = true;
     else if (event.code == SYN_REPORT && std::exchange(m_lostEvents, false))
@@ -141,7 +141,8 @@ void EvdevKeyboard::catchUp() {
     const auto now = m_query(m_descriptor.get());
     if (!now)
         return;
-    // Some dozens of events are lost. With no key down they were no repeats: keys were pressed.
+    // Dozens of events are lost. With no key down before and after, they were not all repeats: a
+    // key was pressed.
     if (m_down.none() && now->none()) {
         deliver({.type = TapEventType::KeyDown});
         deliver({.type = TapEventType::KeyUp});

@@ -15,12 +15,12 @@
 
 namespace quorvane {
 
-/// One keyboard's event node. Which keys are down is kept as long as it is open, to tell what a gap
-/// in the kernel's events has hidden, and nowhere else. Main thread only.
+/// One keyboard's event node. Which keys are down is remembered while it is open, only to make up
+/// for events that the kernel dropped. Main thread only.
 class EvdevKeyboard : NonCopyable {
 public:
     using Keys = std::bitset<KEY_CNT>;
-    /// The keys that are down by the word of the device that is open as `descriptor`.
+    /// Queries the keys that are down from the device open as `descriptor`; none on failure.
     using KeyQuery = std::optional<Keys> (*)(int descriptor);
 
     /// Null if the node cannot be read.
@@ -28,13 +28,13 @@ public:
                                                              KeyEventReader::Sink sink,
                                                              KeyQuery query = &keysThatAreDown);
 
-    /// False from when the device has turned out to be gone.
+    /// False once the device has turned out to be gone.
     [[nodiscard]] bool isOpen() const { return static_cast<bool>(m_descriptor); }
 
     /// As KeyEventReader::setReading.
     void setReading(bool reading);
 
-    /// What the kernel answers.
+    /// By EVIOCGKEY.
     [[nodiscard]] static std::optional<Keys> keysThatAreDown(int descriptor);
 
 private:
@@ -55,7 +55,7 @@ private:
     QSocketNotifier m_readable;
     Keys m_down;
     std::array<input_event, 64> m_events{};
-    /// Bytes of an event whose rest has not come yet, at the start of `m_events`.
+    /// Bytes of an incomplete event at the start of `m_events`.
     std::size_t m_partial = 0;
     bool m_lostEvents = false;
     bool m_delivers = false;

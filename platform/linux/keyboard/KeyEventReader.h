@@ -7,16 +7,16 @@
 
 namespace quorvane {
 
-/// Where a tap's key events come from. What it has opened is closed with it. Main thread only.
+/// The source of a tap's key events. Closes what it opened when destroyed. Main thread only.
 class KeyEventReader : NonCopyable {
 public:
-    /// Must not let go of the reader.
+    /// Must not destroy the reader.
     using Sink = std::function<void(const TapEvent&)>;
 
     virtual ~KeyEventReader() = default;
 
-    /// Whether events are given to the sink, as they happen, by the Qt event loop; not at first.
-    /// What happened before is not made up for. May be repeated.
+    /// Whether the Qt event loop passes events to the sink as they happen; off at first. Earlier
+    /// events are dropped. May be repeated.
     virtual void setReading(bool reading) = 0;
 };
 

@@ -38,7 +38,7 @@ bool isX11Session() {
            qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
-// There is one session, nothing stands ahead of anything, and all that is possible is to listen.
+// There is one session, taps have no order, and a tap can only listen.
 std::shared_ptr<EventTap> LinuxEventTapService::createTap(TapLocation /*location*/,
                                                           TapPlacement /*placement*/,
                                                           TapOptions /*options*/,
@@ -78,7 +78,7 @@ LinuxEventTap::~LinuxEventTap() {
     m_delivery->enabled = false;
 }
 
-// There is no order among the descriptors that one event loop waits for.
+// An event loop has no order among its descriptors.
 std::shared_ptr<TapSource> LinuxEventTap::createRunLoopSource(int /*order*/) {
     auto source = m_source.lock();
     if (!source) {

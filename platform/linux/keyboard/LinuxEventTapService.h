@@ -9,11 +9,11 @@
 namespace quorvane {
 
 /// Whether all keys of the session go through an X server. A Wayland session has a DISPLAY too, for
-/// X11 programs, but keys reach that only while one of those has the focus.
+/// X11 programs, but keys reach it only while one of them has the focus.
 [[nodiscard]] bool isX11Session();
 
-/// Key events of the session: from the X server where all of it goes through one, else from the
-/// keyboards themselves.
+/// Key events of the session: from the X server in an X11 session, else from the keyboards' event
+/// nodes.
 class LinuxEventTapService final : public EventTapService {
 public:
     [[nodiscard]] std::shared_ptr<EventTap> createTap(TapLocation location, TapPlacement placement,
@@ -22,13 +22,13 @@ public:
                                                       TapCallback callback) override;
 };
 
-/// A tap on some reader's key events. Its source, which holds the reader as well, has it read while
-/// it is on the run loop.
+/// A tap on a reader's key events. Its source shares the reader, and makes it read while on the run
+/// loop.
 class LinuxEventTap final : public EventTap {
 public:
     using ReaderMaker = std::function<std::unique_ptr<KeyEventReader>(KeyEventReader::Sink)>;
 
-    /// Null when `makeReader` gives none.
+    /// Null when `makeReader` returns null.
     [[nodiscard]] static std::shared_ptr<LinuxEventTap>
     create(std::uint64_t eventsOfInterest, TapCallback callback, const ReaderMaker& makeReader);
 

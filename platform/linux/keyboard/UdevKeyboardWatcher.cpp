@@ -45,9 +45,9 @@ void UdevKeyboardWatcher::follow(Visit present, Visit gone) {
     m_context.reset(udev_new());
     if (!m_context)
         return;
-    // Before the list is taken, or what comes in between would be missed.
+    // Before the first scan, or a device added in between would be missed.
     startMonitor();
-    watchRights();
+    watchPermissions();
     visitAll();
 }
 
@@ -63,37 +63,37 @@ void UdevKeyboardWatcher::startMonitor() {
     udev_monitor_filter_add_match_subsystem_devtype(m_monitor.get(), subsystem, nullptr);
     if (udev_monitor_enable_receiving(m_monitor.get()) < 0)
         return;
-    m_news = std::make_unique<QSocketNotifier>(udev_monitor_get_fd(m_monitor.get()),
-                                               QSocketNotifier::Read);
-    QObject::connect(m_news.get(), &QSocketNotifier::activated, m_news.get(),
-                     [this] { readNews(); });
+    m_deviceNotifier = std::make_unique<QSocketNotifier>(udev_monitor_get_fd(m_monitor.get()),
+                                                         QSocketNotifier::Read);
+    QObject::connect(m_deviceNotifier.get(), &QSocketNotifier::activated, m_deviceNotifier.get(),
+                     [this] { readDeviceEvent(); });
 }
 
-void UdevKeyboardWatcher::watchRights() {
-    if (!m_rightsDescriptor) {
-        m_rightsDescriptor = FileDescriptor(inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
-        if (!m_rightsDescriptor)
+void UdevKeyboardWatcher::watchPermissions() {
+    if (!m_inotify) {
+        m_inotify = FileDescriptor(inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+        if (!m_inotify)
             return;
-        m_rights =
-            std::make_unique<QSocketNotifier>(m_rightsDescriptor.get(), QSocketNotifier::Read);
-        QObject::connect(m_rights.get(), &QSocketNotifier::activated, m_rights.get(),
-                         [this] { readRights(); });
+        m_permissionNotifier =
+            std::make_unique<QSocketNotifier>(m_inotify.get(), QSocketNotifier::Read);
+        QObject::connect(m_permissionNotifier.get(), &QSocketNotifier::activated,
+                         m_permissionNotifier.get(), [this] { readPermissionEvents(); });
     }
-    // The folder itself comes with the machine's first input device.
-    m_watchesRights = inotify_add_watch(m_rightsDescriptor.get(), folder, IN_ATTRIB) >= 0;
+    // /dev/input does not exist before the first input device.
+    m_watchesPermissions = inotify_add_watch(m_inotify.get(), folder, IN_ATTRIB) >= 0;
 }
 
-void UdevKeyboardWatcher::readNews() {
+void UdevKeyboardWatcher::readDeviceEvent() {
     errno = 0;
     const UdevDevice device(udev_monitor_receive_device(m_monitor.get()));
     if (!device) {
-        // News were lost; those of keyboards that went are not needed.
+        // Events were lost. A lost removal does no harm: reading from that node fails.
         if (errno == ENOBUFS)
             visitAll();
         return;
     }
-    if (!m_watchesRights)
-        watchRights();
+    if (!m_watchesPermissions)
+        watchPermissions();
     const auto node = keyboardNode(*device);
     const char* action = udev_device_get_action(device.get());
     if (!node || !action)
@@ -104,22 +104,22 @@ void UdevKeyboardWatcher::readNews() {
         m_present(*node);
 }
 
-void UdevKeyboardWatcher::readRights() {
+void UdevKeyboardWatcher::readPermissionEvents() {
     alignas(inotify_event) std::array<char, 4096> buffer{};
-    const ssize_t size = read(m_rightsDescriptor.get(), buffer.data(), buffer.size());
+    const ssize_t size = read(m_inotify.get(), buffer.data(), buffer.size());
     for (ssize_t at = 0; at + static_cast<ssize_t>(sizeof(inotify_event)) <= size;) {
         inotify_event event{};
         std::memcpy(&event, &buffer[static_cast<std::size_t>(at)], sizeof event);
         at += static_cast<ssize_t>(sizeof event);
         if (event.len > 0)
-            consider(&buffer[static_cast<std::size_t>(at)]);
+            reportKeyboard(&buffer[static_cast<std::size_t>(at)]);
         if ((event.mask & IN_IGNORED) != 0)
-            m_watchesRights = false;
+            m_watchesPermissions = false;
         at += event.len;
     }
 }
 
-void UdevKeyboardWatcher::consider(const std::string& name) {
+void UdevKeyboardWatcher::reportKeyboard(const std::string& name) {
     const UdevDevice device(
         udev_device_new_from_subsystem_sysname(m_context.get(), subsystem, name.c_str()));
     if (!device)

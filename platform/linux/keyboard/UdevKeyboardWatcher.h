@@ -13,31 +13,30 @@ namespace quorvane {
 
 using UdevMonitor = std::unique_ptr<udev_monitor, UdevRelease<udev_monitor_unref>>;
 
-/// What udev holds for a keyboard. Its news tell of devices; that somebody was given the right to
-/// read one is seen on the node itself.
+/// The keyboards that udev lists. udev reports devices; permission changes come from inotify.
 class UdevKeyboardWatcher final : public KeyboardWatcher {
 public:
-    /// Those that are there now.
+    /// The event nodes of those that exist now.
     [[nodiscard]] static std::vector<std::filesystem::path> list();
 
     void follow(Visit present, Visit gone) override;
 
 private:
     void startMonitor();
-    void watchRights();
-    void readNews();
-    void readRights();
-    void consider(const std::string& name);
+    void watchPermissions();
+    void readDeviceEvent();
+    void readPermissionEvents();
+    void reportKeyboard(const std::string& name);
     void visitAll();
 
     Visit m_present;
     Visit m_gone;
     UdevContext m_context;
     UdevMonitor m_monitor;
-    std::unique_ptr<QSocketNotifier> m_news;
-    FileDescriptor m_rightsDescriptor;
-    bool m_watchesRights = false;
-    std::unique_ptr<QSocketNotifier> m_rights;
+    std::unique_ptr<QSocketNotifier> m_deviceNotifier;
+    FileDescriptor m_inotify;
+    bool m_watchesPermissions = false;
+    std::unique_ptr<QSocketNotifier> m_permissionNotifier;
 };
 
 } // namespace quorvane

@@ -13,7 +13,7 @@ namespace {
 constexpr std::uint16_t majorVersion = 2;
 constexpr std::uint16_t minorVersion = 1;
 
-/// One device's event mask as the request carries it.
+/// One device's event mask, laid out as in the request.
 struct EventMask {
     xcb_input_event_mask_t head;
     std::uint32_t mask;
@@ -52,7 +52,7 @@ bool X11KeyReader::select() {
     if (!extension || !extension->present || !hasRawEvents(connection))
         return false;
     m_inputOpcode = extension->major_opcode;
-    // Through the masters every event comes once, with the device that it is from.
+    // Selected on the master devices, each event arrives once, with its source device.
     const std::array masks{
         EventMask{{XCB_INPUT_DEVICE_ALL_MASTER, 1},
                   XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE},

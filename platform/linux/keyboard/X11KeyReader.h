@@ -14,13 +14,13 @@ struct xcb_input_hierarchy_event_t;
 namespace quorvane {
 
 /// The keys of a whole X11 session: raw key events of every keyboard on the root window, whichever
-/// window has the focus or a grab. Any client may have them.
+/// window has the focus or a grab. Any client may select them.
 ///
-/// The server's own repeats are no raw events; those of a device that repeats by itself are presses
-/// of a key that is down, so the keys that are down are known, and forgotten with the reader.
+/// The server's own repeats cause no raw events. A device that repeats by itself sends presses of a
+/// key that is down, so the reader remembers which keys are down.
 class X11KeyReader final : public KeyEventReader {
 public:
-    /// Null if the X server does not answer or has no such events.
+    /// Null if the X server does not answer or lacks XInput 2.1.
     [[nodiscard]] static std::unique_ptr<X11KeyReader> open(Sink sink);
 
     void setReading(bool reading) override;
@@ -42,9 +42,9 @@ private:
     Sink m_sink;
     std::uint8_t m_inputOpcode = 0;
     X11Modifiers m_modifiers;
-    /// By the device that they belong to.
+    /// By device id.
     std::map<std::uint16_t, Keys> m_down;
-    /// Down since before the events began, on some device or other.
+    /// Down before the events were selected, on any device.
     Keys m_downBefore;
     bool m_delivers = false;
 };

@@ -14,7 +14,7 @@ struct SymbolRange {
     xcb_keysym_t last;
 };
 
-// Of the protocol's keysym encoding and the X server's own additions to it.
+// From the protocol's keysym encoding and X.Org's additions to it.
 constexpr std::array modifierSymbols{
     SymbolRange{0xFFE1, 0xFFEE},         // Shift_L to Hyper_R, Caps_Lock and Shift_Lock among them
     SymbolRange{0xFE01, 0xFE13},         // ISO_Lock to ISO_Level5_Lock, ISO_Level3_Shift among them
@@ -59,7 +59,7 @@ void X11Modifiers::addBySymbol(xcb_connection_t* connection) {
         return;
     const xcb_keysym_t* symbols = xcb_get_keyboard_mapping_keysyms(reply.get());
     const xcb_keysym_t* end = symbols + xcb_get_keyboard_mapping_keysyms_length(reply.get());
-    // A key's own symbol is the first of its row.
+    // The first symbol of a row is the key's without modifiers.
     for (std::size_t key = setup.min_keycode; symbols < end && key < m_keycodes.size(); ++key) {
         if (isModifier(*symbols))
             m_keycodes.set(key);

@@ -6,11 +6,11 @@
 
 namespace quorvane {
 
-/// Which keys do nothing by themselves in the keymap that the X server has now: those of its
-/// modifier mapping, and those whose symbol is a modifier's or a lock's.
+/// The modifier and lock keys of the X server's current keymap: those in its modifier mapping, and
+/// those with such a symbol.
 class X11Modifiers {
 public:
-    /// Asks the server, and waits for its answer.
+    /// Queries the server; blocks for the reply.
     void load(xcb_connection_t* connection);
 
     [[nodiscard]] bool contains(std::uint8_t keycode) const { return m_keycodes.test(keycode); }
