@@ -6,7 +6,7 @@
 #include "platform/linux/desktop/LinuxDesktop.h"
 #include "platform/linux/system/TerminationSignals.h"
 
-/// The machine that the program runs on, under the names by which the main program knows it.
+/// The Linux platform, under the names that main.cpp uses.
 namespace quorvane::Host {
 
 using Desktop = LinuxDesktop;

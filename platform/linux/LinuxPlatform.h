@@ -20,8 +20,8 @@
 namespace quorvane {
 
 /// The services of a Linux desktop. Needs a QCoreApplication on the constructing thread, which is
-/// the main thread from then on. Making it opens nothing but the run loop's descriptors: buses,
-/// devices and files are touched when they are first asked for.
+/// the main thread from then on. Construction opens only the run loop's descriptors; buses, devices
+/// and files are opened on first use.
 class LinuxPlatform {
 public:
     /// The services, which live as long as this object.

@@ -6,10 +6,9 @@
 
 namespace quorvane {
 
-/// Resources as files "name.extension" in the first of some folders that has them.
+/// Resources as files "name.extension", from the first folder that has one.
 class LinuxBundle final : public Bundle {
 public:
-    /// Without folders of its own: the standard ones.
     explicit LinuxBundle(std::vector<std::filesystem::path> folders = standardFolders());
 
     [[nodiscard]] std::optional<std::filesystem::path>

@@ -9,8 +9,8 @@ namespace quorvane {
 /// while a non-blocking pipe stays full.
 class LinuxConsole final : public Console {
 public:
-    /// Standard output, unless told otherwise. The descriptor is not owned; if it is closed when
-    /// the console is made, nothing is ever written: the number may become another file's.
+    /// Standard output by default. The descriptor is not owned. If it is closed already, nothing is
+    /// ever written, since another file may get its number.
     explicit LinuxConsole(int descriptor = 1);
 
     void print(std::string_view line) override;

@@ -15,7 +15,7 @@ namespace {
 std::uint64_t draw() {
     std::uint64_t bits = 0;
     ssize_t count = -1;
-    // So few bytes come whole or not at all.
+    // getrandom() returns so few bytes whole or not at all.
     do {
         count = getrandom(&bits, sizeof bits, 0);
     } while (count < 0 && errno == EINTR);
@@ -28,8 +28,8 @@ std::uint64_t draw() {
 } // namespace
 
 std::uint64_t LinuxRandom::uniform(std::uint64_t upperBound) {
-    // As many bits as the bound has, drawn anew while they are too large: a remainder would favour
-    // small numbers. Takes two draws at worst on average.
+    // As many bits as the bound has, drawn again while they are too large: a remainder would favour
+    // small numbers. At worst two draws on average.
     const int unused = std::countl_zero(upperBound | 1U);
     const std::uint64_t mask = std::numeric_limits<std::uint64_t>::max() >> unused;
     std::uint64_t value = 0;

@@ -4,7 +4,7 @@
 
 namespace quorvane {
 
-/// The kernel's random numbers.
+/// Random numbers from getrandom().
 class LinuxRandom final : public Random {
 public:
     std::uint64_t uniform(std::uint64_t upperBound) override;

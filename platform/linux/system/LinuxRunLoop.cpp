@@ -40,7 +40,7 @@ int requireDescriptor(int descriptor, const char* what) {
     std::abort();
 }
 
-/// Takes the counter out of a timerfd or eventfd, so that it is no longer readable.
+/// Reads the counter of a timerfd or eventfd, so that it is no longer readable.
 void drain(int descriptor) {
     std::uint64_t count = 0;
     while (read(descriptor, &count, sizeof count) < 0 && errno == EINTR) {
@@ -105,10 +105,10 @@ double LinuxRunLoop::currentDate() const {
 void LinuxRunLoop::runDueWork() {
     drain(m_timerDescriptor.get());
     m_armedFor.reset();
-    // Only what was due when the timer rang: work that is due again at once must not keep the
-    // event loop from everything else.
-    const TimerQueue::Nanoseconds rang = now();
-    while (m_queue.runNext(rang)) {
+    // Only what was due when the timer fired: a timer that is due again at once must not starve the
+    // event loop.
+    const TimerQueue::Nanoseconds fired = now();
+    while (m_queue.runNext(fired)) {
     }
     arm();
 }
@@ -131,7 +131,7 @@ void LinuxRunLoop::arm() {
     m_armedFor = deadline;
     itimerspec when{};
     if (deadline) {
-        // An instant that has passed rings at once; zero would disarm.
+        // A past instant fires at once; zero would disarm.
         const auto instant = std::max<TimerQueue::Nanoseconds>(*deadline, 1);
         when.it_value.tv_sec = instant / nanosecondsPerSecond;
         when.it_value.tv_nsec = instant % nanosecondsPerSecond;

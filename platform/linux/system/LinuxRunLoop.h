@@ -15,11 +15,11 @@ class QSocketNotifier;
 namespace quorvane {
 
 /// The run loop inside the Qt event loop: one timerfd armed for the earliest deadline, one eventfd
-/// that other threads ring for the main queue. At rest it wakes nobody. Needs a QCoreApplication
+/// that other threads write to for the main queue. No wake-ups while idle. Needs a QCoreApplication
 /// on the constructing thread, which is the main thread from then on.
 class LinuxRunLoop final : public RunLoop {
 public:
-    /// Ends the program with a message if the kernel gives no descriptors.
+    /// Aborts with a message if the kernel gives no descriptors.
     LinuxRunLoop();
     ~LinuxRunLoop() override;
 
@@ -43,7 +43,7 @@ private:
     std::unique_ptr<QSocketNotifier> m_timerNotifier;
     std::unique_ptr<QSocketNotifier> m_eventNotifier;
     TimerQueue m_queue;
-    // What the timerfd is armed for, to spare the system call when it stays; none: disarmed.
+    // What the timerfd is armed for, to skip the system call when it is unchanged; none: disarmed.
     std::optional<TimerQueue::Nanoseconds> m_armedFor;
 
     // Any thread.

@@ -16,7 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int mostDamagedFiles = 100;
-// The settings are a few lines; a file beyond this is not ours to read into memory.
+// Bytes. The settings are a few lines; a larger file counts as damaged and is not read.
 constexpr qint64 largestFile = 1 << 20;
 
 QString toQString(const fs::path& path) {
@@ -36,7 +36,7 @@ bool isINILine(const QByteArray& line) {
     return line.startsWith('[') ? line.contains(']') : line.contains('=');
 }
 
-/// QSettings judges too, but only the first time that it reads a file.
+/// QSettings reports a format error too, but only when a process reads the file for the first time.
 bool isINI(const QByteArray& bytes) {
     bool continued = false;
     for (const QByteArray& line : bytes.split('\n')) {
@@ -46,7 +46,7 @@ bool isINI(const QByteArray& bytes) {
     return isText(bytes);
 }
 
-/// A file that is not there, or not ours to read, is not damaged.
+/// A file that is missing or may not be read is not damaged.
 bool isDamaged(const fs::path& path) {
     std::error_code error;
     QFile file(toQString(path));
@@ -71,7 +71,7 @@ bool putAside(const fs::path& path) {
     return false;
 }
 
-/// The file's settings; none when it is damaged and in the way.
+/// Null if the file is damaged and cannot be put aside.
 std::unique_ptr<QSettings> openSettings(const fs::path& path) {
     if (isDamaged(path) && !putAside(path))
         return nullptr;
@@ -82,7 +82,7 @@ void complain(const fs::path& path, const char* reason) {
     std::fprintf(stderr, "quorvane: the settings are not saved: %s %s\n", path.c_str(), reason);
 }
 
-/// Anything but a plain truth value is no Boolean.
+/// "true" in any case, or "1"; anything else is false.
 bool isTrue(const QVariant& value) {
     const QString text = value.toString();
     return text == QLatin1String("1") ||

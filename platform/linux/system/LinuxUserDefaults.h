@@ -6,13 +6,13 @@
 
 namespace quorvane {
 
-/// Settings in an INI file, replaced as a whole with each write so that no crash leaves half of
-/// one. Settings that others keep in the file stay. A damaged file is put aside as
+/// Settings in an INI file through QSettings, which replaces the file atomically and keeps other
+/// settings in it, but would overwrite a damaged one. That is put aside first as
 /// "quorvane.ini.damaged" (then ".damaged.1" and so on) and counts as empty; one that cannot be put
 /// aside is left alone, and then nothing is written.
 class LinuxUserDefaults final : public UserDefaults {
 public:
-    /// Looks at nothing yet.
+    /// Reads nothing yet.
     explicit LinuxUserDefaults(std::filesystem::path file = standardFile());
 
     [[nodiscard]] bool boolForKey(std::string_view key) const override;
@@ -23,7 +23,7 @@ public:
 
 private:
     std::filesystem::path m_file;
-    // Holds whatever became of the file.
+    // In effect even if the file could not be written.
     std::map<std::string, bool, std::less<>> m_setHere;
 };
 

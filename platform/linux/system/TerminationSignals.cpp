@@ -26,7 +26,7 @@ sigset_t terminationSignals() {
 
 TerminationSignals::TerminationSignals() {
     const sigset_t wanted = terminationSignals();
-    // They stay blocked to the end: one that comes while the program is leaving changes nothing.
+    // They stay blocked to the end, so that one during the exit changes nothing.
     pthread_sigmask(SIG_BLOCK, &wanted, nullptr);
     m_descriptor = FileDescriptor(signalfd(-1, &wanted, SFD_CLOEXEC | SFD_NONBLOCK));
     if (m_descriptor)
@@ -44,10 +44,10 @@ void TerminationSignals::ignore() {
 void TerminationSignals::listen(std::function<void()> handler) {
     m_notifier = std::make_unique<QSocketNotifier>(m_descriptor.get(), QSocketNotifier::Read);
     QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(),
-                     [this, heard = std::move(handler)] {
+                     [this, handler = std::move(handler)] {
                          signalfd_siginfo signal{};
                          while (read(m_descriptor.get(), &signal, sizeof signal) == sizeof signal)
-                             heard();
+                             handler();
                      });
 }
 

@@ -10,18 +10,18 @@ class QSocketNotifier;
 
 namespace quorvane {
 
-/// Turns the wish of a shell or a session that the program ends (SIGINT, SIGTERM) into a call from
-/// the event loop. Make it before any other thread exists and before anything that has to be left
-/// in order. Signals that come before `listen`, and those that come on the way out, wait.
+/// Turns SIGINT and SIGTERM into calls from the event loop. To be made before any other thread
+/// exists, so that all threads block them, and before anything that needs an orderly exit. They
+/// stay pending before `listen` and after `ignore`.
 class TerminationSignals : NonCopyable {
 public:
-    /// Ends the program with a message if the kernel gives no descriptor.
+    /// Exits with a message if the kernel gives no descriptor.
     TerminationSignals();
     ~TerminationSignals();
 
-    /// From now on `handler` hears of every such signal. Needs a QCoreApplication.
+    /// Calls `handler` for every such signal from now on. Needs a QCoreApplication.
     void listen(std::function<void()> handler);
-    /// The handler hears of nothing any more.
+    /// Calls the handler no more.
     void ignore();
 
 private:
