@@ -32,7 +32,7 @@ struct StringRelease {
 
 using KeyFile = std::unique_ptr<GKeyFile, KeyFileRelease>;
 using String = std::unique_ptr<gchar, StringRelease>;
-// NOLINTNEXTLINE(modernize-avoid-c-arrays): the library's own kind of list.
+// NOLINTNEXTLINE(modernize-avoid-c-arrays): GLib's type.
 using Strings = std::unique_ptr<gchar*[], StringsRelease>;
 
 std::string variable(const char* name, const char* otherwise) {
@@ -50,7 +50,7 @@ std::vector<std::string> split(const std::string& text) {
     return parts;
 }
 
-/// One file, as the desktops read it.
+/// One autostart file.
 class Entry {
 public:
     explicit Entry(const fs::path& file) {
@@ -64,7 +64,7 @@ public:
                isFor(desktops) && isInstalled();
     }
 
-    /// The program that it runs, as it is written there; empty when none can be made out.
+    /// The program as Exec names it; empty if Exec cannot be parsed.
     [[nodiscard]] std::string command() const {
         const std::string line = text("Exec");
         int count = 0;
@@ -90,7 +90,7 @@ private:
         return otherwise;
     }
 
-    /// None when the entry does not speak of it.
+    /// None if the entry lacks the key.
     [[nodiscard]] std::optional<std::vector<std::string>> list(const char* key) const {
         const Strings values(
             g_key_file_get_string_list(m_file.get(), group, key, nullptr, nullptr));
@@ -121,7 +121,7 @@ private:
     bool m_isRead = false;
 };
 
-/// An installed program goes by its name, one that was built beside it by its path.
+/// `command` is a path, or a name to be found in PATH.
 bool runs(const std::string& command, const fs::path& executable) {
     const String found(g_find_program_in_path(command.c_str()));
     std::error_code error;
@@ -143,7 +143,7 @@ std::vector<fs::path> entryFiles(const fs::path& folder) {
 AutostartEnvironment AutostartEnvironment::current() {
     AutostartEnvironment environment;
     const fs::path home = variable("XDG_CONFIG_HOME", "");
-    // Paths that are not absolute are to be ignored.
+    // Relative paths are to be ignored, as XDG says.
     environment.folders.push_back(
         (home.is_absolute() ? home : fs::path(variable("HOME", "/")) / ".config") / "autostart");
     for (const fs::path folder : split(variable("XDG_CONFIG_DIRS", "/etc/xdg"))) {

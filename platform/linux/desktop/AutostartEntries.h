@@ -7,23 +7,22 @@
 
 namespace quorvane {
 
-/// What decides about autostart entries besides the entries.
+/// What autostart entries depend on besides their own text.
 struct AutostartEnvironment {
-    /// The folders that hold entries, the most important first: a file hides those of its name in
-    /// the folders after it.
+    /// The folders with entries, by precedence: a file hides those of the same name in later
+    /// folders.
     std::vector<std::filesystem::path> folders;
-    /// The names of the desktop that is running, as entries call them.
+    /// The running desktop's names, as OnlyShowIn has them.
     std::vector<std::string> desktops;
-    /// This program, without symbolic links on the way.
+    /// This program's path, with symbolic links resolved.
     std::filesystem::path executable;
 
-    /// As XDG_CONFIG_HOME, XDG_CONFIG_DIRS, XDG_CURRENT_DESKTOP and the kernel have it now.
+    /// From XDG_CONFIG_HOME, XDG_CONFIG_DIRS, XDG_CURRENT_DESKTOP and /proc/self/exe.
     [[nodiscard]] static AutostartEnvironment current();
 };
 
-/// Whether the desktop starts this program as somebody logs in: an entry called quorvane.desktop,
-/// or one that runs the executable, is in effect. A file that makes no sense is no entry, though it
-/// hides others.
+/// Whether the desktop starts this program at login: an entry called quorvane.desktop, or one that
+/// runs the executable, is in effect. A malformed file is no entry, but still hides others.
 [[nodiscard]] bool startsAtLogin(const AutostartEnvironment& environment);
 
 } // namespace quorvane

@@ -29,7 +29,7 @@ bool waylandAnswers(const std::string& display) {
         return false;
     std::copy(path.begin(), path.end(), std::begin(address.sun_path));
     const FileDescriptor descriptor(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    // The socket interface takes every family's address through the same pointer.
+    // The sockets API takes the addresses of all families as this type.
     const auto* generic = reinterpret_cast<const sockaddr*>(&address);
     return connect(descriptor.get(), generic, sizeof address) == 0;
 }

@@ -7,18 +7,18 @@ struct xcb_connection_t;
 
 namespace quorvane {
 
-/// Chooses the display server for the toolkit, which must not have been started yet: X11 whenever
-/// it answers, Wayland sessions included, because only there a window can stand above everything
-/// else. A choice that the person made through the environment stands, unchecked.
+/// Chooses Qt's platform, before there is a QGuiApplication: X11 whenever a server answers, in
+/// Wayland sessions too, because only X11 lets a window stay above all others. Where the user has
+/// set QT_QPA_PLATFORM, that is kept, unchecked.
 class DisplayServer {
 public:
     DisplayServer();
 
-    /// What is wrong, for a person, if there is no display to be had; else empty.
+    /// The message for the user if there is no display; else empty.
     [[nodiscard]] const std::string& error() const { return m_error; }
 
-    /// To be called once the toolkit is connected. Until then the connection that was tried stays
-    /// open, because some X servers start anew when their last client leaves.
+    /// Closes the connection that was tried. To be called once Qt is connected: some X servers
+    /// reset when their last client disconnects.
     void release() { m_connection.reset(); }
 
 private:

@@ -13,8 +13,7 @@ bool mayUse(const std::filesystem::path& device) {
     return access(device.c_str(), R_OK | W_OK) == 0;
 }
 
-// A card that can do more than show a picture has such a device; all others are "card" and a
-// number.
+// Cards that can render have a render node besides their "card0", which only shows pictures.
 bool isRenderNode(const std::filesystem::path& device) {
     return device.filename().string().rfind("renderD", 0) == 0;
 }
@@ -22,7 +21,7 @@ bool isRenderNode(const std::filesystem::path& device) {
 } // namespace
 
 bool hasGraphicsCard(const std::filesystem::path& devices) {
-    // The one driver outside the kernel need not take part in its interface.
+    // NVIDIA's own driver may have no node under dri.
     if (mayUse(devices / "nvidiactl"))
         return true;
     std::error_code none;

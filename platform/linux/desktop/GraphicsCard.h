@@ -4,7 +4,7 @@
 
 namespace quorvane {
 
-/// Whether this machine has a graphics card that we may use, going by the folder of its devices.
+/// Whether this process may use a graphics card, judged by the device nodes under `devices`.
 [[nodiscard]] bool hasGraphicsCard(const std::filesystem::path& devices = "/dev");
 
 } // namespace quorvane

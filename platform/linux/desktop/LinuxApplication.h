@@ -4,12 +4,12 @@
 
 namespace quorvane {
 
-/// The program as the desktop knows it.
+/// The program as a login item and as the active application.
 class LinuxApplication final : public Application {
 public:
-    /// Enabled or not registered: whether an autostart entry for the program is in effect now.
+    /// Enabled while an autostart entry for the program is in effect, else NotRegistered.
     [[nodiscard]] LoginItemStatus loginItemStatus() const override;
-    /// Whether a window of the toolkit's has the focus; overlay panels are none.
+    /// Whether a Qt window has the focus; overlay panels are not Qt windows.
     [[nodiscard]] bool isActive() const override;
 };
 

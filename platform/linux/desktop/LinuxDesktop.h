@@ -9,8 +9,8 @@ namespace quorvane {
 class ReducedMotion;
 class X11ObscuredWindowWatcher;
 
-/// The X11 desktop and its settings. Asks nobody before there is a window to watch, so that the
-/// window does not wait for that.
+/// The desktop's settings and, on X11, whether other windows cover ours. Connects to nothing before
+/// `watchWindow`, so that the window does not wait for that.
 class LinuxDesktop final : public Desktop {
 public:
     LinuxDesktop();
@@ -20,7 +20,7 @@ public:
 
     [[nodiscard]] const Observable<bool>& windowIsCovered() const override { return m_isCovered; }
 
-    /// `window` is on screen already, or the server could not know it.
+    /// `window`: the winId() of a window that is on screen already, so that the server knows it.
     void watchWindow(std::uintptr_t window) override;
 
 private:

@@ -32,7 +32,7 @@ bool filesReduceMotion() {
     return false;
 }
 
-// The portal wraps an answer in as many variants as it takes to pass it on.
+// The portal nests the value in several variants.
 QVariant unwrapped(QVariant value) {
     while (value.canConvert<QDBusVariant>())
         value = value.value<QDBusVariant>().variant();

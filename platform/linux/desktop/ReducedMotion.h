@@ -8,9 +8,9 @@
 
 namespace quorvane {
 
-/// Whether the person has asked the desktop for less motion. The desktop's settings portal tells,
-/// now and later; where there is none, the settings file of GTK programs does. Main thread; never
-/// waits for the bus.
+/// Whether the user has asked the desktop for less motion: as the settings portal says, now and
+/// with each change, or, without a portal, GTK's settings file. Main thread; never blocks on the
+/// bus.
 class ReducedMotion final : public QObject {
     Q_OBJECT
 
@@ -19,8 +19,7 @@ public:
     ~ReducedMotion() override;
 
 private Q_SLOTS:
-    /// Takes the message whole: the first slot of a process that takes a QDBusVariant is not
-    /// called.
+    /// Takes the message: Qt does not call the first slot in a process that takes a QDBusVariant.
     void settingChanged(const QDBusMessage& message);
 
     // NOLINTNEXTLINE(readability-redundant-access-specifiers): these are no slots.

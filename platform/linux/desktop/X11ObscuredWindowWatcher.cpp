@@ -7,8 +7,7 @@
 
 namespace quorvane {
 
-// On a connection of our own, since what a window's events are is chosen for each connection, and
-// the toolkit has its own choice.
+// On a connection of our own: event masks are per connection, and Qt has set its own.
 X11ObscuredWindowWatcher::X11ObscuredWindowWatcher(xcb_window_t window,
                                                    std::function<void(bool)> report)
     : m_window(window), m_report(std::move(report)), m_connection(X11Connection::open()) {

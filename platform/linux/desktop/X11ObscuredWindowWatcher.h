@@ -10,11 +10,11 @@ namespace quorvane {
 
 class X11Connection;
 
-/// Whether other windows cover one of our windows to the last pixel. Where a compositing manager
-/// draws, the server no longer tells, and nothing ever counts as covered. Main thread only.
+/// Whether other windows cover all of one of ours, by X11's visibility events. Under a compositing
+/// manager the server reports every window as unobscured. Main thread only.
 class X11ObscuredWindowWatcher : NonCopyable {
 public:
-    /// `report` is told each change.
+    /// `report` is called with each change.
     X11ObscuredWindowWatcher(xcb_window_t window, std::function<void(bool covered)> report);
     ~X11ObscuredWindowWatcher();
 
