@@ -10,8 +10,8 @@ namespace quorvane {
 /// it cannot be read. Reads 4096 bytes at most, the size of a sysfs attribute.
 [[nodiscard]] std::optional<std::string> readSystemText(const std::filesystem::path& file);
 
-/// The number that such a file holds, in the C locale whatever ours is; none when it holds
-/// anything else, infinities included.
+/// The number in such a file, in the C locale whatever the process's is; none when the file holds
+/// anything else, infinity included.
 [[nodiscard]] std::optional<double> readSystemNumber(const std::filesystem::path& file);
 
 } // namespace quorvane

@@ -20,8 +20,7 @@ using UdevContext = std::unique_ptr<udev, UdevRelease<udev_unref>>;
 using UdevEnumeration = std::unique_ptr<udev_enumerate, UdevRelease<udev_enumerate_unref>>;
 using UdevDevice = std::unique_ptr<udev_device, UdevRelease<udev_device_unref>>;
 
-/// Runs the enumeration, which has its matches already, and shows `visit` each device that is
-/// still there.
+/// Runs an enumeration whose matches are set, and calls `visit` with each device that still exists.
 template <typename Visit>
 void forEachUdevDevice(udev& context, udev_enumerate& enumeration, const Visit& visit) {
     if (udev_enumerate_scan_devices(&enumeration) < 0)
@@ -35,8 +34,8 @@ void forEachUdevDevice(udev& context, udev_enumerate& enumeration, const Visit& 
     }
 }
 
-/// What `read` makes of each device of `subsystem` whose kernel name matches the pattern `name`,
-/// where it makes anything of it; by path.
+/// Calls `read` with each device of `subsystem` whose kernel name matches the glob pattern `name`,
+/// and returns what it returns, without the empty ones.
 template <typename Node>
 [[nodiscard]] std::vector<Node> readUdevDevices(udev& context, const char* subsystem,
                                                 const char* name,

@@ -63,7 +63,7 @@ void X11Connection::flush() {
 
 void X11Connection::setReading(bool reading) {
     m_readable.setEnabled(reading && xcb_connection_has_error(m_connection) == 0);
-    // What the library has read already makes nothing readable.
+    // Events that xcb has queued already do not make the socket readable.
     if (reading)
         m_settle.start();
     else
@@ -74,13 +74,13 @@ void X11Connection::readEvents() {
     while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)})
         if (m_handler)
             m_handler(*event);
-    // A connection that is gone stays readable for ever.
+    // The socket of a lost connection stays readable for ever.
     if (xcb_connection_has_error(m_connection) != 0)
         m_readable.setEnabled(false);
 }
 
 bool X11Connection::isBroken() {
-    // The library learns of it only by reading.
+    // xcb notices a lost connection only by reading.
     readEvents();
     return xcb_connection_has_error(m_connection) != 0;
 }

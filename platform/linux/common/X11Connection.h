@@ -13,10 +13,10 @@
 namespace quorvane {
 
 struct FreeReply {
-    void operator()(void* reply) const { std::free(reply); } // NOLINT: the library's allocation.
+    void operator()(void* reply) const { std::free(reply); } // NOLINT: xcb uses malloc.
 };
 
-/// What the display server answered.
+/// An xcb reply, released with free().
 template <class Reply>
 using XcbReply = std::unique_ptr<Reply, FreeReply>;
 
@@ -25,23 +25,24 @@ using XcbReply = std::unique_ptr<Reply, FreeReply>;
     return event.response_type & ~0x80;
 }
 
-/// A connection to the X server of our own: its events are ours alone, and its windows go with the
-/// process, however that ends. Main thread only; events come from the Qt event loop.
+/// A connection to the X server, separate from Qt's and with events of its own. The server removes
+/// its windows when the process ends, however it ends. Main thread only; the Qt event loop
+/// dispatches the events.
 class X11Connection : NonCopyable {
 public:
     using EventHandler = std::function<void(const xcb_generic_event_t&)>;
 
-    /// The server that DISPLAY names; null if it does not answer.
+    /// Connects to the server that DISPLAY names; null on failure.
     [[nodiscard]] static std::unique_ptr<X11Connection> open();
     ~X11Connection();
 
     void setEventHandler(EventHandler handler) { m_handler = std::move(handler); }
 
-    /// Whether the event loop hands over events as they come in, which it does from the start.
+    /// Whether the event loop dispatches events as they arrive; on at first.
     void setReading(bool reading);
-    /// Hands over the events that are there now.
+    /// Dispatches the events that have arrived.
     void readEvents();
-    /// Whether nothing can be asked of the server any more. Hands over the events that are there.
+    /// Whether the connection is lost. Dispatches the events that have arrived.
     [[nodiscard]] bool isBroken();
 
     [[nodiscard]] xcb_connection_t* get() const { return m_connection; }
@@ -52,17 +53,16 @@ public:
 
     [[nodiscard]] xcb_window_t root() const { return m_screen->root; }
 
-    /// Sends what has been asked for, and sees to the events that came in while the server was
-    /// being waited for. Needed after every answer that was waited for, or those events are found
-    /// only with the next one.
+    /// Flushes, and has the event loop dispatch the events that xcb queued while it waited for a
+    /// reply. Needed after every such wait: queued events do not make the socket readable.
     void settle();
-    /// Sends what has been asked for.
+    /// Sends the requests made so far.
     void flush();
 
     [[nodiscard]] xcb_atom_t atom(std::string_view name) const;
     /// Whether a compositing manager blends windows.
     [[nodiscard]] bool composites() const;
-    /// The visual for 8 bits a colour at `depth` (24, or 32 with alpha); none: 0.
+    /// The visual with 8 bits per colour at `depth` (24, or 32 with alpha); 0 if there is none.
     [[nodiscard]] xcb_visualid_t visual(int depth) const;
 
 private:
