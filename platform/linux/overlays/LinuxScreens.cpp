@@ -12,7 +12,7 @@ namespace quorvane {
 
 namespace {
 
-/// The monitor that was the main one when this was made, as it is now.
+/// The monitor that was the main one at construction, with its current frame.
 class MonitorScreen final : public Screen {
 public:
     MonitorScreen(std::weak_ptr<X11OverlayStack> overlays, X11Monitor monitor)
@@ -38,7 +38,7 @@ LinuxScreens::LinuxScreens() = default;
 LinuxScreens::~LinuxScreens() = default;
 
 const std::shared_ptr<X11OverlayStack>& LinuxScreens::overlays() {
-    // The watchdog ends a connection, and so do tools that end the client of a window.
+    // The watchdog ends a connection, and so do tools that kill a window's client.
     if (m_stack && m_stack->connection().isBroken())
         m_stack.reset();
     if (!m_stack && QGuiApplication::platformName() == QLatin1String("xcb"))

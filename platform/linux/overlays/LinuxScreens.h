@@ -8,15 +8,14 @@ namespace quorvane {
 
 class X11OverlayStack;
 
-/// The screens of an X server, Xwayland included, and panels over them that are windows of ours,
-/// drawn in memory without the toolkit's scene. Needs a QGuiApplication by the time it is first
-/// asked for something; nothing is opened before, and a connection that has ended is replaced when
-/// the next panel is to come. Where Qt is not on X11, or the server does not answer, there
-/// is no main screen, and panels show nowhere.
+/// The screens of an X server, Xwayland included, and panels over them: X11 windows drawn in
+/// memory, without a Qt Quick scene. Connects on first use, which needs a QGuiApplication; a lost
+/// connection is replaced for the next panel. Where Qt is not on xcb, or the server does not
+/// answer, there is no main screen, and panels do not show.
 class LinuxScreens final : public ScreenService {
 public:
     LinuxScreens();
-    /// Takes every panel away.
+    /// Removes all panels.
     ~LinuxScreens() override;
 
     [[nodiscard]] std::shared_ptr<Screen> mainScreen() override;

@@ -16,11 +16,11 @@ using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
 constexpr milliseconds patience{2000};
-// A machine or a process that was halted finds both threads late when it goes on. The main thread
-// then gets this long to remove the panel itself.
+// After the machine or the process was suspended both threads are late. The main thread then has
+// this long to remove the panel itself.
 constexpr milliseconds grace{500};
 
-/// Whether the time came before anybody asked to stop waiting for it.
+/// False if a stop was requested first.
 bool sleepUntil(Clock::time_point time, const std::stop_token& stop) {
     std::mutex mutex;
     std::condition_variable_any wake;
@@ -32,7 +32,7 @@ bool sleepUntil(Clock::time_point time, const std::stop_token& stop) {
 void watch(const std::stop_token& stop, int socket, Clock::time_point due) {
     if (!sleepUntil(due + patience - grace, stop) || !sleepUntil(Clock::now() + grace, stop))
         return;
-    // The one call of the connection that is safe beside the main thread: it may be within xcb.
+    // The only safe call on the connection from here: the main thread may be inside xcb.
     shutdown(socket, SHUT_RDWR);
     dprintf(STDERR_FILENO, "quorvane: the main thread hangs: removed a panel that was overdue\n");
 }

@@ -11,11 +11,11 @@ namespace quorvane {
 
 namespace {
 
-// The last two come to a program in the background that uses its terminal.
+// A background program that uses its terminal gets one of the last two.
 constexpr std::array stopSignals{SIGTSTP, SIGTTIN, SIGTTOU};
 constexpr int none = -1;
 
-// A handler may read it at any moment.
+// The signal handler reads it.
 std::atomic<int> watchedSocket{none};
 static_assert(std::atomic<int>::is_always_lock_free);
 
@@ -28,7 +28,7 @@ void listenFor(int signal) {
     if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler != SIG_DFL)
         return;
     action.sa_handler = stopWithoutPanels;
-    // The handler itself sends the signal once more, for the system's own action.
+    // The handler raises the signal again, for the default action.
     action.sa_flags = SA_RESTART | SA_NODEFER | SA_RESETHAND;
     sigaction(signal, &action, nullptr);
 }
@@ -36,7 +36,7 @@ void listenFor(int signal) {
 void stopWithoutPanels(int signal) {
     const int error = errno;
     shutdown(watchedSocket, SHUT_RDWR);
-    // Stops here, and goes on from here at SIGCONT.
+    // The process stops here and continues here on SIGCONT.
     std::raise(signal);
     listenFor(signal);
     errno = error;
@@ -51,7 +51,7 @@ StopSignals::StopSignals(int socket) {
 }
 
 StopSignals::~StopSignals() {
-    // Without a socket the handler does what the system does by itself.
+    // Without a socket the handler does no more than the default action.
     watchedSocket = none;
 }
 

@@ -9,11 +9,11 @@ namespace quorvane {
 
 namespace {
 
-// The server gives 0 or 1 in place of a window for "nobody" and "whoever is under the pointer".
+// In place of a window the focus may be None (0) or PointerRoot (1).
 constexpr xcb_window_t lastNonWindow = XCB_INPUT_FOCUS_POINTER_ROOT;
 
 double scaleAt(QPoint place) {
-    // The toolkit keeps a screen's corner where it is in pixels, whatever its scale.
+    // Qt gives a screen's top left corner in pixels, whatever its scale.
     for (const QScreen* screen : QGuiApplication::screens())
         if (screen->geometry().topLeft() == place)
             return screen->devicePixelRatio();
@@ -87,7 +87,7 @@ Rect X11Monitor::frame() const {
 std::vector<X11Monitor> x11Monitors(const X11Connection& connection) {
     std::vector<X11Monitor> monitors;
     const auto reply = listMonitors(connection);
-    // A server that does not know of monitors is one screen.
+    // Without RandR's monitors, the root window is the only one.
     if (!reply) {
         const auto all = rectOf(connection, connection.root()).value_or(QRect());
         monitors.push_back({.primary = true, .pixels = all, .scale = scaleAt(all.topLeft())});
@@ -109,7 +109,7 @@ std::optional<X11Monitor> x11MainMonitor(const X11Connection& connection) {
     if (monitors.empty())
         return std::nullopt;
     const QRect focused = focusedRect(connection).value_or(QRect());
-    // Where the focused window is on none, or on two alike, the primary one comes first.
+    // Where the focused window is on none, or equally on two, the primary one wins.
     const auto less = [&focused](const X11Monitor& one, const X11Monitor& other) {
         return std::pair(area(one.pixels & focused), one.primary) <
                std::pair(area(other.pixels & focused), other.primary);

@@ -9,20 +9,20 @@
 
 namespace quorvane {
 
-/// One screen of the desktop, as RandR has it.
+/// A monitor, as RandR reports it.
 struct X11Monitor {
     xcb_atom_t name = XCB_ATOM_NONE;
     bool primary = false;
-    /// On the root window.
+    /// In coordinates of the root window.
     QRect pixels;
-    /// Pixels a point, as the toolkit has it for this screen.
+    /// Pixels per point: Qt's device pixel ratio for this screen.
     double scale = 1;
 
     /// In points: the pixels divided by the scale.
     [[nodiscard]] Rect frame() const;
 };
 
-/// All that are switched on.
+/// All active monitors.
 [[nodiscard]] std::vector<X11Monitor> x11Monitors(const X11Connection& connection);
 
 /// The one that holds most of the window with the keyboard focus, else the primary one; none if

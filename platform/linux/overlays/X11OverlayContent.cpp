@@ -30,7 +30,7 @@ X11OverlayContent::X11OverlayContent(X11Connection& connection,
                                             .takesClicks = m_setting.takesClicks,
                                             .cursor = m_setting.cursor});
     show(m_image.image().rect());
-    keepUp();
+    followChanges();
 }
 
 void X11OverlayContent::captureBeneath() {
@@ -54,7 +54,7 @@ void X11OverlayContent::drawAll() {
     m_painted->drawAll(image);
 }
 
-void X11OverlayContent::keepUp() {
+void X11OverlayContent::followChanges() {
     if (!m_view)
         return;
     m_changes = m_view->observeChanges([this] { drawChanges(); });

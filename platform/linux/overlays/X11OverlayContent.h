@@ -11,48 +11,49 @@
 
 namespace quorvane {
 
-/// A panel that is up: its window, what is in it, and the keeping up with what changes.
+/// The window of a visible panel and its picture, redrawn as the view changes.
 class X11OverlayContent {
 public:
     struct Setting {
         QRect pixels;
-        /// Pixels a point.
+        /// Pixels per point.
         double scale = 1;
         bool opaque = true;
         Color background;
         bool takesClicks = true;
         xcb_cursor_t cursor = XCB_CURSOR_NONE;
-        /// What shows through where nothing blends windows; null: what the screen shows now.
+        /// What shows through a translucent panel without a compositor; null: captured from the
+        /// screen now.
         QImage beneath;
     };
 
-    /// `view` may be null: then there is nothing but the background.
+    /// `view` may be null: then there is only the background.
     X11OverlayContent(X11Connection& connection, std::shared_ptr<const OverlayView> view,
                       Setting setting);
 
     [[nodiscard]] const X11OverlayWindow& window() const { return *m_window; }
 
-    /// A still of the screen beneath; null where it is not needed.
+    /// The captured screen beneath; null where it is not needed.
     [[nodiscard]] const QImage& beneath() const { return m_setting.beneath; }
 
-    /// Shows a part again that the server has lost.
+    /// Sends a part again that the server has lost.
     void show(const QRect& part);
 
 private:
     void captureBeneath();
     void drawAll();
-    void keepUp();
+    void followChanges();
     void drawChanges();
 
     X11Connection& m_connection;
     std::shared_ptr<const OverlayView> m_view;
     Setting m_setting;
-    // Whether the window shows what is beneath by itself.
+    // Whether a compositor blends the window with what is beneath.
     bool m_blended;
     X11SharedImage m_image;
-    // Nothing to draw without a view.
+    // None without a view.
     std::optional<PaintedOverlay> m_painted;
-    // Made once there is something to show.
+    // Made after the first drawing.
     std::optional<X11OverlayWindow> m_window;
     QTimer m_spin;
     Subscription m_changes;

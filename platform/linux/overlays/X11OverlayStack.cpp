@@ -12,7 +12,7 @@ namespace quorvane {
 
 namespace {
 
-// Two programs that each want to be in front must not keep each other busy.
+// Two programs that both want to be in front must not raise their windows in a busy loop.
 constexpr qint64 shortestRaiseInterval = 100; // Milliseconds.
 
 int firstScreensEvent(const X11Connection& connection) {
@@ -35,13 +35,13 @@ X11OverlayStack::X11OverlayStack(std::unique_ptr<X11Connection> connection)
         m_sinceRaise.start();
         restack();
     });
-    // One change of the screens comes as many events.
+    // One change of the monitors causes many events.
     m_follow.setSingleShot(true);
     QObject::connect(&m_follow, &QTimer::timeout, &m_follow, [this] { follow(); });
 }
 
 X11OverlayStack::~X11OverlayStack() {
-    // Somebody may still hold them: they must not keep anything of the connection.
+    // Panels may outlive the stack, but their windows must not outlive the connection.
     for (const auto& panel : std::exchange(m_shown, {}))
         panel->orderOut();
 }
@@ -138,7 +138,7 @@ void X11OverlayStack::handleExpose(const xcb_expose_event_t& event) const {
 }
 
 void X11OverlayStack::handleVisibility(const xcb_visibility_notify_event_t& event) {
-    // Only the foremost is covered by others alone.
+    // Panels behind the foremost may be covered by our own.
     if (event.state != XCB_VISIBILITY_UNOBSCURED && !m_shown.empty() &&
         find(event.window) == m_shown.front().get())
         raiseSoon();
@@ -149,8 +149,8 @@ void X11OverlayStack::handleOther(xcb_window_t reporter, xcb_window_t window) {
         return;
     if (window == m_connection->root())
         m_follow.start(0);
-    // A compositor's windows never count as obscured, so that a window has come up or has been
-    // moved is all there is to go by.
+    // Under a compositor no window counts as obscured, so the panels are raised whenever another
+    // window is mapped or moved.
     else if (!find(window))
         raiseSoon();
 }
@@ -165,7 +165,7 @@ void X11OverlayStack::raiseSoon() {
 void X11OverlayStack::follow() {
     const std::vector<X11Monitor> monitors = x11Monitors(*m_connection);
     const auto main = x11MainMonitor(*m_connection);
-    // A copy: a panel without a screen takes itself away.
+    // A copy: a panel without a monitor removes itself.
     const auto panels = m_shown;
     for (const auto& panel : panels)
         panel->follow(monitors, main);

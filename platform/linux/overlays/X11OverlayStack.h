@@ -14,8 +14,8 @@ namespace quorvane {
 
 class X11Panel;
 
-/// The panels that are up, kept above everything else and on the screens that there are. Main
-/// thread only.
+/// The visible panels, kept above all other windows and on the monitors that exist. Main thread
+/// only.
 class X11OverlayStack : NonCopyable {
 public:
     explicit X11OverlayStack(std::unique_ptr<X11Connection> connection);
@@ -23,13 +23,13 @@ public:
 
     [[nodiscard]] X11Connection& connection() { return *m_connection; }
 
-    /// The arrow of the desktop's theme.
+    /// The arrow cursor of the desktop's theme.
     [[nodiscard]] xcb_cursor_t arrow();
 
-    /// Keeps the panel, whoever else lets go of it, in front of those of its level.
+    /// Shows the panel in front of those of its level, and keeps it alive.
     void add(std::shared_ptr<X11Panel> panel);
     void remove(const X11Panel& panel);
-    /// Puts the windows above all others, in their order.
+    /// Raises the windows above all others, in their order.
     void restack();
 
 private:

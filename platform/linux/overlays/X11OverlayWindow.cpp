@@ -13,9 +13,9 @@ namespace quorvane {
 namespace {
 
 constexpr uint32_t buttonEvents = XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE;
-// Of the window manager's protocol: a compositor is to go on blending what is under this window.
+// _NET_WM_BYPASS_COMPOSITOR: the compositor is to go on blending what is under this window.
 constexpr uint32_t keepCompositing = 2;
-// Input hint given, and it is no: the flag and the value of the protocol's nine numbers.
+// WM_HINTS: the flag of the input hint, and its value, no.
 constexpr std::array<uint32_t, 9> neverTakesTheKeyboard{1, 0};
 
 uint32_t pixelOf(const Color& color, int depth) {
@@ -50,7 +50,7 @@ void X11OverlayWindow::create(const Look& look) {
     values.border_pixel = 0;
     values.override_redirect = 1;
     values.event_mask = buttonEvents | XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_VISIBILITY_CHANGE;
-    // Clicks stop here, and a drag is no business of the desktop's either.
+    // Clicks and drags must not reach the desktop.
     values.do_not_propogate_mask = buttonEvents | XCB_EVENT_MASK_POINTER_MOTION;
     values.colormap = m_colormap;
     values.cursor = look.cursor;
@@ -75,8 +75,8 @@ void X11OverlayWindow::describe() const {
     set(XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8, windowClass.size(), windowClass.data());
     set(XCB_ATOM_WM_HINTS, XCB_ATOM_WM_HINTS, 32, neverTakesTheKeyboard.size(),
         neverTakesTheKeyboard.data());
-    // Some Wayland desktops give the keyboard to every window like this one but to those of the
-    // kinds that cannot want it.
+    // Some Wayland compositors focus override-redirect windows too, except those of types that
+    // never take the keyboard.
     const xcb_atom_t type = m_connection.atom("_NET_WM_WINDOW_TYPE_NOTIFICATION");
     set(m_connection.atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, 32, 1, &type);
     if (m_depth == 32)

@@ -9,15 +9,15 @@
 
 namespace quorvane {
 
-/// A window that the window manager leaves alone: on every workspace, never given the keyboard and
-/// never sent a ping. It is up for as long as it lives.
+/// An override-redirect window, which the window manager leaves alone: on every workspace, never
+/// focused, never sent a ping. Mapped for as long as it exists.
 class X11OverlayWindow : NonCopyable {
 public:
     struct Look {
         QRect pixels;
         /// 32: what is beneath shows through; 24: opaque.
         int depth = 24;
-        /// What it shows until it has been drawn.
+        /// Shown until the first drawing.
         Color background;
         bool takesClicks = true;
         xcb_cursor_t cursor = XCB_CURSOR_NONE;

@@ -34,24 +34,24 @@ void X11Panel::setLevel(int level) {
 
 void X11Panel::setOpaque(bool opaque) {
     m_opaque = opaque;
-    showAnew();
+    replaceWindow();
 }
 
 void X11Panel::setBackgroundColor(const Color& color) {
     m_background = color;
-    showAnew();
+    replaceWindow();
 }
 
 void X11Panel::setCollectionBehavior(unsigned /*behavior*/) {}
 
 void X11Panel::setIgnoresMouseEvents(bool ignores) {
     m_ignoresMouse = ignores;
-    showAnew();
+    replaceWindow();
 }
 
 void X11Panel::setContentView(std::shared_ptr<const OverlayView> view) {
     m_view = std::move(view);
-    showAnew();
+    replaceWindow();
 }
 
 void X11Panel::setTimeLimit(double seconds) {
@@ -64,7 +64,7 @@ void X11Panel::setFrame(const Rect& frame, bool /*display*/) {
     if (!overlays || !m_overlay)
         return;
     place(m_frame, x11Monitors(overlays->connection()));
-    showAnew();
+    replaceWindow();
 }
 
 void X11Panel::orderFrontRegardless() {
@@ -73,7 +73,7 @@ void X11Panel::orderFrontRegardless() {
         return;
     if (!m_overlay) {
         place(m_frame, x11Monitors(overlays->connection()));
-        // A server without any visual that it could be drawn for has no overlays.
+        // Nothing can be drawn without a 24-bit visual.
         if (m_monitor.pixels.isEmpty() || overlays->connection().visual(24) == 0)
             return;
         if (m_timeLimit > 0)
@@ -113,7 +113,7 @@ void X11Panel::follow(const std::vector<X11Monitor>& monitors,
         return;
     m_monitor = now;
     m_frame = now.frame();
-    showAnew();
+    replaceWindow();
 }
 
 void X11Panel::place(const Rect& frame, const std::vector<X11Monitor>& monitors) {
@@ -130,11 +130,11 @@ void X11Panel::place(const Rect& frame, const std::vector<X11Monitor>& monitors)
     m_monitor.pixels = pixelsOf(frame, m_monitor.scale);
 }
 
-void X11Panel::showAnew() {
+void X11Panel::replaceWindow() {
     const auto overlays = m_stack.lock();
     if (!overlays || !m_overlay)
         return;
-    // The new window is up before the old one goes, so that nothing beneath is seen in between.
+    // The new window is mapped before the old one is destroyed, so that nothing beneath flashes up.
     auto overlay = makeOverlay(*overlays);
     std::swap(m_overlay, overlay);
     overlays->restack();
@@ -152,7 +152,7 @@ std::unique_ptr<X11OverlayContent> X11Panel::makeOverlay(X11OverlayStack& overla
             .background = m_background,
             .takesClicks = !m_ignoresMouse,
             .cursor = overlays.arrow(),
-            // What was beneath when it appeared is covered by the panel itself now.
+            // Kept from the panel's first window, since the panel itself covers it now.
             .beneath = m_overlay ? m_overlay->beneath() : QImage()});
 }
 

@@ -13,16 +13,17 @@ namespace quorvane {
 
 class X11OverlayStack;
 
-/// A panel's settings, and what is up of it. Its window exists only while it is shown.
+/// A panel, whose window exists only while it is shown.
 class X11Panel final : public OverlayPanel, public std::enable_shared_from_this<X11Panel> {
 public:
-    /// `overlays` may be gone, or have never been: the panel then shows nowhere.
+    /// `overlays` may be empty or expire: the panel then does not show.
     X11Panel(std::weak_ptr<X11OverlayStack> overlays, const Rect& frame);
 
     void setLevel(int level) override;
     void setOpaque(bool opaque) override;
     void setBackgroundColor(const Color& color) override;
-    /// Windows like these are on every workspace and over full-screen windows in any case.
+    /// No effect: override-redirect windows are on every workspace and over full-screen windows
+    /// anyway.
     void setCollectionBehavior(unsigned behavior) override;
     void setIgnoresMouseEvents(bool ignores) override;
     void setContentView(std::shared_ptr<const OverlayView> view) override;
@@ -36,19 +37,19 @@ public:
     /// Null while it is not shown.
     [[nodiscard]] const X11OverlayWindow* window() const;
     void expose(const QRect& part) const;
-    /// Stays on its screen wherever that is now; on the main one if its own is gone; if there is
-    /// none at all, it goes.
+    /// Follows its monitor, moves to the main one if its own is gone, and is removed if there is
+    /// none.
     void follow(const std::vector<X11Monitor>& monitors, const std::optional<X11Monitor>& main);
 
 private:
     void place(const Rect& frame, const std::vector<X11Monitor>& monitors);
-    void showAnew();
+    void replaceWindow();
     [[nodiscard]] std::unique_ptr<X11OverlayContent> makeOverlay(X11OverlayStack& overlays) const;
 
     std::weak_ptr<X11OverlayStack> m_stack;
     std::shared_ptr<const OverlayView> m_view;
     Rect m_frame;
-    // Where the frame is, once it has been looked up.
+    // The monitor of the frame, once it has been looked up.
     X11Monitor m_monitor;
     int m_level = 0;
     bool m_opaque = true;
@@ -56,7 +57,7 @@ private:
     bool m_ignoresMouse = false;
     double m_timeLimit = 0;
     std::unique_ptr<X11OverlayContent> m_overlay;
-    // From before the window comes until after it has gone.
+    // From before the window is mapped until after it is destroyed.
     std::optional<PanelWatchdog> m_watchdog;
 };
 
