@@ -15,7 +15,7 @@ const PulseAudioLibrary* PulseAudioLibrary::load() {
 
 bool PulseAudioLibrary::resolve(void* handle) {
     const auto find = [handle]<class Function>(Function& function, const char* name) {
-        // Functions and objects share a representation on every system that has dlsym.
+        // POSIX lets dlsym's pointers be converted to function pointers.
         function = reinterpret_cast<Function>(dlsym(handle, name));
         return function != nullptr;
     };

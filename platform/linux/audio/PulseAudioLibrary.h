@@ -4,9 +4,8 @@
 
 namespace quorvane {
 
-/// Functions of PulseAudio's client library, which PipeWire's server answers too, under the names
-/// that it gives them. Loaded when it is first needed, by which time OpenAL has loaded it; kept
-/// from then on, as it does not like to be unloaded.
+/// Functions of libpulse under their own names; PipeWire speaks its protocol too. Loaded on first
+/// use, when OpenAL has loaded it already, and never unloaded, which libpulse does not support.
 struct PulseAudioLibrary {
     /// Null when it is not installed.
     [[nodiscard]] static const PulseAudioLibrary* load();

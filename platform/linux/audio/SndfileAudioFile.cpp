@@ -12,8 +12,8 @@ namespace quorvane {
 
 namespace {
 
-/// libsndfile says the same of every file that it cannot open, so the system is asked for what it
-/// has against this one; nothing if that is nothing.
+/// The system's reason for not opening the file, none if it opens: libsndfile has the same message
+/// for every reason.
 std::optional<AudioError> accessError(const std::filesystem::path& path) {
     if (std::filesystem::is_directory(path))
         return AudioError{path.string() + ": Is a directory"};

@@ -20,8 +20,8 @@ public:
     [[nodiscard]] AudioFormat processingFormat() const override;
     [[nodiscard]] std::int64_t length() const override;
     std::optional<AudioError> read(PCMBuffer& buffer) override;
-    /// Looks for its last frame without decoding what comes before: a file that has been cut off
-    /// still tells the length that it had. The error if it is not there.
+    /// Looks for the last frame without decoding those before it: a truncated file still has its
+    /// full length in the header. The error if the frame is missing.
     [[nodiscard]] std::optional<AudioError> findEnd();
 
 private:
