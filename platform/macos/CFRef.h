@@ -22,7 +22,7 @@ public:
         return ref;
     }
 
-    /// Adds a reference to an object that somebody else keeps.
+    /// Adds a reference to an object that has another owner.
     [[nodiscard]] static CFRef shared(Ref object) {
         if (object)
             CFRetain(object);

@@ -31,7 +31,7 @@ public:
             return AudioError{"no memory for the sound"};
         m_file.framePosition = 0;
         buffer.frameLength = 0;
-        // One read may give less than there is.
+        // One read may return less than is left.
         while (m_file.framePosition < length()) {
             NSError* error = nil;
             if (![m_file readIntoBuffer:sound error:&error])
@@ -76,7 +76,7 @@ std::shared_ptr<PCMBuffer> MacAudio::createBuffer(const AudioFormat& format,
 }
 
 std::optional<AudioFormat> MacAudio::standardFormat(double sampleRate, unsigned channels) {
-    // The system makes a format of any number.
+    // AVFAudio makes a format of any sample rate.
     const auto wanted = makeStandardFormat(sampleRate, channels);
     if (!wanted)
         return std::nullopt;

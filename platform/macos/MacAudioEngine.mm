@@ -17,11 +17,11 @@ std::string reason(NSException* exception) {
     return toString(exception.reason ? exception.reason : exception.name);
 }
 
-// The engine raises an exception over what it should give an error for: no output device at all, or
+// The engine raises an exception, instead of returning an error, when there is no output device or
 // one without channels.
 std::optional<AudioError> startEngine(AVAudioEngine* engine) {
     @try {
-        // An engine has no output before it is asked for its mixer.
+        // Asking for the mixer connects the engine's output.
         [[maybe_unused]] AVAudioMixerNode* mixer = engine.mainMixerNode;
         NSError* error = nil;
         if ([engine startAndReturnError:&error])
@@ -34,8 +34,8 @@ std::optional<AudioError> startEngine(AVAudioEngine* engine) {
 
 using Action = void (^)();
 
-/// Runs an action, on the main thread, when the output device of an engine has changed, which stops
-/// the engine.
+/// Runs an action on the main thread when an engine's output device has changed, which stops the
+/// engine.
 class ConfigurationObserver : NonCopyable {
 public:
     ConfigurationObserver(AVAudioEngine* engine, Action action)
@@ -83,8 +83,7 @@ public:
     void stop() override { [m_engine stop]; }
 
 private:
-    // What was scheduled is dropped, so that its completion is called: the device that it was for
-    // is no more.
+    // Drops what was scheduled for the old device, so that its completion is called.
     [[nodiscard]] Action makeStopper() {
         __weak AVAudioEngine* weakEngine = m_engine;
         return ^{
@@ -98,7 +97,7 @@ private:
     ConfigurationObserver m_observer;
 };
 
-/// An engine that plays nothing keeps the device running as well as any.
+/// An engine that plays nothing, which is enough to keep the device running.
 class MacAudioOutputHold final : public AudioOutputHold {
 public:
     MacAudioOutputHold() : m_observer(m_engine, makeStarter()) {

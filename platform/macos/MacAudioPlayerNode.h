@@ -6,7 +6,7 @@
 
 namespace quorvane {
 
-/// The system's node of a node that MacAudio made.
+/// The AVAudioPlayerNode behind a node that MacAudio made.
 [[nodiscard]] AVAudioPlayerNode* playerNodeOf(AudioPlayerNode& node);
 
 } // namespace quorvane

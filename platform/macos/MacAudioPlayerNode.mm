@@ -18,7 +18,7 @@ public:
         AVAudioPCMBuffer* sound = systemBuffer(buffer);
         if (!sound)
             return;
-        // Called when the last of the sound is on its way to the device, which hears it out.
+        // Called when the device has been given the last of the sound, which it still plays.
         AVAudioNodeCompletionHandler handler = nil;
         if (completion)
             handler = ^{
@@ -31,7 +31,8 @@ public:
     }
 
     void play() override {
-        // The device may have gone since the engine was asked; the node would raise an exception.
+        // Without a running engine, as after a device is unplugged, the node would raise an
+        // exception.
         if (m_node.engine.running)
             [m_node play];
     }
@@ -47,7 +48,7 @@ public:
     [[nodiscard]] AVAudioPlayerNode* node() const { return m_node; }
 
 private:
-    // A buffer is mostly the one of the last time, and takes its time to copy.
+    // Cached: copying takes a while, and most plays are of the same buffer.
     AVAudioPCMBuffer* systemBuffer(const std::shared_ptr<const PCMBuffer>& buffer) {
         if (!m_copy || m_copied.lock() != buffer) {
             m_copy = deinterleaved(*buffer);

@@ -4,8 +4,8 @@
 
 namespace quorvane {
 
-/// Draws with the system's font, colours and strokes into the view that is being drawn,
-/// which has to be a flipped one. Measuring works at any time.
+/// Draws with AppKit into the view that is being drawn, which has to be a flipped one. Measuring
+/// works at any time.
 class MacCanvas final : public Canvas {
 public:
     [[nodiscard]] Size measure(std::string_view text, const TextStyle& style,

@@ -42,7 +42,7 @@ NSAttributedString* styled(std::string_view text, const TextStyle& style) {
             }];
 }
 
-// Points, below which no screen reaches: a text takes the lines that it needs.
+// Points, more than any screen has: a text takes the lines that it needs.
 constexpr double deep = 100'000;
 
 } // namespace
@@ -75,7 +75,7 @@ void MacCanvas::strokeArc(double centerX, double centerY, double radius, double 
         return;
     CGContextRef context = NSGraphicsContext.currentContext.CGContext;
     CGContextBeginPath(context);
-    // Angles grow clockwise where y grows downward.
+    // Angles grow clockwise, since y grows downward.
     CGContextAddArc(context, centerX, centerY, radius, top, top + turn * std::min(fraction, 1.0),
                     /*clockwise=*/0);
     // A whole circle has no ends, and so no seam at the top.

@@ -6,7 +6,7 @@
 
 namespace quorvane {
 
-/// The desktop's accessibility settings, and whether anything of the window is to be seen.
+/// The desktop's accessibility settings, and whether the window is fully covered.
 class MacDesktop final : public Desktop {
 public:
     MacDesktop();
@@ -16,7 +16,7 @@ public:
 
     [[nodiscard]] const Observable<bool>& windowIsCovered() const override { return m_isCovered; }
 
-    /// `window` is the toolkit's number of it: its view.
+    /// `window`: its winId(), which is its NSView.
     void watchWindow(std::uintptr_t window) override;
 
     [[nodiscard]] FontFamilies fontFamilies() const override;

@@ -11,7 +11,7 @@ struct MacDesktop::Observers {
     id<NSObject> occlusion = nil;
 };
 
-// The blocks hold this object as it is: they go before it does.
+// The blocks may capture `this`: the observers are removed before it is destroyed.
 MacDesktop::MacDesktop() : m_observers(std::make_unique<Observers>()) {
     NSWorkspace* workspace = NSWorkspace.sharedWorkspace;
     m_reducesMotion = workspace.accessibilityDisplayShouldReduceMotion != NO;

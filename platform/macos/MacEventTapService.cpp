@@ -24,12 +24,11 @@ static_assert(static_cast<unsigned>(TapLocation::Session) == kCGSessionEventTap)
 static_assert(static_cast<unsigned>(TapPlacement::HeadInsert) == kCGHeadInsertEventTap);
 static_assert(static_cast<unsigned>(TapOptions::ListenOnly) == kCGEventTapOptionListenOnly);
 
-// The system is given no context to hand on: which tap an event came by is told by the function
-// that the tap has to itself.
+// A callback of its own for each tap, since the tap's callback carries no context.
 constexpr std::size_t mostTaps = 4;
 std::array<TapCallback, mostTaps> callbacks{};
 
-// Of the event no more is read than whether it repeats.
+// Reads nothing of the event but its type and whether it repeats.
 template <std::size_t place>
 CGEventRef onEvent(CGEventTapProxy /*proxy*/, CGEventType type, CGEventRef event,
                    void* /*userInfo*/) {
@@ -48,7 +47,7 @@ functionsFor(std::index_sequence<place...> /*places*/) {
 
 constexpr auto functions = functionsFor(std::make_index_sequence<mostTaps>());
 
-/// The system's end of a tap, which goes with the last of those who hold it.
+/// The tap's Mach port, shared by the tap and its source.
 class Port {
 public:
     Port(CFMachPortRef port, TapCallback& place)
@@ -91,11 +90,11 @@ private:
 class MacEventTap final : public EventTap {
 public:
     explicit MacEventTap(std::shared_ptr<Port> port) : m_port(std::move(port)) {
-        // The system makes taps enabled.
+        // Taps are created enabled.
         CGEventTapEnable(m_port->get(), false);
     }
 
-    // Its source may live on.
+    // Its source may outlive it.
     ~MacEventTap() override { CGEventTapEnable(m_port->get(), false); }
 
     [[nodiscard]] std::shared_ptr<TapSource> createRunLoopSource(int order) override {

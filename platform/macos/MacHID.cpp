@@ -45,7 +45,7 @@ public:
 
     HIDResult getReport(HIDReportType type, std::uint8_t reportID, std::span<std::uint8_t> buffer,
                         std::size_t& length) override {
-        // The system would read one that only its manager has opened.
+        // IOKit would also read a device that only its manager has opened.
         if (!m_opened)
             return kIOReturnNotOpen;
         auto received = static_cast<CFIndex>(length);
@@ -106,7 +106,7 @@ public:
     HIDResult close() override { return IOHIDManagerClose(m_manager.get(), kIOHIDOptionsTypeNone); }
 
 private:
-    // Released, and by that taken off the run loop, with the manager; devices live on.
+    // Released with the manager, which takes it off the run loop; devices may outlive it.
     CFRef<IOHIDManagerRef> m_manager = CFRef<IOHIDManagerRef>::owned(
         IOHIDManagerCreate(kCFAllocatorDefault, kIOHIDOptionsTypeNone));
 };

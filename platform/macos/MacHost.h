@@ -6,7 +6,7 @@
 #include "platform/macos/MacPlatform.h"
 #include "platform/macos/MacTerminationSignals.h"
 
-/// The machine that the program runs on, under the names by which the main program knows it.
+/// The macOS platform, under the names that main.cpp uses.
 namespace quorvane::Host {
 
 using Desktop = MacDesktop;
@@ -17,7 +17,7 @@ inline bool hasGraphicsCard() {
     return true;
 }
 
-/// There is but one display server, and the toolkit knows it.
+/// macOS has one display server, which Qt finds by itself.
 class DisplayServer {
 public:
     /// Empty: nothing is wrong.

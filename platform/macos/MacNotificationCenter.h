@@ -6,7 +6,7 @@
 
 namespace quorvane {
 
-/// The workspace's own centre, which tells of sleep and wake.
+/// NSWorkspace's centre, which posts sleep and wake.
 [[nodiscard]] std::unique_ptr<NotificationCenter> makeWorkspaceCenter();
 
 /// The default centre, for notifications inside this process.

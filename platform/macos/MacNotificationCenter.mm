@@ -22,7 +22,7 @@ public:
     }
 
     Token addObserver(std::string_view name, std::function<void()> block) override {
-        // The centre goes through a notice with the observers that it began with.
+        // The centre posts to all observers that it began with, removed ones too.
         const auto registered = std::make_shared<bool>(true);
         id<NSObject> token = [m_center addObserverForName:toNSString(name)
                                                    object:nil

@@ -8,7 +8,7 @@
 
 namespace quorvane {
 
-/// A view of that size that shows `view`, and goes on showing what changes in it.
+/// A view of that size that draws `view` and what changes in it.
 [[nodiscard]] NSView* makeMacOverlayView(std::shared_ptr<const OverlayView> view, NSSize size);
 
 } // namespace quorvane

@@ -21,7 +21,7 @@ Size sizeOf(NSView* view) {
 
 } // namespace
 
-/// What changes in an overlay, over what is still, in the coordinates of the whole.
+/// A changing part of an overlay, above the static part, in the overlay's coordinates.
 @interface QuorvaneChangingView : NSView
 - (instancetype)initWithView:(std::shared_ptr<const OverlayView>)view
                       bounds:(Rect)bounds
@@ -60,7 +60,7 @@ Size sizeOf(NSView* view) {
 
 @end
 
-/// The whole of an overlay: what is still, and above it the views of what is not.
+/// A whole overlay: the static part, and above it the views of the changing parts.
 @interface QuorvaneOverlayView : NSView
 - (instancetype)initWithView:(std::shared_ptr<const OverlayView>)view size:(NSSize)size;
 @end
@@ -74,7 +74,7 @@ Size sizeOf(NSView* view) {
     if (!self)
         return nil;
     _view = std::move(view);
-    // Each view keeps its own picture, so that a change does not draw what is still.
+    // A layer for each view, so that a change does not redraw the static part.
     self.wantsLayer = YES;
     [self placeSubviews];
     return self;
@@ -90,7 +90,7 @@ Size sizeOf(NSView* view) {
     self.needsDisplay = YES;
 }
 
-// The first click is taken as well, as every other: nothing beneath reacts.
+// Takes the first click too, so that nothing beneath reacts to it.
 - (BOOL)acceptsFirstMouse:(NSEvent*)event {
     return YES;
 }
@@ -104,7 +104,7 @@ Size sizeOf(NSView* view) {
 }
 
 - (void)placeSubviews {
-    // The system sets the size before there is anything to show.
+    // AppKit sets the size before there is a view.
     if (!_view)
         return;
     self.subviews = @[];
@@ -124,13 +124,13 @@ Size sizeOf(NSView* view) {
     NSView* scaled =
         [[NSView alloc] initWithFrame:NSMakeRect(spinner.centerX - drawn / 2,
                                                  spinner.centerY - drawn / 2, drawn, drawn)];
-    // What is in it is laid out at its own size and drawn larger.
+    // Laid out at its own size and drawn larger.
     scaled.bounds = NSMakeRect(0, 0, Spinner::size, Spinner::size);
     NSProgressIndicator* indicator =
         [[NSProgressIndicator alloc] initWithFrame:NSMakeRect(0, 0, Spinner::size, Spinner::size)];
     indicator.style = NSProgressIndicatorStyleSpinning;
     indicator.indeterminate = YES;
-    // A spinner has no colour to be set: in the light appearance it is the grey that is wanted.
+    // A spinner's colour cannot be set; in the light appearance it is the right grey.
     indicator.appearance = [NSAppearance appearanceNamed:NSAppearanceNameAqua];
     [scaled addSubview:indicator];
     [self addSubview:scaled];

@@ -17,7 +17,7 @@
 
 namespace quorvane {
 
-/// The services of a Mac. Made on the main thread, once the toolkit has its application.
+/// The services of a Mac. To be made on the main thread, after the QGuiApplication.
 class MacPlatform {
 public:
     /// The services, which live as long as this object.

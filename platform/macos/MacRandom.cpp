@@ -7,7 +7,7 @@
 namespace quorvane {
 
 std::uint64_t MacRandom::uniform(std::uint64_t upperBound) {
-    // As many bits as the bound has, drawn anew while they are too large: a remainder would favour
+    // As many bits as the bound has, drawn again while they are too large: a remainder would favour
     // small numbers.
     const int unused = std::countl_zero(upperBound | 1U);
     const std::uint64_t mask = std::numeric_limits<std::uint64_t>::max() >> unused;

@@ -4,8 +4,8 @@
 
 namespace quorvane {
 
-/// The main run loop's timers in its default mode, and the main dispatch queue. Both run while the
-/// toolkit's event loop does, which is the same run loop.
+/// The main run loop's timers in its default mode, and the main dispatch queue. Both run in Qt's
+/// event loop, which is the same run loop.
 class MacRunLoop final : public RunLoop {
 public:
     std::shared_ptr<Timer> scheduledTimer(double interval, bool repeats, TimerBlock block) override;

@@ -21,7 +21,7 @@ public:
     [[nodiscard]] bool isValid() const override { return m_timer.valid; }
 
     void fire() {
-        // The system would do so after the block; a timer that has had its one turn is over in it.
+        // NSTimer would do so after the block; ours is invalid within it.
         if (!m_repeats)
             invalidate();
         m_block(*this);
@@ -41,7 +41,8 @@ std::shared_ptr<Timer> MacRunLoop::scheduledTimer(double interval, bool repeats,
     timer->setTimer([NSTimer scheduledTimerWithTimeInterval:interval
                                                     repeats:repeats
                                                       block:^(NSTimer*) {
-                                                        // Invalidating itself drops this block.
+                                                        // A timer that invalidates itself releases
+                                                        // this block.
                                                         const auto kept = timer;
                                                         kept->fire();
                                                       }]);

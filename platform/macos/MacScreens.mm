@@ -17,7 +17,7 @@ static_assert(PanelCollectionBehavior::canJoinAllSpaces ==
 static_assert(PanelCollectionBehavior::fullScreenAuxiliary ==
               NSWindowCollectionBehaviorFullScreenAuxiliary);
 
-// Screens and panels share one system of coordinates, which the logic only passes on.
+// Screens and panels use the same coordinates, so none are converted.
 NSRect toNSRect(const Rect& rect) {
     return NSMakeRect(rect.x, rect.y, rect.width, rect.height);
 }
@@ -35,7 +35,7 @@ NSColor* toNSColor(const Color& color) {
     return [NSColor colorWithRed:color.red green:color.green blue:color.blue alpha:color.alpha];
 }
 
-// Nothing else keeps a panel that is on screen, and a shown one stays up whoever lets go of it.
+// Keeps shown panels alive: nothing else may hold them.
 NSMutableSet<NSPanel*>* shownPanels() {
     static NSMutableSet<NSPanel*>* panels = [NSMutableSet set];
     return panels;
@@ -54,7 +54,7 @@ private:
 class MacOverlayPanel final : public OverlayPanel {
 public:
     explicit MacOverlayPanel(NSPanel* panel) : m_panel(panel) {
-        // Our application is seldom the active one while an overlay is up.
+        // The program is seldom active while an overlay is up.
         m_panel.hidesOnDeactivate = NO;
         m_panel.releasedWhenClosed = NO;
     }
@@ -77,7 +77,7 @@ public:
         m_panel.contentView = makeMacOverlayView(std::move(view), m_panel.frame.size);
     }
 
-    /// Panels belong to the main thread, and the window server offers no way round it.
+    /// No effect: panels can only be removed on the main thread.
     void setTimeLimit(double /*seconds*/) override {}
 
     void setFrame(const Rect& frame, bool display) override {

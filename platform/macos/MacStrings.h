@@ -8,7 +8,7 @@
 
 namespace quorvane {
 
-/// UTF-8 text of ours as the system wants it; empty if it is not UTF-8.
+/// UTF-8 text as an NSString; empty if it is not UTF-8.
 [[nodiscard]] inline NSString* toNSString(std::string_view text) {
     NSString* string = [[NSString alloc] initWithBytes:text.data()
                                                 length:text.size()

@@ -24,7 +24,7 @@ NSBitmapImageRep* emptyPicture(int pixels) {
                                                  bitsPerPixel:8 * channels];
 }
 
-// Symbols are of many shapes.
+// In the middle of the room, at the symbol's own aspect ratio.
 NSRect fitted(NSSize size, double room) {
     const double scale = room / std::max(size.width, size.height);
     const double width = size.width * scale;
@@ -34,7 +34,7 @@ NSRect fitted(NSSize size, double room) {
 
 void draw(NSImage* symbol, const Color& color, double room) {
     [symbol drawInRect:fitted(symbol.size, room)];
-    // What has been drawn is the shape, to be filled with the colour.
+    // Fills the shape just drawn with the colour.
     [[NSColor colorWithSRGBRed:color.red green:color.green blue:color.blue
                          alpha:color.alpha] setFill];
     NSRectFillUsingOperation(NSMakeRect(0, 0, room, room), NSCompositingOperationSourceIn);

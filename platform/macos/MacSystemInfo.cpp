@@ -11,7 +11,7 @@ std::string MacSystemInfo::modelName() const {
     std::size_t length = 0;
     if (sysctlbyname(name, nullptr, &length, nullptr, 0) != 0)
         return {};
-    // One more than there is, so that it ends in any case.
+    // One byte more, so that it is terminated in any case.
     std::vector<char> value(length + 1);
     if (sysctlbyname(name, value.data(), &length, nullptr, 0) != 0)
         return {};

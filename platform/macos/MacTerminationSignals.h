@@ -7,17 +7,16 @@
 
 namespace quorvane {
 
-/// Turns the wish of a shell or a session that the program ends (SIGINT, SIGTERM) into a call from
-/// the main queue. Make it before anything that has to be left in order. Signals that come before
-/// `listen` are lost; those that come on the way out change nothing.
+/// Turns SIGINT and SIGTERM into calls from the main queue. To be made before anything that needs
+/// an orderly exit. They are lost before `listen` and after `ignore`.
 class MacTerminationSignals : NonCopyable {
 public:
     MacTerminationSignals();
     ~MacTerminationSignals();
 
-    /// From now on `handler` hears of every such signal.
+    /// Calls `handler` for every such signal from now on.
     void listen(std::function<void()> handler);
-    /// The handler hears of nothing any more.
+    /// Calls the handler no more.
     void ignore();
 
 private:

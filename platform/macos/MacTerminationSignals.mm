@@ -18,7 +18,7 @@ struct MacTerminationSignals::Sources {
 };
 
 MacTerminationSignals::MacTerminationSignals() : m_sources(std::make_unique<Sources>()) {
-    // A source is told of them nevertheless.
+    // Dispatch sources get ignored signals too.
     for (const int signal : terminationSignals)
         std::signal(signal, SIG_IGN);
 }
