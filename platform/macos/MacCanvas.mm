@@ -43,13 +43,13 @@ NSAttributedString* styled(std::string_view text, const TextStyle& style) {
 }
 
 // Points, more than any screen has: a text takes the lines that it needs.
-constexpr double deep = 100'000;
+constexpr double unboundedHeight = 100'000;
 
 } // namespace
 
 Size MacCanvas::measure(std::string_view text, const TextStyle& style, double width) {
     const NSRect bounds =
-        [styled(text, style) boundingRectWithSize:NSMakeSize(width, deep)
+        [styled(text, style) boundingRectWithSize:NSMakeSize(width, unboundedHeight)
                                           options:NSStringDrawingUsesLineFragmentOrigin
                                           context:nil];
     return {.width = bounds.size.width, .height = bounds.size.height};
@@ -57,7 +57,7 @@ Size MacCanvas::measure(std::string_view text, const TextStyle& style, double wi
 
 void MacCanvas::drawText(std::string_view text, const TextStyle& style, double x, double y,
                          double width) {
-    const NSRect rect = NSMakeRect(x, y, width, deep);
+    const NSRect rect = NSMakeRect(x, y, width, unboundedHeight);
     [styled(text, style) drawWithRect:rect
                               options:NSStringDrawingUsesLineFragmentOrigin
                               context:nil];
