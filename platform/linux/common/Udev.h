@@ -35,7 +35,7 @@ void forEachUdevDevice(udev& context, udev_enumerate& enumeration, const Visit& 
 }
 
 /// Calls `read` with each device of `subsystem` whose kernel name matches the glob pattern `name`,
-/// and returns what it returns, without the empty ones.
+/// and returns the results that are not empty.
 template <typename Node>
 [[nodiscard]] std::vector<Node> readUdevDevices(udev& context, const char* subsystem,
                                                 const char* name,

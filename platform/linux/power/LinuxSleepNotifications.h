@@ -10,10 +10,10 @@ namespace quorvane {
 class SleepSignals;
 
 /// The workspace centre. didWake comes from logind; screensDidSleep and screensDidWake come from
-/// logind and from the lid's state in UPower, and follow didWake. The system bus is connected only
-/// while there are observers, and UPower is called only if one of them observes the screens. Never
-/// blocks on the bus; the Qt event loop posts the notifications. Without the bus or a service there
-/// are none.
+/// logind and from the lid's state in UPower; after a sleep didWake is posted first. The system bus
+/// is connected only while there are observers, and UPower is called only once one of them observes
+/// the screens. Never blocks on the bus; the Qt event loop posts the notifications. Without the bus
+/// or a service there are none.
 class LinuxSleepNotifications final : public InProcessNotificationCenter {
 public:
     /// `busAddress` in the form of DBUS_SYSTEM_BUS_ADDRESS; empty: the system bus.
