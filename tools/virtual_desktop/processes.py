@@ -49,7 +49,7 @@ def start_script(path, *arguments, env, stack):
 
 
 class Server:
-    """A server of the desktop, ended with `stack`; `said` has its lines on standard error."""
+    """A server of the desktop, ended with `stack`; `log` has its lines on standard error."""
 
     def __init__(self, command, env, stack, **popen_options):
         self._name = os.path.basename(command[0])
@@ -58,7 +58,7 @@ class Server:
             self.process = start(command, env, stack, stderr=subprocess.PIPE, **popen_options)
         except FileNotFoundError:
             raise NotStarted(self._name, "it is not installed") from None
-        self.said = Lines(self.process.stderr)
+        self.log = Lines(self.process.stderr)
         # Not closed by end(): that would wait for the reader, for as long as a child of the server
         # keeps the pipe open.
         self.process.stderr = None
@@ -77,8 +77,8 @@ class Server:
     def failure(self, reason):
         """The error to raise when the server does not work."""
         if self.process.poll() is not None:
-            self.said.wait_for_end()
-        return NotStarted(self._name, reason, "".join(f"{line}\n" for line in self.said.text))
+            self.log.wait_for_end()
+        return NotStarted(self._name, reason, "".join(f"{line}\n" for line in self.log.text))
 
 
 def end(process, timeout=3.0):

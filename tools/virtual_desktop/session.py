@@ -49,7 +49,7 @@ class Session:
         self.reader = ScreenReader(accessibility.address)
 
     def sound_server(self, name):
-        """A sound server in a folder of its own, not started yet."""
+        """A sound server in its own folder, not started yet."""
         return SoundServer(self._env, os.path.join(self.directory, name))
 
     def system_bus(self, name, stack):

@@ -48,7 +48,7 @@ class SoundServer:
              "-L", f"module-native-protocol-unix auth-anonymous=1 socket={self._socket}"],
             self._env, stack)
         self.server_pid = server.process.pid
-        self._log = server.said
+        self._log = server.log
         server.wait_until(self._answers, "the sound server")
 
     def _answers(self):

@@ -62,7 +62,7 @@ class WaylandDisplay:
         return answer if answer.endswith("\n") else None
 
     def start(self, command, stack):
-        """Starts one of its own programs, which is ended when `stack` is closed."""
+        """Starts a Wayland client, which is ended when `stack` is closed."""
         processes.start([*self._as_user, *command], self._env, stack, cwd=self._directory,
                         stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
