@@ -88,7 +88,7 @@ class Creak(EndToEndTest):
         self.recording.wait_for_sound(closed, 2.0)
         panel.press(LEAVE)
         pressed = time.monotonic()
-        self.assertLess(pressed - closed, BURST - REACTION - 0.5, "too late to tell")
+        self.assertLess(pressed - closed, BURST - REACTION - 0.5, "the test was too slow")
         self.assert_silent(pressed + REACTION, pressed + REACTION + 0.4, "after the stop button")
         self.leave()
 

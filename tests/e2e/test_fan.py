@@ -133,7 +133,7 @@ class Switch(EndToEndTest):
 
     def test_without_a_sound_device_it_runs_in_silence(self):
         panel = self.launch_into_control_panel(creak=False,
-                                               PULSE_SERVER=f"unix:{self.home}/nobody",
+                                               PULSE_SERVER=f"unix:{self.home}/no-server",
                                                ALSA_CONFIG_PATH="/nonexistent")
         panel.switch(THERMALS, True)
         time.sleep(1)

@@ -98,7 +98,7 @@ class KeyboardTest(EndToEndTest):
         `longest`; returns for each of these the delays of the cracks after its begin."""
         spans = []
         while (short := sum(end - begin < longest for begin, end in spans)) < TIMES:
-            self.assertLess(len(spans), 2 * TIMES, f"most take too long to tell: {spans}")
+            self.assertLess(len(spans), 2 * TIMES, f"most took too long: {spans}")
             spans.append(action())
             time.sleep(REACTION + EARLY)
         if short < len(spans):

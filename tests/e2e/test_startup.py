@@ -268,7 +268,7 @@ class Faults(StartupTest):
         services = self.start_system_bus("login")
         self.skip_hardware_check()
         folder = self.resources_with_silence(3)
-        self.launch(QUORVANE_RESOURCES=folder, PULSE_SERVER=f"unix:{self.home}/nobody",
+        self.launch(QUORVANE_RESOURCES=folder, PULSE_SERVER=f"unix:{self.home}/no-server",
                     ALSA_CONFIG_PATH="/nonexistent")
         self.screens().find(ENTER)
         begun = self.wake(services)

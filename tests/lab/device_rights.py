@@ -15,7 +15,7 @@ from lid_device import LidDevice
 RULES = pathlib.Path(__file__).resolve().parents[2] / "resources/70-quorvane.rules"
 PLACE = pathlib.Path("/run/udev/rules.d")
 
-# Without 0x8102, which has a kernel driver of its own.
+# Without 0x8102, which has its own kernel driver.
 LIDS = (0x8103, 0x8104, 0x8105, 0x8262)
 OTHER_PRODUCT = 0xABC1
 

@@ -27,7 +27,7 @@ MOMENT = 1.0
 
 
 class Pad:
-    """A device that rumbles, in a process of its own."""
+    """A device that rumbles, in another process."""
 
     def __init__(self, env, log, stack):
         self._log = log

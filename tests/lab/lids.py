@@ -18,7 +18,7 @@ AFTER_SWITCHING_OFF = 1.2
 
 
 class Lid:
-    """The lid device, in a process of its own."""
+    """The lid device, in another process."""
 
     def __init__(self, env, log, stack, *arguments):
         self._process = processes.start_script(HERE / "lid_device.py", "--log", log, *arguments,

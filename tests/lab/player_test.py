@@ -153,36 +153,36 @@ class VoidAttempts(WithPlayer):
     IN_TIME = "Permitted.test_retry_finds_the_permission_that_the_helper_gave"
 
     def test_count_of_attempts_is_in_the_verdict(self):
-        status, said = self.judge(self.ENDS_WELL, self.WELL, self.WELL)
-        self.assertEqual(status, 0, said)
-        self.assertIn(f"permitted, attempt-1 of 2: {STOOD_STILL}", said)
-        self.assertIn("permitted, attempt-2 of 2: its times count", said)
+        status, output = self.judge(self.ENDS_WELL, self.WELL, self.WELL)
+        self.assertEqual(status, 0, output)
+        self.assertIn(f"permitted, attempt-1 of 2: {STOOD_STILL}", output)
+        self.assertIn("permitted, attempt-2 of 2: its times count", output)
 
     def test_crash_in_a_void_attempt_fails(self):
-        status, said = self.judge(self.ENDS_WELL, {**self.WELL, "status": -11}, self.WELL)
+        status, output = self.judge(self.ENDS_WELL, {**self.WELL, "status": -11}, self.WELL)
         self.assertEqual(status, 1)
-        self.assertIn("-11 != 0", said)
+        self.assertIn("-11 != 0", output)
 
     def test_crash_in_the_last_attempt_fails(self):
         status, _ = self.judge(self.ENDS_WELL, self.WELL, {**self.WELL, "status": -11})
         self.assertEqual(status, 1)
 
     def test_failure_in_the_machine_in_a_void_attempt_fails_every_verdict(self):
-        status, said = self.judge(self.IN_TIME, None, self.WELL)
+        status, output = self.judge(self.IN_TIME, None, self.WELL)
         self.assertEqual(status, 1)
-        self.assertIn("the program has crashed", said)
+        self.assertIn("the program has crashed", output)
 
     def test_late_line_in_a_void_attempt_is_ignored(self):
         late = {"status": 0, "lines": ["trusted no"]}
-        status, said = self.judge(self.IN_TIME, late, self.WELL)
-        self.assertEqual(status, 0, said)
+        status, output = self.judge(self.IN_TIME, late, self.WELL)
+        self.assertEqual(status, 0, output)
         status, _ = self.judge(self.IN_TIME, self.WELL, late)
         self.assertEqual(status, 1)
 
     def test_scenario_that_was_not_played_fails(self):
-        status, said = self.judge(self.IN_TIME, self.WELL, self.WELL, scenario="another")
+        status, output = self.judge(self.IN_TIME, self.WELL, self.WELL, scenario="another")
         self.assertEqual(status, 1)
-        self.assertIn("permitted was not played", said)
+        self.assertIn("permitted was not played", output)
 
 
 class Skips(unittest.TestCase):

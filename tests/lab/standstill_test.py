@@ -22,7 +22,7 @@ def standing(*lengths, every=0.05):
 
 
 class Beats(unittest.TestCase):
-    """What the heartbeat's log says."""
+    """Reading the heartbeat's log."""
 
     def test_late_beat_is_a_standstill_from_when_it_was_due_until_it_came(self):
         spans = standstill.late_beats(HEARTBEAT)

@@ -98,12 +98,12 @@ class OwnCodeOnly(unittest.TestCase):
                 file = pathlib.Path(folder, name)
                 file.parent.mkdir(exist_ok=True)
                 file.write_text(text, encoding="utf-8")
-            said = subprocess.run(
+            output = subprocess.run(
                 ["clang-tidy", "--quiet", "--checks=-*,cppcoreguidelines-init-variables",
                  "--header-filter=.*", "--system-headers", *options, f"{folder}/main.cpp", "--",
                  f"-isystem{folder}/system"], check=False, capture_output=True, text=True).stdout
         return {name for name in ("left", "below", "here", "inside")
-                if f"variable '{name}' is not initialized" in said}
+                if f"variable '{name}' is not initialized" in output}
 
     def test_it_checks_all_of_our_own_code(self):
         self.assertEqual(self.complaints(), {"left", "below", "here", "inside"})
