@@ -12,7 +12,7 @@ from virtual_desktop import processes, screens
 from virtual_desktop.buses import Bus, Services
 from virtual_desktop.waiting import wait_until
 
-from stage import TIMEOUT
+from lab_desktop import TIMEOUT
 
 HERE = pathlib.Path(__file__).resolve().parent
 

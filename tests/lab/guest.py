@@ -22,7 +22,7 @@ import keyboard_rights  # noqa: E402
 import keyboards  # noqa: E402
 import lids  # noqa: E402
 from player import Player, TooManyRetries  # noqa: E402
-from stage import Lab  # noqa: E402
+from lab_desktop import Lab  # noqa: E402
 
 
 def file_lookups(lab, name):
@@ -33,7 +33,7 @@ def file_lookups(lab, name):
         while time.monotonic() < until:
             pathlib.Path(f"/usr/no-such-file-{count}").exists()
             count += 1
-    lab.leave(name, "lookups.json", {"count": count})
+    lab.save(name, "lookups.json", {"count": count})
 
 
 def play_all(lab, play):

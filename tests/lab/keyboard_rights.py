@@ -15,7 +15,7 @@ from virtual_desktop import processes
 from virtual_desktop.waiting import wait_until
 
 from keyboards import KEY_A, KEY_B, Keyboard, reads, settle
-from stage import TIMEOUT
+from lab_desktop import TIMEOUT
 
 RETRY = 3.0
 """Seconds after which the effect checks its permission once more."""
@@ -59,8 +59,8 @@ class Probe:
         self.lines.wait_for_end()
         self._errors.wait_for_end()
         asked = self.asked.read_text().splitlines() if self.asked.exists() else []
-        lab.leave(name, "probe.json", {"status": status, "lines": self.lines.text,
-                                       "errors": self._errors.text, "asked": asked})
+        lab.save(name, "probe.json", {"status": status, "lines": self.lines.text,
+                                      "errors": self._errors.text, "asked": asked})
 
 
 @contextlib.contextmanager

@@ -14,7 +14,7 @@ from virtual_desktop import processes, screens
 from virtual_desktop.waiting import wait_until
 
 from input_device import EV_KEY, InputDevice
-from stage import TIMEOUT
+from lab_desktop import TIMEOUT
 
 EV_SYN, EV_REP = 0x00, 0x14
 KEY_A, KEY_B, KEY_C, KEY_LEFTSHIFT = 30, 48, 46, 42
@@ -171,7 +171,7 @@ def typing(lab, name):
                 wait_until(lambda: not reads(program.pid, one), "the keyboard to be closed")
                 log.do("switched off", lambda: one.stroke(KEY_A))
             facts["files_after"] = _open_files(program.pid)
-            lab.leave_sound(name, recording, facts)
+            lab.save_sound(name, recording, facts)
 
 
 def uinput_contract(lab, name):

@@ -7,7 +7,7 @@ import time
 from virtual_desktop import processes, screens
 
 import device_rights
-from stage import TIMEOUT
+from lab_desktop import TIMEOUT
 
 HERE = pathlib.Path(__file__).resolve().parent
 
@@ -66,7 +66,7 @@ def moving_lid(lab, name, *script, after_unplugging, is_first=False):
                 app.toggle(screens.BUILD_QUALITY)
                 facts["switched_off"] = time.monotonic()
                 time.sleep(AFTER_SWITCHING_OFF)
-            lab.leave_sound(name, recording, facts)
+            lab.save_sound(name, recording, facts)
 
 
 def cold_creak(lab, name):
@@ -94,7 +94,7 @@ def hidraw_contract(lab, name):
 
 def rights(lab, name):
     """What the program's udev rules change for the user at the seat."""
-    lab.leave(name, "rights.json", device_rights.read())
+    lab.save(name, "rights.json", device_rights.read())
 
 
 def play_all(play):

@@ -47,8 +47,8 @@ class Player:
             pathlib.Path(self._lab.folder(name), "failure").write_text(failure, encoding="utf-8")
             print(failure, flush=True)
         spans, complaint = self._lab.watch.take()
-        self._lab.leave(name, "standstill.json", {"spans": spans, "complaint": complaint})
-        self._lab.hand_over(name, f"attempt-{attempt}")
+        self._lab.save(name, "standstill.json", {"spans": spans, "complaint": complaint})
+        self._lab.move_to_results(name, f"attempt-{attempt}")
         if complaint:
             print(f"lab: {name}, attempt {attempt} is void: {complaint}", flush=True)
         return complaint

@@ -38,11 +38,11 @@ class FakeLab:
         folder.mkdir(parents=True, exist_ok=True)
         return folder
 
-    def leave(self, name, file, facts):
+    def save(self, name, file, facts):
         """As the lab does."""
         (self.folder(name) / file).write_text(json.dumps(facts), encoding="utf-8")
 
-    def hand_over(self, name, attempt):
+    def move_to_results(self, name, attempt):
         """As the lab does."""
         (self.results / name).mkdir(parents=True, exist_ok=True)
         shutil.move(self.folder(name), self.results / name / attempt)
@@ -134,12 +134,12 @@ class VoidAttempts(WithPlayer):
         """
         attempts = [void, last]
 
-        def leave(lab, name):
+        def save(lab, name):
             probe = attempts.pop(0)
             if probe is None:
                 _crash(lab, name)
-            lab.leave(name, "probe.json", {"errors": [], **probe})
-        self.player(STOOD_STILL)(scenario, leave)
+            lab.save(name, "probe.json", {"errors": [], **probe})
+        self.player(STOOD_STILL)(scenario, save)
         result = subprocess.run(
             [sys.executable, "-B", HERE / "keyboards_test.py", verdict], check=False,
             env=dict(os.environ, LAB_RESULTS=str(self.lab.results)), capture_output=True, text=True)

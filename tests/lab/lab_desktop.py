@@ -87,8 +87,8 @@ class Lab:
         folder.mkdir(parents=True, exist_ok=True)
         return folder
 
-    def hand_over(self, scenario, attempt):
-        """Moves the files of an attempt at a scenario to the host."""
+    def move_to_results(self, scenario, attempt):
+        """Moves the files of an attempt at a scenario to the results, which are on the host."""
         shutil.move(self.folder(scenario), self._results / scenario / attempt)
 
     def set_first_launch(self, is_first):
@@ -111,22 +111,22 @@ class Lab:
             facts["status"], facts["ended"] = program.wait_for_exit(TIMEOUT)
         finally:
             facts.update(began=began, console=program.console.text, errors=program.errors.text)
-            self.leave(scenario, "program.json", facts)
+            self.save(scenario, "program.json", facts)
 
     def run_contract(self, scenario, program, **settings):
         """Runs a contract test; leaves its status and output."""
         result = subprocess.run([self.build / program], env=self.desktop.env | settings,
                                 check=False, stdin=subprocess.DEVNULL, capture_output=True,
                                 text=True, timeout=2 * TIMEOUT)
-        self.leave(scenario, "result.json", {"status": result.returncode,
-                                             "output": result.stdout + result.stderr})
+        self.save(scenario, "result.json", {"status": result.returncode,
+                                            "output": result.stdout + result.stderr})
 
-    def leave(self, scenario, name, facts):
+    def save(self, scenario, name, facts):
         """Writes a file of a scenario as JSON."""
         text = json.dumps(facts, ensure_ascii=False, indent=1)
         (self.folder(scenario) / name).write_text(text, encoding="utf-8")
 
-    def leave_sound(self, scenario, recording, facts):
+    def save_sound(self, scenario, recording, facts):
         """Writes the recorded sound and adds its times to the facts."""
         facts["sound_start"], facts["sound_end"] = recording.start, recording.end
         recording.save(self.folder(scenario) / "sound.wav")
