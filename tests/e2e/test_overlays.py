@@ -17,7 +17,7 @@ from virtual_desktop.screens import LEAVE, PERFORMANCE, STABILITY
 
 BLUE = (0, 120, 212)
 BENEATH = (200, 40, 120)
-# 55 % of white over it.
+# 55 % of white over BENEATH.
 VEILED = tuple(round(0.45 * value + 0.55 * 255) for value in BENEATH)
 FAINT = (64, 154, 223)
 WHITE = (255, 255, 255)

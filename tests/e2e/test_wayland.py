@@ -4,14 +4,10 @@ import time
 import unittest
 
 from harness import EVIDENCE, EndToEndTest
+from test_overlays import BENEATH, BLUE, VEILED
 from virtual_desktop.pictures import near, save
 from virtual_desktop.screens import PERFORMANCE, STABILITY
 from virtual_desktop.wayland import WaylandDisplay
-
-BLUE = (0, 120, 212)
-BENEATH = (200, 40, 120)
-# 55 % of white over it.
-VEILED = tuple(round(0.45 * value + 0.55 * 255) for value in BENEATH)
 
 LATE = 1.0
 """Seconds by which a panel may be seen early or late: a capture takes some tenths of one."""
