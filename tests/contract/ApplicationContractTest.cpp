@@ -7,8 +7,8 @@
 #include "platform/linux/desktop/LinuxApplication.h"
 #include "platform/simulated/SimulatedSystem.h"
 #include "tests/support/Environment.h"
-#include "tests/support/QtApplication.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/Waiting.h"
 
 namespace quorvane {
 
@@ -56,7 +56,7 @@ public:
         m_window = std::make_unique<QWindow>();
         m_window->show();
         m_window->requestActivate();
-        QtApplication::runUntil([this] { return m_window->isActive(); });
+        waitUntil([this] { return m_window->isActive(); });
     }
 
     void leaveFront() override { m_window.reset(); }

@@ -8,6 +8,7 @@
 #include "platform/linux/audio/OpenALAudioService.h"
 #include "tests/support/PulseServer.h"
 #include "tests/support/SoundFiles.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace quorvane {
 
@@ -18,14 +19,14 @@ public:
     /// `settings` as a person would write them in OpenAL Soft's file.
     explicit LinuxAudioBackend(std::string_view settings) {
         m_server.start();
-        writeText(m_folder.path() / ".alsoftrc", settings);
+        m_folder.write(".alsoftrc", settings);
         // After the server, which has set the environment that OpenAL's settings come from.
         unsetenv("ALSOFT_CONF"); // NOLINT(concurrency-mt-unsafe): no other thread yet.
         m_audio = std::make_unique<OpenALAudioService>();
         writeWAV(clipFile(), clip());
         makeMP3(goodFile(), chirp({.sampleRate = 44100, .channels = 2}, goodFileFrames));
         copyFirstHalf(goodFile(), truncatedFile());
-        writeText(nonAudioFile(), "Dear laptop, this is a letter and not a sound.\n");
+        m_folder.write(nonAudioFile().filename(), "Dear laptop, this is a letter and not a sound.\n");
     }
 
     AudioService& service() override { return *m_audio; }

@@ -10,7 +10,7 @@
 #include "tests/support/PluggedKeyboards.h"
 #include "tests/support/QtApplication.h"
 #include "tests/support/TemporaryFolder.h"
-#include "tests/support/TypingDisplay.h"
+#include "tests/support/VirtualDisplay.h"
 
 namespace quorvane {
 
@@ -83,7 +83,7 @@ private:
 
     QtApplication m_application;
     EnvironmentVariable m_noWayland{"WAYLAND_DISPLAY", std::nullopt};
-    TypingDisplay m_display;
+    VirtualDisplay m_display;
     LinuxEventTapService m_taps;
 };
 

@@ -18,6 +18,7 @@
 #include "tests/support/Environment.h"
 #include "tests/support/KeyboardPipe.h"
 #include "tests/support/QtApplication.h"
+#include "tests/support/Waiting.h"
 
 namespace quorvane {
 
@@ -35,14 +36,14 @@ public:
         std::strncpy(std::begin(setup.name), "contract keyboard", sizeof setup.name - 1);
         if (ioctl(m_descriptor, UI_DEV_SETUP, &setup) < 0 || ioctl(m_descriptor, UI_DEV_CREATE) < 0)
             throw std::runtime_error("the kernel makes no keyboard");
-        if (!QtApplication::runUntil([] { return !UdevKeyboardWatcher::list().empty(); }))
+        if (!waitUntil([] { return !UdevKeyboardWatcher::list().empty(); }))
             throw std::runtime_error("udev does not find the keyboard");
     }
 
     ~UinputKeyboard() {
         close(m_descriptor);
         // The next case is to find its own.
-        QtApplication::runUntil([] { return UdevKeyboardWatcher::list().empty(); });
+        waitUntil([] { return UdevKeyboardWatcher::list().empty(); });
     }
 
     void send(int key, int value) const {

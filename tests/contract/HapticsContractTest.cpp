@@ -10,6 +10,7 @@
 #include "platform/simulated/SimulatedRunLoop.h"
 #include "tests/support/FakeForceFeedback.h"
 #include "tests/support/QtApplication.h"
+#include "tests/support/Waiting.h"
 
 namespace quorvane {
 
@@ -59,7 +60,7 @@ public:
 
     std::shared_ptr<HapticPerformer> readyPerformer() override {
         auto performer = m_haptics.defaultPerformer();
-        const bool isReady = QtApplication::runUntil([&] {
+        const bool isReady = waitUntil([&] {
             performer->performFeedback(HapticPattern::Generic, HapticPerformanceTime::Now);
             return !m_machine->plays().empty();
         });

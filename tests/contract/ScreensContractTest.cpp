@@ -8,6 +8,7 @@
 #include "platform/linux/overlays/LinuxScreens.h"
 #include "platform/simulated/SimulatedScreens.h"
 #include "tests/support/TestDesktop.h"
+#include "tests/support/Waiting.h"
 
 namespace quorvane {
 
@@ -47,7 +48,7 @@ public:
     [[nodiscard]] ScreenService& screens() override { return m_screens; }
 
     [[nodiscard]] std::vector<double> shownWidths() override {
-        TestDesktop::work(30);
+        waitFor(30ms);
         std::vector<double> widths;
         for (const QRect& panel : m_desktop.panels())
             widths.push_back(panel.width());

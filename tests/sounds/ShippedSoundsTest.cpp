@@ -1,5 +1,4 @@
 #include <cmath>
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 
@@ -7,6 +6,7 @@
 
 #include "tests/sounds/Measures.h"
 #include "tests/sounds/ShippedSounds.h"
+#include "tests/support/ChildProcess.h"
 
 namespace quorvane {
 namespace {
@@ -47,9 +47,8 @@ TEST_P(ShippedSounds, HaveNoOffset) {
 TEST_P(ShippedSounds, AreWhatTheirProgramsMakeBarTheCodecsNoise) {
     const std::filesystem::path rebuilt =
         std::filesystem::current_path() / (std::string(GetParam().name) + "-rebuilt.wav");
-    const std::string command = std::string("'" QUORVANE_SYNTHESES "/") + GetParam().synthesis +
-                                "' '" + rebuilt.string() + "'";
-    ASSERT_EQ(std::system(command.c_str()), 0);
+    const std::string synthesis = std::string(QUORVANE_SYNTHESES "/") + GetParam().synthesis;
+    ASSERT_EQ(ChildProcess::run({synthesis, rebuilt.string()}), 0);
     Samples difference = decoded(rebuilt.string());
     std::filesystem::remove(rebuilt);
     ASSERT_EQ(difference.size(), m_sound.size());

@@ -4,12 +4,12 @@
 #include <string>
 
 #include "base/NonCopyable.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/TemporaryFolder.h"
-#include "tests/support/TestProgram.h"
 
 namespace quorvane {
 
-/// A system bus of the test's own, on which everybody may do everything.
+/// A system bus of the test's own, on which every client may do everything.
 class PrivateBus : NonCopyable {
 public:
     PrivateBus();
@@ -24,8 +24,7 @@ private:
     std::filesystem::path writeConfiguration();
 
     TemporaryFolder m_folder;
-    // Not a QProcess: its way to start a program turns the thread sanitizer off for this thread.
-    TestProgram m_daemon;
+    ChildProcess m_daemon;
 };
 
 } // namespace quorvane

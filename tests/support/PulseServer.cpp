@@ -1,111 +1,28 @@
 #include "tests/support/PulseServer.h"
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <functional>
-#include <iterator>
 #include <stdexcept>
-#include <thread>
 #include <utility>
 
-#include <fcntl.h>
-#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
-#include <sys/wait.h>
 #include <unistd.h>
+
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/Waiting.h"
 
 namespace quorvane {
 
 namespace {
-
-constexpr std::chrono::seconds patience{15};
-
-bool waitFor(const std::function<bool()>& condition) {
-    const auto end = std::chrono::steady_clock::now() + patience;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end)
-            return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return true;
-}
-
-[[noreturn]] void runChild(std::vector<char*> arguments, const char* log,
-                           const std::vector<std::string>& unsetVariables) {
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    const int output = open(log, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
-    dup2(output, STDOUT_FILENO);
-    dup2(output, STDERR_FILENO);
-    for (const std::string& variable : unsetVariables)
-        unsetenv(variable.c_str()); // NOLINT(concurrency-mt-unsafe): the child has one thread.
-    execvp(arguments.front(), arguments.data());
-    _exit(127);
-}
 
 void setVariable(const char* name, const std::string& value) {
     setenv(name, value.c_str(), 1); // NOLINT(concurrency-mt-unsafe): before there are threads.
 }
 
 } // namespace
-
-ChildProcess::ChildProcess(const std::vector<std::string>& command,
-                           const std::filesystem::path& log,
-                           const std::vector<std::string>& unsetVariables) {
-    std::vector<char*> arguments;
-    arguments.reserve(command.size() + 1);
-    for (const std::string& argument : command)
-        arguments.push_back(const_cast<char*>(argument.c_str()));
-    arguments.push_back(nullptr);
-    m_pid = fork();
-    if (m_pid < 0)
-        throw std::runtime_error("cannot fork");
-    if (m_pid == 0)
-        runChild(arguments, log.c_str(), unsetVariables);
-}
-
-ChildProcess::~ChildProcess() {
-    end(SIGKILL);
-}
-
-bool ChildProcess::isAlive() {
-    if (m_pid > 0 && waitpid(m_pid, nullptr, WNOHANG) == m_pid)
-        m_pid = -1;
-    return m_pid > 0;
-}
-
-void ChildProcess::end(int signal) {
-    if (m_pid <= 0)
-        return;
-    ::kill(m_pid, signal);
-    wait();
-}
-
-void ChildProcess::send(int signal) const {
-    if (m_pid > 0)
-        ::kill(m_pid, signal);
-}
-
-void ChildProcess::wait() {
-    waitpid(m_pid, nullptr, 0);
-    m_pid = -1;
-}
-
-TemporaryFolder::TemporaryFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "quorvane-XXXXXX").string();
-    if (!mkdtemp(name.data()))
-        throw std::runtime_error("cannot make a temporary folder");
-    m_path = name;
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(m_path, ignored);
-}
 
 PulseServer::PulseServer(std::filesystem::path folder)
     : m_folder(std::move(folder)), m_socket(m_folder / "native") {
@@ -122,19 +39,16 @@ void PulseServer::start() {
                              "format=float32le norewinds=1";
     const std::string protocol =
         "module-native-protocol-unix auth-anonymous=1 socket=" + m_socket.string();
-    const std::vector<std::string> command{"pulseaudio",          "-n",
-                                           "--daemonize=no",      "--use-pid-file=no",
-                                           "--exit-idle-time=-1", "--high-priority=no",
-                                           "--realtime=no",       "--log-target=stderr",
-                                           "--load=" + sink,      "--load=" + protocol};
-    m_process = std::make_unique<ChildProcess>(command, m_folder / "pulseaudio.log",
-                                               std::vector<std::string>{"PULSE_SERVER"});
+    const auto log = m_folder / "pulseaudio.log";
+    m_process = std::make_unique<ChildProcess>(
+        std::vector<std::string>{"env", "--unset=PULSE_SERVER", "pulseaudio", "-n",
+                                 "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1",
+                                 "--high-priority=no", "--realtime=no", "--log-target=stderr",
+                                 "--load=" + sink, "--load=" + protocol},
+        log);
     const auto settled = [this] { return accepts() || !m_process->isAlive(); };
-    if (!waitFor(settled) || !m_process->isAlive()) {
-        std::ifstream log(m_folder / "pulseaudio.log");
-        throw std::runtime_error("pulseaudio does not start: " +
-                                 std::string(std::istreambuf_iterator<char>(log), {}));
-    }
+    if (!waitUntil(settled) || !m_process->isAlive())
+        throw std::runtime_error("pulseaudio does not start: " + fileText(log));
 }
 
 void PulseServer::kill() {
@@ -163,7 +77,7 @@ PulseRecorder::PulseRecorder(const std::filesystem::path& folder)
       m_process({"parec", "--device=out.monitor", "--raw", "--format=float32le", "--rate=44100",
                  "--channels=2", "--latency-msec=10", m_file.string()},
                 folder / "parec.log") {
-    if (!waitFor([this] { return recordedBytes() > 0; }))
+    if (!waitUntil([this] { return recordedBytes() > 0; }))
         throw std::runtime_error("parec does not record");
 }
 
@@ -174,15 +88,13 @@ std::uintmax_t PulseRecorder::recordedBytes() const {
 }
 
 std::vector<float> PulseRecorder::finish() {
-    // What has been played but not yet written is the longest buffer of any test, 0.37 s, and some
-    // more.
+    // At most 0.37 s, the longest buffer of any test, has been played and not yet written.
     constexpr std::uintmax_t halfASecond = sizeof(float) * 2 * 44100 / 2;
     const std::uintmax_t enough = recordedBytes() + halfASecond;
-    if (!waitFor([&] { return recordedBytes() >= enough; }))
-        throw std::runtime_error("parec does not record any more");
+    if (!waitUntil([&] { return recordedBytes() >= enough; }))
+        throw std::runtime_error("parec has stopped recording");
     m_process.end(SIGTERM);
-    std::ifstream stream(m_file, std::ios::binary);
-    const std::vector<char> bytes{std::istreambuf_iterator<char>(stream), {}};
+    const std::string bytes = fileText(m_file);
     std::vector<float> samples(bytes.size() / sizeof(float));
     std::memcpy(samples.data(), bytes.data(), samples.size() * sizeof(float));
     std::filesystem::remove(m_file);

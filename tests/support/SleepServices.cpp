@@ -38,34 +38,34 @@ void BusService::send(const QDBusMessage& message) const {
                                               "org.freedesktop.DBus", "GetId"));
 }
 
-StandInUPower::StandInUPower(const std::string& address, bool lidIsClosedNow, bool lidIsPresent,
-                             const QString& name)
+FakeUPower::FakeUPower(const std::string& address, bool lidIsClosedNow, bool lidIsPresent,
+                       const QString& name)
     : m_service(address, name), m_properties{{lidIsClosed, lidIsClosedNow},
                                              {"LidIsPresent", lidIsPresent}} {
     m_service.bus().registerVirtualObject(upowerPath, this);
 }
 
-StandInUPower::~StandInUPower() {
+FakeUPower::~FakeUPower() {
     m_service.bus().unregisterObject(upowerPath);
 }
 
-void StandInUPower::setLidIsClosed(bool closed) {
+void FakeUPower::setLidIsClosed(bool closed) {
     m_properties[lidIsClosed] = closed;
     sendChange({{lidIsClosed, closed}}, {});
 }
 
-void StandInUPower::invalidateLidIsClosed(bool closed) {
+void FakeUPower::invalidateLidIsClosed(bool closed) {
     m_properties[lidIsClosed] = closed;
     sendChange({}, {lidIsClosed});
 }
 
-void StandInUPower::sendChange(const QVariantMap& changed, const QStringList& invalidated) {
+void FakeUPower::sendChange(const QVariantMap& changed, const QStringList& invalidated) {
     auto message = QDBusMessage::createSignal(upowerPath, properties, "PropertiesChanged");
     message << upower << changed << invalidated;
     m_service.send(message);
 }
 
-bool StandInUPower::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
+bool FakeUPower::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
     if (message.interface() != properties || message.member() != QLatin1String("GetAll") ||
         message.arguments() != QVariantList{upower})
         return false;
@@ -73,14 +73,14 @@ bool StandInUPower::handleMessage(const QDBusMessage& message, const QDBusConnec
     return connection.send(message.createReply(m_properties));
 }
 
-QString StandInUPower::introspect(const QString&) const {
+QString FakeUPower::introspect(const QString&) const {
     return {};
 }
 
-StandInLogind::StandInLogind(const std::string& address, const QString& name)
+FakeLogind::FakeLogind(const std::string& address, const QString& name)
     : m_service(address, name) {}
 
-void StandInLogind::prepareForSleep(bool start) const {
+void FakeLogind::prepareForSleep(bool start) const {
     auto message = QDBusMessage::createSignal("/org/freedesktop/login1",
                                               "org.freedesktop.login1.Manager", "PrepareForSleep");
     message << start;

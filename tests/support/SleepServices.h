@@ -30,12 +30,12 @@ private:
 };
 
 /// Stands in for the service that watches the lid.
-class StandInUPower final : public QDBusVirtualObject {
+class FakeUPower final : public QDBusVirtualObject {
 public:
-    explicit StandInUPower(const std::string& address, bool lidIsClosed = false,
-                           bool lidIsPresent = true,
-                           const QString& name = QStringLiteral("org.freedesktop.UPower"));
-    ~StandInUPower() override;
+    explicit FakeUPower(const std::string& address, bool lidIsClosed = false,
+                        bool lidIsPresent = true,
+                        const QString& name = QStringLiteral("org.freedesktop.UPower"));
+    ~FakeUPower() override;
 
     /// Changes the property and says so.
     void setLidIsClosed(bool closed);
@@ -57,10 +57,10 @@ private:
 };
 
 /// Stands in for the service that sends the machine to sleep.
-class StandInLogind {
+class FakeLogind {
 public:
-    explicit StandInLogind(const std::string& address,
-                           const QString& name = QStringLiteral("org.freedesktop.login1"));
+    explicit FakeLogind(const std::string& address,
+                        const QString& name = QStringLiteral("org.freedesktop.login1"));
 
     void prepareForSleep(bool start) const;
 

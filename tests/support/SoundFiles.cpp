@@ -1,9 +1,6 @@
 #include "tests/support/SoundFiles.h"
 
 #include <cmath>
-#include <csignal>
-#include <fstream>
-#include <iterator>
 #include <numbers>
 #include <stdexcept>
 #include <string>
@@ -11,7 +8,7 @@
 
 #include <sndfile.hh>
 
-#include "tests/support/PulseServer.h"
+#include "tests/support/ChildProcess.h"
 
 namespace quorvane {
 
@@ -41,20 +38,13 @@ void writeWAV(const std::filesystem::path& path, const PCMBuffer& sound) {
 void makeMP3(const std::filesystem::path& path, const PCMBuffer& sound) {
     const std::filesystem::path wav = path.string() + ".wav";
     writeWAV(wav, sound);
-    ChildProcess lame({"lame", "--quiet", "-b", "192", wav.string(), path.string()},
-                      path.string() + ".log");
-    lame.wait();
-    if (!std::filesystem::exists(path))
+    if (ChildProcess::run({"lame", "--quiet", "-b", "192", wav.string(), path.string()}) != 0)
         throw std::runtime_error("lame made no " + path.string());
 }
 
 void copyFirstHalf(const std::filesystem::path& from, const std::filesystem::path& to) {
     std::filesystem::copy_file(from, to);
     std::filesystem::resize_file(to, std::filesystem::file_size(from) / 2);
-}
-
-void writeText(const std::filesystem::path& path, std::string_view text) {
-    std::ofstream(path) << text;
 }
 
 } // namespace quorvane

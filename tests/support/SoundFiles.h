@@ -1,7 +1,6 @@
 #pragma once
 
 #include <filesystem>
-#include <string_view>
 
 #include "platform/Audio.h"
 
@@ -16,6 +15,5 @@ void writeWAV(const std::filesystem::path& path, const PCMBuffer& sound);
 /// Encodes `sound` with LAME. Throws when that fails.
 void makeMP3(const std::filesystem::path& path, const PCMBuffer& sound);
 void copyFirstHalf(const std::filesystem::path& from, const std::filesystem::path& to);
-void writeText(const std::filesystem::path& path, std::string_view text);
 
 } // namespace quorvane

@@ -154,7 +154,7 @@ TEST_F(OpenALAudioFilePlayers, AHeldStreamRunsOnThroughALongSilence) {
         const auto log = m_folder.path() / "inputs.txt";
         std::filesystem::remove(log);
         ChildProcess({"pactl", "list", "sink-inputs"}, log).wait();
-        return readText(log);
+        return fileText(log);
     };
     ASSERT_TRUE(waitUntil([&] { return corked().find("Corked: no") != std::string::npos; }));
     // A device that is open and not held is paused after 10 s.
@@ -187,7 +187,7 @@ TEST_F(OpenALAudioFilePlayers, ASoundThatHadToWaitForItsDeviceEndsWhenItWouldHav
         clip->stop();
         clip->setCurrentTime(0);
     }
-    ASSERT_TRUE(waitUntil([&] { return clip->isPlaying(); }, 3));
+    ASSERT_TRUE(waitUntil([&] { return clip->isPlaying(); }, 3s));
     const double place = clip->currentTime();
     elapsed = steady_clock::now() - begun;
     EXPECT_NEAR(place, elapsed.count(), 0.2);
@@ -230,8 +230,7 @@ TEST_F(OpenALAudioFilePlayers, OpeningOnASoundServerThatHangsFailsInSeconds) {
 }
 
 TEST_F(OpenALAudioFilePlayers, WhatIsNoUsableSoundIsAnErrorInWords) {
-    const auto path = m_folder.path() / "sound.wav";
-    writeText(path, "");
+    const auto path = m_folder.write("sound.wav", "");
     EXPECT_THAT(errorOf(path), ::testing::HasSubstr("not a sound file"));
     writeWAV(path, {.format = stereo, .frameCapacity = 0, .frameLength = 0, .samples = {}});
     EXPECT_THAT(errorOf(path), ::testing::HasSubstr("there is no sound in it"));

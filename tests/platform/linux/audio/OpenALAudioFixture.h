@@ -4,8 +4,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <functional>
-#include <iterator>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -16,26 +14,13 @@
 #include "platform/linux/audio/OpenALAudioService.h"
 #include "tests/support/PulseServer.h"
 #include "tests/support/SoundFiles.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/Waiting.h"
 
 namespace quorvane {
 
 inline void sleep(double seconds) {
     std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
-}
-
-inline bool waitUntil(const std::function<bool()>& condition, double seconds = 20) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end)
-            return false;
-        sleep(0.01);
-    }
-    return true;
-}
-
-inline std::string readText(const std::filesystem::path& path) {
-    std::ifstream stream(path);
-    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 /// How often all threads of this process together have gone to sleep by themselves so far.
@@ -60,7 +45,7 @@ public:
 protected:
     void SetUp() override {
         m_server.start();
-        writeText(m_folder.path() / ".alsoftrc", "period_size = 2048\nperiods = 8\n");
+        m_folder.write(".alsoftrc", "period_size = 2048\nperiods = 8\n");
         unsetenv("ALSOFT_CONF"); // NOLINT(concurrency-mt-unsafe): no other thread yet.
         // After the server, which has set the environment.
         m_audio = std::make_unique<OpenALAudioService>();
@@ -80,7 +65,7 @@ protected:
         const auto log = m_folder.path() / "clients.txt";
         std::filesystem::remove(log);
         ChildProcess({"pactl", "list", "short", "sink-inputs"}, log).wait();
-        return readText(log);
+        return fileText(log);
     }
 
     TemporaryFolder m_folder;

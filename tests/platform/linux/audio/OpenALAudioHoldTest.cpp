@@ -28,7 +28,7 @@ protected:
         const auto log = m_folder.path() / "inputs.txt";
         std::filesystem::remove(log);
         ChildProcess({"pactl", "list", "sink-inputs"}, log).wait();
-        return readText(log);
+        return fileText(log);
     }
 
     [[nodiscard]] static std::size_t count(const std::string& text, std::string_view word) {
@@ -58,7 +58,7 @@ TEST_F(OpenALAudioHold, KeepsTheOutputRunningWithoutWakingTheProcessor) {
     ASSERT_TRUE(clip->play());
     const long sounding = switchesWithin(2);
     clip->stop();
-    ASSERT_TRUE(waitUntil([this] { return rests(); }, 30));
+    ASSERT_TRUE(waitUntil([this] { return rests(); }, 30s));
     // A second of silence at a time, a look whether the device is still there, and whatever a
     // sanitizer adds.
     const long resting = switchesWithin(2);
@@ -71,7 +71,7 @@ TEST_F(OpenALAudioHold, TheFirstSoundAfterARestIsHeardFromItsBeginningToItsEnd) 
     const auto clip = player(sound);
     const auto hold = m_audio->holdOutput();
     for (int rest = 0; rest < 2; ++rest) {
-        ASSERT_TRUE(waitUntil([this] { return rests(); }, 30));
+        ASSERT_TRUE(waitUntil([this] { return rests(); }, 30s));
         PulseRecorder recorder(m_folder.path());
         clip->setCurrentTime(0);
         ASSERT_TRUE(clip->play());
@@ -95,17 +95,17 @@ TEST_F(OpenALAudioHold, TheSilentStreamTellsWhenItsServerHasGone) {
 
 TEST_F(OpenALAudioHold, ReleasedItLeavesNoStreamBehind) {
     auto hold = m_audio->holdOutput();
-    ASSERT_TRUE(waitUntil([this] { return rests(); }, 30));
+    ASSERT_TRUE(waitUntil([this] { return rests(); }, 30s));
     hold.reset();
     EXPECT_TRUE(waitUntil([this] { return clients().empty(); }));
 }
 
 TEST_F(OpenALAudioHold, RestsAgainOnASoundServerThatCameBack) {
     const auto hold = m_audio->holdOutput();
-    ASSERT_TRUE(waitUntil([this] { return rests(); }, 30));
+    ASSERT_TRUE(waitUntil([this] { return rests(); }, 30s));
     m_server.kill();
     m_server.start();
-    EXPECT_TRUE(waitUntil([this] { return rests(); }, 30));
+    EXPECT_TRUE(waitUntil([this] { return rests(); }, 30s));
 }
 
 } // namespace

@@ -193,7 +193,7 @@ TEST_F(OpenALAudioSettings, TheProgramAsksForAShortBuffer) {
     ASSERT_FALSE(engine->start());
     const auto log = m_folder.path() / "inputs.txt";
     ChildProcess({"pactl", "list", "sink-inputs"}, log).wait();
-    const std::string text = readText(log);
+    const std::string text = fileText(log);
     const std::string key = "Buffer Latency: ";
     const auto place = text.find(key);
     ASSERT_NE(place, std::string::npos) << text;
@@ -227,7 +227,7 @@ TEST_F(OpenALAudioSettings, ADeviceThatNobodyHearsIsNoneEvenWhenAskedFor) {
 }
 
 TEST_F(OpenALAudioSettings, APersonsOwnFileWinsOverTheProgram) {
-    writeText(m_folder.path() / ".alsoftrc", "drivers = null\n");
+    m_folder.write(".alsoftrc", "drivers = null\n");
     unsetenv("ALSOFT_CONF"); // NOLINT(concurrency-mt-unsafe): no other thread yet.
     EXPECT_TRUE(start());
     std::filesystem::remove(m_folder.path() / ".alsoftrc");
@@ -236,8 +236,7 @@ TEST_F(OpenALAudioSettings, APersonsOwnFileWinsOverTheProgram) {
 }
 
 TEST_F(OpenALAudioSettings, APersonsExplicitConfigurationIsLeftAlone) {
-    const auto file = m_folder.path() / "mine.conf";
-    writeText(file, "drivers = null\n");
+    const auto file = m_folder.write("mine.conf", "drivers = null\n");
     setenv("ALSOFT_CONF", file.c_str(), 1); // NOLINT(concurrency-mt-unsafe): no other thread yet.
     EXPECT_TRUE(start());
     EXPECT_EQ(std::getenv("ALSOFT_CONF"), file); // NOLINT(concurrency-mt-unsafe)

@@ -13,7 +13,7 @@
 #include "tests/support/Environment.h"
 #include "tests/support/OpenFiles.h"
 #include "tests/support/TemporaryFolder.h"
-#include "tests/support/TypingDisplay.h"
+#include "tests/support/VirtualDisplay.h"
 
 namespace quorvane {
 
@@ -104,7 +104,7 @@ TEST_F(DisplayServerTest, WaylandStandsInForAnXServerThatDoesNotAnswer) {
 }
 
 TEST_F(DisplayServerTest, AnXServerIsPreferredAndItsConnectionKeptUntilTheToolkitHasItsOwn) {
-    const TypingDisplay display;
+    const VirtualDisplay display;
     const WaylandSocket server(m_runtime.path() / "wayland-5");
     set("WAYLAND_DISPLAY", "wayland-5");
     const auto before = openDescriptors();

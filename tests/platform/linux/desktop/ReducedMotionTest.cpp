@@ -11,6 +11,7 @@
 #include "tests/support/QtApplication.h"
 #include "tests/support/SleepServices.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/Waiting.h"
 
 namespace quorvane {
 
@@ -24,15 +25,15 @@ const QString desktopSettings = QStringLiteral("org.gnome.desktop.interface");
 const QString animations = QStringLiteral("enable-animations");
 
 /// Stands in for the desktop's settings portal.
-class StandInPortal final : public QDBusVirtualObject {
+class FakePortal final : public QDBusVirtualObject {
 public:
-    StandInPortal(const std::string& address, QVariant answer)
+    FakePortal(const std::string& address, QVariant answer)
         : m_service(address, QStringLiteral("org.freedesktop.portal.Desktop")),
           m_answer(std::move(answer)) {
         m_service.bus().registerVirtualObject(portalPath, this);
     }
 
-    ~StandInPortal() override { m_service.bus().unregisterObject(portalPath); }
+    ~FakePortal() override { m_service.bus().unregisterObject(portalPath); }
 
     void change(const QString& group, const QString& key, const QVariant& value) {
         auto message = QDBusMessage::createSignal(portalPath, settingsInterface, "SettingChanged");
@@ -87,14 +88,14 @@ protected:
 
     /// The setting once the portal has said this.
     void makeSettingWithPortal(const QVariant& animationsEnabled) {
-        m_portal = std::make_unique<StandInPortal>(s_bus->address(), animationsEnabled);
+        m_portal = std::make_unique<FakePortal>(s_bus->address(), animationsEnabled);
         makeSetting();
-        ASSERT_TRUE(QtApplication::runUntil([this] { return !m_portal->question().empty(); }));
-        QtApplication::runFor(50);
+        ASSERT_TRUE(waitUntil([this] { return !m_portal->question().empty(); }));
+        waitFor(50ms);
     }
 
     [[nodiscard]] bool becomes(bool reduces) const {
-        return QtApplication::runUntil([&] { return m_reducesMotion.get() == reduces; });
+        return waitUntil([&] { return m_reducesMotion.get() == reduces; });
     }
 
     static std::unique_ptr<QtApplication> s_application;
@@ -104,7 +105,7 @@ protected:
     TemporaryFolder m_config;
     EnvironmentVariable m_home{"XDG_CONFIG_HOME", m_config.path().string()};
     Observable<bool> m_reducesMotion;
-    std::unique_ptr<StandInPortal> m_portal;
+    std::unique_ptr<FakePortal> m_portal;
     std::unique_ptr<ReducedMotion> m_setting;
 };
 
@@ -114,7 +115,7 @@ std::unique_ptr<EnvironmentVariable> ReducedMotionTest::s_address;
 
 TEST_F(ReducedMotionTest, ADesktopThatSaysNothingMovesAsUsual) {
     makeSetting();
-    QtApplication::runFor(50);
+    waitFor(50ms);
     EXPECT_FALSE(m_reducesMotion.get());
 }
 
@@ -173,7 +174,7 @@ TEST_F(ReducedMotionTest, ChangesOfOtherSettingsAreNone) {
     m_portal->change(desktopSettings, "overlay-scrolling", false);
     m_portal->change("org.gnome.desktop.sound", animations, false);
     m_portal->change(desktopSettings, animations, 0);
-    QtApplication::runFor(50);
+    waitFor(50ms);
     EXPECT_FALSE(m_reducesMotion.get());
     // The three have arrived by the time that this one has.
     m_portal->change(desktopSettings, animations, false);

@@ -7,7 +7,8 @@
 
 #include "platform/linux/desktop/X11ObscuredWindowWatcher.h"
 #include "tests/support/QtApplication.h"
-#include "tests/support/TypingDisplay.h"
+#include "tests/support/VirtualDisplay.h"
+#include "tests/support/Waiting.h"
 
 namespace quorvane {
 
@@ -68,12 +69,12 @@ protected:
 
     /// All reports, once as many as `count` are there or nothing more comes.
     const std::vector<bool>& reports(std::size_t count) {
-        QtApplication::runUntil([&] { return m_reports.size() >= count; }, 1000);
+        waitUntil([&] { return m_reports.size() >= count; }, 1s);
         return m_reports;
     }
 
     QtApplication m_application;
-    TypingDisplay m_display;
+    VirtualDisplay m_display;
     xcb_connection_t* m_connection = xcb_connect(nullptr, nullptr);
     std::vector<bool> m_reports;
     xcb_window_t m_window;
@@ -94,7 +95,7 @@ TEST_F(X11ObscuredWindowWatcherTest, AWindowIsCoveredOnceNothingOfItIsSeen) {
 TEST_F(X11ObscuredWindowWatcherTest, WindowsBesideItAreNone) {
     open({.x = 200, .y = 20, .width = 100, .height = 100});
     m_display.sync();
-    QtApplication::runFor(50);
+    waitFor(50ms);
     EXPECT_THAT(m_reports, IsEmpty());
 }
 

@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "platform/linux/haptics/EvdevForceFeedback.h"
-#include "tests/support/KernelAnswers.h"
+#include "tests/support/FakeIoctl.h"
 #include "tests/support/OpenFiles.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -65,7 +65,7 @@ protected:
 
     std::unique_ptr<ForceFeedbackPort> open() { return m_devices.open(m_node); }
 
-    KernelAnswers m_kernel{[this](int descriptor, unsigned long request, void* argument) {
+    FakeIoctl m_kernel{[this](int descriptor, unsigned long request, void* argument) {
         return answer(descriptor, request, argument);
     }};
     int m_has = FF_RUMBLE;

@@ -6,6 +6,7 @@
 #include "platform/linux/haptics/LinuxHaptics.h"
 #include "tests/support/FakeForceFeedback.h"
 #include "tests/support/QtApplication.h"
+#include "tests/support/Waiting.h"
 
 namespace quorvane {
 
@@ -31,7 +32,7 @@ protected:
     /// Pulses until one is felt.
     [[nodiscard]] bool isFelt(HapticPerformer& performer) const {
         const auto before = pulses();
-        return QtApplication::runUntil([&] {
+        return waitUntil([&] {
             pulse(performer);
             return pulses() > before;
         });
@@ -39,7 +40,7 @@ protected:
 
     /// Waits until nothing is open any more.
     [[nodiscard]] bool isClosed() const {
-        return QtApplication::runUntil([&] { return m_machine->opened().empty(); });
+        return waitUntil([&] { return m_machine->opened().empty(); });
     }
 
     QtApplication m_application;
@@ -49,7 +50,7 @@ protected:
 
 TEST_F(LinuxHapticsTest, NothingIsOpenedBeforeAPerformerIsAskedFor) {
     plugRumble(1);
-    QtApplication::runFor(50);
+    waitFor(50ms);
     EXPECT_EQ(m_machine->timesListed(), 0);
     EXPECT_THAT(m_machine->opened(), IsEmpty());
 }
@@ -60,7 +61,7 @@ TEST_F(LinuxHapticsTest, APerformerThatIsAskedForAtEachPulseIsOpenedOnce) {
     const auto before = pulses();
     for (int i = 0; i < 20; ++i) {
         pulse(*m_haptics.defaultPerformer());
-        QtApplication::runFor(1);
+        waitFor(1ms);
     }
     EXPECT_EQ(pulses(), before + 20);
     EXPECT_EQ(m_machine->timesListed(), 1);
@@ -86,7 +87,7 @@ TEST_F(LinuxHapticsTest, WhatSomebodyHoldsStaysOpen) {
     plugRumble(1);
     const auto performer = m_haptics.defaultPerformer();
     ASSERT_TRUE(isFelt(*performer));
-    QtApplication::runFor(2500);
+    waitFor(2500ms);
     pulse(*performer);
     EXPECT_EQ(pulses(), 2U);
     EXPECT_EQ(m_machine->timesListed(), 1);
@@ -119,7 +120,7 @@ TEST_F(LinuxHapticsTest, TheEndOfTheServiceErasesAndCloses) {
 TEST_F(LinuxHapticsTest, WithoutDevicesRequestsAreIgnoredAndNothingIsLookedForTwice) {
     for (int i = 0; i < 20; ++i) {
         pulse(*m_haptics.defaultPerformer());
-        QtApplication::runFor(1);
+        waitFor(1ms);
     }
     EXPECT_EQ(m_machine->timesListed(), 1);
     EXPECT_EQ(pulses(), 0U);
@@ -127,13 +128,13 @@ TEST_F(LinuxHapticsTest, WithoutDevicesRequestsAreIgnoredAndNothingIsLookedForTw
 
 TEST_F(LinuxHapticsTest, ADeviceThatComesLaterIsFoundOnceTheLastPerformerIsForgotten) {
     pulse(*m_haptics.defaultPerformer());
-    ASSERT_TRUE(QtApplication::runUntil([&] { return m_machine->timesListed() == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return m_machine->timesListed() == 1; }));
     plugRumble(1);
     bool isFoundAnew = false;
     for (int tries = 0; tries < 5 && !isFoundAnew; ++tries) {
-        QtApplication::runFor(2000);
+        waitFor(2000ms);
         pulse(*m_haptics.defaultPerformer());
-        isFoundAnew = QtApplication::runUntil([&] { return m_machine->timesListed() == 2; }, 300);
+        isFoundAnew = waitUntil([&] { return m_machine->timesListed() == 2; }, 300ms);
     }
     ASSERT_TRUE(isFoundAnew);
     EXPECT_TRUE(isFelt(*m_haptics.defaultPerformer()));
@@ -159,7 +160,7 @@ TEST_F(LinuxHapticsTest, ADeviceThatIsSlowToTakeItsEffectsHoldsNothingUp) {
     const auto performer = m_haptics.defaultPerformer();
     for (int i = 0; i < 10; ++i) {
         pulse(*performer);
-        QtApplication::runFor(5);
+        waitFor(5ms);
     }
     EXPECT_EQ(pulses(), 0U);
     m_machine->answer();
@@ -172,7 +173,7 @@ TEST_F(LinuxHapticsTest, ADeviceThatNeverAnswersDoesNotHoldUpTheEnd) {
     m_machine->doNotAnswer();
     auto haptics = std::make_unique<LinuxHaptics>(m_machine);
     pulse(*haptics->defaultPerformer());
-    ASSERT_TRUE(QtApplication::runUntil([&] { return !m_machine->opened().empty(); }));
+    ASSERT_TRUE(waitUntil([&] { return !m_machine->opened().empty(); }));
     const auto start = Clock::now();
     haptics.reset();
     EXPECT_LT(Clock::now() - start, std::chrono::seconds(3));

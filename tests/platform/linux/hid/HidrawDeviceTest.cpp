@@ -13,8 +13,8 @@
 
 #include "platform/linux/hid/HidrawDevice.h"
 #include "platform/linux/hid/LinuxHID.h"
+#include "tests/support/FakeIoctl.h"
 #include "tests/support/FileRights.h"
-#include "tests/support/KernelAnswers.h"
 #include "tests/support/OpenFiles.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -59,7 +59,7 @@ protected:
         return m_device.getReport(HIDReportType::Feature, 1, m_bytes, m_length);
     }
 
-    KernelAnswers m_kernel{[this](int descriptor, unsigned long request, void* argument) {
+    FakeIoctl m_kernel{[this](int descriptor, unsigned long request, void* argument) {
         return answer(descriptor, request, argument);
     }};
     // The kernel has the two numbers as signed ones.
@@ -100,7 +100,7 @@ TEST_F(HidrawDeviceTest, ANodeThatHasBecomeAnotherDevicesDoesNotOpen) {
 }
 
 TEST_F(HidrawDeviceTest, ANodeThatIsNoDeviceAnyMoreDoesNotOpen) {
-    const KernelAnswers kernel([](int, unsigned long, void*) { return std::nullopt; });
+    const FakeIoctl kernel([](int, unsigned long, void*) { return std::nullopt; });
     EXPECT_EQ(m_device.open(), ENODEV);
 }
 

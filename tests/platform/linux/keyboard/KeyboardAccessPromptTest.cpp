@@ -7,6 +7,7 @@
 #include "tests/support/OpenFiles.h"
 #include "tests/support/QtApplication.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/Waiting.h"
 
 namespace quorvane {
 
@@ -38,7 +39,7 @@ protected:
     void answer() const { m_folder.write("answer", ""); }
 
     [[nodiscard]] bool hasCalls(const std::string& text) const {
-        return QtApplication::runUntil([this, &text] { return fileText(calls()) == text; });
+        return waitUntil([this, &text] { return fileText(calls()) == text; });
     }
 
     QtApplication m_application;
@@ -71,7 +72,7 @@ TEST_F(KeyboardAccessPromptTest, ThereIsAnotherPromptOnceTheFirstIsAnswered) {
     const auto before = openDescriptors();
     m_prompt.show();
     EXPECT_TRUE(hasCalls(m_call + "end\n"));
-    ASSERT_TRUE(QtApplication::runUntil([&before] { return openDescriptors() == before; }));
+    ASSERT_TRUE(waitUntil([&before] { return openDescriptors() == before; }));
     m_prompt.show();
     EXPECT_TRUE(hasCalls(m_call + "end\n" + m_call + "end\n"));
 }
@@ -107,11 +108,11 @@ TEST_F(KeyboardAccessPromptTest, OnlyWhoIsNotTrustedAndWantsAPromptGetsIt) {
     const auto keyboards = [&node] { return std::vector{node}; };
     LinuxAccessibility accessibility(keyboards);
     EXPECT_TRUE(accessibility.isProcessTrustedWithOptions(true));
-    QtApplication::runFor(100);
+    waitFor(100ms);
     fs::remove(node);
     EXPECT_FALSE(accessibility.isProcessTrustedWithOptions(false));
     EXPECT_FALSE(accessibility.isProcessTrusted());
-    QtApplication::runFor(100);
+    waitFor(100ms);
     EXPECT_EQ(fileText(calls()), "");
     EXPECT_FALSE(accessibility.isProcessTrustedWithOptions(true));
     const auto helper =
@@ -124,7 +125,7 @@ TEST_F(KeyboardAccessPromptTest, WithoutPolkitNothingHappens) {
     testing::internal::CaptureStderr();
     const auto before = openDescriptors();
     m_prompt.show();
-    EXPECT_TRUE(QtApplication::runUntil([&before] { return openDescriptors() == before; }));
+    EXPECT_TRUE(waitUntil([&before] { return openDescriptors() == before; }));
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 

@@ -8,7 +8,8 @@
 #include "tests/support/Environment.h"
 #include "tests/support/OpenFiles.h"
 #include "tests/support/QtApplication.h"
-#include "tests/support/TypingDisplay.h"
+#include "tests/support/VirtualDisplay.h"
+#include "tests/support/Waiting.h"
 
 namespace quorvane {
 
@@ -62,7 +63,7 @@ protected:
 
     QtApplication m_application;
     EnvironmentVariable m_noWayland{"WAYLAND_DISPLAY", std::nullopt};
-    TypingDisplay m_display;
+    VirtualDisplay m_display;
     std::shared_ptr<EventTap> m_tap;
     std::shared_ptr<TapSource> m_source;
 };
@@ -161,7 +162,7 @@ TEST_F(LinuxEventTapServiceTest, ADisplayServerThatEndsIsBorneInSilence) {
     m_display.end();
     // Its end makes the connection readable, and so it would stay.
     int turns = 0;
-    QtApplication::runUntil([&turns] { return ++turns > 20; });
+    waitUntil([&turns] { return ++turns > 20; });
     m_source->removeFromRunLoop();
     m_source->addToRunLoop();
     QCoreApplication::processEvents();

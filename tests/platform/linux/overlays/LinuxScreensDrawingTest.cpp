@@ -1,4 +1,5 @@
 #include "tests/platform/linux/overlays/LinuxScreensFixture.h"
+#include "tests/support/Waiting.h"
 
 #include <QFont>
 #include <QPainter>
@@ -100,7 +101,7 @@ TEST_F(LinuxScreensTest, ringGrowsInTheOneThatIsUpAsTheProgressDoes) {
     for (unsigned done = 0; done <= 40; ++done) {
         m_stop->progress = done / 40.0;
         const std::string expected = std::string(done, '#') + std::string(40 - done, '.');
-        EXPECT_TRUE(TestDesktop::waitFor([&] { return ringIn(m_desktop.look()) == expected; }))
+        EXPECT_TRUE(waitUntil([&] { return ringIn(m_desktop.look()) == expected; }))
             << ringIn(m_desktop.look()) << " at " << done;
     }
 }
@@ -137,7 +138,7 @@ TEST_F(LinuxScreensTest, everyStopCodeHasALineOfItsOwnOnASmallScreen) {
         m_stop->errorMessage = name;
         panel->orderFrontRegardless();
         ASSERT_TRUE(comesToCover({0, 0, 800, 600}));
-        TestDesktop::work(50);
+        waitFor(50ms);
         const QImage picture = m_desktop.look();
         // The face, two lines of the sentence, two of the hint, the ring.
         const std::vector<QRect> lines = linesIn(picture, {0, 0, 800, 600});
@@ -168,13 +169,13 @@ TEST_F(LinuxScreensTest, whatChangesIsDrawnAsIfItHadBeenSoFromTheStart) {
     m_stop->progress = 0.999;
     auto panel = showStopScreen();
     m_stop->progress = 0.08;
-    TestDesktop::work(50);
+    waitFor(50ms);
     const QImage changed = m_desktop.look();
     panel->orderOut();
     panel = showStopScreen();
     EXPECT_EQ(changed, m_desktop.look());
     m_stop->progress = 1.0;
-    TestDesktop::work(50);
+    waitFor(50ms);
     EXPECT_NE(changed, m_desktop.look());
 }
 
@@ -185,7 +186,7 @@ TEST_F(LinuxScreensTest, ringThatHasGrownLooksLikeOneThatIsDrawnAtOnce) {
         m_stop->progress = tick / 300.0;
         if (tick % 50 != 0)
             continue;
-        TestDesktop::work(50);
+        waitFor(50ms);
         const QImage grown = m_desktop.look();
         panel->orderOut();
         panel = showStopScreen();
@@ -200,16 +201,16 @@ TEST_F(LinuxScreensTest, whatHasBeenUncoveredIsThereAgain) {
     const auto panel = showStopScreen();
     const QImage before = m_desktop.look();
     const xcb_window_t menu = m_desktop.openMenu({90, 70, 800, 500}, red);
-    EXPECT_TRUE(TestDesktop::waitFor([&] { return m_desktop.look() == before; }));
+    EXPECT_TRUE(waitUntil([&] { return m_desktop.look() == before; }));
     m_desktop.close(menu);
-    TestDesktop::work(50);
+    waitFor(50ms);
     EXPECT_EQ(m_desktop.look(), before);
 }
 
 TEST_F(LinuxScreensTest, pointsAreAsManyPixelsAsTheScaleFactorSays) {
     for (const double scale : {1.5, 2.0}) {
-        TestProgram program({"env", "QT_SCALE_FACTOR=" + std::to_string(scale),
-                             QUORVANE_OVERLAY_PROBE, "stop", "0"});
+        ChildProcess program({"env", "QT_SCALE_FACTOR=" + std::to_string(scale),
+                              QUORVANE_OVERLAY_PROBE, "stop", "0"});
         std::istringstream frame(program.line());
         std::string word;
         Rect rect;
@@ -234,13 +235,13 @@ TEST_F(PoorServerTest, stopScreenIsSentWhereNoMemoryIsShared) {
     m_stop->progress = 0.5;
     const auto panel = showStopScreen();
     EXPECT_THAT(m_desktop.panels(), ElementsAre(TestDesktop::whole));
-    EXPECT_TRUE(TestDesktop::waitFor(
+    EXPECT_TRUE(waitUntil(
         [&] { return ringIn(m_desktop.look()) == std::string(20, '#') + std::string(20, '.'); }));
     const QImage picture = m_desktop.look();
     EXPECT_EQ(linesIn(picture, {90, 60, 1190, 335}).size(), 5U);
     EXPECT_TRUE(isNear(picture.pixel(1279, 799), blue));
     m_stop->progress = 0.75;
-    EXPECT_TRUE(TestDesktop::waitFor(
+    EXPECT_TRUE(waitUntil(
         [&] { return ringIn(m_desktop.look()) == std::string(30, '#') + std::string(10, '.'); }));
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QProcess>
 #include <cmath>
 #include <memory>
 #include <string>
@@ -13,6 +12,7 @@
 #include "effects/crash/OverlayRecipe.h"
 #include "platform/linux/overlays/LinuxScreens.h"
 #include "tests/support/TestDesktop.h"
+#include "tests/support/Waiting.h"
 
 namespace quorvane {
 
@@ -91,40 +91,43 @@ protected:
         const auto screen = m_screens.mainScreen();
         EXPECT_TRUE(screen);
         auto panel = showOverlay(m_screens, *screen, appearance, view);
-        TestDesktop::work(50);
+        waitFor(50ms);
         return panel;
     }
 
     bool comesToShow(QPoint place, QRgb color) {
-        return TestDesktop::waitFor([&] { return isNear(m_desktop.look(place), color); });
+        return waitUntil([&] { return isNear(m_desktop.look(place), color); });
     }
 
-    static void xrandr(const QStringList& arguments) {
-        ASSERT_EQ(QProcess::execute("xrandr", arguments), 0);
+    /// Its exit status is not 0 when no monitor is left.
+    static int xrandr(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), "xrandr");
+        return ChildProcess::run(arguments);
     }
 
     bool comesToCover(const QRect& place) { return comesToStack({place}); }
 
     /// The foremost panel last.
     bool comesToStack(const std::vector<QRect>& places) {
-        return TestDesktop::waitFor([&] { return m_desktop.panels() == places; });
+        return waitUntil([&] { return m_desktop.panels() == places; });
     }
 
     static void useSmallMode() {
-        xrandr({"--newmode", "small", "50", "1024", "1048", "1152", "1296", "600", "603", "613",
-                "624"});
-        xrandr({"--addmode", "screen", "small"});
-        xrandr({"--output", "screen", "--mode", "small"});
+        ASSERT_EQ(xrandr({"--newmode", "small", "50", "1024", "1048", "1152", "1296", "600", "603",
+                          "613", "624"}),
+                  0);
+        ASSERT_EQ(xrandr({"--addmode", "screen", "small"}), 0);
+        ASSERT_EQ(xrandr({"--output", "screen", "--mode", "small"}), 0);
     }
 
     /// Two monitors beside each other; `primary` is one of their names.
-    static void splitScreen(const QString& primary = {}) {
-        // The tool marks the primary one so.
-        const auto name = [&primary](const QString& each) {
+    static void splitScreen(const std::string& primary = {}) {
+        // xrandr's mark of the primary monitor.
+        const auto name = [&primary](const std::string& each) {
             return (each == primary ? "*" : "") + each;
         };
-        xrandr({"--setmonitor", name("left"), "640/170x800/210+0+0", "screen"});
-        xrandr({"--setmonitor", name("right"), "640/170x800/210+640+0", "none"});
+        ASSERT_EQ(xrandr({"--setmonitor", name("left"), "640/170x800/210+0+0", "screen"}), 0);
+        ASSERT_EQ(xrandr({"--setmonitor", name("right"), "640/170x800/210+640+0", "none"}), 0);
     }
 
     TestDesktop m_desktop;

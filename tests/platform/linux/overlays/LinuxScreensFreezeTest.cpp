@@ -1,4 +1,5 @@
 #include "tests/platform/linux/overlays/LinuxScreensFixture.h"
+#include "tests/support/Waiting.h"
 
 #include <QFont>
 #include <QFontMetricsF>
@@ -68,7 +69,7 @@ protected:
         QObject::connect(&twelfths, &QTimer::timeout, [&due] { ++due; });
         int steps = 0;
         for (int before = atStart; steps < 2 * spokes;) {
-            if (!TestDesktop::waitFor(
+            if (!waitUntil(
                     [&] { return darkestOf(spokesIn(m_desktop.look(), m_center)) != before; }))
                 return spokes;
             const QImage now = m_desktop.look();
@@ -101,7 +102,7 @@ TEST_F(LinuxScreensTest, freezeWithoutACompositorShowsAStillUnderTheVeil) {
     const auto panel = showFreeze();
     EXPECT_TRUE(isNear(m_desktop.look(farFromText), veiled(red)));
     m_desktop.recolor(window, green);
-    TestDesktop::work(100);
+    waitFor(100ms);
     EXPECT_TRUE(isNear(m_desktop.look(farFromText), veiled(red)));
     panel->orderOut();
     EXPECT_TRUE(comesToShow(farFromText, green));

@@ -1,8 +1,5 @@
 // What removes a panel when the program cannot.
 
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -12,6 +9,7 @@
 #include <xcb/xcb.h>
 
 #include "tests/platform/linux/overlays/LinuxScreensFixture.h"
+#include "tests/support/Waiting.h"
 
 namespace quorvane {
 
@@ -29,14 +27,14 @@ double secondsSince(Clock::time_point start) {
     return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
-/// The main thread does nothing but look at the server for so long: its event loop stands still.
+/// Waits without running the event loop, as a main thread that hangs.
 template <class Condition>
 bool hangUntil(const Condition& condition, double seconds) {
     const auto start = Clock::now();
     while (secondsSince(start) < seconds) {
         if (condition())
             return true;
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        std::this_thread::sleep_for(10ms);
     }
     return false;
 }
@@ -81,7 +79,7 @@ TEST_F(LinuxScreensLeaveTest, hungMainThreadLosesItsPanelAndCanShowTheNextOne) {
     EXPECT_TRUE(hangUntil([this] { return isClear(); }, 10));
     EXPECT_GT(secondsSince(asked), 2.35);
     EXPECT_LT(secondsSince(shown), 3.0);
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    std::this_thread::sleep_for(100ms);
     EXPECT_EQ(GetCapturedStderr(),
               "quorvane: the main thread hangs: removed a panel that was overdue\n");
 
@@ -99,7 +97,7 @@ TEST_F(LinuxScreensLeaveTest, panelThatGoesInTimeIsNotMissed) {
     CaptureStderr();
     const auto other = showStopScreen();
     const auto panel = showWithTimeLimit();
-    TestDesktop::work(300);
+    waitFor(300ms);
     panel->orderOut();
     EXPECT_FALSE(hangUntil([this] { return isClear(); }, 3)) << "the other one is still up";
     EXPECT_EQ(GetCapturedStderr(), "");
@@ -109,7 +107,7 @@ TEST_F(LinuxScreensLeaveTest, timeLimitRunsFromTheFirstShowingAndAChangeOfTheLoo
     CaptureStderr();
     const auto panel = showWithTimeLimit();
     const auto shown = Clock::now();
-    TestDesktop::work(1500);
+    waitFor(1500ms);
     panel->setBackgroundColor({.red = 1, .green = 0, .blue = 0, .alpha = 1});
     panel->orderFrontRegardless();
     EXPECT_TRUE(hangUntil([this] { return isClear(); }, 10));
@@ -126,19 +124,11 @@ TEST_F(LinuxScreensLeaveTest, stopFromTheTerminalRemovesThePanelThatIsStillUp) {
     const auto panel = showStopScreen();
     showFreeze()->orderOut();
     ASSERT_THAT(m_desktop.panels(), ElementsAre(TestDesktop::whole));
-    // In place of this process, a copy of it is stopped, which shares the connection.
-    const pid_t copy = fork();
-    if (copy == 0) {
-        setpgid(0, 0);
-        std::raise(SIGTSTP);
-        _exit(0);
-    }
-    int status = 0;
-    EXPECT_EQ(waitpid(copy, &status, WUNTRACED), copy);
-    EXPECT_TRUE(WIFSTOPPED(status));
+    // A copy of this process is stopped, which shares the connection.
+    ChildProcess copy([] { return std::raise(SIGTSTP); });
+    EXPECT_EQ(copy.waitForStop(), SIGTSTP);
     EXPECT_TRUE(hangUntil([this] { return isClear(); }, 2));
-    kill(copy, SIGKILL);
-    waitpid(copy, &status, 0);
+    copy.end();
     showStopScreen();
     EXPECT_THAT(m_desktop.panels(), ElementsAre(TestDesktop::whole));
 }
@@ -169,7 +159,7 @@ TEST_F(PoorServerTest, viewThatChangesAfterItsConnectionHasEndedIsHarmless) {
     GetCapturedStderr();
     for (int step = 1; step <= 100; ++step) {
         m_stop->progress = step / 100.0;
-        TestDesktop::work(5);
+        waitFor(5ms);
     }
     panel->orderOut();
     const auto next = showStopScreen();

@@ -1,4 +1,5 @@
 #include "tests/platform/linux/overlays/LinuxScreensFixture.h"
+#include "tests/support/Waiting.h"
 
 #include <gmock/gmock.h>
 
@@ -29,7 +30,7 @@ TEST_F(LinuxScreensTest, panelGoesToTheMainScreenWhenItsOwnIsUnplugged) {
     m_desktop.openWindow({800, 100, 300, 300}, green);
     const auto panel = showStopScreen();
     ASSERT_THAT(m_desktop.panels(), ElementsAre(QRect(640, 0, 640, 800)));
-    xrandr({"--delmonitor", "right"});
+    ASSERT_EQ(xrandr({"--delmonitor", "right"}), 0);
     EXPECT_TRUE(comesToCover({0, 0, 640, 800}));
     EXPECT_TRUE(comesToShow({639, 799}, blue));
 }
@@ -39,16 +40,15 @@ TEST_F(LinuxScreensTest, panelKeepsCoveringAScreenThatIsResized) {
     useSmallMode();
     EXPECT_TRUE(comesToCover({0, 0, 1024, 600}));
     m_stop->progress = 0.5;
-    xrandr({"--output", "screen", "--mode", "1280x800"});
+    ASSERT_EQ(xrandr({"--output", "screen", "--mode", "1280x800"}), 0);
     EXPECT_TRUE(comesToCover(TestDesktop::whole));
     EXPECT_TRUE(comesToShow({1279, 799}, blue));
 }
 
 TEST_F(LinuxScreensTest, withoutAnyScreenThereIsNoMainOneAndThePanelGoes) {
     const auto panel = showStopScreen();
-    // It complains that nothing is left.
-    QProcess::execute("xrandr", {"--output", "screen", "--off"});
-    EXPECT_TRUE(TestDesktop::waitFor([&] { return m_desktop.panels().empty(); }));
+    xrandr({"--output", "screen", "--off"});
+    EXPECT_TRUE(waitUntil([&] { return m_desktop.panels().empty(); }));
     EXPECT_EQ(m_screens.mainScreen(), nullptr);
     m_stop->progress = 0.5;
     panel->orderOut();
@@ -88,7 +88,7 @@ TEST_F(LinuxScreensTest, clicksOnTheOtherMonitorReachTheWindowsThere) {
         m_desktop.click({150, 250});
         EXPECT_EQ(m_desktop.takeClicks(), 1) << "freeze: " << freeze;
         panel->orderOut();
-        ASSERT_TRUE(TestDesktop::waitFor([&] { return m_desktop.panels().empty(); }));
+        ASSERT_TRUE(waitUntil([&] { return m_desktop.panels().empty(); }));
         m_desktop.click({900, 250});
         EXPECT_EQ(m_desktop.takeClicks(), 1) << "freeze: " << freeze;
     }
@@ -112,7 +112,7 @@ TEST_F(LinuxScreensTest, panelCoversItsMonitorToTheEdgeAndNoPixelOfTheOther) {
 TEST_F(LinuxScreensTest, pointsOfAMonitorAreCountedFromTheDesktopsCorner) {
     splitScreen();
     m_desktop.openWindow({800, 100, 300, 300}, green);
-    TestProgram program({"env", "QT_SCALE_FACTOR=2", QUORVANE_OVERLAY_PROBE, "stop", "0"});
+    ChildProcess program({"env", "QT_SCALE_FACTOR=2", QUORVANE_OVERLAY_PROBE, "stop", "0"});
     EXPECT_EQ(program.line(), "frame 320 0 320 400");
     EXPECT_TRUE(comesToCover(rightHalf));
 }

@@ -2,7 +2,6 @@
 
 #include <QElapsedTimer>
 #include <algorithm>
-#include <array>
 #include <fstream>
 
 #include <unistd.h>
@@ -10,6 +9,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/support/Environment.h"
+#include "tests/support/Waiting.h"
 
 namespace quorvane {
 
@@ -142,7 +142,7 @@ TEST_F(LinuxScreensTest, panelComesBackAboveWhatIsPutOverItUnderACompositor) {
     ASSERT_TRUE(comesToShow(farFromText, blue));
     m_desktop.openMenu({900, 600, 300, 150}, red);
     ASSERT_TRUE(comesToShow({1000, 700}, blue));
-    TestDesktop::work(200);
+    waitFor(200ms);
     EXPECT_TRUE(isNear(m_desktop.look(farFromText), blue));
 }
 
@@ -154,7 +154,7 @@ TEST_F(LinuxScreensTest, panelsGoWithTheService) {
                     std::make_shared<BSODView>(m_stop));
     EXPECT_EQ(m_desktop.panels().size(), 1U);
     screens.reset();
-    EXPECT_TRUE(TestDesktop::waitFor([&] { return m_desktop.panels().empty(); }));
+    EXPECT_TRUE(waitUntil([&] { return m_desktop.panels().empty(); }));
     panel->orderFrontRegardless();
     panel->orderOut();
     EXPECT_THAT(m_desktop.panels(), IsEmpty());
@@ -176,22 +176,19 @@ TEST_F(LinuxScreensTest, panelsThatAreGoneLeaveNoMemoryBehind) {
 }
 
 TEST_F(LinuxScreensTest, nothingIsLeftOfAProgramThatIsKilled) {
-    TestProgram program({QUORVANE_OVERLAY_PROBE, "stop"});
+    ChildProcess program({QUORVANE_OVERLAY_PROBE, "stop"});
     EXPECT_EQ(program.line(), "frame 0 0 1280 800");
     ASSERT_TRUE(comesToShow(farFromText, blue));
     program.end();
-    EXPECT_TRUE(TestDesktop::waitFor([&] { return m_desktop.panels().empty(); }));
+    EXPECT_TRUE(waitUntil([&] { return m_desktop.panels().empty(); }));
     EXPECT_FALSE(isNear(m_desktop.look(farFromText), blue));
 }
 
 TEST(LinuxScreensElsewhere, withoutX11ThereIsNoScreenAndPanelsShowNowhere) {
-    // An X server is there, and the program is not on it.
-    const TestProgram server({"Xvfb", "-displayfd", "1", "-nolisten", "tcp", "-noreset"});
-    const EnvironmentVariable display("DISPLAY", ":" + server.line());
-    std::array<std::string, 3> words{"test", "-platform", "offscreen"};
-    std::array<char*, 3> arguments{words[0].data(), words[1].data(), words[2].data()};
-    int count = arguments.size();
-    const QGuiApplication application(count, arguments.data());
+    // There is an X server, and Qt does not use it.
+    const VirtualDisplay display;
+    const EnvironmentVariable platform("QT_QPA_PLATFORM", "offscreen");
+    const ApplicationOf<QGuiApplication> application;
     LinuxScreens screens;
     EXPECT_EQ(screens.mainScreen(), nullptr);
     const auto panel = screens.createPanel({.width = 100, .height = 100}, 128, 2, false);

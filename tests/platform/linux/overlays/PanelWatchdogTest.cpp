@@ -2,17 +2,18 @@
 
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
 #include <chrono>
 #include <csignal>
 #include <optional>
-#include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include "tests/support/ChildProcess.h"
+#include "tests/support/Waiting.h"
 
 namespace quorvane {
 
@@ -21,13 +22,12 @@ namespace {
 using testing::internal::CaptureStderr;
 using testing::internal::GetCapturedStderr;
 using Clock = std::chrono::steady_clock;
-using std::chrono::milliseconds;
 
 double secondsSince(Clock::time_point start) {
     return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
-/// A connection, of which the test is the server.
+/// A connection whose server is the test.
 class PanelWatchdogTest : public testing::Test {
 protected:
     PanelWatchdogTest() { socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, m_ends.data()); }
@@ -39,7 +39,7 @@ protected:
 
     [[nodiscard]] int client() const { return m_ends[0]; }
 
-    /// Whether the client's side is shut down within that time.
+    /// Whether the client's end is shut down within that time.
     [[nodiscard]] bool isShutDownWithin(double seconds) const {
         pollfd server{.fd = m_ends[1], .events = POLLIN, .revents = 0};
         poll(&server, 1, static_cast<int>(seconds * 1000));
@@ -59,7 +59,7 @@ TEST_F(PanelWatchdogTest, ConnectionIsShutDownTwoSecondsAfterTheTimeLimitAndItIs
     EXPECT_TRUE(isShutDownWithin(10));
     EXPECT_GT(secondsSince(start), 2.45);
     EXPECT_LT(secondsSince(start), 3.0);
-    std::this_thread::sleep_for(milliseconds(100));
+    waitFor(100ms);
     EXPECT_EQ(GetCapturedStderr(),
               "quorvane: the main thread hangs: removed a panel that was overdue\n");
 }
@@ -74,41 +74,33 @@ TEST_F(PanelWatchdogTest, PanelThatGoesInTimeLeavesTheConnectionAlone) {
 }
 
 TEST_F(PanelWatchdogTest, ProcessThatWasHaltedHasHalfASecondToRemoveThePanelItself) {
-    const pid_t child = fork();
-    if (child == 0) {
+    ChildProcess child([this] {
         std::optional<PanelWatchdog> watchdog(std::in_place, client(), 0.1);
         raise(SIGSTOP);
-        std::this_thread::sleep_for(milliseconds(250));
+        waitFor(250ms);
         watchdog.reset();
-        _exit(0);
-    }
-    int status = 0;
-    ASSERT_EQ(waitpid(child, &status, WUNTRACED), child);
-    ASSERT_TRUE(WIFSTOPPED(status));
+        return 0;
+    });
+    ASSERT_EQ(child.waitForStop(), SIGSTOP);
     EXPECT_FALSE(isShutDownWithin(3)) << "it is halted";
-    kill(child, SIGCONT);
+    child.send(SIGCONT);
     EXPECT_FALSE(isShutDownWithin(1));
-    kill(child, SIGKILL);
-    waitpid(child, &status, 0);
 }
 
 TEST_F(PanelWatchdogTest, ProcessThatWasHaltedAndStillHangsLosesThePanel) {
     CaptureStderr();
-    const pid_t child = fork();
-    if (child == 0) {
+    ChildProcess child([this] {
         const PanelWatchdog watchdog(client(), 0.1);
         raise(SIGSTOP);
-        std::this_thread::sleep_for(std::chrono::seconds(10));
-        _exit(0);
-    }
-    int status = 0;
-    ASSERT_EQ(waitpid(child, &status, WUNTRACED), child);
-    std::this_thread::sleep_for(milliseconds(2500));
-    kill(child, SIGCONT);
+        waitFor(10s);
+        return 0;
+    });
+    ASSERT_EQ(child.waitForStop(), SIGSTOP);
+    waitFor(2500ms);
+    child.send(SIGCONT);
     EXPECT_TRUE(isShutDownWithin(1));
-    std::this_thread::sleep_for(milliseconds(100));
-    kill(child, SIGKILL);
-    waitpid(child, &status, 0);
+    waitFor(100ms);
+    child.end();
     EXPECT_NE(GetCapturedStderr(), "");
 }
 

@@ -10,6 +10,7 @@
 #include "base/NonCopyable.h"
 #include "tests/platform/linux/power/LinuxSleepNotificationsFixture.h"
 #include "tests/support/Environment.h"
+#include "tests/support/Waiting.h"
 
 namespace quorvane {
 
@@ -19,7 +20,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 TEST_F(LinuxSleepNotificationsTest, TheBusIsJoinedOnlyWhileSomebodyObserves) {
-    const StandInLogind witness(address());
+    const FakeLogind witness(address());
     const auto connections = [this] {
         auto bus = QDBusConnection::connectToBus(QString::fromStdString(address()), "census");
         const auto names = bus.call(QDBusMessage::createMethodCall(
@@ -30,13 +31,13 @@ TEST_F(LinuxSleepNotificationsTest, TheBusIsJoinedOnlyWhileSomebodyObserves) {
     const auto before = connections();
     {
         const Listener listener(m_workspace);
-        EXPECT_TRUE(QtApplication::runUntil([&] { return connections() == before + 1; }));
+        EXPECT_TRUE(waitUntil([&] { return connections() == before + 1; }));
     }
-    EXPECT_TRUE(QtApplication::runUntil([&] { return connections() == before; }));
+    EXPECT_TRUE(waitUntil([&] { return connections() == before; }));
 }
 
 TEST_F(LinuxSleepNotificationsTest, ANewObserverAfterTheLastOneStartsAfresh) {
-    StandInUPower upower(address());
+    FakeUPower upower(address());
     {
         Listener listener(m_workspace);
         settle(upower);
@@ -51,7 +52,7 @@ TEST_F(LinuxSleepNotificationsTest, ANewObserverAfterTheLastOneStartsAfresh) {
 }
 
 TEST_F(LinuxSleepNotificationsTest, ALidThatMovedWhileNoOneObservedIsNoEvent) {
-    StandInUPower upower(address());
+    FakeUPower upower(address());
     {
         Listener listener(m_workspace);
         settle(upower);
@@ -66,23 +67,23 @@ TEST_F(LinuxSleepNotificationsTest, ALidThatMovedWhileNoOneObservedIsNoEvent) {
 }
 
 TEST_F(LinuxSleepNotificationsTest, UPowerIsLeftAloneOnceOnlyTheMachineIsObserved) {
-    StandInUPower upower(address());
-    const StandInLogind logind(address());
+    FakeUPower upower(address());
+    const FakeLogind logind(address());
     {
         const Listener screens(m_workspace);
         settle(upower);
     }
     Listener machine(m_workspace, {{WorkspaceNotification::didWake, "machine"}});
-    ASSERT_TRUE(QtApplication::runUntil([&] {
+    ASSERT_TRUE(waitUntil([&] {
         logind.prepareForSleep(false);
         return !machine.heard(0).empty();
     }));
-    QtApplication::runFor(quietMilliseconds);
+    waitFor(quiet);
     EXPECT_EQ(upower.reads(), 1);
 }
 
 TEST_F(LinuxSleepNotificationsTest, TheLastObserverMayLeaveInsideItsBlock) {
-    StandInUPower upower(address());
+    FakeUPower upower(address());
     int heard = 0;
     NotificationCenter::Token token = 0;
     token = m_workspace.addObserver(WorkspaceNotification::screensDidSleep, [&] {
@@ -93,7 +94,7 @@ TEST_F(LinuxSleepNotificationsTest, TheLastObserverMayLeaveInsideItsBlock) {
     upower.setLidIsClosed(true);
     upower.setLidIsClosed(false);
     upower.setLidIsClosed(true);
-    QtApplication::runFor(quietMilliseconds);
+    waitFor(quiet);
     EXPECT_EQ(heard, 1);
 }
 
@@ -101,7 +102,7 @@ TEST_F(LinuxSleepNotificationsTest,
        ObserversThatComeAndGoWhileTheBusIsBeingJoinedLeaveNothingBehind) {
     for (int round = 0; round < 20; ++round)
         const Listener passing(m_workspace);
-    StandInUPower upower(address());
+    FakeUPower upower(address());
     Listener listener(m_workspace);
     settle(upower);
     upower.setLidIsClosed(true);
@@ -114,11 +115,11 @@ TEST_F(LinuxSleepNotificationsTest, AWorkspaceThatGoesWhileTheBusIsBeingJoinedIs
         LinuxSleepNotifications passing(m_bus.address());
         passing.addObserver(WorkspaceNotification::screensDidSleep, [] {});
     }
-    QtApplication::runFor(quietMilliseconds);
+    waitFor(quiet);
 }
 
 TEST_F(LinuxSleepNotificationsTest, ABusThatGoesAwayIsSurvivedInSilence) {
-    auto upower = std::make_unique<StandInUPower>(address());
+    auto upower = std::make_unique<FakeUPower>(address());
     Listener listener(m_workspace);
     settle(*upower);
     m_bus.stop();
@@ -128,16 +129,16 @@ TEST_F(LinuxSleepNotificationsTest, ABusThatGoesAwayIsSurvivedInSilence) {
 TEST_F(LinuxSleepNotificationsTest, WithoutABusThereAreNoEventsAndNothingIsTriedOverAndOver) {
     LinuxSleepNotifications workspace("unix:path=/nonexistent/bus");
     Listener listener(workspace);
-    QtApplication::runFor(quietMilliseconds);
+    waitFor(quiet);
     const std::clock_t before = std::clock();
     EXPECT_THAT(listener.heardInAll(), IsEmpty());
     // Less than half of the time that passed; a busy retry takes all of it.
-    EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC * quietMilliseconds / 1000 / 2);
+    EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC * quiet.count() / 1000 / 2);
 }
 
 TEST_F(LinuxSleepNotificationsTest, TheSystemBusIsWhereTheEnvironmentSaysThatItIs) {
     const EnvironmentVariable systemBus("DBUS_SYSTEM_BUS_ADDRESS", address());
-    StandInUPower upower(address());
+    FakeUPower upower(address());
     LinuxSleepNotifications workspace;
     Listener listener(workspace);
     settle(upower);
@@ -178,7 +179,7 @@ TEST_F(LinuxSleepNotificationsTest, ABusThatNeverAnswersHoldsNothingUp) {
     // Waiting for the answer would take 25 s.
     EXPECT_LT(Clock::now() - start, std::chrono::seconds(5));
     hung.reset();
-    QtApplication::runFor(quietMilliseconds);
+    waitFor(quiet);
 }
 
 } // namespace

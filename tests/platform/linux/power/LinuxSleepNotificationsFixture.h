@@ -11,11 +11,12 @@
 #include "tests/support/PrivateBus.h"
 #include "tests/support/QtApplication.h"
 #include "tests/support/SleepServices.h"
+#include "tests/support/Waiting.h"
 
 namespace quorvane {
 
-// Long enough for a message that is not to come to have come.
-inline constexpr int quietMilliseconds = 300;
+// A message that is sent by mistake arrives within this time.
+inline constexpr std::chrono::milliseconds quiet = 300ms;
 
 /// Hears a workspace.
 class Listener : NonCopyable {
@@ -40,13 +41,13 @@ public:
 
     /// Everything heard, once as much as `count` is.
     const std::vector<std::string>& heard(std::size_t count) {
-        QtApplication::runUntil([&] { return m_heard.size() >= count; });
+        waitUntil([&] { return m_heard.size() >= count; });
         return m_heard;
     }
 
     /// Everything heard when nothing more comes.
     const std::vector<std::string>& heardInAll() {
-        QtApplication::runFor(quietMilliseconds);
+        waitFor(quiet);
         return m_heard;
     }
 
@@ -72,8 +73,8 @@ protected:
     std::string address() const { return m_bus.address(); }
 
     /// Waits until the workspace has taken in how the lid stands.
-    static void settle(const StandInUPower& upower, int reads = 1) {
-        ASSERT_TRUE(QtApplication::runUntil([&] { return upower.reads() >= reads; }));
+    static void settle(const FakeUPower& upower, int reads = 1) {
+        ASSERT_TRUE(waitUntil([&] { return upower.reads() >= reads; }));
     }
 
     QtApplication m_application;

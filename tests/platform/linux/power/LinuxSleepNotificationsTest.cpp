@@ -2,6 +2,7 @@
 #include <memory>
 
 #include "tests/platform/linux/power/LinuxSleepNotificationsFixture.h"
+#include "tests/support/Waiting.h"
 
 namespace quorvane {
 
@@ -11,7 +12,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 TEST_F(LinuxSleepNotificationsTest, ClosingAndOpeningTheLidIsOneSleepAndOneWake) {
-    StandInUPower upower(address());
+    FakeUPower upower(address());
     Listener listener(m_workspace);
     settle(upower);
     upower.setLidIsClosed(true);
@@ -24,8 +25,8 @@ TEST_F(LinuxSleepNotificationsTest, ClosingAndOpeningTheLidIsOneSleepAndOneWake)
 }
 
 TEST_F(LinuxSleepNotificationsTest, SleepOfTheMachineIsOneSleepAndOneWake) {
-    StandInUPower upower(address());
-    const StandInLogind logind(address());
+    FakeUPower upower(address());
+    const FakeLogind logind(address());
     Listener listener(m_workspace);
     settle(upower);
     logind.prepareForSleep(true);
@@ -37,8 +38,8 @@ TEST_F(LinuxSleepNotificationsTest, SleepOfTheMachineIsOneSleepAndOneWake) {
 }
 
 TEST_F(LinuxSleepNotificationsTest, ALidThatSendsTheMachineToSleepIsOneSleepAndOneWake) {
-    StandInUPower upower(address());
-    const StandInLogind logind(address());
+    FakeUPower upower(address());
+    const FakeLogind logind(address());
     Listener listener(m_workspace);
     settle(upower);
     upower.setLidIsClosed(true);
@@ -54,7 +55,7 @@ TEST_F(LinuxSleepNotificationsTest, ALidThatSendsTheMachineToSleepIsOneSleepAndO
 }
 
 TEST_F(LinuxSleepNotificationsTest, ALidFoundClosedIsNoEventAndItsOpeningIs) {
-    StandInUPower upower(address(), true);
+    FakeUPower upower(address(), true);
     Listener listener(m_workspace);
     settle(upower);
     EXPECT_THAT(listener.heardInAll(), IsEmpty());
@@ -63,7 +64,7 @@ TEST_F(LinuxSleepNotificationsTest, ALidFoundClosedIsNoEventAndItsOpeningIs) {
 }
 
 TEST_F(LinuxSleepNotificationsTest, APropertyThatIsOnlyCalledOutdatedIsReadAgain) {
-    StandInUPower upower(address());
+    FakeUPower upower(address());
     Listener listener(m_workspace);
     settle(upower);
     upower.invalidateLidIsClosed(true);
@@ -71,8 +72,8 @@ TEST_F(LinuxSleepNotificationsTest, APropertyThatIsOnlyCalledOutdatedIsReadAgain
 }
 
 TEST_F(LinuxSleepNotificationsTest, AMachineWithoutALidIsNotPutToSleepByOne) {
-    StandInUPower upower(address(), false, false);
-    const StandInLogind logind(address());
+    FakeUPower upower(address(), false, false);
+    const FakeLogind logind(address());
     Listener listener(m_workspace);
     settle(upower);
     upower.setLidIsClosed(true);
@@ -84,10 +85,10 @@ TEST_F(LinuxSleepNotificationsTest, AMachineWithoutALidIsNotPutToSleepByOne) {
 }
 
 TEST_F(LinuxSleepNotificationsTest, WithoutUPowerTheMachinesSleepIsStillHeard) {
-    const StandInLogind logind(address());
+    const FakeLogind logind(address());
     Listener listener(m_workspace);
     // Nothing tells when the workspace has begun to listen, so it is told until it hears.
-    const bool heard = QtApplication::runUntil([&] {
+    const bool heard = waitUntil([&] {
         logind.prepareForSleep(true);
         logind.prepareForSleep(false);
         return listener.heard(0).size() >= 2;
@@ -100,20 +101,20 @@ TEST_F(LinuxSleepNotificationsTest, WithoutUPowerTheMachinesSleepIsStillHeard) {
 TEST_F(LinuxSleepNotificationsTest, UPowerThatStartsLaterIsListenedTo) {
     Listener listener(m_workspace);
     EXPECT_THAT(listener.heardInAll(), IsEmpty());
-    StandInUPower upower(address());
+    FakeUPower upower(address());
     settle(upower);
     upower.setLidIsClosed(true);
     EXPECT_THAT(listener.heard(1), ElementsAre("sleep"));
 }
 
 TEST_F(LinuxSleepNotificationsTest, AChangeMissedWhileUPowerWasAwayIsReportedWhenItIsBack) {
-    auto first = std::make_unique<StandInUPower>(address());
+    auto first = std::make_unique<FakeUPower>(address());
     Listener listener(m_workspace);
     settle(*first);
     first->setLidIsClosed(true);
     EXPECT_THAT(listener.heard(1), ElementsAre("sleep"));
     first.reset();
-    StandInUPower second(address(), false);
+    FakeUPower second(address(), false);
     settle(second);
     EXPECT_THAT(listener.heard(2), ElementsAre("sleep", "wake"));
     second.setLidIsClosed(true);
@@ -121,20 +122,20 @@ TEST_F(LinuxSleepNotificationsTest, AChangeMissedWhileUPowerWasAwayIsReportedWhe
 }
 
 TEST_F(LinuxSleepNotificationsTest, UPowerThatComesBackToTheSameLidIsNoEvent) {
-    auto first = std::make_unique<StandInUPower>(address());
+    auto first = std::make_unique<FakeUPower>(address());
     Listener listener(m_workspace);
     settle(*first);
     first->setLidIsClosed(true);
     EXPECT_EQ(listener.heard(1).size(), 1U);
     first.reset();
-    StandInUPower second(address(), true);
+    FakeUPower second(address(), true);
     settle(second);
     EXPECT_THAT(listener.heardInAll(), ElementsAre("sleep"));
 }
 
 TEST_F(LinuxSleepNotificationsTest, ASleepWhoseServiceDiesIsOver) {
-    StandInUPower upower(address());
-    auto logind = std::make_unique<StandInLogind>(address());
+    FakeUPower upower(address());
+    auto logind = std::make_unique<FakeLogind>(address());
     Listener listener(m_workspace);
     settle(upower);
     logind->prepareForSleep(true);
@@ -144,9 +145,9 @@ TEST_F(LinuxSleepNotificationsTest, ASleepWhoseServiceDiesIsOver) {
 }
 
 TEST_F(LinuxSleepNotificationsTest, SignalsOfStrangersAreNotBelieved) {
-    StandInUPower upower(address());
-    StandInUPower stranger(address(), false, true, QStringLiteral("com.example.Stranger"));
-    const StandInLogind otherStranger(address(), QStringLiteral("com.example.OtherStranger"));
+    FakeUPower upower(address());
+    FakeUPower stranger(address(), false, true, QStringLiteral("com.example.Stranger"));
+    const FakeLogind otherStranger(address(), QStringLiteral("com.example.OtherStranger"));
     Listener listener(m_workspace);
     settle(upower);
     otherStranger.prepareForSleep(true);

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "tests/platform/linux/power/LinuxSleepNotificationsFixture.h"
+#include "tests/support/Waiting.h"
 
 namespace quorvane {
 
@@ -19,8 +20,8 @@ const std::vector<Listener::Mark> machineAndScreens{
     {WorkspaceNotification::didWake, "machine"}};
 
 TEST_F(LinuxSleepNotificationsWakeTest, EachTimeTheMachineWakesIsOneNoticeBeforeThatOfItsScreens) {
-    StandInUPower upower(address());
-    const StandInLogind logind(address());
+    FakeUPower upower(address());
+    const FakeLogind logind(address());
     Listener listener(m_workspace, machineAndScreens);
     settle(upower);
     logind.prepareForSleep(true);
@@ -33,8 +34,8 @@ TEST_F(LinuxSleepNotificationsWakeTest, EachTimeTheMachineWakesIsOneNoticeBefore
 }
 
 TEST_F(LinuxSleepNotificationsWakeTest, AMachineThatWakesUnderAClosedLidWakesWithoutItsScreens) {
-    StandInUPower upower(address());
-    const StandInLogind logind(address());
+    FakeUPower upower(address());
+    const FakeLogind logind(address());
     Listener listener(m_workspace, machineAndScreens);
     settle(upower);
     upower.setLidIsClosed(true);
@@ -46,7 +47,7 @@ TEST_F(LinuxSleepNotificationsWakeTest, AMachineThatWakesUnderAClosedLidWakesWit
 }
 
 TEST_F(LinuxSleepNotificationsWakeTest, ALidThatOpensWakesNoMachine) {
-    StandInUPower upower(address());
+    FakeUPower upower(address());
     Listener listener(m_workspace, machineAndScreens);
     settle(upower);
     upower.setLidIsClosed(true);
@@ -56,8 +57,8 @@ TEST_F(LinuxSleepNotificationsWakeTest, ALidThatOpensWakesNoMachine) {
 }
 
 TEST_F(LinuxSleepNotificationsWakeTest, AServiceThatDiesWhileTheMachineSleepsWakesOnlyTheScreens) {
-    StandInUPower upower(address());
-    auto logind = std::make_unique<StandInLogind>(address());
+    FakeUPower upower(address());
+    auto logind = std::make_unique<FakeLogind>(address());
     Listener listener(m_workspace, machineAndScreens);
     settle(upower);
     logind->prepareForSleep(true);
@@ -68,9 +69,9 @@ TEST_F(LinuxSleepNotificationsWakeTest, AServiceThatDiesWhileTheMachineSleepsWak
 }
 
 TEST_F(LinuxSleepNotificationsWakeTest, AStrangersWordWakesNobody) {
-    StandInUPower upower(address());
-    const StandInLogind logind(address());
-    const StandInLogind stranger(address(), QStringLiteral("com.example.Stranger"));
+    FakeUPower upower(address());
+    const FakeLogind logind(address());
+    const FakeLogind stranger(address(), QStringLiteral("com.example.Stranger"));
     Listener listener(m_workspace, machineAndScreens);
     settle(upower);
     stranger.prepareForSleep(false);
@@ -79,14 +80,14 @@ TEST_F(LinuxSleepNotificationsWakeTest, AStrangersWordWakesNobody) {
 }
 
 TEST_F(LinuxSleepNotificationsWakeTest, UPowerIsLeftAloneUntilSomebodyAsksForTheScreens) {
-    StandInUPower upower(address());
-    const StandInLogind logind(address());
+    FakeUPower upower(address());
+    const FakeLogind logind(address());
     Listener machine(m_workspace, machineOnly);
-    ASSERT_TRUE(QtApplication::runUntil([&] {
+    ASSERT_TRUE(waitUntil([&] {
         logind.prepareForSleep(false);
         return !machine.heard(0).empty();
     }));
-    QtApplication::runFor(quietMilliseconds);
+    waitFor(quiet);
     EXPECT_EQ(upower.reads(), 0);
     Listener screens(m_workspace);
     settle(upower);
@@ -95,8 +96,8 @@ TEST_F(LinuxSleepNotificationsWakeTest, UPowerIsLeftAloneUntilSomebodyAsksForThe
 }
 
 TEST_F(LinuxSleepNotificationsWakeTest, TheLastObserverMayLeaveAsTheMachineWakes) {
-    StandInUPower upower(address());
-    const StandInLogind logind(address());
+    FakeUPower upower(address());
+    const FakeLogind logind(address());
     int heard = 0;
     NotificationCenter::Token machine = 0;
     NotificationCenter::Token screens = 0;
@@ -110,8 +111,8 @@ TEST_F(LinuxSleepNotificationsWakeTest, TheLastObserverMayLeaveAsTheMachineWakes
     logind.prepareForSleep(true);
     logind.prepareForSleep(false);
     logind.prepareForSleep(false);
-    EXPECT_TRUE(QtApplication::runUntil([&] { return heard > 0; }));
-    QtApplication::runFor(quietMilliseconds);
+    EXPECT_TRUE(waitUntil([&] { return heard > 0; }));
+    waitFor(quiet);
     EXPECT_EQ(heard, 1);
 }
 

@@ -1,4 +1,4 @@
-#include "tests/support/KernelAnswers.h"
+#include "tests/support/FakeIoctl.h"
 
 #include <cstdarg>
 #include <utility>
@@ -7,14 +7,13 @@ namespace quorvane {
 
 namespace {
 
-KernelAnswers::Answer currentAnswer;
+FakeIoctl::Answer currentAnswer;
 
 } // namespace
 
-KernelAnswers::KernelAnswers(Answer answer)
-    : m_before(std::exchange(currentAnswer, std::move(answer))) {}
+FakeIoctl::FakeIoctl(Answer answer) : m_before(std::exchange(currentAnswer, std::move(answer))) {}
 
-KernelAnswers::~KernelAnswers() {
+FakeIoctl::~FakeIoctl() {
     currentAnswer = std::move(m_before);
 }
 

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <csignal>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <sys/types.h>
+
+#include "base/NonCopyable.h"
+
+namespace quorvane {
+
+/// A child process that is killed with this object, and when the test program dies. Throws when it
+/// cannot be started.
+class ChildProcess : NonCopyable {
+public:
+    /// Its standard output is read with `line`, its standard error is dropped.
+    explicit ChildProcess(const std::vector<std::string>& command);
+    /// All of its output is appended to `log`.
+    ChildProcess(const std::vector<std::string>& command, const std::filesystem::path& log);
+    /// A copy of this process that runs `work` and exits with what it returns. It is in a process
+    /// group of its own, as a shell would start it: elsewhere SIGTSTP stops nothing.
+    explicit ChildProcess(const std::function<int()>& work);
+
+    ~ChildProcess();
+
+    /// The next line of its output; waits for it. Empty at its end.
+    [[nodiscard]] std::string line() const;
+    [[nodiscard]] bool isAlive();
+
+    void send(int signal) const;
+    /// Sends `signal` and waits for its end.
+    void end(int signal = SIGKILL);
+    /// Waits for its end; its exit status, -1 when a signal ended it.
+    int wait();
+    /// Waits until a signal stops it, and returns that; 0 if it has ended instead.
+    [[nodiscard]] int waitForStop();
+
+    /// Runs `command` to its end and drops its output; its exit status.
+    static int run(const std::vector<std::string>& command);
+
+private:
+    pid_t m_pid = -1;
+    // The end of the pipe that is read, where there is one.
+    int m_output = -1;
+};
+
+} // namespace quorvane

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+#include <xcb/xcb.h>
+
+#include "base/NonCopyable.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/Environment.h"
+
+namespace quorvane {
+
+/// An X server with one screen and no clients but this one; DISPLAY names it while this lives.
+/// Needs no Qt.
+class VirtualDisplay : NonCopyable {
+public:
+    /// `options` of the X server, such as an extension that it is to do without.
+    explicit VirtualDisplay(const std::string& size = "320x200",
+                            const std::vector<std::string>& options = {});
+    ~VirtualDisplay();
+
+    [[nodiscard]] xcb_connection_t* connection() const { return m_connection; }
+
+    [[nodiscard]] xcb_window_t root() const { return m_root; }
+
+    /// By the X server's number of the key, of the keymap that it starts with.
+    void press(std::uint8_t keycode);
+    void release(std::uint8_t keycode);
+    /// Moves the pointer and clicks its left button.
+    void click(std::int16_t x, std::int16_t y);
+    /// Makes `keycode` carry another symbol.
+    void remap(std::uint8_t keycode, xcb_keysym_t symbol);
+    /// As an open menu does: all keys go to it.
+    void grabKeyboard();
+
+    [[nodiscard]] xcb_atom_t atom(const std::string& name) const;
+    /// Whether a client owns `selection`, as window managers and compositors do.
+    [[nodiscard]] bool hasOwner(const std::string& selection) const;
+    [[nodiscard]] xcb_window_t focus() const;
+    /// Returns when everything done so far has been sent to every client.
+    void sync() const;
+
+    /// Ends the X server, and with it all connections to it.
+    void end();
+
+private:
+    void sendInput(std::uint8_t type, std::uint8_t detail, std::int16_t x = 0, std::int16_t y = 0);
+
+    ChildProcess m_server;
+    EnvironmentVariable m_display;
+    xcb_connection_t* m_connection;
+    xcb_window_t m_root = XCB_WINDOW_NONE;
+};
+
+} // namespace quorvane
