@@ -1,10 +1,7 @@
-#include <gtest/gtest.h>
-#include <memory>
-
-#include "base/NonCopyable.h"
 #include "platform/linux/keyboard/LinuxAccessibility.h"
 #include "platform/macos/MacAccessibility.h"
 #include "platform/simulated/SimulatedEventTapService.h"
+#include "tests/contract/Contract.h"
 #include "tests/macos/FakeMachine.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
@@ -13,15 +10,13 @@ namespace quorvane {
 
 namespace {
 
-class AccessibilityContractBackend : NonCopyable {
+class AccessibilityBackend : public ContractBackend {
 public:
-    virtual ~AccessibilityContractBackend() = default;
-
     virtual Accessibility& accessibility() = 0;
     virtual void setTrusted(bool trusted) = 0;
 };
 
-class SimulatedBackend final : public AccessibilityContractBackend {
+class SimulatedBackend final : public AccessibilityBackend {
 public:
     Accessibility& accessibility() override { return m_accessibility; }
 
@@ -31,7 +26,7 @@ private:
     SimulatedAccessibility m_accessibility;
 };
 
-class LinuxBackend final : public AccessibilityContractBackend {
+class LinuxBackend final : public AccessibilityBackend {
 public:
     Accessibility& accessibility() override { return m_accessibility; }
 
@@ -47,7 +42,7 @@ private:
     LinuxAccessibility m_accessibility{[this] { return std::vector{m_root.path() / "event0"}; }};
 };
 
-class MacBackend final : public AccessibilityContractBackend {
+class MacBackend final : public AccessibilityBackend {
 public:
     Accessibility& accessibility() override { return m_accessibility; }
 
@@ -58,12 +53,7 @@ private:
     MacAccessibility m_accessibility;
 };
 
-using AccessibilityBackendMaker = std::unique_ptr<AccessibilityContractBackend> (*)();
-
-class AccessibilityContract : public testing::TestWithParam<AccessibilityBackendMaker> {
-protected:
-    std::unique_ptr<AccessibilityContractBackend> m_backend = GetParam()();
-};
+using AccessibilityContract = Contract<AccessibilityBackend>;
 
 TEST_P(AccessibilityContract, TrustIsWhatItIsWhenItIsAskedFor) {
     m_backend->setTrusted(false);
@@ -74,15 +64,9 @@ TEST_P(AccessibilityContract, TrustIsWhatItIsWhenItIsAskedFor) {
     EXPECT_FALSE(m_backend->accessibility().isProcessTrusted());
 }
 
-template <typename Backend>
-std::unique_ptr<AccessibilityContractBackend> make() {
-    return std::make_unique<Backend>();
-}
-
-INSTANTIATE_TEST_SUITE_P(Simulated, AccessibilityContract,
-                         testing::Values(&make<SimulatedBackend>));
-INSTANTIATE_TEST_SUITE_P(Linux, AccessibilityContract, testing::Values(&make<LinuxBackend>));
-INSTANTIATE_TEST_SUITE_P(MacFake, AccessibilityContract, testing::Values(&make<MacBackend>));
+INSTANTIATE_TEST_SUITE_P(Simulated, AccessibilityContract, on<SimulatedBackend>());
+INSTANTIATE_TEST_SUITE_P(Linux, AccessibilityContract, on<LinuxBackend>());
+INSTANTIATE_TEST_SUITE_P(MacFake, AccessibilityContract, on<MacBackend>());
 
 } // namespace
 

@@ -3,10 +3,11 @@
 #include <gtest/gtest.h>
 #include <memory>
 
-#include "base/NonCopyable.h"
 #include "platform/linux/desktop/LinuxApplication.h"
 #include "platform/simulated/SimulatedSystem.h"
+#include "tests/contract/Contract.h"
 #include "tests/support/Environment.h"
+#include "tests/support/QtApplication.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Waiting.h"
 
@@ -14,17 +15,15 @@ namespace quorvane {
 
 namespace {
 
-class ApplicationContractBackend : NonCopyable {
+class ApplicationBackend : public ContractBackend {
 public:
-    virtual ~ApplicationContractBackend() = default;
-
     virtual const Application& application() = 0;
     virtual void setStartsAtLogin(bool starts) = 0;
     virtual void bringToFront() = 0;
     virtual void leaveFront() = 0;
 };
 
-class SimulatedBackend final : public ApplicationContractBackend {
+class SimulatedBackend final : public ApplicationBackend {
 public:
     SimulatedBackend() { m_simulated.active = false; }
 
@@ -42,7 +41,7 @@ private:
     SimulatedApplication m_simulated;
 };
 
-class LinuxBackend final : public ApplicationContractBackend {
+class LinuxBackend final : public ApplicationBackend {
 public:
     const Application& application() override { return m_linux; }
 
@@ -65,20 +64,12 @@ private:
     TemporaryFolder m_config;
     EnvironmentVariable m_home{"XDG_CONFIG_HOME", m_config.path().string()};
     EnvironmentVariable m_platform{"QT_QPA_PLATFORM", "offscreen"};
-    int m_count = 1;
-    char m_name[5] = "test";                  // NOLINT(modernize-avoid-c-arrays): what Qt asks for.
-    char* m_arguments[2] = {m_name, nullptr}; // NOLINT(modernize-avoid-c-arrays): the same.
-    QGuiApplication m_toolkit{m_count, m_arguments};
+    ApplicationOf<QGuiApplication> m_application;
     std::unique_ptr<QWindow> m_window;
     LinuxApplication m_linux;
 };
 
-using ApplicationBackendMaker = std::unique_ptr<ApplicationContractBackend> (*)();
-
-class ApplicationContract : public testing::TestWithParam<ApplicationBackendMaker> {
-protected:
-    std::unique_ptr<ApplicationContractBackend> m_backend = GetParam()();
-};
+using ApplicationContract = Contract<ApplicationBackend>;
 
 TEST_P(ApplicationContract, TheLoginItemIsWhatItIsWhenItIsAskedFor) {
     m_backend->setStartsAtLogin(false);
@@ -97,13 +88,8 @@ TEST_P(ApplicationContract, TheProgramIsActiveWhileItIsInFront) {
     EXPECT_FALSE(m_backend->application().isActive());
 }
 
-template <typename Backend>
-std::unique_ptr<ApplicationContractBackend> make() {
-    return std::make_unique<Backend>();
-}
-
-INSTANTIATE_TEST_SUITE_P(Simulated, ApplicationContract, testing::Values(&make<SimulatedBackend>));
-INSTANTIATE_TEST_SUITE_P(Linux, ApplicationContract, testing::Values(&make<LinuxBackend>));
+INSTANTIATE_TEST_SUITE_P(Simulated, ApplicationContract, on<SimulatedBackend>());
+INSTANTIATE_TEST_SUITE_P(Linux, ApplicationContract, on<LinuxBackend>());
 
 } // namespace
 

@@ -3,7 +3,6 @@
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <ostream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -12,27 +11,18 @@
 #include <gtest/gtest.h>
 
 #include "platform/Audio.h"
-#include "tests/contract/AudioContractBackend.h"
+#include "tests/contract/AudioBackend.h"
 
 namespace quorvane {
 
-struct NamedAudioBackend {
-    std::string name;
-    std::unique_ptr<AudioContractBackend> (*make)();
-
-    friend std::ostream& operator<<(std::ostream& stream, const NamedAudioBackend& backend) {
-        return stream << backend.name;
-    }
-};
-
-/// What completions leave behind; they keep it alive.
+/// What completions record; they keep it alive.
 struct CompletionLog {
     std::mutex mutex;
     std::vector<std::string> completed;
     std::vector<std::thread::id> threads;
 };
 
-class AudioContract : public ::testing::TestWithParam<NamedAudioBackend> {
+class AudioContract : public Contract<AudioBackend> {
 protected:
     static constexpr AudioFormat stereo{.sampleRate = 44100, .channels = 2};
 
@@ -102,7 +92,6 @@ protected:
 
     AudioService& audio() { return m_backend->service(); }
 
-    std::unique_ptr<AudioContractBackend> m_backend = GetParam().make();
     std::shared_ptr<CompletionLog> m_log = std::make_shared<CompletionLog>();
     std::shared_ptr<AudioEngine> m_engine = m_backend->service().createEngine();
     std::shared_ptr<AudioPlayerNode> m_node = m_backend->service().createPlayerNode();

@@ -13,17 +13,17 @@ TEST_P(AudioContract, ReadsAWholeFile) {
         << std::get<AudioError>(opened).description;
     AudioFile& file = *std::get<std::shared_ptr<AudioFile>>(opened);
     EXPECT_EQ(file.processingFormat(), stereo);
-    EXPECT_EQ(file.length(), AudioContractBackend::goodFileFrames);
-    const auto buffer = audio().createBuffer(stereo, AudioContractBackend::goodFileFrames);
+    EXPECT_EQ(file.length(), AudioBackend::goodFileFrames);
+    const auto buffer = audio().createBuffer(stereo, AudioBackend::goodFileFrames);
     ASSERT_FALSE(file.read(*buffer));
-    EXPECT_EQ(buffer->frameLength, AudioContractBackend::goodFileFrames);
+    EXPECT_EQ(buffer->frameLength, AudioBackend::goodFileFrames);
     EXPECT_THAT(buffer->samples, ::testing::Contains(::testing::Gt(0.2F)));
 }
 
 TEST_P(AudioContract, AFileGivesItsSamplesAtEveryReading) {
     const auto opened = audio().openFile(m_backend->clipFile());
     AudioFile& file = *std::get<std::shared_ptr<AudioFile>>(opened);
-    const PCMBuffer clip = AudioContractBackend::clip();
+    const PCMBuffer clip = AudioBackend::clip();
     // As exact as 16 bits are.
     const auto isClose = ::testing::Pointwise(::testing::FloatNear(1e-4F), clip.samples);
     for (int reading = 0; reading < 2; ++reading) {
@@ -51,12 +51,12 @@ TEST_P(AudioContract, ATruncatedFileCannotBeReadWhole) {
     const auto opened = audio().openFile(m_backend->truncatedFile());
     ASSERT_TRUE(std::holds_alternative<std::shared_ptr<AudioFile>>(opened));
     AudioFile& file = *std::get<std::shared_ptr<AudioFile>>(opened);
-    EXPECT_EQ(file.length(), AudioContractBackend::goodFileFrames);
+    EXPECT_EQ(file.length(), AudioBackend::goodFileFrames);
     const auto buffer = audio().createBuffer(stereo, static_cast<std::uint32_t>(file.length()));
     const auto error = file.read(*buffer);
     ASSERT_TRUE(error);
     EXPECT_THAT(error->description, ::testing::HasSubstr("ends before its length"));
-    EXPECT_LT(buffer->frameLength, AudioContractBackend::goodFileFrames);
+    EXPECT_LT(buffer->frameLength, AudioBackend::goodFileFrames);
 }
 
 TEST_P(AudioContract, ABufferNeedsChannelsAndARate) {

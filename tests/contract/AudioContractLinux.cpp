@@ -1,4 +1,4 @@
-#include "tests/contract/AudioContractBackend.h"
+#include "tests/contract/AudioBackend.h"
 
 #include <chrono>
 #include <cstdlib>
@@ -14,7 +14,7 @@ namespace quorvane {
 
 namespace {
 
-class LinuxAudioBackend final : public AudioContractBackend {
+class LinuxAudioBackend final : public AudioBackend {
 public:
     /// `settings` as a person would write them in OpenAL Soft's file.
     explicit LinuxAudioBackend(std::string_view settings) {
@@ -26,7 +26,8 @@ public:
         writeWAV(clipFile(), clip());
         makeMP3(goodFile(), chirp({.sampleRate = 44100, .channels = 2}, goodFileFrames));
         copyFirstHalf(goodFile(), truncatedFile());
-        m_folder.write(nonAudioFile().filename(), "Dear laptop, this is a letter and not a sound.\n");
+        m_folder.write(nonAudioFile().filename(),
+                       "Dear laptop, this is a letter and not a sound.\n");
     }
 
     AudioService& service() override { return *m_audio; }
@@ -85,15 +86,15 @@ private:
 
 } // namespace
 
-std::unique_ptr<AudioContractBackend> makeLinuxAudioBackend() {
+std::unique_ptr<AudioBackend> makeLinuxAudioBackend() {
     return std::make_unique<LinuxAudioBackend>("");
 }
 
-std::unique_ptr<AudioContractBackend> makeSteadyLinuxAudioBackend() {
+std::unique_ptr<AudioBackend> makeSteadyLinuxAudioBackend() {
     return std::make_unique<LinuxAudioBackend>("period_size = 2048\nperiods = 8\n");
 }
 
-PCMBuffer AudioContractBackend::clip() {
+PCMBuffer AudioBackend::clip() {
     return chirp({.sampleRate = 44100, .channels = 2}, 22050);
 }
 

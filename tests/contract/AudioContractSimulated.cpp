@@ -1,4 +1,4 @@
-#include "tests/contract/AudioContractBackend.h"
+#include "tests/contract/AudioBackend.h"
 
 #include <vector>
 
@@ -10,7 +10,7 @@ namespace quorvane {
 
 namespace {
 
-class SimulatedAudioBackend final : public AudioContractBackend {
+class SimulatedAudioBackend final : public AudioBackend {
 public:
     SimulatedAudioBackend() {
         const AudioFormat format{.sampleRate = 44100, .channels = 2};
@@ -61,7 +61,7 @@ private:
 
 } // namespace
 
-std::unique_ptr<AudioContractBackend> makeSimulatedAudioBackend() {
+std::unique_ptr<AudioBackend> makeSimulatedAudioBackend() {
     return std::make_unique<SimulatedAudioBackend>();
 }
 

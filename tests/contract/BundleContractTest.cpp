@@ -1,19 +1,14 @@
-#include <gtest/gtest.h>
-#include <memory>
-
-#include "base/NonCopyable.h"
 #include "platform/linux/system/LinuxBundle.h"
 #include "platform/simulated/SimulatedSystem.h"
+#include "tests/contract/Contract.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quorvane {
 
 namespace {
 
-class BundleContractBackend : NonCopyable {
+class BundleBackend : public ContractBackend {
 public:
-    virtual ~BundleContractBackend() = default;
-
     /// Holds "creaking" of type "mp3", whose file's content is "creak".
     virtual Bundle& bundle() = 0;
 
@@ -22,7 +17,7 @@ protected:
     std::filesystem::path m_creak = m_folder.write("creaking.mp3", "creak");
 };
 
-class SimulatedBackend final : public BundleContractBackend {
+class SimulatedBackend final : public BundleBackend {
 public:
     SimulatedBackend() { m_bundle.addResource("creaking", "mp3", m_creak); }
 
@@ -32,7 +27,7 @@ private:
     SimulatedBundle m_bundle;
 };
 
-class LinuxBackend final : public BundleContractBackend {
+class LinuxBackend final : public BundleBackend {
 public:
     Bundle& bundle() override { return m_bundle; }
 
@@ -40,12 +35,7 @@ private:
     LinuxBundle m_bundle{{m_folder.path() / "missing", m_folder.path()}};
 };
 
-using BundleBackendMaker = std::unique_ptr<BundleContractBackend> (*)();
-
-class BundleContract : public testing::TestWithParam<BundleBackendMaker> {
-protected:
-    std::unique_ptr<BundleContractBackend> m_backend = GetParam()();
-};
+using BundleContract = Contract<BundleBackend>;
 
 TEST_P(BundleContract, AResourceIsFoundByNameAndType) {
     const auto file = m_backend->bundle().urlForResource("creaking", "mp3");
@@ -61,13 +51,8 @@ TEST_P(BundleContract, AnotherTypeIsAnotherResource) {
     EXPECT_EQ(m_backend->bundle().urlForResource("creaking", "png"), std::nullopt);
 }
 
-template <typename Backend>
-std::unique_ptr<BundleContractBackend> make() {
-    return std::make_unique<Backend>();
-}
-
-INSTANTIATE_TEST_SUITE_P(Simulated, BundleContract, testing::Values(&make<SimulatedBackend>));
-INSTANTIATE_TEST_SUITE_P(Linux, BundleContract, testing::Values(&make<LinuxBackend>));
+INSTANTIATE_TEST_SUITE_P(Simulated, BundleContract, on<SimulatedBackend>());
+INSTANTIATE_TEST_SUITE_P(Linux, BundleContract, on<LinuxBackend>());
 
 } // namespace
 

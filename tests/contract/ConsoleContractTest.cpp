@@ -6,25 +6,23 @@
 #include <unistd.h>
 #include <vector>
 
-#include "base/NonCopyable.h"
 #include "platform/linux/system/LinuxConsole.h"
 #include "platform/macos/MacConsole.h"
 #include "platform/simulated/SimulatedSystem.h"
+#include "tests/contract/Contract.h"
 
 namespace quorvane {
 
 namespace {
 
-class ConsoleContractBackend : NonCopyable {
+class ConsoleBackend : public ContractBackend {
 public:
-    virtual ~ConsoleContractBackend() = default;
-
     virtual Console& console() = 0;
     /// What has been written so far.
     virtual std::string written() = 0;
 };
 
-class SimulatedBackend final : public ConsoleContractBackend {
+class SimulatedBackend final : public ConsoleBackend {
 public:
     Console& console() override { return m_console; }
 
@@ -40,7 +38,7 @@ private:
 };
 
 template <typename DescriptorConsole>
-class PipeBackend final : public ConsoleContractBackend {
+class PipeBackend final : public ConsoleBackend {
 public:
     PipeBackend() : m_ends(makePipe()), m_console(m_ends[1]) {}
 
@@ -75,12 +73,7 @@ private:
     DescriptorConsole m_console;
 };
 
-using ConsoleBackendMaker = std::unique_ptr<ConsoleContractBackend> (*)();
-
-class ConsoleContract : public testing::TestWithParam<ConsoleBackendMaker> {
-protected:
-    std::unique_ptr<ConsoleContractBackend> m_backend = GetParam()();
-};
+using ConsoleContract = Contract<ConsoleBackend>;
 
 TEST_P(ConsoleContract, EachLineIsOutAsSoonAsItIsPrinted) {
     m_backend->console().print("✅ [FAN] first");
@@ -99,14 +92,9 @@ TEST_P(ConsoleContract, ALineIsNoFormatString) {
     EXPECT_EQ(m_backend->written(), "100 %s %n\n");
 }
 
-template <typename Backend>
-std::unique_ptr<ConsoleContractBackend> make() {
-    return std::make_unique<Backend>();
-}
-
-INSTANTIATE_TEST_SUITE_P(Simulated, ConsoleContract, testing::Values(&make<SimulatedBackend>));
-INSTANTIATE_TEST_SUITE_P(Linux, ConsoleContract, testing::Values(&make<PipeBackend<LinuxConsole>>));
-INSTANTIATE_TEST_SUITE_P(Mac, ConsoleContract, testing::Values(&make<PipeBackend<MacConsole>>));
+INSTANTIATE_TEST_SUITE_P(Simulated, ConsoleContract, on<SimulatedBackend>());
+INSTANTIATE_TEST_SUITE_P(Linux, ConsoleContract, on<PipeBackend<LinuxConsole>>());
+INSTANTIATE_TEST_SUITE_P(Mac, ConsoleContract, on<PipeBackend<MacConsole>>());
 
 } // namespace
 

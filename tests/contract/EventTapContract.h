@@ -1,19 +1,16 @@
 #pragma once
 
-#include <gtest/gtest.h>
 #include <memory>
 #include <vector>
 
-#include "base/NonCopyable.h"
 #include "platform/EventTap.h"
+#include "tests/contract/Contract.h"
 
 namespace quorvane {
 
 /// One implementation of event taps, and a person at its keyboard.
-class EventTapContractBackend : NonCopyable {
+class EventTapBackend : public ContractBackend {
 public:
-    virtual ~EventTapContractBackend() = default;
-
     virtual EventTapService& service() = 0;
 
     /// One and the same key, that is no modifier.
@@ -28,8 +25,6 @@ public:
     virtual void settle() {}
 };
 
-using EventTapContractBackendMaker = std::unique_ptr<EventTapContractBackend> (*)();
-
 /// What a tap's callback was given.
 struct HeardEvent {
     TapEventType type;
@@ -38,7 +33,7 @@ struct HeardEvent {
     bool operator==(const HeardEvent&) const = default;
 };
 
-class EventTapContract : public testing::TestWithParam<EventTapContractBackendMaker> {
+class EventTapContract : public Contract<EventTapBackend> {
 protected:
     static constexpr std::uint64_t keyDowns = tapEventMask(TapEventType::KeyDown);
     static constexpr std::uint64_t everything =
@@ -54,7 +49,6 @@ protected:
     /// What has been heard since the last time.
     std::vector<HeardEvent> heard();
 
-    std::unique_ptr<EventTapContractBackend> m_backend = GetParam()();
     std::shared_ptr<EventTap> m_tap;
     std::shared_ptr<TapSource> m_source;
 };

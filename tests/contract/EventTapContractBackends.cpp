@@ -16,7 +16,7 @@ namespace quorvane {
 
 namespace {
 
-class SimulatedBackend final : public EventTapContractBackend {
+class SimulatedBackend final : public EventTapBackend {
 public:
     EventTapService& service() override { return m_taps; }
 
@@ -42,7 +42,7 @@ void workOnce() {
         QCoreApplication::processEvents();
 }
 
-class X11Backend final : public EventTapContractBackend {
+class X11Backend final : public EventTapBackend {
 public:
     EventTapService& service() override { return m_taps; }
 
@@ -116,7 +116,7 @@ private:
     std::vector<std::unique_ptr<PluggedKeyboards>> m_plugged;
 };
 
-class EvdevBackend final : public EventTapContractBackend {
+class EvdevBackend final : public EventTapBackend {
 public:
     EventTapService& service() override { return m_taps; }
 
@@ -135,14 +135,9 @@ private:
     PipeTaps m_taps;
 };
 
-template <typename Backend>
-std::unique_ptr<EventTapContractBackend> make() {
-    return std::make_unique<Backend>();
-}
-
-INSTANTIATE_TEST_SUITE_P(Simulated, EventTapContract, testing::Values(&make<SimulatedBackend>));
-INSTANTIATE_TEST_SUITE_P(LinuxX11, EventTapContract, testing::Values(&make<X11Backend>));
-INSTANTIATE_TEST_SUITE_P(LinuxEvdev, EventTapContract, testing::Values(&make<EvdevBackend>));
+INSTANTIATE_TEST_SUITE_P(Simulated, EventTapContract, on<SimulatedBackend>());
+INSTANTIATE_TEST_SUITE_P(LinuxX11, EventTapContract, on<X11Backend>());
+INSTANTIATE_TEST_SUITE_P(LinuxEvdev, EventTapContract, on<EvdevBackend>());
 
 } // namespace
 

@@ -57,7 +57,7 @@ private:
     int m_descriptor;
 };
 
-class UinputBackend final : public EventTapContractBackend {
+class UinputBackend final : public EventTapBackend {
 public:
     EventTapService& service() override { return m_taps; }
 
@@ -84,11 +84,7 @@ private:
     LinuxEventTapService m_taps;
 };
 
-std::unique_ptr<EventTapContractBackend> makeUinputBackend() {
-    return std::make_unique<UinputBackend>();
-}
-
-INSTANTIATE_TEST_SUITE_P(LinuxUinput, EventTapContract, testing::Values(&makeUinputBackend));
+INSTANTIATE_TEST_SUITE_P(LinuxUinput, EventTapContract, on<UinputBackend>());
 
 } // namespace
 

@@ -1,21 +1,18 @@
 #pragma once
 
 #include <array>
-#include <gtest/gtest.h>
 #include <memory>
 #include <optional>
 #include <vector>
 
-#include "base/NonCopyable.h"
 #include "platform/HID.h"
+#include "tests/contract/Contract.h"
 
 namespace quorvane {
 
 /// One implementation of HID with one lid sensor to be found.
-class HIDContractBackend : NonCopyable {
+class HIDBackend : public ContractBackend {
 public:
-    virtual ~HIDContractBackend() = default;
-
     virtual HIDService& service() = 0;
 
     /// The sensor's vendor, or the one in whose search it turns up.
@@ -33,8 +30,6 @@ public:
     virtual void unplug() {}
 };
 
-using HIDContractBackendMaker = std::unique_ptr<HIDContractBackend> (*)();
-
 /// What came of reading a report.
 struct HIDReading {
     HIDResult result = hidSuccess;
@@ -49,14 +44,12 @@ struct HIDReading {
                                     HIDReportType type = HIDReportType::Feature,
                                     std::uint8_t reportID = 1);
 
-class HIDContract : public testing::TestWithParam<HIDContractBackendMaker> {
+class HIDContract : public Contract<HIDBackend> {
 protected:
     std::shared_ptr<HIDManager> manager(std::optional<int> productID, int vendorID);
     std::vector<std::shared_ptr<HIDDevice>> devices(std::optional<int> productID, int vendorID);
     /// The backend's sensor, by a search for the vendor alone.
     std::shared_ptr<HIDDevice> sensor();
-
-    std::unique_ptr<HIDContractBackend> m_backend = GetParam()();
 };
 
 } // namespace quorvane

@@ -11,7 +11,7 @@ namespace quorvane {
 
 namespace {
 
-class HidrawBackend final : public HIDContractBackend {
+class HidrawBackend final : public HIDBackend {
 public:
     HIDService& service() override { return m_hid; }
 
@@ -29,11 +29,7 @@ private:
     LinuxHID m_hid{m_noSysfs.path()};
 };
 
-std::unique_ptr<HIDContractBackend> makeHidrawBackend() {
-    return std::make_unique<HidrawBackend>();
-}
-
-INSTANTIATE_TEST_SUITE_P(LinuxHidraw, HIDContract, testing::Values(&makeHidrawBackend));
+INSTANTIATE_TEST_SUITE_P(LinuxHidraw, HIDContract, on<HidrawBackend>());
 
 } // namespace
 

@@ -8,7 +8,7 @@ namespace quorvane {
 
 namespace {
 
-class SimulatedBackend final : public HIDContractBackend {
+class SimulatedBackend final : public HIDBackend {
 public:
     SimulatedBackend() { m_device->setAngle(112U); }
 
@@ -29,7 +29,7 @@ private:
 };
 
 /// Industrial I/O needs no hardware, only its files.
-class IIOBackend final : public HIDContractBackend {
+class IIOBackend final : public HIDBackend {
 public:
     IIOBackend() {
         m_sysfs.write("bus/iio/devices/iio:device0/name", "cros-ec-lid-angle\n");
@@ -83,15 +83,10 @@ TEST_P(HIDMovedContract, ADeviceThatIsGoneFailsEveryLaterCall) {
     EXPECT_TRUE(devices({}, m_backend->vendorID()).empty());
 }
 
-template <typename Backend>
-std::unique_ptr<HIDContractBackend> make() {
-    return std::make_unique<Backend>();
-}
-
-INSTANTIATE_TEST_SUITE_P(Simulated, HIDContract, testing::Values(&make<SimulatedBackend>));
-INSTANTIATE_TEST_SUITE_P(LinuxIIO, HIDContract, testing::Values(&make<IIOBackend>));
-INSTANTIATE_TEST_SUITE_P(Simulated, HIDMovedContract, testing::Values(&make<SimulatedBackend>));
-INSTANTIATE_TEST_SUITE_P(LinuxIIO, HIDMovedContract, testing::Values(&make<IIOBackend>));
+INSTANTIATE_TEST_SUITE_P(Simulated, HIDContract, on<SimulatedBackend>());
+INSTANTIATE_TEST_SUITE_P(LinuxIIO, HIDContract, on<IIOBackend>());
+INSTANTIATE_TEST_SUITE_P(Simulated, HIDMovedContract, on<SimulatedBackend>());
+INSTANTIATE_TEST_SUITE_P(LinuxIIO, HIDMovedContract, on<IIOBackend>());
 
 } // namespace
 

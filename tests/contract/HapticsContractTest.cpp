@@ -4,10 +4,10 @@
 #include <stdexcept>
 #include <vector>
 
-#include "base/NonCopyable.h"
 #include "platform/linux/haptics/LinuxHaptics.h"
 #include "platform/simulated/SimulatedHaptics.h"
 #include "platform/simulated/SimulatedRunLoop.h"
+#include "tests/contract/Contract.h"
 #include "tests/support/FakeForceFeedback.h"
 #include "tests/support/QtApplication.h"
 #include "tests/support/Waiting.h"
@@ -18,10 +18,8 @@ namespace {
 
 using testing::ElementsAre;
 
-class HapticsContractBackend : NonCopyable {
+class HapticsBackend : public ContractBackend {
 public:
-    virtual ~HapticsContractBackend() = default;
-
     virtual HapticService& service() = 0;
     /// A performer whose pulses are felt from now on.
     virtual std::shared_ptr<HapticPerformer> readyPerformer() = 0;
@@ -29,7 +27,7 @@ public:
     virtual std::vector<HapticPattern> pulses() = 0;
 };
 
-class SimulatedBackend final : public HapticsContractBackend {
+class SimulatedBackend final : public HapticsBackend {
 public:
     HapticService& service() override { return m_haptics; }
 
@@ -50,7 +48,7 @@ private:
 };
 
 /// On a device that is not one of this machine's.
-class LinuxBackend final : public HapticsContractBackend {
+class LinuxBackend final : public HapticsBackend {
 public:
     LinuxBackend() {
         m_machine->plug({.node = {.node = "event0", .number = 0, .kind = HapticKind::Rumble}});
@@ -98,12 +96,7 @@ private:
     std::size_t m_before = 0;
 };
 
-using HapticsBackendMaker = std::unique_ptr<HapticsContractBackend> (*)();
-
-class HapticsContract : public testing::TestWithParam<HapticsBackendMaker> {
-protected:
-    std::unique_ptr<HapticsContractBackend> m_backend = GetParam()();
-};
+using HapticsContract = Contract<HapticsBackend>;
 
 TEST_P(HapticsContract, ThereIsAlwaysAPerformer) {
     EXPECT_NE(m_backend->service().defaultPerformer(), nullptr);
@@ -131,13 +124,8 @@ TEST_P(HapticsContract, EveryPerformerOfTheMomentIsTheSameDevices) {
                                                  HapticPattern::Alignment));
 }
 
-template <typename Backend>
-std::unique_ptr<HapticsContractBackend> make() {
-    return std::make_unique<Backend>();
-}
-
-INSTANTIATE_TEST_SUITE_P(Simulated, HapticsContract, testing::Values(&make<SimulatedBackend>));
-INSTANTIATE_TEST_SUITE_P(Linux, HapticsContract, testing::Values(&make<LinuxBackend>));
+INSTANTIATE_TEST_SUITE_P(Simulated, HapticsContract, on<SimulatedBackend>());
+INSTANTIATE_TEST_SUITE_P(Linux, HapticsContract, on<LinuxBackend>());
 
 } // namespace
 

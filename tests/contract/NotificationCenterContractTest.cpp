@@ -6,6 +6,7 @@
 
 #include "platform/InProcessNotificationCenter.h"
 #include "platform/linux/power/LinuxSleepNotifications.h"
+#include "tests/contract/Contract.h"
 #include "tests/support/QtApplication.h"
 
 namespace quorvane {
@@ -15,16 +16,13 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using CenterMaker = std::unique_ptr<NotificationCenter> (*)();
-
-class NotificationCenterContract : public testing::TestWithParam<CenterMaker> {
+class NotificationCenterContract : public Contract<NotificationCenter> {
 protected:
     NotificationCenter::Token observe(std::string_view name, const std::string& mark) {
-        return m_center->addObserver(name, [this, mark] { m_heard.push_back(mark); });
+        return m_backend->addObserver(name, [this, mark] { m_heard.push_back(mark); });
     }
 
     QtApplication m_application;
-    std::unique_ptr<NotificationCenter> m_center = GetParam()();
     std::vector<std::string> m_heard;
 };
 
@@ -32,14 +30,14 @@ TEST_P(NotificationCenterContract, ANoticeReachesItsObserversInTheOrderOfRegistr
     observe("a", "first");
     observe("b", "other");
     observe("a", "second");
-    m_center->post("a");
+    m_backend->post("a");
     EXPECT_THAT(m_heard, ElementsAre("first", "second"));
 }
 
 TEST_P(NotificationCenterContract, ANoticeThatNobodyObservesIsHarmless) {
-    m_center->post("a");
+    m_backend->post("a");
     observe("b", "other");
-    m_center->post("a");
+    m_backend->post("a");
     EXPECT_THAT(m_heard, IsEmpty());
 }
 
@@ -54,71 +52,63 @@ TEST_P(NotificationCenterContract, TokensDifferAndAreNeverZero) {
 TEST_P(NotificationCenterContract, ARemovedObserverHearsNothingMore) {
     const auto token = observe("a", "removed");
     observe("a", "kept");
-    m_center->removeObserver(token);
-    m_center->post("a");
+    m_backend->removeObserver(token);
+    m_backend->post("a");
     EXPECT_THAT(m_heard, ElementsAre("kept"));
 }
 
 TEST_P(NotificationCenterContract, RemovingAnUnknownTokenIsIgnored) {
     const auto token = observe("a", "gone");
     observe("a", "kept");
-    m_center->removeObserver(token);
-    m_center->removeObserver(token);
-    m_center->removeObserver(0);
-    m_center->removeObserver(token + 1000);
-    m_center->post("a");
+    m_backend->removeObserver(token);
+    m_backend->removeObserver(token);
+    m_backend->removeObserver(0);
+    m_backend->removeObserver(token + 1000);
+    m_backend->post("a");
     EXPECT_THAT(m_heard, ElementsAre("kept"));
 }
 
 TEST_P(NotificationCenterContract, ABlockMayRemoveItself) {
     NotificationCenter::Token token = 0;
-    token = m_center->addObserver("a", [&] {
+    token = m_backend->addObserver("a", [&] {
         m_heard.emplace_back("once");
-        m_center->removeObserver(token);
+        m_backend->removeObserver(token);
     });
-    m_center->post("a");
-    m_center->post("a");
+    m_backend->post("a");
+    m_backend->post("a");
     EXPECT_THAT(m_heard, ElementsAre("once"));
 }
 
 TEST_P(NotificationCenterContract, ABlockRemovedDuringANoticeDoesNotHearIt) {
     NotificationCenter::Token later = 0;
-    m_center->addObserver("a", [&] { m_center->removeObserver(later); });
+    m_backend->addObserver("a", [&] { m_backend->removeObserver(later); });
     later = observe("a", "later");
-    m_center->post("a");
+    m_backend->post("a");
     EXPECT_THAT(m_heard, IsEmpty());
 }
 
 TEST_P(NotificationCenterContract, ABlockAddedDuringANoticeHearsTheNextOne) {
     bool added = false;
-    m_center->addObserver("a", [&] {
+    m_backend->addObserver("a", [&] {
         if (!std::exchange(added, true))
             observe("a", "late");
     });
-    m_center->post("a");
+    m_backend->post("a");
     EXPECT_THAT(m_heard, IsEmpty());
-    m_center->post("a");
+    m_backend->post("a");
     EXPECT_THAT(m_heard, ElementsAre("late"));
 }
 
 TEST_P(NotificationCenterContract, AnObserverMayComeBackAfterTheLastOneLeft) {
-    m_center->removeObserver(observe("a", "before"));
+    m_backend->removeObserver(observe("a", "before"));
     observe("a", "after");
-    m_center->post("a");
+    m_backend->post("a");
     EXPECT_THAT(m_heard, ElementsAre("after"));
 }
 
-std::unique_ptr<NotificationCenter> makeInProcess() {
-    return std::make_unique<InProcessNotificationCenter>();
-}
-
-std::unique_ptr<NotificationCenter> makeWorkspaceWithoutBus() {
-    return std::make_unique<LinuxSleepNotifications>("unix:path=/nonexistent/bus");
-}
-
-INSTANTIATE_TEST_SUITE_P(InProcess, NotificationCenterContract, testing::Values(&makeInProcess));
+INSTANTIATE_TEST_SUITE_P(InProcess, NotificationCenterContract, on<InProcessNotificationCenter>());
 INSTANTIATE_TEST_SUITE_P(LinuxSleepNotifications, NotificationCenterContract,
-                         testing::Values(&makeWorkspaceWithoutBus));
+                         on<LinuxSleepNotifications>("unix:path=/nonexistent/bus"));
 
 } // namespace
 

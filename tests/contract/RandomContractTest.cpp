@@ -9,27 +9,23 @@
 #include "platform/linux/system/LinuxRandom.h"
 #include "platform/macos/MacRandom.h"
 #include "platform/simulated/SimulatedSystem.h"
+#include "tests/contract/Contract.h"
 
 namespace quorvane {
 
 namespace {
 
-using RandomMaker = std::unique_ptr<Random> (*)();
-
-class RandomContract : public testing::TestWithParam<RandomMaker> {
-protected:
-    std::unique_ptr<Random> m_random = GetParam()();
-};
+using RandomContract = Contract<Random>;
 
 TEST_P(RandomContract, ABoundOfZeroLeavesOnlyZero) {
     for (int draw = 0; draw < 100; ++draw)
-        EXPECT_EQ(m_random->uniform(0), 0U);
+        EXPECT_EQ(m_backend->uniform(0), 0U);
 }
 
 TEST_P(RandomContract, BothEndsAreDrawnAndNothingBeyond) {
     std::set<std::uint64_t> seen;
     for (int draw = 0; draw < 1000; ++draw)
-        seen.insert(m_random->uniform(4));
+        seen.insert(m_backend->uniform(4));
     EXPECT_EQ(seen, (std::set<std::uint64_t>{0, 1, 2, 3, 4}));
 }
 
@@ -39,7 +35,7 @@ TEST_P(RandomContract, EveryNumberIsEquallyLikely) {
     constexpr int draws = 50'000;
     std::array<int, kinds> counts{};
     for (int draw = 0; draw < draws; ++draw)
-        ++counts.at(m_random->uniform(kinds - 1));
+        ++counts.at(m_backend->uniform(kinds - 1));
     const double mean = static_cast<double>(draws) / kinds;
     // Seven standard deviations: an honest generator misses them once in 10^11 runs.
     const double slack = 7 * std::sqrt(mean * (1.0 - 1.0 / kinds));
@@ -53,7 +49,7 @@ TEST_P(RandomContract, LargeBoundsAreUnbiasedToo) {
     constexpr int draws = 30'000;
     std::array<int, 3> counts{};
     for (int draw = 0; draw < draws; ++draw)
-        ++counts.at(m_random->uniform(3 * third - 1) / third);
+        ++counts.at(m_backend->uniform(3 * third - 1) / third);
     const double mean = draws / 3.0;
     const double slack = 7 * std::sqrt(mean * 2.0 / 3.0);
     for (const int count : counts)
@@ -64,7 +60,7 @@ TEST_P(RandomContract, TheLargestBoundUsesAllBits) {
     std::uint64_t ones = 0;
     std::uint64_t zeros = 0;
     for (int draw = 0; draw < 200; ++draw) {
-        const std::uint64_t value = m_random->uniform(std::numeric_limits<std::uint64_t>::max());
+        const std::uint64_t value = m_backend->uniform(std::numeric_limits<std::uint64_t>::max());
         ones |= value;
         zeros |= ~value;
     }
@@ -72,14 +68,9 @@ TEST_P(RandomContract, TheLargestBoundUsesAllBits) {
     EXPECT_EQ(zeros, std::numeric_limits<std::uint64_t>::max());
 }
 
-template <typename Backend>
-std::unique_ptr<Random> make() {
-    return std::make_unique<Backend>();
-}
-
-INSTANTIATE_TEST_SUITE_P(Simulated, RandomContract, testing::Values(&make<SimulatedRandom>));
-INSTANTIATE_TEST_SUITE_P(Linux, RandomContract, testing::Values(&make<LinuxRandom>));
-INSTANTIATE_TEST_SUITE_P(Mac, RandomContract, testing::Values(&make<MacRandom>));
+INSTANTIATE_TEST_SUITE_P(Simulated, RandomContract, on<SimulatedRandom>());
+INSTANTIATE_TEST_SUITE_P(Linux, RandomContract, on<LinuxRandom>());
+INSTANTIATE_TEST_SUITE_P(Mac, RandomContract, on<MacRandom>());
 
 } // namespace
 

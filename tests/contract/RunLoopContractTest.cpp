@@ -1,28 +1,22 @@
-#include <QCoreApplication>
-#include <QEventLoop>
-#include <QTimer>
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <functional>
-#include <gtest/gtest.h>
 #include <memory>
-#include <string>
 #include <thread>
 #include <vector>
 
-#include "base/NonCopyable.h"
 #include "platform/linux/system/LinuxRunLoop.h"
 #include "platform/simulated/SimulatedRunLoop.h"
+#include "tests/contract/Contract.h"
+#include "tests/support/QtApplication.h"
+#include "tests/support/Waiting.h"
 
 namespace quorvane {
 namespace {
 
 /// A run loop and how time passes on it.
-class Backend : NonCopyable {
+class RunLoopBackend : public ContractBackend {
 public:
-    virtual ~Backend() = default;
-
     virtual RunLoop& runLoop() = 0;
     /// Lets time pass with the main thread at rest.
     virtual void rest(double seconds) = 0;
@@ -30,7 +24,7 @@ public:
     virtual void keepBusy(double seconds) = 0;
 };
 
-class SimulatedBackend final : public Backend {
+class SimulatedBackend final : public RunLoopBackend {
 public:
     RunLoop& runLoop() override { return m_runLoop; }
 
@@ -42,16 +36,13 @@ private:
     SimulatedRunLoop m_runLoop;
 };
 
-class LinuxBackend final : public Backend {
+class LinuxBackend final : public RunLoopBackend {
 public:
     RunLoop& runLoop() override { return m_runLoop; }
 
     void rest(double seconds) override {
-        QEventLoop loop;
-        // Up to the next whole millisecond, which is as fine as this timer gets.
-        QTimer::singleShot(std::chrono::milliseconds(std::lround(seconds * 1e3) + 1),
-                           Qt::PreciseTimer, &loop, &QEventLoop::quit);
-        loop.exec();
+        // Qt's timers are in whole milliseconds.
+        waitFor(std::chrono::milliseconds(std::lround(seconds * 1e3) + 1));
     }
 
     void keepBusy(double seconds) override {
@@ -59,35 +50,29 @@ public:
     }
 
 private:
-    int m_argumentCount = 1;
-    std::string m_name = "contract";
-    char* m_arguments = m_name.data();
-    QCoreApplication m_application{m_argumentCount, &m_arguments};
+    QtApplication m_application;
     LinuxRunLoop m_runLoop;
 };
 
-using SideFactory = std::function<std::unique_ptr<Backend>()>;
-
-class RunLoopContract : public testing::TestWithParam<std::pair<std::string, SideFactory>> {
+class RunLoopContract : public Contract<RunLoopBackend> {
 protected:
-    std::unique_ptr<Backend> backend = GetParam().second();
-    RunLoop& runLoop = backend->runLoop();
+    RunLoop& m_runLoop = m_backend->runLoop();
 };
 
 TEST_P(RunLoopContract, ARepeatingTimerFiresOnItsGridAndNeverDrifts) {
     constexpr double interval = 0.05;
-    const double start = runLoop.currentMediaTime();
+    const double start = m_runLoop.currentMediaTime();
     std::vector<double> lateness;
-    const auto timer = runLoop.scheduledTimer(interval, true, [&](Timer&) {
-        const double instant = runLoop.currentMediaTime() - start;
+    const auto timer = m_runLoop.scheduledTimer(interval, true, [&](Timer&) {
+        const double instant = m_runLoop.currentMediaTime() - start;
         EXPECT_GE(instant, static_cast<double>(lateness.size() + 1) * interval - 1e-6)
             << "firing " << lateness.size() + 1 << " is early";
         lateness.push_back(std::fmod(instant + 1e-6, interval));
         // A timer that goes on from the end of its block would be this much later each time.
-        backend->keepBusy(0.02);
+        m_backend->keepBusy(0.02);
     });
     while (lateness.size() < 10)
-        backend->rest(0.05);
+        m_backend->rest(0.05);
     timer->invalidate();
     // A busy machine may be late now and then, and a timer that drifts is on its grid now and then.
     const auto onTime = [](double late) { return late < 0.01; };
@@ -96,16 +81,16 @@ TEST_P(RunLoopContract, ARepeatingTimerFiresOnItsGridAndNeverDrifts) {
 
 TEST_P(RunLoopContract, FiringsThatABusyThreadMissedAreSkippedAndTheGridIsKept) {
     int firings = 0;
-    const double start = runLoop.currentMediaTime();
-    const auto timer = runLoop.scheduledTimer(0.1, true, [&](Timer&) { ++firings; });
-    backend->keepBusy(0.45);
+    const double start = m_runLoop.currentMediaTime();
+    const auto timer = m_runLoop.scheduledTimer(0.1, true, [&](Timer&) { ++firings; });
+    m_backend->keepBusy(0.45);
     EXPECT_EQ(firings, 0);
-    backend->rest(0.001);
+    m_backend->rest(0.001);
     EXPECT_EQ(firings, 1) << "four grid points passed, one firing makes up for them";
     // The next grid point is 0.5 s after the start, not 0.1 s after the late firing.
     while (firings < 2)
-        backend->rest(0.005);
-    const double next = runLoop.currentMediaTime();
+        m_backend->rest(0.005);
+    const double next = m_runLoop.currentMediaTime();
     EXPECT_GE(next, start + 0.5 - 1e-6);
     EXPECT_LT(next, start + 0.545);
     timer->invalidate();
@@ -114,12 +99,12 @@ TEST_P(RunLoopContract, FiringsThatABusyThreadMissedAreSkippedAndTheGridIsKept) 
 TEST_P(RunLoopContract, AOneShotTimerFiresOnceAndIsNoLongerValidInItsBlock) {
     int firings = 0;
     bool valid = true;
-    const auto timer = runLoop.scheduledTimer(0.01, false, [&](Timer& self) {
+    const auto timer = m_runLoop.scheduledTimer(0.01, false, [&](Timer& self) {
         ++firings;
         valid = self.isValid();
     });
     EXPECT_TRUE(timer->isValid());
-    backend->rest(0.06);
+    m_backend->rest(0.06);
     EXPECT_EQ(firings, 1);
     EXPECT_FALSE(valid);
     EXPECT_FALSE(timer->isValid());
@@ -127,12 +112,12 @@ TEST_P(RunLoopContract, AOneShotTimerFiresOnceAndIsNoLongerValidInItsBlock) {
 
 TEST_P(RunLoopContract, InvalidateWorksFromInsideTheTimersOwnBlock) {
     int firings = 0;
-    const auto timer = runLoop.scheduledTimer(0.01, true, [&](Timer& self) {
+    const auto timer = m_runLoop.scheduledTimer(0.01, true, [&](Timer& self) {
         ++firings;
         self.invalidate();
         self.invalidate();
     });
-    backend->rest(0.06);
+    m_backend->rest(0.06);
     EXPECT_EQ(firings, 1);
     EXPECT_FALSE(timer->isValid());
 }
@@ -140,88 +125,88 @@ TEST_P(RunLoopContract, InvalidateWorksFromInsideTheTimersOwnBlock) {
 TEST_P(RunLoopContract, ATimerCanInvalidateAnotherThatIsDueAtTheSameTime) {
     std::shared_ptr<Timer> second;
     int firings = 0;
-    runLoop.scheduledTimer(0.01, false, [&](Timer&) { second->invalidate(); });
-    second = runLoop.scheduledTimer(0.01, false, [&](Timer&) { ++firings; });
-    backend->keepBusy(0.02);
-    backend->rest(0.03);
+    m_runLoop.scheduledTimer(0.01, false, [&](Timer&) { second->invalidate(); });
+    second = m_runLoop.scheduledTimer(0.01, false, [&](Timer&) { ++firings; });
+    m_backend->keepBusy(0.02);
+    m_backend->rest(0.03);
     EXPECT_EQ(firings, 0);
 }
 
 TEST_P(RunLoopContract, AScheduledTimerLivesOnWhetherOrNotAnyoneHoldsIt) {
     int firings = 0;
-    std::shared_ptr<Timer> held = runLoop.scheduledTimer(0.01, true, [&](Timer&) { ++firings; });
-    held = runLoop.scheduledTimer(10, true, [](Timer&) {});
-    backend->rest(0.1);
+    std::shared_ptr<Timer> held = m_runLoop.scheduledTimer(0.01, true, [&](Timer&) { ++firings; });
+    held = m_runLoop.scheduledTimer(10, true, [](Timer&) {});
+    m_backend->rest(0.1);
     EXPECT_GE(firings, 3);
     held->invalidate();
 }
 
 TEST_P(RunLoopContract, ATimerMayScheduleAnotherFromItsBlock) {
     int firings = 0;
-    runLoop.scheduledTimer(0.01, false, [&](Timer&) {
-        runLoop.scheduledTimer(0.01, false, [&](Timer&) { ++firings; });
+    m_runLoop.scheduledTimer(0.01, false, [&](Timer&) {
+        m_runLoop.scheduledTimer(0.01, false, [&](Timer&) { ++firings; });
     });
-    backend->rest(0.08);
+    m_backend->rest(0.08);
     EXPECT_EQ(firings, 1);
 }
 
 TEST_P(RunLoopContract, DelayedBlocksRunOnceInTheOrderOfTheirDeadlines) {
     std::vector<int> order;
-    runLoop.asyncAfter(0.03, [&] { order.push_back(2); });
-    runLoop.asyncAfter(0.01, [&] { order.push_back(1); });
-    backend->rest(0.1);
+    m_runLoop.asyncAfter(0.03, [&] { order.push_back(2); });
+    m_runLoop.asyncAfter(0.01, [&] { order.push_back(1); });
+    m_backend->rest(0.1);
     EXPECT_EQ(order, (std::vector{1, 2}));
 }
 
 TEST_P(RunLoopContract, AnEarlierDeadlineDoesNotWaitForALaterOneThatWasThereFirst) {
     bool ran = false;
-    runLoop.asyncAfter(10, [] {});
-    runLoop.asyncAfter(0.01, [&] { ran = true; });
-    backend->rest(0.1);
+    m_runLoop.asyncAfter(10, [] {});
+    m_runLoop.asyncAfter(0.01, [&] { ran = true; });
+    m_backend->rest(0.1);
     EXPECT_TRUE(ran);
 }
 
 TEST_P(RunLoopContract, ABlockThatTakesLongerThanItsIntervalLeavesRoomForOthers) {
     int firings = 0;
-    const auto timer = runLoop.scheduledTimer(0.001, true, [&](Timer& self) {
-        backend->keepBusy(0.002);
+    const auto timer = m_runLoop.scheduledTimer(0.001, true, [&](Timer& self) {
+        m_backend->keepBusy(0.002);
         if (++firings == 100)
             self.invalidate();
     });
-    backend->rest(0.02);
+    m_backend->rest(0.02);
     EXPECT_LT(firings, 100);
     timer->invalidate();
 }
 
 TEST_P(RunLoopContract, NothingRunsEarly) {
-    const double start = runLoop.currentMediaTime();
+    const double start = m_runLoop.currentMediaTime();
     double ran = 0;
-    runLoop.asyncAfter(0.05, [&] { ran = runLoop.currentMediaTime(); });
-    backend->rest(0.1);
+    m_runLoop.asyncAfter(0.05, [&] { ran = m_runLoop.currentMediaTime(); });
+    m_backend->rest(0.1);
     EXPECT_GE(ran, start + 0.05 - 1e-9);
 }
 
 TEST_P(RunLoopContract, AsyncNeverRunsInsideTheCallAndKeepsItsOrder) {
     std::vector<int> order;
-    runLoop.async([&] {
+    m_runLoop.async([&] {
         order.push_back(1);
-        runLoop.async([&] { order.push_back(3); });
+        m_runLoop.async([&] { order.push_back(3); });
     });
-    runLoop.async([&] { order.push_back(2); });
+    m_runLoop.async([&] { order.push_back(2); });
     EXPECT_TRUE(order.empty());
-    backend->rest(0.02);
+    m_backend->rest(0.02);
     EXPECT_EQ(order, (std::vector{1, 2, 3}));
 }
 
 TEST_P(RunLoopContract, AsyncFromAnotherThreadRunsOnTheMainThread) {
-    EXPECT_TRUE(runLoop.isMainThread());
+    EXPECT_TRUE(m_runLoop.isMainThread());
     bool thereIsMain = true;
     bool blockIsMain = false;
     std::thread([&] {
-        thereIsMain = runLoop.isMainThread();
-        runLoop.async([&] { blockIsMain = runLoop.isMainThread(); });
+        thereIsMain = m_runLoop.isMainThread();
+        m_runLoop.async([&] { blockIsMain = m_runLoop.isMainThread(); });
     }).join();
-    backend->rest(0.02);
+    m_backend->rest(0.02);
     EXPECT_FALSE(thereIsMain);
     EXPECT_TRUE(blockIsMain);
 }
@@ -233,41 +218,35 @@ TEST_P(RunLoopContract, BlocksFromManyThreadsAllRun) {
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&] {
             for (int n = 0; n < perThread; ++n)
-                runLoop.async([&] { ++ran; });
+                m_runLoop.async([&] { ++ran; });
         });
     }
     for (auto& thread : threads)
         thread.join();
-    backend->rest(0.05);
+    m_backend->rest(0.05);
     EXPECT_EQ(ran, 4 * perThread);
 }
 
 TEST_P(RunLoopContract, BothClocksAdvanceWithTime) {
-    const double media = runLoop.currentMediaTime();
-    const double date = runLoop.currentDate();
-    backend->rest(0.05);
-    EXPECT_GE(runLoop.currentMediaTime() - media, 0.05);
-    EXPECT_NEAR(runLoop.currentDate() - date, runLoop.currentMediaTime() - media, 0.02);
+    const double media = m_runLoop.currentMediaTime();
+    const double date = m_runLoop.currentDate();
+    m_backend->rest(0.05);
+    EXPECT_GE(m_runLoop.currentMediaTime() - media, 0.05);
+    EXPECT_NEAR(m_runLoop.currentDate() - date, m_runLoop.currentMediaTime() - media, 0.02);
     EXPECT_GT(date, 1.6e9) << "seconds since 1970";
 }
 
 TEST_P(RunLoopContract, AnIntervalThatIsNotAboveZeroDoesNotTrapTheRunLoop) {
     int firings = 0;
-    const auto timer = runLoop.scheduledTimer(-1, true, [&](Timer&) { ++firings; });
-    backend->rest(0.02);
+    const auto timer = m_runLoop.scheduledTimer(-1, true, [&](Timer&) { ++firings; });
+    m_backend->rest(0.02);
     EXPECT_GT(firings, 0);
     EXPECT_LE(firings, 250);
     timer->invalidate();
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Backends, RunLoopContract,
-    testing::Values(
-        std::pair<std::string, SideFactory>("Simulated",
-                                            [] { return std::make_unique<SimulatedBackend>(); }),
-        std::pair<std::string, SideFactory>("Linux",
-                                            [] { return std::make_unique<LinuxBackend>(); })),
-    [](const auto& backend) { return backend.param.first; });
+INSTANTIATE_TEST_SUITE_P(Simulated, RunLoopContract, on<SimulatedBackend>());
+INSTANTIATE_TEST_SUITE_P(Linux, RunLoopContract, on<LinuxBackend>());
 
 } // namespace
 } // namespace quorvane

@@ -1,12 +1,8 @@
-#include <memory>
-#include <optional>
-#include <string>
-
 #include <gmock/gmock.h>
 
-#include "base/NonCopyable.h"
 #include "platform/linux/overlays/LinuxScreens.h"
 #include "platform/simulated/SimulatedScreens.h"
+#include "tests/contract/Contract.h"
 #include "tests/support/TestDesktop.h"
 #include "tests/support/Waiting.h"
 
@@ -17,16 +13,15 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// A machine with one screen of 1280 by 800, and what is to be seen on it.
-class Backend : NonCopyable {
+/// A machine with one screen of 1280 by 800.
+class ScreensBackend : public ContractBackend {
 public:
-    virtual ~Backend() = default;
     [[nodiscard]] virtual ScreenService& screens() = 0;
-    /// Of the panels that are up, the widths, the foremost last.
+    /// The widths of the panels that are up, the foremost last.
     [[nodiscard]] virtual std::vector<double> shownWidths() = 0;
 };
 
-class SimulatedBackend final : public Backend {
+class SimulatedBackend final : public ScreensBackend {
 public:
     SimulatedBackend() { m_screens.setMainScreen(Rect{.width = 1280, .height = 800}); }
 
@@ -43,7 +38,7 @@ private:
     SimulatedScreens m_screens;
 };
 
-class LinuxBackend final : public Backend {
+class LinuxBackend final : public ScreensBackend {
 public:
     [[nodiscard]] ScreenService& screens() override { return m_screens; }
 
@@ -60,15 +55,8 @@ private:
     LinuxScreens m_screens;
 };
 
-class ScreensContract : public testing::TestWithParam<std::string> {
+class ScreensContract : public Contract<ScreensBackend> {
 protected:
-    ScreensContract() {
-        if (GetParam() == "Linux")
-            m_backend = std::make_unique<LinuxBackend>();
-        else
-            m_backend = std::make_unique<SimulatedBackend>();
-    }
-
     std::shared_ptr<OverlayPanel> makePanel(double width) {
         auto panel = m_backend->screens().createPanel(
             {.x = 0, .y = 0, .width = width, .height = 100}, PanelStyle::nonactivatingPanel,
@@ -76,19 +64,17 @@ protected:
         panel->setLevel(PanelLevel::screenSaver);
         return panel;
     }
-
-    std::unique_ptr<Backend> m_backend;
 };
 
 } // namespace
 
-TEST_P(ScreensContract, mainScreenIsTheWholeScreen) {
+TEST_P(ScreensContract, MainScreenIsTheWholeScreen) {
     const auto screen = m_backend->screens().mainScreen();
     ASSERT_TRUE(screen);
     EXPECT_EQ(screen->frame(), (Rect{.width = 1280, .height = 800}));
 }
 
-TEST_P(ScreensContract, panelIsUpFromOrderingFrontToOrderingOut) {
+TEST_P(ScreensContract, PanelIsUpFromOrderingFrontToOrderingOut) {
     const auto panel = makePanel(300);
     EXPECT_THAT(m_backend->shownWidths(), IsEmpty());
     panel->orderFrontRegardless();
@@ -97,7 +83,7 @@ TEST_P(ScreensContract, panelIsUpFromOrderingFrontToOrderingOut) {
     EXPECT_THAT(m_backend->shownWidths(), IsEmpty());
 }
 
-TEST_P(ScreensContract, orderingFrontOrOutTwiceIsHarmless) {
+TEST_P(ScreensContract, OrderingFrontOrOutTwiceIsHarmless) {
     const auto panel = makePanel(300);
     panel->orderOut();
     panel->orderFrontRegardless();
@@ -108,17 +94,17 @@ TEST_P(ScreensContract, orderingFrontOrOutTwiceIsHarmless) {
     EXPECT_THAT(m_backend->shownWidths(), IsEmpty());
 }
 
-TEST_P(ScreensContract, panelThatNobodyHoldsStaysUp) {
+TEST_P(ScreensContract, PanelThatNobodyHoldsStaysUp) {
     makePanel(300)->orderFrontRegardless();
     EXPECT_THAT(m_backend->shownWidths(), ElementsAre(300));
 }
 
-TEST_P(ScreensContract, panelThatIsLetGoOfUnshownIsNeverSeen) {
+TEST_P(ScreensContract, PanelThatIsLetGoOfUnshownIsNeverSeen) {
     makePanel(300).reset();
     EXPECT_THAT(m_backend->shownWidths(), IsEmpty());
 }
 
-TEST_P(ScreensContract, panelThatIsOrderedFrontLaterIsOnTop) {
+TEST_P(ScreensContract, PanelThatIsOrderedFrontLaterIsOnTop) {
     const auto one = makePanel(300);
     const auto other = makePanel(400);
     one->orderFrontRegardless();
@@ -128,14 +114,14 @@ TEST_P(ScreensContract, panelThatIsOrderedFrontLaterIsOnTop) {
     EXPECT_THAT(m_backend->shownWidths(), ElementsAre(400, 300));
 }
 
-TEST_P(ScreensContract, frameChangesWhileThePanelIsUp) {
+TEST_P(ScreensContract, FrameChangesWhileThePanelIsUp) {
     const auto panel = makePanel(300);
     panel->orderFrontRegardless();
     panel->setFrame({.x = 0, .y = 0, .width = 500, .height = 100}, true);
     EXPECT_THAT(m_backend->shownWidths(), ElementsAre(500));
 }
 
-INSTANTIATE_TEST_SUITE_P(Backends, ScreensContract, testing::Values("Simulated", "Linux"),
-                         [](const auto& backend) { return backend.param; });
+INSTANTIATE_TEST_SUITE_P(Simulated, ScreensContract, on<SimulatedBackend>());
+INSTANTIATE_TEST_SUITE_P(Linux, ScreensContract, on<LinuxBackend>());
 
 } // namespace quorvane

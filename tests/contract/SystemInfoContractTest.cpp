@@ -1,10 +1,7 @@
-#include <gtest/gtest.h>
-#include <memory>
-
-#include "base/NonCopyable.h"
 #include "platform/linux/system/LinuxSystemInfo.h"
 #include "platform/macos/MacSystemInfo.h"
 #include "platform/simulated/SimulatedSystem.h"
+#include "tests/contract/Contract.h"
 #include "tests/macos/FakeMachine.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -12,15 +9,13 @@ namespace quorvane {
 
 namespace {
 
-class SystemInfoContractBackend : NonCopyable {
+class SystemInfoBackend : public ContractBackend {
 public:
-    virtual ~SystemInfoContractBackend() = default;
-
     virtual SystemInfo& info() = 0;
     virtual void setModel(const std::string& model) = 0;
 };
 
-class SimulatedBackend final : public SystemInfoContractBackend {
+class SimulatedBackend final : public SystemInfoBackend {
 public:
     SystemInfo& info() override { return m_info; }
 
@@ -30,7 +25,7 @@ private:
     SimulatedSystemInfo m_info;
 };
 
-class LinuxBackend final : public SystemInfoContractBackend {
+class LinuxBackend final : public SystemInfoBackend {
 public:
     SystemInfo& info() override { return m_info; }
 
@@ -43,7 +38,7 @@ private:
     LinuxSystemInfo m_info{m_root.path()};
 };
 
-class MacBackend final : public SystemInfoContractBackend {
+class MacBackend final : public SystemInfoBackend {
 public:
     SystemInfo& info() override { return m_info; }
 
@@ -54,12 +49,7 @@ private:
     MacSystemInfo m_info;
 };
 
-using SystemInfoBackendMaker = std::unique_ptr<SystemInfoContractBackend> (*)();
-
-class SystemInfoContract : public testing::TestWithParam<SystemInfoBackendMaker> {
-protected:
-    std::unique_ptr<SystemInfoContractBackend> m_backend = GetParam()();
-};
+using SystemInfoContract = Contract<SystemInfoBackend>;
 
 TEST_P(SystemInfoContract, AModelThatIsNotKnownIsEmpty) {
     EXPECT_EQ(m_backend->info().modelName(), "");
@@ -70,14 +60,9 @@ TEST_P(SystemInfoContract, TheModelIsTheMakersName) {
     EXPECT_EQ(m_backend->info().modelName(), "MacBookPro18,3");
 }
 
-template <typename Backend>
-std::unique_ptr<SystemInfoContractBackend> make() {
-    return std::make_unique<Backend>();
-}
-
-INSTANTIATE_TEST_SUITE_P(Simulated, SystemInfoContract, testing::Values(&make<SimulatedBackend>));
-INSTANTIATE_TEST_SUITE_P(Linux, SystemInfoContract, testing::Values(&make<LinuxBackend>));
-INSTANTIATE_TEST_SUITE_P(MacFake, SystemInfoContract, testing::Values(&make<MacBackend>));
+INSTANTIATE_TEST_SUITE_P(Simulated, SystemInfoContract, on<SimulatedBackend>());
+INSTANTIATE_TEST_SUITE_P(Linux, SystemInfoContract, on<LinuxBackend>());
+INSTANTIATE_TEST_SUITE_P(MacFake, SystemInfoContract, on<MacBackend>());
 
 } // namespace
 

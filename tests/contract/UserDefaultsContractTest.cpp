@@ -1,26 +1,21 @@
-#include <gtest/gtest.h>
-#include <memory>
-
-#include "base/NonCopyable.h"
 #include "platform/linux/system/LinuxUserDefaults.h"
 #include "platform/simulated/SimulatedSystem.h"
+#include "tests/contract/Contract.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quorvane {
 
 namespace {
 
-class UserDefaultsContractBackend : NonCopyable {
+class UserDefaultsBackend : public ContractBackend {
 public:
-    virtual ~UserDefaultsContractBackend() = default;
-
     virtual UserDefaults& defaults() = 0;
 
     /// A new start of the program.
     virtual void relaunch() {}
 };
 
-class SimulatedBackend final : public UserDefaultsContractBackend {
+class SimulatedBackend final : public UserDefaultsBackend {
 public:
     UserDefaults& defaults() override { return m_defaults; }
 
@@ -29,7 +24,7 @@ private:
     SimulatedUserDefaults m_defaults;
 };
 
-class LinuxBackend final : public UserDefaultsContractBackend {
+class LinuxBackend final : public UserDefaultsBackend {
 public:
     UserDefaults& defaults() override { return *m_defaults; }
 
@@ -44,12 +39,7 @@ private:
     std::unique_ptr<LinuxUserDefaults> m_defaults = make();
 };
 
-using UserDefaultsBackendMaker = std::unique_ptr<UserDefaultsContractBackend> (*)();
-
-class UserDefaultsContract : public testing::TestWithParam<UserDefaultsBackendMaker> {
-protected:
-    std::unique_ptr<UserDefaultsContractBackend> m_backend = GetParam()();
-};
+using UserDefaultsContract = Contract<UserDefaultsBackend>;
 
 TEST_P(UserDefaultsContract, AKeyThatWasNeverSetIsFalse) {
     EXPECT_FALSE(m_backend->defaults().boolForKey("hardwareChecked"));
@@ -79,13 +69,8 @@ TEST_P(UserDefaultsContract, AValueOutlivesTheProgram) {
     EXPECT_FALSE(m_backend->defaults().boolForKey("hardwareChecked"));
 }
 
-template <typename Backend>
-std::unique_ptr<UserDefaultsContractBackend> make() {
-    return std::make_unique<Backend>();
-}
-
-INSTANTIATE_TEST_SUITE_P(Simulated, UserDefaultsContract, testing::Values(&make<SimulatedBackend>));
-INSTANTIATE_TEST_SUITE_P(Linux, UserDefaultsContract, testing::Values(&make<LinuxBackend>));
+INSTANTIATE_TEST_SUITE_P(Simulated, UserDefaultsContract, on<SimulatedBackend>());
+INSTANTIATE_TEST_SUITE_P(Linux, UserDefaultsContract, on<LinuxBackend>());
 
 } // namespace
 

@@ -6,7 +6,7 @@ namespace quorvane {
 
 namespace {
 
-class MacBackend final : public EventTapContractBackend {
+class MacBackend final : public EventTapBackend {
 public:
     EventTapService& service() override { return m_taps; }
 
@@ -29,11 +29,7 @@ private:
     MacEventTapService m_taps;
 };
 
-std::unique_ptr<EventTapContractBackend> makeMac() {
-    return std::make_unique<MacBackend>();
-}
-
-INSTANTIATE_TEST_SUITE_P(MacFake, EventTapContract, testing::Values(&makeMac));
+INSTANTIATE_TEST_SUITE_P(MacFake, EventTapContract, on<MacBackend>());
 
 } // namespace
 

@@ -6,7 +6,7 @@ namespace quorvane {
 
 namespace {
 
-class MacBackend final : public HIDContractBackend {
+class MacBackend final : public HIDBackend {
 public:
     MacBackend() {
         // Another of the maker's devices, ahead of the sensor.
@@ -39,11 +39,7 @@ private:
     MacHID m_hid;
 };
 
-std::unique_ptr<HIDContractBackend> makeMac() {
-    return std::make_unique<MacBackend>();
-}
-
-INSTANTIATE_TEST_SUITE_P(MacFake, HIDContract, testing::Values(&makeMac));
+INSTANTIATE_TEST_SUITE_P(MacFake, HIDContract, on<MacBackend>());
 
 } // namespace
 

@@ -4,17 +4,14 @@
 #include <memory>
 #include <vector>
 
-#include "base/NonCopyable.h"
 #include "platform/Audio.h"
+#include "tests/contract/Contract.h"
 
 namespace quorvane {
 
-/// One implementation of sound, as the contract's cases need it: a service, a way to let time pass,
-/// and a hand on the output device and on the files.
-class AudioContractBackend : NonCopyable {
+/// An implementation of sound whose clock, output device and files the test controls.
+class AudioBackend : public ContractBackend {
 public:
-    virtual ~AudioContractBackend() = default;
-
     virtual AudioService& service() = 0;
     virtual void pass(double seconds) = 0;
     /// Seconds on the clock that `pass` moves.
@@ -43,9 +40,9 @@ public:
     [[nodiscard]] virtual std::vector<float> finishRecording() = 0;
 };
 
-std::unique_ptr<AudioContractBackend> makeSimulatedAudioBackend();
-std::unique_ptr<AudioContractBackend> makeLinuxAudioBackend();
+std::unique_ptr<AudioBackend> makeSimulatedAudioBackend();
+std::unique_ptr<AudioBackend> makeLinuxAudioBackend();
 /// With a long buffer that a busy machine does not run dry: for what sounds, not when.
-std::unique_ptr<AudioContractBackend> makeSteadyLinuxAudioBackend();
+std::unique_ptr<AudioBackend> makeSteadyLinuxAudioBackend();
 
 } // namespace quorvane
