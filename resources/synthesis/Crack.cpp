@@ -3,16 +3,16 @@
 //
 // Two things sound when a key goes down on a keyboard that is about to break, almost at once:
 //
-// - The plastic of the cap cracks. A brittle fracture is an avalanche of small breaks. Their
-// energies
-//   follow a power law, as P. A. Houle and J. P. Sethna measured on crumpling sheets ("Acoustic
-//   emission from crumpling paper", Physical Review E 54, 1996); F. Fontana and R. Bresin used it
-//   for synthesis in "Physics-based sound synthesis and control: crushing, walking and running by
-//   crumpling sounds" (Colloquium on Musical Informatics, 2003). Breaks come densest at the main
-//   one and thin out as the stress is gone. Each frees a splinter that rings as a bar clamped at
-//   one end does: the longer, the lower, the longer in time and the louder. Adding such small
-//   damped voices is P. R. Cook's "Physically informed sonic modeling (PhISM)" (Computer Music
-//   Journal 21, 1997).
+// - The plastic of the cap cracks. A brittle fracture is an avalanche of small breaks whose
+//   energies follow a power law, as P. A. Houle and J. P. Sethna measured on crumpling sheets
+//   ("Acoustic emission from crumpling paper", Physical Review E 54, 1996); F. Fontana and
+//   R. Bresin used it for synthesis in "Physics-based sound synthesis and control: crushing,
+//   walking and running by crumpling sounds" (Colloquium on Musical Informatics, 2003). Breaks come
+//   densest at the main one and thin out as the stress is gone. Each frees a splinter that rings as
+//   a bar clamped at one end does: the longer, the lower, the longer in time and the louder. Adding
+//   such small damped voices is P. R. Cook's "Physically informed sonic modeling (PhISM)" (Computer
+//   Music Journal 21, 1997).
+//
 // - The key bottoms out. The cap hits the base plate; the force of the contact follows the
 //   non-linear, lossy spring of K. H. Hunt and F. R. E. Crossley, "Coefficient of restitution
 //   interpreted as damping in vibroimpact" (Journal of Applied Mechanics 42, 1975), and drives the

@@ -8,6 +8,7 @@
 // - Friction.h is the contact, dragged at the speed of a hand: slow for groans whose slips can be
 //   counted, fast for chirps whose slips melt into a tone that glides. Patches of rust make both
 //   irregular.
+//
 // - The body is a bank of modes driven by the contact's force, as in F. Avanzini, S. Serafin and
 //   D. Rocchesso, "Interactive simulation of rigid body interaction with friction-induced sound
 //   generation", IEEE Transactions on Speech and Audio Processing 13 (2005). The lid rings low and

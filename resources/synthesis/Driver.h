@@ -8,7 +8,7 @@
 
 namespace quorvane::synthesis {
 
-/// Who starts an engine that is past it: the hand at the key, and what the carburettor makes of it.
+/// Starts a worn-out engine: when the key is turned, and how much of each charge lights.
 class Driver {
 public:
     explicit Driver(RandomGenerator& random) : m_random(random) {}

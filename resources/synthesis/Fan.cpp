@@ -4,8 +4,8 @@
 // fans: a literature survey", Journal of Sound and Vibration 45 (1976):
 //
 // - Rotation. Every blade that passes the cutoff of the scroll strikes it with a puff of air: a
-// line
-//   at blades times revolutions a second, and its harmonics.
+//   line at blades times revolutions a second, and its harmonics.
+//
 // - Turbulence. Vortices that the blades shed make broad noise, the louder the faster the air, and
 //   unsteady at the rate at which each blade passes. The slots of the case shape it.
 //

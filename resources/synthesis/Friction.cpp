@@ -19,14 +19,15 @@ constexpr double bristleDamping = 0.8;
 constexpr double grease = 60;
 /// The share of their limit up to which bristles bend without giving way at all.
 constexpr double elastic = 0.8;
-/// Surfaces that have slid over this length have forgotten their rest, and regain it in this time.
+/// The extra friction of surfaces that have rested is lost over this length of sliding, and
+/// regained in this time.
 constexpr double forgetting = 0.15;
 constexpr double restTime = 0.006;
 constexpr double restGain = 0.3;
 
-// Stick and slip is chaotic: whatever differs in the last bit is another creak a moment later. So
-// nothing here is asked of the mathematical library, which rounds by the processor's abilities, but
-// what every processor rounds alike: sums, products, quotients and square roots.
+// Stick and slip is chaotic: a difference in the last bit makes another creak a moment later. So
+// this uses only what every processor rounds alike (sums, products, quotients, square roots), and
+// not the mathematical library, whose rounding depends on the processor.
 
 double square(double x) {
     return x * x;

@@ -6,8 +6,8 @@
 
 namespace quorvane::synthesis {
 
-/// RandomGenerator that are the same with every standard library: its engines are laid down to the
-/// bit, its distributions are not.
+/// The same numbers with every standard library: the standard defines the engines to the bit, but
+/// not the distributions.
 class RandomGenerator {
 public:
     explicit RandomGenerator(std::uint64_t seed) : m_engine(seed) {}

@@ -9,15 +9,17 @@
 //
 // - exhaust: the gas that bursts out when a valve opens, and the rest that the piston drives out,
 //   through a pipe open at one end: a waveguide with an inverting, dulling reflection;
+//
 // - intake: noise of the air drawn in, coloured by the manifold, lower the slower; a weak charge
-// still
-//   burns when the intake opens, and spits back through it: a cough;
+//   still burns when the intake opens, and spits back through it: a cough;
+//
 // - block: the blow of a charge that lights and the valves that hit their seats, through modes; gas
 //   that hisses past worn rings; sheet metal that rattles when the engine shakes in its mounts;
+//
 // - starter: its relay, the mesh of pinion and ring and the whine of the armature, in step with the
 //   crank and the louder the harder it is braked; let go of, it runs down by itself.
 //
-// It plays above a rumble of 12 to 50 Hz and leaves that octave to it.
+// It leaves 12 to 50 Hz to the rumble that the program plays beneath it.
 //
 // To be seen: the whine's lines that bend at every compression; coughs as short walls; strokes in
 // pairs while it idles; the last swing back and a hiss.
@@ -211,7 +213,7 @@ Sound makeTractor() {
         const double mix = 1.7 * exhaust.next(engine, random) + 0.5 * intake.next(engine, random) +
                            0.15 * block.next(engine, cranking, random) +
                            0.07 * starter.next(engine, cranking, random);
-        // As close as this, it is too loud for what hears it.
+        // Overdriven, as a recording from close by.
         sound[i] = std::tanh(1.7 * floor.next(mix));
     }
     fadeOut(sound);
