@@ -6,19 +6,13 @@
 #include <utility>
 #include <vector>
 
+#include "platform/linux/common/ReleasedBy.h"
+
 namespace quorvane {
 
-template <auto Release>
-struct UdevRelease {
-    template <typename Handle>
-    void operator()(Handle* handle) const {
-        Release(handle);
-    }
-};
-
-using UdevContext = std::unique_ptr<udev, UdevRelease<udev_unref>>;
-using UdevEnumeration = std::unique_ptr<udev_enumerate, UdevRelease<udev_enumerate_unref>>;
-using UdevDevice = std::unique_ptr<udev_device, UdevRelease<udev_device_unref>>;
+using UdevContext = std::unique_ptr<udev, ReleasedBy<udev_unref>>;
+using UdevEnumeration = std::unique_ptr<udev_enumerate, ReleasedBy<udev_enumerate_unref>>;
+using UdevDevice = std::unique_ptr<udev_device, ReleasedBy<udev_device_unref>>;
 
 /// Runs an enumeration whose matches are set, and calls `visit` with each device that still exists.
 template <typename Visit>

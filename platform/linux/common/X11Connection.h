@@ -9,16 +9,12 @@
 #include <xcb/xcb.h>
 
 #include "base/NonCopyable.h"
+#include "platform/linux/common/ReleasedBy.h"
 
 namespace quorvane {
 
-struct FreeReply {
-    void operator()(void* reply) const { std::free(reply); } // NOLINT: xcb uses malloc.
-};
-
-/// An xcb reply, released with free().
 template <class Reply>
-using XcbReply = std::unique_ptr<Reply, FreeReply>;
+using XcbReply = std::unique_ptr<Reply, ReleasedBy<std::free>>;
 
 /// The event's type, without the bit that marks an event sent by another client.
 [[nodiscard]] inline int eventType(const xcb_generic_event_t& event) {

@@ -9,6 +9,8 @@
 #include <set>
 #include <system_error>
 
+#include "platform/linux/common/ReleasedBy.h"
+
 namespace quorvane {
 
 namespace {
@@ -18,22 +20,10 @@ namespace fs = std::filesystem;
 constexpr std::string_view ownName = "quorvane.desktop";
 constexpr const char* group = G_KEY_FILE_DESKTOP_GROUP;
 
-struct KeyFileRelease {
-    void operator()(GKeyFile* file) const { g_key_file_unref(file); }
-};
-
-struct StringsRelease {
-    void operator()(gchar** strings) const { g_strfreev(strings); }
-};
-
-struct StringRelease {
-    void operator()(gchar* string) const { g_free(string); }
-};
-
-using KeyFile = std::unique_ptr<GKeyFile, KeyFileRelease>;
-using String = std::unique_ptr<gchar, StringRelease>;
+using KeyFile = std::unique_ptr<GKeyFile, ReleasedBy<g_key_file_unref>>;
+using String = std::unique_ptr<gchar, ReleasedBy<g_free>>;
 // NOLINTNEXTLINE(modernize-avoid-c-arrays): GLib's type.
-using Strings = std::unique_ptr<gchar*[], StringsRelease>;
+using Strings = std::unique_ptr<gchar*[], ReleasedBy<g_strfreev>>;
 
 std::string variable(const char* name, const char* otherwise) {
     return qEnvironmentVariableIsEmpty(name) ? otherwise : qgetenv(name).toStdString();

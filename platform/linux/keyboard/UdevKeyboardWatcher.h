@@ -11,7 +11,7 @@
 
 namespace quorvane {
 
-using UdevMonitor = std::unique_ptr<udev_monitor, UdevRelease<udev_monitor_unref>>;
+using UdevMonitor = std::unique_ptr<udev_monitor, ReleasedBy<udev_monitor_unref>>;
 
 /// The keyboards that udev lists. udev reports devices; permission changes come from inotify.
 class UdevKeyboardWatcher final : public KeyboardWatcher {
