@@ -1,9 +1,9 @@
-// What becomes of listening to the keyboards on this machine, for a user who may lack the right to.
+// Listens to the keyboards of this machine, as a user who may lack the right to.
 //
-//     keyboard_probe effect    arms the keyboard effect, and tells what it asks and what it is
-//     keyboard_probe tap       opens a tap, and tells of every key that goes down
+//     keyboard_probe effect    starts the keyboard effect, prints its questions and states
+//     keyboard_probe tap       opens a tap, prints a line for each key that goes down
 //
-// Ends with standard input.
+// Ends when standard input does.
 
 #include <QCoreApplication>
 #include <QSocketNotifier>
@@ -19,25 +19,25 @@ namespace quorvane {
 
 namespace {
 
-void tell(std::string_view what, bool answer) {
-    std::cout << what << (answer ? " yes" : " no") << std::endl;
+void print(std::string_view what, bool result) {
+    std::cout << what << (result ? " yes" : " no") << std::endl;
 }
 
-/// The machine's own, telling of every question.
-class OverheardAccessibility final : public Accessibility {
+/// The machine's own, printing each result.
+class PrintingAccessibility final : public Accessibility {
 public:
-    explicit OverheardAccessibility(Accessibility& real) : m_real(real) {}
+    explicit PrintingAccessibility(Accessibility& real) : m_real(real) {}
 
     [[nodiscard]] bool isProcessTrusted() const override {
-        const bool answer = m_real.isProcessTrusted();
-        tell("trusted", answer);
-        return answer;
+        const bool result = m_real.isProcessTrusted();
+        print("trusted", result);
+        return result;
     }
 
     bool isProcessTrustedWithOptions(bool prompt) override {
-        const bool answer = m_real.isProcessTrustedWithOptions(prompt);
-        tell(prompt ? "trusted, with a prompt" : "trusted, without a prompt", answer);
-        return answer;
+        const bool result = m_real.isProcessTrustedWithOptions(prompt);
+        print(prompt ? "trusted, with a prompt" : "trusted, without a prompt", result);
+        return result;
     }
 
 private:
@@ -51,15 +51,16 @@ void runUntilInputEnds() {
 }
 
 int probeEffect(const Platform& platform) {
-    OverheardAccessibility accessibility(platform.accessibility);
+    PrintingAccessibility accessibility(platform.accessibility);
     const auto manager =
         KeyboardCrackManager::create(exchange(platform, {.accessibility = &accessibility}));
-    const auto told = manager->isActive().observe([&] { tell("active", manager->isActive()); });
+    const auto observation =
+        manager->isActive().observe([&] { print("active", manager->isActive()); });
     manager->start();
     std::cout << "started" << std::endl;
     runUntilInputEnds();
-    tell("at the end active", manager->isActive());
-    tell("at the end permitted", *manager->hasPermission());
+    print("at the end active", manager->isActive());
+    print("at the end permitted", *manager->hasPermission());
     return 0;
 }
 
@@ -72,7 +73,7 @@ int probeTap(EventTapService& taps) {
     const auto tap =
         taps.createTap(TapLocation::Session, TapPlacement::HeadInsert, TapOptions::ListenOnly,
                        tapEventMask(TapEventType::KeyDown), &hear);
-    tell("tap", tap != nullptr);
+    print("tap", tap != nullptr);
     if (!tap)
         return 1;
     const auto source = tap->createRunLoopSource(0);

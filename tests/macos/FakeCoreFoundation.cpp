@@ -31,7 +31,7 @@ struct Truth final : Object {
 };
 
 String& constantString(const std::string& text) {
-    // Never destroyed, as what is in it is not.
+    // Never destroyed, like the constants in it.
     static auto& strings = *new std::map<std::string, String*>;
     String*& string = strings[text];
     if (!string)

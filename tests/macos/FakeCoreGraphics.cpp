@@ -14,12 +14,12 @@ struct Event final : Object {
     std::int64_t autorepeat = 0;
 };
 
-// Those that are there.
+// The existing ones.
 std::vector<MachPort*> ports;
 int delivered = 0;
 
 bool hears(const MachPort& port, std::uint32_t eventType) {
-    // Notices to the tap itself come whatever it is interested in.
+    // Events about the tap itself ignore its mask.
     const bool notice = eventType >= kCGEventTapDisabledByTimeout;
     if (!port.valid || !port.enabled)
         return false;
@@ -102,7 +102,7 @@ void CGEventTapEnable(CFMachPortRef tap, bool enable) {
 std::int64_t CGEventGetIntegerValueField(CGEventRef event, CGEventField field) {
     const auto* known = checked<Event>(event, "CGEventGetIntegerValueField");
     if (field != kCGKeyboardEventAutorepeat)
-        mistake("CGEventGetIntegerValueField", "what is nobody's business");
+        mistake("CGEventGetIntegerValueField", "a field other than the repeat");
     return known ? known->autorepeat : 0;
 }
 

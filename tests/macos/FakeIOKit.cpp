@@ -23,7 +23,7 @@ struct DeviceObject final : Object {
     [[nodiscard]] std::string type() const override { return "IOHIDDevice"; }
 
     std::shared_ptr<Device> device;
-    // Kept by the device, as the system does.
+    // Owned by the device, as in the system.
     std::map<std::string, Object*> properties;
 };
 
@@ -115,7 +115,7 @@ IOReturn IOHIDDeviceOpen(IOHIDDeviceRef device, IOOptionBits options) {
     return known && known->device->pluggedIn ? known->device->openResult : noDevice;
 }
 
-// The real one reads a device that its manager has opened too, whoever asks.
+// As the real one, also reads a device that only its manager has opened.
 IOReturn IOHIDDeviceGetReport(IOHIDDeviceRef device, IOHIDReportType type, CFIndex reportID,
                               std::uint8_t* report, CFIndex* length) {
     call("IOHIDDeviceGetReport(" + std::to_string(type) + ", " + std::to_string(reportID) + ", " +
@@ -126,7 +126,7 @@ IOReturn IOHIDDeviceGetReport(IOHIDDeviceRef device, IOHIDReportType type, CFInd
     if (type != kIOHIDReportTypeFeature || reportID != 1)
         return unsupported;
     if (known->device->readResult != kIOReturnSuccess) {
-        // What the real one leaves there is not said.
+        // The real value is not documented.
         *length = 0;
         return known->device->readResult;
     }

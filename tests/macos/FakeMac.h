@@ -10,12 +10,12 @@
 
 #include "base/NonCopyable.h"
 
-/// A scripted stand-in of the C functions of macOS that platform/macos calls: reference counts and
-/// run loops of Core Foundation, HID devices, event taps, the trust and the model. It is one
-/// machine a process; a test resets it, scripts it, and asks what was called and what is left.
+/// Fakes of the C functions of macOS that platform/macos calls: reference counts and run loops of
+/// Core Foundation, HID devices, event taps, the trust and the model. There is one machine in a
+/// process. A test resets it, scripts it, and looks at what was called and what is left.
 namespace quorvane::fakes {
 
-/// What a CF type reference points to here.
+/// The target of a CF type reference.
 struct Object : private NonCopyable {
     Object();
     virtual ~Object();
@@ -27,7 +27,7 @@ struct Object : private NonCopyable {
     [[nodiscard]] virtual std::string description() const { return type(); }
 
     int retains = 1;
-    /// Constants: retained and released at will, and not counted as left over.
+    /// For constants: never freed, and not counted as left over.
     bool immortal = false;
 };
 
@@ -38,57 +38,57 @@ struct Device {
     /// Feature report 1, its ID included.
     std::vector<std::uint8_t> report{};
     int openResult = 0;
-    /// Not zero: what reading fails with.
+    /// The error of each reading, unless 0.
     int readResult = 0;
     bool pluggedIn = true;
 };
 
-/// The machine, and what has been asked of it.
+/// The machine, and the calls made to it.
 struct Machine {
     std::vector<std::shared_ptr<Device>> devices;
     int managerOpenResult = 0;
-    /// Managers give no set at all, rather than an empty one.
+    /// Managers return null instead of an empty set.
     bool noDeviceSet = false;
 
     std::string model;
     bool trusted = false;
-    /// How often a person was asked for their trust.
+    /// How often the user was asked for trust.
     int prompts = 0;
 
     bool tapsCanBeMade = true;
     bool tapSourcesCanBeMade = true;
 
-    /// Every call worth telling of, with its arguments, in order.
+    /// The calls that tests look at, with their arguments, in order.
     std::vector<std::string> calls;
-    /// Uses of objects that are gone, and others that the real functions would crash on.
+    /// Uses of freed objects, and others on which the real functions would crash.
     std::vector<std::string> mistakes;
 };
 
 [[nodiscard]] Machine& machine();
 
-/// A machine as new, with nothing counted.
+/// Starts with a new machine.
 void reset();
 
-/// The types of the objects that somebody still holds a reference to, sorted.
+/// The types of the objects that are still referenced, sorted.
 [[nodiscard]] std::vector<std::string> leftOver();
 
-/// Sends an event of the keyboard, or a notice (types of CGEventType), through the taps that hear
-/// it now. True if every callback gave back the event that it was given.
+/// Sends an event (a CGEventType) through the taps that would get it now. True if every callback
+/// returned the event that it was given.
 bool deliver(std::uint32_t eventType, std::int64_t autorepeat);
 
 /// How many events have been delivered to a callback, and how many taps' ports are open.
 [[nodiscard]] int deliveries();
 [[nodiscard]] int openTaps();
 
-// For the stand-in's own files.
+// For the fakes themselves.
 
-/// The object of a reference; none, and a mistake, if it is not there.
+/// The object of a reference; null, and a mistake, if it is freed.
 Object* find(const void* reference, const char* caller);
 void mistake(const char* caller, const std::string& what);
 void call(const std::string& what);
 [[nodiscard]] std::string describe(const void* reference);
 
-/// The object of a reference, if it is of that type and still there; a mistake otherwise.
+/// The object of a reference; null, and a mistake, if it is freed or of another type.
 template <typename Type>
 Type* checked(const void* reference, const char* caller) {
     Object* object = find(reference, caller);
@@ -100,7 +100,7 @@ Type* checked(const void* reference, const char* caller) {
     return typed;
 }
 
-/// The reference that stands for a new object.
+/// The reference to a new object.
 template <typename Ref, typename Type>
 Ref reference(Type* object) {
     return static_cast<Ref>(static_cast<void*>(static_cast<Object*>(object)));

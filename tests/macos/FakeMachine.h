@@ -8,8 +8,7 @@
 
 namespace quorvane {
 
-/// A machine as new for its life; at the end nothing may be left over and no mistake have been
-/// made.
+/// Starts with a new machine, and expects no leftover objects and no mistakes at its end.
 class FakeMachine : NonCopyable {
 public:
     FakeMachine() { fakes::reset(); }

@@ -4,7 +4,7 @@
 
 #include "tests/macos/FakeMac.h"
 
-// The objects of the stand-in that more than one of its files knows.
+// The objects that several of the fakes use.
 namespace quorvane::fakes {
 
 struct String final : Object {

@@ -14,14 +14,14 @@ protected:
     MacAccessibility m_accessibility;
 };
 
-TEST_F(MacAccessibilityTest, ThePlainQuestionOfTrustAsksNobody) {
+TEST_F(MacAccessibilityTest, CheckingTrustShowsNoPrompt) {
     EXPECT_FALSE(m_accessibility.isProcessTrusted());
     fakes::machine().trusted = true;
     EXPECT_TRUE(m_accessibility.isProcessTrusted());
     EXPECT_THAT(fakes::machine().calls, IsEmpty());
 }
 
-TEST_F(MacAccessibilityTest, ThePersonIsAskedForTrustOnlyWithThePrompt) {
+TEST_F(MacAccessibilityTest, TheUserIsAskedForTrustOnlyWithThePrompt) {
     EXPECT_FALSE(m_accessibility.isProcessTrustedWithOptions(false));
     EXPECT_EQ(fakes::machine().prompts, 0);
     EXPECT_FALSE(m_accessibility.isProcessTrustedWithOptions(true));

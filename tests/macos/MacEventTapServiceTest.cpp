@@ -53,7 +53,7 @@ TEST_F(MacEventTapServiceTest, ATapIsMadeWithItsValuesAndListensInTheCommonModes
                                      R"(CFRunLoopRemoveSource("kCFRunLoopCommonModes"))"));
 }
 
-TEST_F(MacEventTapServiceTest, AnEventIsHeardAndGivenBackAsItCame) {
+TEST_F(MacEventTapServiceTest, AnEventIsHeardAndReturnedUnchanged) {
     const auto tap = this->tap();
     const auto source = tap->createRunLoopSource(0);
     source->addToRunLoop();
@@ -79,24 +79,24 @@ TEST_F(MacEventTapServiceTest, ATapThatIsNotEnabledOrNotOnTheRunLoopHearsNothing
     EXPECT_EQ(fakes::deliveries(), 0);
 }
 
-TEST_F(MacEventTapServiceTest, ATapThatCannotBeMadeIsNone) {
+TEST_F(MacEventTapServiceTest, ATapThatCannotBeMadeIsNull) {
     fakes::machine().tapsCanBeMade = false;
     EXPECT_EQ(tap(), nullptr);
 }
 
-TEST_F(MacEventTapServiceTest, ASourceThatCannotBeMadeIsNone) {
+TEST_F(MacEventTapServiceTest, ASourceThatCannotBeMadeIsNull) {
     fakes::machine().tapSourcesCanBeMade = false;
     EXPECT_EQ(tap()->createRunLoopSource(0), nullptr);
 }
 
-TEST_F(MacEventTapServiceTest, TheLastReferenceClosesTheTapWhicheverItIs) {
+TEST_F(MacEventTapServiceTest, TheLastReferenceClosesTheTap) {
     auto tap = this->tap();
     auto source = tap->createRunLoopSource(0);
     source->addToRunLoop();
     tap->enable(true);
     tap.reset();
     EXPECT_EQ(fakes::openTaps(), 1);
-    // Still on the run loop, which must not keep it.
+    // Still on the run loop, which must not keep it alive.
     EXPECT_THAT(m_calls, Not(Contains("CFMachPortInvalidate")));
     source.reset();
     EXPECT_EQ(fakes::openTaps(), 0);
@@ -107,7 +107,7 @@ TEST_F(MacEventTapServiceTest, TheLastReferenceClosesTheTapWhicheverItIs) {
     EXPECT_THAT(heard(), IsEmpty());
 }
 
-TEST_F(MacEventTapServiceTest, TheFifthTapHasToWaitForOneOfTheOthersToGo) {
+TEST_F(MacEventTapServiceTest, TheFifthTapFailsUntilAnotherOneIsDestroyed) {
     std::vector<std::shared_ptr<EventTap>> taps{tap(), tap(), tap(), tap()};
     EXPECT_THAT(taps, Each(NotNull()));
     EXPECT_EQ(tap(), nullptr);

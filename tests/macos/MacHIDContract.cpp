@@ -9,7 +9,7 @@ namespace {
 class MacBackend final : public HIDBackend {
 public:
     MacBackend() {
-        // Another of the maker's devices, ahead of the sensor.
+        // Another device of the vendor, before the sensor.
         fakes::machine().devices.push_back(std::make_shared<fakes::Device>(
             fakes::Device{.integers = {{"VendorID", 0x05AC}, {"ProductID", 0x0342}}}));
         fakes::machine().devices.push_back(m_sensor);

@@ -55,7 +55,7 @@ TEST_F(MacHIDTest, ASearchForTheVendorAloneNamesNoProduct) {
     EXPECT_THAT(m_calls, Contains(R"(IOHIDManagerSetDeviceMatching({"VendorID": 1452}))"));
 }
 
-TEST_F(MacHIDTest, AManagerThatIsLetGoIsReleasedAndNotClosed) {
+TEST_F(MacHIDTest, ADestroyedManagerIsReleasedAndNotClosed) {
     auto manager = m_hid.createManager();
     manager->open();
     manager.reset();
@@ -68,7 +68,7 @@ TEST_F(MacHIDTest, WithoutASetOfDevicesThereAreNone) {
     EXPECT_EQ(m_hid.createManager()->copyDevices(), std::nullopt);
 }
 
-TEST_F(MacHIDTest, AManagerThatCannotBeOpenedSaysSo) {
+TEST_F(MacHIDTest, AManagerThatCannotBeOpenedReportsIt) {
     fakes::machine().managerOpenResult = -1;
     EXPECT_EQ(m_hid.createManager()->open(), -1);
 }
@@ -107,7 +107,7 @@ TEST_F(MacHIDTest, ADeviceThatCouldNotBeOpenedIsNotReadUntilItCan) {
     EXPECT_EQ(devices->front()->getReport(HIDReportType::Feature, 1, buffer, length), 0);
 }
 
-TEST_F(MacHIDTest, AReadTellsHowManyBytesItGotAndAFailedOneTellsNothing) {
+TEST_F(MacHIDTest, AReadReturnsItsLengthAndAFailedOneChangesNothing) {
     const auto device = plugIn(0x8104);
     const auto manager = m_hid.createManager();
     const auto devices = manager->copyDevices();

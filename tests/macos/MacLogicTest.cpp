@@ -48,7 +48,7 @@ protected:
     SimulatedMachine m_rest;
 };
 
-TEST_F(MacLogicTest, TheSensorIsFoundAndNothingOfTheSearchIsLeftButItsManagerAndDevice) {
+TEST_F(MacLogicTest, AfterTheSearchOnlyTheManagerAndTheDeviceAreHeld) {
     plugIn(0x8104, {1, 0, 0});
     plugIn(0x8102, {1, 112, 0});
     auto sensor = LidAngleSensor::create(platform());
@@ -61,7 +61,7 @@ TEST_F(MacLogicTest, TheSensorIsFoundAndNothingOfTheSearchIsLeftButItsManagerAnd
     EXPECT_THAT(fakes::leftOver(), IsEmpty());
 }
 
-TEST_F(MacLogicTest, AnotherProbeLetsGoOfWhatTheFirstOneFound) {
+TEST_F(MacLogicTest, AnotherProbeReleasesWhatTheFirstOneFound) {
     plugIn(0x8104, {1, 112, 0});
     const auto sensor = LidAngleSensor::create(platform());
     sensor->probeSensor();
@@ -69,7 +69,7 @@ TEST_F(MacLogicTest, AnotherProbeLetsGoOfWhatTheFirstOneFound) {
     EXPECT_THAT(fakes::leftOver(), ElementsAre("IOHIDDevice", "IOHIDManager"));
 }
 
-TEST_F(MacLogicTest, ASearchInVainTriesEachProductAndThenTheVendorAndLeavesNothing) {
+TEST_F(MacLogicTest, AFailedSearchTriesEachProductAndThenTheVendorAndLeaksNothing) {
     plugIn(0x0342, {1, 0});
     const auto sensor = LidAngleSensor::create(platform());
     sensor->probeSensor();
@@ -115,7 +115,7 @@ TEST_F(MacLogicTest, AKeyCracksFromTheTapThatItsCallsMake) {
     EXPECT_EQ(fakes::openTaps(), 0);
 }
 
-TEST_F(MacLogicTest, WithoutTrustThePersonIsAskedOnceAndTheRetryTaps) {
+TEST_F(MacLogicTest, WithoutTrustTheUserIsAskedOnceAndTheRetryTaps) {
     const auto manager = KeyboardCrackManager::create(platform());
     manager->start();
     EXPECT_FALSE(manager->isActive());
