@@ -55,7 +55,7 @@ private:
 
 using AccessibilityContract = Contract<AccessibilityBackend>;
 
-TEST_P(AccessibilityContract, TrustIsWhatItIsWhenItIsAskedFor) {
+TEST_P(AccessibilityContract, TrustIsReadAtEachCall) {
     m_backend->setTrusted(false);
     EXPECT_FALSE(m_backend->accessibility().isProcessTrusted());
     m_backend->setTrusted(true);

@@ -71,7 +71,7 @@ private:
 
 using ApplicationContract = Contract<ApplicationBackend>;
 
-TEST_P(ApplicationContract, TheLoginItemIsWhatItIsWhenItIsAskedFor) {
+TEST_P(ApplicationContract, TheLoginItemIsReadAtEachCall) {
     m_backend->setStartsAtLogin(false);
     EXPECT_EQ(m_backend->application().loginItemStatus(), LoginItemStatus::NotRegistered);
     m_backend->setStartsAtLogin(true);

@@ -19,7 +19,7 @@ public:
     /// How much later than promised something may happen, in seconds.
     [[nodiscard]] virtual double tolerance() const = 0;
 
-    /// There from the start; taking it away while it is in use is a loss.
+    /// There is one at the start. Removing it while it is in use is a loss.
     virtual void setOutputDevicePresent(bool present) = 0;
 
     /// A stereo file at 44.1 kHz of `goodFileFrames` frames.
@@ -34,7 +34,7 @@ public:
     /// Half a second of a chirp at 44.1 kHz in stereo.
     [[nodiscard]] static PCMBuffer clip();
 
-    /// What the output device plays from now on is written down.
+    /// Records what the output device plays from now on.
     virtual void startRecording() = 0;
     /// Interleaved stereo at 44.1 kHz; ends the recording.
     [[nodiscard]] virtual std::vector<float> finishRecording() = 0;
@@ -42,7 +42,7 @@ public:
 
 std::unique_ptr<AudioBackend> makeSimulatedAudioBackend();
 std::unique_ptr<AudioBackend> makeLinuxAudioBackend();
-/// With a long buffer that a busy machine does not run dry: for what sounds, not when.
+/// With a long buffer, which does not run dry on a busy machine; its timing is inexact.
 std::unique_ptr<AudioBackend> makeSteadyLinuxAudioBackend();
 
 } // namespace quorvane

@@ -71,8 +71,8 @@ protected:
         return secondsUntil([&] { return completed().size() >= count; });
     }
 
-    /// Plays until `count` sounds have completed, and returns the seconds from before the start: a
-    /// test that is delayed right after it must not measure too short a sound.
+    /// Plays until `count` sounds have completed; the seconds that took, from before the start: a
+    /// delay after it must not make a sound seem too short.
     double secondsPlayed(std::size_t count) {
         const double start = m_backend->now();
         m_node->play();
@@ -80,7 +80,7 @@ protected:
         return m_backend->now() - start;
     }
 
-    /// Time for what must not happen.
+    /// Waits long enough for something wrong to happen.
     void passTolerance() { pass(m_backend->tolerance()); }
 
     /// `seconds`, or somewhat later.

@@ -83,7 +83,7 @@ TEST_P(AudioContract, LosingTheDeviceStopsTheEngineAndCompletesWhatWasScheduled)
     EXPECT_THAT(completed(), ElementsAre("a", "b"));
 }
 
-TEST_P(AudioContract, ALossIsNoticedWithoutAnybodyAsking) {
+TEST_P(AudioContract, ALossIsNoticedWithoutAnyCall) {
     start();
     schedule("a", 60);
     m_node->play();

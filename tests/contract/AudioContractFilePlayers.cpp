@@ -25,30 +25,30 @@ protected:
         return error ? error->description : "";
     }
 
-    /// When a call to a player began and ended; its sound begins somewhere in between.
-    struct Deed {
+    /// When a call to a player began and returned; its sound begins somewhere in between.
+    struct Call {
         double begun = 0;
         double done = 0;
     };
 
-    template <typename Call>
-    Deed timed(const Call& call) {
+    template <typename Function>
+    Call timed(const Function& function) {
         const double begun = m_backend->now();
-        call();
+        function();
         return {.begun = begun, .done = m_backend->now()};
     }
 
-    /// Expects a sound of `seconds` since `deed` to end when it should.
-    void expectEnd(const AudioFilePlayer& player, const Deed& deed, double seconds) {
+    /// Expects a sound of `seconds` since `call` to end when it should.
+    void expectEnd(const AudioFilePlayer& player, const Call& call, double seconds) {
         secondsUntil([&] { return !player.isPlaying(); });
         // The clocks of sound and system differ a little.
-        EXPECT_GE(m_backend->now() - deed.begun, seconds - 0.02);
-        EXPECT_LE(m_backend->now() - deed.done, seconds + m_backend->tolerance());
+        EXPECT_GE(m_backend->now() - call.begun, seconds - 0.02);
+        EXPECT_LE(m_backend->now() - call.done, seconds + m_backend->tolerance());
     }
 
-    /// Expects that there are `seconds` to be heard from where the player is.
+    /// Expects the player to sound for `seconds` from its current time.
     void expectToSoundFor(AudioFilePlayer& player, double seconds) {
-        const Deed start = timed([&] { EXPECT_TRUE(player.play()); });
+        const Call start = timed([&] { EXPECT_TRUE(player.play()); });
         expectEnd(player, start, seconds);
     }
 
@@ -73,7 +73,7 @@ TEST_P(AudioFilePlayerContract, PlaysToTheEndAndIsBackAtTheStart) {
 
 TEST_P(AudioFilePlayerContract, TheCurrentTimeRunsAndIsKeptByStop) {
     const auto player = open(m_backend->goodFile());
-    const Deed start = timed([&] { ASSERT_TRUE(player->play()); });
+    const Call start = timed([&] { ASSERT_TRUE(player->play()); });
     EXPECT_TRUE(player->isPlaying());
     secondsUntil([&] { return player->currentTime() >= 0.2; });
     EXPECT_LE(m_backend->now() - start.done, 0.2 + m_backend->tolerance());
@@ -87,14 +87,14 @@ TEST_P(AudioFilePlayerContract, TheCurrentTimeRunsAndIsKeptByStop) {
     expectToSoundFor(*player, 1 - place);
 }
 
-TEST_P(AudioFilePlayerContract, PlayingWhatPlaysChangesNothing) {
-    const Deed start = timed([&] { ASSERT_TRUE(m_player->play()); });
+TEST_P(AudioFilePlayerContract, PlayingTwiceChangesNothing) {
+    const Call start = timed([&] { ASSERT_TRUE(m_player->play()); });
     pass(0.3);
     EXPECT_TRUE(m_player->play());
     expectEnd(*m_player, start, 0.5);
 }
 
-TEST_P(AudioFilePlayerContract, ThePlaceIsBoundedByTheSound) {
+TEST_P(AudioFilePlayerContract, TheCurrentTimeIsBoundedByTheSound) {
     m_player->setCurrentTime(0.3);
     EXPECT_NEAR(m_player->currentTime(), 0.3, 1e-9);
     m_player->setCurrentTime(-1);
@@ -106,11 +106,11 @@ TEST_P(AudioFilePlayerContract, ThePlaceIsBoundedByTheSound) {
     EXPECT_EQ(m_player->currentTime(), 0);
 }
 
-TEST_P(AudioFilePlayerContract, ANewPlaceMovesWhatPlays) {
+TEST_P(AudioFilePlayerContract, SettingTheCurrentTimeMovesAPlayingSound) {
     const auto player = open(m_backend->goodFile());
     ASSERT_TRUE(player->play());
     pass(0.2);
-    const Deed restart = timed([&] { player->setCurrentTime(0); });
+    const Call restart = timed([&] { player->setCurrentTime(0); });
     EXPECT_TRUE(player->isPlaying());
     EXPECT_TRUE(player->play());
     expectEnd(*player, restart, 1);
@@ -125,7 +125,7 @@ TEST_P(AudioFilePlayerContract, TheVolumeIsBounded) {
     EXPECT_EQ(m_player->volume(), 0);
 }
 
-TEST_P(AudioFilePlayerContract, LoopsAsOftenAsItIsTold) {
+TEST_P(AudioFilePlayerContract, LoopsTheGivenNumberOfTimes) {
     m_player->setNumberOfLoops(2);
     EXPECT_EQ(m_player->numberOfLoops(), 2);
     expectToSoundFor(*m_player, 1.5);
@@ -139,7 +139,7 @@ TEST_P(AudioFilePlayerContract, LoopsWithoutEndUntilItIsStopped) {
     const double begun = m_backend->now() - m_player->currentTime();
     pass(0.9);
     EXPECT_TRUE(m_player->isPlaying());
-    // The place goes around with the sound.
+    // The current time wraps around with the sound.
     const double turns = (m_backend->now() - begun - m_player->currentTime()) / 0.5;
     EXPECT_GE(turns, 1.5);
     EXPECT_NEAR(turns, std::round(turns), 0.3);
@@ -153,7 +153,7 @@ TEST_P(AudioFilePlayerContract, WhatCannotBeDecodedIsAnError) {
     EXPECT_THAT(errorOf(m_backend->truncatedFile()), HasSubstr("ends before its length"));
 }
 
-TEST_P(AudioFilePlayerContract, IsMadeAndKnowsItsLengthWithoutAnyDevice) {
+TEST_P(AudioFilePlayerContract, OpensAndKnowsItsLengthWithoutADevice) {
     m_backend->setOutputDevicePresent(false);
     const auto player = open(m_backend->clipFile());
     EXPECT_NEAR(player->duration(), 0.5, 1e-9);
@@ -163,11 +163,11 @@ TEST_P(AudioFilePlayerContract, IsMadeAndKnowsItsLengthWithoutAnyDevice) {
     player->stop();
 }
 
-TEST_P(AudioFilePlayerContract, ADeviceThatComesSoonIsPlayedOnFromWhereTheSoundWouldBe) {
+TEST_P(AudioFilePlayerContract, ADeviceThatComesSoonPlaysFromWhereTheSoundWouldBe) {
     const auto player = open(m_backend->goodFile());
     player->setNumberOfLoops(3);
-    Deed start;
-    // A real one may need longer to come on a busy machine than the sound lasts.
+    Call start;
+    // On a busy machine a real device may take longer to come than the sound lasts.
     for (int attempt = 0; attempt < 5; ++attempt) {
         m_backend->setOutputDevicePresent(false);
         start = timed([&] { ASSERT_FALSE(player->play()); });
@@ -179,13 +179,13 @@ TEST_P(AudioFilePlayerContract, ADeviceThatComesSoonIsPlayedOnFromWhereTheSoundW
         player->setCurrentTime(0);
     }
     secondsUntil([&] { return player->isPlaying(); });
-    // The sound lasts a second and comes again.
+    // The sound lasts a second and repeats.
     const double turns = m_backend->now() - start.done - player->currentTime();
     EXPECT_NEAR(turns, std::round(turns), 0.2);
     expectEnd(*player, start, 4);
 }
 
-TEST_P(AudioFilePlayerContract, ASoundThatWouldBeOverIsForgotten) {
+TEST_P(AudioFilePlayerContract, ASoundThatWouldBeOverIsDropped) {
     m_backend->setOutputDevicePresent(false);
     EXPECT_FALSE(m_player->play());
     pass(0.6);
@@ -195,7 +195,7 @@ TEST_P(AudioFilePlayerContract, ASoundThatWouldBeOverIsForgotten) {
     EXPECT_TRUE(m_player->play());
 }
 
-TEST_P(AudioFilePlayerContract, AfterSomeSecondsWithoutADeviceTheRequestIsForgotten) {
+TEST_P(AudioFilePlayerContract, ARequestIsDroppedAfterSomeSecondsWithoutADevice) {
     m_player->setNumberOfLoops(-1);
     m_backend->setOutputDevicePresent(false);
     EXPECT_FALSE(m_player->play());
@@ -205,7 +205,7 @@ TEST_P(AudioFilePlayerContract, AfterSomeSecondsWithoutADeviceTheRequestIsForgot
     EXPECT_FALSE(m_player->isPlaying());
 }
 
-TEST_P(AudioFilePlayerContract, StopForgetsARequest) {
+TEST_P(AudioFilePlayerContract, StopDropsARequest) {
     m_player->setNumberOfLoops(-1);
     m_backend->setOutputDevicePresent(false);
     EXPECT_FALSE(m_player->play());
@@ -215,7 +215,7 @@ TEST_P(AudioFilePlayerContract, StopForgetsARequest) {
     EXPECT_FALSE(m_player->isPlaying());
 }
 
-TEST_P(AudioFilePlayerContract, ADeviceThatIsLostAndComesBackIsPlayedOn) {
+TEST_P(AudioFilePlayerContract, ASoundGoesOnWhenALostDeviceComesBack) {
     m_player->setNumberOfLoops(-1);
     ASSERT_TRUE(m_player->play());
     for (int attempt = 0; attempt < 5; ++attempt) {
@@ -231,7 +231,7 @@ TEST_P(AudioFilePlayerContract, ADeviceThatIsLostAndComesBackIsPlayedOn) {
     secondsUntil([&] { return m_player->isPlaying(); });
 }
 
-TEST_P(AudioFilePlayerContract, AHoldNeedsNoDeviceAndMayOutliveAllElse) {
+TEST_P(AudioFilePlayerContract, AHoldNeedsNoDeviceAndMayOutliveThePlayers) {
     m_backend->setOutputDevicePresent(false);
     auto first = audio().holdOutput();
     const auto second = audio().holdOutput();
@@ -247,7 +247,7 @@ TEST_P(AudioFilePlayerContract, APlayerMayBeDestroyedWhilePlaying) {
     const auto other = open(m_backend->clipFile());
     other->setNumberOfLoops(1);
     ASSERT_TRUE(m_player->play());
-    const Deed start = timed([&] { ASSERT_TRUE(other->play()); });
+    const Call start = timed([&] { ASSERT_TRUE(other->play()); });
     pass(0.1);
     m_player.reset();
     EXPECT_TRUE(other->isPlaying());

@@ -20,7 +20,7 @@ TEST_P(AudioContract, ReadsAWholeFile) {
     EXPECT_THAT(buffer->samples, ::testing::Contains(::testing::Gt(0.2F)));
 }
 
-TEST_P(AudioContract, AFileGivesItsSamplesAtEveryReading) {
+TEST_P(AudioContract, AFileReadTwiceGivesTheSameSamples) {
     const auto opened = audio().openFile(m_backend->clipFile());
     AudioFile& file = *std::get<std::shared_ptr<AudioFile>>(opened);
     const PCMBuffer clip = AudioBackend::clip();

@@ -16,7 +16,7 @@ namespace {
 
 class LinuxAudioBackend final : public AudioBackend {
 public:
-    /// `settings` as a person would write them in OpenAL Soft's file.
+    /// `settings` in the format of OpenAL Soft's .alsoftrc.
     explicit LinuxAudioBackend(std::string_view settings) {
         m_server.start();
         m_folder.write(".alsoftrc", settings);

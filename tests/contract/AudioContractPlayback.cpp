@@ -75,7 +75,7 @@ TEST_P(AudioContract, PauseKeepsThePlaceAndPlayResumesThere) {
     pass(0.6 + m_backend->tolerance());
     EXPECT_THAT(completed(), ElementsAre());
     m_node->play();
-    // A sleep of 0.3 s may have been longer, and what sounded then is not heard again.
+    // The sleep may have been longer than 0.3 s.
     EXPECT_THAT(secondsUntilCompleted(1),
                 ::testing::AllOf(::testing::Ge(0.3 - m_backend->tolerance()),
                                  ::testing::Le(0.3 + m_backend->tolerance())));
@@ -126,7 +126,7 @@ TEST_P(AudioContract, BuffersSoundOneAfterTheOther) {
     EXPECT_THAT(completed(), ElementsAre("a", "b"));
 }
 
-TEST_P(AudioContract, ANodeThatRanDryPlaysWhatComesNextAtOnce) {
+TEST_P(AudioContract, ANodeThatRanDryPlaysTheNextBufferAtOnce) {
     start();
     schedule("a", 0.05);
     m_node->play();

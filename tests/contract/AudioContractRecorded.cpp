@@ -10,10 +10,10 @@
 namespace quorvane {
 namespace {
 
-// Files and their recording are of 16 bits or more.
+// Files and recordings have 16 bits or more.
 constexpr double inaudible = 1e-4;
 
-/// What is promised about sound that can be heard, on the recorded output.
+/// Promises about what is heard, checked on the recorded output.
 class AudioRecordedContract : public AudioContract {
 protected:
     [[nodiscard]] Recording finish() { return Recording(m_backend->finishRecording()); }
@@ -94,7 +94,7 @@ TEST_P(AudioRecordedContract, ANodesVolumeIsBoundedAndKeptByStop) {
     EXPECT_TRUE(holds(finish(), 0.25));
 }
 
-TEST_P(AudioRecordedContract, ALoopedBufferComesAgainWithoutAGapUntilItIsStopped) {
+TEST_P(AudioRecordedContract, ALoopedBufferRepeatsWithoutAGapUntilItIsStopped) {
     start();
     m_backend->startRecording();
     const auto completed = std::make_shared<std::atomic<int>>(0);
@@ -141,7 +141,7 @@ TEST_P(AudioRecordedContract, AFilePlayersLoopHasNoGap) {
     expectClips(finish(), 3);
 }
 
-TEST_P(AudioRecordedContract, ACountOfLoopsHasNoGapEither) {
+TEST_P(AudioRecordedContract, AFinitelyLoopedSoundHasNoGap) {
     const auto clip = player();
     clip->setNumberOfLoops(2);
     m_backend->startRecording();

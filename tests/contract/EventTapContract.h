@@ -8,20 +8,20 @@
 
 namespace quorvane {
 
-/// One implementation of event taps, and a person at its keyboard.
+/// An implementation of event taps, and its keyboard.
 class EventTapBackend : public ContractBackend {
 public:
     virtual EventTapService& service() = 0;
 
-    /// One and the same key, that is no modifier.
+    /// Always the same key, which is no modifier.
     virtual void pressKey() = 0;
     virtual void releaseKey() = 0;
-    /// What the keyboard says again while that key is held.
+    /// A repeat of that key while it is held.
     virtual void repeatKey() = 0;
     virtual void pressShift() = 0;
     virtual void releaseShift() = 0;
 
-    /// Returns when whatever is to be heard of all that has been heard.
+    /// Returns when all events so far have been delivered.
     virtual void settle() {}
 };
 
@@ -41,9 +41,9 @@ protected:
 
     EventTapContract();
 
-    /// A tap that is there and does nothing yet.
+    /// A disabled tap without a source.
     std::shared_ptr<EventTap> makeTap(std::uint64_t events = everything);
-    /// The common way: a tap that hears, by its source.
+    /// Makes an enabled tap with its source on the run loop.
     void startToListen(std::uint64_t events = everything);
     void typeKey();
     /// What has been heard since the last time.

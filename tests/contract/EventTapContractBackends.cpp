@@ -36,8 +36,8 @@ private:
     SimulatedEventTapService m_taps;
 };
 
-/// The event loop works once on whatever is there.
-void workOnce() {
+/// Runs the event loop on the events that are there.
+void processEvents() {
     for (int turn = 0; turn < 3; ++turn)
         QCoreApplication::processEvents();
 }
@@ -47,37 +47,37 @@ public:
     EventTapService& service() override { return m_taps; }
 
     void pressKey() override {
-        done([this] { m_display.press(letter); });
+        sendNow([this] { m_display.press(letter); });
     }
 
     void releaseKey() override {
-        done([this] { m_display.release(letter); });
+        sendNow([this] { m_display.release(letter); });
     }
 
-    // The server makes a key that is down already a repeat.
+    // Pressing a key that is down makes the X server send a repeat.
     void repeatKey() override { pressKey(); }
 
     void pressShift() override {
-        done([this] { m_display.press(shift); });
+        sendNow([this] { m_display.press(shift); });
     }
 
     void releaseShift() override {
-        done([this] { m_display.release(shift); });
+        sendNow([this] { m_display.release(shift); });
     }
 
     void settle() override {
         m_display.sync();
-        workOnce();
+        processEvents();
     }
 
 private:
     static constexpr std::uint8_t letter = 38;
     static constexpr std::uint8_t shift = 50;
 
-    // Whether a tap is open and enabled is asked when the event is delivered, which is later.
-    template <typename Deed>
-    void done(const Deed& deed) {
-        deed();
+    // Events are delivered to the taps that are enabled then, so they are delivered at once.
+    template <typename Input>
+    void sendNow(const Input& input) {
+        input();
         settle();
     }
 
@@ -87,8 +87,8 @@ private:
     LinuxEventTapService m_taps;
 };
 
-/// Taps on a keyboard whose event node is a pipe. A pipe gives to one reader what a node gives to
-/// all, so each tap has its own.
+/// Taps on a keyboard whose event node is a pipe. Only one reader of a pipe gets each event, so
+/// each tap has its own.
 class PipeTaps final : public EventTapService {
 public:
     [[nodiscard]] std::shared_ptr<EventTap> createTap(TapLocation, TapPlacement, TapOptions,
@@ -107,7 +107,7 @@ public:
     void send(int key, int value) {
         for (const auto& keyboard : m_keyboards)
             keyboard->send(key, value);
-        workOnce();
+        processEvents();
     }
 
 private:

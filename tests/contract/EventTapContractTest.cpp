@@ -17,7 +17,7 @@ constexpr HeardEvent repeatedKeyDown{TapEventType::KeyDown, true};
 constexpr HeardEvent keyUp{TapEventType::KeyUp, false};
 constexpr HeardEvent flagsChanged{TapEventType::FlagsChanged, false};
 
-// A callback carries no context.
+// Global, as a callback carries no context.
 std::vector<HeardEvent> heardEvents;
 int heardByAnother = 0;
 
@@ -70,7 +70,7 @@ TEST_P(EventTapContract, AKeyGoesDownAndUp) {
     EXPECT_THAT(heard(), ElementsAre(keyUp));
 }
 
-TEST_P(EventTapContract, WhatAHeldKeyRepeatsIsMarkedUntilItsRelease) {
+TEST_P(EventTapContract, RepeatsOfAHeldKeyAreMarked) {
     startToListen(keyDowns);
     m_backend->pressKey();
     m_backend->repeatKey();
@@ -143,7 +143,7 @@ TEST_P(EventTapContract, ATapWithoutASourceHearsNothing) {
     EXPECT_THAT(heard(), IsEmpty());
 }
 
-TEST_P(EventTapContract, ASourceThatIsOnNoRunLoopBringsNothingAndMakesNothingUp) {
+TEST_P(EventTapContract, EventsDuringASourcesTimeOffTheRunLoopAreLost) {
     m_tap = makeTap();
     ASSERT_TRUE(m_tap);
     m_source = m_tap->createRunLoopSource(0);
@@ -187,7 +187,7 @@ TEST_P(EventTapContract, NothingIsHeardOnceTheSourceIsLetGoOf) {
     EXPECT_THAT(heard(), IsEmpty());
 }
 
-TEST_P(EventTapContract, ATapAfterAnotherOneHearsAsTheFirstDid) {
+TEST_P(EventTapContract, ASecondTapHearsAsTheFirstDid) {
     startToListen();
     m_tap.reset();
     m_source.reset();

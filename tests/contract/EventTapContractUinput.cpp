@@ -1,5 +1,5 @@
-// Runs the contract on a keyboard of this kernel, made through /dev/uinput and found by way of
-// udev: without the two the cases fail.
+// Runs the contract on a keyboard made through /dev/uinput and found by udev. The cases fail
+// without either.
 
 #include <fcntl.h>
 #include <linux/uinput.h>
@@ -24,7 +24,7 @@ namespace quorvane {
 
 namespace {
 
-/// Repeats nothing by itself.
+/// Without autorepeat.
 class UinputKeyboard : NonCopyable {
 public:
     UinputKeyboard() : m_descriptor(open("/dev/uinput", O_WRONLY | O_CLOEXEC)) {
@@ -42,7 +42,7 @@ public:
 
     ~UinputKeyboard() {
         close(m_descriptor);
-        // The next case is to find its own.
+        // So that the next case finds only its own.
         waitUntil([] { return UdevKeyboardWatcher::list().empty(); });
     }
 

@@ -10,27 +10,27 @@
 
 namespace quorvane {
 
-/// One implementation of HID with one lid sensor to be found.
+/// An implementation of HID, and its one lid sensor.
 class HIDBackend : public ContractBackend {
 public:
     virtual HIDService& service() = 0;
 
-    /// The sensor's vendor, or the one in whose search it turns up.
+    /// The vendor by which the sensor is found.
     [[nodiscard]] virtual int vendorID() const { return 0x05AC; }
 
     /// The sensor's product property.
     [[nodiscard]] virtual std::optional<int> productID() const = 0;
-    /// What the sensor says now, in degrees; none: nobody knows, but it is a plausible lid angle.
+    /// What the sensor reports now, in degrees; none: any plausible lid angle.
     [[nodiscard]] virtual std::optional<int> angle() const = 0;
 
-    // For the cases that move the sensor or unplug it: a backend that cannot does without them.
+    // For the cases that move or unplug the sensor; a backend that cannot does not run them.
 
     virtual void setAngle(int) {}
 
     virtual void unplug() {}
 };
 
-/// What came of reading a report.
+/// The result of reading a report.
 struct HIDReading {
     HIDResult result = hidSuccess;
     std::size_t length = 0;

@@ -1,5 +1,5 @@
-// Runs the contract on a real hidraw device, 05AC:8104, which has to be there: without it the cases
-// fail. QUORVANE_HIDRAW_ANGLE may tell the angle at which its lid stands, in degrees.
+// Runs the contract on a real hidraw device, 05AC:8104. The cases fail without it.
+// QUORVANE_HIDRAW_ANGLE may give the angle of its lid, in degrees.
 
 #include <cstdlib>
 
@@ -19,12 +19,12 @@ public:
 
     [[nodiscard]] std::optional<int> angle() const override {
         // NOLINTNEXTLINE(concurrency-mt-unsafe): the test has one thread.
-        const char* told = std::getenv("QUORVANE_HIDRAW_ANGLE");
-        return told ? std::optional(std::stoi(told)) : std::nullopt;
+        const char* angle = std::getenv("QUORVANE_HIDRAW_ANGLE");
+        return angle ? std::optional(std::stoi(angle)) : std::nullopt;
     }
 
 private:
-    // Without industrial I/O, so that all that is found is hidraw.
+    // Without industrial I/O, so that only hidraw devices are found.
     TemporaryFolder m_noSysfs;
     LinuxHID m_hid{m_noSysfs.path()};
 };

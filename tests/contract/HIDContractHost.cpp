@@ -38,7 +38,7 @@ public:
 
     HIDService& service() override { return m_hid; }
 
-    // A vendor of nothing, so that no real device is found as well.
+    // No real vendor, so that no real device is found as well.
     [[nodiscard]] int vendorID() const override { return 0xFFFF; }
 
     [[nodiscard]] std::optional<int> productID() const override { return std::nullopt; }
@@ -58,10 +58,10 @@ private:
     LinuxHID m_hid{m_sysfs.path()};
 };
 
-/// On a sensor that is ours to move.
+/// On a sensor that the test can move and unplug.
 class HIDMovedContract : public HIDContract {};
 
-TEST_P(HIDMovedContract, EachReportHoldsTheAngleOfItsMoment) {
+TEST_P(HIDMovedContract, EachReportHoldsTheCurrentAngle) {
     const auto device = sensor();
     ASSERT_TRUE(device);
     ASSERT_EQ(device->open(), hidSuccess);

@@ -38,7 +38,7 @@ std::shared_ptr<HIDDevice> HIDContract::sensor() {
     return nullptr;
 }
 
-TEST_P(HIDContract, EveryManagerIsANewOne) {
+TEST_P(HIDContract, EachManagerIsNew) {
     EXPECT_NE(m_backend->service().createManager(), m_backend->service().createManager());
 }
 
@@ -102,7 +102,7 @@ TEST_P(HIDContract, ADeviceOutlivesItsManager) {
     EXPECT_EQ(readReport(*device).result, hidSuccess);
 }
 
-TEST_P(HIDContract, AReportIsCutToTheRoomThatItIsGiven) {
+TEST_P(HIDContract, AReportIsCutToTheBuffersSize) {
     const auto device = sensor();
     ASSERT_TRUE(device);
     ASSERT_EQ(device->open(), hidSuccess);
@@ -114,7 +114,7 @@ TEST_P(HIDContract, AReportIsCutToTheRoomThatItIsGiven) {
                             [](std::uint8_t byte) { return byte == 0xEE; }));
 }
 
-TEST_P(HIDContract, ThereIsNoOutputReportToBeRead) {
+TEST_P(HIDContract, AnOutputReportCannotBeRead) {
     const auto device = sensor();
     ASSERT_TRUE(device);
     ASSERT_EQ(device->open(), hidSuccess);

@@ -47,7 +47,7 @@ private:
     SimulatedHaptics m_haptics{m_runLoop};
 };
 
-/// On a device that is not one of this machine's.
+/// On a fake device.
 class LinuxBackend final : public HapticsBackend {
 public:
     LinuxBackend() {
@@ -103,7 +103,7 @@ TEST_P(HapticsContract, ThereIsAlwaysAPerformer) {
     EXPECT_NE(m_backend->service().defaultPerformer(), nullptr);
 }
 
-TEST_P(HapticsContract, EachRequestIsOnePulseInTheirOrder) {
+TEST_P(HapticsContract, EachRequestIsOnePulseInOrder) {
     const auto performer = m_backend->readyPerformer();
     performer->performFeedback(HapticPattern::LevelChange, HapticPerformanceTime::Now);
     performer->performFeedback(HapticPattern::Generic, HapticPerformanceTime::Now);
@@ -114,7 +114,7 @@ TEST_P(HapticsContract, EachRequestIsOnePulseInTheirOrder) {
                             HapticPattern::Alignment, HapticPattern::Alignment));
 }
 
-TEST_P(HapticsContract, EveryPerformerOfTheMomentIsTheSameDevices) {
+TEST_P(HapticsContract, AllPerformersPlayOnTheSameDevice) {
     const auto first = m_backend->readyPerformer();
     first->performFeedback(HapticPattern::Generic, HapticPerformanceTime::Now);
     m_backend->service().defaultPerformer()->performFeedback(HapticPattern::LevelChange,

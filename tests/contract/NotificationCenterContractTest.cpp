@@ -26,7 +26,7 @@ protected:
     std::vector<std::string> m_heard;
 };
 
-TEST_P(NotificationCenterContract, ANoticeReachesItsObserversInTheOrderOfRegistration) {
+TEST_P(NotificationCenterContract, ANotificationReachesItsObserversInOrderOfRegistration) {
     observe("a", "first");
     observe("b", "other");
     observe("a", "second");
@@ -34,7 +34,7 @@ TEST_P(NotificationCenterContract, ANoticeReachesItsObserversInTheOrderOfRegistr
     EXPECT_THAT(m_heard, ElementsAre("first", "second"));
 }
 
-TEST_P(NotificationCenterContract, ANoticeThatNobodyObservesIsHarmless) {
+TEST_P(NotificationCenterContract, ANotificationWithoutObserversIsHarmless) {
     m_backend->post("a");
     observe("b", "other");
     m_backend->post("a");
@@ -79,7 +79,7 @@ TEST_P(NotificationCenterContract, ABlockMayRemoveItself) {
     EXPECT_THAT(m_heard, ElementsAre("once"));
 }
 
-TEST_P(NotificationCenterContract, ABlockRemovedDuringANoticeDoesNotHearIt) {
+TEST_P(NotificationCenterContract, ABlockRemovedDuringANotificationDoesNotHearIt) {
     NotificationCenter::Token later = 0;
     m_backend->addObserver("a", [&] { m_backend->removeObserver(later); });
     later = observe("a", "later");
@@ -87,7 +87,7 @@ TEST_P(NotificationCenterContract, ABlockRemovedDuringANoticeDoesNotHearIt) {
     EXPECT_THAT(m_heard, IsEmpty());
 }
 
-TEST_P(NotificationCenterContract, ABlockAddedDuringANoticeHearsTheNextOne) {
+TEST_P(NotificationCenterContract, ABlockAddedDuringANotificationHearsTheNextOne) {
     bool added = false;
     m_backend->addObserver("a", [&] {
         if (!std::exchange(added, true))

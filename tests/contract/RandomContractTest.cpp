@@ -30,14 +30,14 @@ TEST_P(RandomContract, BothEndsAreDrawnAndNothingBeyond) {
 }
 
 TEST_P(RandomContract, EveryNumberIsEquallyLikely) {
-    // One more than a power of two: where a careless generator is most uneven.
+    // One more than a power of two, where a biased generator is most uneven.
     constexpr std::size_t kinds = 5;
     constexpr int draws = 50'000;
     std::array<int, kinds> counts{};
     for (int draw = 0; draw < draws; ++draw)
         ++counts.at(m_backend->uniform(kinds - 1));
     const double mean = static_cast<double>(draws) / kinds;
-    // Seven standard deviations: an honest generator misses them once in 10^11 runs.
+    // Seven standard deviations: a fair generator misses them once in 10^11 runs.
     const double slack = 7 * std::sqrt(mean * (1.0 - 1.0 / kinds));
     for (const int count : counts)
         EXPECT_NEAR(count, mean, slack);

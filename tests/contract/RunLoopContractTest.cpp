@@ -68,13 +68,14 @@ TEST_P(RunLoopContract, ARepeatingTimerFiresOnItsGridAndNeverDrifts) {
         EXPECT_GE(instant, static_cast<double>(lateness.size() + 1) * interval - 1e-6)
             << "firing " << lateness.size() + 1 << " is early";
         lateness.push_back(std::fmod(instant + 1e-6, interval));
-        // A timer that goes on from the end of its block would be this much later each time.
+        // A timer that counts from the end of its block is this much later each time.
         m_backend->keepBusy(0.02);
     });
     while (lateness.size() < 10)
         m_backend->rest(0.05);
     timer->invalidate();
-    // A busy machine may be late now and then, and a timer that drifts is on its grid now and then.
+    // Some firings may be late on a busy machine; some of a drifting timer are on the grid by
+    // chance.
     const auto onTime = [](double late) { return late < 0.01; };
     EXPECT_GE(std::count_if(lateness.begin(), lateness.end(), onTime), 7);
 }

@@ -94,12 +94,12 @@ TEST_P(ScreensContract, OrderingFrontOrOutTwiceIsHarmless) {
     EXPECT_THAT(m_backend->shownWidths(), IsEmpty());
 }
 
-TEST_P(ScreensContract, PanelThatNobodyHoldsStaysUp) {
+TEST_P(ScreensContract, PanelStaysUpWithoutItsHandle) {
     makePanel(300)->orderFrontRegardless();
     EXPECT_THAT(m_backend->shownWidths(), ElementsAre(300));
 }
 
-TEST_P(ScreensContract, PanelThatIsLetGoOfUnshownIsNeverSeen) {
+TEST_P(ScreensContract, PanelReleasedBeforeItIsShownIsNeverSeen) {
     makePanel(300).reset();
     EXPECT_THAT(m_backend->shownWidths(), IsEmpty());
 }

@@ -51,7 +51,7 @@ private:
 
 using SystemInfoContract = Contract<SystemInfoBackend>;
 
-TEST_P(SystemInfoContract, AModelThatIsNotKnownIsEmpty) {
+TEST_P(SystemInfoContract, AnUnknownModelIsEmpty) {
     EXPECT_EQ(m_backend->info().modelName(), "");
 }
 

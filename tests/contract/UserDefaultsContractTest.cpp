@@ -11,7 +11,7 @@ class UserDefaultsBackend : public ContractBackend {
 public:
     virtual UserDefaults& defaults() = 0;
 
-    /// A new start of the program.
+    /// Starts the program again.
     virtual void relaunch() {}
 };
 
@@ -20,7 +20,7 @@ public:
     UserDefaults& defaults() override { return m_defaults; }
 
 private:
-    // The simulated store is what lasts from launch to launch.
+    // The simulated store itself outlives a launch.
     SimulatedUserDefaults m_defaults;
 };
 
