@@ -107,7 +107,7 @@ TEST_F(ShippedCreak, HasNoTwoSlipsAlike) {
     EXPECT_LT(alike, 0.997);
 }
 
-TEST_F(ShippedCreak, IsNowhereSilentSoThatItMayBePausedAndResumedAnywhere) {
+TEST_F(ShippedCreak, IsNowhereSilentForPausingAnywhere) {
     const double whole = rootMeanSquare(m_sound);
     // All but the last tenth of a second, in which it rings out.
     const Samples sounding(m_sound.begin(), m_sound.end() - frames(0.1));

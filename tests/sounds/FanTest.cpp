@@ -147,7 +147,7 @@ TEST_F(ShippedFan, NeverPauses) {
     EXPECT_GT(*std::min_element(all.begin(), all.end()), mean / 10);
 }
 
-TEST_F(ShippedFan, SingsWhereItsBladesPassAndAtTheDoubleAndTreble) {
+TEST_F(ShippedFan, SingsAtItsBladeRateAndTwoHarmonics) {
     const std::vector<Line> blades = linesAround(m_sound, bladePass);
     for (const double harmonic : {1.0, 2.0, 3.0}) {
         const std::vector<Line> lines = linesAround(m_sound, harmonic * bladePass);

@@ -120,7 +120,7 @@ TEST_F(ShippedTractor, ThenIdlesRoughlyAtAFewUnevenStrokesASecond) {
     EXPECT_GT(all.back() - all.front(), 2);
 }
 
-TEST_F(ShippedTractor, DiesWithAWheezeAndLeavesNothingToCutOff) {
+TEST_F(ShippedTractor, DiesWithAWheezeAndEndsInSilence) {
     const double running = loudestIn(5, length() - 1);
     const double wheeze = levelAt(length() - 0.5);
     EXPECT_LT(wheeze, running / 10);

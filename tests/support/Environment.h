@@ -9,7 +9,7 @@
 
 namespace quorvane {
 
-/// Sets an environment variable, or takes it away, for as long as the object lives.
+/// Sets or unsets an environment variable while this lives.
 class EnvironmentVariable : NonCopyable {
 public:
     EnvironmentVariable(std::string name, const std::optional<std::string>& value)

@@ -14,8 +14,7 @@
 
 namespace quorvane {
 
-/// A machine whose devices with force feedback are these, and what was done on them. Safe to look
-/// at from any thread.
+/// Fake force-feedback devices and what was done with them. Thread-safe.
 class FakeForceFeedback final : public ForceFeedbackDevices {
 public:
     struct Device {
@@ -41,16 +40,16 @@ public:
         m_devices.erase(node);
     }
 
-    /// From now on a device that is given an effect does not answer until `answer`.
-    void doNotAnswer() {
+    /// From now on uploads block until `unblockUploads`.
+    void blockUploads() {
         const std::lock_guard lock(m_mutex);
-        m_answers = false;
+        m_takesUploads = false;
     }
 
-    void answer() {
+    void unblockUploads() {
         const std::lock_guard lock(m_mutex);
-        m_answers = true;
-        m_answered.notify_all();
+        m_takesUploads = true;
+        m_unblocked.notify_all();
     }
 
     [[nodiscard]] std::vector<Play> plays() const { return look(m_plays); }
@@ -59,7 +58,7 @@ public:
 
     [[nodiscard]] int uploads() const { return look(m_uploads); }
 
-    /// Nodes that are open now, as often as they are.
+    /// The open nodes, once for each time that they are open.
     [[nodiscard]] std::vector<std::string> opened() const { return look(m_opened); }
 
     /// Number of effects that are on the device now.
@@ -106,7 +105,7 @@ private:
 
         std::optional<int> upload(const ff_effect& effect) override {
             std::unique_lock lock(m_machine.m_mutex);
-            m_machine.m_answered.wait(lock, [this] { return m_machine.m_answers; });
+            m_machine.m_unblocked.wait(lock, [this] { return m_machine.m_takesUploads; });
             ++m_machine.m_uploads;
             Plugged* plugged = find();
             if (!plugged || plugged->effects.size() >= plugged->device.room)
@@ -148,8 +147,8 @@ private:
     }
 
     mutable std::mutex m_mutex;
-    std::condition_variable m_answered;
-    bool m_answers = true;
+    std::condition_variable m_unblocked;
+    bool m_takesUploads = true;
     std::map<std::string, Plugged> m_devices;
     std::vector<std::string> m_opened;
     std::vector<Play> m_plays;

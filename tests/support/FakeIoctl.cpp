@@ -7,14 +7,15 @@ namespace quorvane {
 
 namespace {
 
-FakeIoctl::Answer currentAnswer;
+FakeIoctl::Handler currentHandler;
 
 } // namespace
 
-FakeIoctl::FakeIoctl(Answer answer) : m_before(std::exchange(currentAnswer, std::move(answer))) {}
+FakeIoctl::FakeIoctl(Handler handler)
+    : m_before(std::exchange(currentHandler, std::move(handler))) {}
 
 FakeIoctl::~FakeIoctl() {
-    currentAnswer = std::move(m_before);
+    currentHandler = std::move(m_before);
 }
 
 } // namespace quorvane
@@ -29,8 +30,8 @@ int __wrap_ioctl(int descriptor, unsigned long request, ...) {
     va_start(arguments, request);
     void* argument = va_arg(arguments, void*);
     va_end(arguments);
-    if (quorvane::currentAnswer)
-        if (const auto result = quorvane::currentAnswer(descriptor, request, argument))
+    if (quorvane::currentHandler)
+        if (const auto result = quorvane::currentHandler(descriptor, request, argument))
             return *result;
     return __real_ioctl(descriptor, request, argument);
 }

@@ -7,19 +7,19 @@
 
 namespace quorvane {
 
-/// A fake of the kernel's ioctl while it lives, so that a device needs no hardware.
-/// For programs that are linked with --wrap=ioctl. The last one made counts.
+/// Replaces the kernel's ioctl while it lives, in programs that are linked with --wrap=ioctl. The
+/// last one made is used.
 class FakeIoctl : NonCopyable {
 public:
-    /// What the call returns, with errno set for -1; none: the kernel is asked.
-    using Answer =
+    /// What the call returns, with errno set for -1; none: the kernel is called.
+    using Handler =
         std::function<std::optional<int>(int descriptor, unsigned long request, void* argument)>;
 
-    explicit FakeIoctl(Answer answer);
+    explicit FakeIoctl(Handler handler);
     ~FakeIoctl();
 
 private:
-    Answer m_before;
+    Handler m_before;
 };
 
 } // namespace quorvane

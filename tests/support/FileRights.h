@@ -8,7 +8,7 @@
 
 namespace quorvane {
 
-/// While it lives, this thread uses files as a user who owns none of them, root's rights aside.
+/// While it lives, this thread accesses files as a user who owns none, even if it runs as root.
 class RightsOfAnotherUser : NonCopyable {
 public:
     /// That user may enter `folder`.

@@ -15,8 +15,7 @@
 
 namespace quorvane {
 
-/// A named pipe that carries a keyboard's events as its event node would. The writer's end holds it
-/// open, and closing that is the keyboard's end.
+/// A named pipe in place of a keyboard's event node. Closing it is unplugging the keyboard.
 class KeyboardPipe : NonCopyable {
 public:
     explicit KeyboardPipe(std::filesystem::path node) : m_node(std::move(node)) {

@@ -12,7 +12,7 @@ inline std::set<std::string> openDescriptors() {
     std::set<std::string> open;
     for (const auto& entry : std::filesystem::directory_iterator(folder))
         open.insert(entry.path().filename());
-    // The iterator's own is closed by now.
+    // Without the iterator's own, which is closed by now.
     std::erase_if(open, [&folder](const std::string& name) {
         return !std::filesystem::is_symlink(folder / name);
     });

@@ -7,7 +7,7 @@
 
 namespace quorvane {
 
-/// Keyboards that a test plugs in and out; outlives the nodes that it hands out.
+/// Keyboards that a test plugs in and out; outlives its watchers.
 class PluggedKeyboards {
 public:
     class Nodes final : public KeyboardWatcher {
@@ -32,7 +32,7 @@ public:
         Visit m_gone;
     };
 
-    /// Also for one that is there and may have become readable.
+    /// Also reports one that is plugged in already, as when its permissions change.
     void plugIn(const std::filesystem::path& node) {
         m_nodes.insert(node);
         for (Nodes* follower : m_followers)

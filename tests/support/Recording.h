@@ -8,8 +8,7 @@
 
 namespace quorvane {
 
-/// Two channels of recorded sound, for comparing with what was meant to be heard. Places and
-/// lengths are in frames.
+/// Recorded stereo sound, to be compared with the expected one. Places and lengths are in frames.
 class Recording {
 public:
     /// `samples` are interleaved stereo.
@@ -21,12 +20,12 @@ public:
         return m_samples.at(frame * 2 + channel);
     }
 
-    /// First frame at or after `start` that is not silent; none in a silent rest.
+    /// First frame at or after `start` that is not silent; none if the rest is silent.
     [[nodiscard]] std::optional<std::size_t> soundFrom(std::size_t start) const;
     /// First frame at or after `start` at which a silence of at least `frames` begins.
     [[nodiscard]] std::size_t silenceFrom(std::size_t start, std::size_t frames) const;
     /// Largest difference from `sound`, of `length` frames from `soundStart` in it and `start`
-    /// here. A mono sound is meant to be heard alike on both channels.
+    /// here. A mono sound is expected on both channels.
     [[nodiscard]] double largestDifference(std::size_t start, const PCMBuffer& sound,
                                            std::size_t soundStart, std::size_t length) const;
 

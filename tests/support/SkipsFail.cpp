@@ -1,4 +1,4 @@
-// Part of every test program: a case that was skipped has failed. CTest would count it as passed.
+// Part of every test program: a skipped case fails. CTest would count it as passed.
 
 #include <gtest/gtest.h>
 
@@ -7,10 +7,10 @@ namespace quorvane {
 namespace {
 
 class SkipsFail final : public testing::EmptyTestEventListener {
-    // Called before the printer's, which then says that the case has failed.
+    // Listeners' ends run in reverse order: the printer's comes later and prints the failure.
     void OnTestEnd(const testing::TestInfo& test) override {
         if (test.result()->Skipped())
-            ADD_FAILURE() << "a test that is skipped tests nothing";
+            ADD_FAILURE() << "a skipped test tests nothing";
     }
 };
 

@@ -14,7 +14,7 @@ const QString lidIsClosed = QStringLiteral("LidIsClosed");
 
 QString newConnectionName() {
     static int count = 0;
-    return QStringLiteral("stand-in-%1").arg(++count);
+    return QStringLiteral("fake-service-%1").arg(++count);
 }
 
 } // namespace
@@ -24,7 +24,7 @@ BusService::BusService(const std::string& address, const QString& name)
     auto connection =
         QDBusConnection::connectToBus(QString::fromStdString(address), m_connectionName);
     if (!connection.registerService(m_name))
-        throw std::runtime_error("no such name to be had on the bus");
+        throw std::runtime_error("the bus refuses the name");
 }
 
 BusService::~BusService() {

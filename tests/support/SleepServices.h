@@ -12,7 +12,7 @@
 
 namespace quorvane {
 
-/// A connection of one stand-in service, which has the service's name while this lives.
+/// A fake service's connection to the bus. It owns the service's name while this lives.
 class BusService : NonCopyable {
 public:
     BusService(const std::string& address, const QString& name);
@@ -20,8 +20,8 @@ public:
 
     [[nodiscard]] QDBusConnection bus() const { return QDBusConnection(m_connectionName); }
 
-    /// Sends, and comes back when the bus has passed it on: what any connection sends later is
-    /// then later for every receiver.
+    /// Returns when the bus has passed the message on: every receiver gets it before what any
+    /// connection sends later.
     void send(const QDBusMessage& message) const;
 
 private:
@@ -29,7 +29,7 @@ private:
     QString m_name;
 };
 
-/// Stands in for the service that watches the lid.
+/// UPower with a lid.
 class FakeUPower final : public QDBusVirtualObject {
 public:
     explicit FakeUPower(const std::string& address, bool lidIsClosed = false,
@@ -37,9 +37,9 @@ public:
                         const QString& name = QStringLiteral("org.freedesktop.UPower"));
     ~FakeUPower() override;
 
-    /// Changes the property and says so.
+    /// Changes the property and sends its new value.
     void setLidIsClosed(bool closed);
-    /// Changes the property and only says that it is no longer what it was.
+    /// Changes the property and sends only that its old value is invalid.
     void invalidateLidIsClosed(bool closed);
 
     /// How often the properties were asked for.
@@ -56,7 +56,7 @@ private:
     int m_reads = 0;
 };
 
-/// Stands in for the service that sends the machine to sleep.
+/// logind as far as it announces sleep.
 class FakeLogind {
 public:
     explicit FakeLogind(const std::string& address,

@@ -6,8 +6,8 @@
 
 namespace quorvane {
 
-/// A tone that rises, another in each channel, at about a third of full scale: every place in it is
-/// unlike every other.
+/// A rising tone, different in each channel, at about a third of full scale: no two places in it
+/// are alike.
 [[nodiscard]] PCMBuffer chirp(const AudioFormat& format, std::uint32_t frames);
 
 /// Writes `sound` as 16-bit WAV.

@@ -13,7 +13,7 @@
 
 namespace quorvane {
 
-/// A folder that goes with the object, whatever is in it by then.
+/// A new folder, removed with all that is in it at the end of the object.
 class TemporaryFolder : NonCopyable {
 public:
     TemporaryFolder() {
@@ -30,7 +30,7 @@ public:
 
     [[nodiscard]] const std::filesystem::path& path() const { return m_path; }
 
-    /// Writes `bytes` to `name`, making the folders on the way; the file's path.
+    /// Writes `bytes` to `name` and makes its folders; the file's path.
     // NOLINTNEXTLINE(modernize-use-nodiscard): called for what it does as often as for the path.
     std::filesystem::path write(const std::filesystem::path& name, std::string_view bytes) const {
         std::filesystem::path file = m_path / name;
@@ -43,7 +43,7 @@ private:
     std::filesystem::path m_path;
 };
 
-/// All of a file; empty when there is none.
+/// The content of a file; empty when there is none.
 inline std::string fileText(const std::filesystem::path& file) {
     std::ifstream stream(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};

@@ -91,7 +91,7 @@ bool VirtualDisplay::hasOwner(const std::string& selection) const {
 xcb_window_t VirtualDisplay::focus() const {
     const XcbReply<xcb_get_input_focus_reply_t> reply{
         xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr)};
-    return reply ? reply->focus : XCB_WINDOW_NONE;
+    return reply ? reply->focus : xcb_window_t{XCB_WINDOW_NONE};
 }
 
 void VirtualDisplay::sync() const {

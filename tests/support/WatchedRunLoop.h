@@ -9,8 +9,8 @@
 
 namespace quorvane {
 
-/// A run loop that hands everything on to another one and lets a test see, or say otherwise, what
-/// that one does not show. It outlives its timers.
+/// Forwards to another run loop, counts and reports some of its calls, and can pretend to be on
+/// another thread. It outlives its timers.
 class WatchedRunLoop final : public RunLoop {
 public:
     explicit WatchedRunLoop(RunLoop& real) : m_real(real) {}
@@ -45,7 +45,7 @@ public:
     std::function<void()> onInvalidate;
     /// How often `async` was called.
     std::atomic<int> asyncCount = 0;
-    /// So many more times `isMainThread` tells the truth, then it says no; below 0: always.
+    /// `isMainThread` forwards so many more times and then returns false; below 0: always forwards.
     mutable int truthsBeforeDenial = -1;
 
 private:

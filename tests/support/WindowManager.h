@@ -9,7 +9,7 @@ namespace quorvane {
 /// A window manager (openbox) on a virtual display, which outlives it.
 class WindowManager : NonCopyable {
 public:
-    /// Returns when it manages the display. Throws when it does not come to that.
+    /// Returns when it manages the display. Throws when it fails to.
     explicit WindowManager(VirtualDisplay& display);
 
     /// Returns when it has mapped `window`.

@@ -16,7 +16,7 @@ class AutostartEntriesTest : public testing::Test {
 protected:
     AutostartEntriesTest() { fs::permissions(m_executable, fs::perms::owner_all); }
 
-    /// Writes an entry to the person's own folder, or to that of everybody.
+    /// Writes an entry to the user's own folder, or to the one for all users.
     void write(const std::string& name, const std::string& text, bool everybodys = false) const {
         m_root.write(fs::path(everybodys ? "everybody" : "own") / name, text);
     }
@@ -25,7 +25,7 @@ protected:
         return "[Desktop Entry]\nType=Application\nName=Any\nExec=" + exec + "\n" + more;
     }
 
-    /// The entry that the program comes with, and lines to add.
+    /// The entry that is installed with the program, and more lines.
     void writeOwn(const std::string& more = {}) const {
         write("quorvane.desktop", entry("quorvane", more));
     }
@@ -45,17 +45,17 @@ TEST_F(AutostartEntriesTest, WithoutFoldersThereIsNoEntry) {
     EXPECT_FALSE(isStarted());
 }
 
-TEST_F(AutostartEntriesTest, TheProgramsEntryIsKnownByItsName) {
+TEST_F(AutostartEntriesTest, TheProgramsEntryIsRecognisedByItsName) {
     writeOwn();
     EXPECT_TRUE(isStarted());
 }
 
-TEST_F(AutostartEntriesTest, AnEntryOfAnotherNameIsKnownByThePathThatItRuns) {
+TEST_F(AutostartEntriesTest, AnEntryOfAnotherNameIsRecognisedByItsCommandsPath) {
     write("mine.desktop", entry("\"" + m_executable.string() + "\" --quiet"));
     EXPECT_TRUE(isStarted());
 }
 
-TEST_F(AutostartEntriesTest, AnEntryOfAnotherNameIsKnownByTheNameThatItRuns) {
+TEST_F(AutostartEntriesTest, AnEntryOfAnotherNameIsRecognisedByItsCommandsName) {
     const EnvironmentVariable path("PATH", (m_root.path() / "programs").string());
     write("mine.desktop", entry("\"some program\" %U"));
     EXPECT_TRUE(isStarted());
@@ -73,35 +73,35 @@ TEST_F(AutostartEntriesTest, AnEntryOfAnotherProgramIsNotOurs) {
     EXPECT_FALSE(isStarted());
 }
 
-TEST_F(AutostartEntriesTest, AHiddenEntryIsNone) {
+TEST_F(AutostartEntriesTest, AHiddenEntryDoesNotCount) {
     writeOwn("Hidden=true\n");
     EXPECT_FALSE(isStarted());
 }
 
-TEST_F(AutostartEntriesTest, AnEntryThatTheDesktopSwitchedOffIsNone) {
+TEST_F(AutostartEntriesTest, AnEntryThatTheDesktopDisabledDoesNotCount) {
     writeOwn("X-GNOME-Autostart-enabled=false\n");
     EXPECT_FALSE(isStarted());
     writeOwn("X-GNOME-Autostart-enabled=true\n");
     EXPECT_TRUE(isStarted());
 }
 
-TEST_F(AutostartEntriesTest, TheFirstFileOfAName) {
+TEST_F(AutostartEntriesTest, TheFirstFileOfANameCounts) {
     write("quorvane.desktop", entry("quorvane"), true);
     EXPECT_TRUE(isStarted());
     writeOwn("Hidden=true\n");
-    EXPECT_FALSE(isStarted()) << "the person's own file hides everybody's";
+    EXPECT_FALSE(isStarted()) << "the user's own file hides the one for all users";
     writeOwn();
     write("quorvane.desktop", entry("quorvane", "Hidden=true\n"), true);
     EXPECT_TRUE(isStarted());
 }
 
-TEST_F(AutostartEntriesTest, ABrokenFileHidesOthersOfItsNameAndIsNone) {
+TEST_F(AutostartEntriesTest, ABrokenFileHidesOthersOfItsName) {
     write("quorvane.desktop", entry("quorvane"), true);
     write("quorvane.desktop", "\xff\xfe not a word of sense [[[");
     EXPECT_FALSE(isStarted());
 }
 
-TEST_F(AutostartEntriesTest, AnEntryThatCannotStartAnythingIsNone) {
+TEST_F(AutostartEntriesTest, AnEntryThatCannotStartAnythingDoesNotCount) {
     write("quorvane.desktop", "");
     EXPECT_FALSE(isStarted()) << "empty";
     write("quorvane.desktop", "[Desktop Entry]\nType=Application\nName=Quorvane\n");
@@ -114,7 +114,7 @@ TEST_F(AutostartEntriesTest, AnEntryThatCannotStartAnythingIsNone) {
     EXPECT_FALSE(isStarted()) << "not installed";
 }
 
-TEST_F(AutostartEntriesTest, AnEntryForCertainDesktopsIsOneOnThose) {
+TEST_F(AutostartEntriesTest, AnEntryForCertainDesktopsCountsOnThem) {
     writeOwn("OnlyShowIn=KDE;XFCE;\n");
     EXPECT_FALSE(isStarted());
     writeOwn("OnlyShowIn=KDE;Ours;\n");
@@ -123,7 +123,7 @@ TEST_F(AutostartEntriesTest, AnEntryForCertainDesktopsIsOneOnThose) {
     EXPECT_FALSE(isStarted());
 }
 
-TEST_F(AutostartEntriesTest, AnEntryNotForCertainDesktopsIsNoneOnThose) {
+TEST_F(AutostartEntriesTest, AnEntryNotForCertainDesktopsDoesNotCountOnThem) {
     writeOwn("NotShowIn=KDE;GNOME;\n");
     EXPECT_FALSE(isStarted());
     writeOwn("NotShowIn=KDE;\n");
@@ -151,7 +151,7 @@ TEST_F(AutostartEntriesTest, TheEnvironmentNamesTheFoldersAndTheDesktops) {
     EXPECT_TRUE(fs::equivalent(environment.executable, "/proc/self/exe"));
 }
 
-TEST_F(AutostartEntriesTest, AnEnvironmentThatSaysNothingMeansTheUsualFolders) {
+TEST_F(AutostartEntriesTest, AnEmptyEnvironmentMeansTheDefaultFolders) {
     const EnvironmentVariable home("HOME", "/home/someone");
     const EnvironmentVariable config("XDG_CONFIG_HOME", "relative");
     const EnvironmentVariable folders("XDG_CONFIG_DIRS", std::nullopt);

@@ -19,7 +19,7 @@ namespace quorvane {
 
 namespace {
 
-/// A Wayland server as far as it can be seen from outside: its socket.
+/// The socket of a Wayland server.
 class WaylandSocket : NonCopyable {
 public:
     explicit WaylandSocket(const std::filesystem::path& path) {
@@ -43,15 +43,15 @@ protected:
         setenv(variable, value.c_str(), 1); // NOLINT(concurrency-mt-unsafe): one thread.
     }
 
-    /// What Qt is told to use; empty: nothing.
+    /// The value of QT_QPA_PLATFORM; empty if unset.
     static std::string choice() {
         const char* value = std::getenv("QT_QPA_PLATFORM"); // NOLINT(concurrency-mt-unsafe)
         return value ? value : "";
     }
 
     TemporaryFolder m_runtime;
-    // Put back at the end, whatever a case or the program sets.
-    EnvironmentVariable m_toolkit{"QT_QPA_PLATFORM", std::nullopt};
+    // Restored at the end, whatever a case or the program sets.
+    EnvironmentVariable m_platform{"QT_QPA_PLATFORM", std::nullopt};
     EnvironmentVariable m_runtimeFolder{"XDG_RUNTIME_DIR", m_runtime.path().string()};
     EnvironmentVariable m_wayland{"WAYLAND_DISPLAY", std::nullopt};
     EnvironmentVariable m_x11{"DISPLAY", std::nullopt};
@@ -95,7 +95,7 @@ TEST_F(DisplayServerTest, ANameTooLongForASocketIsNoServer) {
               "the display '" + std::string(200, 'w') + "' does not answer");
 }
 
-TEST_F(DisplayServerTest, WaylandStandsInForAnXServerThatDoesNotAnswer) {
+TEST_F(DisplayServerTest, WaylandIsUsedIfTheXServerDoesNotAnswer) {
     const WaylandSocket server(m_runtime.path() / "wayland-5");
     set("WAYLAND_DISPLAY", "wayland-5");
     set("DISPLAY", ":12345");
@@ -103,7 +103,7 @@ TEST_F(DisplayServerTest, WaylandStandsInForAnXServerThatDoesNotAnswer) {
     EXPECT_EQ(choice(), "wayland");
 }
 
-TEST_F(DisplayServerTest, AnXServerIsPreferredAndItsConnectionKeptUntilTheToolkitHasItsOwn) {
+TEST_F(DisplayServerTest, AnXServerIsPreferredAndItsConnectionKeptUntilQtHasItsOwn) {
     const VirtualDisplay display;
     const WaylandSocket server(m_runtime.path() / "wayland-5");
     set("WAYLAND_DISPLAY", "wayland-5");
@@ -116,7 +116,7 @@ TEST_F(DisplayServerTest, AnXServerIsPreferredAndItsConnectionKeptUntilTheToolki
     EXPECT_EQ(openDescriptors(), before);
 }
 
-TEST_F(DisplayServerTest, AChoiceThatThePersonMadeStands) {
+TEST_F(DisplayServerTest, TheUsersChoiceIsKept) {
     set("QT_QPA_PLATFORM", "offscreen");
     EXPECT_EQ(DisplayServer().error(), "");
     EXPECT_EQ(choice(), "offscreen");

@@ -14,11 +14,11 @@ protected:
     TemporaryFolder m_devices;
 };
 
-TEST_F(GraphicsCardTest, IsNoneWithoutItsDevices) {
+TEST_F(GraphicsCardTest, IsAbsentWithoutItsDevices) {
     EXPECT_FALSE(hasGraphicsCard(m_devices.path()));
 }
 
-TEST_F(GraphicsCardTest, IsNoneIfAllItCanIsShowAPicture) {
+TEST_F(GraphicsCardTest, IsAbsentIfItCanOnlyShowPictures) {
     addDevice("dri/card0");
     EXPECT_FALSE(hasGraphicsCard(m_devices.path()));
 }

@@ -24,7 +24,7 @@ const QString settingsInterface = QStringLiteral("org.freedesktop.portal.Setting
 const QString desktopSettings = QStringLiteral("org.gnome.desktop.interface");
 const QString animations = QStringLiteral("enable-animations");
 
-/// Stands in for the desktop's settings portal.
+/// The desktop's settings portal.
 class FakePortal final : public QDBusVirtualObject {
 public:
     FakePortal(const std::string& address, QVariant answer)
@@ -45,7 +45,7 @@ public:
         if (message.interface() != settingsInterface || message.member() != QLatin1String("Read"))
             return false;
         for (const QVariant& argument : message.arguments())
-            m_question.push_back(argument.toString().toStdString());
+            m_arguments.push_back(argument.toString().toStdString());
         // As the portal does: a variant in a variant.
         const QDBusVariant inner(m_answer);
         return connection.send(
@@ -54,17 +54,16 @@ public:
 
     [[nodiscard]] QString introspect(const QString&) const override { return {}; }
 
-    [[nodiscard]] const std::vector<std::string>& question() const { return m_question; }
+    [[nodiscard]] const std::vector<std::string>& arguments() const { return m_arguments; }
 
 private:
     BusService m_service;
     QVariant m_answer;
-    std::vector<std::string> m_question;
+    std::vector<std::string> m_arguments;
 };
 
-/// The session bus of a process is one for all its life, so the cases share theirs. They cannot be
-/// in one program with cases that use the system bus: the address of either is settled with that of
-/// the other.
+/// Qt keeps one session bus for the life of a process, so the cases share theirs. Cases that use
+/// the system bus are in another program: Qt fixes both addresses at the same time.
 class ReducedMotionTest : public testing::Test {
 protected:
     static void SetUpTestSuite() {
@@ -80,17 +79,17 @@ protected:
         s_application.reset();
     }
 
-    void writeSettings(const std::string& toolkit, const std::string& text) const {
-        m_config.write(toolkit + "/settings.ini", text);
+    void writeSettings(const std::string& folder, const std::string& text) const {
+        m_config.write(folder + "/settings.ini", text);
     }
 
     void makeSetting() { m_setting = std::make_unique<ReducedMotion>(m_reducesMotion); }
 
-    /// The setting once the portal has said this.
+    /// Makes the setting and waits for this reply of the portal.
     void makeSettingWithPortal(const QVariant& animationsEnabled) {
         m_portal = std::make_unique<FakePortal>(s_bus->address(), animationsEnabled);
         makeSetting();
-        ASSERT_TRUE(waitUntil([this] { return !m_portal->question().empty(); }));
+        ASSERT_TRUE(waitUntil([this] { return !m_portal->arguments().empty(); }));
         waitFor(50ms);
     }
 
@@ -113,13 +112,13 @@ std::unique_ptr<QtApplication> ReducedMotionTest::s_application;
 std::unique_ptr<PrivateBus> ReducedMotionTest::s_bus;
 std::unique_ptr<EnvironmentVariable> ReducedMotionTest::s_address;
 
-TEST_F(ReducedMotionTest, ADesktopThatSaysNothingMovesAsUsual) {
+TEST_F(ReducedMotionTest, WithoutAnySettingMotionIsNotReduced) {
     makeSetting();
     waitFor(50ms);
     EXPECT_FALSE(m_reducesMotion.get());
 }
 
-TEST_F(ReducedMotionTest, WithoutAPortalTheSettingsFileOfGTKProgramsTells) {
+TEST_F(ReducedMotionTest, WithoutAPortalTheGTKSettingsFileIsRead) {
     writeSettings("gtk-3.0", "[Settings]\ngtk-enable-animations=0\n");
     makeSetting();
     EXPECT_TRUE(m_reducesMotion.get());
@@ -128,14 +127,14 @@ TEST_F(ReducedMotionTest, WithoutAPortalTheSettingsFileOfGTKProgramsTells) {
     EXPECT_FALSE(m_reducesMotion.get());
 }
 
-TEST_F(ReducedMotionTest, TheNewerSettingsFileCountsBeforeTheOlder) {
+TEST_F(ReducedMotionTest, TheNewerSettingsFileWinsOverTheOlder) {
     writeSettings("gtk-4.0", "[Settings]\ngtk-enable-animations=false\n");
     writeSettings("gtk-3.0", "[Settings]\ngtk-enable-animations=true\n");
     makeSetting();
     EXPECT_TRUE(m_reducesMotion.get());
 }
 
-TEST_F(ReducedMotionTest, AFileWithoutTheSettingLeavesItToTheNext) {
+TEST_F(ReducedMotionTest, AFileWithoutTheSettingIsSkipped) {
     writeSettings("gtk-4.0", "[Settings]\ngtk-theme-name=Any\n[Other]\ngtk-enable-animations=1\n");
     writeSettings("gtk-3.0", "[Settings]\ngtk-enable-animations=0\n");
     makeSetting();
@@ -144,18 +143,18 @@ TEST_F(ReducedMotionTest, AFileWithoutTheSettingLeavesItToTheNext) {
 
 TEST_F(ReducedMotionTest, ThePortalIsAskedForTheDesktopsAnimations) {
     makeSettingWithPortal(false);
-    EXPECT_THAT(m_portal->question(),
+    EXPECT_THAT(m_portal->arguments(),
                 ElementsAre("org.gnome.desktop.interface", "enable-animations"));
     EXPECT_TRUE(m_reducesMotion.get());
 }
 
-TEST_F(ReducedMotionTest, ThePortalCountsBeforeAnyFile) {
+TEST_F(ReducedMotionTest, ThePortalWinsOverAnyFile) {
     writeSettings("gtk-4.0", "[Settings]\ngtk-enable-animations=0\n");
     makeSettingWithPortal(true);
     EXPECT_FALSE(m_reducesMotion.get());
 }
 
-TEST_F(ReducedMotionTest, AnAnswerThatIsNoTruthValueSaysNothing) {
+TEST_F(ReducedMotionTest, AnAnswerThatIsNotABooleanIsIgnored) {
     writeSettings("gtk-4.0", "[Settings]\ngtk-enable-animations=0\n");
     makeSettingWithPortal("true");
     EXPECT_TRUE(m_reducesMotion.get());
@@ -169,14 +168,14 @@ TEST_F(ReducedMotionTest, AChangeOfTheSettingIsFollowed) {
     EXPECT_TRUE(becomes(false));
 }
 
-TEST_F(ReducedMotionTest, ChangesOfOtherSettingsAreNone) {
+TEST_F(ReducedMotionTest, ChangesOfOtherSettingsAreIgnored) {
     makeSettingWithPortal(true);
     m_portal->change(desktopSettings, "overlay-scrolling", false);
     m_portal->change("org.gnome.desktop.sound", animations, false);
     m_portal->change(desktopSettings, animations, 0);
     waitFor(50ms);
     EXPECT_FALSE(m_reducesMotion.get());
-    // The three have arrived by the time that this one has.
+    // This one arrives after the other three.
     m_portal->change(desktopSettings, animations, false);
     EXPECT_TRUE(becomes(true));
 }

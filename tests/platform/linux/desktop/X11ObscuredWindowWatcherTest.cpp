@@ -67,7 +67,7 @@ protected:
         xcb_flush(m_connection);
     }
 
-    /// All reports, once as many as `count` are there or nothing more comes.
+    /// All reports, when there are `count`, or after a second.
     const std::vector<bool>& reports(std::size_t count) {
         waitUntil([&] { return m_reports.size() >= count; }, 1s);
         return m_reports;
@@ -81,7 +81,7 @@ protected:
     std::optional<X11ObscuredWindowWatcher> m_cover;
 };
 
-TEST_F(X11ObscuredWindowWatcherTest, AWindowIsCoveredOnceNothingOfItIsSeen) {
+TEST_F(X11ObscuredWindowWatcherTest, AWindowIsCoveredOnceAllOfItIsHidden) {
     const auto part = open({.x = 0, .y = 0, .width = 100, .height = 320});
     EXPECT_THAT(reports(1), ElementsAre(false));
     const auto rest = open({.x = 100, .y = 0, .width = 100, .height = 320});
@@ -92,7 +92,7 @@ TEST_F(X11ObscuredWindowWatcherTest, AWindowIsCoveredOnceNothingOfItIsSeen) {
     EXPECT_THAT(reports(4), ElementsAre(false, true, false, false));
 }
 
-TEST_F(X11ObscuredWindowWatcherTest, WindowsBesideItAreNone) {
+TEST_F(X11ObscuredWindowWatcherTest, WindowsBesideItDoNotCover) {
     open({.x = 200, .y = 20, .width = 100, .height = 100});
     m_display.sync();
     waitFor(50ms);

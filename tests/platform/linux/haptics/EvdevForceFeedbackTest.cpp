@@ -24,7 +24,7 @@ namespace {
 
 using testing::ElementsAre;
 
-/// A device whose node is a named pipe, and the kernel that answers for it.
+/// A device whose node is a named pipe, with a fake ioctl.
 class EvdevForceFeedbackTest : public testing::Test {
 protected:
     EvdevForceFeedbackTest() {
@@ -40,7 +40,7 @@ protected:
         m_reader = -1;
     }
 
-    std::optional<int> answer(int descriptor, unsigned long request, void* argument) {
+    std::optional<int> ioctlResult(int descriptor, unsigned long request, void* argument) {
         if (_IOC_TYPE(request) != 'E')
             return std::nullopt;
         m_access = fcntl(descriptor, F_GETFL);
@@ -66,7 +66,7 @@ protected:
     std::unique_ptr<ForceFeedbackPort> open() { return m_devices.open(m_node); }
 
     FakeIoctl m_kernel{[this](int descriptor, unsigned long request, void* argument) {
-        return answer(descriptor, request, argument);
+        return ioctlResult(descriptor, request, argument);
     }};
     int m_has = FF_RUMBLE;
     bool m_takesEffects = true;
@@ -91,7 +91,7 @@ TEST_F(EvdevForceFeedbackTest, ANodeThatIsNotThereDoesNotOpen) {
     EXPECT_FALSE(open());
 }
 
-TEST_F(EvdevForceFeedbackTest, ANodeThatHasBecomeAnotherDevicesDoesNotOpen) {
+TEST_F(EvdevForceFeedbackTest, ANodeThatNowBelongsToAnotherDeviceDoesNotOpen) {
     const auto before = openDescriptors();
     for (const int other : {-1, 0x4F, FF_SPRING}) {
         m_has = other;
@@ -111,7 +111,7 @@ TEST_F(EvdevForceFeedbackTest, ADeviceIsClosedWithItsPort) {
     EXPECT_EQ(openDescriptors(), before);
 }
 
-TEST_F(EvdevForceFeedbackTest, AnEffectHasTheNumberThatTheKernelGivesIt) {
+TEST_F(EvdevForceFeedbackTest, AnEffectHasTheNumberFromTheKernel) {
     const auto port = open();
     ff_effect effect{};
     effect.id = -1;
@@ -125,7 +125,7 @@ TEST_F(EvdevForceFeedbackTest, AnEffectHasTheNumberThatTheKernelGivesIt) {
     EXPECT_THAT(m_erased, ElementsAre(7));
 }
 
-TEST_F(EvdevForceFeedbackTest, AnEffectThatIsNotTakenHasNone) {
+TEST_F(EvdevForceFeedbackTest, ARejectedEffectHasNoNumber) {
     const auto port = open();
     m_takesEffects = false;
     EXPECT_EQ(port->upload({}), std::nullopt);
@@ -152,7 +152,7 @@ TEST_F(EvdevForceFeedbackTest, ADeviceThatIsBusyIsStillThere) {
     EXPECT_TRUE(port->play(7));
 }
 
-TEST_F(EvdevForceFeedbackTest, ADeviceThatHasGoneSaysSo) {
+TEST_F(EvdevForceFeedbackTest, ADeviceThatIsGoneReportsIt) {
     const auto port = open();
     const auto before = std::signal(SIGPIPE, SIG_IGN);
     closeReader();

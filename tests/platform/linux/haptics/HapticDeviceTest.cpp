@@ -33,15 +33,15 @@ HapticEffect clickOf(const ff_effect& effect) {
 constexpr std::array patterns{HapticPattern::Generic, HapticPattern::Alignment,
                               HapticPattern::LevelChange};
 
-TEST(HapticScanTest, CapabilitiesTellWhatADeviceMakesPulsesOf) {
+TEST(HapticScanTest, CapabilitiesDecideTheKindOfPulses) {
     EXPECT_EQ(hapticKind("0"), std::nullopt);
     EXPECT_EQ(hapticKind(""), std::nullopt);
     EXPECT_EQ(hapticKind("no number"), std::nullopt);
-    // Bit 0x50 and its like, of words of 64 bits.
+    // Bit 0x50 and the like, in words of 64 bits.
     EXPECT_EQ(hapticKind("107030000 0"), HapticKind::Rumble);
     EXPECT_EQ(hapticKind("8000 0"), HapticKind::Touchpad);
     EXPECT_EQ(hapticKind("18000 0"), HapticKind::Touchpad);
-    // Springs and the like are for steering wheels, and no pulse.
+    // Springs and the like are for steering wheels.
     EXPECT_EQ(hapticKind("200000 0"), std::nullopt);
     EXPECT_EQ(hapticKind("10000"), std::nullopt);
 }
@@ -52,7 +52,7 @@ TEST(HapticScanTest, TouchpadsComeFirstAndThenTheLowestNumber) {
     EXPECT_THAT(nodes, ElementsAre(touchpad(7), touchpad(11), rumble(2), rumble(10)));
 }
 
-TEST(HapticEffectsTest, ATouchpadIsOnlyEverAskedToClick) {
+TEST(HapticEffectsTest, ATouchpadGetsOnlyClicks) {
     for (const auto pattern : patterns) {
         const auto effect = hapticEffect(HapticKind::Touchpad, pattern);
         EXPECT_EQ(effect.type, 0x4F);
@@ -75,7 +75,7 @@ TEST(HapticEffectsTest, AClickIsAsStrongAsItsPattern) {
     EXPECT_EQ(intensity(HapticPattern::LevelChange), 100);
 }
 
-TEST(HapticEffectsTest, TheClickLiesWhereTheKernelReadsIt) {
+TEST(HapticEffectsTest, AClickIsInTheFieldsThatTheKernelReads) {
     EXPECT_EQ(offsetof(ff_effect, u), 16U);
     EXPECT_EQ(sizeof(HapticEffect), 12U);
     EXPECT_EQ(offsetof(HapticEffect, vendorWaveformPage), 4U);
@@ -111,7 +111,7 @@ TEST(HapticDeviceTest, ATouchpadIsPreferred) {
     EXPECT_THAT(machine.opened(), ElementsAre("event9"));
 }
 
-TEST(HapticDeviceTest, OneThatCannotBeOpenedOrTakesNoEffectIsPassedOver) {
+TEST(HapticDeviceTest, ADeviceThatCannotBeOpenedOrTakesNoEffectIsSkipped) {
     FakeForceFeedback machine;
     machine.plug({.node = touchpad(1), .mayBeOpened = false});
     machine.plug({.node = touchpad(2), .room = 0});
@@ -120,7 +120,7 @@ TEST(HapticDeviceTest, OneThatCannotBeOpenedOrTakesNoEffectIsPassedOver) {
     EXPECT_THAT(machine.opened(), ElementsAre("event3"));
 }
 
-/// What the weak motor did at each pulse so far.
+/// The strength of the weak motor at each pulse so far.
 std::vector<int> weakPulses(const FakeForceFeedback& machine) {
     std::vector<int> pulses;
     for (const auto& play : machine.plays())
@@ -139,7 +139,7 @@ TEST(HapticDeviceTest, EachPatternPlaysItsOwnEffect) {
     EXPECT_EQ(machine.uploads(), 3);
 }
 
-TEST(HapticDeviceTest, ADeviceWithRoomForOneEffectPlaysTheStartupsForAll) {
+TEST(HapticDeviceTest, ADeviceWithRoomForOneEffectPlaysTheStartupEffectForAllPatterns) {
     FakeForceFeedback machine;
     machine.plug({.node = rumble(1), .room = 1});
     const auto device = HapticDevice::openBest(machine);
@@ -159,7 +159,7 @@ TEST(HapticDeviceTest, ADeviceWithRoomForTwoEffectsPlaysEachForItsPattern) {
     EXPECT_THAT(weakPulses(machine), ElementsAre(0x9000, 0x9000, 0x4000));
 }
 
-TEST(HapticDeviceTest, ItLeavesNothingBehind) {
+TEST(HapticDeviceTest, ClosingErasesItsEffects) {
     FakeForceFeedback machine;
     machine.plug({.node = rumble(1)});
     auto device = HapticDevice::openBest(machine);
@@ -169,7 +169,7 @@ TEST(HapticDeviceTest, ItLeavesNothingBehind) {
     EXPECT_THAT(machine.opened(), IsEmpty());
 }
 
-TEST(HapticDeviceTest, ADeviceThatHasGoneSaysSo) {
+TEST(HapticDeviceTest, ADeviceThatIsGoneReportsIt) {
     FakeForceFeedback machine;
     machine.plug({.node = rumble(1)});
     auto device = HapticDevice::openBest(machine);

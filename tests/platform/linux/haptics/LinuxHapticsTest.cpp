@@ -38,7 +38,7 @@ protected:
         });
     }
 
-    /// Waits until nothing is open any more.
+    /// Waits until no device is open.
     [[nodiscard]] bool isClosed() const {
         return waitUntil([&] { return m_machine->opened().empty(); });
     }
@@ -55,7 +55,7 @@ TEST_F(LinuxHapticsTest, NothingIsOpenedBeforeAPerformerIsAskedFor) {
     EXPECT_THAT(m_machine->opened(), IsEmpty());
 }
 
-TEST_F(LinuxHapticsTest, APerformerThatIsAskedForAtEachPulseIsOpenedOnce) {
+TEST_F(LinuxHapticsTest, DevicesAreOpenedOnceForAllPerformers) {
     plugRumble(1);
     ASSERT_TRUE(isFelt(*m_haptics.defaultPerformer()));
     const auto before = pulses();
@@ -69,13 +69,13 @@ TEST_F(LinuxHapticsTest, APerformerThatIsAskedForAtEachPulseIsOpenedOnce) {
     EXPECT_THAT(m_machine->opened(), ElementsAre("event1"));
 }
 
-TEST_F(LinuxHapticsTest, ItIsErasedAndClosedSoonAfterItsLastUse) {
+TEST_F(LinuxHapticsTest, ADeviceIsErasedAndClosedSoonAfterItsLastUse) {
     using Clock = std::chrono::steady_clock;
     plugRumble(1);
     ASSERT_TRUE(isFelt(*m_haptics.defaultPerformer()));
     const auto last = Clock::now();
     ASSERT_TRUE(isClosed());
-    // One and a half and some more for a busy machine; at once would be too soon.
+    // It takes 1.5 s; more on a busy machine.
     EXPECT_GT(Clock::now() - last, std::chrono::milliseconds(500));
     EXPECT_LT(Clock::now() - last, std::chrono::seconds(3));
     EXPECT_EQ(m_machine->effectsOn("event1"), 0U);
@@ -83,7 +83,7 @@ TEST_F(LinuxHapticsTest, ItIsErasedAndClosedSoonAfterItsLastUse) {
     EXPECT_EQ(m_machine->timesListed(), 2);
 }
 
-TEST_F(LinuxHapticsTest, WhatSomebodyHoldsStaysOpen) {
+TEST_F(LinuxHapticsTest, ADeviceIsOpenWhileItsPerformerIsHeld) {
     plugRumble(1);
     const auto performer = m_haptics.defaultPerformer();
     ASSERT_TRUE(isFelt(*performer));
@@ -105,7 +105,7 @@ TEST_F(LinuxHapticsTest, TwoUsersShareOneDevice) {
     EXPECT_EQ(m_machine->uploads(), 3);
 }
 
-TEST_F(LinuxHapticsTest, TheEndOfTheServiceErasesAndCloses) {
+TEST_F(LinuxHapticsTest, TheDestructorErasesEffectsAndClosesDevices) {
     plugRumble(1);
     auto haptics = std::make_unique<LinuxHaptics>(m_machine);
     const auto performer = haptics->defaultPerformer();
@@ -117,7 +117,7 @@ TEST_F(LinuxHapticsTest, TheEndOfTheServiceErasesAndCloses) {
     EXPECT_EQ(pulses(), 1U);
 }
 
-TEST_F(LinuxHapticsTest, WithoutDevicesRequestsAreIgnoredAndNothingIsLookedForTwice) {
+TEST_F(LinuxHapticsTest, WithoutDevicesRequestsAreIgnoredAndDevicesListedOnce) {
     for (int i = 0; i < 20; ++i) {
         pulse(*m_haptics.defaultPerformer());
         waitFor(1ms);
@@ -126,17 +126,17 @@ TEST_F(LinuxHapticsTest, WithoutDevicesRequestsAreIgnoredAndNothingIsLookedForTw
     EXPECT_EQ(pulses(), 0U);
 }
 
-TEST_F(LinuxHapticsTest, ADeviceThatComesLaterIsFoundOnceTheLastPerformerIsForgotten) {
+TEST_F(LinuxHapticsTest, ALaterDeviceIsFoundOnceTheLastPerformerIsGone) {
     pulse(*m_haptics.defaultPerformer());
     ASSERT_TRUE(waitUntil([&] { return m_machine->timesListed() == 1; }));
     plugRumble(1);
-    bool isFoundAnew = false;
-    for (int tries = 0; tries < 5 && !isFoundAnew; ++tries) {
+    bool isFound = false;
+    for (int tries = 0; tries < 5 && !isFound; ++tries) {
         waitFor(2000ms);
         pulse(*m_haptics.defaultPerformer());
-        isFoundAnew = waitUntil([&] { return m_machine->timesListed() == 2; }, 300ms);
+        isFound = waitUntil([&] { return m_machine->timesListed() == 2; }, 300ms);
     }
-    ASSERT_TRUE(isFoundAnew);
+    ASSERT_TRUE(isFound);
     EXPECT_TRUE(isFelt(*m_haptics.defaultPerformer()));
 }
 
@@ -154,30 +154,30 @@ TEST_F(LinuxHapticsTest, ADeviceThatVanishesIsDroppedAndTheNextPerformerTakesAno
     EXPECT_EQ(m_machine->plays().back().node, "event2");
 }
 
-TEST_F(LinuxHapticsTest, ADeviceThatIsSlowToTakeItsEffectsHoldsNothingUp) {
+TEST_F(LinuxHapticsTest, ADeviceThatIsSlowToTakeItsEffectsBlocksNothing) {
     plugRumble(1);
-    m_machine->doNotAnswer();
+    m_machine->blockUploads();
     const auto performer = m_haptics.defaultPerformer();
     for (int i = 0; i < 10; ++i) {
         pulse(*performer);
         waitFor(5ms);
     }
     EXPECT_EQ(pulses(), 0U);
-    m_machine->answer();
+    m_machine->unblockUploads();
     EXPECT_TRUE(isFelt(*performer));
 }
 
-TEST_F(LinuxHapticsTest, ADeviceThatNeverAnswersDoesNotHoldUpTheEnd) {
+TEST_F(LinuxHapticsTest, ADeviceThatNeverAnswersDoesNotBlockTheDestructor) {
     using Clock = std::chrono::steady_clock;
     plugRumble(1);
-    m_machine->doNotAnswer();
+    m_machine->blockUploads();
     auto haptics = std::make_unique<LinuxHaptics>(m_machine);
     pulse(*haptics->defaultPerformer());
     ASSERT_TRUE(waitUntil([&] { return !m_machine->opened().empty(); }));
     const auto start = Clock::now();
     haptics.reset();
     EXPECT_LT(Clock::now() - start, std::chrono::seconds(3));
-    m_machine->answer();
+    m_machine->unblockUploads();
     EXPECT_TRUE(isClosed());
 }
 

@@ -27,12 +27,12 @@ using testing::IsEmpty;
 
 constexpr HIDIdentity lid{.vendorID = 0x05AC, .productID = 0x8104};
 
-/// A device on a node that is a plain file, and the kernel that answers for it.
+/// A device whose node is a plain file, with a fake ioctl.
 class HidrawDeviceTest : public testing::Test {
 protected:
     using Report = std::vector<std::uint8_t>;
 
-    std::optional<int> answer(int descriptor, unsigned long request, void* argument) {
+    std::optional<int> ioctlResult(int descriptor, unsigned long request, void* argument) {
         m_access = fcntl(descriptor, F_GETFL) & O_ACCMODE;
         if (request == HIDIOCGRAWINFO) {
             *static_cast<hidraw_devinfo*>(argument) = m_info;
@@ -60,12 +60,12 @@ protected:
     }
 
     FakeIoctl m_kernel{[this](int descriptor, unsigned long request, void* argument) {
-        return answer(descriptor, request, argument);
+        return ioctlResult(descriptor, request, argument);
     }};
-    // The kernel has the two numbers as signed ones.
+    // Signed in the kernel's structure.
     hidraw_devinfo m_info{.bustype = 0, .vendor = 0x05AC, .product = static_cast<short>(0x8104)};
     Report m_report{1, 112, 0};
-    // What the next readings fail with, the last one first.
+    // Errors of the next readings, the last one first.
     std::vector<int> m_errors;
     std::vector<int> m_asked;
     std::size_t m_room = 0;
@@ -87,7 +87,7 @@ TEST_F(HidrawDeviceTest, ADeviceThatDidNotOpenCannotBeRead) {
     EXPECT_THAT(m_asked, IsEmpty());
 }
 
-TEST_F(HidrawDeviceTest, ANodeThatHasBecomeAnotherDevicesDoesNotOpen) {
+TEST_F(HidrawDeviceTest, ANodeThatNowBelongsToAnotherDeviceDoesNotOpen) {
     const auto before = openDescriptors();
     m_info.product = static_cast<short>(0x8105);
     EXPECT_EQ(m_device.open(), ENODEV);
@@ -99,7 +99,7 @@ TEST_F(HidrawDeviceTest, ANodeThatHasBecomeAnotherDevicesDoesNotOpen) {
     EXPECT_EQ(m_device.open(), hidSuccess);
 }
 
-TEST_F(HidrawDeviceTest, ANodeThatIsNoDeviceAnyMoreDoesNotOpen) {
+TEST_F(HidrawDeviceTest, ANodeThatIsNoLongerADeviceDoesNotOpen) {
     const FakeIoctl kernel([](int, unsigned long, void*) { return std::nullopt; });
     EXPECT_EQ(m_device.open(), ENODEV);
 }
@@ -116,7 +116,7 @@ TEST_F(HidrawDeviceTest, ItIsOpenedOnceAndClosedWithTheObject) {
     EXPECT_EQ(openDescriptors(), before);
 }
 
-TEST_F(HidrawDeviceTest, ANodeThatMayOnlyBeReadIsOpenedForThat) {
+TEST_F(HidrawDeviceTest, AReadOnlyNodeIsOpenedForReading) {
     makeReadOnly(m_node);
     const RightsOfAnotherUser rights(m_folder.path());
     ASSERT_EQ(m_device.open(), hidSuccess);
@@ -130,7 +130,7 @@ TEST_F(HidrawDeviceTest, ANodeThatMayNotBeReadDoesNotOpen) {
     EXPECT_EQ(m_device.open(), EACCES);
 }
 
-TEST_F(HidrawDeviceTest, AReportIsWhatTheKernelGives) {
+TEST_F(HidrawDeviceTest, AReportIsPassedOnFromTheKernel) {
     ASSERT_EQ(m_device.open(), hidSuccess);
     m_report = {1, 0x67, 0x01};
     ASSERT_EQ(read(), hidSuccess);
@@ -139,7 +139,7 @@ TEST_F(HidrawDeviceTest, AReportIsWhatTheKernelGives) {
     EXPECT_THAT(m_asked, ElementsAre(1));
 }
 
-TEST_F(HidrawDeviceTest, ItIsAskedForNoMoreThanThereIsRoomFor) {
+TEST_F(HidrawDeviceTest, NoMoreIsReadThanTheBufferHolds) {
     ASSERT_EQ(m_device.open(), hidSuccess);
     ASSERT_EQ(read(2), hidSuccess);
     EXPECT_EQ(m_room, 2U);
@@ -149,14 +149,14 @@ TEST_F(HidrawDeviceTest, ItIsAskedForNoMoreThanThereIsRoomFor) {
     EXPECT_EQ(read(0), EINVAL);
 }
 
-TEST_F(HidrawDeviceTest, AReadingThatASignalCutShortIsMadeAgain) {
+TEST_F(HidrawDeviceTest, AReadingInterruptedByASignalIsRetried) {
     ASSERT_EQ(m_device.open(), hidSuccess);
     m_errors = {EINTR, EINTR};
     EXPECT_EQ(read(), hidSuccess);
     EXPECT_THAT(m_asked, ElementsAre(1, 1, 1));
 }
 
-TEST_F(HidrawDeviceTest, AReadingThatFailsIsNotTheLast) {
+TEST_F(HidrawDeviceTest, AReadingAfterAFailedOneWorks) {
     ASSERT_EQ(m_device.open(), hidSuccess);
     m_errors = {EPIPE};
     EXPECT_EQ(read(), EPIPE);
@@ -193,7 +193,7 @@ TEST(HidrawScanTest, AHIDIDHoldsBusVendorAndProduct) {
     EXPECT_EQ(parseHIDID("0018:000005ac:00008104"), lid);
 }
 
-TEST(HidrawScanTest, WhatIsNoHIDIDIsRefused) {
+TEST(HidrawScanTest, AMalformedHIDIDIsRejected) {
     for (const char* text : {"", ":", "::", "0003", "0003:000005AC", "0003:000005AC:",
                              "0003::00008104", "0003:000005AC:0000810G", "0003:-5AC:8104",
                              "0003:000005AC:00008104:1", "0003: 5AC:8104", "0003:1000005AC:8104"})

@@ -17,7 +17,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// What getReport is asked for an angle stands for a failed open, or a failed reading.
+// In place of an angle: the device does not open, or a reading fails.
 constexpr int unopened = -2;
 constexpr int failed = -1;
 
@@ -48,7 +48,7 @@ protected:
 
     void setChromeLid(const std::string& raw) const { write("iio:device0/in_angl_raw", raw); }
 
-    /// As the kernel's driver shows it: three angles with labels, scale and offset shared.
+    /// The kernel driver's files: three angles with labels, and a shared scale and offset.
     void addIntelHinge(const std::string& raw) const {
         write("iio:device0/name", "hinge\n");
         write("iio:device0/in_angl0_label", "hinge\n");
@@ -65,7 +65,7 @@ protected:
         return findIIOLids(m_sysfs.path());
     }
 
-    /// Every lid's first angle.
+    /// The first angle of each lid.
     [[nodiscard]] std::vector<int> angles() const {
         std::vector<int> result;
         for (const auto& lid : lids())
@@ -73,7 +73,7 @@ protected:
         return result;
     }
 
-    /// The one lid, opened, gives these readings as its raw value goes through `raws`.
+    /// Opens the only lid; its readings while its raw value goes through `raws`.
     [[nodiscard]] std::vector<int> readings(const std::vector<std::string>& raws) const {
         setChromeLid(raws.front());
         const auto lid = lids().at(0);
@@ -89,7 +89,7 @@ protected:
     TemporaryFolder m_sysfs;
 };
 
-TEST_F(IIOLidDeviceTest, AMachineWithoutIndustrialIOHasNoLid) {
+TEST_F(IIOLidDeviceTest, WithoutIndustrialIOThereIsNoLid) {
     EXPECT_THAT(lids(), IsEmpty());
 }
 
@@ -230,12 +230,12 @@ TEST_F(IIOLidDeviceTest, ALoneZeroBetweenReadingsIsAFailedReading) {
     EXPECT_THAT(readings({"90", "0", "91", "0", "92"}), ElementsAre(90, failed, 91, failed, 92));
 }
 
-TEST_F(IIOLidDeviceTest, AZeroThatStaysIsBelievedFromTheSecondReadingOn) {
+TEST_F(IIOLidDeviceTest, ARepeatedZeroIsAccepted) {
     addChromeLid("5");
     EXPECT_THAT(readings({"5", "0", "0", "0", "4", "0"}), ElementsAre(5, failed, 0, 0, 4, failed));
 }
 
-TEST_F(IIOLidDeviceTest, AZeroBeforeAnyOtherReadingIsGivenAsItIs) {
+TEST_F(IIOLidDeviceTest, AZeroAsFirstReadingIsAccepted) {
     addChromeLid("0");
     EXPECT_THAT(readings({"0", "5"}), ElementsAre(0, 5));
 }
@@ -263,7 +263,7 @@ TEST_F(IIOLidDeviceTest, ALidHasNoProductAndNoVendor) {
     EXPECT_EQ(lids().at(0)->integerProperty("VendorID"), std::nullopt);
 }
 
-TEST_F(IIOLidDeviceTest, LidsTurnUpInASearchForAVendorButNotForAProduct) {
+TEST_F(IIOLidDeviceTest, LidsAreFoundBySearchesForAVendorButNotForAProduct) {
     addChromeLid("90");
     LinuxHID hid(m_sysfs.path());
     const auto manager = hid.createManager();

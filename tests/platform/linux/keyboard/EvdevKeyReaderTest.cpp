@@ -52,7 +52,7 @@ TEST_F(EvdevKeyReaderTest, WithoutAKeyboardThatCanBeReadThereIsNoReaderAndNothin
     EXPECT_EQ(openDescriptors(), before);
 }
 
-TEST_F(EvdevKeyReaderTest, SeveralKeyboardsAreHeardAndTheirKeysToldApart) {
+TEST_F(EvdevKeyReaderTest, TheKeysOfSeveralKeyboardsAreToldApart) {
     const auto one = keyboard("event0");
     const auto other = keyboard("event1");
     const auto reader = open();
@@ -72,7 +72,7 @@ TEST_F(EvdevKeyReaderTest, AKeyboardThatComesLaterIsHeard) {
     EXPECT_EQ(presses(), 1);
 }
 
-TEST_F(EvdevKeyReaderTest, AKeyboardThatComesWhileNobodyListensIsHeardAfterwards) {
+TEST_F(EvdevKeyReaderTest, AKeyboardThatComesWhileNothingListensIsHeardAfterwards) {
     const auto one = keyboard("event0");
     const auto reader = open();
     const auto later = keyboard("event1");
@@ -110,7 +110,7 @@ TEST_F(EvdevKeyReaderTest, AKeyboardThatIsPluggedInAgainIsHeardAgain) {
     EXPECT_EQ(presses(), 1);
 }
 
-TEST_F(EvdevKeyReaderTest, AKeyboardThatIsBackBeforeItsEndWasToldIsHeard) {
+TEST_F(EvdevKeyReaderTest, AKeyboardThatComesBackBeforeItsRemovalIsReportedIsHeard) {
     auto one = keyboard("event0");
     const auto reader = open();
     reader->setReading(true);
@@ -133,7 +133,7 @@ TEST_F(EvdevKeyReaderTest, AKeyboardThatBecomesReadableIsHeard) {
     EXPECT_EQ(presses(), 1);
 }
 
-TEST_F(EvdevKeyReaderTest, NewsOfAKeyboardThatIsOpenChangeNothing) {
+TEST_F(EvdevKeyReaderTest, EventsForAKeyboardThatIsOpenChangeNothing) {
     const auto one = keyboard("event0");
     const auto reader = open();
     reader->setReading(true);
@@ -146,7 +146,7 @@ TEST_F(EvdevKeyReaderTest, NewsOfAKeyboardThatIsOpenChangeNothing) {
     EXPECT_EQ(presses(), 0) << "the key was known to be down";
 }
 
-TEST_F(EvdevKeyReaderTest, AllKeyboardsMayGoAndOneComeBack) {
+TEST_F(EvdevKeyReaderTest, OneKeyboardIsHeardAgainAfterAllHaveGone) {
     auto one = keyboard("event0");
     const auto reader = open();
     reader->setReading(true);

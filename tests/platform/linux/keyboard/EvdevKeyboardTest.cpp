@@ -18,7 +18,7 @@ using testing::IsEmpty;
 
 using Heard = std::pair<TapEventType, std::int64_t>;
 
-// What the device answers when it is asked; a query carries no context.
+// The result of the next query. Global, as a query carries no context.
 std::optional<EvdevKeyboard::Keys> keysByTheDevice;
 
 std::optional<EvdevKeyboard::Keys> answer(int /*descriptor*/) {
@@ -99,7 +99,7 @@ TEST_F(EvdevKeyboardTest, ButtonsAreNoKeys) {
     EXPECT_THAT(heard(), ElementsAre(keyDown, keyDown, keyDown, keyDown, keyDown));
 }
 
-TEST_F(EvdevKeyboardTest, EventsThatAreNoKeysAreNotHeard) {
+TEST_F(EvdevKeyboardTest, EventsOtherThanKeysAreNotHeard) {
     openKeyboard();
     m_pipe.sendEvent(EV_MSC, MSC_SCAN, 30);
     m_pipe.sendEvent(EV_LED, LED_CAPSL, 1);
@@ -109,11 +109,11 @@ TEST_F(EvdevKeyboardTest, EventsThatAreNoKeysAreNotHeard) {
     EXPECT_THAT(heard(), IsEmpty());
 }
 
-TEST_F(EvdevKeyboardTest, WhatTheDeviceHasLostIsAskedForOnce) {
+TEST_F(EvdevKeyboardTest, TheStateIsQueriedOnceAfterLostEvents) {
     openKeyboard();
     m_pipe.send(KEY_A, 1);
     EXPECT_THAT(heard(), ElementsAre(keyDown));
-    // Of the rest of the broken report nothing is to be believed.
+    // The rest of the broken report is ignored.
     m_pipe.sendEvent(EV_SYN, SYN_DROPPED, 0);
     m_pipe.sendEvent(EV_KEY, KEY_C, 1);
     EXPECT_THAT(heard(), IsEmpty());
@@ -126,7 +126,7 @@ TEST_F(EvdevKeyboardTest, WhatTheDeviceHasLostIsAskedForOnce) {
     EXPECT_THAT(heard(), ElementsAre(repeatedKeyDown, keyDown));
 }
 
-TEST_F(EvdevKeyboardTest, AKeyThatIsHeldAllAlongIsNoPressAfterAGap) {
+TEST_F(EvdevKeyboardTest, AKeyHeldThroughoutAGapIsNoPress) {
     openKeyboard();
     m_pipe.send(KEY_A, 1);
     EXPECT_THAT(heard(), ElementsAre(keyDown));
@@ -146,7 +146,7 @@ TEST_F(EvdevKeyboardTest, AGapWithNoKeyDownBeforeOrAfterHidesAPress) {
     EXPECT_THAT(heard(), ElementsAre(keyDown));
 }
 
-TEST_F(EvdevKeyboardTest, AKeyThatIsDownSinceBeforeIsNoPress) {
+TEST_F(EvdevKeyboardTest, AKeyThatWasDownBeforeIsNoPress) {
     holdOnTheDevice({KEY_A});
     openKeyboard();
     m_pipe.send(KEY_A, 2);
@@ -156,7 +156,7 @@ TEST_F(EvdevKeyboardTest, AKeyThatIsDownSinceBeforeIsNoPress) {
     EXPECT_THAT(heard(), IsEmpty());
 }
 
-TEST_F(EvdevKeyboardTest, HalfAnEventIsHeardWhenItsRestComes) {
+TEST_F(EvdevKeyboardTest, AnEventReadInTwoHalvesIsHeard) {
     openKeyboard();
     const input_event event = KeyboardPipe::make(EV_KEY, KEY_A, 1);
     const std::string_view bytes(reinterpret_cast<const char*>(&event), sizeof event);
@@ -179,7 +179,7 @@ TEST_F(EvdevKeyboardTest, AKeyboardThatVanishesInMidEventIsClosed) {
     EXPECT_THAT(heard(), IsEmpty());
 }
 
-TEST_F(EvdevKeyboardTest, MoreThanItsBufferHoldsIsHeardInFull) {
+TEST_F(EvdevKeyboardTest, MoreEventsThanTheBufferHoldsAreAllHeard) {
     openKeyboard();
     for (int i = 0; i < 300; ++i) {
         m_pipe.send(KEY_A, 1);

@@ -41,21 +41,21 @@ TEST_F(LinuxAccessibilityTest, AWaylandSessionIsTrustedWhenSomeKeyboardCanBeRead
     EXPECT_TRUE(isTrusted(std::nullopt, "wayland-0"));
 }
 
-TEST_F(LinuxAccessibilityTest, AKeyboardThatMayOnlyBeReadMakesTrust) {
+TEST_F(LinuxAccessibilityTest, AReadOnlyKeyboardGivesTrust) {
     m_keyboards.push_back(m_folder.write("event1", ""));
     makeReadOnly(m_keyboards.back());
     const RightsOfAnotherUser rights(m_folder.path());
     EXPECT_TRUE(isTrusted(std::nullopt, "wayland-0"));
 }
 
-TEST_F(LinuxAccessibilityTest, AKeyboardThatMayNotBeReadMakesNone) {
+TEST_F(LinuxAccessibilityTest, AnUnreadableKeyboardGivesNoTrust) {
     m_keyboards.push_back(m_folder.write("event1", ""));
     fs::permissions(m_keyboards.back(), fs::perms::none);
     const RightsOfAnotherUser rights(m_folder.path());
     EXPECT_FALSE(isTrusted(std::nullopt, "wayland-0"));
 }
 
-TEST_F(LinuxAccessibilityTest, WithoutAnySessionOnlyAKeyboardMakesTrust) {
+TEST_F(LinuxAccessibilityTest, WithoutASessionOnlyAReadableKeyboardGivesTrust) {
     EXPECT_FALSE(isTrusted(std::nullopt, std::nullopt));
     m_keyboards.push_back(m_folder.write("event1", ""));
     EXPECT_TRUE(isTrusted(std::nullopt, std::nullopt));

@@ -20,7 +20,7 @@ using testing::IsEmpty;
 
 using Heard = std::pair<TapEventType, std::int64_t>;
 
-// A callback carries no context.
+// Global, as a callback carries no context.
 std::vector<Heard> heardEvents;
 
 const TapEvent& hear(const TapEvent& event) {
@@ -79,7 +79,7 @@ TEST_F(LinuxEventTapServiceTest, EveryModifierAndLockOfTheUsualKeymapOnlyChanges
     }
 }
 
-TEST_F(LinuxEventTapServiceTest, AKeyThatIsMadeAModifierIsOneFromThenOn) {
+TEST_F(LinuxEventTapServiceTest, AKeyRemappedToAModifierIsOne) {
     startToListen();
     m_display.press(letter);
     m_display.release(letter);
@@ -91,7 +91,7 @@ TEST_F(LinuxEventTapServiceTest, AKeyThatIsMadeAModifierIsOneFromThenOn) {
     EXPECT_THAT(heard(), ElementsAre(flagsChanged, flagsChanged));
 }
 
-TEST_F(LinuxEventTapServiceTest, ASymbolTellsWhetherItsKeyIsAModifier) {
+TEST_F(LinuxEventTapServiceTest, SymbolsDecideWhichKeysAreModifiers) {
     startToListen();
     const auto typedAs = [this](xcb_keysym_t symbol) {
         m_display.remap(letter, symbol);
@@ -122,7 +122,7 @@ TEST_F(LinuxEventTapServiceTest, KeysAreHeardWhileAnotherProgramHasGrabbedTheKey
     EXPECT_THAT(heard(), ElementsAre(keyDown));
 }
 
-TEST_F(LinuxEventTapServiceTest, AKeyThatIsDownSinceBeforeIsNoPressUntilItWasReleased) {
+TEST_F(LinuxEventTapServiceTest, AKeyThatWasDownBeforeIsNoPressUntilItIsReleased) {
     m_display.press(letter);
     m_display.sync();
     startToListen();
@@ -133,7 +133,7 @@ TEST_F(LinuxEventTapServiceTest, AKeyThatIsDownSinceBeforeIsNoPressUntilItWasRel
     EXPECT_THAT(heard(), ElementsAre(keyUp, keyDown));
 }
 
-TEST_F(LinuxEventTapServiceTest, NothingIsOpenBeforeTheTapNorAfterIt) {
+TEST_F(LinuxEventTapServiceTest, NothingIsOpenBeforeOrAfterTheTap) {
     QCoreApplication::processEvents();
     const auto before = openDescriptors();
     const LinuxEventTapService taps;
@@ -145,7 +145,7 @@ TEST_F(LinuxEventTapServiceTest, NothingIsOpenBeforeTheTapNorAfterIt) {
     EXPECT_EQ(openDescriptors(), before);
 }
 
-TEST_F(LinuxEventTapServiceTest, ASourceThatOutlivesItsTapIsClosedWithItself) {
+TEST_F(LinuxEventTapServiceTest, ASourceMayOutliveItsTap) {
     QCoreApplication::processEvents();
     const auto before = openDescriptors();
     startToListen();
@@ -156,11 +156,11 @@ TEST_F(LinuxEventTapServiceTest, ASourceThatOutlivesItsTapIsClosedWithItself) {
     EXPECT_EQ(openDescriptors(), before);
 }
 
-TEST_F(LinuxEventTapServiceTest, ADisplayServerThatEndsIsBorneInSilence) {
+TEST_F(LinuxEventTapServiceTest, ADisplayServerThatEndsIsIgnoredSilently) {
     startToListen();
     testing::internal::CaptureStderr();
     m_display.end();
-    // Its end makes the connection readable, and so it would stay.
+    // The end of the server leaves the connection readable for ever.
     int turns = 0;
     waitUntil([&turns] { return ++turns > 20; });
     m_source->removeFromRunLoop();
@@ -173,12 +173,12 @@ TEST_F(LinuxEventTapServiceTest, ADisplayServerThatEndsIsBorneInSilence) {
     EXPECT_THAT(heardEvents, IsEmpty());
 }
 
-TEST_F(LinuxEventTapServiceTest, WithoutAServerThatAnswersThereIsNoTap) {
+TEST_F(LinuxEventTapServiceTest, WithoutAServerThereIsNoTap) {
     m_display.end();
     EXPECT_FALSE(createTap());
 }
 
-TEST_F(LinuxEventTapServiceTest, AWaylandSessionIsNotHeardThroughItsX11Part) {
+TEST_F(LinuxEventTapServiceTest, AWaylandSessionIsNotHeardThroughXwayland) {
     const EnvironmentVariable wayland("WAYLAND_DISPLAY", "wayland-0");
     QCoreApplication::processEvents();
     const auto before = openDescriptors();

@@ -16,7 +16,7 @@ using testing::ElementsAre;
 /// The ring of a stop screen from its top clockwise, a sign for each fortieth: "#" white, "."
 /// faint.
 std::string ringIn(const QImage& picture) {
-    // It is the first thing from the left below the texts, and its widest row its middle.
+    // It is the leftmost thing below the texts; its widest row is its middle.
     const QRect leftEdge = drawnIn(picture, {97, 395, 5, 200});
     const double middle = leftEdge.top() + leftEdge.height() / 2.0;
     std::string ring;
@@ -29,7 +29,7 @@ std::string ringIn(const QImage& picture) {
     return ring;
 }
 
-/// What a text in white looks like over the blue, drawn plainly from `x` on.
+/// A text in white over the blue, drawn with QPainter from `x` on.
 QImage plainly(const QString& text, int size, QFont::Weight weight, double opacity, int x = 100) {
     QImage picture(1280, 200, QImage::Format_RGB32);
     picture.fill(blue);
@@ -44,7 +44,7 @@ QImage plainly(const QString& text, int size, QFont::Weight weight, double opaci
     return picture;
 }
 
-/// How much white there is over the blue.
+/// The amount of white over the blue.
 double inkIn(const QImage& picture, const QRect& part) {
     double ink = 0;
     for (int y = part.top(); y <= part.bottom(); ++y)
@@ -53,7 +53,7 @@ double inkIn(const QImage& picture, const QRect& part) {
     return ink;
 }
 
-/// How far apart the most different pixels of two pictures are, of 255.
+/// The largest difference of a pixel in two pictures, of 255.
 int mostDifferent(const QImage& one, const QImage& other) {
     int most = 0;
     for (int y = 0; y < one.height(); ++y)
@@ -72,7 +72,7 @@ void expectLooksLike(const QImage& picture, const QRect& line, const QImage& exp
 
 } // namespace
 
-TEST_F(LinuxScreensTest, ringIsFilledFromTheTopClockwise) {
+TEST_F(LinuxScreensTest, RingIsFilledFromTheTopClockwise) {
     for (const auto& [progress, done] :
          {std::pair(0.0, 0U), std::pair(0.25, 10U), std::pair(0.5, 20U), std::pair(1.0, 40U)}) {
         m_stop->progress = progress;
@@ -82,7 +82,7 @@ TEST_F(LinuxScreensTest, ringIsFilledFromTheTopClockwise) {
     }
 }
 
-TEST_F(LinuxScreensTest, ringIs70PointsAcrossAndItsLine3) {
+TEST_F(LinuxScreensTest, RingIs70PointsAcrossAndItsLine3) {
     m_stop->progress = 0.5;
     const auto panel = showStopScreen();
     const QImage picture = m_desktop.look();
@@ -96,7 +96,7 @@ TEST_F(LinuxScreensTest, ringIs70PointsAcrossAndItsLine3) {
     EXPECT_NEAR(line.width(), 3, 1);
 }
 
-TEST_F(LinuxScreensTest, ringGrowsInTheOneThatIsUpAsTheProgressDoes) {
+TEST_F(LinuxScreensTest, RingGrowsWithTheProgress) {
     const auto panel = showStopScreen();
     for (unsigned done = 0; done <= 40; ++done) {
         m_stop->progress = done / 40.0;
@@ -106,7 +106,7 @@ TEST_F(LinuxScreensTest, ringGrowsInTheOneThatIsUpAsTheProgressDoes) {
     }
 }
 
-TEST_F(LinuxScreensTest, textsAreInInterInTheirSizesAndWeights) {
+TEST_F(LinuxScreensTest, TextsAreInInterInTheirSizesAndWeights) {
     m_stop->progress = 1;
     const auto panel = showStopScreen();
     const QImage picture = m_desktop.look();
@@ -129,7 +129,7 @@ TEST_F(LinuxScreensTest, textsAreInInterInTheirSizesAndWeights) {
     expectLooksLike(picture, beside[1], plainly("0xC000021A", 14, QFont::Normal, 0.6, 202));
 }
 
-TEST_F(LinuxScreensTest, everyStopCodeHasALineOfItsOwnOnASmallScreen) {
+TEST_F(LinuxScreensTest, EveryStopCodeHasALineOfItsOwnOnASmallScreen) {
     const auto panel = m_screens.createPanel({.width = 800, .height = 600}, 128, 2, false);
     panel->setContentView(std::make_shared<BSODView>(m_stop));
     for (const char* name : {"SYSTEM_THREAD_EXCEPTION_NOT_HANDLED", "DRIVER_IRQL_NOT_LESS_OR_EQUAL",
@@ -149,7 +149,7 @@ TEST_F(LinuxScreensTest, everyStopCodeHasALineOfItsOwnOnASmallScreen) {
     }
 }
 
-TEST_F(LinuxScreensTest, textsHangFromTheTopLeftWithinTheirPadding) {
+TEST_F(LinuxScreensTest, TextsStartAtTheTopLeftInsideThePadding) {
     const auto panel = showStopScreen();
     const QImage picture = m_desktop.look();
     const QRect all = drawnIn(picture, TestDesktop::whole);
@@ -165,7 +165,7 @@ TEST_F(LinuxScreensTest, textsHangFromTheTopLeftWithinTheirPadding) {
     EXPECT_GT(sentence.width(), 600);
 }
 
-TEST_F(LinuxScreensTest, whatChangesIsDrawnAsIfItHadBeenSoFromTheStart) {
+TEST_F(LinuxScreensTest, ChangesAreDrawnAsIfFromTheStart) {
     m_stop->progress = 0.999;
     auto panel = showStopScreen();
     m_stop->progress = 0.08;
@@ -179,7 +179,7 @@ TEST_F(LinuxScreensTest, whatChangesIsDrawnAsIfItHadBeenSoFromTheStart) {
     EXPECT_NE(changed, m_desktop.look());
 }
 
-TEST_F(LinuxScreensTest, ringThatHasGrownLooksLikeOneThatIsDrawnAtOnce) {
+TEST_F(LinuxScreensTest, RingThatHasGrownLooksLikeOneThatIsDrawnAtOnce) {
     auto panel = showStopScreen();
     // As the ticks of five seconds have it.
     for (int tick = 1; tick <= 300; ++tick) {
@@ -196,7 +196,7 @@ TEST_F(LinuxScreensTest, ringThatHasGrownLooksLikeOneThatIsDrawnAtOnce) {
     }
 }
 
-TEST_F(LinuxScreensTest, whatHasBeenUncoveredIsThereAgain) {
+TEST_F(LinuxScreensTest, UncoveredPartsAreDrawnAgain) {
     m_stop->progress = 0.5;
     const auto panel = showStopScreen();
     const QImage before = m_desktop.look();
@@ -207,7 +207,7 @@ TEST_F(LinuxScreensTest, whatHasBeenUncoveredIsThereAgain) {
     EXPECT_EQ(m_desktop.look(), before);
 }
 
-TEST_F(LinuxScreensTest, pointsAreAsManyPixelsAsTheScaleFactorSays) {
+TEST_F(LinuxScreensTest, PointsFollowTheScaleFactor) {
     for (const double scale : {1.5, 2.0}) {
         ChildProcess program({"env", "QT_SCALE_FACTOR=" + std::to_string(scale),
                               QUORVANE_OVERLAY_PROBE, "stop", "0"});
@@ -231,7 +231,7 @@ TEST_F(LinuxScreensTest, pointsAreAsManyPixelsAsTheScaleFactorSays) {
     }
 }
 
-TEST_F(PoorServerTest, stopScreenIsSentWhereNoMemoryIsShared) {
+TEST_F(PoorServerTest, StopScreenIsSentWithoutSharedMemory) {
     m_stop->progress = 0.5;
     const auto panel = showStopScreen();
     EXPECT_THAT(m_desktop.panels(), ElementsAre(TestDesktop::whole));

@@ -36,7 +36,7 @@ inline QRgb veiled(QRgb color) {
     return qRgb(veil(qRed(color)), veil(qGreen(color)), veil(qBlue(color)));
 }
 
-/// The rectangle around all that is not of the background's colour in a part of a picture.
+/// The rectangle around everything in a part of a picture that is not of the background's colour.
 inline QRect drawnIn(const QImage& picture, const QRect& part, QRgb background = blue) {
     QRect drawn;
     for (int y = part.top(); y <= part.bottom(); ++y)
@@ -135,7 +135,7 @@ protected:
     LinuxScreens m_screens;
 };
 
-/// On an X server that lacks what makes it quick.
+/// On an X server without shared memory and monitors.
 class PoorServerTest : public LinuxScreensTest {
 protected:
     explicit PoorServerTest(const std::vector<std::string>& more = {})

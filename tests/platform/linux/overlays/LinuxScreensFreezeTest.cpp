@@ -27,7 +27,7 @@ std::array<int, spokes> spokesIn(const QImage& picture, QPointF center) {
     return darkness;
 }
 
-/// The rectangle around all pixels that two pictures do not have in common.
+/// The rectangle around all pixels in which two pictures differ.
 QRect differenceOf(const QImage& one, const QImage& other) {
     QRect different;
     for (int y = 0; y < one.height(); ++y)
@@ -76,7 +76,7 @@ protected:
             const int next = darkestOf(spokesIn(now, m_center));
             const int step = (next - before + spokes) % spokes;
             EXPECT_LE(step, spokes / 2) << "not clockwise";
-            // The first step is seen when it comes and begins the count.
+            // The count begins with the first step.
             if (twelfths.isActive())
                 steps += step;
             else
@@ -96,7 +96,7 @@ protected:
     QPointF m_center;
 };
 
-TEST_F(LinuxScreensTest, freezeWithoutACompositorShowsAStillUnderTheVeil) {
+TEST_F(LinuxScreensTest, FreezeWithoutACompositorShowsAScreenshotUnderTheVeil) {
     const xcb_window_t window = m_desktop.openWindow(TestDesktop::whole, red, true);
     ASSERT_TRUE(comesToShow(farFromText, red));
     const auto panel = showFreeze();
@@ -108,7 +108,7 @@ TEST_F(LinuxScreensTest, freezeWithoutACompositorShowsAStillUnderTheVeil) {
     EXPECT_TRUE(comesToShow(farFromText, green));
 }
 
-TEST_F(LinuxScreensTest, freezeUnderACompositorShowsTheDesktopAsItGoesOn) {
+TEST_F(LinuxScreensTest, FreezeUnderACompositorShowsTheLiveDesktop) {
     const auto compositor = m_desktop.startCompositor();
     const xcb_window_t window = m_desktop.openWindow(TestDesktop::whole, red, true);
     ASSERT_TRUE(comesToShow(farFromText, red));
@@ -118,7 +118,7 @@ TEST_F(LinuxScreensTest, freezeUnderACompositorShowsTheDesktopAsItGoesOn) {
     EXPECT_TRUE(comesToShow(farFromText, veiled(green)));
 }
 
-TEST_F(FreezeOverWhiteTest, textIsGreyAndBelowTheSpinner) {
+TEST_F(FreezeOverWhiteTest, TextIsGreyAndBelowTheSpinner) {
     const auto panel = showFreeze();
     const QImage picture = m_desktop.look();
     const QRect text = drawnIn(picture, {0, static_cast<int>(m_center.y()) + 50, 1280, 200}, white);
@@ -136,7 +136,7 @@ TEST_F(FreezeOverWhiteTest, textIsGreyAndBelowTheSpinner) {
         << qRed(darkest) << ' ' << qGreen(darkest) << ' ' << qBlue(darkest);
 }
 
-TEST_F(FreezeOverWhiteTest, spinnerIsThreeTimesItsSizeWithSpokesThatFadeBehindTheFirst) {
+TEST_F(FreezeOverWhiteTest, SpinnerIsThreeTimesItsSizeWithSpokesThatFadeBehindTheFirst) {
     const auto panel = showFreeze();
     const QImage picture = m_desktop.look();
     const QRect drawn = drawnIn(picture, {0, 0, 1280, static_cast<int>(m_center.y()) + 50}, white);
@@ -155,28 +155,28 @@ TEST_F(FreezeOverWhiteTest, spinnerIsThreeTimesItsSizeWithSpokesThatFadeBehindTh
         const int here = darkness.at(static_cast<std::size_t>(first - behind + spokes) % spokes);
         EXPECT_LT(here, before) << behind;
         EXPECT_GE(here, 14) << behind << ": can hardly be seen";
-        // The two faintest are alike.
+        // The two faintest look the same.
         before = behind < spokes - 2 ? here : here + 1;
     }
 }
 
-TEST_F(FreezeOverWhiteTest, spinnerTurnsClockwiseOnceASecondAndTheRestStandsStill) {
+TEST_F(FreezeOverWhiteTest, SpinnerTurnsClockwiseOnceASecondAndTheRestStandsStill) {
     const auto panel = showFreeze();
-    // A busy machine may hold up the one timer more than the other: a wrong pace never fits.
+    // On a busy machine one timer may be later than the other; a wrong speed never fits.
     int off = spokes;
     for (int attempt = 0; attempt < 5 && off > 2; ++attempt)
         off = std::abs(stepsTooManyInTwoTurns());
     EXPECT_LE(off, 2);
 }
 
-/// A screen whose pixels are more than the server takes at a time, which is 4 MB here.
+/// A screen with more pixels than the X server takes in one request (4 MB here).
 class LargePoorServerTest : public PoorServerTest {
 protected:
     LargePoorServerTest()
         : PoorServerTest({"-screen", "0", "1920x1400x24", "-maxbigreqsize", "1"}) {}
 };
 
-TEST_F(LinuxScreensTest, freezeOnAnotherMonitorShowsWhatIsBeneathItThere) {
+TEST_F(LinuxScreensTest, FreezeOnAnotherMonitorShowsItsDesktop) {
     splitScreen();
     m_desktop.openMenu({0, 0, 640, 800}, green);
     m_desktop.openWindow({660, 100, 600, 650}, red);
@@ -187,27 +187,27 @@ TEST_F(LinuxScreensTest, freezeOnAnotherMonitorShowsWhatIsBeneathItThere) {
     EXPECT_TRUE(isNear(m_desktop.look({639, 700}), green));
 }
 
-TEST_F(LinuxScreensTest, freezeUnderACompositorAsksItToGoOnBlending) {
+TEST_F(LinuxScreensTest, FreezeKeepsTheCompositorBlending) {
     const auto compositor = m_desktop.startCompositor();
     const auto panel = showFreeze();
     EXPECT_THAT(m_desktop.panelProperty("_NET_WM_BYPASS_COMPOSITOR"), testing::ElementsAre(2U));
 }
 
-TEST_F(PoorServerTest, freezeShowsAStillThatWasSent) {
+TEST_F(PoorServerTest, FreezeIsSentWithoutSharedMemory) {
     m_desktop.openWindow(TestDesktop::whole, red, true);
     ASSERT_TRUE(comesToShow(farFromText, red));
     const auto panel = showFreeze();
     EXPECT_TRUE(comesToShow(farFromText, veiled(red)));
 }
 
-TEST_F(LinuxScreensTest, freezeTakesTheClicksToo) {
+TEST_F(LinuxScreensTest, FreezeTakesTheClicksToo) {
     m_desktop.openWindow({100, 100, 400, 300}, red);
     const auto panel = showFreeze();
     m_desktop.click({300, 250});
     EXPECT_EQ(m_desktop.takeClicks(), 0);
 }
 
-TEST_F(LinuxScreensTest, freezeKeepsItsStillWhenTheScreenIsResized) {
+TEST_F(LinuxScreensTest, FreezeKeepsItsScreenshotWhenTheScreenIsResized) {
     m_desktop.openWindow(TestDesktop::whole, red, true);
     ASSERT_TRUE(comesToShow(farFromText, red));
     const auto panel = showFreeze();
@@ -216,7 +216,7 @@ TEST_F(LinuxScreensTest, freezeKeepsItsStillWhenTheScreenIsResized) {
     EXPECT_TRUE(comesToShow({900, 500}, veiled(red)));
 }
 
-TEST_F(LargePoorServerTest, stillOfALargeScreenIsSentInParts) {
+TEST_F(LargePoorServerTest, ScreenshotOfALargeScreenIsSentInParts) {
     m_desktop.openMenu({0, 0, 1920, 700}, red);
     m_desktop.openMenu({0, 700, 1920, 700}, green);
     const auto panel = showFreeze();

@@ -1,4 +1,4 @@
-// What removes a panel when the program cannot.
+// How a panel goes when the main thread cannot remove it.
 
 #include <chrono>
 #include <csignal>
@@ -55,7 +55,7 @@ protected:
 
     [[nodiscard]] bool isClear() const { return m_desktop.panels().empty(); }
 
-    /// As tools do that end the client of a window.
+    /// As xkill does.
     void endClientOfPanel() {
         xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
         const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
@@ -70,7 +70,7 @@ protected:
     }
 };
 
-TEST_F(LinuxScreensLeaveTest, hungMainThreadLosesItsPanelAndCanShowTheNextOne) {
+TEST_F(LinuxScreensLeaveTest, HungMainThreadLosesItsPanelAndCanShowAnother) {
     CaptureStderr();
     const auto asked = Clock::now();
     const auto panel = showWithTimeLimit();
@@ -83,7 +83,7 @@ TEST_F(LinuxScreensLeaveTest, hungMainThreadLosesItsPanelAndCanShowTheNextOne) {
     EXPECT_EQ(GetCapturedStderr(),
               "quorvane: the main thread hangs: removed a panel that was overdue\n");
 
-    // The main thread goes on, and does not know of it.
+    // The main thread runs again and has not noticed.
     m_stop->progress = 0.5;
     panel->orderOut();
     const auto next = showStopScreen();
@@ -93,7 +93,7 @@ TEST_F(LinuxScreensLeaveTest, hungMainThreadLosesItsPanelAndCanShowTheNextOne) {
     EXPECT_THAT(m_desktop.panels(), IsEmpty());
 }
 
-TEST_F(LinuxScreensLeaveTest, panelThatGoesInTimeIsNotMissed) {
+TEST_F(LinuxScreensLeaveTest, PanelThatGoesInTimeIsNotReported) {
     CaptureStderr();
     const auto other = showStopScreen();
     const auto panel = showWithTimeLimit();
@@ -103,7 +103,7 @@ TEST_F(LinuxScreensLeaveTest, panelThatGoesInTimeIsNotMissed) {
     EXPECT_EQ(GetCapturedStderr(), "");
 }
 
-TEST_F(LinuxScreensLeaveTest, timeLimitRunsFromTheFirstShowingAndAChangeOfTheLookKeepsIt) {
+TEST_F(LinuxScreensLeaveTest, TimeLimitRunsFromTheFirstShowing) {
     CaptureStderr();
     const auto panel = showWithTimeLimit();
     const auto shown = Clock::now();
@@ -115,12 +115,12 @@ TEST_F(LinuxScreensLeaveTest, timeLimitRunsFromTheFirstShowingAndAChangeOfTheLoo
     GetCapturedStderr();
 }
 
-TEST_F(LinuxScreensLeaveTest, panelWithoutATimeLimitStaysUp) {
+TEST_F(LinuxScreensLeaveTest, PanelWithoutATimeLimitStaysUp) {
     const auto panel = showStopScreen();
     EXPECT_FALSE(hangUntil([this] { return isClear(); }, 3));
 }
 
-TEST_F(LinuxScreensLeaveTest, stopFromTheTerminalRemovesThePanelThatIsStillUp) {
+TEST_F(LinuxScreensLeaveTest, StopFromTheTerminalRemovesThePanelThatIsStillUp) {
     const auto panel = showStopScreen();
     showFreeze()->orderOut();
     ASSERT_THAT(m_desktop.panels(), ElementsAre(TestDesktop::whole));
@@ -133,7 +133,7 @@ TEST_F(LinuxScreensLeaveTest, stopFromTheTerminalRemovesThePanelThatIsStillUp) {
     EXPECT_THAT(m_desktop.panels(), ElementsAre(TestDesktop::whole));
 }
 
-TEST_F(LinuxScreensLeaveTest, panelsThatLostTheirConnectionAreHarmlessWhileAnotherComes) {
+TEST_F(LinuxScreensLeaveTest, PanelsThatLostTheirConnectionAreHarmlessWhenAnotherIsShown) {
     const auto lost = showStopScreen();
     const auto freeze = showFreeze();
     endClientOfPanel();
@@ -147,7 +147,7 @@ TEST_F(LinuxScreensLeaveTest, panelsThatLostTheirConnectionAreHarmlessWhileAnoth
     EXPECT_TRUE(comesToShow(farFromText, blue));
 }
 
-TEST_F(PoorServerTest, viewThatChangesAfterItsConnectionHasEndedIsHarmless) {
+TEST_F(PoorServerTest, ChangesAfterTheConnectionHasEndedAreHarmless) {
     std::signal(SIGPIPE, SIG_IGN);
     const auto panel = show({.opaque = true,
                              .background = BSODView::background,

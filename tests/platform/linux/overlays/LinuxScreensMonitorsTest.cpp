@@ -14,7 +14,7 @@ constexpr QRect rightHalf{640, 0, 640, 800};
 
 } // namespace
 
-TEST_F(LinuxScreensTest, mainScreenIsTheOneWithTheKeyboard) {
+TEST_F(LinuxScreensTest, MainScreenIsTheOneWithTheKeyboard) {
     splitScreen();
     const xcb_window_t left = m_desktop.openWindow({50, 100, 300, 300}, red);
     m_desktop.openWindow({800, 100, 300, 300}, green);
@@ -25,7 +25,7 @@ TEST_F(LinuxScreensTest, mainScreenIsTheOneWithTheKeyboard) {
     EXPECT_THAT(m_desktop.panels(), ElementsAre(QRect(0, 0, 640, 800)));
 }
 
-TEST_F(LinuxScreensTest, panelGoesToTheMainScreenWhenItsOwnIsUnplugged) {
+TEST_F(LinuxScreensTest, PanelGoesToTheMainScreenWhenItsOwnIsUnplugged) {
     splitScreen();
     m_desktop.openWindow({800, 100, 300, 300}, green);
     const auto panel = showStopScreen();
@@ -35,7 +35,7 @@ TEST_F(LinuxScreensTest, panelGoesToTheMainScreenWhenItsOwnIsUnplugged) {
     EXPECT_TRUE(comesToShow({639, 799}, blue));
 }
 
-TEST_F(LinuxScreensTest, panelKeepsCoveringAScreenThatIsResized) {
+TEST_F(LinuxScreensTest, PanelCoversAScreenThatIsResized) {
     const auto panel = showStopScreen();
     useSmallMode();
     EXPECT_TRUE(comesToCover({0, 0, 1024, 600}));
@@ -45,7 +45,7 @@ TEST_F(LinuxScreensTest, panelKeepsCoveringAScreenThatIsResized) {
     EXPECT_TRUE(comesToShow({1279, 799}, blue));
 }
 
-TEST_F(LinuxScreensTest, withoutAnyScreenThereIsNoMainOneAndThePanelGoes) {
+TEST_F(LinuxScreensTest, WithoutAnyScreenThereIsNoMainScreenAndThePanelGoes) {
     const auto panel = showStopScreen();
     xrandr({"--output", "screen", "--off"});
     EXPECT_TRUE(waitUntil([&] { return m_desktop.panels().empty(); }));
@@ -54,12 +54,12 @@ TEST_F(LinuxScreensTest, withoutAnyScreenThereIsNoMainOneAndThePanelGoes) {
     panel->orderOut();
 }
 
-TEST_F(LinuxScreensTest, withoutAFocusedWindowTheMainScreenIsThePrimaryOne) {
+TEST_F(LinuxScreensTest, WithoutAFocusedWindowTheMainScreenIsThePrimaryOne) {
     splitScreen("right");
     EXPECT_EQ(m_screens.mainScreen()->frame(), (Rect{.x = 640, .width = 640, .height = 800}));
 }
 
-TEST_F(LinuxScreensTest, windowOnTwoMonitorsIsOnTheOneWithMoreOfIt) {
+TEST_F(LinuxScreensTest, WindowOnTwoMonitorsIsOnTheOneWithMoreOfIt) {
     splitScreen("left");
     EXPECT_EQ(m_screens.mainScreen()->frame(), (Rect{.width = 640, .height = 800}));
     m_desktop.openWindow({500, 100, 400, 300}, red);
@@ -68,14 +68,14 @@ TEST_F(LinuxScreensTest, windowOnTwoMonitorsIsOnTheOneWithMoreOfIt) {
     EXPECT_EQ(m_screens.mainScreen()->frame(), (Rect{.width = 640, .height = 800}));
 }
 
-TEST_F(LinuxScreensTest, screenSaysHowLargeItIsNow) {
+TEST_F(LinuxScreensTest, ScreenHasItsCurrentSize) {
     const auto screen = m_screens.mainScreen();
     ASSERT_EQ(screen->frame(), (Rect{.width = 1280, .height = 800}));
     useSmallMode();
     EXPECT_EQ(screen->frame(), (Rect{.width = 1024, .height = 600}));
 }
 
-TEST_F(LinuxScreensTest, clicksOnTheOtherMonitorReachTheWindowsThere) {
+TEST_F(LinuxScreensTest, ClicksOnTheOtherMonitorReachTheWindowsThere) {
     splitScreen();
     m_desktop.openWindow({50, 100, 300, 300}, red);
     const xcb_window_t covered = m_desktop.openWindow({800, 100, 300, 300}, green);
@@ -94,7 +94,7 @@ TEST_F(LinuxScreensTest, clicksOnTheOtherMonitorReachTheWindowsThere) {
     }
 }
 
-TEST_F(LinuxScreensTest, panelCoversItsMonitorToTheEdgeAndNoPixelOfTheOther) {
+TEST_F(LinuxScreensTest, PanelCoversItsMonitorToTheEdgeAndNoPixelOfTheOther) {
     splitScreen();
     m_desktop.openMenu(leftHalf, red);
     m_desktop.openWindow({800, 100, 300, 300}, green);
@@ -105,11 +105,11 @@ TEST_F(LinuxScreensTest, panelCoversItsMonitorToTheEdgeAndNoPixelOfTheOther) {
     for (const QPoint corner :
          {QPoint(640, 0), QPoint(1279, 0), QPoint(640, 799), QPoint(1279, 799)})
         EXPECT_TRUE(isNear(picture.pixel(corner), blue));
-    // Its content hangs from this monitor's corner.
+    // Its content starts at this monitor's corner.
     EXPECT_NEAR(drawnIn(picture, rightHalf).left(), 740, 3);
 }
 
-TEST_F(LinuxScreensTest, pointsOfAMonitorAreCountedFromTheDesktopsCorner) {
+TEST_F(LinuxScreensTest, MonitorsAreInPointsFromTheDesktopsCorner) {
     splitScreen();
     m_desktop.openWindow({800, 100, 300, 300}, green);
     ChildProcess program({"env", "QT_SCALE_FACTOR=2", QUORVANE_OVERLAY_PROBE, "stop", "0"});

@@ -18,7 +18,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// The memory that this process has in use: not what a thread of a library only reserves.
+/// The resident memory of this process; libraries reserve more than they use.
 double megabytes() {
     double reserved = 0;
     double pages = 0;
@@ -28,7 +28,7 @@ double megabytes() {
 
 } // namespace
 
-TEST_F(LinuxScreensTest, stopScreenCoversAFullScreenWindowToTheLastPixel) {
+TEST_F(LinuxScreensTest, StopScreenCoversAFullScreenWindowToTheLastPixel) {
     m_desktop.openWindow(TestDesktop::whole, red, true);
     ASSERT_TRUE(comesToShow({0, 0}, red));
     const auto panel = showStopScreen();
@@ -40,7 +40,7 @@ TEST_F(LinuxScreensTest, stopScreenCoversAFullScreenWindowToTheLastPixel) {
     EXPECT_TRUE(comesToShow({0, 0}, red));
 }
 
-TEST_F(LinuxScreensTest, keyboardStaysWhereItIsAndClicksGoNowhere) {
+TEST_F(LinuxScreensTest, KeyboardStaysWhereItIsAndClicksGoNowhere) {
     const xcb_window_t window = m_desktop.openWindow({100, 100, 400, 300}, red);
     const auto panel = showStopScreen();
     m_desktop.click({300, 250});
@@ -54,7 +54,7 @@ TEST_F(LinuxScreensTest, keyboardStaysWhereItIsAndClicksGoNowhere) {
     EXPECT_EQ(m_desktop.takeClicks(), 1);
 }
 
-TEST_F(LinuxScreensTest, panelThatIgnoresTheMouseLetsClicksThrough) {
+TEST_F(LinuxScreensTest, PanelThatIgnoresTheMouseLetsClicksThrough) {
     m_desktop.openWindow({100, 100, 400, 300}, red);
     const auto panel = showStopScreen();
     panel->setIgnoresMouseEvents(true);
@@ -62,7 +62,7 @@ TEST_F(LinuxScreensTest, panelThatIgnoresTheMouseLetsClicksThrough) {
     EXPECT_EQ(m_desktop.takeClicks(), 1);
 }
 
-TEST_F(LinuxScreensTest, panelComesBackAboveWhatIsPutOverIt) {
+TEST_F(LinuxScreensTest, PanelComesBackAboveWhatIsPutOverIt) {
     const auto panel = showStopScreen();
     m_desktop.openMenu({900, 600, 300, 150}, red);
     EXPECT_TRUE(comesToShow(farFromText, blue));
@@ -70,7 +70,7 @@ TEST_F(LinuxScreensTest, panelComesBackAboveWhatIsPutOverIt) {
     EXPECT_TRUE(comesToShow(farFromText, blue));
 }
 
-TEST_F(LinuxScreensTest, panelIsBackInFrontWithinAMoment) {
+TEST_F(LinuxScreensTest, PanelIsBackInFrontWithinAMoment) {
     const auto panel = showStopScreen();
     std::array<qint64, 3> milliseconds{};
     for (qint64& each : milliseconds) {
@@ -80,12 +80,12 @@ TEST_F(LinuxScreensTest, panelIsBackInFrontWithinAMoment) {
         EXPECT_TRUE(comesToShow(farFromText, blue));
         each = waiting.elapsed();
     }
-    // A busy machine may hold one of them up.
+    // One of them may be late on a busy machine.
     std::sort(milliseconds.begin(), milliseconds.end());
     EXPECT_LT(milliseconds[1], 500);
 }
 
-TEST_F(LinuxScreensTest, twoProgramsThatBothWantToBeInFrontDoNotKeepEachOtherBusy) {
+TEST_F(LinuxScreensTest, TwoProgramsThatBothWantToBeInFrontDoNotFight) {
     const auto panel = showStopScreen();
     const xcb_window_t menu = m_desktop.openMenu({900, 600, 300, 150}, red);
     QElapsedTimer time;
@@ -97,7 +97,7 @@ TEST_F(LinuxScreensTest, twoProgramsThatBothWantToBeInFrontDoNotKeepEachOtherBus
     EXPECT_GE(time.elapsed(), 380);
 }
 
-TEST_F(LinuxScreensTest, panelOfAHigherLevelStaysInFront) {
+TEST_F(LinuxScreensTest, PanelOfAHigherLevelStaysInFront) {
     const auto high = m_screens.createPanel({.width = 300, .height = 100}, 128, 2, false);
     const auto low = m_screens.createPanel({.width = 400, .height = 100}, 128, 2, false);
     high->setLevel(1001);
@@ -109,7 +109,7 @@ TEST_F(LinuxScreensTest, panelOfAHigherLevelStaysInFront) {
     EXPECT_TRUE(comesToStack({{0, 0, 300, 100}, {0, 0, 400, 100}}));
 }
 
-TEST_F(LinuxScreensTest, panelShowsWhatItIsGivenWhileItIsUp) {
+TEST_F(LinuxScreensTest, PanelShowsANewViewWhileItIsUp) {
     const auto panel = m_screens.createPanel({.width = 1280, .height = 800}, 128, 2, false);
     panel->setBackgroundColor({.red = 0, .green = 200.0 / 255, .blue = 0, .alpha = 1});
     panel->orderFrontRegardless();
@@ -122,21 +122,21 @@ TEST_F(LinuxScreensTest, panelShowsWhatItIsGivenWhileItIsUp) {
     EXPECT_TRUE(comesToCover({0, 0, 400, 300}));
 }
 
-TEST_F(LinuxScreensTest, desktopIsToldThatThePanelNeverTakesTheKeyboard) {
+TEST_F(LinuxScreensTest, PanelDeclaresThatItNeverTakesTheKeyboard) {
     const auto panel = showStopScreen();
-    // Input is spoken of, and is no.
+    // The input flag is present, its value is 0.
     EXPECT_THAT(m_desktop.panelProperty("WM_HINTS"),
                 ElementsAre(1U, 0U, 0U, 0U, 0U, 0U, 0U, 0U, 0U));
     EXPECT_THAT(m_desktop.panelProperty("_NET_WM_WINDOW_TYPE"),
                 ElementsAre(m_desktop.atom("_NET_WM_WINDOW_TYPE_NOTIFICATION")));
 }
 
-TEST_F(LinuxScreensTest, pointerOverThePanelIsTheArrow) {
+TEST_F(LinuxScreensTest, PointerOverThePanelIsTheArrow) {
     const auto panel = showStopScreen();
     EXPECT_TRUE(m_desktop.panelHasPointer());
 }
 
-TEST_F(LinuxScreensTest, panelComesBackAboveWhatIsPutOverItUnderACompositor) {
+TEST_F(LinuxScreensTest, PanelComesBackAboveWhatIsPutOverItUnderACompositor) {
     const auto compositor = m_desktop.startCompositor();
     const auto panel = showStopScreen();
     ASSERT_TRUE(comesToShow(farFromText, blue));
@@ -146,7 +146,7 @@ TEST_F(LinuxScreensTest, panelComesBackAboveWhatIsPutOverItUnderACompositor) {
     EXPECT_TRUE(isNear(m_desktop.look(farFromText), blue));
 }
 
-TEST_F(LinuxScreensTest, panelsGoWithTheService) {
+TEST_F(LinuxScreensTest, PanelsGoWithTheService) {
     auto screens = std::make_unique<LinuxScreens>();
     const auto panel =
         showOverlay(*screens, *screens->mainScreen(),
@@ -160,7 +160,7 @@ TEST_F(LinuxScreensTest, panelsGoWithTheService) {
     EXPECT_THAT(m_desktop.panels(), IsEmpty());
 }
 
-TEST_F(LinuxScreensTest, panelsThatAreGoneLeaveNoMemoryBehind) {
+TEST_F(LinuxScreensTest, PanelsLeakNoMemory) {
     const auto showAndClear = [this] {
         const auto panel = m_screens.createPanel({.width = 1280, .height = 800}, 128, 2, false);
         panel->setContentView(std::make_shared<BSODView>(m_stop));
@@ -175,7 +175,7 @@ TEST_F(LinuxScreensTest, panelsThatAreGoneLeaveNoMemoryBehind) {
     EXPECT_LT(megabytes() - before, 20);
 }
 
-TEST_F(LinuxScreensTest, nothingIsLeftOfAProgramThatIsKilled) {
+TEST_F(LinuxScreensTest, PanelsGoWithAProgramThatIsKilled) {
     ChildProcess program({QUORVANE_OVERLAY_PROBE, "stop"});
     EXPECT_EQ(program.line(), "frame 0 0 1280 800");
     ASSERT_TRUE(comesToShow(farFromText, blue));
@@ -184,7 +184,7 @@ TEST_F(LinuxScreensTest, nothingIsLeftOfAProgramThatIsKilled) {
     EXPECT_FALSE(isNear(m_desktop.look(farFromText), blue));
 }
 
-TEST(LinuxScreensElsewhere, withoutX11ThereIsNoScreenAndPanelsShowNowhere) {
+TEST(LinuxScreensElsewhere, WithoutX11ThereIsNoScreenAndPanelsShowNowhere) {
     // There is an X server, and Qt does not use it.
     const VirtualDisplay display;
     const EnvironmentVariable platform("QT_QPA_PLATFORM", "offscreen");

@@ -1,4 +1,4 @@
-// Puts one overlay up, for the tests and measurements that need a program of their own for it.
+// Shows one overlay, for tests and measurements that need it in a program of its own.
 
 #include <QElapsedTimer>
 #include <QGuiApplication>
@@ -42,8 +42,8 @@ std::shared_ptr<OverlayPanel> show(ScreenService& screens, const std::string& ki
         std::make_shared<BSODView>(stop));
 }
 
-// OVERLAY-KIND [PROGRESS | run]: "run" lets the progress go from 0 to 1 in 5 s, 60 times a second,
-// and tells the processor time of that.
+// OVERLAY-KIND [PROGRESS | run]: "run" moves the progress from 0 to 1 in 5 s, 60 times a second,
+// and prints the processor time that took.
 int probe(int argumentCount, char** arguments) {
     const QGuiApplication application(argumentCount, arguments);
     const std::string kind = argumentCount > 1 ? arguments[1] : "stop";

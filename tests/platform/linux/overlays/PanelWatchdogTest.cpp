@@ -52,7 +52,7 @@ private:
 
 } // namespace
 
-TEST_F(PanelWatchdogTest, ConnectionIsShutDownTwoSecondsAfterTheTimeLimitAndItIsTold) {
+TEST_F(PanelWatchdogTest, ConnectionIsShutDownTwoSecondsAfterTheTimeLimitAndReported) {
     CaptureStderr();
     const auto start = Clock::now();
     const PanelWatchdog watchdog(client(), 0.5);
@@ -73,7 +73,7 @@ TEST_F(PanelWatchdogTest, PanelThatGoesInTimeLeavesTheConnectionAlone) {
     EXPECT_FALSE(isShutDownWithin(1));
 }
 
-TEST_F(PanelWatchdogTest, ProcessThatWasHaltedHasHalfASecondToRemoveThePanelItself) {
+TEST_F(PanelWatchdogTest, ProcessThatWasStoppedHasHalfASecondToRemoveThePanelItself) {
     ChildProcess child([this] {
         std::optional<PanelWatchdog> watchdog(std::in_place, client(), 0.1);
         raise(SIGSTOP);
@@ -87,7 +87,7 @@ TEST_F(PanelWatchdogTest, ProcessThatWasHaltedHasHalfASecondToRemoveThePanelItse
     EXPECT_FALSE(isShutDownWithin(1));
 }
 
-TEST_F(PanelWatchdogTest, ProcessThatWasHaltedAndStillHangsLosesThePanel) {
+TEST_F(PanelWatchdogTest, ProcessThatWasStoppedAndStillHangsLosesThePanel) {
     CaptureStderr();
     ChildProcess child([this] {
         const PanelWatchdog watchdog(client(), 0.1);

@@ -113,7 +113,7 @@ TEST(StopSignals, WithoutAPanelTheSystemStopsTheProcessAndTheConnectionStays) {
     EXPECT_EQ(child.wait(), allWell);
 }
 
-TEST(StopSignals, ASystemCallThatWasWaitingGoesOnWaiting) {
+TEST(StopSignals, ABlockedSystemCallGoesOnAfterAStop) {
     const Connection connection;
     std::array<int, 2> pipe{};
     ASSERT_EQ(pipe2(pipe.data(), O_CLOEXEC), 0);

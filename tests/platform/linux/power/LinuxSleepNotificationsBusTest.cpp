@@ -19,7 +19,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-TEST_F(LinuxSleepNotificationsTest, TheBusIsJoinedOnlyWhileSomebodyObserves) {
+TEST_F(LinuxSleepNotificationsTest, TheBusIsConnectedOnlyWhileThereAreObservers) {
     const FakeLogind witness(address());
     const auto connections = [this] {
         auto bus = QDBusConnection::connectToBus(QString::fromStdString(address()), "census");
@@ -36,7 +36,7 @@ TEST_F(LinuxSleepNotificationsTest, TheBusIsJoinedOnlyWhileSomebodyObserves) {
     EXPECT_TRUE(waitUntil([&] { return connections() == before; }));
 }
 
-TEST_F(LinuxSleepNotificationsTest, ANewObserverAfterTheLastOneStartsAfresh) {
+TEST_F(LinuxSleepNotificationsTest, ANewObserverAfterTheLastOneStartsOver) {
     FakeUPower upower(address());
     {
         Listener listener(m_workspace);
@@ -66,7 +66,7 @@ TEST_F(LinuxSleepNotificationsTest, ALidThatMovedWhileNoOneObservedIsNoEvent) {
     EXPECT_THAT(listener.heard(1), ElementsAre("sleep"));
 }
 
-TEST_F(LinuxSleepNotificationsTest, UPowerIsLeftAloneOnceOnlyTheMachineIsObserved) {
+TEST_F(LinuxSleepNotificationsTest, UPowerIsNotUsedOnceOnlyTheMachineIsObserved) {
     FakeUPower upower(address());
     const FakeLogind logind(address());
     {
@@ -110,7 +110,7 @@ TEST_F(LinuxSleepNotificationsTest,
     EXPECT_THAT(listener.heardInAll(), ElementsAre("sleep"));
 }
 
-TEST_F(LinuxSleepNotificationsTest, AWorkspaceThatGoesWhileTheBusIsBeingJoinedIsMissedByNobody) {
+TEST_F(LinuxSleepNotificationsTest, DestroyingTheWorkspaceWhileItConnectsIsHarmless) {
     {
         LinuxSleepNotifications passing(m_bus.address());
         passing.addObserver(WorkspaceNotification::screensDidSleep, [] {});
@@ -118,7 +118,7 @@ TEST_F(LinuxSleepNotificationsTest, AWorkspaceThatGoesWhileTheBusIsBeingJoinedIs
     waitFor(quiet);
 }
 
-TEST_F(LinuxSleepNotificationsTest, ABusThatGoesAwayIsSurvivedInSilence) {
+TEST_F(LinuxSleepNotificationsTest, ABusThatGoesAwayIsIgnoredSilently) {
     auto upower = std::make_unique<FakeUPower>(address());
     Listener listener(m_workspace);
     settle(*upower);
@@ -126,7 +126,7 @@ TEST_F(LinuxSleepNotificationsTest, ABusThatGoesAwayIsSurvivedInSilence) {
     EXPECT_THAT(listener.heardInAll(), IsEmpty());
 }
 
-TEST_F(LinuxSleepNotificationsTest, WithoutABusThereAreNoEventsAndNothingIsTriedOverAndOver) {
+TEST_F(LinuxSleepNotificationsTest, WithoutABusThereAreNoEventsAndNoBusyRetry) {
     LinuxSleepNotifications workspace("unix:path=/nonexistent/bus");
     Listener listener(workspace);
     waitFor(quiet);
@@ -136,7 +136,7 @@ TEST_F(LinuxSleepNotificationsTest, WithoutABusThereAreNoEventsAndNothingIsTried
     EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC * quiet.count() / 1000 / 2);
 }
 
-TEST_F(LinuxSleepNotificationsTest, TheSystemBusIsWhereTheEnvironmentSaysThatItIs) {
+TEST_F(LinuxSleepNotificationsTest, TheEnvironmentNamesTheSystemBus) {
     const EnvironmentVariable systemBus("DBUS_SYSTEM_BUS_ADDRESS", address());
     FakeUPower upower(address());
     LinuxSleepNotifications workspace;
@@ -146,7 +146,7 @@ TEST_F(LinuxSleepNotificationsTest, TheSystemBusIsWhereTheEnvironmentSaysThatItI
     EXPECT_THAT(listener.heard(1), ElementsAre("sleep"));
 }
 
-/// Takes connections and never says a word.
+/// A bus that accepts connections and never answers.
 class HungBus : NonCopyable {
 public:
     HungBus() {
@@ -167,7 +167,7 @@ private:
     int m_socket = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
 };
 
-TEST_F(LinuxSleepNotificationsTest, ABusThatNeverAnswersHoldsNothingUp) {
+TEST_F(LinuxSleepNotificationsTest, ABusThatNeverAnswersBlocksNothing) {
     using Clock = std::chrono::steady_clock;
     auto hung = std::make_unique<HungBus>();
     const auto start = Clock::now();

@@ -18,10 +18,10 @@ namespace quorvane {
 // A message that is sent by mistake arrives within this time.
 inline constexpr std::chrono::milliseconds quiet = 300ms;
 
-/// Hears a workspace.
+/// Observes a workspace and records its notifications.
 class Listener : NonCopyable {
 public:
-    /// A notification, and what is written down when it comes.
+    /// A notification, and what is recorded when it comes.
     using Mark = std::pair<std::string_view, std::string>;
 
     Listener(NotificationCenter& center, const std::vector<Mark>& marks) : m_center(center) {
@@ -29,7 +29,7 @@ public:
             m_tokens.push_back(observe(name, mark));
     }
 
-    /// Hears the screens go to sleep and wake.
+    /// Observes the sleep and the wake of the screens.
     explicit Listener(NotificationCenter& center)
         : Listener(center, {{WorkspaceNotification::screensDidWake, "wake"},
                             {WorkspaceNotification::screensDidSleep, "sleep"}}) {}
@@ -39,13 +39,13 @@ public:
             m_center.removeObserver(token);
     }
 
-    /// Everything heard, once as much as `count` is.
+    /// All that was heard, when there are `count`.
     const std::vector<std::string>& heard(std::size_t count) {
         waitUntil([&] { return m_heard.size() >= count; });
         return m_heard;
     }
 
-    /// Everything heard when nothing more comes.
+    /// All that was heard, when nothing more comes.
     const std::vector<std::string>& heardInAll() {
         waitFor(quiet);
         return m_heard;
@@ -72,7 +72,7 @@ class LinuxSleepNotificationsTest : public testing::Test {
 protected:
     std::string address() const { return m_bus.address(); }
 
-    /// Waits until the workspace has taken in how the lid stands.
+    /// Waits until the workspace has read the state of the lid.
     static void settle(const FakeUPower& upower, int reads = 1) {
         ASSERT_TRUE(waitUntil([&] { return upower.reads() >= reads; }));
     }

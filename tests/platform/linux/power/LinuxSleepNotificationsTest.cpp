@@ -54,7 +54,7 @@ TEST_F(LinuxSleepNotificationsTest, ALidThatSendsTheMachineToSleepIsOneSleepAndO
     EXPECT_EQ(listener.heardInAll().size(), 4U);
 }
 
-TEST_F(LinuxSleepNotificationsTest, ALidFoundClosedIsNoEventAndItsOpeningIs) {
+TEST_F(LinuxSleepNotificationsTest, OpeningALidThatWasClosedAtTheStartIsAWake) {
     FakeUPower upower(address(), true);
     Listener listener(m_workspace);
     settle(upower);
@@ -63,7 +63,7 @@ TEST_F(LinuxSleepNotificationsTest, ALidFoundClosedIsNoEventAndItsOpeningIs) {
     EXPECT_THAT(listener.heard(1), ElementsAre("wake"));
 }
 
-TEST_F(LinuxSleepNotificationsTest, APropertyThatIsOnlyCalledOutdatedIsReadAgain) {
+TEST_F(LinuxSleepNotificationsTest, AnInvalidatedPropertyIsReadAgain) {
     FakeUPower upower(address());
     Listener listener(m_workspace);
     settle(upower);
@@ -87,7 +87,7 @@ TEST_F(LinuxSleepNotificationsTest, AMachineWithoutALidIsNotPutToSleepByOne) {
 TEST_F(LinuxSleepNotificationsTest, WithoutUPowerTheMachinesSleepIsStillHeard) {
     const FakeLogind logind(address());
     Listener listener(m_workspace);
-    // Nothing tells when the workspace has begun to listen, so it is told until it hears.
+    // The workspace does not report when it begins to listen, so the signal is repeated.
     const bool heard = waitUntil([&] {
         logind.prepareForSleep(true);
         logind.prepareForSleep(false);
@@ -133,7 +133,7 @@ TEST_F(LinuxSleepNotificationsTest, UPowerThatComesBackToTheSameLidIsNoEvent) {
     EXPECT_THAT(listener.heardInAll(), ElementsAre("sleep"));
 }
 
-TEST_F(LinuxSleepNotificationsTest, ASleepWhoseServiceDiesIsOver) {
+TEST_F(LinuxSleepNotificationsTest, AServiceThatDiesEndsTheSleep) {
     FakeUPower upower(address());
     auto logind = std::make_unique<FakeLogind>(address());
     Listener listener(m_workspace);
@@ -144,15 +144,15 @@ TEST_F(LinuxSleepNotificationsTest, ASleepWhoseServiceDiesIsOver) {
     EXPECT_THAT(listener.heard(2), ElementsAre("sleep", "wake"));
 }
 
-TEST_F(LinuxSleepNotificationsTest, SignalsOfStrangersAreNotBelieved) {
+TEST_F(LinuxSleepNotificationsTest, SignalsOfOtherServicesAreIgnored) {
     FakeUPower upower(address());
-    FakeUPower stranger(address(), false, true, QStringLiteral("com.example.Stranger"));
-    const FakeLogind otherStranger(address(), QStringLiteral("com.example.OtherStranger"));
+    FakeUPower otherUPower(address(), false, true, QStringLiteral("com.example.Stranger"));
+    const FakeLogind otherLogind(address(), QStringLiteral("com.example.OtherStranger"));
     Listener listener(m_workspace);
     settle(upower);
-    otherStranger.prepareForSleep(true);
+    otherLogind.prepareForSleep(true);
     upower.setLidIsClosed(true);
-    stranger.setLidIsClosed(false);
+    otherUPower.setLidIsClosed(false);
     upower.setLidIsClosed(true);
     upower.setLidIsClosed(false);
     EXPECT_THAT(listener.heard(2), ElementsAre("sleep", "wake"));

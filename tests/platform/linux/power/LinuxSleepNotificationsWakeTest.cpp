@@ -19,7 +19,7 @@ const std::vector<Listener::Mark> machineAndScreens{
     {WorkspaceNotification::screensDidSleep, "sleep"},
     {WorkspaceNotification::didWake, "machine"}};
 
-TEST_F(LinuxSleepNotificationsWakeTest, EachTimeTheMachineWakesIsOneNoticeBeforeThatOfItsScreens) {
+TEST_F(LinuxSleepNotificationsWakeTest, EachWakeOfTheMachineIsPostedOnceBeforeThatOfTheScreens) {
     FakeUPower upower(address());
     const FakeLogind logind(address());
     Listener listener(m_workspace, machineAndScreens);
@@ -46,7 +46,7 @@ TEST_F(LinuxSleepNotificationsWakeTest, AMachineThatWakesUnderAClosedLidWakesWit
     EXPECT_THAT(listener.heard(3), ElementsAre("sleep", "machine", "screens"));
 }
 
-TEST_F(LinuxSleepNotificationsWakeTest, ALidThatOpensWakesNoMachine) {
+TEST_F(LinuxSleepNotificationsWakeTest, OpeningTheLidDoesNotWakeTheMachine) {
     FakeUPower upower(address());
     Listener listener(m_workspace, machineAndScreens);
     settle(upower);
@@ -68,18 +68,18 @@ TEST_F(LinuxSleepNotificationsWakeTest, AServiceThatDiesWhileTheMachineSleepsWak
     EXPECT_EQ(listener.heardInAll().size(), 2U);
 }
 
-TEST_F(LinuxSleepNotificationsWakeTest, AStrangersWordWakesNobody) {
+TEST_F(LinuxSleepNotificationsWakeTest, AWakeSignalOfAnotherServiceIsIgnored) {
     FakeUPower upower(address());
     const FakeLogind logind(address());
-    const FakeLogind stranger(address(), QStringLiteral("com.example.Stranger"));
+    const FakeLogind otherLogind(address(), QStringLiteral("com.example.Stranger"));
     Listener listener(m_workspace, machineAndScreens);
     settle(upower);
-    stranger.prepareForSleep(false);
+    otherLogind.prepareForSleep(false);
     logind.prepareForSleep(true);
     EXPECT_THAT(listener.heard(1), ElementsAre("sleep"));
 }
 
-TEST_F(LinuxSleepNotificationsWakeTest, UPowerIsLeftAloneUntilSomebodyAsksForTheScreens) {
+TEST_F(LinuxSleepNotificationsWakeTest, UPowerIsNotUsedUntilTheScreensAreObserved) {
     FakeUPower upower(address());
     const FakeLogind logind(address());
     Listener machine(m_workspace, machineOnly);

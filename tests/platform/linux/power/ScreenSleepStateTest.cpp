@@ -43,7 +43,7 @@ TEST_F(ScreenSleepStateTest, TheOrderInWhichTheTwoEndDoesNotMatter) {
     EXPECT_EQ(m_state.setPreparingForSleep(false), false);
 }
 
-TEST(ScreenSleepStateStartTest, ALidFoundClosedIsNoChangeAndItsOpeningIs) {
+TEST(ScreenSleepStateStartTest, OpeningALidThatWasClosedAtTheStartIsAChange) {
     ScreenSleepState state;
     EXPECT_EQ(state.setLidClosed(true), noChange);
     EXPECT_EQ(state.setLidClosed(true), noChange);
@@ -52,7 +52,7 @@ TEST(ScreenSleepStateStartTest, ALidFoundClosedIsNoChangeAndItsOpeningIs) {
     EXPECT_EQ(state.setLidClosed(false), false);
 }
 
-TEST(ScreenSleepStateStartTest, SleepCountsWithoutAnyWordOfALid) {
+TEST(ScreenSleepStateStartTest, SleepCountsWhenTheLidIsUnknown) {
     ScreenSleepState state;
     EXPECT_EQ(state.setPreparingForSleep(true), true);
     EXPECT_EQ(state.setPreparingForSleep(false), false);

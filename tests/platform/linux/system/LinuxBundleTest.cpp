@@ -33,7 +33,7 @@ TEST_F(LinuxBundleTest, TheFirstFolderThatHasTheFileWins) {
     EXPECT_EQ(bundle.urlForResource("logo", "png"), first);
 }
 
-TEST_F(LinuxBundleTest, AFolderOfTheNameIsNoResource) {
+TEST_F(LinuxBundleTest, AFolderIsNoResource) {
     m_folder.write("logo.png/inside", "");
     EXPECT_EQ(LinuxBundle({m_folder.path()}).urlForResource("logo", "png"), std::nullopt);
 }

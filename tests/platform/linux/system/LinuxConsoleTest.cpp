@@ -32,18 +32,18 @@ protected:
     std::array<int, 2> m_ends{-1, -1};
 };
 
-TEST_F(LinuxConsoleTest, AReaderThatHasGoneIsSurvived) {
+TEST_F(LinuxConsoleTest, AClosedPipeIsIgnored) {
     LinuxConsole console(m_ends[1]);
     closeEnd(0);
     console.print("nobody hears this");
     console.print("nor this");
-    // No signal is left behind to kill later.
+    // No SIGPIPE is left pending.
     sigset_t pending{};
     sigpending(&pending);
     EXPECT_EQ(sigismember(&pending, SIGPIPE), 0);
 }
 
-TEST_F(LinuxConsoleTest, TheProcessKeepsItsOwnWayWithTheSignal) {
+TEST_F(LinuxConsoleTest, TheProcessKeepsItsOwnSignalHandler) {
     LinuxConsole console(m_ends[1]);
     closeEnd(0);
     console.print("nobody hears this");
@@ -55,13 +55,13 @@ TEST_F(LinuxConsoleTest, TheProcessKeepsItsOwnWayWithTheSignal) {
         "");
 }
 
-TEST_F(LinuxConsoleTest, AClosedDescriptorIsSurvivedAndItsSuccessorNotWrittenTo) {
+TEST_F(LinuxConsoleTest, AClosedDescriptorIsIgnoredAndItsReusedNumberNotWrittenTo) {
     const int number = m_ends[1];
     closeEnd(1);
     LinuxConsole console(number);
     std::array<int, 2> others{};
     ASSERT_EQ(pipe(others.data()), 0);
-    // A pipe that could be written to now has the number.
+    // A writable pipe now has the descriptor's number.
     const int reader = dup(others[0]);
     ASSERT_EQ(dup2(others[1], number), number);
     console.print("lost");
@@ -72,7 +72,7 @@ TEST_F(LinuxConsoleTest, AClosedDescriptorIsSurvivedAndItsSuccessorNotWrittenTo)
         close(descriptor);
 }
 
-TEST_F(LinuxConsoleTest, ASignalThatWasWaitingBeforeStillWaits) {
+TEST_F(LinuxConsoleTest, ASignalThatWasPendingStaysPending) {
     sigset_t brokenPipe{};
     sigemptyset(&brokenPipe);
     sigaddset(&brokenPipe, SIGPIPE);
@@ -104,7 +104,7 @@ TEST_F(LinuxConsoleTest, ALineLongerThanThePipeComesWholeToASlowReader) {
     EXPECT_TRUE(received == line + "\n");
 }
 
-TEST_F(LinuxConsoleTest, AReaderThatHasStoppedReadingDoesNotStopTheProgram) {
+TEST_F(LinuxConsoleTest, AReaderThatStopsReadingDoesNotBlockTheProgram) {
     fcntl(m_ends[1], F_SETFL, O_NONBLOCK);
     LinuxConsole console(m_ends[1]);
     const auto start = std::chrono::steady_clock::now();

@@ -20,14 +20,14 @@ TEST_F(LinuxSystemInfoTest, TheModelIsTheProductNameOfTheFirmware) {
     EXPECT_EQ(model(), "MacBookPro11,3");
 }
 
-TEST_F(LinuxSystemInfoTest, WithoutAFirmwareNameTheDeviceTreeTellsTheModel) {
+TEST_F(LinuxSystemInfoTest, WithoutAFirmwareNameTheModelComesFromTheDeviceTree) {
     m_root.write("proc/device-tree/model", std::string("Apple MacBook Air (M1, 2020)\0", 29));
     EXPECT_EQ(model(), "Apple MacBook Air (M1, 2020)");
     m_root.write("sys/class/dmi/id/product_name", "\n");
     EXPECT_EQ(model(), "Apple MacBook Air (M1, 2020)");
 }
 
-TEST_F(LinuxSystemInfoTest, AFolderInTheNamesPlaceLeavesTheModelUnknown) {
+TEST_F(LinuxSystemInfoTest, AFolderInPlaceOfTheFileLeavesTheModelUnknown) {
     m_root.write("sys/class/dmi/id/product_name/inside", "");
     EXPECT_EQ(model(), "");
 }

@@ -20,7 +20,7 @@ using testing::internal::GetCapturedStderr;
 
 namespace fs = std::filesystem;
 
-/// No file can grow while this lives: what a full disk looks like to a writer.
+/// No file can grow while this lives, as on a full disk.
 class FullDisk : NonCopyable {
 public:
     FullDisk() {
@@ -47,16 +47,16 @@ protected:
         return LinuxUserDefaults(m_file).boolForKey(key);
     }
 
-    /// Whether the value, as the text of a file, is true. A file of its own for each: Qt remembers
-    /// what was in one that has neither another size nor another time.
+    /// Whether `hardwareChecked` with this value in a file is true. Each call uses a new file: Qt
+    /// caches one whose size and time have not changed.
     [[nodiscard]] bool isTrue(const std::string& value) {
         const auto file = m_folder.write("values/" + std::to_string(++m_values) + ".ini",
                                          "[General]\nhardwareChecked=" + value + "\n");
         return LinuxUserDefaults(file).boolForKey("hardwareChecked");
     }
 
-    /// Sets "hardwareChecked" and gives what was said about it on standard error. Expects that the
-    /// value holds in this process.
+    /// Sets "hardwareChecked" and returns the output on standard error. Expects the value to hold
+    /// in this process.
     [[nodiscard]] static std::string complaintOfSetting(LinuxUserDefaults& defaults) {
         CaptureStderr();
         defaults.setBool("hardwareChecked", true);
@@ -65,7 +65,7 @@ protected:
         return said;
     }
 
-    /// Expects `text` as the file's content to count as damaged, to be kept, and not to hinder.
+    /// Expects a file with `text` to count as damaged, to be put aside, and not to get in the way.
     void expectPutAside(const std::string& text) const {
         writeFile(text);
         CaptureStderr();
@@ -167,7 +167,7 @@ TEST_F(LinuxUserDefaultsTest, EarlierDamagedFilesAreKeptToo) {
     EXPECT_EQ(fileText(m_aside.string() + ".1"), "junk");
 }
 
-TEST_F(LinuxUserDefaultsTest, ADamagedFileThatCannotBePutAsideIsLeftAlone) {
+TEST_F(LinuxUserDefaultsTest, ADamagedFileThatCannotBePutAsideStays) {
     writeFile("junk");
     m_folder.write("quorvane/quorvane.ini.damaged", "");
     for (int number = 1; number < 100; ++number)
@@ -178,7 +178,7 @@ TEST_F(LinuxUserDefaultsTest, ADamagedFileThatCannotBePutAsideIsLeftAlone) {
     EXPECT_EQ(fileText(m_file), "junk");
 }
 
-TEST_F(LinuxUserDefaultsTest, AFolderInTheFilesPlaceIsComplainedOfAndLeftAlone) {
+TEST_F(LinuxUserDefaultsTest, AFolderInPlaceOfTheFileIsReportedAndStays) {
     m_folder.write("quorvane/quorvane.ini/inside", "");
     LinuxUserDefaults defaults(m_file);
     EXPECT_FALSE(defaults.boolForKey("hardwareChecked"));
@@ -186,14 +186,14 @@ TEST_F(LinuxUserDefaultsTest, AFolderInTheFilesPlaceIsComplainedOfAndLeftAlone) 
     EXPECT_TRUE(fs::exists(m_file / "inside"));
 }
 
-TEST_F(LinuxUserDefaultsTest, AFolderThatCannotBeMadeIsComplainedOf) {
+TEST_F(LinuxUserDefaultsTest, AFolderThatCannotBeMadeIsReported) {
     m_folder.write("quorvane", "a file");
     LinuxUserDefaults defaults(m_file);
     EXPECT_FALSE(defaults.boolForKey("hardwareChecked"));
     expectOneLine(complaintOfSetting(defaults));
 }
 
-TEST_F(LinuxUserDefaultsTest, AFullDiskIsComplainedOfAndKeepsTheOldFile) {
+TEST_F(LinuxUserDefaultsTest, AFullDiskIsReportedAndTheOldFileStays) {
     writeFile("[General]\ncolour=blue\n");
     LinuxUserDefaults defaults(m_file);
     {
