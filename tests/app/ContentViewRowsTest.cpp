@@ -183,7 +183,7 @@ TEST_F(ContentViewSwitchesTest, CreakOnTwiceLeavesTheEarlierTimerFiringEvenAfter
     EXPECT_EQ(machine.runLoop.pendingCount(), idle + 1);
     machine.workspace.post("NSWorkspaceScreensDidWakeNotification");
     machine.runLoop.advance(0.1);
-    EXPECT_TRUE(view->audioManager().isPlaying()) << "the orphaned feed still feeds";
+    EXPECT_TRUE(view->audioManager().isPlaying()) << "the first timer still fires";
 }
 
 // The other switches.

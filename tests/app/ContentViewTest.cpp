@@ -190,7 +190,7 @@ TEST_F(ContentViewTest, TheParticlesMoveTwentyTimesASecondOnEveryScreen) {
     EXPECT_NE(view->floatingEmojis()[0].x, before);
     view->onDisappear();
     machine.runLoop.advance(1);
-    EXPECT_EQ(steps, 40) << "nothing in the view ever stops them";
+    EXPECT_EQ(steps, 40) << "the view never stops them";
 }
 
 TEST_F(ContentViewTest, EveryParticleHasMovedByATwentiethOfItsSpeedsBeforeTheNotification) {
@@ -203,7 +203,7 @@ TEST_F(ContentViewTest, EveryParticleHasMovedByATwentiethOfItsSpeedsBeforeTheNot
         for (std::size_t i = 0; i < before.size(); ++i) {
             const FloatingEmoji& now = view->floatingEmojis().at(i);
             EXPECT_EQ(now.id, before[i].id);
-            // One that was near the top has entered again at the bottom.
+            // One that was near the top has re-entered at the bottom.
             if (before[i].y - before[i].speed / 20 >= -80) {
                 EXPECT_DOUBLE_EQ(now.y, before[i].y - before[i].speed / 20);
                 EXPECT_DOUBLE_EQ(now.x, before[i].x + before[i].drift / 20);

@@ -17,12 +17,12 @@
 namespace quorvane {
 namespace {
 
-/// What is made by `create` belongs to the main thread, with its timers, taps and nodes.
+/// Owns an object made by `create`, which must be destroyed on the main thread.
 template <class Class>
 class Owner {
 public:
-    /// Lets go of it on another thread; how many blocks that put on the main queue.
-    int letGoElsewhere() {
+    /// Drops it on another thread; returns the number of blocks queued on the main queue by that.
+    int dropElsewhere() {
         const int before = m_runLoop.asyncCount;
         std::thread([last = std::move(m_object)]() mutable { last.reset(); }).join();
         const int after = m_runLoop.asyncCount;
@@ -30,9 +30,9 @@ public:
         return after - before;
     }
 
-    /// Its deleter takes this for the main thread, its destructor does not.
-    void letGoWithDoubts() {
-        m_runLoop.truthsBeforeDenial = 1;
+    /// Drops it, with a run loop that says "main thread" to the deleter but not to the destructor.
+    void dropWithWrongThread() {
+        m_runLoop.correctAnswers = 1;
         m_object.reset();
     }
 
@@ -44,24 +44,24 @@ private:
 };
 
 TEST(MainThread, DroppedOnAnotherThreadTheyAreDestroyedFromTheMainQueue) {
-    EXPECT_EQ(Owner<LidAngleSensor>().letGoElsewhere(), 1);
-    EXPECT_EQ(Owner<AudioManager>().letGoElsewhere(), 1);
-    EXPECT_EQ(Owner<KeyboardCrackManager>().letGoElsewhere(), 1);
-    EXPECT_EQ(Owner<FanManager>().letGoElsewhere(), 1);
-    EXPECT_EQ(Owner<BSODManager>().letGoElsewhere(), 1);
-    EXPECT_EQ(Owner<FreezeManager>().letGoElsewhere(), 1);
-    EXPECT_EQ(Owner<StartupSoundManager>().letGoElsewhere(), 1);
+    EXPECT_EQ(Owner<LidAngleSensor>().dropElsewhere(), 1);
+    EXPECT_EQ(Owner<AudioManager>().dropElsewhere(), 1);
+    EXPECT_EQ(Owner<KeyboardCrackManager>().dropElsewhere(), 1);
+    EXPECT_EQ(Owner<FanManager>().dropElsewhere(), 1);
+    EXPECT_EQ(Owner<BSODManager>().dropElsewhere(), 1);
+    EXPECT_EQ(Owner<FreezeManager>().dropElsewhere(), 1);
+    EXPECT_EQ(Owner<StartupSoundManager>().dropElsewhere(), 1);
 }
 
 TEST(MainThreadDeathTest, ADestructorAnywhereElseEndsTheProgramAndNamesTheClass) {
-    EXPECT_DEATH(Owner<LidAngleSensor>().letGoWithDoubts(), "LidAngleSensor must be destroyed");
-    EXPECT_DEATH(Owner<AudioManager>().letGoWithDoubts(), "AudioManager must be destroyed");
-    EXPECT_DEATH(Owner<KeyboardCrackManager>().letGoWithDoubts(),
+    EXPECT_DEATH(Owner<LidAngleSensor>().dropWithWrongThread(), "LidAngleSensor must be destroyed");
+    EXPECT_DEATH(Owner<AudioManager>().dropWithWrongThread(), "AudioManager must be destroyed");
+    EXPECT_DEATH(Owner<KeyboardCrackManager>().dropWithWrongThread(),
                  "KeyboardCrackManager must be destroyed");
-    EXPECT_DEATH(Owner<FanManager>().letGoWithDoubts(), "FanManager must be destroyed");
-    EXPECT_DEATH(Owner<BSODManager>().letGoWithDoubts(), "BSODManager must be destroyed");
-    EXPECT_DEATH(Owner<FreezeManager>().letGoWithDoubts(), "FreezeManager must be destroyed");
-    EXPECT_DEATH(Owner<StartupSoundManager>().letGoWithDoubts(),
+    EXPECT_DEATH(Owner<FanManager>().dropWithWrongThread(), "FanManager must be destroyed");
+    EXPECT_DEATH(Owner<BSODManager>().dropWithWrongThread(), "BSODManager must be destroyed");
+    EXPECT_DEATH(Owner<FreezeManager>().dropWithWrongThread(), "FreezeManager must be destroyed");
+    EXPECT_DEATH(Owner<StartupSoundManager>().dropWithWrongThread(),
                  "StartupSoundManager must be destroyed");
 }
 

@@ -25,7 +25,7 @@ protected:
         lid->setAngle(100);
         machine.accessibility.trusted = true;
         machine.system.model = "MacBookPro18,3";
-        // A machine that has been up for a moment.
+        // Some time has passed since boot.
         machine.runLoop.advance(10);
     }
 
@@ -89,7 +89,7 @@ protected:
         return names;
     }
 
-    /// The panels that are up, by how they differ.
+    /// The kinds of the panels that are shown.
     [[nodiscard]] std::vector<std::string> panels() const {
         std::vector<std::string> kinds;
         for (const auto& panel : machine.screens.shownPanels())

@@ -53,7 +53,7 @@ TEST_F(OrrowinAppTest, AFirstLaunchLeadsThroughTheCheckAndTheWarningToThePanel) 
     EXPECT_TRUE(view->sensor().isRunning());
 }
 
-// All of it.
+// Everything together.
 
 TEST_F(OrrowinAppTest, TheStopButtonEndsEverythingAtOnce) {
     enterPanel();
@@ -61,7 +61,7 @@ TEST_F(OrrowinAppTest, TheStopButtonEndsEverythingAtOnce) {
         row.setOn(true);
     EXPECT_THAT(switches(), ElementsAre(true, true, true, true, true, true));
     machine.runLoop.advance(40);
-    // A stop screen at 45 s; what else is up then is as may be.
+    // A stop screen is shown at 45 s; a freeze may be.
     machine.runLoop.advance(5.5);
     moveLid();
     machine.runLoop.advance(0.5);
@@ -204,7 +204,8 @@ TEST_F(OrrowinAppSwitchesTest, PerformanceSwitchedOffAndOnInAFreezeIsTwoChains) 
     machine.runLoop.advance(16);
     EXPECT_THAT(machine.screens.panels(), SizeIs(1));
     view->leaveSufferingMode();
-    EXPECT_EQ(machine.runLoop.pendingCount(), idle + 1) << "the older wait is not held";
+    EXPECT_EQ(machine.runLoop.pendingCount(), idle + 1)
+        << "the older timer's handle was overwritten";
     machine.runLoop.advance(60);
     EXPECT_THAT(machine.screens.panels(), SizeIs(1));
     EXPECT_EQ(machine.runLoop.pendingCount(), idle);

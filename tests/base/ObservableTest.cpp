@@ -72,7 +72,7 @@ TEST(Observable, AnObserverMayCancelItself) {
     value = 1;
     value = 2;
     EXPECT_EQ(notices, 1);
-    EXPECT_EQ(guard.use_count(), 1) << "a cancelled observer must let go of what it captured";
+    EXPECT_EQ(guard.use_count(), 1) << "a cancelled observer must release what it captured";
 }
 
 TEST(Observable, AnObserverCancelledByAnEarlierOneIsNotCalled) {

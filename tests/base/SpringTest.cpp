@@ -10,7 +10,7 @@ namespace {
 
 using testing::DoubleNear;
 
-// The same motion by small steps, as an independent witness: x'' = -w^2 x - 2 z w x'.
+// The same motion by numerical integration, as an independent check: x'' = -w^2 x - 2 z w x'.
 SpringState integrate(const Spring& spring, double time, SpringState state) {
     constexpr int steps = 200'000;
     const double frequency = 2 * std::numbers::pi / spring.response;
@@ -93,8 +93,7 @@ TEST(Spring, RestsOnceItIsNearAndSlow) {
     EXPECT_TRUE(spring.isAtRest({.displacement = 0.0009, .velocity = 0.001}, 0.001));
     EXPECT_FALSE(spring.isAtRest({.displacement = 0.0011, .velocity = 0}, 0.001));
     EXPECT_FALSE(spring.isAtRest({.displacement = -0.0011, .velocity = 0}, 0.001));
-    // Crossing its place of rest at speed: within a radian, 0.4 / 2 pi s, it goes on for 0.00099
-    // and for 0.00101.
+    // Crossing the rest position: within a radian, 0.4 / 2 pi s, it moves by 0.00099 and 0.00101.
     EXPECT_TRUE(spring.isAtRest({.displacement = 0, .velocity = 0.015551}, 0.001));
     EXPECT_FALSE(spring.isAtRest({.displacement = 0, .velocity = 0.015865}, 0.001));
     EXPECT_FALSE(spring.isAtRest({.displacement = 0, .velocity = -0.015865}, 0.001));

@@ -10,7 +10,7 @@
 namespace quorvane {
 namespace {
 
-// These go to a Mac's own calls as numbers and names, so that no compiler would notice another one.
+// These are passed to macOS as numbers and strings, so the compiler would not notice a wrong one.
 
 TEST(SystemValues, OfDevicesAndKeys) {
     EXPECT_EQ(static_cast<int>(HIDReportType::Feature), 2);

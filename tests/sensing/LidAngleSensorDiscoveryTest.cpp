@@ -189,7 +189,7 @@ TEST_F(LidAngleSensorDiscoveryTest, ARepeatedProbeThatFindsOneAgainReplacesWhatI
     sensor->probeSensor();
     EXPECT_THAT(machine.hid.calls(),
                 ElementsAre("create", "match 1452:33028", "schedule", "open", "copy", "release"))
-        << "the earlier manager is let go of, and neither is closed";
+        << "the earlier manager is released, and neither is closed";
     EXPECT_THAT(machine.console.lines,
                 ElementsAre("✅ [SENSOR] Found lid sensor! ProductID=0x8104, angle=100°",
                             "✅ [SENSOR] Found lid sensor! ProductID=0x8104, angle=80°"));

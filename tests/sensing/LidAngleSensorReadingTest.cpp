@@ -13,7 +13,7 @@ using testing::SizeIs;
 using LidAngleSensorReadingTest = LidAngleSensorFixture;
 using Report = SimulatedHIDDevice::Report;
 
-// A report that fails or is short.
+// A report that cannot be read or is too short.
 
 class BadReportTest : public LidAngleSensorFixture,
                       public testing::WithParamInterface<std::optional<Report>> {};

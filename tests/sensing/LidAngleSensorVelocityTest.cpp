@@ -66,12 +66,12 @@ TEST_F(LidAngleSensorVelocityTest, AfterAGapLongerThanTheWindowTheVelocityWaitsF
     lid->setAngle(20);
     machine.runLoop.advance(0);
     EXPECT_EQ(sensor->angle(), 20);
-    EXPECT_EQ(sensor->velocity(), before) << "the history holds the newest sample alone";
+    EXPECT_EQ(sensor->velocity(), before) << "the history contains only the newest sample";
     machine.runLoop.advance(0.05);
     EXPECT_EQ(sensor->velocity(), 0);
 }
 
-// Two samples and nothing else in the history: the later one is six degrees on.
+// Only two samples in the history, six degrees apart.
 struct TwoSamples {
     double secondsApart;
     double velocity;
@@ -82,7 +82,7 @@ class TwoSamplesTest : public LidAngleSensorFixture,
 
 TEST_P(TwoSamplesTest, GiveAVelocityOnlyWithinTheBoundsOfTheirDistance) {
     probeLidAt(100);
-    // A start reads at once, and stopping keeps the history, so that the distance is free.
+    // `start` reads at once and `stop` keeps the history, so the distance can be chosen.
     sensor->start();
     sensor->stop();
     machine.runLoop.advance(GetParam().secondsApart);
@@ -101,8 +101,8 @@ INSTANTIATE_TEST_SUITE_P(
 
 class LatePollTest : public LidAngleSensorFixture {
 protected:
-    /// After a second of even motion the main thread is busy, until a late poll at 20 degrees; the
-    /// next one, `gap` seconds later and on the grid again, reads 26.
+    /// After a second of even motion, a late poll reads 20 degrees, because the main thread was
+    /// busy; the next poll, `gap` seconds later, is on the grid again and reads 26.
     void pollLateAndThenAfter(double gap) {
         pollMovingLid();
         before = sensor->velocity();
@@ -110,7 +110,7 @@ protected:
         lid->setAngle(20);
         machine.runLoop.advance(0);
         ASSERT_EQ(sensor->angle(), 20);
-        EXPECT_EQ(sensor->velocity(), before) << "the history holds the late sample alone";
+        EXPECT_EQ(sensor->velocity(), before) << "the history contains only the late sample";
         lid->setAngle(26);
         machine.runLoop.advance(gap);
         ASSERT_EQ(sensor->angle(), 26);

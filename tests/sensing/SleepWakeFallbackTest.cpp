@@ -22,7 +22,7 @@ protected:
 
     void sleep() { machine.workspace.post("NSWorkspaceScreensDidSleepNotification"); }
 
-    /// Lets `count` ticks of a burst that has just begun pass.
+    /// Runs the first `count` ticks of a burst.
     void ticks(int count) { machine.runLoop.advance(count * 0.05); }
 
     SimulatedMachine machine;
@@ -33,7 +33,7 @@ TEST_F(SleepWakeFallbackTest, StartObservesBothNotificationsAndPrintsALine) {
     EXPECT_EQ(machine.console.lines.back(), "📡 [SENSOR] Sleep/wake monitoring started");
     EXPECT_EQ(machine.workspace.observerCount(), 2U);
     EXPECT_TRUE(sensor->isRunning());
-    EXPECT_EQ(machine.runLoop.pendingCount(), 0U) << "between events the fallback costs nothing";
+    EXPECT_EQ(machine.runLoop.pendingCount(), 0U) << "no timer between events";
 }
 
 TEST_F(SleepWakeFallbackTest, WakingScreensSimulateAnOpeningLid) {
@@ -140,7 +140,7 @@ TEST_F(SleepWakeFallbackTest, ABurstWithoutItsSensorEndsItsTimer) {
 
 TEST_F(SleepWakeFallbackTest, ATickAfterTheLastReferenceEndsItsTimer) {
     wake();
-    // The last reference goes on another thread, so the sensor itself waits on the main queue.
+    // Dropped on another thread, the sensor waits on the main queue for its destruction.
     machine.runLoop.holdMainQueue(true);
     std::thread([last = std::move(sensor)]() mutable { last.reset(); }).join();
     ASSERT_EQ(machine.runLoop.pendingCount(), 1U);
@@ -170,7 +170,7 @@ TEST_F(SleepWakeFallbackTest, ItWorksAgainAfterStoppingAndStarting) {
     EXPECT_EQ(machine.workspace.observerCount(), 2U);
     EXPECT_EQ(machine.console.lines.size(), lines + 1);
     EXPECT_EQ(machine.console.lines.back(), "📡 [SENSOR] Sleep/wake monitoring started");
-    EXPECT_EQ(sensor->velocity(), 0) << "the burst of before does not go on";
+    EXPECT_EQ(sensor->velocity(), 0) << "the earlier burst has ended";
     sleep();
     EXPECT_EQ(sensor->velocity(), -80);
     ticks(1);
@@ -178,7 +178,7 @@ TEST_F(SleepWakeFallbackTest, ItWorksAgainAfterStoppingAndStarting) {
     EXPECT_EQ(machine.runLoop.pendingCount(), 1U);
 }
 
-/// A workspace that counts what it is asked to forget.
+/// A workspace centre that counts calls of `removeObserver`.
 class CountingWorkspace final : public InProcessNotificationCenter {
 public:
     void removeObserver(Token token) override {

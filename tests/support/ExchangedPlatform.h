@@ -4,7 +4,7 @@
 
 namespace quorvane {
 
-/// Services that replace a platform's own; null keeps the platform's.
+/// Services that replace a platform's; null keeps the platform's.
 struct ExchangedServices {
     RunLoop* runLoop = nullptr;
     HIDService* hid = nullptr;
@@ -14,7 +14,7 @@ struct ExchangedServices {
     Console* console = nullptr;
 };
 
-/// The platform with some services replaced; all of them must outlive its users.
+/// `platform` with `services` in place of its own; all of them outlive their users.
 inline Platform exchange(const Platform& platform, const ExchangedServices& services) {
     return {
         .runLoop = services.runLoop != nullptr ? *services.runLoop : platform.runLoop,

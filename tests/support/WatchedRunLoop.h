@@ -9,8 +9,8 @@
 
 namespace quorvane {
 
-/// Forwards to another run loop, counts and reports some of its calls, and can pretend to be on
-/// another thread. It outlives its timers.
+/// A run loop that forwards to another one, for tests to observe calls and to fake `isMainThread`.
+/// Outlives its timers.
 class WatchedRunLoop final : public RunLoop {
 public:
     explicit WatchedRunLoop(RunLoop& real) : m_real(real) {}
@@ -31,9 +31,9 @@ public:
     }
 
     [[nodiscard]] bool isMainThread() const override {
-        if (truthsBeforeDenial == 0)
+        if (correctAnswers == 0)
             return false;
-        truthsBeforeDenial -= truthsBeforeDenial > 0 ? 1 : 0;
+        correctAnswers -= correctAnswers > 0 ? 1 : 0;
         return m_real.isMainThread();
     }
 
@@ -41,12 +41,12 @@ public:
 
     [[nodiscard]] double currentDate() const override { return m_real.currentDate(); }
 
-    /// Called just before a timer is ended through its handle.
+    /// Called before a timer is invalidated.
     std::function<void()> onInvalidate;
-    /// How often `async` was called.
+    /// Number of calls of `async`.
     std::atomic<int> asyncCount = 0;
-    /// `isMainThread` forwards so many more times and then returns false; below 0: always forwards.
-    mutable int truthsBeforeDenial = -1;
+    /// After this many correct answers, `isMainThread` returns false; below 0: never.
+    mutable int correctAnswers = -1;
 
 private:
     class WatchedTimer final : public Timer {

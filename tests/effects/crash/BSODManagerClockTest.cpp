@@ -8,7 +8,7 @@
 namespace quorvane {
 namespace {
 
-/// A stop screen while clocks move and the main thread is late.
+/// Stop screens when the wall clock is set and when the main thread is late.
 class BSODManagerClockTest : public testing::Test {
 protected:
     [[nodiscard]] std::size_t shown() const { return machine.screens.shownPanels().size(); }
@@ -23,7 +23,7 @@ TEST_F(BSODManagerClockTest, ProgressIsTheShareOfFiveSecondsOnTheWallClock) {
     EXPECT_EQ(manager->progress(), 0);
     machine.runLoop.advance(2.5);
     EXPECT_NEAR(manager->progress(), 0.5, 1e-6);
-    // Asleep for two seconds: the timers' clock stood still, the wall clock did not.
+    // While the machine sleeps, only the wall clock moves.
     machine.runLoop.sleep(2);
     machine.runLoop.advance(1.0 / 60);
     EXPECT_NEAR(manager->progress(), 0.9 + 1.0 / 300, 1e-4);

@@ -126,7 +126,7 @@ TEST_F(BSODManagerTest, AtTheEndProgressIsCompleteBeforeTheShowingEnds) {
     });
     machine.runLoop.advance(5);
     EXPECT_EQ(progressAtEnd, 1.0);
-    EXPECT_EQ(shownAtEnd, 1U) << "the panel goes last";
+    EXPECT_EQ(shownAtEnd, 1U) << "the panel is removed last";
 }
 
 TEST_F(BSODManagerTest, StopEndsTheActivityBeforeTheShowing) {

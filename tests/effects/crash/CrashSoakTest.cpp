@@ -24,9 +24,8 @@ bool isStopScreen(const SimulatedPanel& panel) {
     return dynamic_cast<const BSODView*>(panel.view.get()) != nullptr;
 }
 
-/// Both effects on one machine for a while, switched on and off at random, with a screen that comes
-/// and goes, a wall clock that is moved and a main thread that is blocked. The seed repeats the
-/// run.
+/// Both effects on one machine, switched on and off at random, while the screen comes and goes, the
+/// wall clock is set and the main thread is blocked. The same seed repeats the run.
 class Soak {
 public:
     explicit Soak(std::uint64_t seed) : m_chance(seed) {
@@ -44,7 +43,7 @@ public:
         stopScreens();
         m_freeze->stop();
         EXPECT_TRUE(m_machine.screens.shownPanels().empty()) << "a panel outlived both effects";
-        // What cannot be cancelled ends by itself.
+        // Delayed blocks cannot be cancelled; they end by themselves.
         m_machine.runLoop.advance(hour);
         EXPECT_EQ(m_machine.runLoop.pendingCount(), 0U);
         EXPECT_TRUE(m_machine.screens.shownPanels().empty());
@@ -57,7 +56,7 @@ private:
 
     double exponential(double mean) { return std::exponential_distribution<>(1 / mean)(m_chance); }
 
-    /// Lets time pass, and looks at each instant at which something happens.
+    /// Advances the clock, with a check after each deadline.
     void pass(double seconds) {
         const double end = now() + seconds;
         while (now() < end && !testing::Test::HasFailure()) {
@@ -105,7 +104,7 @@ private:
     void setScreen(std::optional<Rect> frame) {
         m_machine.screens.setMainScreen(frame);
         m_hasScreen = frame.has_value();
-        // A freeze that finds no screen is the last one until the effect is started again.
+        // After a freeze without a screen there is no other one until the effect is started again.
         m_freezesMayEnd = m_freezesMayEnd || !m_hasScreen;
     }
 
@@ -202,13 +201,13 @@ private:
     bool m_screenWasThere = false;
     std::size_t m_promised = 0;
     std::size_t m_stopScreens = 0;
-    // Of the panels that there ever were, those that have been counted.
+    // Number of panels counted so far.
     std::size_t m_counted = 0;
     // When the last freeze ended, or the freezes were started.
     double m_lastFreeze = 0;
     bool m_wasFrozen = false;
     bool m_freezesMayEnd = false;
-    // When each panel that is up was first seen.
+    // When each shown panel was first seen.
     std::map<std::shared_ptr<SimulatedPanel>, double> m_shown;
 };
 

@@ -15,7 +15,7 @@ namespace {
 
 using testing::ElementsAre;
 
-// Draws are of 0 to 2^53.
+// Draws are from 0 to 2^53.
 constexpr std::uint64_t lowest = 0;
 constexpr std::uint64_t highest = 9007199254740992;
 constexpr std::uint64_t middle = 4503599627370496;
@@ -148,7 +148,7 @@ TEST_F(FreezeManagerTest, StopDuringAFreezeClearsItAndItsEndDoesNothing) {
     EXPECT_FALSE(manager->isActive());
     EXPECT_EQ(machine.runLoop.pendingCount(), 1U) << "the end of the freeze cannot be cancelled";
     machine.runLoop.advance(3);
-    EXPECT_EQ(machine.runLoop.pendingCount(), 0U) << "its end begins no wait";
+    EXPECT_EQ(machine.runLoop.pendingCount(), 0U) << "its end schedules no further freeze";
     machine.runLoop.advance(100);
     EXPECT_EQ(freezes(), 1U);
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U);
@@ -230,7 +230,7 @@ TEST_F(FreezeManagerTest, WhatIsPendingDoesNothingOnceItIsGone) {
     manager->start();
     machine.runLoop.advance(21);
     manager.reset();
-    EXPECT_EQ(shown(), 1U) << "a panel that is up stays up";
+    EXPECT_EQ(shown(), 1U) << "a shown panel stays up";
     machine.runLoop.advance(100);
     EXPECT_EQ(freezes(), 1U);
     EXPECT_EQ(machine.runLoop.pendingCount(), 0U);

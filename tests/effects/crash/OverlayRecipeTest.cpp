@@ -11,15 +11,15 @@ namespace {
 
 using testing::ElementsAre;
 
-/// A screen that gets smaller once it has been asked how large it is.
+/// A screen that gets smaller after the first call of `frame`.
 class ShrinkingScreen final : public Screen {
 public:
     [[nodiscard]] Rect frame() const override {
-        return {.x = 0, .y = 0, .width = m_asked++ == 0 ? 1440.0 : 1024.0, .height = 600};
+        return {.x = 0, .y = 0, .width = m_calls++ == 0 ? 1440.0 : 1024.0, .height = 600};
     }
 
 private:
-    mutable int m_asked = 0;
+    mutable int m_calls = 0;
 };
 
 TEST(OverlayRecipe, SetsUpThePanelStepByStepAndBringsItToTheFront) {

@@ -222,7 +222,7 @@ TEST_F(BSODViewTest, WhatChangesIsDrawnWithinItsBounds) {
             EXPECT_LE(text.room.y + text.room.height, bounds.y + bounds.height);
         }
         ASSERT_EQ(each.arcs.size(), 1U);
-        // Half of the line's width is outside of the circle.
+        // Half of the line's width is outside the circle.
         EXPECT_LE(bounds.x, each.arcs[0].centerX - 36.5);
         EXPECT_LE(bounds.y, each.arcs[0].centerY - 36.5);
         EXPECT_GE(bounds.y + bounds.height, each.arcs[0].centerY + 36.5);

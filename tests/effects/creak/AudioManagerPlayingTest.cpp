@@ -163,7 +163,7 @@ TEST_F(AudioManagerTest, AnEngineThatDoesNotStartIsTriedAgainSilently) {
     EXPECT_THAT(machine.console.lines, IsEmpty());
     EXPECT_EQ(machine.audio.engineStartCount(), 2U);
     EXPECT_THAT(node().calls(), ElementsAre("attach", "connect 1000/1"))
-        << "nothing is scheduled or played on an engine that does not run";
+        << "nothing is scheduled or played while the engine is not running";
     machine.audio.clearFault(AudioFault::EngineStart);
     manager->update(50);
     EXPECT_TRUE(manager->isPlaying());

@@ -45,7 +45,7 @@ TEST_F(AudioManagerTest, TheLengthInItsLineIsRoundedToATenth) {
     EXPECT_THAT(node().calls(), ElementsAre("attach", "connect 1000/2"));
 }
 
-// Frames are counted in 32 bits; a file that claims another number is a mistake in the program.
+// A buffer's frame count has 32 bits; a longer file is a programming error.
 
 TEST_F(AudioManagerTest, TheLargestNumberOfFramesIsAccepted) {
     machine.audio.addTruncatedFile(clipPath, format, std::vector<float>(1), 4294967295);
@@ -139,7 +139,7 @@ TEST_F(AudioManagerTest, LoadingLeavesTheSchedulingAlone) {
     manager->update(0);
     load();
     manager->update(50);
-    EXPECT_EQ(sounds().back().offset, 1.0) << "the paused clip goes on where it was";
+    EXPECT_EQ(sounds().back().offset, 1.0) << "the paused clip resumes at its position";
 }
 
 // Stopping.

@@ -17,7 +17,7 @@ inline constexpr auto startedLine =
 inline constexpr auto failedLine =
     "⚠️ [KEYBOARD] Failed to create event tap — no permission?";
 
-/// The manager on a machine that trusts the program and has its sound.
+/// The manager on a machine with permission and with the sound.
 class KeyboardCrackManagerTest : public testing::Test {
 protected:
     KeyboardCrackManagerTest() {
@@ -25,7 +25,7 @@ protected:
                               std::vector<float>(200, 0.5F));
         machine.bundle.addResource("keyboard", "mp3", crackPath);
         machine.accessibility.trusted = true;
-        // A machine that has been up for a moment.
+        // Some time has passed since boot.
         machine.runLoop.advance(10);
     }
 
@@ -36,7 +36,7 @@ protected:
         manager->start();
     }
 
-    /// One key, heard to its end as far as the main queue is concerned.
+    /// Presses a key and runs the main queue.
     void press(std::int64_t autorepeat = 0) {
         EXPECT_TRUE(machine.eventTaps.send(
             {.type = TapEventType::KeyDown, .keyboardAutorepeat = autorepeat}));

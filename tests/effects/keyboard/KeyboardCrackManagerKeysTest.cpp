@@ -45,7 +45,7 @@ TEST_F(KeyboardCrackManagerTest, TwoKeysMoreThan150MsApartGiveTwoCracks) {
     EXPECT_EQ(cracks(), 2U);
 }
 
-// Soon after the start of the clock its doubles are fine enough to lie exactly 0.15 s apart.
+// Only while the clock is small can two of its doubles differ by exactly 0.15.
 TEST(KeyboardCrackInterval, OfExactly150MsIsLongEnough) {
     SimulatedMachine machine;
     machine.audio.addFile(crackPath, {.sampleRate = 1000, .channels = 1},
@@ -144,9 +144,9 @@ TEST_F(KeyboardCrackManagerTest, WithoutASoundACrackIsSilent) {
     EXPECT_EQ(cracks(), 0U);
 }
 
-// The callback by itself, as a system would call it that does not keep to the mask.
+// The callback itself, called also with events outside the mask.
 
-/// Taps that let a test call the callback that they were given.
+/// Taps whose callback a test can call.
 class CallableTaps final : public EventTapService {
 public:
     explicit CallableTaps(EventTapService& taps) : m_taps(taps) {}
@@ -171,11 +171,11 @@ protected:
         manager->start();
     }
 
-    /// How many cracks an event gives that reaches the callback.
+    /// Number of cracks after a call of the callback.
     std::size_t cracksOf(const TapEvent& event) {
         machine.runLoop.advance(1);
         const std::size_t before = cracks();
-        EXPECT_EQ(&taps.callback(event), &event) << "the event goes on as it is";
+        EXPECT_EQ(&taps.callback(event), &event) << "the event is returned";
         machine.runLoop.runMainQueue();
         return cracks() - before;
     }

@@ -77,7 +77,7 @@ TEST_F(KeyboardCrackManagerTest, RevokedPermissionIsNoticedByTheNextStart) {
     makeListening();
     machine.accessibility.trusted = false;
     machine.runLoop.advance(60);
-    EXPECT_TRUE(manager->isActive()) << "it is not watched";
+    EXPECT_TRUE(manager->isActive()) << "the permission is not watched";
     EXPECT_TRUE(*manager->hasPermission());
     manager->stop();
     manager->start();
@@ -94,8 +94,8 @@ TEST_F(KeyboardCrackManagerTest, PermissionRevokedBeforeTheRetryStartsNothing) {
     machine.runLoop.advance(3);
     EXPECT_FALSE(*manager->hasPermission());
     EXPECT_THAT(machine.eventTaps.calls(), IsEmpty());
-    EXPECT_EQ(machine.accessibility.prompts, 1) << "the retry asks nobody";
-    EXPECT_EQ(machine.runLoop.pendingCount(), 0U) << "and there is no further one";
+    EXPECT_EQ(machine.accessibility.prompts, 1) << "the retry shows no prompt";
+    EXPECT_EQ(machine.runLoop.pendingCount(), 0U) << "there is no second retry";
 }
 
 TEST_F(KeyboardCrackManagerTest, ATapThatCannotBeCreatedAtTheRetryPrintsALine) {
@@ -109,7 +109,7 @@ TEST_F(KeyboardCrackManagerTest, ATapThatCannotBeCreatedAtTheRetryPrintsALine) {
     EXPECT_TRUE(*manager->hasPermission());
 }
 
-/// A permission that is given as soon as it is asked for.
+/// A permission that is given at the prompt.
 class WillingAccessibility final : public Accessibility {
 public:
     [[nodiscard]] bool isProcessTrusted() const override { return m_asked; }

@@ -21,7 +21,7 @@ TEST_F(HapticRampTest, ThePulseRateRisesFrom5To25OverTheRampAndStays) {
     EXPECT_DOUBLE_EQ(hapticRate(1.5, 3), 15);
     EXPECT_DOUBLE_EQ(hapticRate(3, 3), 25);
     EXPECT_DOUBLE_EQ(hapticRate(300, 3), 25);
-    EXPECT_DOUBLE_EQ(hapticRate(-1.5, 3), -5) << "only a clock that is set back comes there";
+    EXPECT_DOUBLE_EQ(hapticRate(-1.5, 3), -5) << "only after the clock was set back";
 }
 
 TEST_F(HapticRampTest, APulseIsDueInTheFirstSixtiethOfASecondOfItsPeriod) {
@@ -59,8 +59,8 @@ TEST_F(HapticRampTest, AtFullRateTheTrackpadPulses25TimesASecond) {
     advance(3);
     const auto before = pulses().size();
     advance(4);
-    // Of the 12 ticks of 5 periods, 5 are well inside a pulse's sixtieth and one is on its edge,
-    // where the date's last digits decide.
+    // Of the 12 ticks of 5 periods, 5 are well inside a pulse's sixtieth; one is on its edge, where
+    // rounding decides.
     EXPECT_GE(pulses().size() - before, 100U);
     EXPECT_LE(pulses().size() - before, 120U);
 }
@@ -95,7 +95,7 @@ TEST_F(HapticRampTest, AClockSetForwardGivesTheFullRateAtOnce) {
     machine.runLoop.setDate(machine.runLoop.currentDate() + 3600);
     const auto before = pulses().size();
     advance(4);
-    // As above; the ramp itself would have come to some 80.
+    // As above; with the ramp it would be some 80.
     EXPECT_GE(pulses().size() - before, 100U);
     EXPECT_LE(pulses().size() - before, 120U);
 }

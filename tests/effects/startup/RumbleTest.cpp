@@ -42,7 +42,7 @@ TEST_F(RumbleTest, TheEnvelopeIsZeroEightTimesASecondAndAtTheSeam) {
     const auto& samples = manager->rumbleBuffer()->samples;
     EXPECT_EQ(samples[0], 0);
     for (int beat = 1; beat < 8; ++beat) {
-        // Every eighth of a second is a whole frame or lies between two.
+        // An eighth of a second need not be a whole number of frames.
         const double frame = beat * 44100.0 / 8;
         EXPECT_NEAR(samples[static_cast<std::size_t>(std::lround(frame))], 0, 4e-4) << beat;
     }
@@ -168,7 +168,7 @@ TEST_F(RumbleTest, StoppingCancelsWhatIsLeftOfTheRamp) {
     EXPECT_EQ(rumble().volume(), volume);
     EXPECT_EQ(rumble().state(), SimulatedAudioVoice::State::Stopped);
     EXPECT_EQ(rumble().scheduledCount(), 0U);
-    EXPECT_EQ(machine.audio.runningEngineCount(), 1U) << "the engine goes on";
+    EXPECT_EQ(machine.audio.runningEngineCount(), 1U) << "the engine keeps running";
 }
 
 TEST_F(RumbleTest, StartingAgainRestartsTheLoopAndTheRamp) {

@@ -43,7 +43,7 @@ protected:
 
     void advance(double seconds) { machine.runLoop.advance(seconds); }
 
-    /// The rumble's node; the manager makes one.
+    /// The rumble's node, the only one.
     [[nodiscard]] const SimulatedAudioVoice& rumble() const { return machine.audio.node(0); }
 
     [[nodiscard]] const SimulatedAudioFilePlayer& tractor() const {

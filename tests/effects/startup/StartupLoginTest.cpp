@@ -34,7 +34,7 @@ TEST_F(StartupLoginTest, WithoutALoginItemItStaysSilent) {
     }
 }
 
-/// A workspace that notes how much is already scheduled when it gets an observer.
+/// A workspace centre that records how much is scheduled when an observer is added.
 class NotingWorkspace final : public InProcessNotificationCenter {
 public:
     explicit NotingWorkspace(const SimulatedRunLoop& runLoop) : m_runLoop(runLoop) {}

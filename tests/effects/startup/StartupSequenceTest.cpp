@@ -64,7 +64,7 @@ TEST_F(StartupSequenceTest, WakingUpPlaysEverythingAtOnceAndEndsAfterTheClipsLen
     EXPECT_EQ(rumble().state(), SimulatedAudioVoice::State::Stopped);
 }
 
-/// A console that notes with each line what was going on when it was printed.
+/// A console that records the manager's state with each line.
 class WatchingConsole final : public Console {
 public:
     void print(std::string_view line) override {
@@ -76,7 +76,7 @@ public:
     std::vector<std::string> lines;
 };
 
-TEST_F(StartupSequenceTest, TheClipThenTheRumbleThenThePulsesAndSoTheyEnd) {
+TEST_F(StartupSequenceTest, TheClipThenTheRumbleThenThePulsesStartAndEndInThatOrder) {
     WatchingConsole console;
     manager = StartupSoundManager::create(exchange(machine.platform(), {.console = &console}));
     console.state = [&] {
@@ -142,7 +142,7 @@ TEST_F(StartupSequenceTest, AWakeUpAfterTheEndStartsANewSequence) {
     advance(clipLength);
     EXPECT_THAT(tractor().calls(),
                 ElementsAre("prepare", "currentTime 0", "play", "currentTime 0", "play"));
-    EXPECT_EQ(machine.audio.engineStartCount(), 1U) << "the engine goes on between sequences";
+    EXPECT_EQ(machine.audio.engineStartCount(), 1U) << "the engine keeps running between sequences";
 }
 
 TEST_F(StartupSequenceTest, WakingScreensStartNothing) {
@@ -177,7 +177,7 @@ TEST_F(StartupSequenceTest, SwitchingOffDuringASequenceDoesNotCutItShort) {
     EXPECT_EQ(machine.console.lines.back(), completeLine);
 }
 
-// The guards.
+// The conditions.
 
 TEST_F(StartupSequenceTest, PlayTractorChecksItsConditionsForEveryCaller) {
     makeManager();
@@ -192,7 +192,7 @@ TEST_F(StartupSequenceTest, PlayTractorChecksItsConditionsForEveryCaller) {
     EXPECT_EQ(machine.console.lines, lines);
 }
 
-// What goes wrong.
+// Failures.
 
 TEST_F(StartupSequenceTest, WithoutTheEngineOnlyTheRumbleIsMissing) {
     machine.audio.setFault(AudioFault::EngineStart, "no such thing as sound");

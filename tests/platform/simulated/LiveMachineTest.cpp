@@ -17,7 +17,7 @@ namespace {
 using testing::ElementsAre;
 using testing::SizeIs;
 
-// A callback carries no context.
+// Global, because the callback has no context argument.
 std::vector<std::pair<TapEventType, std::int64_t>> heardKeys;
 
 const TapEvent& hear(const TapEvent& event) {
@@ -25,7 +25,7 @@ const TapEvent& hear(const TapEvent& event) {
     return event;
 }
 
-/// A scenario's devices on a machine that is itself simulated, so that its time can be moved.
+/// The "real" machine is simulated too, so that its time is virtual.
 class LiveMachineTest : public testing::Test {
 protected:
     void load(std::string_view text) {
