@@ -1,12 +1,12 @@
 #include "platform/linux/system/LinuxRandom.h"
 
-#include <bit>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <limits>
 #include <sys/random.h>
+
+#include "base/UniformDraw.h"
 
 namespace quorvane {
 
@@ -28,15 +28,7 @@ std::uint64_t draw() {
 } // namespace
 
 std::uint64_t LinuxRandom::uniform(std::uint64_t upperBound) {
-    // As many bits as the bound has, drawn again while they are too large: a remainder would favour
-    // small numbers. At worst two draws on average.
-    const int unused = std::countl_zero(upperBound | 1U);
-    const std::uint64_t mask = std::numeric_limits<std::uint64_t>::max() >> unused;
-    std::uint64_t value = 0;
-    do {
-        value = draw() & mask;
-    } while (value > upperBound);
-    return value;
+    return uniformUpTo(upperBound, draw);
 }
 
 } // namespace quorvane
