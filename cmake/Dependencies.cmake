@@ -1,5 +1,5 @@
-# Everything that the build looks for on the machine. It is all looked for before the build stops, so
-# that one run names all that is missing.
+# Everything that the build needs on the machine. All of it is looked up before an error stops the
+# configuration, so that one run names all that is missing.
 
 set(missing "")
 
@@ -14,7 +14,7 @@ macro(want_pkg_config name)
     pkg_check_modules(${name} QUIET IMPORTED_TARGET ${ARGN})
 endmacro()
 
-# want_package(NAME TARGET) is find_package(NAME) for a package that has to bring the target.
+# want_package(NAME TARGET) is find_package(NAME) for a package that has to define TARGET.
 macro(want_package name target)
     find_package(${name} QUIET)
     if(NOT TARGET ${target})
