@@ -21,7 +21,7 @@ public:
     [[nodiscard]] bool isValid() const override { return m_timer.valid; }
 
     void fire() {
-        // NSTimer would do so after the block; ours is invalid within it.
+        // NSTimer invalidates itself after the block; ours has to be invalid while it runs.
         if (!m_repeats)
             invalidate();
         m_block(*this);

@@ -14,7 +14,7 @@ namespace {
 using namespace std::chrono_literals;
 
 // A performer is dropped at the second check in a row that finds it neither held nor asked for
-// since the check before: 1 to 1.5 s after its last use.
+// since the check before: 0.5 to 1 s after it was released, 1 to 1.5 s after it was asked for.
 constexpr auto checkInterval = 500ms;
 constexpr int unusedChecksBeforeClosing = 2;
 

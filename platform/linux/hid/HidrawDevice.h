@@ -40,8 +40,8 @@ struct HidrawNode {
 [[nodiscard]] std::vector<HidrawNode> matchingNodes(std::vector<HidrawNode> nodes,
                                                     const HIDMatching& matching);
 
-/// A HID device behind a hidraw node. Failures are errno values, which libhidapi does not return;
-/// nor does it check that a node still belongs to the device that was listed.
+/// A HID device behind a hidraw node. Failures are errno values. Not through libhidapi, which does
+/// not return those, nor check that a node still belongs to the device that was listed.
 class HidrawDevice final : public HIDDevice {
 public:
     /// `node`: "/dev/hidraw3"; `identity`: what it was listed with.

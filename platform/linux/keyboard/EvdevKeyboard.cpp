@@ -141,8 +141,8 @@ void EvdevKeyboard::catchUp() {
     const auto now = m_query(m_descriptor.get());
     if (!now)
         return;
-    // Dozens of events are lost. With no key down before and after, they were not all repeats: a
-    // key was pressed.
+    // An overflow loses dozens of events. If no key is down before and after it, they cannot all be
+    // repeats, so a key was pressed.
     if (m_down.none() && now->none()) {
         deliver({.type = TapEventType::KeyDown});
         deliver({.type = TapEventType::KeyUp});

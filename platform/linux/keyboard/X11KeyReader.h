@@ -44,7 +44,7 @@ private:
     X11Modifiers m_modifiers;
     /// By device id.
     std::map<std::uint16_t, Keys> m_down;
-    /// Down before the events were selected, on any device.
+    /// Keys that were down before the events were selected, on any device.
     Keys m_downBefore;
     bool m_delivers = false;
 };

@@ -48,7 +48,7 @@ private:
     int m_screensEvent;
     // While a panel is up.
     std::optional<StopSignals> m_stopSignals;
-    // The foremost first.
+    // Front to back.
     std::vector<std::shared_ptr<X11Panel>> m_shown;
     QTimer m_raise;
     QElapsedTimer m_sinceRaise;
