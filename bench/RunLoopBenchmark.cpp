@@ -1,4 +1,4 @@
-// How well the run loop keeps time, beside Qt's own precise timer: the mean error of the period and
+// How well the run loop keeps time, compared with Qt's precise timer: the mean error of the period and
 // the 99th percentile of its jitter over ten seconds, at the rates the program uses.
 
 #include <QCoreApplication>
