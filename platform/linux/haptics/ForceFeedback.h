@@ -32,8 +32,8 @@ struct HapticNode {
     bool operator==(const HapticNode&) const = default;
 };
 
-/// An open device with force feedback, call by call as the kernel has it. Closed with the object.
-/// One thread at a time.
+/// An open device with force feedback; each method is one call of the kernel. Closed with the
+/// object. One thread at a time.
 class ForceFeedbackPort : NonCopyable {
 public:
     virtual ~ForceFeedbackPort() = default;

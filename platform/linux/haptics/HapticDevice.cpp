@@ -13,8 +13,8 @@ namespace {
 // those leaves its own clicks to the host from then on.
 constexpr std::uint16_t clickWaveform = 0x1003;
 
-/// Magnitudes as in ff_rumble_effect. A motor takes some 20 ms to be felt, and at 25 pulses a second
-/// there are 40 ms for each.
+/// Magnitudes as in ff_rumble_effect. A motor takes some 20 ms to be felt, and at 25 pulses a
+/// second there are 40 ms for each.
 struct Rumble {
     std::uint16_t strong;
     std::uint16_t weak;

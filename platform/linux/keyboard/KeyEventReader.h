@@ -10,7 +10,7 @@ namespace quorvane {
 /// The source of a tap's key events. Closes what it opened when destroyed. Main thread only.
 class KeyEventReader : NonCopyable {
 public:
-    /// Must not destroy the reader.
+    /// Called with each key event; must not destroy the reader.
     using Sink = std::function<void(const TapEvent&)>;
 
     virtual ~KeyEventReader() = default;

@@ -9,6 +9,7 @@ namespace quorvane {
 /// loop, which may hang. SIGSTOP cannot be caught. Main thread only, one at a time.
 class StopSignals : NonCopyable {
 public:
+    /// `socket`: of the connection; it has to stay open for as long as this object lives.
     explicit StopSignals(int socket);
     ~StopSignals();
 };

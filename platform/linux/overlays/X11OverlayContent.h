@@ -15,6 +15,7 @@ namespace quorvane {
 class X11OverlayContent {
 public:
     struct Setting {
+        /// In coordinates of the root window.
         QRect pixels;
         /// Pixels per point.
         double scale = 1;

@@ -14,6 +14,7 @@ namespace quorvane {
 class X11OverlayWindow : NonCopyable {
 public:
     struct Look {
+        /// In coordinates of the root window.
         QRect pixels;
         /// 32: what is beneath shows through; 24: opaque.
         int depth = 24;
@@ -30,6 +31,7 @@ public:
 
     void raise() const;
     void placeBelow(xcb_window_t sibling) const;
+    /// Copies `part` of `image` to the same place in the window.
     void show(const X11SharedImage& image, const QRect& part) const;
 
 private:

@@ -49,7 +49,7 @@ private:
     std::weak_ptr<X11OverlayStack> m_stack;
     std::shared_ptr<const OverlayView> m_view;
     Rect m_frame;
-    // The monitor of the frame, once it has been looked up.
+    // The monitor that the frame covers, else only the frame's pixels and a scale. Set when shown.
     X11Monitor m_monitor;
     int m_level = 0;
     bool m_opaque = true;

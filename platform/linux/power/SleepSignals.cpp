@@ -64,7 +64,7 @@ void SleepSignals::listenToLid() {
 
 void SleepSignals::stop() {
     auto session = endSession();
-    // Then a signal of one of the session's children is on the stack.
+    // Called from within a report: a signal of one of the session's children is on the stack.
     if (session && m_isReporting)
         session.release()->deleteLater();
 }
@@ -87,7 +87,7 @@ std::unique_ptr<QObject> SleepSignals::endSession() {
     return session;
 }
 
-/// On a thread: a bus that accepts the connection but does not answer blocks the call for long.
+/// On another thread: a bus that accepts the connection but does not answer blocks the call long.
 void SleepSignals::connectInBackground() {
     m_connectionName = newConnectionName();
     QThread* thread = QThread::create(
