@@ -1,5 +1,5 @@
-// How well the run loop keeps time, compared with Qt's precise timer: the mean error of the period and
-// the 99th percentile of its jitter over ten seconds, at the rates the program uses.
+// How well the run loop keeps time, compared with Qt's precise timer: the mean error of the period
+// and the 99th percentile of its jitter over ten seconds, at the rates the program uses.
 
 #include <QCoreApplication>
 #include <QEventLoop>

@@ -5,9 +5,9 @@ Usage: keyboard_latency_benchmark.py BUILD_FOLDER [TURNS [KEYS [REST]]]
 
 In TURNS (5) turns each of the two is started, gets KEYS (10) keys 0.6 s apart, and is ended. Then
 each rests for REST (60) s, during which its processor time is counted, and gets one more key;
-twice. Both run on one display and one sound server. The program's window is minimised: people type
-elsewhere. A latency is from the key event to the first loud sample of the sound server's output, on
-that server's clock.
+twice. Both run on one display and one sound server. The program's window is minimised, as its user
+types in another. A latency is from the key event to the first loud sample of the sound server's
+output, on that server's clock.
 """
 
 import contextlib
@@ -53,7 +53,7 @@ class _BufferSizes(ctypes.Structure):
 
 
 def clicks(server, count):
-    """Plays clicks; returns when each sounds by the delay that the sound server reports."""
+    """Plays clicks; returns when each is heard, by the delay that the sound server reports."""
     library = ctypes.CDLL("libpulse-simple.so.0")
     library.pa_simple_new.restype = ctypes.c_void_p
     library.pa_simple_get_latency.restype = ctypes.c_uint64
@@ -118,7 +118,7 @@ class Bench:
             program.wait_for_exit()
 
     def _minimise(self):
-        """Minimises the window: people type in another one."""
+        """Minimises the window: its user types in another one."""
         display = self._session.display
         for window in wait_until(lambda: display.windows(screens.TITLE), "the window"):
             display.minimise(window)

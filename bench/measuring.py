@@ -22,7 +22,7 @@ def argument(number, default):
 
 
 def environment_of(session):
-    """What a program gets that opens on the warning."""
+    """The environment in which the program opens on the warning."""
     environment = session.environment(os.path.join(session.directory, "home"))
     screens.skip_hardware_check(environment)
     return environment
