@@ -9,7 +9,6 @@
 #include <QSettings>
 #include <QStandardPaths>
 
-#include <array>
 
 namespace quorvane {
 
