@@ -1,25 +1,26 @@
-// Makes the crack of a key pressed on a brittle keyboard: `crack FILE.wav`. The same samples every
-// time.
+// Makes the crack of a key pressed on a brittle keyboard: `crack_synthesis FILE.wav`.
+// Deterministic.
 //
-// Two things sound when a key goes down on a keyboard that is about to break, almost at once:
+// The sound has two parts, less than 5 ms apart:
 //
 // - The plastic of the cap cracks. A brittle fracture is an avalanche of small breaks whose
 //   energies follow a power law, as P. A. Houle and J. P. Sethna measured on crumpling sheets
 //   ("Acoustic emission from crumpling paper", Physical Review E 54, 1996); F. Fontana and
 //   R. Bresin used it for synthesis in "Physics-based sound synthesis and control: crushing,
-//   walking and running by crumpling sounds" (Colloquium on Musical Informatics, 2003). Breaks come
-//   densest at the main one and thin out as the stress is gone. Each frees a splinter that rings as
-//   a bar clamped at one end does: the longer, the lower, the longer in time and the louder. Adding
-//   such small damped voices is P. R. Cook's "Physically informed sonic modeling (PhISM)" (Computer
-//   Music Journal 21, 1997).
+//   walking and running by crumpling sounds" (Colloquium on Musical Informatics, 2003). Breaks are
+//   densest at the main one and become rarer as the stress falls. Each releases a splinter that
+//   rings like a bar clamped at one end: a longer one is lower and louder and rings longer. Summing
+//   such small damped oscillations is P. R. Cook's "Physically informed sonic modeling (PhISM)"
+//   (Computer Music Journal 21, 1997).
 //
 // - The key bottoms out. The cap hits the base plate; the force of the contact follows the
 //   non-linear, lossy spring of K. H. Hunt and F. R. E. Crossley, "Coefficient of restitution
 //   interpreted as damping in vibroimpact" (Journal of Applied Mechanics 42, 1975), and drives the
 //   modes of cap and plate.
 //
-// To be seen: the main break as one line across all frequencies in the first milliseconds, speckles
-// that thin out above 1 kHz, and below them the plate's modes that ring for some 30 ms.
+// The spectrogram shows the main break as one line across all frequencies in the first
+// milliseconds, splinters above 1 kHz that become rarer, and below 1 kHz the plate's modes, which
+// ring for some 30 ms.
 
 #include <algorithm>
 #include <cmath>
@@ -34,12 +35,12 @@
 namespace quorvane::synthesis {
 namespace {
 
+// Seconds: the sound's length, and when the cap breaks and hits the plate.
 constexpr double length = 0.2;
-/// The cap gives way, and hits the plate (s).
 constexpr double mainBreak = 0.001;
 constexpr double bottom = 0.0055;
 
-/// The force in N between cap and plate.
+/// The force between cap and plate, in N.
 Sound bottomingForce() {
     constexpr double mass = 0.0012;
     constexpr double speed = 0.9;
@@ -61,9 +62,9 @@ Sound bottomingForce() {
     return force;
 }
 
-/// Adds the ringing of a splinter of `size`, from 0 to 1, that comes free at `time`.
+/// Adds the ringing of a splinter of `size` (0 to 1) that breaks off at `time` (s).
 void addSplinter(Sound& sound, double time, double size, double level, RandomGenerator& random) {
-    // A bar's pitch goes with 1 / length^2, its energy with its length.
+    // A bar's frequency is proportional to 1 / length^2, its energy to its length.
     const double frequency = std::min(9500.0, 1500 / std::sqrt(size) * random.between(0.75, 1.3));
     const double decay = 0.0012 + 0.0026 * size;
     const double side = random.uniform() < 0.5 ? -level : level;
@@ -76,7 +77,7 @@ void addSplinter(Sound& sound, double time, double size, double level, RandomGen
     }
 }
 
-/// The avalanche: the main break, then ever rarer and weaker ones.
+/// The main break, then rarer and weaker ones.
 Sound makeAvalanche(RandomGenerator& random) {
     constexpr double calming = 0.013;
     constexpr double end = 0.085;
@@ -85,13 +86,13 @@ Sound makeAvalanche(RandomGenerator& random) {
     double time = mainBreak;
     while (time < end) {
         const double stress = std::exp(-(time - mainBreak) / calming);
-        // Energies between these bounds fall off with the power that the measurements gave.
+        // 1.6 is the exponent measured for the energies.
         const double size = std::sqrt(random.power(0.0004, 1, 1.6));
         addSplinter(sound, time, size, std::pow(size, 0.3) * stress, random);
         wait *= 1.02;
         time += random.exponential(wait);
     }
-    // The large ones of the main break, and those that the blow breaks of what it left.
+    // Large splinters of the main break, then those that break off when the cap hits the plate.
     for (int i = 0; i < 7; ++i)
         addSplinter(sound, mainBreak + 0.0001 * i, random.between(0.05, 0.8), 0.9, random);
     for (int i = 0; i < 4; ++i)

@@ -1,21 +1,20 @@
-// Makes the creak of a worn hinge in a thin lid: `creak FILE.wav`. The same samples every time.
+// Makes the creak of a worn hinge in a thin lid: `creak_synthesis FILE.wav`. Deterministic.
 //
-// A dry hinge does not turn steadily. Its surfaces stick; the turning lid winds up the parts around
-// them like a spring until the force is more than their bristles can hold; they slip, the force
-// drops, and they stick again. What is heard is that train of slips through whatever the hinge is
-// screwed to:
+// A dry hinge does not turn steadily. Its surfaces stick; the turning lid loads the parts around
+// them like a spring until static friction is exceeded; they slip, the force drops, and they stick
+// again. The slips excite the parts that the hinge is screwed to:
 //
-// - Friction.h is the contact, dragged at the speed of a hand: slow for groans whose slips can be
-//   counted, fast for chirps whose slips melt into a tone that glides. Patches of rust make both
-//   irregular.
+// - Friction.h is the contact, dragged at the speed of a hand: when slow, single slips can be
+//   counted (a groan); when fast, they merge into a gliding tone (a chirp). Patches of rust make
+//   both irregular.
 //
 // - The body is a bank of modes driven by the contact's force, as in F. Avanzini, S. Serafin and
 //   D. Rocchesso, "Interactive simulation of rigid body interaction with friction-induced sound
 //   generation", IEEE Transactions on Speech and Audio Processing 13 (2005). The lid rings low and
-//   dies within some 15 ms, the metal of the hinge rings higher and shorter.
+//   decays in some 15 ms; the metal of the hinge rings higher and decays faster.
 //
-// To be seen: single lines across all frequencies where the hand is slow, bent harmonics where it
-// is fast, and the modes as level bands through everything.
+// The spectrogram shows single lines across all frequencies where the hand is slow, harmonics that
+// glide where it is fast, and the modes as horizontal bands.
 
 #include <array>
 #include <cmath>
@@ -31,11 +30,12 @@
 namespace quorvane::synthesis {
 namespace {
 
+/// Seconds.
 constexpr double length = 3.2;
-/// The bristles are stiff: they need shorter steps than the sound.
+/// Simulation steps per sample; the stiff bristles need shorter steps than the sound.
 constexpr int substeps = 8;
 
-/// What the hand wants at a time (s): so many slips a second of a fresh and even surface.
+/// The hand's speed at `time` (s), as the slips per second that it would cause on an even surface.
 struct Gesture {
     double time;
     double rate;
@@ -57,15 +57,14 @@ constexpr std::array<Gesture, 15> gestures{{{0.00, 70},
                                             {3.14, 0.5},
                                             {length, 0.5}}};
 
-/// From gesture to gesture as a hand moves, and unsteadily: noise remembered for a quarter of a
-/// second.
+/// Moves smoothly from gesture to gesture, with some noise of a correlation time of 0.25 s.
 class Hand {
 public:
-    /// The lengths (Friction.h) by which it drags on in one sample.
+    /// How far it drags in one sample, in the length unit of Friction.h.
     double next(double time, RandomGenerator& random) {
         constexpr double memory = 0.25;
         constexpr double unsteadiness = 0.12;
-        /// Of a slip: how far the force falls.
+        /// Length of one slip.
         constexpr double slipLength = 0.9;
         constexpr double keep = 1 - 1 / (memory * sampleRate);
         m_wander = keep * m_wander + std::sqrt(1 - keep * keep) * unsteadiness * random.normal();
@@ -88,14 +87,14 @@ private:
 
 Body makeLidAndHinge() {
     return Body({
-        // The lid's bending modes, none a multiple of another.
+        // The lid's bending modes, inharmonic.
         {214, 0.016, 0.45},
         {372, 0.014, 0.70},
         {655, 0.013, 1.00},
         {983, 0.012, 1.10},
         {1270, 0.010, 0.90},
         {1795, 0.010, 0.80},
-        // Leaves and pin of the hinge.
+        // The hinge's leaves and pin.
         {2480, 0.009, 0.75},
         {3270, 0.007, 0.50},
         {4630, 0.005, 0.35},
@@ -116,7 +115,7 @@ Sound makeCreak() {
         double force = 0;
         for (int step = 0; step < substeps; ++step)
             force += contact.move(pull / substeps, 1 / sampleRate / substeps) / substeps;
-        // Sound goes with the body's acceleration, and so with the change of the force.
+        // The sound follows the body's acceleration, hence the change of the force.
         creak[i] = body.next(i == 0 ? 0 : force - last);
         last = force;
     }

@@ -8,12 +8,14 @@
 
 namespace quorvane::synthesis {
 
-/// Starts a worn-out engine: when the key is turned, and how much of each charge lights.
+/// Simulates the person who starts a worn-out engine, and its fuel supply: when the starter runs,
+/// and how much of each charge burns.
 class Driver {
 public:
     explicit Driver(RandomGenerator& random) : m_random(random) {}
 
-    /// True while the starter's pinion is in the ring, at this time (s) and speed of the crank.
+    /// Whether the starter turns the engine at `time` (s); `speed` is the crank's, in radians a
+    /// second.
     bool starterOn(double time, double speed) {
         m_time = time;
         m_speed = speed;
@@ -27,7 +29,8 @@ public:
         return time >= attempt.start && !m_released;
     }
 
-    /// The share of a full charge that lights at the end of a compression.
+    /// The share (0 to about 1) of a full charge that ignites. Called at the end of each
+    /// compression.
     double ignite() {
         const Attempt& attempt = attempts[m_attempt];
         const int number = m_compressions++ - attempt.dead;
@@ -42,8 +45,9 @@ public:
     }
 
 private:
-    /// One turn of the key: when, for how long at most, how many compressions pass before a charge
-    /// lights, how many light, how much of each, and whether it runs on.
+    /// One turn of the key: when and for how long at most (s), how many compressions pass before
+    /// the first charge ignites, how many ignite, the share of each, and whether the engine then
+    /// idles.
     struct Attempt {
         double start;
         double patience;
@@ -56,13 +60,14 @@ private:
     static constexpr std::array<Attempt, 3> attempts{{{0.06, 2.0, 2, 2, 0.5, false},
                                                       {2.35, 2.0, 2, 2, 0.62, false},
                                                       {4.55, 2.0, 1, 1000, 0.95, true}}};
-    /// The crank's speed (radians a second) at which it seems to run by itself.
+    /// The crank's speed (radians a second) at which the driver releases the key.
     static constexpr double caught = 21;
-    /// When the fuel ends (s), and how long the rest of it lasts.
+    /// When the fuel supply ends (s), and how long the rest lasts.
     static constexpr double fuelOut = 7.7;
     static constexpr double chokes = 1.1;
 
-    /// A worn governor: charges that scatter about what the speed asks for, and some that miss.
+    /// A worn governor: charges for a speed of 33 radians a second, with much scatter; one in ten
+    /// does not ignite.
     double idle() {
         constexpr double wanted = 33;
         if (m_random.uniform() < 0.1)

@@ -9,25 +9,27 @@ namespace quorvane::synthesis {
 namespace {
 
 constexpr double pi = std::numbers::pi;
-/// Of a cylinder, in m^3, and of the air, in Pa.
+/// A cylinder's displacement in m^3, and the air's pressure in Pa.
 constexpr double displacement = 1.0e-3;
 constexpr double airPressure = 1.0e5;
 constexpr double compressionRatio = 6;
-/// Of the gas's expansion: less than adiabatic, as iron takes the heat.
+/// Exponent of compression and expansion; below the adiabatic 1.4, because the iron takes heat.
 constexpr double polytropic = 1.3;
-/// Of flywheel and crank, in kg m^2.
+/// Moment of inertia of flywheel and crank, in kg m^2.
 constexpr double inertia = 1.9;
-/// A charge that burns whole multiplies the pressure by this much more than 1.
+/// A full charge multiplies the pressure by 1 + heat.
 constexpr double heat = 2.4;
-/// The rings leak a share of the compressed gas.
+/// The share of the compressed gas that leaks past the rings.
 constexpr double leak = 0.12;
+/// Angles of the crank after ignition, in radians, and its highest speed at idle, in radians a
+/// second.
 constexpr double burnAngle = 0.6;
 constexpr double exhaustOpens = 0.78 * pi;
 constexpr double intakeOpens = 2 * pi;
 constexpr double intakeCloses = 3.2 * pi;
 constexpr double idleSpeed = 42;
 
-/// Where a cylinder is in its four strokes, from 0 when it fires up to 4 pi.
+/// A cylinder's position in its four strokes: 0 at ignition, up to 4 pi.
 double phaseOf(double angle, std::size_t cylinder) {
     const double phase = std::fmod(angle - static_cast<double>(cylinder) * pi, 4 * pi);
     return phase < 0 ? phase + 4 * pi : phase;
@@ -67,7 +69,7 @@ void Engine::move(std::size_t cylinder, double before, double after) {
 }
 
 void Engine::turn(double duration, bool starter) {
-    // The pinion's clutch slips when the crank runs ahead of it.
+    // N m, and radians a second: a crank faster than that overruns the starter's clutch.
     constexpr double stallTorque = 185;
     constexpr double freeSpeed = 19;
     m_starterTorque = starter ? stallTorque * std::clamp(1 - m_speed / freeSpeed, 0.0, 1.0) : 0;

@@ -7,46 +7,46 @@
 
 namespace quorvane::synthesis {
 
-/// Crank, flywheel and gas of an old engine of two cylinders and four strokes, turned by a starter
-/// and by what burns. Its crank throws stand half a turn apart, so that it fires one and then three
-/// half turns apart: the limp of such engines.
+/// Crank, flywheel and gas of an old two-cylinder four-stroke engine, turned by a starter and by
+/// combustion. Its crank throws are half a turn apart, so that the intervals between ignitions are
+/// one and three half turns, in turn: the uneven beat of such engines.
 ///
-/// Slow things come of themselves here: compression brakes the crank and lets go of it again, which
-/// makes the beats of cranking; an engine that dies swings back from its last compression.
+/// The slow changes of speed follow from the model: each compression brakes the crank and then
+/// drives it, which makes the rhythm of cranking; when the engine stops, the last compression turns
+/// it back.
 class Engine {
 public:
     static constexpr std::size_t cylinders = 2;
 
     /// What happened to a cylinder during a step.
     struct Stroke {
-        /// Pressure over that of the air, in units of it.
+        /// Pressure above that of the air, in units of the air pressure.
         double pressure = 0;
-        /// The share of a full charge that lit in this step, or 0.
+        /// The share of a full charge that ignited in this step, or 0.
         double lit = 0;
-        /// The pressure over that of the air with which the exhaust valve opened in this step, or
-        /// 0.
+        /// The pressure, in the same unit, at which the exhaust valve opened in this step, or 0.
         double blowdown = 0;
         /// A valve hit its seat in this step.
         bool valveClosed = false;
-        /// The rate at which the piston draws air in or drives gas out, 1 at idle's fastest.
+        /// The rate at which the piston draws air in or drives gas out; 1 is the highest at idle.
         double drawn = 0;
         double driven = 0;
     };
 
-    /// Asked at the end of a compression for the share of a full charge that lights.
+    /// Called at the end of a compression; returns the share of a full charge that ignites.
     using Ignition = std::function<double(std::size_t cylinder)>;
 
     explicit Engine(Ignition ignition) : m_ignition(std::move(ignition)) {}
 
-    /// Turns on by `duration` (s), with the starter's pinion in the ring or not.
+    /// Simulates the next `duration` (s); `starter`: with the starter engaged.
     void turn(double duration, bool starter);
 
     [[nodiscard]] const Stroke& stroke(std::size_t cylinder) const { return m_strokes[cylinder]; }
 
-    /// Of the crank, in radians a second.
+    /// Speed of the crank, in radians a second.
     [[nodiscard]] double speed() const { return m_speed; }
 
-    /// In N m, like that of the gas on the crank, which shakes the whole engine.
+    /// Torques on the crank, in N m. That of the gas shakes the whole engine.
     [[nodiscard]] double starterTorque() const { return m_starterTorque; }
 
     [[nodiscard]] double gasTorque() const { return m_gasTorque; }
@@ -57,7 +57,7 @@ private:
 
     Ignition m_ignition;
     std::array<Stroke, cylinders> m_strokes;
-    /// What burns in each, and what its rings have leaked.
+    /// The share of a full charge that burns in each cylinder.
     std::array<double, cylinders> m_burning{};
     double m_angle = 4.2;
     double m_speed = 0;

@@ -1,21 +1,22 @@
-// Makes the roar of a small blower pushed too hard, as a loop: `fan FILE.wav`.
+// Makes the roar of an overloaded small blower, as a loop: `fan_synthesis FILE.wav`.
 //
 // The sources of a centrifugal fan's noise are those of W. Neise, "Noise reduction in centrifugal
 // fans: a literature survey", Journal of Sound and Vibration 45 (1976):
 //
-// - Rotation. Every blade that passes the cutoff of the scroll strikes it with a puff of air: a
-//   line at blades times revolutions a second, and its harmonics.
+// - Rotation. Each blade that passes the cutoff of the scroll causes a pressure pulse: a line at
+//   the number of blades times the revolutions per second, and its harmonics.
 //
-// - Turbulence. Vortices that the blades shed make broad noise, the louder the faster the air, and
-//   unsteady at the rate at which each blade passes. The slots of the case shape it.
+// - Turbulence. Vortices shed by the blades make broadband noise, which grows with the air's speed
+//   and is modulated at the blade-pass rate. Resonances of the case filter it.
 //
 // The bearing is worn. Balls that roll over a spall in the outer race strike it at the ball-pass
-// rate, never quite evenly, and hardest when the imbalance of the wheel presses them on it: the
-// model and the jitter are those of R. B. Randall and J. Antoni, "Rolling element bearing
-// diagnostics - A tutorial", Mechanical Systems and Signal Processing 25 (2011).
+// rate, with some jitter, and hardest when the imbalance of the wheel presses on them: the model
+// and the jitter are those of R. B. Randall and J. Antoni, "Rolling element bearing diagnostics - A
+// tutorial", Mechanical Systems and Signal Processing 25 (2011).
 //
-// The loop has no seam: the wheel makes a whole number of turns in it, everything slow comes around
-// a whole number of times, and noise passes its filters twice, so that they end as they began.
+// The loop has no seam: the wheel makes a whole number of turns in it, slow changes have a whole
+// number of periods, and noise passes its filters twice, so that they end in the state in which
+// they began.
 
 #include <array>
 #include <cmath>
@@ -32,11 +33,12 @@ namespace {
 
 constexpr double length = 10;
 constexpr std::size_t frameCount = frames(length);
+/// Turns of the wheel in the whole loop.
 constexpr double turns = 980;
 constexpr double blades = 23;
 constexpr double fullTurn = 2 * std::numbers::pi;
 
-/// Comes around `times` times in the loop, and so leaves no seam.
+/// A sine with `times` periods (a whole number) in the loop. `phase` is in turns.
 struct Wave {
     double times;
     double depth;
@@ -46,20 +48,20 @@ struct Wave {
         return depth * std::sin(fullTurn * (times * time / length + phase));
     }
 
-    /// Its rate of change, a second.
+    /// The derivative of `at`, per second.
     [[nodiscard]] double slopeAt(double time) const {
         const double rate = fullTurn * times / length;
         return rate * depth * std::cos(fullTurn * (times * time / length + phase));
     }
 };
 
-/// How far the labouring wheel is ahead of an even one, in turns.
+/// How far the wheel is ahead of one that turns evenly, in turns.
 constexpr std::array<Wave, 4> hunting{
     {{2, 1.5, 0.1}, {3, 1.1, 0.7}, {7, 0.35, 0.4}, {17, 0.06, 0.9}}};
-/// How the air's resistance changes: a hand on the slots, dust, the throttle of a stall.
+/// Changes of the air's resistance, relative: covered slots, dust, stall.
 constexpr std::array<Wave, 4> resistance{
     {{1, 0.05, 0.3}, {3, 0.06, 0.2}, {5, 0.05, 0.6}, {23, 0.05, 0.8}}};
-/// The rattle comes and goes.
+/// Changes of the bearing's rattle, relative.
 constexpr std::array<Wave, 3> looseness{{{4, 0.35, 0.55}, {9, 0.25, 0.15}, {31, 0.2, 0.7}}};
 
 double sum(std::span<const Wave> waves, double time) {
@@ -69,12 +71,12 @@ double sum(std::span<const Wave> waves, double time) {
     return sum;
 }
 
-/// How far the wheel has turned, in turns.
+/// How far the wheel has turned at `time` (s), in turns.
 double angle(double time) {
     return turns * time / length + sum(hunting, time);
 }
 
-/// The level of what the air does: amplitudes go with the 2.5th power of the wheel's speed.
+/// The amplitude of the air's sound: the wheel's speed to the power of 2.5, times the resistance.
 double strain(double time) {
     double speed = 1;
     for (const Wave& wave : hunting)
@@ -82,7 +84,7 @@ double strain(double time) {
     return std::pow(speed, 2.5) * (1 + sum(resistance, time));
 }
 
-/// Runs `filter` around the loop twice and keeps the second time.
+/// Runs `filter` over the loop twice and keeps the second pass.
 template <typename Filter>
 void filterLoop(Sound& sound, Filter filter) {
     for (const double sample : sound)

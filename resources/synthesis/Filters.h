@@ -9,7 +9,7 @@
 
 namespace quorvane::synthesis {
 
-/// Two poles and two zeros.
+/// A second-order filter. Frequencies are in Hz.
 class Biquad {
 public:
     double next(double input) {
@@ -20,7 +20,7 @@ public:
         return output;
     }
 
-    /// Butterworth's, 12 dB an octave from `frequency` on.
+    /// Butterworth: -3 dB at `frequency`, then -12 dB per octave.
     static Biquad lowPass(double frequency) {
         const Corner corner(frequency, std::numbers::sqrt2 / 2);
         const double b = (1 - corner.cosine) / 2;
@@ -33,7 +33,7 @@ public:
         return {corner, b, -2 * b, b};
     }
 
-    /// Gain 1 at `frequency`, half the power frequency / q apart.
+    /// Gain 1 at `frequency`; the -3 dB bandwidth is frequency / q.
     static Biquad bandPass(double frequency, double q) {
         const Corner corner(frequency, q);
         return {corner, corner.alpha, 0, -corner.alpha};
@@ -62,7 +62,8 @@ private:
 };
 
 /// One resonance of a struck or rubbed body: two poles, with zeros at 0 Hz and at half the sample
-/// rate. Its response to an impulse starts at the gain and falls by 1/e in the decay time (s).
+/// rate. The envelope of its impulse response starts at the gain and falls to 1/e in the decay time
+/// (s).
 class Mode {
 public:
     Mode(double frequency, double decayTime, double gain) {
@@ -90,7 +91,7 @@ private:
     double m_output2 = 0;
 };
 
-/// A body: its modes side by side.
+/// A body: the sum of its modes.
 class Body {
 public:
     explicit Body(std::vector<Mode> modes) : m_modes(std::move(modes)) {}

@@ -8,32 +8,32 @@ namespace quorvane::synthesis {
 
 namespace {
 
-/// What is left of the friction while sliding.
+/// Friction while sliding, relative to that at rest.
 constexpr double sliding = 0.42;
-/// The speed (lengths a second) over which friction falls from resting to sliding.
+/// The speed (lengths a second) at which friction is halfway between these two.
 constexpr double fallSpeed = 45;
-/// Of the bristles, against the spring's; their damping is a share of critical.
+/// The bristles' stiffness relative to the spring's, and their damping as a share of critical.
 constexpr double bristleStiffness = 60;
 constexpr double bristleDamping = 0.8;
-/// Drag of what grease is left, per mass.
+/// Viscous drag of the remaining grease, per mass.
 constexpr double grease = 60;
-/// The share of their limit up to which bristles bend without giving way at all.
+/// The share of their limit up to which the bristles bend without slipping.
 constexpr double elastic = 0.8;
-/// The extra friction of surfaces that have rested is lost over this length of sliding, and
-/// regained in this time.
+/// The extra static friction of surfaces at rest: the length of sliding over which it is lost, the
+/// time (s) in which it is regained, and its share of the static friction.
 constexpr double forgetting = 0.15;
 constexpr double restTime = 0.006;
 constexpr double restGain = 0.3;
 
-// Stick and slip is chaotic: a difference in the last bit makes another creak a moment later. So
-// this uses only what every processor rounds alike (sums, products, quotients, square roots), and
-// not the mathematical library, whose rounding depends on the processor.
+// Stick-slip is chaotic: a difference in the last bit soon makes a different creak. So this uses
+// only operations that every processor rounds alike (sums, products, quotients, square roots), and
+// no functions of the mathematical library, whose rounding depends on the processor.
 
 double square(double x) {
     return x * x;
 }
 
-/// From 0 to 1 as `way` goes from 0 to 1, level at both ends.
+/// From 0 to 1 as `way` goes from 0 to 1, with slope 0 at both ends.
 double smooth(double way) {
     return square(way) * (3 - 2 * way);
 }
@@ -59,7 +59,7 @@ StickSlip::StickSlip(double slipRate, RandomGenerator& random)
       m_mass(1 / square(2 * std::numbers::pi * slipRate)) {}
 
 double StickSlip::load() const {
-    // Rust in patches, and smooth metal between them.
+    // Patches of rust with smooth metal between them.
     const double rust = 0.5 + 0.5 * m_patches.at(m_place);
     const double height = 0.4 * m_ground.at(m_place) +
                           (0.04 + 0.45 * rust * rust * rust) * m_bumps.at(m_place) +

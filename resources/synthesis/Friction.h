@@ -13,7 +13,7 @@ class Surface {
 public:
     Surface(double bump, RandomGenerator& random);
 
-    /// About -1 to 1; the path comes around after some thousand bumps.
+    /// The height at `place`, about -1 to 1; repeats after 4096 bumps.
     [[nodiscard]] double at(double place) const;
 
 private:
@@ -21,8 +21,8 @@ private:
     std::vector<double> m_heights;
 };
 
-/// A piece of a hinge that is dragged by a spring over a worn surface and sticks to it by bristles
-/// which bend, give way and bend again: P. Dupont, V. Hayward, B. Armstrong and F. Altpeter,
+/// A piece of a hinge that is dragged by a spring over a worn surface. The contact consists of
+/// elastic bristles that bend and then slip: P. Dupont, V. Hayward, B. Armstrong and F. Altpeter,
 /// "Single state elastoplastic friction models", IEEE Transactions on Automatic Control 47 (2002),
 /// here with a static friction that grows while the surfaces rest, as in E. Rabinowicz, "Friction
 /// and Wear of Materials" (1965).
@@ -31,10 +31,10 @@ private:
 /// stiffness is 1, so that a length of 1 is its stretch under that force.
 class StickSlip {
 public:
-    /// `slipRate` in Hz: that at which piece and spring would swing freely.
+    /// `slipRate` in Hz: the natural frequency of piece and spring without friction.
     StickSlip(double slipRate, RandomGenerator& random);
 
-    /// Moves the spring's end on by `pull` and lets `duration` (s) pass; the friction's force.
+    /// Moves the spring's end by `pull` and simulates `duration` (s). Returns the friction force.
     double move(double pull, double duration);
 
 private:

@@ -12,12 +12,12 @@ class RandomGenerator {
 public:
     explicit RandomGenerator(std::uint64_t seed) : m_engine(seed) {}
 
-    /// From 0 up to 1.
+    /// Uniform, from 0 to below 1.
     double uniform() { return static_cast<double>(m_engine() >> 11U) * 0x1p-53; }
 
     double between(double low, double high) { return low + (high - low) * uniform(); }
 
-    /// Of mean 0 and standard deviation 1, near enough: the sum of twelve uniform ones.
+    /// Approximately normal, of mean 0 and standard deviation 1: the sum of twelve uniform numbers.
     double normal() {
         double sum = -6;
         for (int i = 0; i < 12; ++i)
@@ -25,10 +25,10 @@ public:
         return sum;
     }
 
-    /// The waits of a process without memory: of mean `mean`, most of them short.
+    /// Exponentially distributed, of mean `mean`.
     double exponential(double mean) { return -mean * std::log(1 - uniform()); }
 
-    /// Pareto's law cut off at `high`: densities fall as size^-exponent from `low` on.
+    /// A power law from `low` to `high`: the density is proportional to x^-exponent.
     double power(double low, double high, double exponent) {
         const double rest = 1 - exponent;
         const double first = std::pow(low, rest);

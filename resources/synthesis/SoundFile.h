@@ -6,9 +6,10 @@
 
 namespace quorvane::synthesis {
 
-/// In Hz, of every sound.
+/// Of every sound, in Hz.
 constexpr double sampleRate = 44100;
 
+/// The number of samples in `seconds`, rounded.
 constexpr std::size_t frames(double seconds) {
     const double count = seconds * sampleRate;
     const auto whole = static_cast<std::size_t>(count);
@@ -18,8 +19,9 @@ constexpr std::size_t frames(double seconds) {
 /// One channel of samples from -1 to 1.
 using Sound = std::vector<double>;
 
-/// The main program of a synthesis, `NAME FILE.wav`: scales the sound so that its highest sample is
-/// `peak`, and writes it with 16 bits. The encoder may overshoot a peak by a decibel or so.
+/// The main function of a synthesis program with the arguments `FILE.wav`: scales the sound so that
+/// its largest absolute sample is `peak`, and writes it with 16 bits. Returns the exit status. The
+/// encoder may overshoot `peak` by about 1 dB.
 int writeSound(std::span<char*> arguments, Sound sound, double peak);
 
 } // namespace quorvane::synthesis

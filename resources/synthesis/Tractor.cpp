@@ -1,28 +1,30 @@
-// Makes an old tractor that will not start: `tractor FILE.wav`. The starter turns it, it coughs and
-// dies, coughs longer and dies, catches, idles as badly as it can, chokes and gives up. The same
-// samples every time.
+// Makes the sound of an old tractor that will not start: `tractor_synthesis FILE.wav`. Two attempts
+// end after a few ignitions; at the third the engine starts, idles unevenly, runs out of fuel and
+// stops. Deterministic.
 //
-// The engine is a mechanism (Engine.h) in the hands of a driver (Driver.h), and what is heard of it
-// are its pulses through its parts, as in S. Baldan, H. Lachambre, S. Delle Monache and P.
-// Boussard, "Physically informed car engine sound synthesis for virtual and augmented
+// Engine.h simulates the engine's mechanics, Driver.h the person who starts it. The sound is that
+// of the engine's pulses, filtered by its parts, as in S. Baldan, H. Lachambre, S. Delle Monache
+// and P. Boussard, "Physically informed car engine sound synthesis for virtual and augmented
 // environments", IEEE 2nd VR Workshop on Sonic Interactions for Virtual Environments (2015):
 //
-// - exhaust: the gas that bursts out when a valve opens, and the rest that the piston drives out,
-//   through a pipe open at one end: a waveguide with an inverting, dulling reflection;
+// - exhaust: the gas that escapes when a valve opens, and the rest that the piston pushes out,
+//   through a pipe open at one end: a waveguide with an inverting low-pass reflection;
 //
-// - intake: noise of the air drawn in, coloured by the manifold, lower the slower; a weak charge
-//   still burns when the intake opens, and spits back through it: a cough;
+// - intake: noise of the air drawn in, filtered by the manifold, quieter at low speed; a weak
+// charge
+//   still burns when the intake opens and blows back through it: a cough;
 //
-// - block: the blow of a charge that lights and the valves that hit their seats, through modes; gas
-//   that hisses past worn rings; sheet metal that rattles when the engine shakes in its mounts;
+// - block: ignitions and valves that hit their seats, through modes; gas that leaks past worn rings
+//   (a hiss); sheet metal that rattles when the engine shakes in its mounts;
 //
-// - starter: its relay, the mesh of pinion and ring and the whine of the armature, in step with the
-//   crank and the louder the harder it is braked; let go of, it runs down by itself.
+// - starter: its relay, the meshing of pinion and ring gear and the whine of the armature,
+//   proportional to the crank's speed and louder under load; when released, it runs down.
 //
-// It leaves 12 to 50 Hz to the rumble that the program plays beneath it.
+// 12 to 50 Hz are left to the rumble that the program plays at the same time.
 //
-// To be seen: the whine's lines that bend at every compression; coughs as short walls; strokes in
-// pairs while it idles; the last swing back and a hiss.
+// The spectrogram shows the whine's lines, which bend at every compression; coughs as short
+// vertical bars; ignitions in pairs while the engine idles; at the end, the crank's swing back and
+// a hiss.
 
 #include <algorithm>
 #include <cmath>
@@ -42,7 +44,7 @@ namespace {
 constexpr double length = 9.7;
 constexpr double fullTurn = 2 * std::numbers::pi;
 
-/// A value that follows another with a delay of `time` (s).
+/// A one-pole low-pass filter of time constant `time` (s).
 class Follower {
 public:
     explicit Follower(double time) : m_share(1 - std::exp(-1 / (time * sampleRate))) {}
@@ -54,10 +56,10 @@ private:
     double m_value = 0;
 };
 
-/// 1.4 m of exhaust pipe full of hot gas, closed at the valve.
+/// 1.4 m of exhaust pipe filled with hot gas, closed at the valve.
 class Pipe {
 public:
-    /// What leaves the open end of what enters at the valve.
+    /// The sample that leaves the open end as `input` enters at the valve.
     double next(double input) {
         constexpr double reflection = -0.72;
         double& end = m_line[m_place];
@@ -140,7 +142,7 @@ public:
     }
 
 private:
-    /// Sheet metal with some play, shaken by what the engine does in its mounts.
+    /// Loose sheet metal, shaken by the engine's movement in its mounts.
     double rattle(const Engine& engine, RandomGenerator& random) {
         constexpr double play = 0.35;
         const double shake = std::abs(m_mounts.next(engine.gasTorque() * 1.0e-6));
@@ -213,7 +215,7 @@ Sound makeTractor() {
         const double mix = 1.7 * exhaust.next(engine, random) + 0.5 * intake.next(engine, random) +
                            0.15 * block.next(engine, cranking, random) +
                            0.07 * starter.next(engine, cranking, random);
-        // Overdriven, as a recording from close by.
+        // Overdriven, like a close recording.
         sound[i] = std::tanh(1.7 * floor.next(mix));
     }
     fadeOut(sound);

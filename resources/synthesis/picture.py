@@ -1,7 +1,7 @@
 #!/usr/bin/python3
-"""RandomGenerator a sound's waveform and spectrogram: picture.py SOUND.mp3 PICTURE.png HIGHEST-HZ WINDOW
+"""Draws a sound's waveform and spectrogram: picture.py SOUND.mp3 PICTURE.png HIGHEST-HZ WINDOW
 
-WINDOW is the spectrogram's, in samples: short to see when, long to see which frequency.
+WINDOW is the FFT's length in samples: short for resolution in time, long for frequency.
 """
 
 import io
@@ -22,7 +22,7 @@ def decode(path):
                          capture_output=True).stdout
     with wave.open(io.BytesIO(wav)) as sound:
         rate = sound.getframerate()
-        # A stream's header cannot know the length; what is there counts.
+        # LAME cannot write the length into the header of a pipe: read everything there is.
         frames = sound.readframes(len(wav) // 2)
     return np.frombuffer(frames, "<i2") / 32768, rate
 
@@ -32,7 +32,7 @@ def draw(samples, rate, highest, window):
         2, 1, figsize=(10, 6), sharex=True, height_ratios=[1, 2.4], layout="constrained")
     above.plot(np.arange(len(samples)) / rate, samples, linewidth=0.4)
     above.set_ylim(-1, 1)
-    # A floor far below what is heard, so that silence has a logarithm.
+    # Inaudible noise, because the logarithm of silence is undefined.
     floor = 1e-7 * np.random.default_rng(0).standard_normal(len(samples))
     overlap = window * 7 // 8 if len(samples) < 4 * rate else window // 2
     below.specgram(samples + floor, NFFT=window, Fs=rate, noverlap=overlap, vmin=-130, vmax=-40,
@@ -49,7 +49,7 @@ def main():
     figure = draw(*decode(sound), float(highest), int(window))
     pixels = io.BytesIO()
     figure.savefig(pixels, dpi=80)
-    # 48 colours are as good to look at and a quarter as large.
+    # 48 colours look the same and make the file a quarter as large.
     Image.open(pixels).convert("RGB").quantize(48).save(picture, optimize=True)
 
 
