@@ -12,7 +12,7 @@ public:
 
     /// The state of the effect's switch. Only the manager itself writes it.
     [[nodiscard]] virtual const Observable<bool>& isActive() const = 0;
-    /// Does nothing when already active or when the effect cannot run, say without its sound.
+    /// Does nothing when already active or when the effect cannot run, as without its sound.
     virtual void start() = 0;
     /// Does nothing when not running.
     virtual void stop() = 0;

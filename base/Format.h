@@ -4,8 +4,8 @@
 
 namespace quorvane {
 
-/// The shortest decimal form that reads back as the same double, with at least one decimal:
-/// 25 gives "25.0", 12.5 gives "12.5".
+/// The shortest form that reads back as the same double, with at least one decimal: 25 gives
+/// "25.0", 12.5 gives "12.5". In exponent notation where that is shorter: 1e300 gives "1e+300".
 [[nodiscard]] std::string formatDouble(double value);
 
 /// `value` with exactly one decimal, rounded half to even on the exact binary value ("%.1f").

@@ -11,7 +11,7 @@
 namespace quorvane {
 
 /// One observer's registration, ended by `cancel` or by the destructor. May outlive the observable
-/// and may be cancelled from inside the observer.
+/// and may be cancelled from inside the observer. Main thread only.
 class Subscription : NonCopyable {
 public:
     Subscription() = default;
@@ -40,7 +40,8 @@ private:
     std::function<void()> m_cancel;
 };
 
-/// The part of an observable that does not depend on the value's type: its observers.
+/// The part of an observable that does not depend on the value's type: its observers. Main thread
+/// only.
 class AnyObservable : NonCopyable {
 public:
     virtual ~AnyObservable() = default;
