@@ -7,7 +7,7 @@
 
 namespace quorvane {
 
-/// How the kinds of overlay differ.
+/// The properties in which the stop screen and the freeze differ.
 struct OverlayAppearance {
     bool opaque = true;
     Color background;

@@ -13,8 +13,8 @@ namespace quorvane {
 
 namespace {
 
-/// A file's length as a buffer's capacity, in frames. One that does not fit is a programming error:
-/// no creak is that long.
+/// A file's length as a buffer's capacity, in frames. Ends the program if it does not fit: no creak
+/// is that long.
 std::uint32_t requireFrameCount(std::int64_t length) {
     if (length < 0 || length > std::numeric_limits<std::uint32_t>::max())
         std::abort();

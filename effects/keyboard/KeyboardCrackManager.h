@@ -20,7 +20,7 @@ public:
     [[nodiscard]] static std::shared_ptr<KeyboardCrackManager> create(const Platform& platform);
     ~KeyboardCrackManager() override;
 
-    /// Starts the tap. Without permission, has the system ask the user, and retries once after 3 s,
+    /// Starts the tap. Without permission, shows the system's prompt, and retries once after 3 s,
     /// even if `stop` is called meanwhile. Does nothing without a sound.
     void start() override;
     void stop() override;
@@ -50,7 +50,7 @@ private:
     std::shared_ptr<AudioFilePlayer> m_player;
     // Media time.
     double m_lastPlayTime = 0;
-    // Keeps the output device running, so that the first key after a rest is not late.
+    // Keeps the output device running, so that the first crack after a pause is not late.
     std::shared_ptr<AudioOutputHold> m_outputHold;
 };
 

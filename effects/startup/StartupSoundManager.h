@@ -42,7 +42,7 @@ public:
     /// Null until `generateRumbleBuffer` has made it.
     [[nodiscard]] const std::shared_ptr<PCMBuffer>& rumbleBuffer() const { return m_rumbleBuffer; }
 
-    // The two parts under the clip. Stopping one that is not running only prints a line.
+    // The two parts that accompany the clip. Stopping one that is not running only prints a line.
     void startRumble();
     void stopRumble();
     void startHaptic();
