@@ -11,7 +11,7 @@
 
 namespace quorvane {
 
-/// Font families that the screens ask for by name.
+/// Font families that the screens use by name.
 struct FontFamilies {
     /// Emoji in colour.
     std::string emoji = "Noto Color Emoji";
@@ -26,12 +26,13 @@ struct SymbolPicture {
     std::vector<std::uint8_t> pixels;
 };
 
-/// How the desktop wants the program to look, and what it offers for that. Main thread only.
+/// The desktop's appearance settings and fonts, and the state of the program's window. Main thread
+/// only.
 class Desktop : NonCopyable {
 public:
     virtual ~Desktop() = default;
 
-    /// The user has asked for less motion: endless animations are to stop. False if unknown.
+    /// The user prefers reduced motion: endless animations must stop. False if unknown.
     [[nodiscard]] virtual const Observable<bool>& reducesMotion() const = 0;
 
     /// Other windows cover every pixel of the watched window. False if unknown.

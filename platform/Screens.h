@@ -25,7 +25,7 @@ public:
     [[nodiscard]] virtual Rect changingBounds(Canvas& canvas, Size size) const = 0;
     /// Calls `changed` when `drawChanging` would draw something else.
     [[nodiscard]] virtual Subscription observeChanges(std::function<void()> changed) const = 0;
-    /// A progress indicator that the platform animates; none if there is none.
+    /// The view's progress indicator, if any. The platform animates it.
     [[nodiscard]] virtual std::optional<Spinner> spinner(Canvas& canvas, Size size) const = 0;
 };
 

@@ -33,7 +33,7 @@ public:
 
     [[nodiscard]] Platform platform();
 
-    /// Starts the scenario's events.
+    /// Starts the scenario's events. Replaces `handlers.key`: the events go to the event taps.
     void start(ScenarioHandlers handlers);
 
 private:

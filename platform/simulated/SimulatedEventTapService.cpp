@@ -55,7 +55,7 @@ public:
         m_enabled = enabled;
     }
 
-    /// Events about the tap itself are delivered whatever its mask.
+    /// Events about the tap itself are delivered regardless of its mask.
     [[nodiscard]] bool accepts(TapEventType type) const {
         const auto source = m_source.lock();
         const bool isAboutTap =

@@ -9,8 +9,8 @@
 
 namespace quorvane {
 
-/// A canvas that records what is drawn. Letters are half as wide as the text's size, lines 1.2
-/// times as high.
+/// A canvas that records what is drawn. A letter (byte) is 0.5 times the text's size wide, a line
+/// 1.2 times the text's size high.
 class SimulatedCanvas final : public Canvas {
 public:
     struct Text {

@@ -50,7 +50,7 @@ public:
     void clearFault(AudioFault fault);
     /// Initially present. When it goes, running engines stop and drop what is scheduled on their
     /// nodes, and file players fall silent; without it no engine starts. When it comes back, a file
-    /// player that was asked to play at most SimulatedAudioFilePlayer::patience ago plays on.
+    /// player that has waited for at most SimulatedAudioFilePlayer::patience seconds plays on.
     void setOutputDevicePresent(bool present);
 
     // What has sounded.

@@ -49,9 +49,8 @@ public:
 
     [[nodiscard]] const std::filesystem::path& file() const { return m_file; }
 
-    /// The calls, in order: "prepare", "volume 0.5", "loops -1",
-    /// "currentTime 0", "play", "stop". A "play" without an output device reads
-    /// "play without device".
+    /// The calls, in order: "prepare", "volume 0.5", "loops -1", "currentTime 0", "play", "stop". A
+    /// "play" without an output device is recorded as "play without device".
     [[nodiscard]] const std::vector<std::string>& calls() const { return m_calls; }
 
     // Called by the service.

@@ -11,7 +11,7 @@ namespace quorvane {
 
 namespace {
 
-/// As real audio systems do, but this waits for the call to return.
+/// Like a real audio system; but waits for the call to return.
 void callFromAnotherThread(const AudioPlayerNode::Completion& completion) {
     if (completion)
         std::thread(completion).join();

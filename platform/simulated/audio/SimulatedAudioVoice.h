@@ -43,9 +43,9 @@ public:
 
     [[nodiscard]] float volume() const { return m_volume; }
 
-    /// The calls, in order: "attach", "connect 44100/2" (rate and channels),
-    /// "schedule", "schedule loops", "volume 0.5", "play", "pause", "stop". A "play" without a
-    /// running engine, which does nothing, reads "play without engine".
+    /// The calls, in order: "attach", "connect 44100/2" (rate and channels), "schedule", "schedule
+    /// loops", "volume 0.5", "play", "pause", "stop". A "play" without a running engine, which does
+    /// nothing, is recorded as "play without engine".
     [[nodiscard]] const std::vector<std::string>& calls() const { return m_calls; }
 
     // Called by the node and its engine.
