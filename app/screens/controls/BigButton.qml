@@ -27,7 +27,7 @@ Pressable {
         pixelSize: 20
         opacity: root.down ? 0.75 : 1
 
-        // The button has it as its name.
+        // The button's accessible name is the same text.
         Accessible.ignored: true
     }
 

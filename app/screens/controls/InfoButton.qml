@@ -6,7 +6,7 @@ import QtQuick
 Pressable {
     id: root
 
-    // Also while a popup is up: this one's explanation is shown after it.
+    // Also while a popup is shown: this button's text is then shown after it.
     readable: true
     reach: 8
     implicitWidth: 13

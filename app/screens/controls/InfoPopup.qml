@@ -24,7 +24,7 @@ FocusScope {
         anchors.fill: parent
         color: "#99000000"
 
-        // Keeps the mouse from the screen below.
+        // Takes the clicks that would reach the screen below.
         MouseArea {
             anchors.fill: parent
         }

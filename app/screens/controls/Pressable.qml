@@ -9,7 +9,7 @@ Item {
 
     required property string name
     required property string description
-    // Whether a screen reader can press it. It also reaches items that are disabled or covered.
+    // Whether a screen reader can press it. Screen readers also reach disabled and covered items.
     property bool readable: root.enabled
     // Points by which the hit area is larger on each side.
     property int reach: 0

@@ -2,8 +2,8 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 
-// Shows `checked`, which never changes by itself: toggled() asks for the other state. The switch lies
-// on a grey capsule whose rim is visible.
+// Shows `checked`, which never changes by itself: toggled() requests the other state. The switch
+// lies on a grey capsule whose rim is visible.
 Item {
     id: root
 

@@ -14,6 +14,6 @@ Image {
     sourceSize { width: root.size; height: root.size }
     source: "image://symbols/" + root.name
 
-    // The control that it belongs to has a name.
+    // Its control has an accessible name.
     Accessible.ignored: true
 }

@@ -12,7 +12,7 @@ QtObject {
     readonly property color blue: "#007aff"
     readonly property color gray: "#8e8e93"
 
-    // The night behind the warning screen and the control panel, from top to bottom.
+    // The gradient behind the warning screen and the control panel, from top to bottom.
     readonly property color nightTop: Qt.rgba(0.05, 0.05, 0.15, 1)
     readonly property color nightMiddle: Qt.rgba(0.08, 0.08, 0.2, 1)
     readonly property color nightBottom: Qt.rgba(0.05, 0.05, 0.12, 1)

@@ -29,14 +29,14 @@ Item {
 
         Text {
             anchors.verticalCenter: parent.verticalCenter
-            // Keeps what follows on whole pixels, so that it is sharp.
+            // Keeps the info button on whole pixels, so that it is sharp.
             width: Math.ceil(implicitWidth)
             text: root.label
             textFormat: Text.PlainText
             color: "white"
             font { pixelSize: 14; weight: Font.DemiBold }
 
-            // The switch has it as its name.
+            // The switch's accessible name is the same text.
             Accessible.ignored: true
         }
 
@@ -68,7 +68,7 @@ Item {
         opacity: 0.8
         font { pixelSize: 11; weight: Font.Medium }
 
-        // The switch has it as its description.
+        // The switch's accessible description is the same text.
         Accessible.ignored: true
     }
 }

@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Quorvane
 
-// What the hardware check found, and the button that goes on.
+// The results of the hardware check, and the button that continues.
 Column {
     id: root
 

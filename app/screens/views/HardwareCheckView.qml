@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Quorvane
 
-// The hardware check, on a first launch.
+// The hardware check, shown until the user has confirmed it once.
 Backdrop {
     id: root
 

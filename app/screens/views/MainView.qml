@@ -3,9 +3,9 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Quorvane
 
-// The content of the window: the screens one over the other, of which one is shown, and the popup.
-// Items that are not visible do not exist. Repeaters of 0 or 1 items create them, because Qt 6.4's
-// Loader does not accept bound components.
+// The content of the window: one of the screens (two while they cross-fade), and the popup. Each is
+// created when it becomes visible and destroyed afterwards, by a Repeater of 0 or 1 items, because
+// Qt 6.4's Loader does not accept bound components.
 Item {
     id: root
 
