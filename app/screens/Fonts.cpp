@@ -11,8 +11,7 @@ namespace {
 
 constexpr auto textFont = "Inter";
 
-// The heaviest free rounded family ends at bold. An outline with round joins takes it to black, and
-// rounds it further.
+// Its heaviest weight is bold. An outline with round joins makes it as heavy as black, and rounder.
 constexpr auto roundedFont = "Quicksand";
 constexpr double outlineOfAnEm = 0.062;
 
@@ -25,7 +24,7 @@ QString emojiFamily() {
     return QString::fromStdString(desktopFamilies().emoji);
 }
 
-// Empty without any. The desktop's own is not looked up: macOS does not list it.
+// Empty if there is none. QFontDatabase does not list the rounded family of macOS: not looked up.
 QString roundedFamily() {
     if (const std::string& own = desktopFamilies().rounded; !own.empty())
         return QString::fromStdString(own);

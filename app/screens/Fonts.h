@@ -4,7 +4,7 @@
 
 #include "platform/Desktop.h"
 
-/// The program's typefaces. A missing one is replaced by the desktop's default font in the same
+/// The program's fonts. A missing one is replaced by the desktop's default font in the same
 /// size. Needs a QGuiApplication; any thread.
 namespace quorvane::Fonts {
 
@@ -14,15 +14,15 @@ void setFamilies(FontFamilies families);
 /// The font of ordinary text: `base` in the program's own family, emoji in colour.
 [[nodiscard]] QFont text(QFont base);
 
-/// The rounded heavy face at `pixelSize`.
+/// The rounded heavy font at `pixelSize`.
 [[nodiscard]] QFont heavy(int pixelSize);
 
-/// The emoji font at `pixelSize`. Where no font is named, Qt draws some emoji in outline from a
-/// text font that has them.
+/// The emoji font at `pixelSize`. Needed because a text font may have some emoji of its own, in
+/// outline.
 [[nodiscard]] QFont emoji(int pixelSize);
 
-/// The outline, in pixels, that makes letters of `family` as heavy as black; 0 for a family that
-/// has that weight itself.
+/// Width in pixels of the outline that makes letters of `family` as heavy as black; 0 for every
+/// family but the program's own rounded one.
 [[nodiscard]] double outline(const QString& family, double pixelSize);
 
 } // namespace quorvane::Fonts

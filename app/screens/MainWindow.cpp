@@ -15,8 +15,8 @@ namespace quorvane {
 
 namespace {
 
-// On a thread of its own: loading the installed fonts and creating the window, which loads the
-// graphics driver, take most of the time before the first frame, and neither needs the other.
+// On another thread: loading the installed fonts and creating the window, which loads the graphics
+// driver, take most of the time before the first frame and are independent of each other.
 std::future<QFont> loadTextFont(const Desktop& desktop) {
     Fonts::setFamilies(desktop.fontFamilies());
     return std::async(std::launch::async, Fonts::text, QGuiApplication::font());
@@ -59,8 +59,8 @@ bool MainWindow::show() {
     m_window.setSource(QUrl("qrc:/qt/qml/Quorvane/MainView.qml"));
     if (m_window.status() != QQuickView::Ready)
         return false;
-    // A screen reader could press a control before the first frame, when the controller has not yet
-    // looked for the lid sensor that the press starts.
+    // Until onAppear() has looked for the lid sensor, a press through a screen reader could not
+    // start it.
     m_window.rootObject()->setEnabled(false);
     m_window.show();
     return true;

@@ -41,14 +41,14 @@ class ContentViewModel final : public QObject {
                    screenChanged FINAL)
     Q_PROPERTY(quorvane::CheckRowModel* checkRows READ checkRows CONSTANT FINAL)
     Q_PROPERTY(quorvane::ToggleRowModel* toggleRows READ toggleRows CONSTANT FINAL)
-    /// The font of texts that are nothing but an emoji, which Qt otherwise may take from a text
+    /// The font for texts that are a single emoji. Without it, Qt may take the emoji from a text
     /// font, in outline.
     Q_PROPERTY(QString emojiFamily READ emojiFamily CONSTANT FINAL)
     /// The logo's file; empty if there is none.
     Q_PROPERTY(QUrl logo READ logo CONSTANT FINAL)
-    /// 0 to 1, endlessly up and down.
+    /// 0 to 1, endlessly up and down; updated 30 times a second.
     Q_PROPERTY(double glow READ glow NOTIFY glowChanged FINAL)
-    /// Whether endless animations run: the window can be seen, and less motion is not asked for.
+    /// Whether endless animations run: the window is visible, and motion is not to be reduced.
     Q_PROPERTY(bool animates READ animates NOTIFY animatesChanged FINAL)
     Q_PROPERTY(bool infoShown READ infoShown NOTIFY infoChanged FINAL)
     Q_PROPERTY(QString infoTitle READ infoTitle NOTIFY infoChanged FINAL)
@@ -59,7 +59,7 @@ public:
     ContentViewModel(ContentView& content, const Platform& platform, const Desktop& desktop,
                      QObject* parent = nullptr);
 
-    /// Whether any pixel of the window can be seen.
+    /// Whether any pixel of the window is visible.
     void setSeen(bool seen);
 
     [[nodiscard]] AnimatedNumber hardwareCheckShown() const;

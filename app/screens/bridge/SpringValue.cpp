@@ -4,7 +4,7 @@ namespace quorvane {
 
 namespace {
 
-// Half of an opacity's 1/255, and less than a sixth of a pixel of the scaled sign.
+// Half a step of 8-bit opacity, and less than a sixth of a pixel of the scaled warning sign.
 constexpr double restTolerance = 0.002;
 
 } // namespace

@@ -9,7 +9,7 @@
 
 namespace quorvane {
 
-/// A number of the controller and how it is to be reached, as a QML value: QML only passes it on.
+/// An AnimatedValue as a QML value type. QML only passes it on, to a SpringValue.
 struct AnimatedNumber {
     Q_GADGET
     QML_VALUE_TYPE(animatedNumber)
@@ -21,8 +21,8 @@ public:
 };
 
 /// A number on screen that follows its goal with the goal's animation. The first goal, and one
-/// whose animation is no spring, is taken at once. A new goal while it moves is approached from the
-/// current value and velocity. At rest it requests no frames.
+/// whose animation is not a spring, is taken at once. A new goal while it moves is approached from
+/// the current value and velocity. At rest it requests no frames.
 class SpringValue : public QAbstractAnimation {
     Q_OBJECT
     QML_ELEMENT
@@ -46,7 +46,7 @@ public:
 
     [[nodiscard]] bool isMoving() const { return state() == Running; }
 
-    /// Unknown beforehand: it ends when it rests.
+    /// Unknown beforehand: it ends when the spring is at rest.
     [[nodiscard]] int duration() const override { return -1; }
 
 signals:

@@ -12,7 +12,7 @@ namespace quorvane {
 
 namespace {
 
-// Points, for edges and outlines of letters beyond the item's bounds.
+// Points, for edges and letters' outlines beyond the item's bounds.
 constexpr double pictureMargin = 4;
 
 } // namespace

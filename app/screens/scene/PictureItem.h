@@ -41,7 +41,7 @@ signals:
 protected:
     /// Paints in the item's own coordinates, up to a few points beyond its bounds.
     virtual void draw(QPainter& painter) const = 0;
-    /// Has draw() called before the next frame.
+    /// Schedules draw() for the next frame.
     void redraw();
 
     QSGNode* updatePaintNode(QSGNode* old, UpdatePaintNodeData* data) override;

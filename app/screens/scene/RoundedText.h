@@ -7,7 +7,7 @@
 
 namespace quorvane {
 
-/// One line of text in the rounded heavy face, in one colour or in a gradient that runs from its
+/// One line of text in the rounded heavy font, in one colour or in a gradient that runs from its
 /// left end through its middle to its right end.
 class RoundedText : public quorvane::PictureItem {
     Q_OBJECT

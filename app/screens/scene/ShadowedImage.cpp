@@ -38,7 +38,7 @@ QString ShadowedImage::file() const {
     return m_source.toLocalFile();
 }
 
-// Loading takes longer than the rest of the screen, so a thread starts it before it is painted.
+// Loading takes longer than the rest of the screen: another thread does it, and draw() waits.
 void ShadowedImage::measure() {
     if (!isPresent() || m_shownHeight <= 0) {
         setImplicitSize(0, 0);

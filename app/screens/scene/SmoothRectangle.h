@@ -9,7 +9,7 @@ class SmoothRectangle : public quorvane::PictureItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(QColor color MEMBER m_color NOTIFY lookChanged REQUIRED FINAL)
-    /// Of the circle that the corners come closest to, in points.
+    /// Radius in points of the circles that the corners approximate.
     Q_PROPERTY(double radius MEMBER m_radius NOTIFY lookChanged FINAL)
 
 public:
