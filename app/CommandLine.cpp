@@ -22,7 +22,7 @@ constexpr std::string_view help =
     "\n"
     "It leaves when its window is closed, and on Ctrl-C.\n";
 
-// By hand: QCommandLineParser drops the dashes of unknown options, and its messages are not ours.
+// Not QCommandLineParser: it drops the dashes of unknown options and has messages of its own.
 std::optional<Mode> modeOf(std::string_view argument) {
     if (argument == "--help" || argument == "-h")
         return Mode::Help;

@@ -7,7 +7,7 @@
 
 namespace quorvane {
 
-/// What the command line asks for.
+/// The parsed command line.
 struct CommandLine {
     enum class Mode {
         Run,

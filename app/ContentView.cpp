@@ -13,7 +13,7 @@ constexpr double velocityFeedInterval = 1.0 / 60;
 constexpr double floatingEmojiInterval = 0.05;
 constexpr double hardwareCheckPause = 1.5;
 
-// For the changes of the screen that buttons make.
+// For screen changes by a button.
 constexpr Animation screenSpring = Animation::spring(0.4, 0.825);
 
 /// The hardware check's text for a keyboard without permission.

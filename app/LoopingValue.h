@@ -10,8 +10,8 @@
 
 namespace quorvane {
 
-/// The current value of one of the controller's values while an endless animation runs. Evaluated
-/// 30 times a second, enough for a slow glow, and only while it can be seen. Main thread only.
+/// The value on screen of an AnimatedValue whose animation is endless. Evaluated 30 times a second,
+/// enough for a slow glow, and only while it is visible. Main thread only.
 class LoopingValue : NonCopyable {
 public:
     /// `source` and `runLoop` outlive it. `changed` is called after each new value.
@@ -22,9 +22,9 @@ public:
     /// The value as of the last update.
     [[nodiscard]] double get() const { return m_value; }
 
-    /// Whether it can be seen. The animation's time passes all the same.
+    /// Whether it is visible, initially false. While it is not, the animation's time goes on.
     void setSeen(bool seen);
-    /// At rest it is the value that was last set.
+    /// At rest, `get` is the source's value, without animation. Initially false.
     void setAtRest(bool atRest);
 
 private:

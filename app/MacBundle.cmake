@@ -12,7 +12,7 @@ set(bundled
     ${resources}/logo.png
     ${resources}/tractor.mp3)
 
-# The icon in each size of an icon set, and at twice as many pixels.
+# The icon in each size of an icon set, at scale 1 and 2.
 set(icon ${CMAKE_CURRENT_BINARY_DIR}/Quorvane.icns)
 set(iconset ${CMAKE_CURRENT_BINARY_DIR}/Quorvane.iconset)
 set(drawings COMMAND ${CMAKE_COMMAND} -E make_directory ${iconset})
@@ -42,7 +42,7 @@ set_target_properties(quorvane PROPERTIES
     MACOSX_BUNDLE_ICON_FILE Quorvane.icns
     MACOSX_BUNDLE_SHORT_VERSION_STRING ${PROJECT_VERSION})
 
-# Notarising takes a known identity and a secure timestamp.
+# Notarisation requires a signing identity known to Apple and a secure timestamp.
 if(QUORVANE_SIGNING_IDENTITY STREQUAL "-")
     set(deploy_option -codesign=-)
     set(timestamp --timestamp=none)
@@ -52,8 +52,8 @@ else()
 endif()
 
 install(TARGETS quorvane BUNDLE DESTINATION .)
-# Qt goes into the bundle, and everything in it is signed with one identity: the hardened runtime
-# loads nothing else.
+# Copies Qt into the bundle and signs everything with one identity: the hardened runtime does not
+# load libraries that are signed with another.
 install(CODE "
     set(bundle \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/Quorvane.app\")
     execute_process(COMMAND_ERROR_IS_FATAL ANY
