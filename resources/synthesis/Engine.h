@@ -9,7 +9,7 @@ namespace quorvane::synthesis {
 
 /// Crank, flywheel and gas of an old two-cylinder four-stroke engine, turned by a starter and by
 /// combustion. Its crank throws are half a turn apart, so that the intervals between ignitions are
-/// one and three half turns, in turn: the uneven beat of such engines.
+/// alternately one and three half turns: the uneven beat of such engines.
 ///
 /// The slow changes of speed follow from the model: each compression brakes the crank and then
 /// drives it, which makes the rhythm of cranking; when the engine stops, the last compression turns
@@ -24,7 +24,7 @@ public:
         double pressure = 0;
         /// The share of a full charge that ignited in this step, or 0.
         double lit = 0;
-        /// The pressure, in the same unit, at which the exhaust valve opened in this step, or 0.
+        /// `pressure` just before the exhaust valve opened in this step, or 0.
         double blowdown = 0;
         /// A valve hit its seat in this step.
         bool valveClosed = false;

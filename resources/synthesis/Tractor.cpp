@@ -11,8 +11,7 @@
 //   through a pipe open at one end: a waveguide with an inverting low-pass reflection;
 //
 // - intake: noise of the air drawn in, filtered by the manifold, quieter at low speed; a weak
-// charge
-//   still burns when the intake opens and blows back through it: a cough;
+//   charge still burns when the intake opens and blows back through it: a cough;
 //
 // - block: ignitions and valves that hit their seats, through modes; gas that leaks past worn rings
 //   (a hiss); sheet metal that rattles when the engine shakes in its mounts;
