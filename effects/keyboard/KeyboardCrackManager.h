@@ -25,7 +25,7 @@ public:
     void start() override;
     void stop() override;
 
-    /// Whether the tap is installed and enabled.
+    /// Whether the tap is installed; true even if its source could not be made.
     [[nodiscard]] const Observable<bool>& isActive() const override { return m_isActive; }
 
     [[nodiscard]] Observable<bool>* hasPermission() override { return &m_hasPermission; }
