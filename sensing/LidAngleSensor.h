@@ -31,7 +31,8 @@ public:
     /// Last hinge angle read, in degrees. The fallback does not change it.
     [[nodiscard]] const Observable<double>& angle() const { return m_angle; }
 
-    /// Degrees per second, positive while the lid opens.
+    /// Degrees per second, positive while the lid opens. Keeps its value when the device cannot be
+    /// read any more.
     [[nodiscard]] const Observable<double>& velocity() const { return m_velocity; }
 
     [[nodiscard]] const Observable<bool>& isRunning() const { return m_isRunning; }
