@@ -11,7 +11,7 @@ namespace quorvane {
 
 namespace {
 
-/// Like a real audio system; but waits for the call to return.
+/// As in a real audio system, but waits for the call to return.
 void callFromAnotherThread(const AudioPlayerNode::Completion& completion) {
     if (completion)
         std::thread(completion).join();
