@@ -93,7 +93,7 @@ TEST(Scenario, EveryMistakeHasItsError) {
               R"("0" is not the number of a reading)");
 }
 
-TEST(Scenario, ANumberIsNothingButANumber) {
+TEST(Scenario, NumbersAreParsedStrictly) {
     for (const std::string reading : {"5x", "x5", "", " 5", "5 ", "+5", "-5", "1.5", "99999999999"})
         EXPECT_EQ(mistakeIn(R"({"hid": [{"readings": {")" + reading + R"(": []}}]})"),
                   '"' + reading + R"(" is not the number of a reading)");
@@ -117,7 +117,7 @@ TEST(Scenario, APointOfALidIsTwoNumbers) {
                   R"(a device: "lid" has a value of the wrong kind)");
 }
 
-TEST(Scenario, AListIsAList) {
+TEST(Scenario, AListForAnObjectOrTheReverseIsAMistake) {
     EXPECT_EQ(mistakeIn(R"({"hid": {"a": {}}})"),
               R"(the scenario: "hid" has a value of the wrong kind)");
     EXPECT_EQ(mistakeIn(R"({"events": {"a": {"at": 1, "quit": true}}})"),
@@ -135,7 +135,7 @@ TEST(Scenario, QuitTakesNothingButTrue) {
               R"(an event: "quit" has a value of the wrong kind)");
 }
 
-TEST(Scenario, WhatIsJustWithinBoundsIsNoMistake) {
+TEST(Scenario, ValuesJustWithinBoundsAreAccepted) {
     EXPECT_EQ(mistakeIn(R"({"hid": [{"lid": [[0, 0], [1, 65535]]}]})"), "no mistake");
     EXPECT_EQ(mistakeIn(R"({"hid": [{"lid": [[0, 65536]]}]})"),
               "a lid's angle is outside 0 to 65535");

@@ -107,14 +107,14 @@ TEST_F(AutostartEntriesTest, AnEntryThatCannotStartAnythingDoesNotCount) {
     write("quorvane.desktop", "[Desktop Entry]\nType=Application\nName=Quorvane\n");
     EXPECT_FALSE(isStarted()) << "without a command";
     write("quorvane.desktop", entry("\"quorvane"));
-    EXPECT_FALSE(isStarted()) << "a quotation mark too few";
+    EXPECT_FALSE(isStarted()) << "without the closing quotation mark";
     write("quorvane.desktop", "[Desktop Entry]\nType=Link\nName=Quorvane\nExec=quorvane\n");
     EXPECT_FALSE(isStarted()) << "a link";
     writeOwn("TryExec=/nonexistent/program\n");
     EXPECT_FALSE(isStarted()) << "not installed";
 }
 
-TEST_F(AutostartEntriesTest, AnEntryForCertainDesktopsCountsOnThem) {
+TEST_F(AutostartEntriesTest, OnlyShowInLimitsAnEntryToItsDesktops) {
     writeOwn("OnlyShowIn=KDE;XFCE;\n");
     EXPECT_FALSE(isStarted());
     writeOwn("OnlyShowIn=KDE;Ours;\n");
@@ -123,7 +123,7 @@ TEST_F(AutostartEntriesTest, AnEntryForCertainDesktopsCountsOnThem) {
     EXPECT_FALSE(isStarted());
 }
 
-TEST_F(AutostartEntriesTest, AnEntryNotForCertainDesktopsDoesNotCountOnThem) {
+TEST_F(AutostartEntriesTest, NotShowInExcludesAnEntryFromItsDesktops) {
     writeOwn("NotShowIn=KDE;GNOME;\n");
     EXPECT_FALSE(isStarted());
     writeOwn("NotShowIn=KDE;\n");

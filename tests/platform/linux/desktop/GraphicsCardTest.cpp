@@ -14,22 +14,22 @@ protected:
     TemporaryFolder m_devices;
 };
 
-TEST_F(GraphicsCardTest, IsAbsentWithoutItsDevices) {
+TEST_F(GraphicsCardTest, IsAbsentWithoutDevices) {
     EXPECT_FALSE(hasGraphicsCard(m_devices.path()));
 }
 
-TEST_F(GraphicsCardTest, IsAbsentIfItCanOnlyShowPictures) {
+TEST_F(GraphicsCardTest, IsAbsentWithoutARenderNode) {
     addDevice("dri/card0");
     EXPECT_FALSE(hasGraphicsCard(m_devices.path()));
 }
 
-TEST_F(GraphicsCardTest, IsThereIfItCanRender) {
+TEST_F(GraphicsCardTest, IsPresentWithARenderNode) {
     addDevice("dri/card0");
     addDevice("dri/renderD128");
     EXPECT_TRUE(hasGraphicsCard(m_devices.path()));
 }
 
-TEST_F(GraphicsCardTest, IsThereIfItHasADriverOfItsOwn) {
+TEST_F(GraphicsCardTest, IsPresentWithTheNvidiaDevice) {
     addDevice("nvidiactl");
     EXPECT_TRUE(hasGraphicsCard(m_devices.path()));
 }

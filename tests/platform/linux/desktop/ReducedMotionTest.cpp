@@ -141,7 +141,7 @@ TEST_F(ReducedMotionTest, AFileWithoutTheSettingIsSkipped) {
     EXPECT_TRUE(m_reducesMotion.get());
 }
 
-TEST_F(ReducedMotionTest, ThePortalIsAskedForTheDesktopsAnimations) {
+TEST_F(ReducedMotionTest, TheAnimationSettingIsReadFromThePortal) {
     makeSettingWithPortal(false);
     EXPECT_THAT(m_portal->arguments(),
                 ElementsAre("org.gnome.desktop.interface", "enable-animations"));

@@ -67,7 +67,7 @@ protected:
         xcb_flush(m_connection);
     }
 
-    /// All reports, when there are `count`, or after a second.
+    /// Waits up to a second for `count` reports; returns all that came.
     const std::vector<bool>& reports(std::size_t count) {
         waitUntil([&] { return m_reports.size() >= count; }, 1s);
         return m_reports;
@@ -92,7 +92,7 @@ TEST_F(X11ObscuredWindowWatcherTest, AWindowIsCoveredOnceAllOfItIsHidden) {
     EXPECT_THAT(reports(4), ElementsAre(false, true, false, false));
 }
 
-TEST_F(X11ObscuredWindowWatcherTest, WindowsBesideItDoNotCover) {
+TEST_F(X11ObscuredWindowWatcherTest, AWindowBesideItDoesNotCoverIt) {
     open({.x = 200, .y = 20, .width = 100, .height = 100});
     m_display.sync();
     waitFor(50ms);

@@ -37,11 +37,11 @@ TEST(HapticScanTest, CapabilitiesDecideTheKindOfPulses) {
     EXPECT_EQ(hapticKind("0"), std::nullopt);
     EXPECT_EQ(hapticKind(""), std::nullopt);
     EXPECT_EQ(hapticKind("no number"), std::nullopt);
-    // Bit 0x50 and the like, in words of 64 bits.
+    // As in sysfs: hexadecimal words of 64 bits, the highest first. FF_RUMBLE is bit 0x50.
     EXPECT_EQ(hapticKind("107030000 0"), HapticKind::Rumble);
     EXPECT_EQ(hapticKind("8000 0"), HapticKind::Touchpad);
     EXPECT_EQ(hapticKind("18000 0"), HapticKind::Touchpad);
-    // Springs and the like are for steering wheels.
+    // Spring effects belong to steering wheels.
     EXPECT_EQ(hapticKind("200000 0"), std::nullopt);
     EXPECT_EQ(hapticKind("10000"), std::nullopt);
 }
@@ -66,7 +66,7 @@ TEST(HapticEffectsTest, ATouchpadGetsOnlyClicks) {
     }
 }
 
-TEST(HapticEffectsTest, AClickIsAsStrongAsItsPattern) {
+TEST(HapticEffectsTest, ThePatternSetsTheStrengthOfAClick) {
     const auto intensity = [](HapticPattern pattern) {
         return clickOf(hapticEffect(HapticKind::Touchpad, pattern)).intensity;
     };
@@ -75,7 +75,7 @@ TEST(HapticEffectsTest, AClickIsAsStrongAsItsPattern) {
     EXPECT_EQ(intensity(HapticPattern::LevelChange), 100);
 }
 
-TEST(HapticEffectsTest, AClickIsInTheFieldsThatTheKernelReads) {
+TEST(HapticEffectsTest, AClickHasTheKernelsLayout) {
     EXPECT_EQ(offsetof(ff_effect, u), 16U);
     EXPECT_EQ(sizeof(HapticEffect), 12U);
     EXPECT_EQ(offsetof(HapticEffect, vendorWaveformPage), 4U);
@@ -83,7 +83,7 @@ TEST(HapticEffectsTest, AClickIsInTheFieldsThatTheKernelReads) {
     EXPECT_EQ(offsetof(HapticEffect, retriggerPeriod), 10U);
 }
 
-TEST(HapticEffectsTest, ARumbleIsAsStrongAndAsLongAsItsPatternAndOverBeforeTheNextPulse) {
+TEST(HapticEffectsTest, ThePatternSetsTheStrengthAndLengthOfARumble) {
     const auto expectRumble = [](HapticPattern pattern, int strong, int weak, int milliseconds) {
         const auto effect = hapticEffect(HapticKind::Rumble, pattern);
         EXPECT_EQ(effect.type, FF_RUMBLE);

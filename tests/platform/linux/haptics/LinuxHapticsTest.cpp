@@ -29,7 +29,7 @@ protected:
 
     [[nodiscard]] std::size_t pulses() const { return m_machine->plays().size(); }
 
-    /// Pulses until one is felt.
+    /// Sends pulses until one is played.
     [[nodiscard]] bool isFelt(HapticPerformer& performer) const {
         const auto before = pulses();
         return waitUntil([&] {

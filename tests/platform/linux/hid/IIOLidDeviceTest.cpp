@@ -73,7 +73,7 @@ protected:
         return result;
     }
 
-    /// Opens the only lid; its readings while its raw value goes through `raws`.
+    /// Opens the only lid and reads it once for each raw value.
     [[nodiscard]] std::vector<int> readings(const std::vector<std::string>& raws) const {
         setChromeLid(raws.front());
         const auto lid = lids().at(0);
@@ -123,7 +123,7 @@ TEST_F(IIOLidDeviceTest, OnlyTheHingeChannelOfTheIntelHingeIsALid) {
 TEST_F(IIOLidDeviceTest, RadiansAreRoundedToWholeDegrees) {
     addIntelHinge("1955\n");
     write("iio:device0/in_angl_scale", "0.001\n");
-    // 1.955 rad is 112.013 degrees, 1.945 rad is 111.440 and 1.946 rad is 111.498.
+    // 1.955 rad is 112.013 degrees, 1.945 rad is 111.440 and 1.947 rad is 111.555.
     EXPECT_THAT(angles(), ElementsAre(112));
     write("iio:device0/in_angl0_raw", "1945\n");
     EXPECT_THAT(angles(), ElementsAre(111));

@@ -146,7 +146,7 @@ TEST_F(EvdevKeyReaderTest, EventsForAKeyboardThatIsOpenChangeNothing) {
     EXPECT_EQ(presses(), 0) << "the key was known to be down";
 }
 
-TEST_F(EvdevKeyReaderTest, OneKeyboardIsHeardAgainAfterAllHaveGone) {
+TEST_F(EvdevKeyReaderTest, AKeyboardIsHeardAfterAllWereUnplugged) {
     auto one = keyboard("event0");
     const auto reader = open();
     reader->setReading(true);

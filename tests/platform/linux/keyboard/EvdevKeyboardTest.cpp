@@ -18,7 +18,7 @@ using testing::IsEmpty;
 
 using Heard = std::pair<TapEventType, std::int64_t>;
 
-// The result of the next query. Global, as a query carries no context.
+// The result of the next query. Global, because the query has no context argument.
 std::optional<EvdevKeyboard::Keys> keysByTheDevice;
 
 std::optional<EvdevKeyboard::Keys> answer(int /*descriptor*/) {
@@ -136,7 +136,7 @@ TEST_F(EvdevKeyboardTest, AKeyHeldThroughoutAGapIsNoPress) {
     EXPECT_THAT(heard(), IsEmpty());
 }
 
-TEST_F(EvdevKeyboardTest, AGapWithNoKeyDownBeforeOrAfterHidesAPress) {
+TEST_F(EvdevKeyboardTest, AGapWithNoKeyDownBeforeOrAfterCountsAsOnePress) {
     openKeyboard();
     holdOnTheDevice({});
     m_pipe.sendEvent(EV_SYN, SYN_DROPPED, 0);

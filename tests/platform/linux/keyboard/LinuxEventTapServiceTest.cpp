@@ -20,7 +20,7 @@ using testing::IsEmpty;
 
 using Heard = std::pair<TapEventType, std::int64_t>;
 
-// Global, as a callback carries no context.
+// Global, because the callback has no context argument.
 std::vector<Heard> heardEvents;
 
 const TapEvent& hear(const TapEvent& event) {
@@ -160,7 +160,7 @@ TEST_F(LinuxEventTapServiceTest, ADisplayServerThatEndsIsIgnoredSilently) {
     startToListen();
     testing::internal::CaptureStderr();
     m_display.end();
-    // The end of the server leaves the connection readable for ever.
+    // Once the server has ended, the connection stays readable.
     int turns = 0;
     waitUntil([&turns] { return ++turns > 20; });
     m_source->removeFromRunLoop();

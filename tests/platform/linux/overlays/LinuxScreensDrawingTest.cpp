@@ -13,8 +13,8 @@ namespace {
 
 using testing::ElementsAre;
 
-/// The ring of a stop screen from its top clockwise, a sign for each fortieth: "#" white, "."
-/// faint.
+/// The ring of a stop screen, clockwise from its top, a character for each fortieth: "#" white,
+/// "." faint, "?" any other colour.
 std::string ringIn(const QImage& picture) {
     // It is the leftmost thing below the texts; its widest row is its middle.
     const QRect leftEdge = drawnIn(picture, {97, 395, 5, 200});
@@ -44,7 +44,7 @@ QImage plainly(const QString& text, int size, QFont::Weight weight, double opaci
     return picture;
 }
 
-/// The amount of white over the blue.
+/// The amount of white over the blue, whose red is 0.
 double inkIn(const QImage& picture, const QRect& part) {
     double ink = 0;
     for (int y = part.top(); y <= part.bottom(); ++y)
@@ -82,7 +82,7 @@ TEST_F(LinuxScreensTest, RingIsFilledFromTheTopClockwise) {
     }
 }
 
-TEST_F(LinuxScreensTest, RingIs70PointsAcrossAndItsLine3) {
+TEST_F(LinuxScreensTest, RingIs70PointsWideWithALineOf3) {
     m_stop->progress = 0.5;
     const auto panel = showStopScreen();
     const QImage picture = m_desktop.look();
@@ -165,7 +165,7 @@ TEST_F(LinuxScreensTest, TextsStartAtTheTopLeftInsideThePadding) {
     EXPECT_GT(sentence.width(), 600);
 }
 
-TEST_F(LinuxScreensTest, ChangesAreDrawnAsIfFromTheStart) {
+TEST_F(LinuxScreensTest, ChangedScreenLooksLikeANewOne) {
     m_stop->progress = 0.999;
     auto panel = showStopScreen();
     m_stop->progress = 0.08;
@@ -181,7 +181,7 @@ TEST_F(LinuxScreensTest, ChangesAreDrawnAsIfFromTheStart) {
 
 TEST_F(LinuxScreensTest, RingThatHasGrownLooksLikeOneThatIsDrawnAtOnce) {
     auto panel = showStopScreen();
-    // As the ticks of five seconds have it.
+    // The ticks of five seconds.
     for (int tick = 1; tick <= 300; ++tick) {
         m_stop->progress = tick / 300.0;
         if (tick % 50 != 0)
@@ -190,8 +190,8 @@ TEST_F(LinuxScreensTest, RingThatHasGrownLooksLikeOneThatIsDrawnAtOnce) {
         const QImage grown = m_desktop.look();
         panel->orderOut();
         panel = showStopScreen();
-        // A ring that is drawn in stretches has its edge a fifth of a pixel off here and there,
-        // which makes 49 of 255; a gap or a rest would be more.
+        // Drawing in steps moves the ring's edge by up to a fifth of a pixel, which makes 49 of
+        // 255; a gap or leftover pixels would make more.
         EXPECT_LE(mostDifferent(grown, m_desktop.look()), 64) << tick;
     }
 }

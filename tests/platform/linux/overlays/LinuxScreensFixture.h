@@ -65,7 +65,7 @@ inline std::vector<QRect> linesIn(const QImage& picture, const QRect& part) {
     return lines;
 }
 
-/// The panels of the real service on a desktop of their own.
+/// Panels of LinuxScreens on a virtual desktop.
 class LinuxScreensTest : public testing::Test {
 protected:
     explicit LinuxScreensTest(const std::vector<std::string>& serverOptions = {})
@@ -99,7 +99,7 @@ protected:
         return waitUntil([&] { return isNear(m_desktop.look(place), color); });
     }
 
-    /// Its exit status is not 0 when no monitor is left.
+    /// xrandr's exit status, which is not 0 when no monitor is left.
     static int xrandr(std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), "xrandr");
         return ChildProcess::run(arguments);
@@ -107,7 +107,7 @@ protected:
 
     bool comesToCover(const QRect& place) { return comesToStack({place}); }
 
-    /// The foremost panel last.
+    /// Waits until the panels are in these places, the foremost last.
     bool comesToStack(const std::vector<QRect>& places) {
         return waitUntil([&] { return m_desktop.panels() == places; });
     }

@@ -59,8 +59,8 @@ protected:
         m_baseline = top + 32 + 20 + 20 + metrics.ascent();
     }
 
-    /// Watches two turns; by how many steps the spinner is ahead of a timer of a twelfth of a
-    /// second.
+    /// Watches two turns and returns how many steps the spinner is ahead of a timer that fires
+    /// every twelfth of a second.
     int stepsTooManyInTwoTurns() {
         const QImage start = m_desktop.look();
         const int atStart = darkestOf(spokesIn(start, m_center));
@@ -126,7 +126,7 @@ TEST_F(FreezeOverWhiteTest, TextIsGreyAndBelowTheSpinner) {
     EXPECT_NEAR(text.width(), m_letters.width(), 2);
     EXPECT_NEAR(text.height(), m_letters.height(), 1.5);
     EXPECT_NEAR(text.top(), m_baseline + m_letters.top(), 1.5);
-    // The grey at four fifths over white, where a letter covers a pixel as a whole.
+    // A pixel that a letter covers completely is the text's grey at 80% over white.
     QRgb darkest = white;
     for (int y = text.top(); y <= text.bottom(); ++y)
         for (int x = text.left(); x <= text.right(); ++x)

@@ -1,4 +1,4 @@
-// How a panel goes when the main thread cannot remove it.
+// How a panel is removed when the main thread cannot do it.
 
 #include <chrono>
 #include <csignal>
@@ -124,7 +124,7 @@ TEST_F(LinuxScreensLeaveTest, StopFromTheTerminalRemovesThePanelThatIsStillUp) {
     const auto panel = showStopScreen();
     showFreeze()->orderOut();
     ASSERT_THAT(m_desktop.panels(), ElementsAre(TestDesktop::whole));
-    // A copy of this process is stopped, which shares the connection.
+    // Stops a fork of this process, which shares the connection.
     ChildProcess copy([] { return std::raise(SIGTSTP); });
     EXPECT_EQ(copy.waitForStop(), SIGTSTP);
     EXPECT_TRUE(hangUntil([this] { return isClear(); }, 2));

@@ -40,7 +40,7 @@ TEST_F(LinuxScreensTest, StopScreenCoversAFullScreenWindowToTheLastPixel) {
     EXPECT_TRUE(comesToShow({0, 0}, red));
 }
 
-TEST_F(LinuxScreensTest, KeyboardStaysWhereItIsAndClicksGoNowhere) {
+TEST_F(LinuxScreensTest, StopScreenTakesTheClicksButNotTheKeyboard) {
     const xcb_window_t window = m_desktop.openWindow({100, 100, 400, 300}, red);
     const auto panel = showStopScreen();
     m_desktop.click({300, 250});
@@ -70,7 +70,7 @@ TEST_F(LinuxScreensTest, PanelComesBackAboveWhatIsPutOverIt) {
     EXPECT_TRUE(comesToShow(farFromText, blue));
 }
 
-TEST_F(LinuxScreensTest, PanelIsBackInFrontWithinAMoment) {
+TEST_F(LinuxScreensTest, PanelIsBackInFrontWithinHalfASecond) {
     const auto panel = showStopScreen();
     std::array<qint64, 3> milliseconds{};
     for (qint64& each : milliseconds) {
@@ -85,7 +85,7 @@ TEST_F(LinuxScreensTest, PanelIsBackInFrontWithinAMoment) {
     EXPECT_LT(milliseconds[1], 500);
 }
 
-TEST_F(LinuxScreensTest, TwoProgramsThatBothWantToBeInFrontDoNotFight) {
+TEST_F(LinuxScreensTest, RaisingThePanelAgainWaitsATenthOfASecond) {
     const auto panel = showStopScreen();
     const xcb_window_t menu = m_desktop.openMenu({900, 600, 300, 150}, red);
     QElapsedTimer time;
@@ -175,7 +175,7 @@ TEST_F(LinuxScreensTest, PanelsLeakNoMemory) {
     EXPECT_LT(megabytes() - before, 20);
 }
 
-TEST_F(LinuxScreensTest, PanelsGoWithAProgramThatIsKilled) {
+TEST_F(LinuxScreensTest, KillingTheProgramRemovesItsPanels) {
     ChildProcess program({QUORVANE_OVERLAY_PROBE, "stop"});
     EXPECT_EQ(program.line(), "frame 0 0 1280 800");
     ASSERT_TRUE(comesToShow(farFromText, blue));
@@ -184,7 +184,7 @@ TEST_F(LinuxScreensTest, PanelsGoWithAProgramThatIsKilled) {
     EXPECT_FALSE(isNear(m_desktop.look(farFromText), blue));
 }
 
-TEST(LinuxScreensElsewhere, WithoutX11ThereIsNoScreenAndPanelsShowNowhere) {
+TEST(LinuxScreensElsewhere, WithoutX11ThereIsNoScreenAndPanelsAreNotShown) {
     // There is an X server, and Qt does not use it.
     const VirtualDisplay display;
     const EnvironmentVariable platform("QT_QPA_PLATFORM", "offscreen");

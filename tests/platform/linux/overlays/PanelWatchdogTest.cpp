@@ -69,7 +69,7 @@ TEST_F(PanelWatchdogTest, PanelThatGoesInTimeLeavesTheConnectionAlone) {
     EXPECT_FALSE(isShutDownWithin(1.8)) << "late by less than 2 s";
     const auto start = Clock::now();
     watchdog.reset();
-    EXPECT_LT(secondsSince(start), 0.2) << "its end waits for nothing";
+    EXPECT_LT(secondsSince(start), 0.2) << "the destructor does not wait";
     EXPECT_FALSE(isShutDownWithin(1));
 }
 
@@ -82,7 +82,7 @@ TEST_F(PanelWatchdogTest, ProcessThatWasStoppedHasHalfASecondToRemoveThePanelIts
         return 0;
     });
     ASSERT_EQ(child.waitForStop(), SIGSTOP);
-    EXPECT_FALSE(isShutDownWithin(3)) << "it is halted";
+    EXPECT_FALSE(isShutDownWithin(3)) << "the process is stopped";
     child.send(SIGCONT);
     EXPECT_FALSE(isShutDownWithin(1));
 }

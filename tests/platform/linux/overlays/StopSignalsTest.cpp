@@ -22,7 +22,7 @@ namespace {
 constexpr int allWell = 0;
 constexpr int disturbed = 1;
 
-/// A connection, as that of the panels to the X server.
+/// Stands in for the panels' connection to the X server.
 class Connection : NonCopyable {
 public:
     Connection() { socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, m_ends.data()); }

@@ -98,8 +98,7 @@ TEST_F(LinuxSleepNotificationsTest, TheLastObserverMayLeaveInsideItsBlock) {
     EXPECT_EQ(heard, 1);
 }
 
-TEST_F(LinuxSleepNotificationsTest,
-       ObserversThatComeAndGoWhileTheBusIsBeingJoinedLeaveNothingBehind) {
+TEST_F(LinuxSleepNotificationsTest, ObserversThatLeaveWhileTheBusConnectsLeaveNothingBehind) {
     for (int round = 0; round < 20; ++round)
         const Listener passing(m_workspace);
     FakeUPower upower(address());

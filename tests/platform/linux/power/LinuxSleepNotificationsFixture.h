@@ -39,13 +39,13 @@ public:
             m_center.removeObserver(token);
     }
 
-    /// All that was heard, when there are `count`.
+    /// Waits for `count` notifications; returns all that came.
     const std::vector<std::string>& heard(std::size_t count) {
         waitUntil([&] { return m_heard.size() >= count; });
         return m_heard;
     }
 
-    /// All that was heard, when nothing more comes.
+    /// Waits for `quiet`; returns all that came.
     const std::vector<std::string>& heardInAll() {
         waitFor(quiet);
         return m_heard;

@@ -65,7 +65,7 @@ protected:
         return said;
     }
 
-    /// Expects a file with `text` to count as damaged, to be put aside, and not to get in the way.
+    /// Expects a file with `text` to be put aside as damaged, and settings to be saved after that.
     void expectPutAside(const std::string& text) const {
         writeFile(text);
         CaptureStderr();
@@ -110,12 +110,12 @@ TEST_F(LinuxUserDefaultsTest, OtherSettingsInTheFileStay) {
     EXPECT_TRUE(isSaved("hardwareChecked"));
 }
 
-TEST_F(LinuxUserDefaultsTest, AValueThatIsNoTruthValueIsFalse) {
+TEST_F(LinuxUserDefaultsTest, AValueThatIsNotABooleanIsFalse) {
     for (const char* value : {"yes", "tr", "2", "", "truely", "\"a b\""})
         EXPECT_FALSE(isTrue(value)) << value;
 }
 
-TEST_F(LinuxUserDefaultsTest, ATruthValueMayBeWrittenByHand) {
+TEST_F(LinuxUserDefaultsTest, BooleansWrittenByHandAreUnderstood) {
     for (const char* value : {"true", "True", "TRUE", "1"})
         EXPECT_TRUE(isTrue(value)) << value;
 }
