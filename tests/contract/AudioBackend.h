@@ -19,7 +19,7 @@ public:
     /// How much later than promised something may happen, in seconds.
     [[nodiscard]] virtual double tolerance() const = 0;
 
-    /// There is one at the start. Removing it while it is in use is a loss.
+    /// There is one at the start. Removed while in use, it counts as lost.
     virtual void setOutputDevicePresent(bool present) = 0;
 
     /// A stereo file at 44.1 kHz of `goodFileFrames` frames.
@@ -29,7 +29,7 @@ public:
     [[nodiscard]] virtual std::filesystem::path truncatedFile() const = 0;
     [[nodiscard]] virtual std::filesystem::path nonAudioFile() const = 0;
     [[nodiscard]] virtual std::filesystem::path missingFile() const = 0;
-    /// The sound of `clip`, to the precision of 16 bits.
+    /// The sound of `clip`, stored in 16 bits.
     [[nodiscard]] virtual std::filesystem::path clipFile() const = 0;
     /// Half a second of a chirp at 44.1 kHz in stereo.
     [[nodiscard]] static PCMBuffer clip();

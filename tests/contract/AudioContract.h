@@ -15,7 +15,7 @@
 
 namespace quorvane {
 
-/// What completions record; they keep it alive.
+/// What completion callbacks record; they share its ownership.
 struct CompletionLog {
     std::mutex mutex;
     std::vector<std::string> completed;
@@ -71,8 +71,8 @@ protected:
         return secondsUntil([&] { return completed().size() >= count; });
     }
 
-    /// Plays until `count` sounds have completed; the seconds that took, from before the start: a
-    /// delay after it must not make a sound seem too short.
+    /// Plays until `count` sounds have completed and returns the seconds since before the start, so
+    /// that a delay after it does not make a sound seem too short.
     double secondsPlayed(std::size_t count) {
         const double start = m_backend->now();
         m_node->play();

@@ -38,7 +38,7 @@ protected:
         return {.begun = begun, .done = m_backend->now()};
     }
 
-    /// Expects a sound of `seconds` since `call` to end when it should.
+    /// Expects a sound of `seconds` that began with `call` to end in time.
     void expectEnd(const AudioFilePlayer& player, const Call& call, double seconds) {
         secondsUntil([&] { return !player.isPlaying(); });
         // The clocks of sound and system differ a little.
@@ -55,7 +55,7 @@ protected:
     std::shared_ptr<AudioFilePlayer> m_player = open(m_backend->clipFile());
 };
 
-TEST_P(AudioFilePlayerContract, ANewPlayerIsSilentAtTheStartAtFullVolumeAndPlaysOnce) {
+TEST_P(AudioFilePlayerContract, ANewPlayerIsStoppedAtTheStartAtFullVolumeWithoutLoops) {
     EXPECT_NEAR(m_player->duration(), 0.5, 1e-9);
     EXPECT_EQ(m_player->currentTime(), 0);
     EXPECT_EQ(m_player->volume(), 1);
@@ -147,13 +147,13 @@ TEST_P(AudioFilePlayerContract, LoopsWithoutEndUntilItIsStopped) {
     EXPECT_FALSE(m_player->isPlaying());
 }
 
-TEST_P(AudioFilePlayerContract, WhatCannotBeDecodedIsAnError) {
+TEST_P(AudioFilePlayerContract, AFileThatCannotBeDecodedGivesAnError) {
     EXPECT_THAT(errorOf(m_backend->missingFile()), HasSubstr("No such file or directory"));
     EXPECT_THAT(errorOf(m_backend->nonAudioFile()), HasSubstr("not a sound file"));
     EXPECT_THAT(errorOf(m_backend->truncatedFile()), HasSubstr("ends before its length"));
 }
 
-TEST_P(AudioFilePlayerContract, OpensAndKnowsItsLengthWithoutADevice) {
+TEST_P(AudioFilePlayerContract, OpensWithItsLengthWithoutADevice) {
     m_backend->setOutputDevicePresent(false);
     const auto player = open(m_backend->clipFile());
     EXPECT_NEAR(player->duration(), 0.5, 1e-9);
@@ -195,7 +195,7 @@ TEST_P(AudioFilePlayerContract, ASoundThatWouldBeOverIsDropped) {
     EXPECT_TRUE(m_player->play());
 }
 
-TEST_P(AudioFilePlayerContract, ARequestIsDroppedAfterSomeSecondsWithoutADevice) {
+TEST_P(AudioFilePlayerContract, APlayIsDroppedAfterSomeSecondsWithoutADevice) {
     m_player->setNumberOfLoops(-1);
     m_backend->setOutputDevicePresent(false);
     EXPECT_FALSE(m_player->play());
@@ -205,7 +205,7 @@ TEST_P(AudioFilePlayerContract, ARequestIsDroppedAfterSomeSecondsWithoutADevice)
     EXPECT_FALSE(m_player->isPlaying());
 }
 
-TEST_P(AudioFilePlayerContract, StopDropsARequest) {
+TEST_P(AudioFilePlayerContract, StopDropsAPlayThatWaitsForADevice) {
     m_player->setNumberOfLoops(-1);
     m_backend->setOutputDevicePresent(false);
     EXPECT_FALSE(m_player->play());

@@ -24,7 +24,7 @@ TEST_P(AudioContract, AFileReadTwiceGivesTheSameSamples) {
     const auto opened = audio().openFile(m_backend->clipFile());
     AudioFile& file = *std::get<std::shared_ptr<AudioFile>>(opened);
     const PCMBuffer clip = AudioBackend::clip();
-    // As exact as 16 bits are.
+    // The precision of 16 bits.
     const auto isClose = ::testing::Pointwise(::testing::FloatNear(1e-4F), clip.samples);
     for (int reading = 0; reading < 2; ++reading) {
         const auto buffer = audio().createBuffer(stereo, 22050);

@@ -20,7 +20,7 @@ public:
     explicit LinuxAudioBackend(std::string_view settings) {
         m_server.start();
         m_folder.write(".alsoftrc", settings);
-        // After the server, which has set the environment that OpenAL's settings come from.
+        // OpenAL reads .alsoftrc from HOME, which the server's constructor has set.
         unsetenv("ALSOFT_CONF"); // NOLINT(concurrency-mt-unsafe): no other thread yet.
         m_audio = std::make_unique<OpenALAudioService>();
         writeWAV(clipFile(), clip());

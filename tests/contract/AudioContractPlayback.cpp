@@ -8,7 +8,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::Not;
 
-TEST_P(AudioContract, CompletesOnceWhenTheBufferHasSoundedToItsEnd) {
+TEST_P(AudioContract, CompletesOnceWhenTheBufferHasPlayedToItsEnd) {
     start();
     schedule("a", 0.4);
     EXPECT_THAT(secondsPlayed(1), isAbout(0.4));
@@ -117,7 +117,7 @@ TEST_P(AudioContract, StopRewindsWhatWasPaused) {
     EXPECT_THAT(secondsPlayed(2), isAbout(0.5));
 }
 
-TEST_P(AudioContract, BuffersSoundOneAfterTheOther) {
+TEST_P(AudioContract, BuffersPlayOneAfterTheOther) {
     start();
     schedule("a", 0.2);
     schedule("b", 0.3);

@@ -43,8 +43,8 @@ protected:
         return run == 4410;
     }
 
-    /// Expects the clip `times` times without a gap, from the first sound on. The frame after that;
-    /// none when the recording has less.
+    /// Expects the clip `times` times without a gap, from the first sound on. Returns the frame
+    /// after that; none when the recording is too short.
     static std::optional<std::size_t> expectClips(const Recording& recording, std::size_t times) {
         const PCMBuffer clip = AudioBackend::clip();
         const auto begin = recording.soundFrom(0);

@@ -46,7 +46,7 @@ protected:
     /// Makes an enabled tap with its source on the run loop.
     void startToListen(std::uint64_t events = everything);
     void typeKey();
-    /// What has been heard since the last time.
+    /// What has been heard since the last call.
     std::vector<HeardEvent> heard();
 
     std::shared_ptr<EventTap> m_tap;

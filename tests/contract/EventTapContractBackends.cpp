@@ -36,7 +36,7 @@ private:
     SimulatedEventTapService m_taps;
 };
 
-/// Runs the event loop on the events that are there.
+/// Handles the events that are pending.
 void processEvents() {
     for (int turn = 0; turn < 3; ++turn)
         QCoreApplication::processEvents();
@@ -74,7 +74,7 @@ private:
     static constexpr std::uint8_t letter = 38;
     static constexpr std::uint8_t shift = 50;
 
-    // Events are delivered to the taps that are enabled then, so they are delivered at once.
+    // Events go to the taps that are enabled at delivery, so they are delivered at once.
     template <typename Input>
     void sendNow(const Input& input) {
         input();

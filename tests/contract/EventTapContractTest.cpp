@@ -17,7 +17,7 @@ constexpr HeardEvent repeatedKeyDown{TapEventType::KeyDown, true};
 constexpr HeardEvent keyUp{TapEventType::KeyUp, false};
 constexpr HeardEvent flagsChanged{TapEventType::FlagsChanged, false};
 
-// Global, as a callback carries no context.
+// Global, because the callback has no context argument.
 std::vector<HeardEvent> heardEvents;
 int heardByAnother = 0;
 
@@ -105,7 +105,7 @@ TEST_P(EventTapContract, OnlyEventsOfInterestAreHeard) {
     EXPECT_THAT(heard(), ElementsAre(keyUp));
 }
 
-TEST_P(EventTapContract, EveryPressOfABurstIsHeardInItsOrder) {
+TEST_P(EventTapContract, EveryPressOfABurstIsHeard) {
     startToListen(keyDowns);
     for (int i = 0; i < 8; ++i)
         typeKey();
@@ -143,7 +143,7 @@ TEST_P(EventTapContract, ATapWithoutASourceHearsNothing) {
     EXPECT_THAT(heard(), IsEmpty());
 }
 
-TEST_P(EventTapContract, EventsDuringASourcesTimeOffTheRunLoopAreLost) {
+TEST_P(EventTapContract, EventsAreLostWhileTheSourceIsNotOnTheRunLoop) {
     m_tap = makeTap();
     ASSERT_TRUE(m_tap);
     m_source = m_tap->createRunLoopSource(0);
@@ -173,14 +173,14 @@ TEST_P(EventTapContract, AddingAndRemovingTwiceIsHarmless) {
     EXPECT_THAT(heard(), IsEmpty());
 }
 
-TEST_P(EventTapContract, NothingIsHeardOnceTheTapIsLetGoOf) {
+TEST_P(EventTapContract, NothingIsHeardOnceTheTapIsReleased) {
     startToListen();
     m_tap.reset();
     typeKey();
     EXPECT_THAT(heard(), IsEmpty());
 }
 
-TEST_P(EventTapContract, NothingIsHeardOnceTheSourceIsLetGoOf) {
+TEST_P(EventTapContract, NothingIsHeardOnceTheSourceIsReleased) {
     startToListen();
     m_source.reset();
     typeKey();

@@ -24,7 +24,7 @@ namespace quorvane {
 
 namespace {
 
-/// Without autorepeat.
+/// A keyboard without autorepeat, made through /dev/uinput.
 class UinputKeyboard : NonCopyable {
 public:
     UinputKeyboard() : m_descriptor(open("/dev/uinput", O_WRONLY | O_CLOEXEC)) {

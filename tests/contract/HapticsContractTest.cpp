@@ -21,9 +21,9 @@ using testing::ElementsAre;
 class HapticsBackend : public ContractBackend {
 public:
     virtual HapticService& service() = 0;
-    /// A performer whose pulses are felt from now on.
+    /// A performer whose device is open, so that its pulses are played.
     virtual std::shared_ptr<HapticPerformer> readyPerformer() = 0;
-    /// What was felt since the performer was ready.
+    /// What was played since the performer was ready.
     virtual std::vector<HapticPattern> pulses() = 0;
 };
 
@@ -76,7 +76,7 @@ public:
     }
 
 private:
-    /// By what the weak motor does.
+    /// The pattern with this strength of the weak motor.
     static HapticPattern patternOf(const ff_effect& effect) {
         switch (effect.u.rumble.weak_magnitude) {
         case 0x6000:

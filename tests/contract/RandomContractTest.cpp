@@ -44,7 +44,7 @@ TEST_P(RandomContract, EveryNumberIsEquallyLikely) {
 }
 
 TEST_P(RandomContract, LargeBoundsAreUnbiasedToo) {
-    // A remainder of 64 bits by 3 * 2^62 would give the lowest third twice the share of each other.
+    // 64 bits modulo 3 * 2^62 would give the lowest third twice the share of each other third.
     constexpr std::uint64_t third = std::uint64_t{1} << 62U;
     constexpr int draws = 30'000;
     std::array<int, 3> counts{};

@@ -133,7 +133,7 @@ TEST_P(RunLoopContract, ATimerCanInvalidateAnotherThatIsDueAtTheSameTime) {
     EXPECT_EQ(firings, 0);
 }
 
-TEST_P(RunLoopContract, AScheduledTimerLivesOnWhetherOrNotAnyoneHoldsIt) {
+TEST_P(RunLoopContract, AScheduledTimerFiresWithoutItsHandle) {
     int firings = 0;
     std::shared_ptr<Timer> held = m_runLoop.scheduledTimer(0.01, true, [&](Timer&) { ++firings; });
     held = m_runLoop.scheduledTimer(10, true, [](Timer&) {});
@@ -159,7 +159,7 @@ TEST_P(RunLoopContract, DelayedBlocksRunOnceInTheOrderOfTheirDeadlines) {
     EXPECT_EQ(order, (std::vector{1, 2}));
 }
 
-TEST_P(RunLoopContract, AnEarlierDeadlineDoesNotWaitForALaterOneThatWasThereFirst) {
+TEST_P(RunLoopContract, AnEarlierDeadlineDoesNotWaitForALaterOneScheduledFirst) {
     bool ran = false;
     m_runLoop.asyncAfter(10, [] {});
     m_runLoop.asyncAfter(0.01, [&] { ran = true; });
@@ -237,7 +237,7 @@ TEST_P(RunLoopContract, BothClocksAdvanceWithTime) {
     EXPECT_GT(date, 1.6e9) << "seconds since 1970";
 }
 
-TEST_P(RunLoopContract, AnIntervalThatIsNotAboveZeroDoesNotTrapTheRunLoop) {
+TEST_P(RunLoopContract, AnIntervalThatIsNotAboveZeroDoesNotBlockTheRunLoop) {
     int firings = 0;
     const auto timer = m_runLoop.scheduledTimer(-1, true, [&](Timer&) { ++firings; });
     m_backend->rest(0.02);

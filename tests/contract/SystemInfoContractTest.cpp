@@ -55,7 +55,7 @@ TEST_P(SystemInfoContract, AnUnknownModelIsEmpty) {
     EXPECT_EQ(m_backend->info().modelName(), "");
 }
 
-TEST_P(SystemInfoContract, TheModelIsTheMakersName) {
+TEST_P(SystemInfoContract, TheModelIsThatOfTheMachine) {
     m_backend->setModel("MacBookPro18,3");
     EXPECT_EQ(m_backend->info().modelName(), "MacBookPro18,3");
 }
