@@ -14,7 +14,7 @@ struct Event final : Object {
     std::int64_t autorepeat = 0;
 };
 
-// The existing ones.
+// All that exist, whether valid or not.
 std::vector<MachPort*> ports;
 int delivered = 0;
 

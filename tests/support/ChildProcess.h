@@ -20,8 +20,8 @@ public:
     explicit ChildProcess(const std::vector<std::string>& command);
     /// All of its output is appended to `log`.
     ChildProcess(const std::vector<std::string>& command, const std::filesystem::path& log);
-    /// A copy of this process that runs `work` and exits with what it returns. It is in a process
-    /// group of its own, as a shell would start it: elsewhere SIGTSTP stops nothing.
+    /// A fork of this process that runs `work` and exits with what it returns. It is in a process
+    /// group of its own, as a shell would start it: in an orphaned group SIGTSTP is ignored.
     explicit ChildProcess(const std::function<int()>& work);
 
     ~ChildProcess();
@@ -31,14 +31,14 @@ public:
     [[nodiscard]] bool isAlive();
 
     void send(int signal) const;
-    /// Sends `signal` and waits for its end.
+    /// Sends `signal` and waits until the process has ended.
     void end(int signal = SIGKILL);
-    /// Waits for its end; its exit status, -1 when a signal ended it.
+    /// Waits until it has ended; returns its exit status, -1 when a signal ended it.
     int wait();
     /// Waits until a signal stops it, and returns that; 0 if it has ended instead.
     [[nodiscard]] int waitForStop();
 
-    /// Runs `command` to its end and drops its output; its exit status.
+    /// Runs `command` to its end and drops its output; returns its exit status.
     static int run(const std::vector<std::string>& command);
 
 private:

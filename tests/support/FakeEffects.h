@@ -76,7 +76,7 @@ struct FakeEffects {
     }
 };
 
-/// A startup experience that is only its switch.
+/// A startup experience that consists of its switch only.
 class FakeStartup final : public StartupExperience {
 public:
     [[nodiscard]] Observable<bool>& startupSoundEnabled() override { return m_enabled; }

@@ -58,7 +58,7 @@ public:
 
     [[nodiscard]] int uploads() const { return look(m_uploads); }
 
-    /// The open nodes, once for each time that they are open.
+    /// The open nodes, one entry for each open port.
     [[nodiscard]] std::vector<std::string> opened() const { return look(m_opened); }
 
     /// Number of effects that are on the device now.

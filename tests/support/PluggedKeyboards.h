@@ -7,7 +7,7 @@
 
 namespace quorvane {
 
-/// Keyboards that a test plugs in and out; outlives its watchers.
+/// Keyboards that a test plugs in and unplugs; outlives its watchers.
 class PluggedKeyboards {
 public:
     class Nodes final : public KeyboardWatcher {

@@ -7,7 +7,7 @@ namespace quorvane {
 namespace {
 
 class SkipsFail final : public testing::EmptyTestEventListener {
-    // Listeners' ends run in reverse order: the printer's comes later and prints the failure.
+    // OnTestEnd runs in reverse order: the printer's comes later and prints the failure.
     void OnTestEnd(const testing::TestInfo& test) override {
         if (test.result()->Skipped())
             ADD_FAILURE() << "a skipped test tests nothing";

@@ -29,7 +29,7 @@ private:
     QString m_name;
 };
 
-/// UPower with a lid.
+/// A fake UPower with the properties of a lid.
 class FakeUPower final : public QDBusVirtualObject {
 public:
     explicit FakeUPower(const std::string& address, bool lidIsClosed = false,
@@ -42,7 +42,7 @@ public:
     /// Changes the property and sends only that its old value is invalid.
     void invalidateLidIsClosed(bool closed);
 
-    /// How often the properties were asked for.
+    /// How often the properties were read.
     [[nodiscard]] int reads() const { return m_reads; }
 
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
@@ -56,7 +56,7 @@ private:
     int m_reads = 0;
 };
 
-/// logind as far as it announces sleep.
+/// A fake logind, which only announces sleep.
 class FakeLogind {
 public:
     explicit FakeLogind(const std::string& address,

@@ -45,7 +45,7 @@ xcb_window_t TestDesktop::openWindow(const QRect& place, QRgb color, bool fullSc
         xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window,
                             m_display.atom("_NET_WM_STATE"), XCB_ATOM_ATOM, 32, 1, &state);
     }
-    // Marked as the user's wish: otherwise the window manager chooses a place.
+    // USPosition: otherwise the window manager chooses the place.
     const std::array<uint32_t, 18> placed{1};
     xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NORMAL_HINTS,
                         XCB_ATOM_WM_SIZE_HINTS, 32, placed.size(), placed.data());
@@ -104,7 +104,7 @@ void TestDesktop::pressKey() {
 }
 
 void TestDesktop::readEvents() {
-    // All events that were sent before the reply are there with it.
+    // Events that the server sent before its reply arrive before it.
     m_display.sync();
     while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)}) {
         m_clicks += (event->response_type & 0x7F) == XCB_BUTTON_PRESS;

@@ -20,10 +20,10 @@ class TestDesktop : NonCopyable {
 public:
     static constexpr QRect whole{0, 0, 1280, 800};
 
-    /// `serverOptions`: of the X server, such as an extension that it is to do without.
+    /// `serverOptions` are arguments of Xvfb, such as "-extension", "RANDR" to disable it.
     explicit TestDesktop(const std::vector<std::string>& serverOptions = {});
 
-    /// Runs as long as what is returned.
+    /// It runs as long as the returned object lives.
     [[nodiscard]] std::unique_ptr<ChildProcess> startCompositor() const;
 
     /// Opens a window of one colour and waits until it is up and has the keyboard. The window
@@ -40,7 +40,7 @@ public:
 
     void click(QPoint place);
     void pressKey();
-    /// How many clicks and keys the windows of this object have got since the last time.
+    /// How many clicks and keys the windows of this object have got since the last call.
     [[nodiscard]] int takeClicks();
     [[nodiscard]] int takeKeys();
 
@@ -71,7 +71,7 @@ private:
     VirtualDisplay m_display;
     WindowManager m_windowManager{m_display};
     xcb_connection_t* m_connection = m_display.connection();
-    // The window that was given the keyboard last, while it is there.
+    // The window that was activated last, while it exists.
     xcb_window_t m_activated = XCB_WINDOW_NONE;
     int m_clicks = 0;
     int m_keys = 0;

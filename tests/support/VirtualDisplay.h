@@ -15,7 +15,7 @@ namespace quorvane {
 /// Needs no Qt.
 class VirtualDisplay : NonCopyable {
 public:
-    /// `options` of the X server, such as an extension that it is to do without.
+    /// `size` in pixels; `options` are further arguments of Xvfb.
     explicit VirtualDisplay(const std::string& size = "320x200",
                             const std::vector<std::string>& options = {});
     ~VirtualDisplay();
@@ -24,14 +24,14 @@ public:
 
     [[nodiscard]] xcb_window_t root() const { return m_root; }
 
-    /// By the X server's number of the key, of the keymap that it starts with.
+    /// `keycode` is an X keycode of the keymap that the server starts with.
     void press(std::uint8_t keycode);
     void release(std::uint8_t keycode);
     /// Moves the pointer and clicks its left button.
     void click(std::int16_t x, std::int16_t y);
     /// Makes `keycode` carry another symbol.
     void remap(std::uint8_t keycode, xcb_keysym_t symbol);
-    /// As an open menu does: all keys go to it.
+    /// Sends all keys to this client, as an open menu does.
     void grabKeyboard();
 
     [[nodiscard]] xcb_atom_t atom(const std::string& name) const;

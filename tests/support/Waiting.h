@@ -21,7 +21,7 @@ inline void waitFor(std::chrono::milliseconds time) {
     loop.exec();
 }
 
-/// Waits, as `waitFor` does, until `condition` holds, for `timeout` at most; whether it held.
+/// Waits, as `waitFor` does, until `condition` holds or `timeout` is over; returns whether it held.
 template <typename Condition>
 bool waitUntil(const Condition& condition, std::chrono::milliseconds timeout = 20s) {
     const auto end = std::chrono::steady_clock::now() + timeout;

@@ -36,7 +36,7 @@ void WindowManager::waitForWindow(xcb_window_t window) {
         throw std::runtime_error("the window does not come up");
 }
 
-/// Sends it an event: events that it read while it was starting may be handled only with the next.
+/// Sends openbox an event: it may handle events that it read during its start only with the next.
 void WindowManager::wake() {
     xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, m_display.root(),
                         m_display.atom("WAKE_UP"), XCB_ATOM_STRING, 8, 0, nullptr);
@@ -60,7 +60,7 @@ void WindowManager::activate(xcb_window_t window) {
     sync(window);
 }
 
-/// It handles its events in order, and answers a new title with the one that it shows.
+/// Sets a new title; openbox handles its events in order and publishes the title that it shows.
 void WindowManager::sync(xcb_window_t window) {
     const std::string title = "title " + std::to_string(++m_titles);
     xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NAME,
