@@ -43,8 +43,8 @@ TEST_F(MainWindowTest, CallsOnAppearAfterItsFirstFrame) {
     EXPECT_EQ(m_machine.runLoop.pendingCount(), timersBefore + 1);
 }
 
-// A press between the window's creation and its first frame opened the control panel before the
-// controller had looked for the lid sensor, and the creak stayed silent for good.
+// A press before the first frame would open the control panel before the controller has looked for
+// the lid sensor, and the creak would stay silent.
 TEST_F(MainWindowTest, CannotBePressedBeforeItHasAppeared) {
     withHardwareChecked();
     makeWindow();

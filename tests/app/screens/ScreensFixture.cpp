@@ -113,7 +113,7 @@ void ScreensTest::waitUntil(const std::function<bool()>& condition, const char* 
     const QDeadlineTimer deadline(patience);
     while (!condition() && !deadline.hasExpired())
         QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-    ASSERT_TRUE(condition()) << "waited in vain until " << what;
+    ASSERT_TRUE(condition()) << "timed out before " << what;
 }
 
 // A requested update is drawn within the next round or two, because main() has set

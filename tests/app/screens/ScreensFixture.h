@@ -21,9 +21,8 @@
 
 namespace quorvane {
 
-/// The real window over the real controller on a simulated machine, looked at and acted on through
-/// its accessibility tree. The machine's time is virtual, and so is that of the window's
-/// animations.
+/// The real window over the real controller on a simulated machine, read and operated through its
+/// accessibility tree. The machine's time is virtual, and so is that of the window's animations.
 class ScreensTest : public testing::Test {
 public:
     ~ScreensTest() override;
@@ -62,7 +61,7 @@ protected:
     void draw();
     /// Lets `milliseconds` of the animations' time pass, and draws.
     void animate(int milliseconds);
-    /// Lets all animations that have an end come to it, and draws.
+    /// Runs all animations that have an end to it, and draws.
     void settle();
 
     /// The names of the visible elements, in reading order.
@@ -88,7 +87,7 @@ protected:
     /// In the window's coordinates.
     [[nodiscard]] QRectF placeOf(const std::string& name);
     [[nodiscard]] QColor colorAt(int x, int y);
-    /// The window with one pixel a point.
+    /// The window, scaled to one pixel per point.
     [[nodiscard]] QImage picture1x();
 
     struct LoneParticle {
@@ -103,7 +102,7 @@ protected:
 
     void withoutParticles() { scriptParticle({.x = 0, .y = -100, .size = 40, .opacity = 0.08}); }
 
-    /// Saves a picture of the window beside the tests, to be looked at.
+    /// Saves a picture of the window in the folder screens beside the test program.
     void savePicture(const std::string& name);
 
     SimulatedMachine m_machine;

@@ -108,7 +108,7 @@ TEST_F(Controls, ControlsShowThatTheMouseIsOnThemAndPresses) {
     EXPECT_EQ(fillOf(stop), buttonBefore) << "the mouse is elsewhere";
     QTest::mouseRelease(&m_window->window(), Qt::LeftButton, {}, {5, 5});
     settle();
-    EXPECT_TRUE(m_content->sufferingMode()) << "let go elsewhere";
+    EXPECT_TRUE(m_content->sufferingMode()) << "released elsewhere";
 }
 
 TEST_F(Controls, ThePopupsButtonShowsThatTheMouseIsOnItAndPresses) {
@@ -127,7 +127,7 @@ TEST_F(Controls, ThePopupsButtonShowsThatTheMouseIsOnItAndPresses) {
     expectNear(fill(), over(ground, blue, 0.75));
 }
 
-TEST_F(Controls, AnInfoButtonIsHitWellBesideItsSymbol) {
+TEST_F(Controls, AnInfoButtonTakesClicksBesideItsSymbol) {
     launchIntoControlPanel();
     const QPointF middle = placeOf("About Thermals").center();
     for (const QPointF offset : {QPointF(12, 0), QPointF(-12, 10), QPointF(0, -13)}) {

@@ -6,7 +6,7 @@ namespace {
 // How often the window is redrawn.
 class Frames : public ScreensTest {
 protected:
-    // Over two seconds of the controller's time, drawn at every step of the particles.
+    // In two seconds of the controller's time, with a draw() after every step of the particles.
     int framesOfTwoSeconds() {
         settle();
         const int before = m_frames;
@@ -55,7 +55,7 @@ TEST_F(Frames, AreNoneWhileHidden) {
     EXPECT_EQ(framesOfTwoSeconds(), 40);
 }
 
-TEST_F(Frames, AreNoneOfAScanInACoveredWindow) {
+TEST_F(Frames, AreNoneDuringAScanInACoveredWindow) {
     launch();
     press(check);
     int before = m_frames;

@@ -89,7 +89,8 @@ TEST_F(Particles, AreAsLargeAsTheirSize) {
     EXPECT_NEAR((top + bottom) / 2.0, 103, 2);
 }
 
-// The script leaves the least speed, 15 upward, and the furthest drift, 30 to the left.
+// The script leaves the lowest speed, 15 points a second upward, and the largest drift, 30 to the
+// left.
 TEST_F(Particles, MoveWithTheController) {
     scriptParticle({.x = 100, .y = 300, .size = 50, .opacity = 0.2});
     launchChecked();
@@ -113,7 +114,7 @@ TEST_F(Particles, MoveWithTheController) {
 
 TEST_F(Particles, ReenterAtTheBottomWithTheirNewOpacity) {
     scriptParticle({.x = 200, .y = -79.5, .size = 60, .opacity = 0.2});
-    // Its place, drift, speed and opacity from then on.
+    // The draws for its new place, drift, speed and opacity.
     m_machine.random.script({uniformDrawBound / 2, uniformDrawBound / 2, 0, 0});
     launchChecked();
     EXPECT_LT(colorAt(250, 690).red(), 25);

@@ -3,7 +3,7 @@
 namespace quorvane {
 namespace {
 
-// Checks every screen as a whole, and saves its picture to be looked at.
+// Checks every screen as a whole, and saves its picture for people to look at.
 class Pictures : public LayoutTest {
 protected:
     Pictures() {
@@ -26,7 +26,7 @@ protected:
     }
 };
 
-TEST_F(Pictures, OfTheHardwareCheck) {
+TEST_F(Pictures, TheHardwareCheckIsInColour) {
     launch();
     savePicture("hardware-check");
     EXPECT_GT(countOf(QColor(132, 166, 180), placeOf("🔧"), 40), 100) << "in colour";
@@ -39,7 +39,7 @@ TEST_F(Pictures, OfTheHardwareCheck) {
     savePicture("hardware-check-results");
 }
 
-TEST_F(Pictures, OfMarksInTheirColours) {
+TEST_F(Pictures, MarksHaveTheirColours) {
     launch();
     runCheck();
     settle();
@@ -54,7 +54,7 @@ TEST_F(Pictures, OfMarksInTheirColours) {
     EXPECT_EQ(countOf(cross, markOf("Launch at login"), 30), 0);
 }
 
-TEST_F(Pictures, OfTheWarning) {
+TEST_F(Pictures, TheWarningSignIsInColour) {
     launchChecked();
     savePicture("warning");
     EXPECT_GT(countOf(QColor(255, 204, 50), placeOf("⚠️")), 1000);
@@ -66,7 +66,7 @@ TEST_F(Pictures, OfTheWarning) {
     savePicture("warning-focus");
 }
 
-TEST_F(Pictures, OfTheLogo) {
+TEST_F(Pictures, TheLogoHasItsColoursAndPlace) {
     launchChecked();
     expectNear(atLogo(200, 340), QColor("#cfc2a2"), 30);
     expectNear(atLogo(240, 322), QColor("#c3b692"), 4);
@@ -78,7 +78,7 @@ TEST_F(Pictures, OfTheLogo) {
     EXPECT_EQ(placeOf("YOU ARE ABOUT TO SEE WHAT").top() - place.bottom(), 14);
 }
 
-TEST_F(Pictures, OfTheLogosShadow) {
+TEST_F(Pictures, TheLogoHasAShadow) {
     launchChecked();
     const QColor night(20, 20, 50);
     const QRectF place = placeOfTheLogo();
@@ -90,7 +90,7 @@ TEST_F(Pictures, OfTheLogosShadow) {
     expectNear(at({275, place.top() + 4 - 8}), QColor(18, 18, 47), 1);
 }
 
-TEST_F(Pictures, OfTheWarningWithoutItsLogo) {
+TEST_F(Pictures, AMissingLogoLeavesNeitherGapNorShadow) {
     m_machine.bundle.removeResources();
     launchChecked();
     savePicture("warning-without-logo");
@@ -101,7 +101,7 @@ TEST_F(Pictures, OfTheWarningWithoutItsLogo) {
     EXPECT_EQ(countOf(QColor(19, 19, 48), gap, 2), 510 * 14) << "neither logo nor shadow";
 }
 
-TEST_F(Pictures, OfTheControlPanel) {
+TEST_F(Pictures, TheControlPanelIsInColour) {
     launchIntoControlPanel();
     toggle("Build quality");
     toggle("Thermals");
@@ -119,7 +119,7 @@ TEST_F(Pictures, OfTheControlPanel) {
     savePicture("control-panel-hint");
 }
 
-TEST_F(Pictures, OfTheBanner) {
+TEST_F(Pictures, TheBannerIsGreenWithRoundCorners) {
     launchIntoControlPanel();
     const QRectF heading = placeOf("WINDOWS MODE: ENABLED");
     const QRectF last = placeOf("Your MacBook is now officially a Windows laptop.");
@@ -139,7 +139,7 @@ TEST_F(Pictures, OfTheBanner) {
     EXPECT_GT(shareOf(Qt::black, placeOf("🎉 Congratulations!")), 5);
 }
 
-TEST_F(Pictures, OfTheControlPanelWithoutOtherEffects) {
+TEST_F(Pictures, WithoutOtherEffectsThereAreNoOtherRows) {
     m_effects = {};
     launchIntoControlPanel();
     savePicture("control-panel-without-effects");
@@ -148,14 +148,14 @@ TEST_F(Pictures, OfTheControlPanelWithoutOtherEffects) {
     EXPECT_EQ(countOf(Qt::white, rest, 60), 0) << "no other row";
 }
 
-TEST_F(Pictures, OfHeavyText) {
+TEST_F(Pictures, HeavyTextCoversAboutAQuarterOfItsPlace) {
     launchChecked();
     const double share = shareOf(Qt::white, placeOf("CAUTION"));
     EXPECT_GT(share, 24);
     EXPECT_LT(share, 31);
 }
 
-TEST_F(Pictures, OfTheInfoPopup) {
+TEST_F(Pictures, TheInfoPopupHasItsSizeAndColours) {
     launchIntoControlPanel();
     const QRectF button = placeOf(stop);
     openInfo("Build quality");
@@ -182,7 +182,7 @@ TEST_F(Pictures, OfTheInfoPopup) {
     EXPECT_GT(countOf(Qt::white, ok.adjusted(100, 5, -100, -5)), 20);
 }
 
-TEST_F(Pictures, OfTheInfoPopupsWords) {
+TEST_F(Pictures, TheInfoPopupsWordsAreCentredAndWrapped) {
     launchIntoControlPanel();
     openInfo("Build quality");
     const std::string words = "Premium hinge quality simulation. Experience the authentic build "

@@ -14,7 +14,7 @@ protected:
     }
 };
 
-TEST_F(ControlPanelScreen, SaysWhatItIs) {
+TEST_F(ControlPanelScreen, ShowsItsTexts) {
     launchIntoControlPanel();
     EXPECT_THAT(texts(),
                 ElementsAre("💀", "SIMULATION ACTIVE", "WINDOWS MODE: ENABLED", "🎉 Congratulations!",

@@ -13,7 +13,7 @@ const QColor red("#ff3b30");
 // number of pixels.
 class Edges : public LayoutTest {};
 
-TEST_F(Edges, OfTheFocusRing) {
+TEST_F(Edges, AFocusRingLeavesAGapAroundItsButton) {
     launchChecked();
     const QRectF button = placeOf(enter);
     const auto above = [&](double distance) {
@@ -30,7 +30,7 @@ TEST_F(Edges, OfTheFocusRing) {
     expectNear(above(5), night, 2);
 }
 
-TEST_F(Edges, OfTheFocusRingsOfARow) {
+TEST_F(Edges, TheControlsOfARowHaveFocusRings) {
     launchIntoControlPanel();
     // From 3 points outside of the switch on, and from 5 outside of the info button.
     for (const auto& [control, distance] : {std::pair("Thermals", 3), {"About Thermals", 5}}) {
@@ -47,7 +47,7 @@ TEST_F(Edges, OfTheFocusRingsOfARow) {
     }
 }
 
-TEST_F(Edges, OfTheInfoPopup) {
+TEST_F(Edges, TheInfoPopupHasABorderAndRoundCorners) {
     launchIntoControlPanel();
     openInfo("Build quality");
     const QColor ground("#23233a");
@@ -60,7 +60,7 @@ TEST_F(Edges, OfTheInfoPopup) {
     EXPECT_LT(at(placeOf("OK").topLeft() + QPointF(3, 1)).blue(), 120);
 }
 
-TEST_F(Edges, OfASwitchThatIsOff) {
+TEST_F(Edges, ASwitchThatIsOffLightsUpUnderTheMouse) {
     launchIntoControlPanel();
     const QPointF corner = placeOf("Thermals").topLeft();
     const QColor night = at(corner - QPointF(5, -13));
@@ -75,7 +75,7 @@ TEST_F(Edges, OfASwitchThatIsOff) {
     expectNear(at(corner + QPointF(4, 4)), capsule, 8);
 }
 
-TEST_F(Edges, OfAnInfoButton) {
+TEST_F(Edges, AnInfoButtonLightsUpUnderTheMouseAndWhenPressed) {
     launchIntoControlPanel();
     const QRectF place = placeOf("About Thermals");
     const QColor night = at(place.center() - QPointF(0, 12));
@@ -92,7 +92,7 @@ TEST_F(Edges, OfAnInfoButton) {
     EXPECT_NEAR(brightestIn(place), over(night, Qt::white, 0.9).lightness(), 8);
 }
 
-TEST_F(Edges, OfAKnobOnItsWay) {
+TEST_F(Edges, AKnobTurnsRedWhileItMoves) {
     launchIntoControlPanel();
     const QPointF corner = placeOf("Thermals").topLeft();
     expectNear(at(corner + QPointF(13, 13)), Qt::white);
@@ -109,7 +109,7 @@ TEST_F(Edges, OfAKnobOnItsWay) {
     expectNear(at(corner + QPointF(29, 13)), Qt::white);
 }
 
-TEST_F(Edges, OfAKnobThatIsPressed) {
+TEST_F(Edges, APressedKnobIsWider) {
     launchIntoControlPanel();
     const QPointF corner = placeOf("Thermals").topLeft();
     const QPoint middle = placeOf("Thermals").center().toPoint();

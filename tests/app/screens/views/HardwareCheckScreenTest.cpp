@@ -36,7 +36,7 @@ TEST_F(HardwareCheckScreen, ScansForASecondAndAHalf) {
     EXPECT_THAT(buttons(), ElementsAre("CONTINUE"));
 }
 
-TEST_F(HardwareCheckScreen, TurnsWhileItScansAndRestsAfterwards) {
+TEST_F(HardwareCheckScreen, TurnsItsSpinnerOnlyWhileItScans) {
     launch();
     press(check);
     draw();

@@ -53,7 +53,7 @@ TEST_F(Keys, PressAButton) {
     }
 }
 
-TEST_F(Keys, RepeatedPressNothing) {
+TEST_F(Keys, DoNothingWhenRepeated) {
     launchIntoControlPanel();
     focus("About Keyboard");
     for (const Qt::Key key : pressingKeys) {

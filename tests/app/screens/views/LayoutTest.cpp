@@ -10,7 +10,7 @@ const QColor cyan("#32ade6");
 
 class Layout : public LayoutTest {};
 
-TEST_F(Layout, OfTheHardwareCheck) {
+TEST_F(Layout, TheHardwareCheckHasItsFontsAndColours) {
     launch();
     EXPECT_EQ(lookOf("🔧").size, 70);
     EXPECT_EQ(lookOf("HARDWARE CHECK"), (Look{.size = 30}));
@@ -25,7 +25,7 @@ TEST_F(Layout, OfTheHardwareCheck) {
     EXPECT_NEAR(placeOf("🔧").top() + button.bottom(), 780, 2) << "the stack is centred";
 }
 
-TEST_F(Layout, OfTheHardwareCheckFromTopToBottom) {
+TEST_F(Layout, TheHardwareCheckHasItsDistances) {
     m_desktop.motionReduced = true;
     launch();
     const std::string words =
@@ -44,7 +44,7 @@ TEST_F(Layout, OfTheHardwareCheckFromTopToBottom) {
     EXPECT_NEAR(placeOf("Scanning hardware...").center().x(), 275, 0.5);
 }
 
-TEST_F(Layout, OfTheScan) {
+TEST_F(Layout, TheScanHasItsFontAndSpinner) {
     m_desktop.motionReduced = true;
     launch();
     press(check);
@@ -53,7 +53,7 @@ TEST_F(Layout, OfTheScan) {
     EXPECT_EQ(placeOf("Scanning").size(), QSizeF(48, 48)) << "half as large again as 32";
 }
 
-TEST_F(Layout, OfTheResults) {
+TEST_F(Layout, TheResultsHaveTheirFontsColoursAndDistances) {
     launch();
     m_desktop.motionReduced = true;
     runCheck();
@@ -82,7 +82,7 @@ TEST_F(Layout, OfTheResults) {
     EXPECT_EQ(placeOf("CONTINUE").width(), 490);
 }
 
-TEST_F(Layout, OfTheWarning) {
+TEST_F(Layout, TheWarningHasItsFontsAndColours) {
     m_machine.bundle.addResource("logo", "png", QUORVANE_SOURCE_RESOURCES "/logo.png");
     launchChecked();
     const Look sentence{.size = 18};
@@ -100,7 +100,7 @@ TEST_F(Layout, OfTheWarning) {
     EXPECT_LE(placeOf(enter).bottom(), 750);
 }
 
-TEST_F(Layout, OfTheWarningFromTopToBottom) {
+TEST_F(Layout, TheWarningHasItsDistances) {
     launchChecked();
     const std::vector<std::string> lines{"⚠️",
                                          "CAUTION",
@@ -117,7 +117,7 @@ TEST_F(Layout, OfTheWarningFromTopToBottom) {
     EXPECT_EQ(placeOf(enter).top() - placeOf("EVERY SINGLE DAY.").bottom(), 14 + 10 + 14);
 }
 
-TEST_F(Layout, TheLogosPlaceStaysEmptyWithoutOne) {
+TEST_F(Layout, AMissingLogoLeavesNoGap) {
     launchChecked();
     const double gap = placeOf("YOU ARE ABOUT TO SEE WHAT").top() - placeOf("CAUTION").bottom();
     EXPECT_LT(gap, 40);
@@ -146,7 +146,7 @@ TEST_F(Layout, MillionsGoesFromGreenThroughCyanToBlue) {
     EXPECT_LT(last.red(), 40);
 }
 
-TEST_F(Layout, OfTheControlPanel) {
+TEST_F(Layout, TheControlPanelHasItsFontsAndColours) {
     launchIntoControlPanel();
     EXPECT_EQ(lookOf("💀").size, 60);
     EXPECT_EQ(lookOf("SIMULATION ACTIVE"),
@@ -165,7 +165,7 @@ TEST_F(Layout, OfTheControlPanel) {
     EXPECT_EQ(placeOf("🎉 Congratulations!").top() - placeOf("WINDOWS MODE: ENABLED").bottom(), 6);
 }
 
-TEST_F(Layout, OfTheControlPanelFromTopToBottom) {
+TEST_F(Layout, TheControlPanelHasItsDistances) {
     launchIntoControlPanel();
     const QRectF heading = placeOf("WINDOWS MODE: ENABLED");
     const QRectF last = placeOf("Your MacBook is now officially a Windows laptop.");
@@ -180,7 +180,7 @@ TEST_F(Layout, OfTheControlPanelFromTopToBottom) {
         << "what is above the stop button is centred";
 }
 
-TEST_F(Layout, OfTheRows) {
+TEST_F(Layout, TheRowsHaveTheirFontsAndDistances) {
     launchIntoControlPanel();
     const std::vector<std::string> rows = switches();
     ASSERT_EQ(rows.size(), 6U);
@@ -200,7 +200,7 @@ TEST_F(Layout, OfTheRows) {
     }
 }
 
-TEST_F(Layout, OfTheStopButton) {
+TEST_F(Layout, TheStopButtonHasItsFontPlaceAndColour) {
     launchIntoControlPanel();
     const QRectF place = placeOf(stop);
     EXPECT_EQ(lookOf(stop), (Look{.size = 20, .weight = QFont::Black}));

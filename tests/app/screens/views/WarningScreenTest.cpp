@@ -27,7 +27,7 @@ TEST_F(WarningScreen, LeadsToTheControlPanelByMouse) {
     EXPECT_THAT(texts(), Not(Contains("CAUTION")));
 }
 
-// A tenth of a second on, the spring has gone 0.517 of its way.
+// After a tenth of a second the spring is at 0.517.
 TEST_F(WarningScreen, FadesIntoTheControlPanelWhenLeftByItsButton) {
     withoutParticles();
     launchChecked();
@@ -60,7 +60,7 @@ TEST_F(WarningScreen, FadesInWhenTheHardwareCheckIsLeft) {
     EXPECT_THAT(texts(), Not(Contains("HARDWARE CHECK")));
 }
 
-TEST_F(WarningScreen, GivesWayAtOnceToANotification) {
+TEST_F(WarningScreen, IsLeftAtOnceOnANotification) {
     launchChecked();
     m_machine.defaultCenter.post(ContentView::autoStartSimulation);
     QCoreApplication::processEvents();
@@ -69,7 +69,7 @@ TEST_F(WarningScreen, GivesWayAtOnceToANotification) {
 }
 
 // A screen that fades out is still visible, on top of the one that fades in.
-TEST_F(WarningScreen, CannotBePressedOnItsWayOut) {
+TEST_F(WarningScreen, CannotBePressedWhileItFadesOut) {
     launchChecked();
     press(enter);
     animate(50);
@@ -79,7 +79,7 @@ TEST_F(WarningScreen, CannotBePressedOnItsWayOut) {
     EXPECT_FALSE(m_content->sufferingMode());
 }
 
-TEST_F(WarningScreen, CannotBeDisturbedByAControlPanelOnItsWayOut) {
+TEST_F(WarningScreen, IsNotAffectedByAControlPanelThatFadesOut) {
     m_effects.keyboard = [this] { return m_keyboard; };
     launchIntoControlPanel();
     press(stop);
@@ -93,7 +93,7 @@ TEST_F(WarningScreen, CannotBeDisturbedByAControlPanelOnItsWayOut) {
     EXPECT_TRUE(m_content->sufferingMode());
 }
 
-TEST_F(WarningScreen, StandsOnTheNightGradient) {
+TEST_F(WarningScreen, HasTheNightGradient) {
     launchChecked();
     EXPECT_EQ(colorAt(5, 0), QColor::fromRgb(13, 13, 38));
     EXPECT_EQ(colorAt(5, 390), QColor::fromRgb(20, 20, 51));
