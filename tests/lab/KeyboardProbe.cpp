@@ -1,6 +1,6 @@
-// Listens to the keyboards of this machine, as a user who may lack the right to.
+// Listens to this machine's keyboards, also as a user who may not read them.
 //
-//     keyboard_probe effect    starts the keyboard effect, prints its questions and states
+//     keyboard_probe effect    starts the keyboard effect, prints its permission checks and states
 //     keyboard_probe tap       opens a tap, prints a line for each key that goes down
 //
 // Ends when standard input does.
@@ -23,7 +23,7 @@ void print(std::string_view what, bool result) {
     std::cout << what << (result ? " yes" : " no") << std::endl;
 }
 
-/// The machine's own, printing each result.
+/// Forwards to the machine's own and prints each result.
 class PrintingAccessibility final : public Accessibility {
 public:
     explicit PrintingAccessibility(Accessibility& real) : m_real(real) {}

@@ -80,7 +80,7 @@ struct RunLoop final : Object {
 };
 
 [[nodiscard]] RunLoop& currentRunLoop();
-/// Takes the port's sources off the run loop, as its end does.
+/// Removes the port's sources from the run loop, as invalidating a port does.
 void dropSources(MachPort& port);
 
 } // namespace quorvane::fakes

@@ -124,7 +124,7 @@ TEST_F(MacHIDTest, AReadReturnsItsLengthAndAFailedOneChangesNothing) {
     EXPECT_EQ(buffer[1], 112);
 }
 
-TEST_F(MacHIDTest, EachDeviceIsHeldOnceForAsLongAsItsHandle) {
+TEST_F(MacHIDTest, EachHandleHoldsItsDeviceOnce) {
     plugIn(0x8104);
     plugIn(0x8102);
     auto manager = m_hid.createManager();

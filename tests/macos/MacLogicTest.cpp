@@ -16,7 +16,7 @@ using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 
-/// The logic in virtual time, on a Mac's devices, taps and permissions.
+/// The logic in virtual time, on the macOS side's devices, taps and permissions.
 class MacLogicTest : public testing::Test {
 protected:
     MacLogicTest() {
@@ -100,7 +100,7 @@ TEST_F(MacLogicTest, ThePollReadsTheLidAsItMoves) {
     sensor->stop();
 }
 
-TEST_F(MacLogicTest, AKeyCracksFromTheTapThatItsCallsMake) {
+TEST_F(MacLogicTest, AKeyHeardByTheTapCracks) {
     fakes::machine().trusted = true;
     auto manager = KeyboardCrackManager::create(platform());
     manager->start();
@@ -115,7 +115,7 @@ TEST_F(MacLogicTest, AKeyCracksFromTheTapThatItsCallsMake) {
     EXPECT_EQ(fakes::openTaps(), 0);
 }
 
-TEST_F(MacLogicTest, WithoutTrustTheUserIsAskedOnceAndTheRetryTaps) {
+TEST_F(MacLogicTest, WithoutTrustTheUserIsAskedOnceAndTheRetryMakesTheTap) {
     const auto manager = KeyboardCrackManager::create(platform());
     manager->start();
     EXPECT_FALSE(manager->isActive());

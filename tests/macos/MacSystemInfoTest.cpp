@@ -11,7 +11,7 @@ protected:
     MacSystemInfo m_info;
 };
 
-TEST_F(MacSystemInfoTest, TheModelIsTheOneThatTheSystemNames) {
+TEST_F(MacSystemInfoTest, TheModelIsReadFromTheSystem) {
     EXPECT_EQ(m_info.modelName(), "");
     fakes::machine().model = "MacBookPro18,3";
     EXPECT_EQ(m_info.modelName(), "MacBookPro18,3");

@@ -1,8 +1,8 @@
 #pragma once
 
-// What the declarations beside this file are written with. They stand in for the system's own, and
-// say of each thing that platform/macos uses just what its documentation says: type, whether it may
-// be null, value, and since which version of macOS it is there.
+// Macros for the declarations beside this file. Those stand in for the system's headers and declare
+// only what platform/macos uses, as documented: type, nullability, value, and the first version of
+// macOS that has it.
 
 #ifdef __OBJC__
 // NOLINTNEXTLINE(bugprone-macro-parentheses): an attribute takes none.

@@ -18,7 +18,7 @@ constexpr NSStringEncoding NSUTF8StringEncoding = 4;
 @property(nullable, readonly) const char* UTF8String;
 @end
 
-// What the compiler makes of @"".
+// The class of @"" literals.
 @interface NSConstantString : NSString
 @end
 

@@ -39,7 +39,7 @@ __attribute__((objc_root_class))
 @protocol NSCopying
 @end
 
-// What a loop over a collection goes through.
+// The state of a loop over a collection.
 typedef struct {
     unsigned long state;
     id __unsafe_unretained QV_NULLABLE* QV_NULLABLE itemsPtr;
