@@ -13,8 +13,8 @@
 namespace quorvane {
 namespace {
 
-/// Where the slips are, in frames: peaks of what lies above the lid's modes, where each slip is
-/// over before the next one even at 400 a second.
+/// Where the slips are, in frames: peaks above 4 kHz, where the lid does not resonate and each slip
+/// is over before the next one even at 400 a second.
 std::vector<std::size_t> slipsOf(const Samples& sound) {
     constexpr std::size_t apart = frames(0.0011);
     constexpr std::size_t around = frames(0.025);
@@ -39,7 +39,7 @@ std::vector<double> ratesOf(const std::vector<std::size_t>& slips) {
     return rates;
 }
 
-/// From -1 to 1 for opposite to same shapes, whatever their levels.
+/// The correlation of two shapes, from -1 to 1, independent of their levels.
 double likeness(std::span<const float> one, std::span<const float> other) {
     const double product = std::inner_product(one.begin(), one.end(), other.begin(), 0.0);
     return product / (rootMeanSquare(one) * rootMeanSquare(other)) /
@@ -67,8 +67,8 @@ TEST_F(ShippedCreak, SlipsAtRatesThatWanderBetweenSome20And400ASecond) {
     EXPECT_LT(quantile(rates, 0.99), 480);
 }
 
-TEST_F(ShippedCreak, GlidesThereAndBackMoreThanOnce) {
-    // Of every quarter of a second, where it is clear: slow, quick, slow and quick, or the reverse.
+TEST_F(ShippedCreak, GoesFromSlowToQuickAndBackMoreThanOnce) {
+    // Whether each quarter of a second is quick or slow; those in between do not count.
     std::vector<bool> quick;
     for (double time = 0; time + 0.25 < 3; time += 0.25) {
         const auto first = std::lower_bound(m_slips.begin(), m_slips.end(), frames(time));
@@ -107,7 +107,7 @@ TEST_F(ShippedCreak, HasNoTwoSlipsAlike) {
     EXPECT_LT(alike, 0.997);
 }
 
-TEST_F(ShippedCreak, IsNowhereSilentForPausingAnywhere) {
+TEST_F(ShippedCreak, IsNowhereSilentBeforeItRingsOut) {
     const double whole = rootMeanSquare(m_sound);
     // All but the last tenth of a second, in which it rings out.
     const Samples sounding(m_sound.begin(), m_sound.end() - frames(0.1));

@@ -16,7 +16,7 @@
 namespace quorvane {
 namespace {
 
-/// The clip and the clip again, as the loop plays it: the seam is half-way.
+/// The clip twice, as the loop plays it: the seam is half-way.
 Samples looped(const Samples& sound) {
     Samples twice = sound;
     twice.insert(twice.end(), sound.begin(), sound.end());
@@ -38,7 +38,7 @@ std::vector<double> thirds(std::span<const float> samples) {
     return levels;
 }
 
-/// How far apart what is heard before and after a place is, in dB.
+/// How much the spectra before and after a place differ, in dB (root mean square over `thirds`).
 double spectralStep(const Samples& samples, std::size_t place) {
     constexpr std::size_t window = 1024;
     const std::vector<double> before = thirds(std::span(samples).subspan(place - window, window));
@@ -49,8 +49,8 @@ double spectralStep(const Samples& samples, std::size_t place) {
     return std::sqrt(squares / static_cast<double>(before.size()));
 }
 
-/// How far what is heard across a place is above its surroundings, in dB, where that is most: a
-/// click is a line across all frequencies, and stands out where there is least else.
+/// How far the treble (from 10 kHz) at a place is above that of its surroundings, in dB: a click has
+/// all frequencies and stands out most where the fan is quietest.
 double clickAt(const Samples& samples, std::size_t place) {
     constexpr std::size_t window = 256;
     const auto treble = [&](std::size_t start) {
@@ -89,7 +89,7 @@ Line lineAround(std::span<const float> samples, double frequency) {
             .prominence = 10 * std::log10(*peak / floor)};
 }
 
-/// The line around the loop, every twentieth of a second; the first window lies across the seam.
+/// The line in the loop, every twentieth of a second; the first windows lie across the seam.
 std::vector<Line> linesAround(const Samples& sound, double frequency) {
     const Samples twice = looped(sound);
     std::vector<Line> lines;
@@ -101,7 +101,7 @@ std::vector<Line> linesAround(const Samples& sound, double frequency) {
     return lines;
 }
 
-/// The power of the waves that come around once, twice and so on in as many values.
+/// The power of the waves with one, two and so on whole periods in the values.
 std::vector<double> powersOfWaves(const std::vector<double>& values) {
     std::vector<double> powers;
     for (std::size_t times = 1; times < values.size() / 2; ++times) {
@@ -119,14 +119,14 @@ protected:
     Samples m_sound = shipped(fan);
 };
 
-TEST_F(ShippedFan, StepsFromItsEndToItsStartAsItStepsInside) {
+TEST_F(ShippedFan, HasNoJumpAtTheSeam) {
     std::vector<double> steps;
     for (std::size_t i = 1; i < m_sound.size(); ++i)
         steps.push_back(std::abs(m_sound[i] - m_sound[i - 1]));
     EXPECT_LT(std::abs(m_sound.front() - m_sound.back()), quantile(steps, 0.99));
 }
 
-TEST_F(ShippedFan, SoundsAfterTheSeamAsItSoundsBeforeIt) {
+TEST_F(ShippedFan, HasNeitherChangeNorClickAtTheSeam) {
     const Samples twice = looped(m_sound);
     std::vector<double> steps;
     std::vector<double> clicks;
@@ -147,7 +147,7 @@ TEST_F(ShippedFan, NeverPauses) {
     EXPECT_GT(*std::min_element(all.begin(), all.end()), mean / 10);
 }
 
-TEST_F(ShippedFan, SingsAtItsBladeRateAndTwoHarmonics) {
+TEST_F(ShippedFan, HasTonesAtItsBladeRateAndTwoHarmonics) {
     const std::vector<Line> blades = linesAround(m_sound, bladePass);
     for (const double harmonic : {1.0, 2.0, 3.0}) {
         const std::vector<Line> lines = linesAround(m_sound, harmonic * bladePass);
@@ -162,7 +162,7 @@ TEST_F(ShippedFan, SingsAtItsBladeRateAndTwoHarmonics) {
     }
 }
 
-TEST_F(ShippedFan, RunsUnevenlyAndNeverStill) {
+TEST_F(ShippedFan, RunsAtASlightlyUnevenSpeed) {
     std::vector<double> speeds;
     for (const Line& line : linesAround(m_sound, bladePass))
         speeds.push_back(line.frequency);
@@ -170,15 +170,15 @@ TEST_F(ShippedFan, RunsUnevenlyAndNeverStill) {
     EXPECT_LT(variation(speeds), 0.05);
 }
 
-TEST_F(ShippedFan, HasSlowWavesThatComeAroundAWholeNumberOfTimes) {
-    // The third harmonic tells the wheel's speed best.
+TEST_F(ShippedFan, VariesItsSpeedInWholePeriodsOfTheLoop) {
+    // The third harmonic shows the wheel's speed best.
     std::vector<double> speeds;
     for (const Line& line : linesAround(m_sound, 3 * bladePass))
         speeds.push_back(line.frequency);
     std::vector<double> waves = powersOfWaves(speeds);
     const double all = std::accumulate(waves.begin(), waves.end(), 0.0);
     std::sort(waves.begin(), waves.end(), std::greater());
-    // A wave that does not come around would be spread over all that do.
+    // A wave without a whole number of periods would be spread over all others.
     EXPECT_GT(std::accumulate(waves.begin(), waves.begin() + 4, 0.0) / all, 0.995);
 }
 

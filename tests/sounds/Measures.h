@@ -6,7 +6,7 @@
 
 namespace quorvane {
 
-/// One channel at the rate below.
+/// One channel at `sampleRate`.
 using Samples = std::vector<float>;
 
 /// In Hz.
@@ -18,7 +18,7 @@ constexpr std::size_t frames(double seconds) {
     return count - static_cast<double>(whole) < 0.5 ? whole : whole + 1;
 }
 
-/// Of a factor of amplitude, in dB.
+/// A factor of amplitude in dB.
 double decibels(double factor);
 
 /// The integrated loudness of ITU-R BS.1770-4, in LUFS.
@@ -27,29 +27,29 @@ double integratedLoudness(const Samples& samples);
 /// The same weighting without a gate, in LUFS, of the loudest stretch of `duration` (s).
 double loudestStretch(const Samples& samples, double duration);
 
-/// The highest that a converter would make of the samples, in dB of full scale.
+/// The true peak, which may lie between two samples, in dB of full scale.
 double truePeak(const Samples& samples);
 
 double mean(std::span<const float> samples);
 double rootMeanSquare(std::span<const float> samples);
 
-/// Of each stretch of `window` frames, one every `hop` frames, as many as fit.
+/// The root mean square of each `window` frames, one every `hop` frames, as many as fit.
 std::vector<double> levels(const Samples& samples, std::size_t window, std::size_t hop);
 
 /// Only what lies between two frequencies (Hz).
 Samples band(const Samples& samples, double low, double high);
 
-/// The power in bins of sampleRate / size each, seen through a Hann window as long as the samples;
-/// `size`, a power of two, is at least that.
+/// The power in bins of sampleRate / size each, through a Hann window as long as the samples.
+/// `size` is a power of two and at least the number of samples.
 std::vector<double> powerSpectrum(std::span<const float> samples, std::size_t size);
 
 /// The share of the power of all samples that lies between two frequencies (Hz).
 double shareOfPower(const Samples& samples, double low, double high);
 
-/// The value that so large a share of the values does not exceed.
+/// The value that a `share` (0 to 1) of the values does not exceed.
 double quantile(std::vector<double> values, double share);
 
-/// Of the values' standard deviation and mean.
+/// The ratio of the values' standard deviation to their mean.
 double variation(std::span<const double> values);
 
 } // namespace quorvane

@@ -11,7 +11,7 @@ namespace quorvane {
 /// A sound that comes with the program, and how the program plays it.
 struct ShippedSound {
     const char* name;
-    /// Of the player, a factor.
+    /// The player's volume, 0 to 1.
     double volume;
     /// The lengths allowed, in s.
     double shortest;
@@ -29,7 +29,7 @@ inline constexpr ShippedSound fan{"fanmac", 0.6, 8, 12, "fan_synthesis"};
 inline constexpr ShippedSound tractor{"tractor", 1.0, 7, 10, "tractor_synthesis"};
 inline constexpr std::array shippedSounds{creak, crack, fan, tractor};
 
-/// Where the sound lies.
+/// The sound's file.
 std::string pathOf(const ShippedSound& sound);
 
 /// Its samples as the program reads them. Throws unless they are one channel at 44100 Hz.

@@ -11,12 +11,12 @@
 namespace quorvane {
 namespace {
 
-/// What each sound is to reach when it is played, in LUFS: quiet enough for the peaks of a creak
-/// and an engine, loud enough for a blower that is pushed too hard.
+/// The loudness of each sound as the program plays it, in LUFS: low enough for the peaks of the
+/// creak and the engine, high enough for the fan.
 constexpr double targetLoudness = -21;
 
-/// A crack is over before the gate of integrated loudness has seen its first block. The ear sums up
-/// what is so short over some 35 ms: the impulse time constant of sound level meters (IEC 60651).
+/// A crack is shorter than a block of integrated loudness, so it is measured over the impulse time
+/// constant of sound level meters (IEC 60651), in s.
 constexpr double impulseTime = 0.035;
 
 class ShippedSounds : public ::testing::TestWithParam<ShippedSound> {
@@ -24,7 +24,7 @@ protected:
     Samples m_sound = shipped(GetParam());
 };
 
-TEST_P(ShippedSounds, LastAsLongAsTheirEffectsWant) {
+TEST_P(ShippedSounds, HaveTheLengthThatTheirEffectsNeed) {
     EXPECT_GE(m_sound.size(), frames(GetParam().shortest));
     EXPECT_LE(m_sound.size(), frames(GetParam().longest));
 }
@@ -36,7 +36,7 @@ TEST_P(ShippedSounds, AreEquallyLoudAtTheVolumesAtWhichTheyArePlayed) {
     EXPECT_NEAR(loudness + decibels(GetParam().volume), targetLoudness, 1.5);
 }
 
-TEST_P(ShippedSounds, LeaveADecibelOfPeak) {
+TEST_P(ShippedSounds, PeakADecibelBelowFullScale) {
     EXPECT_LE(truePeak(m_sound), -1);
 }
 
@@ -44,7 +44,7 @@ TEST_P(ShippedSounds, HaveNoOffset) {
     EXPECT_LT(std::abs(mean(m_sound)), 1e-3 * rootMeanSquare(m_sound));
 }
 
-TEST_P(ShippedSounds, AreWhatTheirProgramsMakeBarTheCodecsNoise) {
+TEST_P(ShippedSounds, MatchWhatTheirProgramsMakeExceptForCodecNoise) {
     const std::filesystem::path rebuilt =
         std::filesystem::current_path() / (std::string(GetParam().name) + "-rebuilt.wav");
     const std::string synthesis = std::string(QUORVANE_SYNTHESES "/") + GetParam().synthesis;

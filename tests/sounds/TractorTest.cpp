@@ -35,7 +35,7 @@ protected:
         return loudest;
     }
 
-    /// Where it has all but fallen silent again in its first two thirds.
+    /// Where it is almost silent again in its first two thirds.
     [[nodiscard]] std::vector<Stretch> failures() const {
         constexpr double silence = 0.03;
         std::vector<Stretch> pauses;
@@ -49,7 +49,7 @@ protected:
         return pauses;
     }
 
-    /// When charges light and burst out, in s.
+    /// The times of the exhaust strokes, in s.
     [[nodiscard]] std::vector<double> strokes(double start, double end) const {
         const std::vector<double> level = levels(m_exhaust, frames(2 * hop), frames(hop));
         const double least = 0.3 * quantile(level, 0.98);
@@ -76,7 +76,7 @@ TEST_F(ShippedTractor, StartsWithARelayWithinATenthOfASecond) {
     EXPECT_GT(levelAt(0), 0.05);
 }
 
-TEST_F(ShippedTractor, WhinesAndIsBrakedByEveryCompression) {
+TEST_F(ShippedTractor, WhinesAtAVaryingPitchWhileItCranks) {
     // The second harmonic of the mesh of pinion and ring.
     std::vector<double> pitches;
     std::vector<double> prominences;
@@ -93,7 +93,7 @@ TEST_F(ShippedTractor, WhinesAndIsBrakedByEveryCompression) {
     EXPECT_LT(quantile(pitches, 0.1), 0.9 * quantile(pitches, 0.9));
 }
 
-TEST_F(ShippedTractor, FailsTwiceWithCoughsBeforeItCatches) {
+TEST_F(ShippedTractor, FailsTwiceWithCoughsBeforeItRuns) {
     const std::vector<Stretch> pauses = failures();
     ASSERT_EQ(pauses.size(), 2U);
     double from = 0.5;
@@ -128,7 +128,7 @@ TEST_F(ShippedTractor, DiesWithAWheezeAndEndsInSilence) {
     EXPECT_LT(rootMeanSquare(std::span(m_sound).last(frames(0.005))), running / 1000);
 }
 
-TEST_F(ShippedTractor, LeavesTheLowestOctavesToTheRumble) {
+TEST_F(ShippedTractor, HasLittlePowerBelow50Hertz) {
     EXPECT_LT(shareOfPower(m_sound, 0, 50), 0.02);
 }
 
