@@ -34,7 +34,7 @@ TEST(CommandLine, WithoutArgumentsRuns) {
     EXPECT_EQ(understood({}), CommandLine{});
 }
 
-TEST(CommandLine, NamesTheScenarioFileEitherWay) {
+TEST(CommandLine, TakesTheScenarioFileInBothForms) {
     const CommandLine expected{.mode = Mode::Simulate, .scenarioFile = "a b.scenario"};
     EXPECT_EQ(understood({"--simulated", "a b.scenario"}), expected);
     EXPECT_EQ(understood({"--simulated=a b.scenario"}), expected);
@@ -49,7 +49,7 @@ TEST(CommandLine, ChoosesTheDemo) {
     EXPECT_EQ(understood({"--demo"}), withMode(Mode::Demo));
 }
 
-TEST(CommandLine, HelpAndVersionWinOverWhatElseIsAskedFor) {
+TEST(CommandLine, HelpAndVersionWinOverOtherOptions) {
     EXPECT_EQ(understood({"--help"}), withMode(Mode::Help));
     EXPECT_EQ(understood({"-h"}), withMode(Mode::Help));
     EXPECT_EQ(understood({"--demo", "--help"}), withMode(Mode::Help));

@@ -43,7 +43,7 @@ TEST(FloatingEmoji, ReachesBothEndsOfEveryRange) {
     EXPECT_THAT(emojis, testing::ElementsAre(low, high));
 }
 
-TEST(FloatingEmoji, cries) {
+TEST(FloatingEmoji, GlyphIsTheCryingFace) {
     EXPECT_STREQ(FloatingEmoji::glyph, "😭");
 }
 
@@ -75,7 +75,7 @@ TEST(FloatingEmoji, AStepIsATwentiethOfItsSpeeds) {
     EXPECT_TRUE(random.bounds().empty());
 }
 
-TEST(FloatingEmoji, ExactlyAtTheTopEdgeItStaysAndBeyondItEntersAnew) {
+TEST(FloatingEmoji, StaysAtTheTopEdgeAndReentersBeyondIt) {
     SimulatedRandom random;
     random.script({highest, lowest, highest, middle});
     FloatingEmoji emoji{
@@ -91,7 +91,7 @@ TEST(FloatingEmoji, ExactlyAtTheTopEdgeItStaysAndBeyondItEntersAnew) {
     EXPECT_EQ(emoji, respawned) << "drawn in the order x, drift, speed, opacity";
 }
 
-TEST(FloatingEmoji, DriftsBeyondEitherSideAndStaysThereUntilItEntersAgain) {
+TEST(FloatingEmoji, DriftsBeyondEitherSideAndStaysThereUntilItReenters) {
     SimulatedRandom random;
     FloatingEmoji emoji{
         .id = {}, .x = 1, .y = 300, .size = 50, .opacity = 0.1, .speed = 20, .drift = -30};

@@ -54,7 +54,7 @@ TEST_F(LoopingValueTest, IsEvaluatedThirtyTimesASecond) {
     EXPECT_EQ(m_changes, 44);
 }
 
-TEST_F(LoopingValueTest, CostsNothingWhileNobodyLooksAndIsWhereItWouldBeAfterwards) {
+TEST_F(LoopingValueTest, HasNoTimerWhileUnseenAndTheRightValueAfterwards) {
     begin();
     m_runLoop.advance(0.7);
     EXPECT_EQ(m_runLoop.pendingCount(), 0U);

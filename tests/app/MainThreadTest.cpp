@@ -30,7 +30,7 @@ public:
         return after - before;
     }
 
-    /// Drops it, with a run loop that says "main thread" to the deleter but not to the destructor.
+    /// Drops it with a run loop whose `isMainThread` is true for the deleter and then false.
     void dropWithWrongThread() {
         m_runLoop.correctAnswers = 1;
         m_object.reset();
@@ -53,7 +53,7 @@ TEST(MainThread, DroppedOnAnotherThreadTheyAreDestroyedFromTheMainQueue) {
     EXPECT_EQ(Owner<StartupSoundManager>().dropElsewhere(), 1);
 }
 
-TEST(MainThreadDeathTest, ADestructorAnywhereElseEndsTheProgramAndNamesTheClass) {
+TEST(MainThreadDeathTest, ADestructorOnAnotherThreadEndsTheProgramAndNamesTheClass) {
     EXPECT_DEATH(Owner<LidAngleSensor>().dropWithWrongThread(), "LidAngleSensor must be destroyed");
     EXPECT_DEATH(Owner<AudioManager>().dropWithWrongThread(), "AudioManager must be destroyed");
     EXPECT_DEATH(Owner<KeyboardCrackManager>().dropWithWrongThread(),

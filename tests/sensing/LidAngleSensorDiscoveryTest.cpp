@@ -180,7 +180,7 @@ TEST_F(LidAngleSensorDiscoveryTest, TheScanTakesTheFirstDeviceThatQualifies) {
                 ElementsAre("✅ [SENSOR] Found lid sensor via scan! ProductID=0x2, angle=60°"));
 }
 
-TEST_F(LidAngleSensorDiscoveryTest, ARepeatedProbeThatFindsOneAgainReplacesWhatItHeld) {
+TEST_F(LidAngleSensorDiscoveryTest, ARepeatedProbeThatFindsADeviceReplacesTheEarlierManager) {
     probeLidAt(100);
     machine.hid.forgetCalls();
     lid->unplug();

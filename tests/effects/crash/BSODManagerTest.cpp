@@ -56,7 +56,7 @@ TEST_F(BSODManagerTest, TheFirstScreenComesAt15SGoesAt20SAndTheNextComesAt30S) {
     EXPECT_EQ(shown(), 1U);
 }
 
-TEST_F(BSODManagerTest, ThePanelIsMadeByTheRecipeStepByStep) {
+TEST_F(BSODManagerTest, ThePanelIsSetUpStepByStep) {
     machine.screens.setMainScreen(Rect{.x = 10, .y = 20, .width = 1280, .height = 800});
     manager->start();
     machine.runLoop.advance(15);
@@ -172,7 +172,7 @@ TEST_F(BSODManagerTest, StopWhenIdleDoesNothing) {
     EXPECT_FALSE(manager->isActive());
 }
 
-TEST_F(BSODManagerTest, AStartAfterAStopBeginsAFreshCadence) {
+TEST_F(BSODManagerTest, AStartAfterAStopWaitsFifteenSecondsAgain) {
     manager->start();
     machine.runLoop.advance(14);
     manager->stop();

@@ -64,7 +64,7 @@ TEST_F(FreezeManagerTest, BothEndsOfBothRangesCanBeReached) {
     EXPECT_EQ(shown(), 0U);
 }
 
-TEST_F(FreezeManagerTest, ThePanelIsMadeByTheRecipeStepByStep) {
+TEST_F(FreezeManagerTest, ThePanelIsSetUpStepByStep) {
     machine.random.script({lowest});
     manager->start();
     machine.runLoop.advance(20);
@@ -92,7 +92,7 @@ TEST_F(FreezeManagerTest, EachFreezeDrawsItsLengthAndThenTheWaitAfterIt) {
                 ElementsAre(9007199254740992, 9007199254740992, 9007199254740992));
 }
 
-TEST_F(FreezeManagerTest, ItFollowsTheScreenThatIsTheMainOneByThen) {
+TEST_F(FreezeManagerTest, AFreezeCoversTheScreenThatIsTheMainOneByThen) {
     manager->start();
     machine.screens.setMainScreen(Rect{.x = 100, .y = 50, .width = 800, .height = 600});
     machine.runLoop.advance(40);
@@ -125,7 +125,7 @@ TEST_F(FreezeManagerTest, ThePanelIsOrderedOutOnce) {
     EXPECT_EQ(std::count(calls.begin(), calls.end(), "out"), 1);
 }
 
-TEST_F(FreezeManagerTest, MayBeLetGoOfOnAnotherThread) {
+TEST_F(FreezeManagerTest, MayBeReleasedOnAnotherThread) {
     manager->start();
     std::thread([last = std::move(manager)]() mutable { last.reset(); }).join();
     machine.runLoop.runMainQueue();
@@ -209,7 +209,7 @@ TEST_F(FreezeManagerTest, WhenTwoChainsOverlapNoPanelIsLeftBehind) {
     EXPECT_EQ(shown(), 0U);
 }
 
-TEST_F(FreezeManagerTest, WithoutAScreenTheCycleStallsUntilItIsStartedAnew) {
+TEST_F(FreezeManagerTest, WithoutAScreenTheCycleStallsUntilItIsRestarted) {
     machine.random.script({lowest, lowest});
     machine.screens.setMainScreen(std::nullopt);
     manager->start();
@@ -225,7 +225,7 @@ TEST_F(FreezeManagerTest, WithoutAScreenTheCycleStallsUntilItIsStartedAnew) {
     EXPECT_EQ(shown(), 1U);
 }
 
-TEST_F(FreezeManagerTest, WhatIsPendingDoesNothingOnceItIsGone) {
+TEST_F(FreezeManagerTest, PendingTimersDoNothingAfterItsDestruction) {
     machine.random.script({lowest});
     manager->start();
     machine.runLoop.advance(21);

@@ -37,7 +37,7 @@ TEST(OverlayRecipe, SetsUpThePanelStepByStepAndBringsItToTheFront) {
                             "front"));
 }
 
-TEST(OverlayRecipe, CoversTheScreenAsItIsByTheTimeThePanelComesUp) {
+TEST(OverlayRecipe, CoversTheScreenInItsSizeAtTheTimeOfShowing) {
     SimulatedScreens screens;
     const ShrinkingScreen screen;
     static_cast<void>(showOverlay(screens, screen, {}, std::make_shared<FreezeView>()));
@@ -47,7 +47,7 @@ TEST(OverlayRecipe, CoversTheScreenAsItIsByTheTimeThePanelComesUp) {
     EXPECT_THAT(calls, testing::Contains("frame 0,0 1024x600 display yes"));
 }
 
-TEST(OverlayRecipe, GivesThePanelThatIsUpWithTheViewInIt) {
+TEST(OverlayRecipe, ReturnsTheShownPanelWithItsView) {
     SimulatedScreens screens;
     const auto view = std::make_shared<FreezeView>();
     const auto panel = showOverlay(screens, *screens.mainScreen(), {}, view);

@@ -60,7 +60,7 @@ TEST_F(BSODViewTest, FillsTheWholeScreenWithItsBlue) {
     EXPECT_EQ(canvas.fills[0].color, (Color{.red = 0, .green = 0.47, .blue = 0.83, .alpha = 1}));
 }
 
-TEST_F(BSODViewTest, SaysTheseTextsAndNoOthers) {
+TEST_F(BSODViewTest, HasTheseTextsAndNoOthers) {
     screen->progress = 0.42;
     draw(notebook);
     EXPECT_THAT(
@@ -73,7 +73,7 @@ TEST_F(BSODViewTest, SaysTheseTextsAndNoOthers) {
             "42%", "Complete: 42%", "0xC000021A"));
 }
 
-TEST_F(BSODViewTest, HangsItsTextsFromTheTopLeftCornerWithTheirGaps) {
+TEST_F(BSODViewTest, PlacesItsTextsFromTheTopLeftCorner) {
     draw(notebook);
     // The face is 144 points high, the sentence 57.6, the hint 38.4, each line beside the ring
     // 16.8, and the ring 70.
@@ -109,7 +109,7 @@ TEST_F(BSODViewTest, DrawsItsTextsInTheirSizesWeightsAndOpacities) {
     check("0xC000021A", 14, Weight::Regular, 0.6);
 }
 
-TEST_F(BSODViewTest, TheSentenceTakes700PointsAndLessWhereThereAreLess) {
+TEST_F(BSODViewTest, TheSentenceIs700PointsWideOrLessOnANarrowScreen) {
     // Letters are 12 points wide: 58 of them on a line of 700 points.
     for (const auto& [width, line] : {std::pair(1440.0, 58 * 12), std::pair(900.0, 58 * 12),
                                       std::pair(880.0, 56 * 12), std::pair(600.0, 33 * 12)}) {
@@ -193,7 +193,7 @@ INSTANTIATE_TEST_SUITE_P(Values, PercentTest,
                                          Percent{0.994, "99%"}, Percent{0.9999, "99%"},
                                          Percent{1, "100%"}));
 
-TEST_F(BSODViewTest, WhatIsStillIsTheSameAtEveryProgress) {
+TEST_F(BSODViewTest, TheStillPartIsTheSameAtEveryProgress) {
     view.drawStill(canvas, notebook);
     screen->progress = 0.73;
     SimulatedCanvas later;
@@ -204,7 +204,7 @@ TEST_F(BSODViewTest, WhatIsStillIsTheSameAtEveryProgress) {
     EXPECT_EQ(later.arcs[0].fraction, 1);
 }
 
-TEST_F(BSODViewTest, WhatChangesIsDrawnWithinItsBounds) {
+TEST_F(BSODViewTest, TheChangingPartIsDrawnWithinItsBounds) {
     for (const Size size :
          {notebook, Size{.width = 1024, .height = 600}, Size{.width = 3840, .height = 2160},
           Size{.width = 800, .height = 1280}}) {
@@ -279,7 +279,7 @@ TEST(FreezeView, TheSpinnerIsGreyAndThreeTimesItsOwnSize) {
     EXPECT_EQ(spinner->tint.alpha, 1);
 }
 
-TEST(FreezeView, StacksBothInTheMiddleOfEveryScreen) {
+TEST(FreezeView, CentresSpinnerAndTextOnEveryScreen) {
     for (const Size size :
          {notebook, Size{.width = 800, .height = 1280}, Size{.width = 3840, .height = 2160}}) {
         SimulatedCanvas canvas;

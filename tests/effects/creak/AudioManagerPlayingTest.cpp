@@ -59,7 +59,7 @@ TEST_F(AudioManagerTest, SlowUpdatesWhileIdleOrPausedChangeNothing) {
     EXPECT_EQ(node().calls(), calls);
 }
 
-TEST_F(AudioManagerTest, MotionThatGoesOnPlaysTheCreakOnceToItsEndAndThenAfresh) {
+TEST_F(AudioManagerTest, ContinuousMotionPlaysTheCreakToItsEndAndThenAgain) {
     load();
     for (int i = 0; i < 60 * 5; ++i) {
         manager->update(20);

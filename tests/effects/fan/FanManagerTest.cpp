@@ -93,7 +93,7 @@ TEST_F(FanManagerTest, TheTrackpadPulsesTwiceEveryTwentiethOfASecond) {
     }
 }
 
-TEST_F(FanManagerTest, ThePerformerIsLookedUpOnceAStart) {
+TEST_F(FanManagerTest, ThePerformerIsLookedUpOncePerStart) {
     makeManager();
     manager->start();
     machine.runLoop.advance(10);

@@ -97,7 +97,7 @@ TEST_F(KeyboardCrackManagerTest, ATapThatCannotBeCreatedPrintsALineAndChangesNot
     makeListening();
     EXPECT_EQ(machine.console.lines.back(), failedLine);
     EXPECT_FALSE(manager->isActive());
-    EXPECT_TRUE(*manager->hasPermission()) << "the query said so";
+    EXPECT_TRUE(*manager->hasPermission()) << "the query returned true";
     EXPECT_EQ(machine.audio.holdCount(), 0U);
 }
 

@@ -12,7 +12,7 @@ using testing::IsEmpty;
 
 using StartupLoginTest = StartupFixture;
 
-TEST_F(StartupLoginTest, LaunchedAtLoginInTheBackgroundItPlaysOnceAfterHalfASecond) {
+TEST_F(StartupLoginTest, LaunchedAtLoginInTheBackgroundItPlaysOnceHalfASecondLater) {
     machine.application.loginItem = LoginItemStatus::Enabled;
     makeManager();
     advance(0.499);
@@ -59,7 +59,7 @@ TEST_F(StartupLoginTest, WakeUpsAreObservedBeforeTheLoginCheck) {
     manager.reset();
 }
 
-TEST_F(StartupLoginTest, RegisteredAfterItsStartItStaysSilent) {
+TEST_F(StartupLoginTest, ALoginItemRegisteredAfterTheStartPlaysNothing) {
     makeManager();
     machine.application.loginItem = LoginItemStatus::Enabled;
     advance(2);
@@ -85,7 +85,7 @@ TEST_F(StartupLoginTest, InFrontHalfASecondAfterLaunchItStaysSilent) {
     EXPECT_THAT(machine.console.lines, IsEmpty());
 }
 
-TEST_F(StartupLoginTest, InFrontAtLaunchOnlyItPlays) {
+TEST_F(StartupLoginTest, InFrontOnlyAtLaunchItPlays) {
     machine.application.loginItem = LoginItemStatus::Enabled;
     machine.application.active = true;
     makeManager();

@@ -153,7 +153,7 @@ TEST_F(StartupSequenceTest, WakingScreensStartNothing) {
     EXPECT_FALSE(manager->isPlayingTractor());
 }
 
-TEST_F(StartupSequenceTest, SwitchedOffNoWakeUpPlaysAnything) {
+TEST_F(StartupSequenceTest, AWakeUpWhileSwitchedOffPlaysNothing) {
     makeManager();
     manager->startupSoundEnabled() = false;
     wakeUp();
