@@ -49,8 +49,8 @@ double spectralStep(const Samples& samples, std::size_t place) {
     return std::sqrt(squares / static_cast<double>(before.size()));
 }
 
-/// How far the treble (from 10 kHz) at a place is above that of its surroundings, in dB: a click has
-/// all frequencies and stands out most where the fan is quietest.
+/// How far the treble (from 10 kHz) at a place is above that around it, in dB: a click has all
+/// frequencies and stands out most where the fan is quietest.
 double clickAt(const Samples& samples, std::size_t place) {
     constexpr std::size_t window = 256;
     const auto treble = [&](std::size_t start) {
