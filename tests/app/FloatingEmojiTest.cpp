@@ -9,7 +9,7 @@
 namespace quorvane {
 namespace {
 
-// Draws are of 0 to 2^53.
+// Draws are from 0 to 2^53.
 constexpr std::uint64_t lowest = 0;
 constexpr std::uint64_t highest = 9007199254740992;
 constexpr std::uint64_t middle = 4503599627370496;

@@ -36,7 +36,7 @@ TEST_F(MainWindowTest, CallsOnAppearAfterItsFirstFrame) {
     EXPECT_EQ(m_content->textScale().get().value, 1.0);
     EXPECT_EQ(m_machine.runLoop.pendingCount(), timersBefore + 1);
     settle();
-    // Not again, whatever happens to the window.
+    // Not again after the window was hidden and shown.
     m_window->window().hide();
     m_window->window().show();
     settle();

@@ -5,7 +5,7 @@
 namespace quorvane {
 namespace {
 
-// Holds in any font. Runs a second time where a plain font is the only one.
+// These hold with any font. CTest also runs them where a plain font is the only one.
 class MissingFonts : public ScreensTest {
 protected:
     void SetUp() override {

@@ -16,7 +16,7 @@ class Controls : public LayoutTest {};
 TEST_F(Controls, CornersOfButtonsAreRound) {
     launchIntoControlPanel();
     const QRectF place = placeOf(stop);
-    // A circle of radius 20 leaves out what is nearer than 5.86 to both edges.
+    // With a corner radius of 20, points nearer than 5.86 to both edges are outside.
     expectNear(at(place.topLeft() + QPointF(4, 4)), besideOf(stop));
     expectNear(at(place.topLeft() + QPointF(7, 7)), red);
     expectNear(at(place.bottomRight() - QPointF(4, 4)), besideOf(stop));

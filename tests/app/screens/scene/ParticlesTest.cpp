@@ -89,7 +89,7 @@ TEST_F(Particles, AreAsLargeAsTheirSize) {
     EXPECT_NEAR((top + bottom) / 2.0, 103, 2);
 }
 
-// The script leaves the lowest speed, 15 points a second upward, and the largest drift, 30 to the
+// The scripted speed is the lowest, 15 points a second upward, and the drift the largest, 30 to the
 // left.
 TEST_F(Particles, MoveWithTheController) {
     scriptParticle({.x = 100, .y = 300, .size = 50, .opacity = 0.2});

@@ -83,7 +83,7 @@ TEST_F(Pictures, TheLogoHasAShadow) {
     const QColor night(20, 20, 50);
     const QRectF place = placeOfTheLogo();
     const auto below = [&](double distance) { return at({275, place.top() + 129 + distance}); };
-    // Half of the shadow of 0.3 where its own edge is, 4 points below the logo's.
+    // The shadow of 0.3 is at half where its own edge is, 4 points below the logo's.
     expectNear(below(3), over(night, Qt::black, 0.15), 2);
     expectNear(below(7), over(night, Qt::black, 0.07), 2);
     expectNear(below(14), night, 1);
@@ -132,7 +132,7 @@ TEST_F(Pictures, TheBannerIsGreenWithRoundCorners) {
     expectNear(at({banner.center().x(), banner.bottom() - 3}), green);
     EXPECT_LT(at({banner.left() - 2, banner.center().y()}).green(), 60);
     EXPECT_LT(at({banner.center().x(), banner.bottom() + 3}).green(), 60);
-    // A circle of radius 14 leaves out what is nearer than 4.1 to both edges.
+    // With a corner radius of 14, points nearer than 4.1 to both edges are outside.
     EXPECT_LT(at(banner.topLeft() + QPointF(2, 2)).green(), 60);
     expectNear(at(banner.topLeft() + QPointF(7, 7)), green);
     EXPECT_GT(shareOf(Qt::black, placeOf("WINDOWS MODE: ENABLED")), 10);
@@ -160,7 +160,7 @@ TEST_F(Pictures, TheInfoPopupHasItsSizeAndColours) {
     const QRectF button = placeOf(stop);
     openInfo("Build quality");
     savePicture("info-popup");
-    // What is below is 0.6 darker.
+    // The screen below is darkened by 0.6.
     expectNear(at({5, 390}), {8, 8, 20}, 1);
     expectNear(at({button.left() + 40, button.center().y()}), {102, 24, 19}, 2);
     const QRectF ok = placeOf("OK");

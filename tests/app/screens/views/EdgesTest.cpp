@@ -32,7 +32,7 @@ TEST_F(Edges, AFocusRingLeavesAGapAroundItsButton) {
 
 TEST_F(Edges, TheControlsOfARowHaveFocusRings) {
     launchIntoControlPanel();
-    // From 3 points outside of the switch on, and from 5 outside of the info button.
+    // The rings end 3 points outside the switch and 5 points outside the info button.
     for (const auto& [control, distance] : {std::pair("Thermals", 3), {"About Thermals", 5}}) {
         const QRectF place = placeOf(control);
         const auto beside = [&](int points) {
@@ -52,11 +52,11 @@ TEST_F(Edges, TheInfoPopupHasABorderAndRoundCorners) {
     openInfo("Build quality");
     const QColor ground("#23233a");
     EXPECT_NEAR(at({105, 480}).red(), 44, 4) << "its border";
-    // A circle of radius 18 leaves out what is nearer than 5.3 to both edges.
+    // With a corner radius of 18, points nearer than 5.3 to both edges are outside.
     const QPointF corner(105, placeOfText("Build Quality").top() - 24);
     EXPECT_LT(at(corner + QPointF(3, 3)).blue(), 50);
     expectNear(at(corner + QPointF(8, 8)), ground, 1);
-    // The button's own radius is 10; between it and its ring the popup is seen.
+    // The button's corner radius is 10; the popup is seen between the button and its focus ring.
     EXPECT_LT(at(placeOf("OK").topLeft() + QPointF(3, 1)).blue(), 120);
 }
 
@@ -70,7 +70,7 @@ TEST_F(Edges, ASwitchThatIsOffLightsUpUnderTheMouse) {
     QTest::mouseMove(&m_window->window(), placeOf("Thermals").center().toPoint());
     settle();
     expectNear(at(corner + QPointF(30, 13)), over(capsule, Qt::white, 0.2), 5);
-    // A circle of radius 13 leaves out what is nearer than 3.8 to both edges.
+    // With a corner radius of 13, points nearer than 3.8 to both edges are outside.
     expectNear(at(corner + QPointF(2, 2)), night, 8);
     expectNear(at(corner + QPointF(4, 4)), capsule, 8);
 }
