@@ -8,7 +8,7 @@ namespace quorvane::fakes {
 
 namespace {
 
-// Made on first use, so that constants can be objects too.
+// Made on first use, as constants are added during static initialization.
 std::set<const void*>& living() {
     static std::set<const void*> objects;
     return objects;

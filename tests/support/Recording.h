@@ -22,7 +22,8 @@ public:
 
     /// First frame at or after `start` that is not silent; none if the rest is silent.
     [[nodiscard]] std::optional<std::size_t> soundFrom(std::size_t start) const;
-    /// First frame at or after `start` at which a silence of at least `frames` begins.
+    /// First frame at or after `start` at which a silence of at least `frames`, or up to the end,
+    /// begins; the length if there is none.
     [[nodiscard]] std::size_t silenceFrom(std::size_t start, std::size_t frames) const;
     /// Largest difference from `sound`, of `length` frames from `soundStart` in it and `start`
     /// here. A mono sound is expected on both channels.

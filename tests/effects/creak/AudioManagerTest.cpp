@@ -49,7 +49,7 @@ TEST_F(AudioManagerTest, TheLengthInItsLineIsRoundedToATenth) {
 
 TEST_F(AudioManagerTest, TheLargestNumberOfFramesIsAccepted) {
     machine.audio.addTruncatedFile(clipPath, format, std::vector<float>(1), 4294967295);
-    // Without the memory for it.
+    // The buffer itself would take 16 GB.
     machine.audio.setFault(AudioFault::BufferCreation, "");
     manager->loadSound("creaking", "mp3");
     EXPECT_FALSE(manager->isLoaded());

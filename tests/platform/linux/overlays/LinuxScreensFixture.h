@@ -135,7 +135,7 @@ protected:
     LinuxScreens m_screens;
 };
 
-/// On an X server without shared memory and monitors.
+/// On an X server without the extensions MIT-SHM and RANDR.
 class PoorServerTest : public LinuxScreensTest {
 protected:
     explicit PoorServerTest(const std::vector<std::string>& more = {})

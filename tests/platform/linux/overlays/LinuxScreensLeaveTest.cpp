@@ -55,7 +55,7 @@ protected:
 
     [[nodiscard]] bool isClear() const { return m_desktop.panels().empty(); }
 
-    /// As xkill does.
+    /// Kills the panel's X client, as xkill does.
     void endClientOfPanel() {
         xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
         const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
@@ -83,7 +83,7 @@ TEST_F(LinuxScreensLeaveTest, HungMainThreadLosesItsPanelAndCanShowAnother) {
     EXPECT_EQ(GetCapturedStderr(),
               "quorvane: the main thread hangs: removed a panel that was overdue\n");
 
-    // The main thread runs again and has not noticed.
+    // The main thread runs again; its panel object does not know that the window is gone.
     m_stop->progress = 0.5;
     panel->orderOut();
     const auto next = showStopScreen();

@@ -18,7 +18,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// The resident memory of this process; libraries reserve more than they use.
+/// The resident memory of this process, in MiB; libraries reserve more than they use.
 double megabytes() {
     double reserved = 0;
     double pages = 0;
