@@ -153,7 +153,7 @@ TEST_P(AudioFilePlayerContract, AFileThatCannotBeDecodedGivesAnError) {
     EXPECT_THAT(errorOf(m_backend->truncatedFile()), HasSubstr("ends before its length"));
 }
 
-TEST_P(AudioFilePlayerContract, OpensWithItsLengthWithoutADevice) {
+TEST_P(AudioFilePlayerContract, OpensAndHasItsLengthWithoutADevice) {
     m_backend->setOutputDevicePresent(false);
     const auto player = open(m_backend->clipFile());
     EXPECT_NEAR(player->duration(), 0.5, 1e-9);

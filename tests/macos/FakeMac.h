@@ -11,8 +11,8 @@
 #include "base/NonCopyable.h"
 
 /// Fakes of the C functions of macOS that platform/macos calls: reference counts and run loops of
-/// Core Foundation, HID devices, event taps, accessibility trust and the model's name. A process has
-/// one machine. A test resets it, scripts it, and checks what was called and what is left.
+/// Core Foundation, HID devices, event taps, accessibility trust and the model's name. A process
+/// has one machine. A test resets it, scripts it, and checks what was called and what is left.
 namespace quorvane::fakes {
 
 /// The target of a CF type reference.

@@ -14,8 +14,8 @@
 
 namespace quorvane {
 
-/// A virtual display of 1280 by 800 with a window manager and a Qt application. Opens windows on it,
-/// sends clicks and keys, and takes pictures.
+/// A virtual display of 1280 by 800 with a window manager and a Qt application. Opens windows on
+/// it, sends clicks and keys, and takes pictures.
 class TestDesktop : NonCopyable {
 public:
     static constexpr QRect whole{0, 0, 1280, 800};

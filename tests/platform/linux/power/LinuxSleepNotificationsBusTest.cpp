@@ -117,7 +117,7 @@ TEST_F(LinuxSleepNotificationsTest, DestroyingTheWorkspaceWhileItConnectsIsHarml
     waitFor(quiet);
 }
 
-TEST_F(LinuxSleepNotificationsTest, ABusThatGoesAwayIsIgnoredSilently) {
+TEST_F(LinuxSleepNotificationsTest, ABusThatGoesAwayIsNoEvent) {
     auto upower = std::make_unique<FakeUPower>(address());
     Listener listener(m_workspace);
     settle(*upower);

@@ -43,7 +43,7 @@ TEST_F(LinuxConsoleTest, AClosedPipeIsIgnored) {
     EXPECT_EQ(sigismember(&pending, SIGPIPE), 0);
 }
 
-TEST_F(LinuxConsoleTest, TheProcessKeepsItsOwnSignalHandler) {
+TEST_F(LinuxConsoleTest, TheProcessKeepsItsOwnActionForSIGPIPE) {
     LinuxConsole console(m_ends[1]);
     closeEnd(0);
     console.print("nobody hears this");
