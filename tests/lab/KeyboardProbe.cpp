@@ -1,4 +1,4 @@
-// Listens to this machine's keyboards, also as a user who may not read them.
+// Listens to the keyboards of this machine; the user who runs it may lack permission to read them.
 //
 //     keyboard_probe effect    starts the keyboard effect, prints its permission checks and states
 //     keyboard_probe tap       opens a tap, prints a line for each key that goes down
@@ -23,7 +23,7 @@ void print(std::string_view what, bool result) {
     std::cout << what << (result ? " yes" : " no") << std::endl;
 }
 
-/// Forwards to the machine's own and prints each result.
+/// The platform's Accessibility; prints each result.
 class PrintingAccessibility final : public Accessibility {
 public:
     explicit PrintingAccessibility(Accessibility& real) : m_real(real) {}

@@ -40,12 +40,12 @@ class Pad:
         self._process.wait(TIMEOUT)
 
     def count(self, event):
-        """How often an event was logged so far."""
+        """How many times an event has been logged so far."""
         lines = self._log.read_text(encoding="utf-8").splitlines()
         return sum(json.loads(line)["event"] == event for line in lines)
 
     def wait_for(self, event, count):
-        """Waits until an event was logged that often in all."""
+        """Waits until an event has been logged `count` times in all."""
         wait_until(lambda: self.count(event) >= count, f"{count} times '{event}' on the pad")
 
 
@@ -62,7 +62,7 @@ def _system_bus(lab, folder, stack):
 
 @contextlib.contextmanager
 def _at_the_panel(lab, name, stack):
-    """A later launch as far as the control panel, ended by SIGTERM."""
+    """Launches the program, opens the control panel, and ends the program by SIGTERM."""
     lab.set_first_launch(False)
     with lab.program(name, stack) as (program, facts):
         yield screens.open_control_panel(lab.reader, program, TIMEOUT), program, facts
@@ -87,7 +87,7 @@ def _engine_once(logind, program, pad, facts):
 
 
 def felt(lab, name):
-    """The fan, switched off again; the engine as the machine wakes; the end by SIGTERM."""
+    """The fan, on and off; the engine when the machine wakes up; the fan again, until SIGTERM."""
     folder = lab.folder(name)
     with contextlib.ExitStack() as stack:
         logind = _system_bus(lab, folder, stack)
@@ -104,7 +104,7 @@ def felt(lab, name):
 
 
 def unplugged(lab, name):
-    """The device is unplugged while the fan runs, another one is there at the fan's next start."""
+    """The device is unplugged while the fan runs; the fan's next start finds another one."""
     folder = lab.folder(name)
     with contextlib.ExitStack() as stack:
         first = Pad(lab.desktop.env, folder / "first.log", stack)

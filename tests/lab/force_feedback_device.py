@@ -6,7 +6,7 @@
 Prints "ready" once the device is there, and removes it when standard input ends.
 
 The log has one JSON object a line, each with the CLOCK_MONOTONIC time in seconds: effects that were
-uploaded, played and erased, and the device's beginning and end.
+uploaded, played and erased, and when the device was created and removed.
 """
 
 import fcntl
@@ -25,7 +25,7 @@ UI_BEGIN_FF_UPLOAD, UI_END_FF_UPLOAD = 0xC06855C8, 0x406855C9
 UI_BEGIN_FF_ERASE, UI_END_FF_ERASE = 0xC00C55CA, 0x400C55CB
 
 EVENT = struct.Struct("llHHi")
-# Request number, answer, and two ff_effect of 48 bytes: the new one and the one that it replaces.
+# Request number, return value, two ff_effect of 48 bytes: the new one and the one it replaces.
 UPLOAD = struct.Struct("Ii48s48s")
 ERASE = struct.Struct("IiI")
 # Type, number, direction, trigger, length and delay; then the two motors.

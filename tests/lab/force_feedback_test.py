@@ -1,4 +1,4 @@
-"""What force_feedback.py left: the effects that were played, and when."""
+"""The verdicts on force_feedback.py: which effects were played, and when."""
 
 import math
 import signal
@@ -13,11 +13,11 @@ ALIGNMENT, LEVEL_CHANGE, GENERIC = (25, 0x6000, 0x9000), (25, 0x9000, 0x4000), (
 
 FAN_TICK = 0.05
 BACK_TO_BACK = 0.005
-"""Seconds between two pulses of one tick, on an emulated processor."""
+"""The most seconds between two pulses of one tick, on an emulated processor."""
 
 KEPT, CLOSED_WITHIN = 0.4, 1.7
-"""Bounds for the seconds from an effect's end until its device is closed, which is when two checks,
-half a second apart, have found it unused."""
+"""Bounds for the seconds from an effect's end until its device is closed: two checks, half a second
+apart, have to find it unused."""
 
 RAMP = 3.0
 """Seconds over which the pulse rate rises."""
@@ -38,7 +38,7 @@ class WithPad(Scenario):
         return [entry["time"] for entry in self.events(kind, begin, end, pad)]
 
     def pulses(self, begin, end):
-        """What was played between two instants: of each pulse its effect's length and motors."""
+        """The pulses played between two instants: length, strong and weak motor of each."""
         known, played = {}, []
         for entry in self.json_lines("pad.log"):
             if entry["event"] == "upload":
@@ -56,7 +56,7 @@ class WithPad(Scenario):
 
 
 def ideal_pulses(begin, end):
-    """How many pulses the ramp makes between two times since its start, on a perfect clock."""
+    """How many pulses the ramp has from `begin` to `end` seconds after its start, on a perfect clock."""
     count = 0
     for number in range(1, int(end / TICK) + 1):
         elapsed = number * TICK
@@ -72,17 +72,17 @@ class Felt(WithPad):
     NAME = "felt"
 
     @in_every_attempt
-    def test_nothing_is_on_the_device_before_anything_is_switched_on(self):
+    def test_nothing_is_uploaded_before_an_effect_is_switched_on(self):
         self.assertTrue(self.facts["untouched"])
 
     @in_every_attempt
-    def test_three_rumbles_are_uploaded_once_a_start(self):
+    def test_each_start_uploads_three_rumbles(self):
         uploads = [(effect["type"], effect["length"], effect["strong"], effect["weak"])
                    for effect in self.events("upload")]
         self.assertEqual(uploads, 3 * [(FF_RUMBLE, *ALIGNMENT), (FF_RUMBLE, *LEVEL_CHANGE),
                                        (FF_RUMBLE, *GENERIC)])
 
-    def test_fan_is_twenty_pairs_of_pulses_a_second(self):
+    def test_fan_plays_twenty_pairs_of_pulses_a_second(self):
         plays = self.times("play", self.facts["fan_on"], self.facts["switching_off"])
         firsts, seconds = plays[:-1:2], plays[1::2]
         gaps = [later - earlier for earlier, later in zip(firsts, firsts[1:])]
@@ -99,7 +99,7 @@ class Felt(WithPad):
         self.assertLess(rate, 20.2)
 
     @in_every_attempt
-    def test_pair_is_a_level_change_and_a_generic_pulse(self):
+    def test_each_pair_is_a_level_change_and_a_generic_pulse(self):
         for begin, end in (("fan_on", "fan_off"), ("fan_on_again", "ended")):
             pulses = self.pulses(self.facts[begin], self.facts[end])
             self.assertGreater(len(pulses), 20)
@@ -115,7 +115,7 @@ class Felt(WithPad):
         self.assertEqual(self.facts["errors"], [])
 
     @in_every_attempt
-    def test_engine_is_alignment_pulses(self):
+    def test_engine_plays_alignment_pulses_only(self):
         pulses = self.pulses(self.facts["awake"], self.facts["complete"])
         self.assertGreater(len(pulses), 20)
         self.assertEqual(pulses, [ALIGNMENT] * len(pulses))
@@ -151,7 +151,7 @@ class Felt(WithPad):
         self.assertLess(erased, CLOSED_WITHIN)
 
     @in_every_attempt
-    def test_sigterm_leaves_nothing_on_the_device(self):
+    def test_sigterm_erases_the_effects(self):
         self.assertEqual(self.facts["status"], 0)
         self.assert_erased(self.facts["fan_on_again"], self.facts["ended"])
         self.assertEqual(self.times("play", self.facts["ended"]), [])
@@ -182,7 +182,7 @@ class Unplugged(WithPad):
 
 
 class Killed(WithPad):
-    """The program cannot clean up."""
+    """The program is killed and cannot clean up."""
 
     NAME = "killed"
 
@@ -191,7 +191,7 @@ class Killed(WithPad):
         self.assertEqual(self.facts["status"], -signal.SIGKILL)
         self.assert_erased(-math.inf, math.inf)
 
-    def test_nothing_is_played_from_then_on(self):
+    def test_nothing_is_played_after_the_kill(self):
         self.assertEqual(self.times("play", self.facts["killed"] + 0.1), [])
 
 

@@ -26,7 +26,7 @@ from lab_desktop import Lab  # noqa: E402
 
 
 def file_lookups(lab, name):
-    """Looks up files of the host, one after the other, while something is timed."""
+    """Looks up files of the host, one after the other, while timed."""
     count = 0
     with lab.watch.timed():
         until = time.monotonic() + 1
@@ -37,7 +37,7 @@ def file_lookups(lab, name):
 
 
 def play_all(lab, play):
-    """Every scenario there is."""
+    """Plays every scenario."""
     lids.play_all(play)
     play("file_lookups", file_lookups)
     with keyboards.device_manager(lab.desktop.env):

@@ -100,7 +100,7 @@ def _allow(keyboard):
 
 
 def _agree(lab):
-    """Does what polkit does once the user has agreed; makes the user the one at the seat."""
+    """Makes the user the active one at the seat; runs the helper, as polkit does after consent."""
     users = pathlib.Path("/run/systemd/users")
     users.mkdir(parents=True, exist_ok=True)
     (users / str(NOBODY.pw_uid)).write_text("ACTIVE_SEATS=seat0\nSEATS=seat0\n")

@@ -89,7 +89,7 @@ def _open_files(pid):
 
 
 class ActionLog:
-    """Types at the keyboards and notes when it did what."""
+    """Runs actions at the keyboards and logs when each began and ended."""
 
     def __init__(self, program, actions):
         self._program = program
@@ -108,7 +108,7 @@ class ActionLog:
 
 
 def _unplug_and_replug_while_typing(log, one, other, stack):
-    """Strokes on `one` all the while; returns the keyboard that replaces `other`."""
+    """Types on `one` meanwhile; returns the keyboard that replaces `other`."""
     for number in range(STROKES):
         log.do(f"stroke {number}", lambda: one.stroke(KEY_A), pause=STROKE)
         if number == 1:

@@ -1,17 +1,17 @@
-"""What keyboards.py and keyboard_rights.py left."""
+"""The verdicts on keyboards.py and keyboard_rights.py."""
 
 from verdicts import Scenario, in_every_attempt, main
 
 from virtual_desktop.recording import Recording
 
 ONSET = 0.15
-"""Seconds from a key to its crack: some 0.02, and 0.1 of standstill."""
+"""The most seconds from a key to its crack: some 0.02, and 0.1 of standstill."""
 
 EARLY = 0.1
 """Seconds that the recording's clock may be ahead; it is silent before every action."""
 
 CRACK = 0.13
-"""Seconds for which one crack may be loud: some 0.05, and less than the rate limit."""
+"""The most seconds for which one crack is loud: some 0.05, and less than the rate limit."""
 
 AUDIBLE = -50.0
 
@@ -20,7 +20,7 @@ INPUT_FILES = ("/dev/input/", "anon_inode:inotify")
 
 
 class Typing(Scenario):
-    """Keys from the kernel's devices."""
+    """Typing on two uinput keyboards, one of which is replugged."""
 
     NAME = "typing"
 
@@ -32,7 +32,7 @@ class Typing(Scenario):
         cls.sound = Recording.load(cls.folder / "sound.wav", facts["sound_start"])
 
     def loud(self, action):
-        """When it is loud during an action, in seconds from its beginning."""
+        """When it is loud during an action, in seconds after its beginning."""
         begin, end = self.actions[action]["begin"], self.actions[action]["end"]
         return [at - begin for at in self.sound.loud_windows(begin - EARLY, end - EARLY, AUDIBLE)]
 
@@ -82,7 +82,7 @@ class Typing(Scenario):
     def test_burst_cracks_once_and_is_not_replayed(self):
         self.assert_one_crack("burst")
 
-    def test_keyboard_unplugged_in_mid_event_does_no_harm(self):
+    def test_keys_crack_after_a_keyboard_was_unplugged_in_mid_event(self):
         self.assert_one_crack("stroke after all that")
 
     @in_every_attempt
@@ -90,7 +90,7 @@ class Typing(Scenario):
         self.assertTrue(self.facts["alive_before_sigterm"])
         self.assertEqual(self.facts["status"], 0)
 
-    def test_switched_off_it_is_silent(self):
+    def test_keys_are_silent_when_switched_off(self):
         self.assert_silent("switched off")
 
     @in_every_attempt
@@ -123,11 +123,11 @@ class WithProbe(Scenario):
 
 
 class Refused(WithProbe):
-    """A user who may not read the keyboard and gets the permission too late."""
+    """A user who gets the permission to read the keyboard only after the retry."""
 
     NAME = "refused"
 
-    def test_user_is_asked_once_and_trust_checked_once_more(self):
+    def test_user_is_asked_once_and_permission_checked_once_more(self):
         lines = [line for line in self.probe["lines"] if line.startswith("trusted")]
         self.assertEqual(lines, ["trusted no", "trusted, with a prompt no", "trusted no"])
         self.assertEqual(len(self.probe["asked"]), 1)
@@ -164,7 +164,7 @@ class ReadableLater(WithProbe):
 
     NAME = "readable_later"
 
-    def test_its_keys_are_heard_from_then_on(self):
+    def test_its_keys_are_read_once_it_is_readable(self):
         self.assertEqual(self.probe["lines"], ["tap yes", "key", "key"])
 
     def test_probe_ends_with_status_0(self):

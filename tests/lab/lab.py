@@ -27,7 +27,7 @@ def log_repeats(build):
 
 
 def main():
-    """Makes the machine if necessary and runs it once."""
+    """Prepares the machine if necessary and runs it once."""
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("build", type=pathlib.Path)
     parser.add_argument("scenarios", nargs="*", metavar="SCENARIO")

@@ -52,7 +52,7 @@ class Desktop:
         self.env["DBUS_SESSION_BUS_ADDRESS"] = bus.address
 
     def record(self, log, stack):
-        """Starts to record from the loopback; lost samples are in `log`."""
+        """Starts to record from the loopback; the file `log` names lost samples."""
         with open(log, "wb") as errors:
             recorder = processes.start(
                 ["arecord", "-q", "-D", "lab_recorder", "-f", "S16_LE", "-r", str(RATE), "-c", "1",
@@ -99,7 +99,7 @@ class Lab:
 
     @contextlib.contextmanager
     def program(self, scenario, stack):
-        """The program, ended by SIGTERM; leaves its output, its status and the facts added."""
+        """The running program and a dict of facts; ends it by SIGTERM and saves its output and facts."""
         facts = {}
         began = time.monotonic()
         program = Program([self.build / "quorvane"], self.desktop.env, stack)

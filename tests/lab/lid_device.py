@@ -4,12 +4,12 @@
     lid_device.py [--product ID] [--angle DEGREES] [--log FILE] [--keep] [MOVE ...]
 
 A MOVE is `still:SECONDS`, `open:SLOPE:SECONDS` or `close:SLOPE:SECONDS`, the slope in degrees per
-second. The device stands at its first angle until a line arrives on standard input, then makes its
+second. The device stays at its first angle until a line arrives on standard input, then makes its
 moves and is unplugged; with --keep, or when standard input ends before that line, it stays until
 standard input ends. Prints "ready" once the device is there.
 
 The log has one JSON object a line, each with the CLOCK_MONOTONIC time in seconds: the moves, every
-reading that was answered, and the device's beginning and end.
+reading that was answered, and when the device was created and removed.
 """
 
 import argparse
@@ -83,7 +83,7 @@ class Motion:
 
 
 class LidDevice:
-    """The device, until `destroy`."""
+    """The device, which exists until `destroy`."""
 
     def __init__(self, product, motion=None, log=None):
         self._motion = motion
@@ -136,7 +136,7 @@ def make_log(path):
 
 
 def run(device, motion, log, keep):
-    """Serves the device through its script."""
+    """Serves the device until its script or standard input ends."""
     sources = [device.file, sys.stdin]
     while True:
         end = None if keep else motion.end()

@@ -1,4 +1,4 @@
-"""What the scenarios of lids.py left.
+"""The verdicts on lids.py.
 
 LAB_CLIP is the creak's sound file.
 """
@@ -17,8 +17,8 @@ from virtual_desktop.recording import Recording
 CLIP = pathlib.Path(os.environ["LAB_CLIP"])
 
 ONSET = 0.2
-"""Seconds from the beginning of a motion to its sound: a reading every 1/30 s, an update every
-1/60 s and the output's buffer, 0.08 at the most, and 0.1 of standstill."""
+"""The most seconds from the beginning of a motion to its sound: a reading every 1/30 s, an update every
+1/60 s and the output's buffer, 0.08 in all, and 0.1 of standstill."""
 
 FIRST_ONSET = 0.25
 """The same, and some 0.06 to open the output device."""
@@ -28,7 +28,7 @@ COLD_ONSET = 0.35
 
 RELEASE = (0.14, 0.35)
 """Bounds for the seconds from the end of a motion to silence: 0.2 until the mean slope is 0, a
-reading more or less, and at the latest a buffer and 0.1 of standstill more."""
+reading more or less; to the upper bound a buffer and 0.1 of standstill are added."""
 
 PLACE = 0.08
 """Seconds by which a place in the clip may be off. A restart would be off by almost a second."""
@@ -108,8 +108,8 @@ class Creaking(WithLid):
     def places_in_clip(self, number):
         """Where in the clip the sound of a motion began and ended: (earliest, latest) of each.
 
-        Between the first and the last excerpt that were found the places are known; before and
-        after them the sound can have run on or, at the worst, dropped out.
+        The places are known from the first to the last excerpt that was found; before and after
+        them the sound was the clip, too, or at worst a dropout.
         """
         begin, end = self.creak(number)
         found = []
@@ -206,7 +206,7 @@ class MovingLid(Creaking):
             begin, end = self.creak(number)
             self.assertGreater(self.sound.loud_time(begin, end), (end - begin) * WITHOUT_GAPS)
 
-    def test_silence_once_the_mean_slope_is_over_after_the_lid_comes_to_rest(self):
+    def test_creak_stops_soon_after_the_lid_comes_to_rest(self):
         for number, (_, end) in enumerate(self.spans[:-1]):
             delay = self.creak(number)[1] - end
             print(f"motion {number + 1}: silent after {delay:.3f} s")
@@ -227,7 +227,7 @@ class MovingLid(Creaking):
             self.assertGreater(resumed_latest, paused_earliest - PLACE)
 
     def test_creak_goes_on_after_the_moving_lid_was_unplugged(self):
-        # The last speed stays: the clip ends and starts again.
+        # The last speed is kept: the clip ends and starts again.
         since = self.gone + 0.5
         until = self.facts["switching_off"]
         self.assertGreater(self.sound.loud_time(since, until), (until - since) * WITHOUT_GAPS)

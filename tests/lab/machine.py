@@ -47,7 +47,7 @@ XZ = b"\xfd7zXZ\0"
 
 
 class LabError(Exception):
-    """The machine could not be made or did not do its job."""
+    """The machine could not be prepared, or its job failed."""
 
 
 def _output(*command, **options):
@@ -118,7 +118,7 @@ def _pack_initramfs(tree, archive):
 
 
 def prepare(folder):
-    """Kernel and initramfs, made again only for another kernel package or after changes here."""
+    """The kernel and initramfs; rebuilt only for another kernel package or after changes here."""
     package = _kernel_package()
     kernel = folder / package / "kernel"
     initramfs = folder / package / "initramfs"

@@ -1,4 +1,4 @@
-"""The HID contract on a real kernel, the udev rules, and what does not count as a standstill."""
+"""Verdicts on the HID contract on a real kernel, the udev rules, and file lookups."""
 
 from verdicts import Scenario, main
 
@@ -28,7 +28,7 @@ class DeviceRights(Scenario):
     def test_without_the_rules_the_user_may_open_no_device(self):
         self.assertEqual(self.without, set())
 
-    def test_user_may_open_the_lid_sensors_and_what_rumbles_without_keys(self):
+    def test_user_may_open_the_lid_sensors_and_rumbling_devices_without_keys(self):
         self.assertEqual(self.given, {"0x8103", "0x8104", "0x8105", "0x8262",
                                       "touchpad that buzzes"})
 
@@ -42,7 +42,7 @@ class FileLookups(Scenario):
 
     NAME = "file_lookups"
 
-    def test_waiting_for_the_hosts_files_is_no_standstill(self):
+    def test_waiting_for_files_of_the_host_is_no_standstill(self):
         self.assertGreater(self.json("lookups.json")["count"], 500)
         self.assertLess(sum(end - begin for begin, end in self.json("standstill.json")["spans"]),
                         0.1)

@@ -4,7 +4,7 @@ import pathlib
 import traceback
 
 RETRIES = 2
-"""The most retries in one run, over all scenarios; with more, the host is too busy."""
+"""The most retries in one run, of all scenarios together; with more, the host is too busy."""
 
 
 class TooManyRetries(Exception):
@@ -14,8 +14,8 @@ class TooManyRetries(Exception):
 class Player:
     """Plays scenarios one at a time, as they share the machine's HID devices and sound.
 
-    Plays those with the `wanted` names only, if any are given. Every attempt leaves a folder: of a
-    void attempt only the times do not count, the rest is judged as well.
+    Plays those with the `wanted` names only, if any are given. Every attempt leaves a folder: a void
+    attempt is judged, too, except for its times.
     """
 
     def __init__(self, lab, wanted=()):
@@ -54,7 +54,7 @@ class Player:
         return complaint
 
     def finish(self):
-        """A line about the run; LookupError if a wanted name does not exist."""
+        """Returns a summary of the run; raises LookupError if a wanted name does not exist."""
         if unknown := self._wanted - self._played:
             raise LookupError(f"no such scenario: {', '.join(sorted(unknown))}")
         return f"{len(self._played)} scenarios, {len(self._void)} of {RETRIES} retries"

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""How often a scenario is played, and what becomes of attempts that are void."""
+"""How often a scenario is played, and how void attempts are judged."""
 
 import contextlib
 import io
@@ -58,7 +58,7 @@ class WithPlayer(unittest.TestCase):
     """The base of tests with a player in a fake lab."""
 
     def player(self, *complaints, wanted=()):
-        """A player in a lab that complains of one attempt after the other as given."""
+        """A player in a lab with these complaints, one for each attempt."""
         home = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory()))
         self.lab = FakeLab(home, complaints)
         self.console = self.enterContext(contextlib.redirect_stdout(io.StringIO()))
@@ -112,7 +112,7 @@ class Attempts(WithPlayer):
         self.assertEqual(self.lab.complaints("one"), [None])
         self.assertEqual(self.lab.complaints("two"), [None])
 
-    def test_only_the_scenarios_named_are_played_and_have_to_exist(self):
+    def test_only_the_named_scenarios_are_played_and_an_unknown_name_is_an_error(self):
         play = self.player(wanted=["two"])
         play("one", _nothing)
         play("two", _nothing)
@@ -125,7 +125,7 @@ class Attempts(WithPlayer):
 
 
 class VoidAttempts(WithPlayer):
-    """What the tests judge of an attempt that is void."""
+    """What is judged of a void attempt."""
 
     def judge(self, verdict, void, last, scenario="permitted"):
         """Runs a verdict on a void attempt and the one after it; returns its status and output.
@@ -152,7 +152,7 @@ class VoidAttempts(WithPlayer):
     ENDS_WELL = "Permitted.test_probe_ends_with_status_0"
     IN_TIME = "Permitted.test_retry_finds_the_permission_that_the_helper_gave"
 
-    def test_count_of_attempts_is_in_the_verdict(self):
+    def test_verdict_prints_each_attempt(self):
         status, output = self.judge(self.ENDS_WELL, self.WELL, self.WELL)
         self.assertEqual(status, 0, output)
         self.assertIn(f"permitted, attempt-1 of 2: {STOOD_STILL}", output)

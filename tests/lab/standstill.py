@@ -16,8 +16,8 @@ from virtual_desktop import processes
 HERE = pathlib.Path(__file__).resolve().parent
 
 SPARE = 0.1
-"""The most seconds of standstill, in one or several spans, in any second that is timed: the bounds
-of the verdicts allow for as much."""
+"""The most seconds of standstill within any second that is timed; the verdicts' bounds include
+them."""
 
 
 def late_beats(lines):
@@ -46,7 +46,7 @@ def worst_second(spans):
 
 
 def complaint(spans):
-    """Why times measured meanwhile are void, or None if they count."""
+    """Why times measured during these spans are void, or None if they count."""
     worst = worst_second(spans)
     if worst <= SPARE:
         return None

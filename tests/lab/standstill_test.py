@@ -7,7 +7,7 @@ from verdicts import main  # first: it makes virtual_desktop importable
 
 import standstill
 
-# QEMU was stopped for 0.7 s three times; the machine was idle in two of them.
+# QEMU was stopped for 0.7 s three times; the machine was idle during the first two.
 HEARTBEAT = """
 {"due": 30.716431223002143, "came": 31.411410242}
 {"due": 42.00643122300024, "came": 42.699495681}
@@ -16,7 +16,7 @@ HEARTBEAT = """
 
 
 def standing(*lengths, every=0.05):
-    """Spans of these lengths, `every` so many seconds."""
+    """Spans of these lengths, one every `every` seconds."""
     return [(10 + number * every, 10 + number * every + length)
             for number, length in enumerate(lengths)]
 
@@ -33,7 +33,7 @@ class Beats(unittest.TestCase):
 class Within(unittest.TestCase):
     """Which spans lie in the timed part."""
 
-    def test_what_is_outside_does_not_count(self):
+    def test_spans_outside_the_timed_part_do_not_count(self):
         spans = standstill.late_beats(HEARTBEAT)
         self.assertEqual(standstill.within(spans, 32, 42), [])
         self.assertEqual(standstill.within(spans, 31, 42.5),
@@ -43,26 +43,26 @@ class Within(unittest.TestCase):
 class Complaint(unittest.TestCase):
     """When measured times are void."""
 
-    def test_standstills_make_times_void_only_if_they_overlap(self):
+    def test_times_are_void_only_if_a_standstill_overlaps_them(self):
         spans = standstill.late_beats(HEARTBEAT)
         self.assertEqual(standstill.complaint(standstill.within(spans, 30, 50)),
                          "the machine stood still for 0.69 s within a second")
         self.assertIsNone(standstill.complaint(standstill.within(spans, 50, 70)))
         self.assertIsNone(standstill.complaint([]))
 
-    def test_many_short_ones_close_together_are_as_bad_as_a_long_one(self):
+    def test_short_standstills_close_together_add_up(self):
         self.assertIsNotNone(standstill.complaint(standing(0.12)))
         self.assertIsNotNone(standstill.complaint(standing(*[0.01] * 12)))
         self.assertIsNone(standstill.complaint(standing(*[0.01] * 8)))
 
-    def test_long_one_takes_no_more_of_a_second_than_there_is(self):
+    def test_only_the_part_of_a_standstill_within_the_second_counts(self):
         self.assertAlmostEqual(standstill.worst_second([(1, 5)]), 1)
         self.assertAlmostEqual(standstill.worst_second([(1, 1.5), (2.25, 2.5)]), 0.5)
         self.assertAlmostEqual(standstill.worst_second([(1, 1.5), (2, 2.25)]), 0.5)
         self.assertAlmostEqual(
             standstill.worst_second([(1, 1.02), (2.5, 2.6), (2.9, 3)]), 0.2)
 
-    def test_short_ones_far_apart_are_not(self):
+    def test_short_standstills_far_apart_are_allowed(self):
         self.assertIsNone(standstill.complaint(standing(*[0.04] * 20, every=0.7)))
 
 

@@ -1,4 +1,4 @@
-"""The base of the verdicts: the tests of what the scenarios left.
+"""The base of the verdicts: the tests of the files that the scenarios left.
 
 LAB_RESULTS is the folder of the results, with a folder for each attempt at a scenario.
 """
@@ -16,7 +16,7 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
 
 
 class Scenario(unittest.TestCase):
-    """The files of one scenario. Only the times of its last attempt count."""
+    """The files of one scenario. Times count in its last attempt only."""
 
     NAME = ""
 
@@ -59,7 +59,7 @@ class Scenario(unittest.TestCase):
         return self.json("program.json")
 
     def assert_contract_kept(self, count):
-        """A contract test ran `count` tests or more, and all of them passed."""
+        """The contract's test program ran at least `count` tests, and all of them passed."""
         result = self.json("result.json")
         print(result["output"])
         self.assertEqual(result["status"], 0)
@@ -70,7 +70,7 @@ class Scenario(unittest.TestCase):
 
 
 def in_every_attempt(test):
-    """Decorates a verdict on something else than times: void attempts have to pass it, too."""
+    """Decorates a verdict on anything but times: void attempts have to pass it, too."""
     @functools.wraps(test)
     def judge(self):
         for attempt in self.attempts:
