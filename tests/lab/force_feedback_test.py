@@ -56,7 +56,7 @@ class WithPad(Scenario):
 
 
 def ideal_pulses(begin, end):
-    """How many pulses the ramp has from `begin` to `end` seconds after its start, on a perfect clock."""
+    """How many pulses come from `begin` to `end` seconds after the start, on a perfect clock."""
     count = 0
     for number in range(1, int(end / TICK) + 1):
         elapsed = number * TICK

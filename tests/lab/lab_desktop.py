@@ -99,7 +99,7 @@ class Lab:
 
     @contextlib.contextmanager
     def program(self, scenario, stack):
-        """The running program and a dict of facts; ends it by SIGTERM and saves its output and facts."""
+        """The running program, ended by SIGTERM, and a dict of facts; saves them and its output."""
         facts = {}
         began = time.monotonic()
         program = Program([self.build / "quorvane"], self.desktop.env, stack)

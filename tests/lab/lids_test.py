@@ -17,8 +17,8 @@ from virtual_desktop.recording import Recording
 CLIP = pathlib.Path(os.environ["LAB_CLIP"])
 
 ONSET = 0.2
-"""The most seconds from the beginning of a motion to its sound: a reading every 1/30 s, an update every
-1/60 s and the output's buffer, 0.08 in all, and 0.1 of standstill."""
+"""The most seconds from the beginning of a motion to its sound: a reading every 1/30 s, an update
+every 1/60 s and the output's buffer, 0.08 in all, and 0.1 of standstill."""
 
 FIRST_ONSET = 0.25
 """The same, and some 0.06 to open the output device."""

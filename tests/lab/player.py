@@ -14,8 +14,8 @@ class TooManyRetries(Exception):
 class Player:
     """Plays scenarios one at a time, as they share the machine's HID devices and sound.
 
-    Plays those with the `wanted` names only, if any are given. Every attempt leaves a folder: a void
-    attempt is judged, too, except for its times.
+    Plays those with the `wanted` names only, if any are given. Every attempt leaves a folder: void
+    ones are judged, too, except for their times.
     """
 
     def __init__(self, lab, wanted=()):
