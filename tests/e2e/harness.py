@@ -58,7 +58,7 @@ def _keep_evidence(step):
 
 
 class EndToEndTest(unittest.TestCase):
-    """A session for the class; a home folder and the processes started in it for each test."""
+    """A session for each class; a home folder and processes of its own for each test."""
 
     listens = False
     """Whether the tests need the recording, which takes 2 s to begin, and an idle machine."""
@@ -186,7 +186,7 @@ class EndToEndTest(unittest.TestCase):
         return Services(self.environment, self.bus, self.stack, services) if services else None
 
     def wait_until_sleep_is_watched(self):
-        """A program whose window is up listens to the system bus, or is about to."""
+        """Waits for the subscription, which comes within a second after the window."""
         self.wait_until(lambda: self.bus.is_listened_to("PrepareForSleep"),
                         "the program to subscribe to the machine's sleep", 1.0)
 
@@ -197,9 +197,9 @@ class EndToEndTest(unittest.TestCase):
         return wait_until(condition, what, timeout)
 
     def hear(self, check):
-        """Runs `check` on the recording, and again only if it fails and the sound server ran dry.
+        """Runs `check` on the recording, and again only if it fails and there was an underrun.
 
-        That happens where the server or the program gets no processor time for longer than its
+        An underrun means that the server or the program got no processor time for longer than its
         buffers last, which is not the program's fault.
         """
         for attempt in range(1, LISTENING_ATTEMPTS + 1):
@@ -214,7 +214,7 @@ class EndToEndTest(unittest.TestCase):
                 self.log_repeat(f"once more, as the sound server ran dry {dropouts} times: {error}")
 
     def log_repeat(self, text):
-        """Logs a repeated check to a file: CTest shows no output of a test that passes."""
+        """Logs a repeat to a file: CTest shows no output of a test that passes."""
         with open(BUILD / "repeats.log", "a", encoding="utf-8") as file:
             print(f"{self.id()}: {text}", file=file)
 

@@ -1,4 +1,4 @@
-"""The control panel, entered and left with the accessibility bus, the mouse and the keyboard."""
+"""The control panel, used through the accessibility bus, the mouse and the keyboard."""
 
 import unittest
 
@@ -73,7 +73,7 @@ class ControlPanel(EndToEndTest):
         self.assertEqual(display.geometry(window)[2:], (550, 780))
         left, top, width, height = self.panel.settled_place(ENTER)
         display.drag_with_alt(3, (left + width - 5, top + height - 5), (60, 50))
-        # A resize would come before the keys.
+        # A resize would have come before the focus moves.
         self.focus(self.panel, ENTER)
         self.assertEqual(display.geometry(window)[2:], (550, 780))
         self.leave()

@@ -1,4 +1,4 @@
-"""The lid's events make the hinge creak."""
+"""The creak on lid, sleep and wake-up events, without a lid sensor."""
 
 import re
 import time
@@ -8,7 +8,7 @@ from harness import FINISHED, LOADED, MONITORING, NO_SENSOR, EndToEndTest
 from virtual_desktop.screens import BUILD_QUALITY, LEAVE, STARTUP
 
 BURST = 3.0
-"""Seconds for which a lid event keeps the hinge moving."""
+"""Seconds of creak after a lid event."""
 
 REACTION = 0.5
 """Seconds until an event is heard, or silence begins; generous for a busy machine."""
@@ -36,7 +36,7 @@ class Creak(EndToEndTest):
                    if line.startswith("✅ Φορτώθηκε"))
         return float(loaded[1])
 
-    def test_a_lid_that_closes_and_opens_makes_a_burst_each(self):
+    def test_closing_and_opening_the_lid_makes_it_creak(self):
         services = self.start_system_bus("login", "power")
         self.launch_into_control_panel(creak=True)
         self._hear_burst(services.close_lid)
@@ -50,16 +50,16 @@ class Creak(EndToEndTest):
         self.assertEqual(lines[1:3], [NO_SENSOR, MONITORING])
         self.assertLessEqual(set(lines[3:]), {FINISHED})
 
-    def test_a_machine_that_goes_to_sleep_creaks_too(self):
+    def test_sleep_and_wake_up_make_it_creak(self):
         services = self.start_system_bus("login")
         panel = self.launch_into_control_panel(creak=True)
-        # The engine would be heard, too.
+        # Its sound would be recorded, too.
         panel.switch(STARTUP, False)
         self._hear_burst(services.prepare_for_sleep)
         self._hear_burst(services.wake_up)
         self.leave()
 
-    def test_a_repeated_lid_state_is_not_heard(self):
+    def test_a_repeated_lid_state_is_silent(self):
         services = self.start_system_bus("login", "power")
         self.launch_into_control_panel(creak=True)
         repeated = time.monotonic()
@@ -67,7 +67,7 @@ class Creak(EndToEndTest):
         self.assert_silent(repeated, repeated + 1.0, "an open lid announced as open")
         self.leave()
 
-    def test_the_switch_decides_whether_it_is_heard(self):
+    def test_the_creak_is_heard_only_while_switched_on(self):
         services = self.start_system_bus("login", "power")
         panel = self.launch_into_control_panel(creak=False)
         closed = time.monotonic()

@@ -1,4 +1,4 @@
-"""The program on simulated machines, with its real screens and its real sound."""
+"""The demo and simulated machines, with real screens and real sound."""
 
 import pathlib
 import subprocess

@@ -35,12 +35,12 @@ class DemoFailures(unittest.TestCase):
         self.assertIn(said, done.stderr)
         self.assertIn(said, log.read_text())
 
-    def test_without_a_display_server_it_names_that_and_its_log(self):
+    def test_a_display_server_that_does_not_start_is_named_with_its_log(self):
         self._replace("Xvfb", "echo no room for a screen >&2; exit 3")
         done = self._play(f"{self.commands}:/usr/bin:/bin")
         self._assert_names(done, "Xvfb", "no room for a screen")
 
-    def test_without_a_sound_server_it_names_that_and_its_log(self):
+    def test_a_sound_server_that_does_not_start_is_named_with_its_log(self):
         self._replace("pulseaudio", "echo no room for a sound >&2; exit 4")
         done = self._play(f"{self.commands}:/usr/bin:/bin")
         self._assert_names(done, "pulseaudio", "no room for a sound")

@@ -1,4 +1,4 @@
-"""The virtual desktop's instruments, on which the other end-to-end tests rely."""
+"""How the virtual desktop measures sound and reads screens, for the other end-to-end tests."""
 
 import os
 import pathlib
@@ -37,10 +37,10 @@ class Sound(unittest.TestCase):
         self.recording = _record(numpy.concatenate([quiet, tone, quiet]), self)
         self.begin = self.recording.end - 2.5
 
-    def test_the_recording_is_on_the_clock(self):
+    def test_the_recording_ends_at_the_present_instant(self):
         self.assertLess(abs(self.recording.end - time.monotonic()), 1.0)
 
-    def test_a_level_is_that_of_its_time(self):
+    def test_a_level_is_measured_between_two_instants(self):
         self.assertAlmostEqual(self.recording.level(self.begin + 1.1, self.begin + 1.4), -9.03, 1)
         self.assertLess(self.recording.level(self.begin + 0.1, self.begin + 0.9), -90)
 
@@ -69,12 +69,12 @@ class Pictures(unittest.TestCase):
         self.assertEqual(pictures.detail(self._draw("xc:black")), 0)
         self.assertEqual(pictures.detail(self._draw("gradient:navy-black")), 0)
 
-    def test_what_is_drawn_is_detail(self):
+    def test_the_edges_of_a_rectangle_are_detail(self):
         path = self._draw("gradient:navy-black", "-fill", "white", "-draw",
                           "rectangle 100,100 449,400")
         self.assertAlmostEqual(pictures.detail(path), 2 * 301 / (780 * 549), 4)
 
-    def test_a_change_is_where_pictures_differ(self):
+    def test_a_change_is_the_share_of_pixels_that_differ(self):
         before = pictures.pixels(self._draw("xc:black"))
         after = pictures.pixels(self._draw("xc:black", "-fill", "white", "-draw",
                                            "rectangle 0,0 54,77"))

@@ -24,7 +24,7 @@ LATE = 1.0
 class Endless(EndToEndTest):
     listens = True
 
-    def test_it_runs_without_a_gap_or_a_click(self):
+    def test_the_fan_runs_without_a_gap_or_a_click(self):
         panel = self.launch_into_control_panel(creak=False)
         self.assertIn("✅ [FAN] fanmac.mp3 loaded", self.program.console.text)
         pressed = time.monotonic()
@@ -81,7 +81,7 @@ class Endless(EndToEndTest):
         wanted = round(count * rate / own_rate)
         spectrum = numpy.fft.rfft(inner)
         resampled = numpy.fft.irfft(spectrum, wanted) * wanted / count
-        # Resampled by its spectrum, what is no loop rings at its ends.
+        # FFT resampling rings at the ends, as this is no loop. 0.6 is the fan's volume.
         edge = rate // 20
         return 0.6 * float(numpy.abs(numpy.diff(resampled[edge:-edge])).max())
 
@@ -89,7 +89,7 @@ class Endless(EndToEndTest):
 class Switch(EndToEndTest):
     listens = True
 
-    def test_it_starts_again_each_time(self):
+    def test_the_fan_starts_again_each_time(self):
         panel = self.launch_into_control_panel(creak=False)
         for _ in range(2):
             pressed = time.monotonic()
@@ -100,7 +100,7 @@ class Switch(EndToEndTest):
             self.assert_silent(off + LATE, off + LATE + 0.5, "after the fan")
         self.leave()
 
-    def test_the_stop_button_ends_it(self):
+    def test_the_stop_button_stops_the_fan(self):
         panel = self.launch_into_control_panel(creak=False)
         pressed = time.monotonic()
         panel.switch(THERMALS, True)
@@ -110,14 +110,14 @@ class Switch(EndToEndTest):
         self.assert_silent(off + LATE, off + LATE + 0.5, "after the stop button")
         self.leave()
 
-    def test_without_its_sound_the_switch_stays_off(self):
+    def test_without_the_sound_file_the_switch_stays_off(self):
         folder = self.resources_without("fanmac.mp3")
         panel = self.launch_into_control_panel(creak=False, QUORVANE_RESOURCES=str(folder))
         self.assertIn("⚠️ [FAN] fanmac.mp3 not found", self.program.console.text)
         self._check_that_it_stays_off(panel)
         self.leave()
 
-    def test_with_a_damaged_sound_the_switch_stays_off(self):
+    def test_with_a_damaged_sound_file_the_switch_stays_off(self):
         folder = self.resources_with_damaged("fanmac.mp3")
         panel = self.launch_into_control_panel(creak=False, QUORVANE_RESOURCES=str(folder))
         self.assertIn("✅ [FAN] fanmac.mp3 loaded", self.program.console.text)
@@ -131,7 +131,7 @@ class Switch(EndToEndTest):
         self.assert_silent(pressed, pressed + 1.0, "a fan without its sound")
         self.assertFalse(panel.is_on(THERMALS))
 
-    def test_without_a_sound_device_it_runs_in_silence(self):
+    def test_without_a_sound_device_the_switch_stays_on(self):
         panel = self.launch_into_control_panel(creak=False,
                                                PULSE_SERVER=f"unix:{self.home}/no-server",
                                                ALSA_CONFIG_PATH="/nonexistent")

@@ -42,7 +42,7 @@ class Faults(EndToEndTest):
         self.assertEqual(len(complaints), 1, complaints)
         self.assertEqual(file.read_text(), "in the way")
 
-    def test_a_damaged_config_file_is_read_as_empty_and_kept_aside(self):
+    def test_a_damaged_config_file_counts_as_empty_and_is_kept(self):
         folder = pathlib.Path(self.environment["XDG_CONFIG_HOME"], "quorvane")
         folder.mkdir()
         damaged = b"\x00\xff[[hardwareChecked=true\n\x80"
@@ -80,12 +80,12 @@ class Faults(EndToEndTest):
     def test_a_damaged_sound_is_reported_and_silent(self):
         self._check_that_it_is_reported_and_silent(self.resources_with_damaged("creaking.mp3"))
 
-    def test_a_missing_sound_server_is_silence_until_one_comes(self):
+    def test_without_a_sound_server_it_is_silent_until_one_starts(self):
         services = self.start_system_bus("login", "power")
         late = self.session.sound_server("late")
         self.launch_into_control_panel(creak=True, PULSE_SERVER=late.address)
         services.close_lid()
-        # All updates of the burst find no device; on a device, the clip would reach its end.
+        # No update of the burst finds a device; with one, the clip would reach its end.
         time.sleep(3.5)
         self.assertNotIn(FINISHED, self.program.console.text)
         self.assertTrue(self.program.is_running)

@@ -41,19 +41,19 @@ class Frames(EndToEndTest):
         self.wait_until(lambda: self._count() >= before + 10, f"frames: {why}", 15)
 
     def _wait_for_no_frames(self, why):
-        """Waits for LOOK seconds without a frame: the last ones may still come."""
+        """Waits for LOOK seconds without a frame; the last frames may still come before."""
         def none():
             before = self._count()
             time.sleep(LOOK)
             return self._count() == before
         self.wait_until(none, f"no frames: {why}", 15)
 
-    def test_there_are_frames_while_the_glow_can_be_seen(self):
+    def test_frames_are_drawn_while_the_glow_is_visible(self):
         self._launch()
         self._wait_for_frames("glow and particles")
         self.leave(OWN_LINES)
 
-    def test_a_graphics_driver_is_loaded_only_where_there_may_be_a_card(self):
+    def test_a_graphics_driver_is_loaded_only_if_a_graphics_card_can_be_opened(self):
         devices = pathlib.Path("/dev")
         cards = [card for card in (*devices.glob("dri/renderD*"), *devices.glob("nvidiactl"))
                  if os.access(card, os.R_OK | os.W_OK)]
@@ -66,7 +66,7 @@ class Frames(EndToEndTest):
         self.assertTrue(self._graphics_drivers())
         self.leave(OWN_LINES)
 
-    def test_there_are_none_while_the_window_is_minimised(self):
+    def test_no_frames_are_drawn_while_the_window_is_minimised(self):
         self._launch()
         self._wait_for_frames("it is visible")
         self.session.display.minimise(self.window)
@@ -75,7 +75,7 @@ class Frames(EndToEndTest):
         self._wait_for_frames("it is back")
         self.leave(OWN_LINES)
 
-    def test_there_are_none_while_another_window_covers_it(self):
+    def test_no_frames_are_drawn_while_another_window_covers_it(self):
         self._launch()
         self._wait_for_frames("it is visible")
         with contextlib.ExitStack() as stack:
@@ -84,7 +84,7 @@ class Frames(EndToEndTest):
         self._wait_for_frames("it is uncovered")
         self.leave(OWN_LINES)
 
-    def test_there_are_none_with_reduced_motion(self):
+    def test_no_frames_are_drawn_with_reduced_motion(self):
         portal = self.session.settings_portal(self.stack)
         self._launch()
         self._wait_for_no_frames("less motion is asked for")
@@ -94,7 +94,7 @@ class Frames(EndToEndTest):
         self._wait_for_no_frames("less motion is asked for again")
         self.leave(OWN_LINES)
 
-    def test_without_a_portal_a_file_asks_for_reduced_motion(self):
+    def test_without_a_portal_gtk_settings_ask_for_reduced_motion(self):
         folder = pathlib.Path(self.environment["XDG_CONFIG_HOME"], "gtk-3.0")
         folder.mkdir(parents=True)
         (folder / "settings.ini").write_text("[Settings]\ngtk-enable-animations=0\n")

@@ -1,4 +1,4 @@
-"""The program as `cmake --install` leaves it, for a package to pick up."""
+"""What `cmake --install` installs, for a package."""
 
 import configparser
 import os
@@ -79,13 +79,13 @@ class Installed(EndToEndTest):
                   for who in ("allow_any", "allow_inactive", "allow_active")]
         self.assertEqual(rights, ["no", "no", "auth_admin"])
 
-    def test_it_runs(self):
+    def test_the_installed_program_runs(self):
         self._launch_as_a_desktop_does("--version")
         status, _ = self.program.wait_for_exit(10)
         self.assertEqual((status, self.program.errors.text), (0, []))
         self.assertRegex("\n".join(self.program.console.text), r"^quorvane \d+\.\d+\.\d+$")
 
-    def test_it_finds_the_sounds_that_were_installed_with_it(self):
+    def test_it_finds_the_installed_sounds(self):
         # Not those of the source tree: the installed one gets another length.
         installed = self.prefix / "share/quorvane/creaking.mp3"
         original = installed.read_bytes()

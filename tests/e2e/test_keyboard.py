@@ -31,11 +31,11 @@ REACTION = 0.5
 """Seconds until a key is heard; generous for a busy machine."""
 
 EARLY = 0.1
-"""Seconds by which the recording's clock may be ahead; more than twice what it is known for."""
+"""Seconds by which the recording's clock may be ahead; more than twice its known error."""
 
 RATE_LIMIT = 0.15
 TOLERANCE = 0.02
-"""Seconds by which cracks may sound earlier or later than they were begun: an output buffer."""
+"""Seconds by which a crack may sound earlier or later than it was started: an output buffer."""
 
 TIMES = 10
 """How often a key, or a pair or a burst of them, is pressed."""
@@ -175,7 +175,7 @@ class Keys(KeyboardTest):
 
 
 class RateLimit(KeyboardTest):
-    """Only pairs count that were really pressed close together: a busy machine may be slow."""
+    """Two or more keys in a row; a busy machine may press them too far apart to count."""
 
     def check(self, count, action, longest=math.inf):
         """`action` nearly always causes exactly `count` cracks, and never two close together."""
@@ -248,7 +248,7 @@ class Privacy(KeyboardTest):
         return files
 
     def _sync(self, connection, lines, mark):
-        """Returns when the monitor has seen all that was sent so far."""
+        """Waits until the monitor has seen everything sent so far."""
         connection.send_message(dbus.lowlevel.SignalMessage("/mark", "quorvane.Test", mark))
         connection.flush()
         lines.wait_for(lambda line: f"member={mark}" in line, mark)

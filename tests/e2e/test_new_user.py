@@ -1,4 +1,4 @@
-"""Everything that a new user does, with the mouse, the keyboard and a screen reader."""
+"""All steps of a new user, with the mouse, the keyboard and a screen reader."""
 
 import unittest
 
@@ -41,7 +41,7 @@ class NewUser(EndToEndTest):
         return [row for row in INFOS if row != KEYBOARD or is_trusted]
 
     def _turn_over_twice(self, row, act):
-        """On and off again, or off and on: left on, a stop screen would cover the window."""
+        """Toggles a switch and back: left on, a stop screen would cover the window."""
         before = self.panel.is_on(row)
         for expected in (not before, before):
             act(row)
@@ -60,7 +60,7 @@ class NewUser(EndToEndTest):
         self.panel.find(text)
         self.panel.find("OK")
 
-    def test_goes_all_the_way_with_a_screen_reader(self):
+    def test_everything_can_be_used_with_a_screen_reader(self):
         rows = self._arrive()
         for row in rows:
             self._read(row, self.panel.press)
@@ -81,7 +81,7 @@ class NewUser(EndToEndTest):
         self.assertFalse(screens.shows(CHECK))
         self.leave()
 
-    def test_goes_all_the_way_with_the_mouse(self):
+    def test_everything_can_be_used_with_the_mouse(self):
         rows = self._arrive()
         for row in rows:
             self._read(row, self._click)
@@ -92,7 +92,7 @@ class NewUser(EndToEndTest):
         self.panel.find(ENTER)
         self.leave()
 
-    def test_goes_all_the_way_with_the_keyboard(self):
+    def test_everything_can_be_used_with_the_keyboard(self):
         rows = self._arrive()
         for row, key in zip(rows, ("Return", "Escape") * len(rows)):
             self._read(row, self._press_space_on)
@@ -103,7 +103,7 @@ class NewUser(EndToEndTest):
         self.panel.find(ENTER)
         self.leave()
 
-    def test_the_stop_button_is_announced_by_the_switches(self):
+    def test_the_stop_button_announces_that_switches_are_off(self):
         self._arrive()
         self.panel.switch(BUILD_QUALITY, True)
         with Announcements() as announcements:

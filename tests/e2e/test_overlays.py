@@ -27,7 +27,7 @@ RING_MIDDLE = TEXT_LEFT + 35
 RING_RADIUS = 35
 
 LATE = 0.5
-"""Seconds by which a panel may come or go early or late, including the time of a capture."""
+"""Seconds by which a panel may come or go early or late, with the time that a capture takes."""
 
 
 class OverlayTest(EndToEndTest):
@@ -110,7 +110,7 @@ class OverlayTest(EndToEndTest):
 class StopScreen(OverlayTest):
     def _assert_covered(self, picture):
         height, width, _ = picture.shape
-        # Nothing is drawn outside of the padding, nor right of the texts.
+        # Nothing is drawn in the padding or to the right of the texts.
         for name, part in {"left": picture[:, :TEXT_LEFT - 4], "top": picture[:80],
                            "right": picture[:, width // 2 + 200:],
                            "bottom": picture[height // 2 + 100:]}.items():
@@ -128,7 +128,7 @@ class StopScreen(OverlayTest):
         self.assertGreater(sentence.sum(), 1000)
 
     def _ring_share(self, picture):
-        """How much of the ring is white, from the top clockwise; makes sure that it is a ring."""
+        """The white share of the ring, from the top clockwise; fails if there is no ring."""
         edge = ~near(picture[395:700, TEXT_LEFT - 1:TEXT_LEFT + 2], BLUE)
         rows = edge.any(axis=1).nonzero()[0]
         middle = 395 + (rows[0] + rows[-1]) / 2
@@ -214,7 +214,7 @@ class Monitors(OverlayTest):
             subprocess.run(["xrandr", "--setmonitor", name, f"{half}/170x{height}/270+{x}+0",
                             output], env=self.environment, check=True)
 
-    def test_each_15_seconds_the_one_with_the_focused_window_is_covered(self):
+    def test_the_monitor_with_the_focused_window_is_covered_every_15_seconds(self):
         self._split_display()
         half = self.screen.width // 2
         left, right = (half - 1, self.corner[1]), (half, self.corner[1])
@@ -236,10 +236,10 @@ class Monitors(OverlayTest):
 
 
 class Clearing(OverlayTest):
-    """What takes away a panel that is up."""
+    """What removes a panel that is shown."""
 
     def await_stop_screen(self):
-        """Waits until a stop screen has been up for a second; when the effect was turned on."""
+        """Waits until a stop screen has been up for a second; returns what `turn_on` does."""
         switched = self.turn_on(STABILITY)
         shown = self.wait_for_color(BLUE, self.corner, 17)
         # It would go by itself only 5 s after it has come.
@@ -276,18 +276,18 @@ class ClearedByUser(Clearing):
 
 
 class ClearedBySignal(Clearing):
-    def test_that_asks_it_to_end(self):
+    def test_sigterm(self):
         self.await_stop_screen()
         asked = time.monotonic()
         self.program.terminate()
         self.assert_cleared(asked, 0.5)
         self.assertEqual(self.program.wait_for_exit()[0], 0)
 
-    def test_that_kills_it(self):
+    def test_sigkill(self):
         self.await_stop_screen()
         asked = time.monotonic()
         self.program.kill()
-        # The X server takes it away. Teardown can be slow under load.
+        # The X server removes the panel. Teardown can be slow under load.
         self.assert_cleared(asked, 10)
         self.assertEqual(self.program.wait_for_exit()[0], -signal.SIGKILL)
 

@@ -1,4 +1,4 @@
-"""A stop screen that is up goes even if the program cannot remove it."""
+"""A stop screen disappears even if the program stops, hangs or crashes."""
 
 import ctypes
 import os
@@ -33,7 +33,7 @@ def _ptrace(request, thread):
 
 class Leaving(Clearing):
     def launch(self, *arguments, **environment):
-        # As a shell starts a job: SIGTSTP stops no process of an orphaned process group.
+        # In its own process group, as a shell starts a job: SIGTSTP stops no orphaned group.
         self.program = self.session.run(
             [sys.executable, "-c", _AS_A_JOB, str(PROGRAM), *arguments],
             self.environment | environment, self.stack)
@@ -56,7 +56,7 @@ class Leaving(Clearing):
 
 
 class StoppedFromTheTerminal(Leaving):
-    def test_the_screen_goes_and_the_program_goes_on_when_it_is_continued(self):
+    def test_the_screen_goes_at_sigtstp_and_sigcont_resumes_the_program(self):
         switched = self.await_stop_screen()
         asked = self.signal(signal.SIGTSTP)
         self.assert_cleared(asked, 0.5)
@@ -74,7 +74,7 @@ class HungMainThread(Leaving):
         _ptrace(_PTRACE_INTERRUPT, self.program.pid)
         os.waitpid(self.program.pid, _ALL_THREADS)
 
-    def test_the_screen_goes_two_seconds_after_its_time(self):
+    def test_the_screen_is_removed_two_seconds_late(self):
         switched = self.await_stop_screen()
         before, after = switched
         self._halt_main_thread()
@@ -103,7 +103,7 @@ class Crash(Leaving):
 
 
 class ServerEnds(Leaving):
-    def test_the_program_ends_too_and_says_that_something_went_wrong(self):
+    def test_the_program_ends_with_an_error(self):
         self.await_stop_screen()
         os.kill(self.session.display.server_pid, signal.SIGKILL)
         status, _ = self.program.wait_for_exit(5)

@@ -29,14 +29,14 @@ LATE = 1.0
 """Seconds that a busy machine may be late."""
 
 EARLY = 0.1
-"""Seconds by which a line of the console or a sound may be dated too early."""
+"""Seconds by which the time of a console line or a sound may be too early."""
 
 
 class StartupTest(EndToEndTest):
     """The base of the tests of the sequence."""
 
     def wake(self, services):
-        """Wakes the machine up, once; returns when the sequence began."""
+        """Wakes the machine up once; returns the instant at which the sequence began."""
         before = len(self.times(PLAYING))
         self.wait_until_sleep_is_watched()
         services.sleep_and_wake()
@@ -64,7 +64,7 @@ class StartupTest(EndToEndTest):
 class Waking(StartupTest):
     listens = True
 
-    def test_a_wake_up_roars_for_as_long_as_the_clip(self):
+    def test_a_wake_up_plays_the_sequence_for_the_length_of_the_clip(self):
         clip = clips.length(TRACTOR)
         services = self.start_system_bus("login")
         self.skip_hardware_check()
@@ -88,7 +88,7 @@ class Waking(StartupTest):
         self.leave()
 
     def assert_roars(self, begin, end):
-        """The clip is heard above the rumble, which has nothing above 300 Hz, and the rumble."""
+        """Both are heard: the clip above 300 Hz, where the rumble has nothing, and the rumble."""
         samples = self.recording.samples(begin, end)
         spectrum = numpy.square(numpy.abs(numpy.fft.rfft(samples)))
         frequencies = numpy.fft.rfftfreq(len(samples), 1 / self.session.sound.RATE)
@@ -107,9 +107,9 @@ class Waking(StartupTest):
         self.leave()
 
     def _check_rise(self, services):
-        """Each step is heard but the first ones, which are too soft, and as loud as it should be.
+        """Each step but the first ones, which are too soft, is recorded at its volume.
 
-        Their common delay, on the way from the console's line to the ear, is no error.
+        A delay that all share, from the console line to the recording, is no error.
         """
         before = len(self.times(COMPLETE))
         begun = self.wake(services)
@@ -135,7 +135,7 @@ class Waking(StartupTest):
         _, correlation, gain = clips.find(heard, rumble(numpy.arange(2 * rate) / rate), rate)
         return gain if correlation >= 0.98 else None
 
-    def test_switched_off_it_stays_silent(self):
+    def test_switched_off_a_wake_up_is_silent(self):
         services = self.start_system_bus("login")
         panel = self.launch_into_control_panel(creak=False)
         self.wait_until(lambda: panel.is_on(STARTUP), "the switch, which is on at first")
@@ -151,7 +151,7 @@ class Waking(StartupTest):
 
 
 class OpenedAtLogin(StartupTest):
-    """On a desktop that leaves the keyboard where it is when a window comes."""
+    """On a desktop that does not give a new window the keyboard focus."""
 
     waits = True
 
@@ -168,7 +168,7 @@ class OpenedAtLogin(StartupTest):
             cls.enterClassContext(contextlib.ExitStack()),
             stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
-    def test_in_the_background_it_roars_once_after_half_a_second(self):
+    def test_in_the_background_it_plays_once_after_half_a_second(self):
         self.write_autostart_entry()
         self.launch(QUORVANE_RESOURCES=self.resources_with_silence(2))
         loaded, _ = self.program.console.wait_for(lambda line: line == GENERATED, GENERATED)
@@ -189,13 +189,13 @@ class OpenedAtLogin(StartupTest):
 
 
 class OpenedByHand(StartupTest):
-    """On a desktop that gives a new window the keyboard."""
+    """On a desktop that gives a new window the keyboard focus."""
 
     waits = True
 
     STARTS = 5
     MOST_LATE = 3
-    """The most starts that do not count, as the window was not in front within 0.5 s."""
+    """The most starts that may not count because the window was not in front in time."""
 
     def test_in_front_it_stays_silent(self):
         self.write_autostart_entry()
@@ -264,7 +264,7 @@ class Faults(StartupTest):
         # The decoder's library writes to standard error.
         self.leave("")
 
-    def test_without_a_sound_device_the_sequence_keeps_its_time(self):
+    def test_without_a_sound_device_the_sequence_takes_as_long(self):
         services = self.start_system_bus("login")
         self.skip_hardware_check()
         folder = self.resources_with_silence(3)

@@ -33,7 +33,7 @@ class WaylandTest(EndToEndTest):
         return picture[[0, 0, -1, -1], [0, -1, 0, -1]]
 
     def wait_for_corners(self, color, timeout):
-        """Waits until all four have a colour and returns when they were seen to."""
+        """Waits until all four have a colour and returns when that was seen."""
         self.wait_until(lambda: near(self.corners(), color).all(), f"{color} in the corners",
                         timeout)
         return time.monotonic()
@@ -58,14 +58,14 @@ class WaylandTest(EndToEndTest):
 
 
 class StopScreen(WaylandTest):
-    def test_comes_above_it(self):
+    def test_is_shown_above_a_full_screen_window(self):
         picture = self.check(STABILITY, BLUE, "stop-screen-wayland", (15, 15), (5, 5))
         self.assertGreater(near(picture, BLUE).mean(), 0.95)
         self.assertGreater(near(picture[240:320, 100:804], (255, 255, 255), 30).sum(), 1000)
 
 
 class Freeze(WaylandTest):
-    def test_comes_above_it_and_is_translucent(self):
+    def test_is_shown_above_a_full_screen_window_and_translucent(self):
         picture = self.check(PERFORMANCE, VEILED, "freeze-wayland", (20, 40), (3, 4))
         veiled = near(picture, VEILED)
         self.assertGreater(veiled.mean(), 0.95)
