@@ -1,4 +1,4 @@
-"""Driving a program as a screen reader would."""
+"""Controls a program as a screen reader would."""
 
 import os
 import time
@@ -17,7 +17,7 @@ BUTTON = Atspi.Role.PUSH_BUTTON
 SWITCHES = (Atspi.Role.CHECK_BOX, Atspi.Role.TOGGLE_BUTTON)
 
 READABLE_WITHIN = 5.0
-"""Seconds for which reading a tree may fail: it is changing, or the program is busy."""
+"""Seconds for which reading a tree may fail, as it is changing or the program is busy."""
 
 
 class ScreenReader:
@@ -165,11 +165,11 @@ class Application:
         return lambda: _do(button, ("press", "click"))
 
     def toggle(self, name):
-        """Turns a switch over."""
+        """Toggles a switch."""
         _do(self.find(name, *SWITCHES), ("toggle", "press", "click"))
 
     def switch(self, name, on):
-        """Turns a switch over and waits until it is on, or off."""
+        """Toggles a switch and waits until it is on, or off, as `on` says."""
         self.toggle(name)
         wait_until(lambda: self.is_on(name) == on, f'"{name}" to be {"on" if on else "off"}', 5.0)
 

@@ -61,7 +61,7 @@ def find(excerpt, samples, count):
 
 
 def _low_pass(samples, rate, cutoff=4000.0):
-    # Two resamplers agree on what is well below the highest frequencies, and only on that.
+    # Two resamplers agree only well below the highest frequencies.
     spectrum = numpy.fft.rfft(samples)
     spectrum[int(cutoff * len(samples) / rate):] = 0
     return numpy.fft.irfft(spectrum, len(samples))

@@ -20,7 +20,7 @@ class Display:
         manager.wait_until(lambda: self._xdotool_works("get_num_desktops"), "the window manager")
 
     def _start_server(self, env, stack, width, height):
-        # With -displayfd Xvfb picks a free number itself, which is free of races.
+        # With -displayfd Xvfb picks a free number itself, without a race.
         read_end, write_end = os.pipe()
         try:
             server = processes.Server(
@@ -70,7 +70,7 @@ class Display:
         return [int(line) for line in found.stdout.split()]
 
     def focused(self):
-        """The id of the window that has the keyboard."""
+        """The id of the window that has the keyboard focus."""
         return int(self.xdotool("getwindowfocus"))
 
     def geometry(self, window):
@@ -84,11 +84,11 @@ class Display:
         self.press_key("alt+F4")
 
     def minimise(self, window):
-        """Has the window manager put a window away."""
+        """Has the window manager minimise a window."""
         self.xdotool("windowminimize", window)
 
     def restore(self, window):
-        """Has the window manager bring a window back that was put away."""
+        """Has the window manager restore a minimised window."""
         self.xdotool("windowactivate", window)
 
     def screenshot(self, path, window="root"):

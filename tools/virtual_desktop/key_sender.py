@@ -27,7 +27,7 @@ class KeySender:
         stack.callback(_xlib.XCloseDisplay, self._display)
 
     def press(self, *keys):
-        """Presses keys by their X names at one instant; returns the earliest and latest it was."""
+        """Presses keys, by X name, at once; returns the earliest and latest possible instant."""
         return self._send(keys, True)
 
     def release(self, *keys):
@@ -35,7 +35,7 @@ class KeySender:
         return self._send(keys, False)
 
     def stroke(self, key):
-        """Presses and releases at once; returns the earliest and latest instant of the press."""
+        """Presses and releases a key; returns the earliest and latest instant of the press."""
         instants = self.press(key)
         self.release(key)
         return instants

@@ -32,7 +32,7 @@ def detail(path):
 
 
 def near(seen, wanted, tolerance=4):
-    """Whether colours are the same within `tolerance`: a truth value for each pixel."""
+    """Whether colours are the same within `tolerance`: a bool for each pixel."""
     return (numpy.abs(numpy.asarray(seen).astype(int) - wanted) <= tolerance).all(axis=-1)
 
 

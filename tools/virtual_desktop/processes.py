@@ -20,7 +20,7 @@ def _end_with_parent():
 
 
 def start(command, env, stack, **popen_options):
-    """Starts `command` (a list) with exactly the environment `env`; it is ended with `stack`."""
+    """Starts `command` (a list) with the environment `env`; closing `stack` ends it."""
     popen_options.setdefault("stdin", subprocess.DEVNULL)
     process = subprocess.Popen(command, env=env, preexec_fn=_end_with_parent, **popen_options)
     stack.callback(end, process)
@@ -49,7 +49,7 @@ def start_script(path, *arguments, env, stack):
 
 
 class Server:
-    """A server of the desktop, ended with `stack`; `log` has its lines on standard error."""
+    """A server of the desktop, until `stack` is closed; `log` has its lines on standard error."""
 
     def __init__(self, command, env, stack, **popen_options):
         self._name = os.path.basename(command[0])
@@ -64,7 +64,7 @@ class Server:
         self.process.stderr = None
 
     def wait_until(self, condition, what):
-        """Waits until it can be used; returns what `condition` returned."""
+        """Waits until `condition` returns something true, and returns that; else NotStarted."""
         def check():
             if self.process.poll() is not None:
                 raise self.failure(f"it ended with status {self.process.returncode}")
@@ -153,12 +153,15 @@ class Lines:
             return [arrived for arrived, line in self._lines if line == text]
 
     def since(self, start):
-        """The lines so far as text, each after its seconds since `start`."""
+        """The lines so far as text, each with its seconds since `start` in front."""
         with self._changed:
             return [f"{arrived - start:7.2f}  {text}" for arrived, text in self._lines]
 
     def wait_for(self, matches, what, timeout=10.0):
-        """Waits for a line for which `matches(text)` holds; returns its time and its text."""
+        """Waits for a line for which `matches(text)` holds; returns (instant, text).
+
+        `waiting.slowness` does not apply.
+        """
         deadline = time.monotonic() + timeout
         seen = 0
         with self._changed:

@@ -53,7 +53,7 @@ class Program:
         self._process.send_signal(signal.SIGKILL)
 
     def wait_for_exit(self, timeout=5.0):
-        """Waits for the end; returns the exit status (below zero: the signal) and the time."""
+        """Waits for the end; returns the exit status (below zero: the signal) and the instant."""
         try:
             status = self._process.wait(timeout)
         except subprocess.TimeoutExpired:

@@ -1,4 +1,4 @@
-"""Recorded sound on the clock of time.monotonic(), and how loud it was when."""
+"""Recorded sound, with instants of time.monotonic(), and its level over time."""
 
 import math
 import threading
@@ -32,7 +32,7 @@ class Recording:
 
     @property
     def end(self):
-        """The instant up to which there is sound."""
+        """The instant up to which there are samples."""
         return self.start + len(self._samples) / self.rate
 
     def samples(self, begin=-math.inf, end=math.inf):
@@ -57,7 +57,7 @@ class Recording:
         return len(self.loud_windows(begin, end, threshold)) * WINDOW
 
     def last_sound(self, begin, end, threshold=SILENCE):
-        """When the last window above `threshold` between two instants ended; None if all quiet."""
+        """When the last window above `threshold` dBFS in that time ended; None if there is none."""
         loud = self.loud_windows(begin, end, threshold)
         return loud[-1] + WINDOW if loud else None
 
@@ -77,8 +77,8 @@ class LiveRecording(Recording):
     def __init__(self, pipe, rate):
         self._pipe = pipe
         self._lock = threading.Lock()
-        # When the first sample sounded, by the block that came with the least delay. The server
-        # mixes a block of 20 ms ahead of its time, so this is early rather than late.
+        # `start` is estimated from the block that came with the least delay. The server mixes a
+        # block of 20 ms ahead of its time, so the estimate is early rather than late.
         super().__init__(bytearray(), rate, math.inf)
         threading.Thread(target=self._read, daemon=True).start()
 
@@ -95,7 +95,7 @@ class LiveRecording(Recording):
 
     @property
     def end(self):
-        """The instant up to which sound has been received."""
+        """The instant up to which samples have been received."""
         with self._lock:
             if not self._samples:
                 return -math.inf

@@ -1,4 +1,4 @@
-"""A desktop session of all these parts."""
+"""A desktop session: everything in this package, started and connected."""
 
 import contextlib
 import os

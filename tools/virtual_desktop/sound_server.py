@@ -13,10 +13,10 @@ DRY = ("Implicit underrun of", "due to end of underrun")
 it has samples again."""
 
 FRESH = ("Created input", "due to uncorking")
-"""What it logs of a stream that begins, or goes on after a pause; those underrun at first."""
+"""What it logs of a stream that begins or goes on after a pause; underruns are normal then."""
 
 SETTLED = 0.1
-"""Seconds after which such a stream has its first samples."""
+"""Seconds for which underruns of such a stream do not count."""
 
 
 class SoundServer:

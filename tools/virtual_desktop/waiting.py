@@ -3,7 +3,7 @@
 import time
 
 slowness = 1.0
-"""The factor of all timeouts, for a machine that is emulated."""
+"""The factor of the timeouts of `wait_until`, for an emulated machine."""
 
 
 class TimedOut(AssertionError):
@@ -11,7 +11,7 @@ class TimedOut(AssertionError):
 
 
 def wait_until(condition, what, timeout=10.0, interval=0.02):
-    """Polls `condition` until it returns something true, and returns that."""
+    """Polls `condition` until it returns something true, and returns that; else raises TimedOut."""
     deadline = time.monotonic() + timeout * slowness
     while True:
         result = condition()
