@@ -50,7 +50,7 @@ class Configuration(unittest.TestCase):
         for fact in ("Position-Independent Executable", "BIND_NOW", "GNU_RELRO", "__stack_chk_fail"):
             self.assertIn(fact, facts)
         self.assertEqual(program.read_bytes().count(os.fsencode(f"{ROOT}/platform")), 0)
-        # So small a program calls nothing that leaves a trace of this one.
+        # In so small a program _FORTIFY_SOURCE leaves no symbol to look for.
         self.assertIn("-D_FORTIFY_SOURCE=2", (folder / "compile_commands.json").read_text())
 
     def test_everything_that_is_missing_is_named_at_once(self):

@@ -16,7 +16,7 @@ from tidy import Tidy
 
 ROOT = Path(__file__).resolve().parents[2]
 
-# What each floor may include, besides itself.
+# What each layer (a folder of the root) may include, besides itself.
 FLOORS = {
     "base": (),
     "platform": ("base",),
@@ -49,11 +49,11 @@ CLOCKS = re.compile(
     r"|arc4random\w*|getrandom|getentropy)\s*\("
 )
 
-# What tells platforms apart: only platform/ may, and the main program, which chooses one.
+# Tests for a platform: only platform/ may have them, and the main program, which chooses one.
 PLATFORM_TESTS = re.compile(r"\b(QUORVANE_MACOS|__APPLE__|__linux__|Q_OS_\w+|Qt\.platform)\b")
 MAY_TEST_PLATFORM = re.compile(r"^(platform/|app/main\.cpp$)")
 
-# It measures the sounds in resources/ and runs hardly any code of the program.
+# Measures the sounds in resources/ and runs hardly any code of the program.
 NOT_SANITIZED = {"shipped_sounds"}
 
 
@@ -97,7 +97,7 @@ def test_classes(path):
 
 
 def unsanitized(commands):
-    """The test programs among the commands that no sanitizer run names."""
+    """The test programs among the commands that tests/sanitizers/run does not name."""
     programs = {Path(command[0]).name for command in commands
                 if any(word.startswith("--gtest_filter=") for word in command)}
     named = (ROOT / "tests/sanitizers/run").read_text()

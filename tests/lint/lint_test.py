@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""What the lint finds and what it accepts."""
+"""What lint.py, tidy.py and the clang-tidy plug-in find and what they accept."""
 
 import json
 import os
@@ -19,7 +19,7 @@ class Includes(unittest.TestCase):
         quote = line[0]
         return lint.include_problems(name, quote, line.strip('"<>'))
 
-    def test_downwards_is_accepted(self):
+    def test_includes_downwards_are_accepted(self):
         self.assertIsNone(self.problem("app/ContentView.cpp", '"effects/creak/AudioManager.h"'))
         self.assertIsNone(self.problem("sensing/LidAngleSensor.h", '"platform/HID.h"'))
         self.assertIsNone(self.problem("base/Format.cpp", "<charconv>"))
@@ -30,7 +30,7 @@ class Includes(unittest.TestCase):
         self.assertIsNone(
             self.problem("platform/linux/LinuxPlatform.h", '"platform/linux/hid/LinuxHID.h"'))
 
-    def test_upwards_and_sideways_is_a_problem(self):
+    def test_includes_upwards_and_sideways_are_problems(self):
         self.assertIn("a floor above", self.problem("base/Format.h", '"platform/HID.h"'))
         self.assertIn("a floor above", self.problem("effects/creak/A.h", '"sensing/B.h"'))
         self.assertIn("a floor above", self.problem("platform/linux/A.cpp", '"app/B.h"'))
@@ -43,7 +43,7 @@ class Includes(unittest.TestCase):
         self.assertIn("includes <unistd.h>", self.problem("sensing/A.cpp", "<unistd.h>"))
         self.assertIn("platform/linux", self.problem("app/A.cpp", '"platform/linux/B.h"'))
 
-    def test_includes_go_by_the_path_from_the_root(self):
+    def test_an_include_without_the_path_from_the_root_is_a_problem(self):
         self.assertIn("by its path", self.problem("app/screens/A.cpp", '"A.h"'))
 
 
@@ -59,7 +59,7 @@ class Clocks(unittest.TestCase):
             with self.subTest(code):
                 self.assertTrue(self.found(code))
 
-    def test_similar_words_are_not(self):
+    def test_similar_words_are_accepted(self):
         for code in ("random.uniform(bound);", "// steady_clock::now()", "/* rand() */",
                      "Random& random", "platform.random.uniform(1)", "double currentMediaTime() const;"):
             with self.subTest(code):
@@ -67,7 +67,7 @@ class Clocks(unittest.TestCase):
 
 
 class Platforms(unittest.TestCase):
-    def test_a_platform_is_tested_for_in_few_places_only(self):
+    def test_only_platform_and_main_may_test_for_a_platform(self):
         for code in ("#ifdef QUORVANE_MACOS", "#if defined(__APPLE__)", "#ifndef __linux__",
                      "#if defined(Q_OS_WIN)", 'source: Qt.platform.os === "osx" ? a : b'):
             with self.subTest(code):
@@ -105,7 +105,7 @@ class OwnCodeOnly(unittest.TestCase):
         return {name for name in ("left", "below", "here", "inside")
                 if f"variable '{name}' is not initialized" in output}
 
-    def test_it_checks_all_of_our_own_code(self):
+    def test_all_of_our_own_code_is_checked_and_no_other(self):
         self.assertEqual(self.complaints(), {"left", "below", "here", "inside"})
         self.assertEqual(self.complaints(f"--load={OWN_CODE_ONLY}"), {"below", "here", "inside"})
 

@@ -59,13 +59,13 @@ class Symbols(unittest.TestCase):
                 kind = [line.get(f"stroke{what}") for what in ("-width", "-linecap", "-linejoin")]
                 self.assertEqual(kind, ["2", "round", "round"], name)
 
-    def test_each_is_drawn_in_white_alone(self):
+    def test_each_is_drawn_in_white_only(self):
         for name in SYMBOLS:
             colours = {element.get(what) for _, element in elements(symbol(name))
                        for what in ("fill", "stroke")} - {None, "none"}
             self.assertEqual(colours, {"#ffffff"}, name)
 
-    def test_each_is_about_as_big_as_the_others_and_nowhere_cut_off(self):
+    def test_each_is_about_as_big_as_the_others_and_not_cut_off(self):
         # At four pixels a unit; nothing may touch the edge.
         for name in SYMBOLS:
             opacity = drawn(symbol(name), 96)[:, :, 3]
@@ -79,7 +79,7 @@ class Symbols(unittest.TestCase):
 
 
 class Drawings(unittest.TestCase):
-    def test_each_keeps_to_what_qt_can_draw(self):
+    def test_each_has_only_elements_that_qt_can_draw(self):
         files = [symbol(name) for name in SYMBOLS] + [RESOURCES / "logo.svg",
                                                       RESOURCES / "icon.svg"]
         for path in files:
@@ -93,7 +93,7 @@ class Drawings(unittest.TestCase):
         self.assertEqual(corners.tolist(), [0, 0, 0, 0])
         self.assertGreater((logo[:, :, 3] > 127).mean(), 0.3)
 
-    def test_logo_is_what_its_drawing_shows(self):
+    def test_logo_png_shows_logo_svg(self):
         logo = pixels(RESOURCES / "logo.png", "rgba").astype(int)
         redrawn = drawn(RESOURCES / "logo.svg", logo.shape[1]).astype(int)
         self.assertEqual(logo.shape, redrawn.shape)

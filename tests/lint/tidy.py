@@ -16,7 +16,7 @@ def digest(file):
 
 
 def files_read(listing):
-    """What each object file was compiled from, by the output of `ninja -t deps`."""
+    """What each object file was compiled from, according to `ninja -t deps`."""
     files = {}
     for block in listing.split("\n\n"):
         heading, *lines = block.strip().splitlines() or [""]
@@ -87,7 +87,7 @@ class Tidy:
         return hashlib.sha256("\n".join(parts).encode()).hexdigest()
 
     def is_known(self, name):
-        """Whether clang-tidy had no complaints about the source as it is."""
+        """Whether clang-tidy has checked the source as it is and had no complaints."""
         stamp = self._stamp(name)
         return stamp.exists() and stamp.read_text() == self.state(name)
 
