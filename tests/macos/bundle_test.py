@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""The Mac's bundle, as far as it can be tested without a Mac."""
+"""The macOS bundle, as far as it can be tested without a Mac."""
 
 import plistlib
 import re
@@ -12,7 +12,7 @@ ROOT = Path(__file__).resolve().parents[2]
 RESOURCES = ROOT / "resources"
 BUNDLE = (ROOT / "app/MacBundle.cmake").read_text()
 
-# The two parts of the build that are for a Mac only, with an empty program.
+# The two parts of the build that are for macOS only, with an empty program.
 PROJECT = f"""
 cmake_minimum_required(VERSION 3.25)
 project(Quorvane VERSION 1.2.3 LANGUAGES CXX)
@@ -61,7 +61,7 @@ class Build(unittest.TestCase):
         self.commands = (self.build / "build.ninja").read_text()
         self.installing = (self.build / "cmake_install.cmake").read_text()
 
-    def test_every_icon_of_the_set_is_drawn_in_its_size(self):
+    def test_every_icon_is_drawn_at_its_size(self):
         drawn = re.findall(r"--width (\d+) --height (\d+) --output \S+/Quorvane.iconset/(\S+)",
                            self.commands)
         expected = {(size * scale, f"icon_{size}x{size}{'@2x' * (scale - 1)}.png")
@@ -113,7 +113,7 @@ class InfoPropertyList(unittest.TestCase):
                 self.assertTrue(value)
                 self.assertNotIn("$", str(value))
 
-    def test_it_says_what_the_program_is(self):
+    def test_it_names_and_identifies_the_program(self):
         self.assertEqual(self.info["CFBundleName"], "Quorvane")
         self.assertEqual(self.info["CFBundleExecutable"], "Quorvane")
         self.assertRegex(self.info["CFBundleIdentifier"], r"^[A-Za-z0-9-]+(\.[A-Za-z0-9-]+)+$")
@@ -127,7 +127,7 @@ class InfoPropertyList(unittest.TestCase):
         self.assertIs(self.info["NSHighResolutionCapable"], True)
         self.assertNotIn("LSUIElement", self.info)
 
-    def test_the_build_aims_at_the_same_system(self):
+    def test_the_deployment_target_is_the_same_system(self):
         build = (ROOT / "CMakeLists.txt").read_text()
         oldest = re.search(r"CMAKE_OSX_DEPLOYMENT_TARGET (\S+) CACHE", build).group(1)
         self.assertEqual(oldest, self.info["LSMinimumSystemVersion"])
@@ -135,7 +135,7 @@ class InfoPropertyList(unittest.TestCase):
 
 
 class Entitlements(unittest.TestCase):
-    def test_they_are_few_and_leave_the_program_out_of_the_sandbox(self):
+    def test_jit_is_the_only_one_and_the_sandbox_is_off(self):
         entitlements = plistlib.loads((RESOURCES / "macos/Quorvane.entitlements").read_bytes())
         # A sandbox forbids event taps; other entitlements would weaken the hardened runtime.
         self.assertEqual(entitlements, {"com.apple.security.cs.allow-jit": True})

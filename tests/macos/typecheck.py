@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Compiles platform/macos against the declarations beside this file, as far as types go.
+"""Type-checks platform/macos against the declarations in tests/macos/frameworks.
 
 Usage: typecheck.py [FILE ...]; without a FILE every file of platform/macos. Prints the problems;
 the status is 1 if there are any.
