@@ -1,4 +1,4 @@
-"""An empty Debian 12 in a folder, in which commands run as on a machine of their own."""
+"""An empty Debian 12 in a folder, and commands that run in it."""
 
 import os
 import pathlib
@@ -71,5 +71,5 @@ class EmptyRoot:
         return done.returncode, done.stdout
 
     def file(self, path):
-        """The path of one of its files on this machine."""
+        """The path, on this machine, of a file in the system."""
         return pathlib.Path(self.path, path.lstrip("/"))
