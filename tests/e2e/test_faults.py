@@ -80,7 +80,7 @@ class Faults(EndToEndTest):
     def test_a_damaged_sound_is_reported_and_silent(self):
         self._check_that_it_is_reported_and_silent(self.resources_with_damaged("creaking.mp3"))
 
-    def test_without_a_sound_server_it_is_silent_until_one_starts(self):
+    def test_it_is_silent_until_a_sound_server_starts(self):
         services = self.start_system_bus("login", "power")
         late = self.session.sound_server("late")
         self.launch_into_control_panel(creak=True, PULSE_SERVER=late.address)

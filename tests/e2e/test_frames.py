@@ -53,7 +53,7 @@ class Frames(EndToEndTest):
         self._wait_for_frames("glow and particles")
         self.leave(OWN_LINES)
 
-    def test_a_graphics_driver_is_loaded_only_if_a_graphics_card_can_be_opened(self):
+    def test_a_graphics_driver_is_loaded_only_with_a_graphics_card(self):
         devices = pathlib.Path("/dev")
         cards = [card for card in (*devices.glob("dri/renderD*"), *devices.glob("nvidiactl"))
                  if os.access(card, os.R_OK | os.W_OK)]
@@ -87,11 +87,11 @@ class Frames(EndToEndTest):
     def test_no_frames_are_drawn_with_reduced_motion(self):
         portal = self.session.settings_portal(self.stack)
         self._launch()
-        self._wait_for_no_frames("less motion is asked for")
+        self._wait_for_no_frames("reduced motion is requested")
         portal.ask_for_usual_motion()
-        self._wait_for_frames("the usual motion is asked for")
+        self._wait_for_frames("the usual motion is requested")
         portal.ask_for_less_motion()
-        self._wait_for_no_frames("less motion is asked for again")
+        self._wait_for_no_frames("reduced motion is requested again")
         self.leave(OWN_LINES)
 
     def test_without_a_portal_gtk_settings_ask_for_reduced_motion(self):
@@ -99,7 +99,7 @@ class Frames(EndToEndTest):
         folder.mkdir(parents=True)
         (folder / "settings.ini").write_text("[Settings]\ngtk-enable-animations=0\n")
         self._launch()
-        self._wait_for_no_frames("less motion is asked for")
+        self._wait_for_no_frames("reduced motion is requested")
         self.leave(OWN_LINES)
 
 

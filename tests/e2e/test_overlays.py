@@ -214,7 +214,7 @@ class Monitors(OverlayTest):
             subprocess.run(["xrandr", "--setmonitor", name, f"{half}/170x{height}/270+{x}+0",
                             output], env=self.environment, check=True)
 
-    def test_the_monitor_with_the_focused_window_is_covered_every_15_seconds(self):
+    def test_the_focused_windows_monitor_is_covered_every_15_seconds(self):
         self._split_display()
         half = self.screen.width // 2
         left, right = (half - 1, self.corner[1]), (half, self.corner[1])

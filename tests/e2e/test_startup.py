@@ -64,7 +64,7 @@ class StartupTest(EndToEndTest):
 class Waking(StartupTest):
     listens = True
 
-    def test_a_wake_up_plays_the_sequence_for_the_length_of_the_clip(self):
+    def test_a_wake_up_plays_the_sequence_as_long_as_the_clip(self):
         clip = clips.length(TRACTOR)
         services = self.start_system_bus("login")
         self.skip_hardware_check()
