@@ -9,7 +9,6 @@
 #include <QSettings>
 #include <QStandardPaths>
 
-
 namespace quorvane {
 
 namespace {
