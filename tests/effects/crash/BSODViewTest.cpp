@@ -1,13 +1,12 @@
+#include "effects/crash/BSODView.h"
+
 #include <array>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "effects/crash/BSODView.h"
-#include "effects/crash/FreezeView.h"
 #include "platform/simulated/SimulatedScreens.h"
 
 namespace quorvane {
@@ -245,65 +244,6 @@ TEST_F(BSODViewTest, NotifiesOfEachChangeOfTheProgressUntilItIsCancelled) {
 
 TEST_F(BSODViewTest, HasNoSpinner) {
     EXPECT_FALSE(view.spinner(canvas, notebook));
-}
-
-TEST(FreezeView, FillsTheScreenWithTranslucentWhite) {
-    SimulatedCanvas canvas;
-    FreezeView().drawStill(canvas, notebook);
-    ASSERT_EQ(canvas.fills.size(), 1U);
-    EXPECT_EQ(canvas.fills[0].rect, (Rect{.x = 0, .y = 0, .width = 1440, .height = 900}));
-    EXPECT_EQ(canvas.fills[0].color, white(0.55));
-}
-
-TEST(FreezeView, DrawsItsTextInGrey) {
-    SimulatedCanvas canvas;
-    FreezeView().drawStill(canvas, notebook);
-    ASSERT_THAT(textsOn(canvas), ElementsAre("(Not Responding)"));
-    const TextStyle& style = canvas.texts[0].style;
-    EXPECT_EQ(style.size, 22);
-    EXPECT_EQ(style.weight, Weight::Medium);
-    EXPECT_NEAR(style.color.red * 255, 142, tolerance);
-    EXPECT_NEAR(style.color.green * 255, 142, tolerance);
-    EXPECT_NEAR(style.color.blue * 255, 147, tolerance);
-    EXPECT_EQ(style.color.alpha, 0.8);
-}
-
-TEST(FreezeView, TheSpinnerIsGreyAndThreeTimesItsOwnSize) {
-    SimulatedCanvas canvas;
-    const auto spinner = FreezeView().spinner(canvas, notebook);
-    ASSERT_TRUE(spinner);
-    EXPECT_EQ(spinner->scale, 3);
-    EXPECT_NEAR(spinner->tint.red * 255, 142, tolerance);
-    EXPECT_NEAR(spinner->tint.green * 255, 142, tolerance);
-    EXPECT_NEAR(spinner->tint.blue * 255, 147, tolerance);
-    EXPECT_EQ(spinner->tint.alpha, 1);
-}
-
-TEST(FreezeView, CentresSpinnerAndTextOnEveryScreen) {
-    for (const Size size :
-         {notebook, Size{.width = 800, .height = 1280}, Size{.width = 3840, .height = 2160}}) {
-        SimulatedCanvas canvas;
-        const FreezeView view;
-        view.drawStill(canvas, size);
-        // The spinner keeps the 32 points of its own size; below it come 20 of spacing and 20 of
-        // padding, and the text, 176 by 26.4.
-        const double top = (size.height - (32 + 20 + 20 + 26.4)) / 2;
-        const auto spinner = view.spinner(canvas, size);
-        ASSERT_TRUE(spinner);
-        EXPECT_NEAR(spinner->centerX, size.width / 2, tolerance);
-        EXPECT_NEAR(spinner->centerY, top + 16, tolerance);
-        const Rect& room = canvas.textStarting("(Not Responding)").room;
-        EXPECT_NEAR(room.x, (size.width - 176) / 2, tolerance);
-        EXPECT_NEAR(room.y, top + 32 + 20 + 20, tolerance);
-    }
-}
-
-TEST(FreezeView, HasNothingThatChangesButTheSpinner) {
-    const FreezeView view;
-    SimulatedCanvas canvas;
-    view.drawChanging(canvas, notebook);
-    EXPECT_TRUE(canvas.texts.empty() && canvas.fills.empty() && canvas.arcs.empty());
-    EXPECT_EQ(view.changingBounds(canvas, notebook), Rect{});
 }
 
 } // namespace
