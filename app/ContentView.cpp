@@ -77,7 +77,7 @@ void ContentView::addEffectRow(SwitchedEffect& effect) {
     effect.activeFollowed = isActive.observe([&effect] { effect.hint = std::string(); });
 }
 
-void ContentView::switchEffect(SwitchedEffect& effect, bool on) {
+void ContentView::switchEffect(SwitchedEffect& effect, bool on) const {
     EffectManager& manager = *effect.manager;
     on ? manager.start() : manager.stop();
     if (!manager.hasPermission())

@@ -146,7 +146,7 @@ private:
     [[nodiscard]] static std::deque<SwitchedEffect> makeEffects(const std::vector<Effect>& effects);
     void makeToggleRows();
     void addEffectRow(SwitchedEffect& effect);
-    void switchEffect(SwitchedEffect& effect, bool on);
+    void switchEffect(SwitchedEffect& effect, bool on) const;
     void finishHardwareCheck();
     void startAnimations();
     void startFloatingAnimation();
