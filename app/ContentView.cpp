@@ -106,6 +106,7 @@ void ContentView::onAppear() {
 void ContentView::onDisappear() {
     stopAudio();
     m_sensor->stop();
+    updateScreen({});
 }
 
 void ContentView::startAnimations() {
@@ -160,25 +161,25 @@ void ContentView::confirmHardwareCheck() {
 
 void ContentView::enterSufferingMode() {
     m_sufferingMode = true;
-    updateScreen(screenSpring);
     m_sensor->start();
+    updateScreen(screenSpring);
 }
 
 void ContentView::autoStart() {
     if (m_sufferingMode)
         return;
     m_sufferingMode = true;
-    updateScreen({});
     m_sensor->start();
+    updateScreen({});
 }
 
 void ContentView::leaveSufferingMode() {
-    stopAudio(screenSpring);
+    stopAudio();
+    updateScreen(screenSpring);
 }
 
-void ContentView::stopAudio(const Animation& animation) {
+void ContentView::stopAudio() {
     m_sufferingMode = false;
-    updateScreen(animation);
     m_audioEnabled = false;
     endVelocityFeed();
     m_audioManager->stop();

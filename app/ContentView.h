@@ -125,8 +125,6 @@ public:
     /// The popup's "OK". Its texts stay until the next info button.
     void dismissInfo();
 
-    /// Leaves suffering mode and stops everything but the sensor.
-    void stopAudio(const Animation& animation = {});
     /// Whether the model name contains "macbook", in any letter case.
     [[nodiscard]] bool isRunningOnMacBook() const;
 
@@ -154,6 +152,10 @@ private:
     void startVelocityFeed();
     void endVelocityFeed();
     void autoStart();
+    /// Leaves suffering mode and stops everything but the sensor.
+    void stopAudio();
+    /// Comes last in each operation: making a screen takes time, and an effect that is to stop must
+    /// not be heard or seen meanwhile.
     void updateScreen(const Animation& animation);
 
     Platform m_platform;

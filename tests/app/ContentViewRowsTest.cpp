@@ -259,7 +259,7 @@ TEST_F(ContentViewSwitchesTest, TheStopButtonClearsTheHint) {
     makeReturningView();
     keyboard->canStart = false;
     row("Keyboard").setOn(true);
-    view->stopAudio();
+    view->leaveSufferingMode();
     EXPECT_EQ(row("Keyboard").hint->get(), "");
 }
 

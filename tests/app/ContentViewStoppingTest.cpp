@@ -13,7 +13,7 @@ using Screen = ContentView::Screen;
 
 using ContentViewStoppingTest = ContentViewFixture;
 
-TEST_F(ContentViewStoppingTest, TheStopButtonStopsEverythingInItsOrderAndShowsTheWarning) {
+TEST_F(ContentViewStoppingTest, TheStopButtonStopsEverythingInItsOrderAndThenShowsTheWarning) {
     makeReturningView().enterSufferingMode();
     for (const ToggleRow& each : view->toggleRows())
         each.setOn(true);
@@ -35,9 +35,8 @@ TEST_F(ContentViewStoppingTest, TheStopButtonStopsEverythingInItsOrderAndShowsTh
     const auto playing = view->audioManager().isPlaying().observe(note("creak"));
     const auto sound = startup.startupSoundEnabled().observe(note("startup"));
     view->leaveSufferingMode();
-    EXPECT_THAT(order,
-                ElementsAre("sufferingMode", "screen", "audioEnabled", "creak", "keyboard stop",
-                            "fan stop", "bsod stop", "freeze stop", "startup"));
+    EXPECT_THAT(order, ElementsAre("sufferingMode", "audioEnabled", "creak", "keyboard stop",
+                                   "fan stop", "bsod stop", "freeze stop", "startup", "screen"));
     EXPECT_EQ(view->screen(), Screen::Warning);
 }
 
@@ -59,7 +58,7 @@ TEST_F(ContentViewStoppingTest, TheVelocityFeedHasEndedBeforeTheCreakIsStopped) 
     const auto stops = [&] { return std::count(node.begin(), node.end(), "stop"); };
     std::vector<std::pair<bool, long>> enabledAndStops;
     runLoop.onInvalidate = [&] { enabledAndStops.emplace_back(watched.audioEnabled(), stops()); };
-    watched.stopAudio();
+    watched.leaveSufferingMode();
     EXPECT_EQ(stops(), 1);
     watched.setHingeCreak(true);
     watched.setHingeCreak(false);
@@ -96,7 +95,7 @@ TEST_F(ContentViewStoppingTest, AStartupSoundThatIsOffAlreadyIsNotNotified) {
     startup.startupSoundEnabled() = false;
     int notices = 0;
     const auto subscription = startup.startupSoundEnabled().observe([&] { ++notices; });
-    view->stopAudio();
+    view->leaveSufferingMode();
     EXPECT_EQ(notices, 0);
 }
 
@@ -109,15 +108,16 @@ TEST_F(ContentViewStoppingTest, TheStopButtonLeavesTheSensorRunningAndDisappeari
     EXPECT_FALSE(view->sensor().isRunning());
 }
 
-TEST_F(ContentViewStoppingTest, DisappearingStopsEverythingAndThenTheSensor) {
+TEST_F(ContentViewStoppingTest, DisappearingStopsEverythingThenTheSensorAndThenChangesTheScreen) {
     addLid(100);
     makeReturningView().enterSufferingMode();
     view->setHingeCreak(true);
     std::vector<std::string> order;
     const auto enabled = view->audioEnabled().observe([&] { order.emplace_back("audioEnabled"); });
     const auto running = view->sensor().isRunning().observe([&] { order.emplace_back("sensor"); });
+    const auto screen = view->screen().observe([&] { order.emplace_back("screen"); });
     view->onDisappear();
-    EXPECT_THAT(order, ElementsAre("audioEnabled", "sensor"));
+    EXPECT_THAT(order, ElementsAre("audioEnabled", "sensor", "screen"));
     EXPECT_THAT(calls, ElementsAre("keyboard stop", "fan stop", "bsod stop", "freeze stop"));
 }
 

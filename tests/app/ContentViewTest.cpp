@@ -97,13 +97,13 @@ TEST_F(ContentViewTest, TheAnimationIsSetBeforeTheScreenChanges) {
         view->screen().observe([&] { curves.push_back(view->screenAnimation().curve); });
     view->confirmHardwareCheck();
     view->enterSufferingMode();
-    view->stopAudio();
+    view->onDisappear();
     machine.defaultCenter.post("autoStartSimulation");
     using Curve = Animation::Curve;
     EXPECT_THAT(curves, ElementsAre(Curve::Spring, Curve::Spring, Curve::None, Curve::None));
 }
 
-TEST_F(ContentViewTest, ThePanelIsEnteredBeforeTheSensorStarts) {
+TEST_F(ContentViewTest, TheSensorHasStartedBeforeThePanelIsShown) {
     addLid(100);
     makeReturningView();
     std::vector<std::string> order;
@@ -111,7 +111,11 @@ TEST_F(ContentViewTest, ThePanelIsEnteredBeforeTheSensorStarts) {
     const auto screen = view->screen().observe([&] { order.emplace_back("screen"); });
     const auto running = view->sensor().isRunning().observe([&] { order.emplace_back("sensor"); });
     view->enterSufferingMode();
-    EXPECT_THAT(order, ElementsAre("suffering", "screen", "sensor"));
+    EXPECT_THAT(order, ElementsAre("suffering", "sensor", "screen"));
+    view->onDisappear();
+    order.clear();
+    machine.defaultCenter.post("autoStartSimulation");
+    EXPECT_THAT(order, ElementsAre("suffering", "sensor", "screen"));
 }
 
 TEST_F(ContentViewTest, EnteringStartsTheSensorAndNoEffect) {
