@@ -31,11 +31,18 @@ double draw(Random& random, const Range& range) {
     return uniformInRange(random.uniform(uniformDrawBound), range.low, range.high);
 }
 
-FloatingEmoji makeEmoji(Random& random) {
+// Sets the version, 4, and the variant, binary 10, in otherwise random bits.
+std::pair<std::uint64_t, std::uint64_t> drawUUID(Random& random) {
     constexpr auto anyBits = std::numeric_limits<std::uint64_t>::max();
+    const std::uint64_t upper = random.uniform(anyBits);
+    const std::uint64_t lower = random.uniform(anyBits);
+    return {(upper & 0xFFFF'FFFF'FFFF'0FFF) | 0x4000,
+            (lower & 0x3FFF'FFFF'FFFF'FFFF) | 0x8000'0000'0000'0000};
+}
+
+FloatingEmoji makeEmoji(Random& random) {
     FloatingEmoji emoji;
-    emoji.id.first = random.uniform(anyBits);
-    emoji.id.second = random.uniform(anyBits);
+    emoji.id = drawUUID(random);
     emoji.x = draw(random, xRange);
     emoji.y = draw(random, yRange);
     emoji.size = draw(random, sizeRange);

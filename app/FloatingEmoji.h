@@ -13,7 +13,7 @@ struct FloatingEmoji {
     /// What every particle shows.
     static constexpr const char* glyph = "😭";
 
-    /// Random identity; never changes.
+    /// Identity: the upper and the lower half of a random UUID (version 4). Never changes.
     std::pair<std::uint64_t, std::uint64_t> id;
     /// Centre in points; y grows downward.
     double x = 0;

@@ -13,20 +13,22 @@ namespace {
 constexpr std::uint64_t lowest = 0;
 constexpr std::uint64_t highest = 9007199254740992;
 constexpr std::uint64_t middle = 4503599627370496;
+// Draws of 64 bits end here.
+constexpr std::uint64_t bits = 18446744073709551615U;
 
 TEST(FloatingEmoji, DrawsEachValueUniformlyInTheOrderOfTheFields) {
     SimulatedRandom random;
     random.script({11, 12, lowest, highest, middle, lowest, highest, middle});
     const auto emojis = FloatingEmoji::generate(1, random);
     ASSERT_EQ(emojis.size(), 1U);
-    EXPECT_EQ(emojis[0].id, (std::pair<std::uint64_t, std::uint64_t>(11, 12)));
+    EXPECT_EQ(emojis[0].id,
+              (std::pair<std::uint64_t, std::uint64_t>(0x400B, 0x8000'0000'0000'000C)));
     EXPECT_EQ(emojis[0].x, 0);
     EXPECT_EQ(emojis[0].y, 700);
     EXPECT_EQ(emojis[0].size, 50);
     EXPECT_EQ(emojis[0].opacity, 0.08);
     EXPECT_EQ(emojis[0].speed, 40);
     EXPECT_EQ(emojis[0].drift, 0);
-    constexpr std::uint64_t bits = 18446744073709551615U;
     EXPECT_THAT(random.bounds(), testing::ElementsAre(bits, bits, highest, highest, highest,
                                                       highest, highest, highest));
 }
@@ -34,12 +36,23 @@ TEST(FloatingEmoji, DrawsEachValueUniformlyInTheOrderOfTheFields) {
 TEST(FloatingEmoji, ReachesBothEndsOfEveryRange) {
     SimulatedRandom random;
     random.script({0, 0, lowest, lowest, lowest, lowest, lowest, lowest});
-    random.script({1, 1, highest, highest, highest, highest, highest, highest});
+    random.script({bits, bits, highest, highest, highest, highest, highest, highest});
     const auto emojis = FloatingEmoji::generate(2, random);
-    const FloatingEmoji low{
-        .id = {0, 0}, .x = 0, .y = -100, .size = 40, .opacity = 0.08, .speed = 15, .drift = -30};
-    const FloatingEmoji high{
-        .id = {1, 1}, .x = 500, .y = 700, .size = 60, .opacity = 0.2, .speed = 40, .drift = 30};
+    // UUIDs of version 4: all bits but those of the version and the variant are random.
+    const FloatingEmoji low{.id = {0x0000'0000'0000'4000, 0x8000'0000'0000'0000},
+                            .x = 0,
+                            .y = -100,
+                            .size = 40,
+                            .opacity = 0.08,
+                            .speed = 15,
+                            .drift = -30};
+    const FloatingEmoji high{.id = {0xFFFF'FFFF'FFFF'4FFF, 0xBFFF'FFFF'FFFF'FFFF},
+                             .x = 500,
+                             .y = 700,
+                             .size = 60,
+                             .opacity = 0.2,
+                             .speed = 40,
+                             .drift = 30};
     EXPECT_THAT(emojis, testing::ElementsAre(low, high));
 }
 
@@ -55,6 +68,14 @@ TEST(FloatingEmoji, NoneAtAllIsAnEmptyList) {
 TEST(FloatingEmojiDeathTest, ANegativeCountEndsTheProgram) {
     SimulatedRandom random;
     EXPECT_DEATH((void)FloatingEmoji::generate(-1, random), "");
+}
+
+TEST(FloatingEmoji, IdentitiesAreUUIDsOfVersion4) {
+    SimulatedRandom random;
+    for (const auto& emoji : FloatingEmoji::generate(100, random)) {
+        EXPECT_EQ(emoji.id.first >> 12U & 0xFU, 4U);
+        EXPECT_EQ(emoji.id.second >> 62U, 2U);
+    }
 }
 
 TEST(FloatingEmoji, IdentitiesDiffer) {
