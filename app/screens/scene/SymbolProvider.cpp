@@ -24,7 +24,7 @@ QImage drawnSymbol(const QString& name, const QSize& size) {
 
 QImage SymbolProvider::requestImage(const QString& id, QSize* size, const QSize& requestedSize) {
     const auto own = m_desktop.symbol(id.toStdString(), requestedSize.width());
-    QImage image = own ? imageOf(*own) : drawnSymbol(id, requestedSize);
+    QImage image = own && own->height > 0 ? imageOf(*own) : drawnSymbol(id, requestedSize);
     *size = image.size();
     return image;
 }

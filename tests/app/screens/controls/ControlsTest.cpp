@@ -6,6 +6,8 @@
 #include <cmath>
 #include <utility>
 
+#include "app/screens/scene/SymbolProvider.h"
+
 namespace quorvane {
 namespace {
 
@@ -83,6 +85,14 @@ TEST_F(Controls, SymbolsAreTheDesktopsOwnWhereItHasThem) {
     const QPointF middle(79, placeOf("Startup").top() + 13);
     const QColor night = at(middle - QPointF(13, 0));
     expectNear(at(middle), over(night, QColor(200, 100, 50), 0.7));
+}
+
+TEST_F(Controls, AnEmptySymbolOfTheDesktopIsReplacedByTheProgramsOwn) {
+    m_desktop.everySymbol = SymbolPicture{};
+    QSize size;
+    const QImage drawn = SymbolProvider(m_desktop).requestImage("power", &size, {18, 18});
+    EXPECT_EQ(size, QSize(18, 18));
+    EXPECT_EQ(drawn.size(), QSize(18, 18));
 }
 
 TEST_F(Controls, ControlsShowThatTheMouseIsOnThemAndPresses) {
