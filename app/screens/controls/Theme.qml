@@ -3,10 +3,10 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 
-// The colours that the screens share.
+// The colours that the screens share: the system's, as in its light appearance.
 QtObject {
     readonly property color red: "#ff3b30"
-    readonly property color yellow: "#ffd60a"
+    readonly property color yellow: "#ffcc00"
     readonly property color green: "#34c759"
     readonly property color cyan: "#32ade6"
     readonly property color blue: "#007aff"

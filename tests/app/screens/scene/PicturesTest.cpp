@@ -54,6 +54,19 @@ TEST_F(Pictures, MarksHaveTheirColours) {
     EXPECT_EQ(countOf(cross, markOf("Launch at login"), 30), 0);
 }
 
+TEST_F(Pictures, ResultsAreGreenIfPassedAndYellowIfFailed) {
+    launch();
+    runCheck();
+    settle();
+    for (const auto& [words, color] :
+         {std::pair("Force Touch trackpad detected", QColor("#34c759")),
+          {"Lid sensor not found — this feature won't be available", QColor("#ffcc00")}}) {
+        const QRectF place = placeOf(words);
+        const QColor ground = at({place.left() - 4, place.center().y()});
+        EXPECT_GT(countOf(over(ground, color, 0.7), place, 3), 100) << words;
+    }
+}
+
 TEST_F(Pictures, TheWarningSignIsInColour) {
     launchChecked();
     savePicture("warning");

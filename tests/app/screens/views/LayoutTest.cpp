@@ -4,7 +4,7 @@ namespace quorvane {
 namespace {
 
 const QColor red("#ff3b30");
-const QColor yellow("#ffd60a");
+const QColor yellow("#ffcc00");
 const QColor green("#34c759");
 const QColor cyan("#32ade6");
 
@@ -87,6 +87,7 @@ TEST_F(Layout, TheWarningHasItsFontsAndColours) {
     launchChecked();
     const Look sentence{.size = 18};
     EXPECT_EQ(lookOf("⚠️").size, 80);
+    EXPECT_EQ(text("⚠️")->property("glowColor").value<QColor>(), yellow);
     EXPECT_EQ(lookOf("CAUTION"), (Look{.size = 36, .weight = QFont::Black}));
     EXPECT_EQ(lookOf("YOU ARE ABOUT TO SEE WHAT"), (Look{.size = 18, .weight = QFont::Black}));
     EXPECT_EQ(lookOf("MILLIONS").size, 42);
