@@ -53,7 +53,7 @@ CommandLineError unknown(std::string_view argument) {
 std::variant<CommandLine, CommandLineError>
 parseCommandLine(std::span<const char* const> arguments) {
     CommandLine result;
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
+    for (std::size_t i = 1; i < arguments.size(); ++i) {
         const std::string_view argument = arguments[i];
         const std::optional<Mode> mode = modeOf(argument);
         if (!mode)

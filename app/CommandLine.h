@@ -30,8 +30,9 @@ struct CommandLineError {
     std::string description;
 };
 
-/// Parses `arguments`, which do not include the program's own name. Help and version win over other
-/// valid options, and the first of them over the other.
+/// Parses main()'s `arguments`, of which the first, if there is any, is the program's own name.
+/// Help and version win over other valid options, and the first of them over the other. A file
+/// whose name begins with a dash is given as "--simulated=FILE".
 [[nodiscard]] std::variant<CommandLine, CommandLineError>
 parseCommandLine(std::span<const char* const> arguments);
 

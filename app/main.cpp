@@ -7,8 +7,7 @@
 #include <cstdio>
 #include <memory>
 #include <optional>
-#include <span>
-#include <vector>
+#include <string>
 
 #include "app/CommandLine.h"
 #include "app/OrrowinApp.h"
@@ -154,12 +153,12 @@ int main(int argc, char** argv) {
     // Writing to a closed pipe must not end the program.
     std::signal(SIGPIPE, SIG_IGN);
 
-    const std::span<char* const> arguments(argv, static_cast<std::size_t>(argc));
-    const std::vector<const char*> options(arguments.begin() + 1, arguments.end());
-    const auto commandLine = parseCommandLine(options);
+    const auto commandLine = parseCommandLine({argv, static_cast<std::size_t>(argc)});
     if (const auto* error = std::get_if<CommandLineError>(&commandLine)) {
         printError(error->description + " (--help tells what there is)");
         return badUsage;
     }
-    return execute(argv[0], std::get<CommandLine>(commandLine));
+    // Whoever starts a program may leave out even its name.
+    std::string name = argc > 0 ? argv[0] : "quorvane";
+    return execute(name.data(), std::get<CommandLine>(commandLine));
 }

@@ -9,8 +9,13 @@ namespace {
 
 using Mode = CommandLine::Mode;
 
+std::variant<CommandLine, CommandLineError> parse(std::vector<const char*> arguments) {
+    arguments.insert(arguments.begin(), "quorvane");
+    return parseCommandLine(arguments);
+}
+
 CommandLine understood(const std::vector<const char*>& arguments) {
-    const auto result = parseCommandLine(arguments);
+    const auto result = parse(arguments);
     if (const auto* error = std::get_if<CommandLineError>(&result)) {
         ADD_FAILURE() << "refused: " << error->description;
         return {};
@@ -25,7 +30,7 @@ CommandLine withMode(Mode mode) {
 }
 
 std::string refused(const std::vector<const char*>& arguments) {
-    const auto result = parseCommandLine(arguments);
+    const auto result = parse(arguments);
     const auto* error = std::get_if<CommandLineError>(&result);
     return error ? error->description : "understood";
 }
@@ -34,15 +39,24 @@ TEST(CommandLine, WithoutArgumentsRuns) {
     EXPECT_EQ(understood({}), CommandLine{});
 }
 
+TEST(CommandLine, WithoutEvenTheProgramsNameRuns) {
+    const auto result = parseCommandLine({});
+    ASSERT_TRUE(std::holds_alternative<CommandLine>(result));
+    EXPECT_EQ(std::get<CommandLine>(result), CommandLine{});
+}
+
 TEST(CommandLine, TakesTheScenarioFileInBothForms) {
     const CommandLine expected{.mode = Mode::Simulate, .scenarioFile = "a b.scenario"};
     EXPECT_EQ(understood({"--simulated", "a b.scenario"}), expected);
     EXPECT_EQ(understood({"--simulated=a b.scenario"}), expected);
 }
 
-TEST(CommandLine, TakesAFileThatLooksLikeAnOption) {
-    EXPECT_EQ(understood({"--simulated", "--demo"}),
+TEST(CommandLine, TakesAFileThatLooksLikeAnOptionAfterAnEqualsSignOnly) {
+    EXPECT_EQ(understood({"--simulated=--demo"}),
               (CommandLine{.mode = Mode::Simulate, .scenarioFile = "--demo"}));
+    EXPECT_EQ(refused({"--simulated", "--demo"}), "--simulated needs a file");
+    EXPECT_EQ(refused({"--simulated", "--help"}), "--simulated needs a file");
+    EXPECT_EQ(refused({"--simulated", "-h"}), "--simulated needs a file");
 }
 
 TEST(CommandLine, ChoosesTheDemo) {
