@@ -61,7 +61,7 @@ parseCommandLine(std::span<const char* const> arguments) {
         std::string_view file;
         if (argument.starts_with(simulatedWithFile))
             file = argument.substr(simulatedWithFile.size());
-        else if (mode == Mode::Simulate && i + 1 < arguments.size())
+        else if (mode == Mode::Simulate && i + 1 < arguments.size() && arguments[i + 1][0] != '-')
             file = arguments[++i];
         if (mode == Mode::Simulate && file.empty())
             return CommandLineError{"--simulated needs a file"};
