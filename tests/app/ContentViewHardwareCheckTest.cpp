@@ -61,6 +61,11 @@ TEST_F(ContentViewHardwareCheckTest, StoresThePermissionInTheKeyboardEffectWitho
     machine.runLoop.advance(2);
     EXPECT_TRUE(keyboard->permission);
     EXPECT_TRUE(view->hasAccessibility());
+    machine.accessibility.trusted = false;
+    view->runHardwareCheck();
+    machine.runLoop.advance(2);
+    EXPECT_FALSE(keyboard->permission);
+    EXPECT_FALSE(view->hasAccessibility());
     EXPECT_EQ(machine.accessibility.prompts, 0);
 }
 

@@ -211,6 +211,39 @@ TEST_F(OrrowinAppSwitchesTest, PerformanceSwitchedOffAndOnInAFreezeIsTwoChains) 
     EXPECT_EQ(machine.runLoop.pendingCount(), idle);
 }
 
+TEST_F(OrrowinAppSwitchesTest, PerformanceSwitchedOnWhileOnSchedulesNoSecondFreeze) {
+    enterPanel();
+    turn("Performance", true);
+    turn("Performance", true);
+    EXPECT_EQ(machine.runLoop.pendingCount(), idle + 1);
+    for (int i = 0; i < 81 && panels().empty(); ++i)
+        machine.runLoop.advance(0.5);
+    ASSERT_THAT(panels(), ElementsAre("freeze"));
+    turn("Performance", true);
+    EXPECT_EQ(machine.runLoop.pendingCount(), idle + 1) << "the end of the freeze";
+    machine.runLoop.advance(4);
+    EXPECT_EQ(machine.runLoop.pendingCount(), idle + 1) << "the next wait";
+    EXPECT_THAT(machine.screens.panels(), SizeIs(1));
+}
+
+TEST_F(OrrowinAppSwitchesTest, KeyboardStaysOffWithAHintOnceTrustIsWithdrawn) {
+    enterPanel();
+    turn("Keyboard", true);
+    const ToggleRow& row = view->toggleRows().at(1);
+    EXPECT_TRUE(row.isOn->get());
+    machine.accessibility.trusted = false;
+    turn("Keyboard", false);
+    turn("Keyboard", true);
+    EXPECT_FALSE(row.isOn->get());
+    EXPECT_EQ(row.hint->get(), "Accessibility permission needed — enable in System Settings");
+    EXPECT_EQ(machine.eventTaps.openCount(), 0U);
+    EXPECT_EQ(machine.audio.holdCount(), 0U);
+    machine.accessibility.trusted = true;
+    machine.runLoop.advance(3);
+    EXPECT_TRUE(row.isOn->get()) << "given again before the retry";
+    EXPECT_EQ(row.hint->get(), "");
+}
+
 TEST_F(OrrowinAppSwitchesTest, StartupDecidesWhetherAWakeUpPlays) {
     enterPanel();
     turn("Startup", false);
