@@ -115,7 +115,8 @@ std::vector<Scenario::LidPoint> readLid(const Json& json) {
     for (const Json& point : listIn(json)) {
         if (listIn(point).size() != 2)
             throw Mistake("a lid's point is not [seconds, degrees]");
-        const auto [at, degrees] = point.get<std::pair<double, double>>();
+        const double at = readTime(point[0]);
+        const auto degrees = point[1].get<double>();
         if (!points.empty() && at < points.back().at)
             throw Mistake("a lid's times decrease");
         if (degrees < 0 || degrees > 65535)

@@ -84,6 +84,7 @@ TEST(Scenario, EveryMistakeHasItsError) {
               R"("lid" is not an ID in hexadecimal)");
     EXPECT_EQ(mistakeIn(R"({"hid": [{"product": ""}]})"), R"("" is not an ID in hexadecimal)");
     EXPECT_EQ(mistakeIn(R"({"hid": [{"lid": [[1, 2], [0, 3]]}]})"), "a lid's times decrease");
+    EXPECT_EQ(mistakeIn(R"({"hid": [{"lid": [[-1, 2], [1, 3]]}]})"), "a time is negative");
     EXPECT_EQ(mistakeIn(R"({"hid": [{"lid": [[1, -2]]}]})"), "a lid's angle is outside 0 to 65535");
     EXPECT_EQ(mistakeIn(R"({"hid": [{"lid": [[1, 65536]]}]})"),
               "a lid's angle is outside 0 to 65535");
