@@ -1,8 +1,11 @@
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>
+#include <string>
 
 #include "platform/simulated/SimulatedMachine.h"
 #include "sensing/LidAngleSensor.h"
@@ -41,6 +44,11 @@ protected:
     void advanceOnePoll() {
         machine.runLoop.advance(*machine.runLoop.nextDeadline() -
                                 machine.runLoop.currentMediaTime());
+    }
+
+    /// How often the managers got `call`.
+    [[nodiscard]] std::ptrdiff_t callCount(const std::string& call) const {
+        return std::count(machine.hid.calls().begin(), machine.hid.calls().end(), call);
     }
 
     SimulatedMachine machine;
