@@ -113,7 +113,7 @@ std::optional<int> LidAngleSensor::adoptDevice(const HIDMatching& matching) {
     if (manager->open() != hidSuccess)
         return std::nullopt;
     const auto devices = manager->copyDevices();
-    if (!devices)
+    if (!devices || devices->empty())
         return std::nullopt;
     auto lid = findLid(*devices);
     if (!lid) {

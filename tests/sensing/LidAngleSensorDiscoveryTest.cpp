@@ -153,9 +153,16 @@ TEST_F(LidAngleSensorDiscoveryTest, WithoutASensorBothFlagsAreSetAndOneLineIsPri
     EXPECT_THAT(machine.console.lines, ElementsAre(fallbackLine));
 }
 
-TEST_F(LidAngleSensorDiscoveryTest, AManagerWithAnEmptyListIsClosedAndReleased) {
+TEST_F(LidAngleSensorDiscoveryTest, AManagerWithAnEmptySetIsReleasedWithoutClosing) {
     sensor->probeSensor();
-    EXPECT_EQ(callCount("close"), 6);
+    EXPECT_EQ(callCount("close"), 0);
+    EXPECT_EQ(callCount("release"), 6);
+}
+
+TEST_F(LidAngleSensorDiscoveryTest, OnlyManagersWhoseSetWasExhaustedAreClosed) {
+    machine.hid.addDevice(0x8102)->setAngle(0);
+    sensor->probeSensor();
+    EXPECT_EQ(callCount("close"), 2) << "that of the product and that of the scan";
     EXPECT_EQ(callCount("release"), 6);
 }
 
