@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <span>
 #include <string>
-#include <utility>
 
 #include "base/Format.h"
 #include "base/MainThread.h"
@@ -91,44 +91,36 @@ void LidAngleSensor::probeSensor() {
 }
 
 bool LidAngleSensor::tryHIDDevice(int productID) {
-    const auto angle = adoptDevice({.vendorID = appleVendorID, .productID = productID});
-    if (angle)
-        printFound("Found lid sensor!", productID, *angle);
-    return angle.has_value();
+    return adoptDevice({.vendorID = appleVendorID, .productID = productID}, "Found lid sensor!");
 }
 
 bool LidAngleSensor::scanAllAppleHIDDevices() {
-    const auto angle = adoptDevice({.vendorID = appleVendorID, .productID = {}});
-    if (angle) {
-        const int productID = m_hidDevice->integerProperty("ProductID").value_or(0);
-        printFound("Found lid sensor via scan!", productID, *angle);
-    }
-    return angle.has_value();
+    return adoptDevice({.vendorID = appleVendorID, .productID = {}}, "Found lid sensor via scan!");
 }
 
-std::optional<int> LidAngleSensor::adoptDevice(const HIDMatching& matching) {
+bool LidAngleSensor::adoptDevice(const HIDMatching& matching, std::string_view message) {
     const auto manager = m_platform.hid.createManager();
     manager->setDeviceMatching(matching);
     manager->scheduleWithRunLoop();
     if (manager->open() != hidSuccess)
-        return std::nullopt;
+        return false;
     const auto devices = manager->copyDevices();
     if (!devices || devices->empty())
-        return std::nullopt;
-    auto lid = findLid(*devices);
+        return false;
+    const auto lid = findLid(*devices);
     if (!lid) {
         manager->close();
-        return std::nullopt;
+        return false;
     }
-    m_hidManager = manager;
-    m_hidDevice = std::move(lid->device);
-    return lid->angle;
-}
-
-void LidAngleSensor::printFound(std::string_view how, int productID, int angle) {
-    m_platform.console.print("✅ [SENSOR] " + std::string(how) + " ProductID=0x" +
+    const int productID = matching.productID
+                              ? *matching.productID
+                              : lid->device->integerProperty("ProductID").value_or(0);
+    m_platform.console.print("✅ [SENSOR] " + std::string(message) + " ProductID=0x" +
                              formatHex(static_cast<unsigned>(productID)) +
-                             ", angle=" + std::to_string(angle) + "°");
+                             ", angle=" + std::to_string(lid->angle) + "°");
+    m_hidManager = manager;
+    m_hidDevice = lid->device;
+    return true;
 }
 
 void LidAngleSensor::start() {

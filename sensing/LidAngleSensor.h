@@ -3,7 +3,6 @@
 #include <array>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -54,9 +53,8 @@ private:
 
     bool tryHIDDevice(int productID);
     bool scanAllAppleHIDDevices();
-    /// Keeps the first matching device whose first angle is a lid's, and returns that angle.
-    std::optional<int> adoptDevice(const HIDMatching& matching);
-    void printFound(std::string_view how, int productID, int angle);
+    /// Prints `message` with the first matching device whose first angle is a lid's, and keeps it.
+    bool adoptDevice(const HIDMatching& matching, std::string_view message);
     void startPolling();
     void poll();
     void startSleepWakeMonitoring();

@@ -1,5 +1,12 @@
 #include "tests/sensing/LidAngleSensorFixture.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "tests/support/ExchangedPlatform.h"
+
 namespace quorvane {
 namespace {
 
@@ -49,6 +56,58 @@ TEST_F(LidAngleSensorRepeatedProbeTest, ARepeatedProbeThatFindsNothingMakesTheNe
     sensor->start();
     EXPECT_EQ(machine.console.lines.back(), "📡 [SENSOR] Sleep/wake monitoring started");
 }
+
+TEST_F(LidAngleSensorRepeatedProbeTest,
+       ARepeatedProbeThatFindsNothingLeavesTheDeviceToARunningPoll) {
+    probeLidAt(100);
+    sensor->start();
+    lid->setAngle(0);
+    sensor->probeSensor();
+    ASSERT_TRUE(sensor->usingSleepWake());
+    lid->setAngle(70);
+    advanceOnePoll();
+    EXPECT_EQ(sensor->angle(), 70);
+}
+
+/// Notes at each line how many managers have been released.
+class ReleasesAtLines final : public Console {
+public:
+    explicit ReleasesAtLines(const SimulatedHID& hid) : m_hid(hid) {}
+
+    void print(std::string_view /*line*/) override {
+        releases.push_back(std::count(m_hid.calls().begin(), m_hid.calls().end(), "release"));
+    }
+
+    std::vector<std::ptrdiff_t> releases;
+
+private:
+    const SimulatedHID& m_hid;
+};
+
+struct FoundProduct {
+    int productID;
+    /// Managers that found nothing before.
+    std::ptrdiff_t vain;
+};
+
+class FoundProductTest : public testing::TestWithParam<FoundProduct> {};
+
+TEST_P(FoundProductTest, IsPrintedBeforeItReplacesAnEarlierOne) {
+    SimulatedMachine machine;
+    ReleasesAtLines console(machine.hid);
+    const auto sensor = LidAngleSensor::create(exchange(machine.platform(), {.console = &console}));
+    machine.hid.addDevice(GetParam().productID)->setAngle(100);
+    sensor->probeSensor();
+    machine.hid.forgetCalls();
+    sensor->probeSensor();
+    EXPECT_THAT(console.releases, ElementsAre(GetParam().vain, GetParam().vain));
+    EXPECT_EQ(machine.hid.calls().back(), "release") << "the earlier one, after the line";
+}
+
+INSTANTIATE_TEST_SUITE_P(Products, FoundProductTest,
+                         testing::Values(FoundProduct{0x8104, 0}, FoundProduct{0x8262, 4},
+                                         FoundProduct{0x0ABC, 5}),
+                         [](const auto& found) { return std::to_string(found.param.productID); });
 
 } // namespace
 } // namespace quorvane
