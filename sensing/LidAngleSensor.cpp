@@ -155,8 +155,7 @@ void LidAngleSensor::poll() {
     m_angleHistory.push_back({.angle = m_angle, .time = now});
     std::erase_if(m_angleHistory,
                   [now](const Sample& sample) { return now - sample.time > historyWindow; });
-    if (m_angleHistory.empty())
-        return;
+    // Not empty: the sample just taken is never too old.
     const Sample oldest = m_angleHistory.front();
     const double dt = now - oldest.time;
     if (dt > shortestSlope)
