@@ -1,8 +1,9 @@
 #include "app/FloatingEmoji.h"
 
-#include <cstdlib>
 #include <limits>
+#include <string>
 
+#include "base/FatalError.h"
 #include "base/UniformDraw.h"
 
 namespace quorvane {
@@ -56,7 +57,7 @@ FloatingEmoji makeEmoji(Random& random) {
 
 std::vector<FloatingEmoji> FloatingEmoji::generate(int count, Random& random) {
     if (count < 0)
-        std::abort();
+        fatalError("FloatingEmoji: a count of " + std::to_string(count));
     std::vector<FloatingEmoji> emojis;
     emojis.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i)

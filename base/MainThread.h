@@ -1,10 +1,10 @@
 #pragma once
 
-#include <cstdio>
-#include <cstdlib>
 #include <functional>
 #include <memory>
+#include <string>
 
+#include "base/FatalError.h"
 #include "base/NonCopyable.h"
 
 namespace quorvane {
@@ -37,10 +37,8 @@ template <class T>
 /// For destructors that release timers and nodes: on any other thread, ends the program with an
 /// error that names the class.
 inline void requireMainThread(const MainQueue& queue, const char* className) {
-    if (queue.isMainThread())
-        return;
-    std::fprintf(stderr, "quorvane: fatal: %s must be destroyed on the main thread\n", className);
-    std::abort();
+    if (!queue.isMainThread())
+        fatalError(std::string(className) + " must be destroyed on the main thread");
 }
 
 } // namespace quorvane

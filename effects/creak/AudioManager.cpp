@@ -1,11 +1,11 @@
 #include "effects/creak/AudioManager.h"
 
 #include <cmath>
-#include <cstdlib>
 #include <limits>
 #include <string>
 #include <utility>
 
+#include "base/FatalError.h"
 #include "base/Format.h"
 #include "base/MainThread.h"
 
@@ -17,7 +17,7 @@ namespace {
 /// is that long.
 std::uint32_t requireFrameCount(std::int64_t length) {
     if (length < 0 || length > std::numeric_limits<std::uint32_t>::max())
-        std::abort();
+        fatalError("AudioManager: a sound of " + std::to_string(length) + " frames fits no buffer");
     return static_cast<std::uint32_t>(length);
 }
 

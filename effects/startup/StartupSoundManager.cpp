@@ -1,10 +1,9 @@
 #include "effects/startup/StartupSoundManager.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <utility>
 
+#include "base/FatalError.h"
 #include "base/Format.h"
 #include "base/MainThread.h"
 #include "effects/startup/Rumble.h"
@@ -21,11 +20,6 @@ constexpr int rampSteps = 30;
 constexpr double rampUpDuration = 3.0;
 constexpr double loginBootDelay = 0.5;
 constexpr double hapticInterval = 1 / hapticTickRate;
-
-[[noreturn]] void fail(const char* what) {
-    std::fprintf(stderr, "quorvane: fatal: StartupSoundManager: %s\n", what);
-    std::abort();
-}
 
 } // namespace
 
@@ -73,7 +67,7 @@ void StartupSoundManager::connectRumble() {
     m_rumbleEngine->attach(m_rumblePlayer);
     const auto format = m_platform.audio.standardFormat(rumbleSampleRate, rumbleChannels);
     if (!format)
-        fail("there is no format of one channel at 44100 Hz");
+        fatalError("StartupSoundManager: there is no format of one channel at 44100 Hz");
     m_rumbleEngine->connectToMainMixer(m_rumblePlayer, *format);
     generateRumbleBuffer(rumbleSampleRate, *format);
 }
@@ -81,7 +75,7 @@ void StartupSoundManager::connectRumble() {
 void StartupSoundManager::generateRumbleBuffer(double sampleRate, const AudioFormat& format) {
     const auto frames = rumbleFrameCount(sampleRate);
     if (!frames)
-        fail("the sample rate is no count of frames");
+        fatalError("StartupSoundManager: the sample rate is no count of frames");
     auto buffer = m_platform.audio.createBuffer(format, *frames);
     if (!buffer || (*frames > 0 && buffer->samples.empty()))
         return;

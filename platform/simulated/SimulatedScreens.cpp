@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <sstream>
+#include <string>
 #include <utility>
+
+#include "base/FatalError.h"
 
 namespace quorvane {
 
@@ -133,7 +135,7 @@ const SimulatedCanvas::Text& SimulatedCanvas::textStarting(std::string_view star
         return candidate.text.starts_with(start);
     });
     if (text == texts.end())
-        std::abort();
+        fatalError("SimulatedCanvas: no text starts with \"" + std::string(start) + '"');
     return *text;
 }
 

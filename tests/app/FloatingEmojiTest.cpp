@@ -67,7 +67,8 @@ TEST(FloatingEmoji, NoneAtAllIsAnEmptyList) {
 
 TEST(FloatingEmojiDeathTest, ANegativeCountEndsTheProgram) {
     SimulatedRandom random;
-    EXPECT_DEATH((void)FloatingEmoji::generate(-1, random), "");
+    EXPECT_DEATH((void)FloatingEmoji::generate(-1, random),
+                 "quorvane: fatal: FloatingEmoji: a count of -1");
 }
 
 TEST(FloatingEmoji, IdentitiesAreUUIDsOfVersion4) {

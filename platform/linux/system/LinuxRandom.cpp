@@ -1,11 +1,11 @@
 #include "platform/linux/system/LinuxRandom.h"
 
 #include <cerrno>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
+#include <string>
 #include <sys/random.h>
 
+#include "base/FatalError.h"
 #include "base/UniformDraw.h"
 
 namespace quorvane {
@@ -21,8 +21,7 @@ std::uint64_t draw() {
     } while (count < 0 && errno == EINTR);
     if (count == static_cast<ssize_t>(sizeof bits))
         return bits;
-    std::fprintf(stderr, "quorvane: fatal: no random numbers: %s\n", std::strerror(errno));
-    std::abort();
+    fatalError("LinuxRandom: no random numbers: " + std::string(std::strerror(errno)));
 }
 
 } // namespace

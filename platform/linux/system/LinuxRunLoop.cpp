@@ -4,14 +4,15 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <string>
 #include <sys/eventfd.h>
 #include <sys/timerfd.h>
 #include <unistd.h>
 #include <utility>
+
+#include "base/FatalError.h"
 
 namespace quorvane {
 
@@ -36,8 +37,7 @@ double toSeconds(TimerQueue::Nanoseconds nanoseconds) {
 int requireDescriptor(int descriptor, const char* what) {
     if (descriptor >= 0)
         return descriptor;
-    std::fprintf(stderr, "quorvane: fatal: no %s: %s\n", what, std::strerror(errno));
-    std::abort();
+    fatalError("LinuxRunLoop: no " + std::string(what) + ": " + std::strerror(errno));
 }
 
 /// Reads the counter of a timerfd or eventfd, so that it is no longer readable.

@@ -31,7 +31,7 @@ TerminationSignals::TerminationSignals() {
     m_descriptor = FileDescriptor(signalfd(-1, &wanted, SFD_CLOEXEC | SFD_NONBLOCK));
     if (m_descriptor)
         return;
-    std::perror("quorvane: fatal: signalfd");
+    std::perror("quorvane: fatal: TerminationSignals: no signal descriptor");
     std::exit(EXIT_FAILURE); // NOLINT(concurrency-mt-unsafe): no other thread exists yet.
 }
 

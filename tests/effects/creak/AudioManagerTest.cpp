@@ -61,13 +61,15 @@ using AudioManagerDeathTest = AudioManagerTest;
 TEST_F(AudioManagerDeathTest, ANegativeNumberOfFramesEndsTheProgram) {
     machine.audio.addTruncatedFile(clipPath, format, std::vector<float>(1), -1);
     machine.audio.setFault(AudioFault::BufferCreation, "");
-    EXPECT_DEATH(manager->loadSound("creaking", "mp3"), "");
+    EXPECT_DEATH(manager->loadSound("creaking", "mp3"),
+                 "quorvane: fatal: AudioManager: a sound of -1 frames fits no buffer");
 }
 
 TEST_F(AudioManagerDeathTest, ANumberOfFramesBeyond32BitsEndsTheProgram) {
     machine.audio.addTruncatedFile(clipPath, format, std::vector<float>(1), 4294967296);
     machine.audio.setFault(AudioFault::BufferCreation, "");
-    EXPECT_DEATH(manager->loadSound("creaking", "mp3"), "");
+    EXPECT_DEATH(manager->loadSound("creaking", "mp3"),
+                 "quorvane: fatal: AudioManager: a sound of 4294967296 frames fits no buffer");
 }
 
 TEST_F(AudioManagerTest, AMissingResourcePrintsItsName) {

@@ -92,8 +92,10 @@ TEST_F(RumbleTest, TheFrameCountIsTheRateWithoutItsFraction) {
 }
 
 TEST_F(RumbleTest, ARateThatIsNoNumberOfFramesEndsTheProgram) {
-    EXPECT_DEATH(manager->generateRumbleBuffer(-2, {.sampleRate = 44100, .channels = 1}),
-                 "StartupSoundManager");
+    for (const double rate : {-1.0, 4294967296.0, -std::numeric_limits<double>::infinity(),
+                              std::numeric_limits<double>::quiet_NaN()})
+        EXPECT_DEATH(manager->generateRumbleBuffer(rate, {.sampleRate = 44100, .channels = 1}),
+                     "quorvane: fatal: StartupSoundManager: the sample rate is no count of frames");
 }
 
 // The fade-in.
