@@ -50,6 +50,7 @@ void BSODManager::stop() {
 }
 
 void BSODManager::showBSOD() {
+    static_assert(!errors.empty(), "BSODManager: there are no stop codes");
     const StopCode& row = errors.at(m_platform.random.uniform(errors.size() - 1));
     m_screen->errorMessage = std::string(row.msg);
     m_screen->errorCode = std::string(row.code);
