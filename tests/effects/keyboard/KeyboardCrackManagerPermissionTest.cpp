@@ -55,6 +55,35 @@ TEST_F(KeyboardCrackManagerTest, TheRetryOfAnActiveManagerDoesNothing) {
     EXPECT_EQ(machine.eventTaps.calls(), calls);
 }
 
+TEST_F(KeyboardCrackManagerTest, TwoStartsWithoutPermissionAskAndRetryTwiceAndMakeOneTap) {
+    machine.accessibility.trusted = false;
+    makeListening();
+    machine.runLoop.advance(1);
+    manager->start();
+    EXPECT_EQ(machine.accessibility.prompts, 2);
+    EXPECT_EQ(machine.runLoop.pendingCount(), 2U);
+    machine.accessibility.trusted = true;
+    machine.runLoop.advance(2);
+    EXPECT_TRUE(manager->isActive()) << "by the first retry";
+    const auto calls = machine.eventTaps.calls();
+    machine.runLoop.advance(1);
+    EXPECT_EQ(machine.eventTaps.calls(), calls);
+    EXPECT_EQ(machine.eventTaps.openCount(), 1U);
+}
+
+TEST_F(KeyboardCrackManagerTest, OfTwoRetriesTheSecondStartsTheTapIfTheFirstCameTooEarly) {
+    machine.accessibility.trusted = false;
+    makeListening();
+    machine.runLoop.advance(1);
+    manager->start();
+    machine.runLoop.advance(2.5);
+    EXPECT_FALSE(manager->isActive());
+    machine.accessibility.trusted = true;
+    machine.runLoop.advance(0.5);
+    EXPECT_TRUE(manager->isActive());
+    EXPECT_EQ(machine.accessibility.prompts, 2) << "no retry asks";
+}
+
 TEST_F(KeyboardCrackManagerTest, StoppingDoesNotCancelTheRetry) {
     machine.accessibility.trusted = false;
     makeListening();

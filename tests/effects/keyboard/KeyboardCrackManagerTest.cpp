@@ -200,5 +200,23 @@ TEST_F(KeyboardCrackManagerTest, KeysReachTheLatestInstance) {
     EXPECT_THAT(machine.audio.filePlayer(1).calls(), Contains("play"));
 }
 
+TEST_F(KeyboardCrackManagerTest, TheDestructionOfAnEarlierInstanceLeavesTheLatestShared) {
+    makeListening();
+    auto second = KeyboardCrackManager::create(machine.platform());
+    second->start();
+    manager.reset();
+    EXPECT_EQ(KeyboardCrackManager::shared.lock(), second);
+    press();
+    EXPECT_THAT(machine.audio.filePlayer(1).calls(), Contains("play"));
+}
+
+TEST_F(KeyboardCrackManagerTest, TheDestructionOfTheLatestInstanceSharesNoEarlierOne) {
+    makeListening();
+    KeyboardCrackManager::create(machine.platform()).reset();
+    EXPECT_TRUE(KeyboardCrackManager::shared.expired());
+    press();
+    EXPECT_EQ(cracks(), 0U);
+}
+
 } // namespace
 } // namespace quorvane
