@@ -88,6 +88,9 @@ public:
     /// Number of calls of `start` on an engine that was not running, including failed ones.
     [[nodiscard]] std::size_t engineStartCount() const;
 
+    /// Number of calls of `stop` on an engine.
+    [[nodiscard]] std::size_t engineStopCount() const { return m_machine->engineStopCount; }
+
 private:
     class File;
     class Hold;

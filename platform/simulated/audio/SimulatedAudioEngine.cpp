@@ -57,6 +57,11 @@ std::optional<AudioError> SimulatedAudioEngine::start() {
     return std::nullopt;
 }
 
+void SimulatedAudioEngine::stop() {
+    ++m_machine->engineStopCount;
+    halt();
+}
+
 void SimulatedAudioEngine::halt() {
     if (!std::exchange(m_running, false))
         return;

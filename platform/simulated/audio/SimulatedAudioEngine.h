@@ -48,9 +48,9 @@ public:
 
     std::optional<AudioError> start() override;
 
-    void stop() override { halt(); }
+    void stop() override;
 
-    /// As `stop`, for the loss of the device.
+    /// Stops, for the loss of the device and the destructor.
     void halt();
 
 private:

@@ -47,6 +47,7 @@ struct SimulatedAudioMachine {
     bool outputDevicePresent = true;
     std::vector<std::weak_ptr<SimulatedAudioEngine>> engines;
     std::size_t engineStartCount = 0;
+    std::size_t engineStopCount = 0;
     std::size_t holdCount = 0;
 
     [[nodiscard]] std::optional<AudioError> fault(AudioFault fault) const {

@@ -92,7 +92,9 @@ TEST_F(AudioManagerTest, StopBeforeAnythingWasPlayedIsHarmless) {
 TEST_F(AudioManagerTest, ItsDestructionStopsTheEngine) {
     load();
     manager->update(50);
+    EXPECT_EQ(machine.audio.engineStopCount(), 0U);
     manager.reset();
+    EXPECT_EQ(machine.audio.engineStopCount(), 1U);
     EXPECT_EQ(machine.audio.runningEngineCount(), 0U);
 }
 

@@ -85,6 +85,7 @@ TEST_F(StartupLeavingTest, ItsDestructionEndsWakeUpsThenPulsesThenTheEngine) {
     runLoop.onInvalidate = [&] { note("pulses"); };
     manager.reset();
     EXPECT_THAT(order, ElementsAre("wake-ups engine", "pulses engine"));
+    EXPECT_EQ(machine.audio.engineStopCount(), 1U);
     EXPECT_EQ(machine.audio.runningEngineCount(), 0U);
 }
 
