@@ -108,25 +108,30 @@ void AudioManager::pause() {
 
 void AudioManager::scheduleBuffer() {
     // Called on an audio thread.
-    m_playerNode->scheduleBuffer(m_audioBuffer, BufferOptions::Once,
-                                 [weak = weak_from_this(), &runLoop = m_platform.runLoop] {
-                                     runLoop.async([weak] {
-                                         if (const auto manager = weak.lock())
-                                             manager->finishPlaythrough();
-                                     });
-                                 });
+    m_playerNode->scheduleBuffer(
+        m_audioBuffer, BufferOptions::Once,
+        [weak = weak_from_this(), &runLoop = m_platform.runLoop, play = m_play] {
+            runLoop.async([weak, play] {
+                if (const auto manager = weak.lock())
+                    manager->finishPlay(play);
+            });
+        });
 }
 
-void AudioManager::finishPlaythrough() {
-    m_needsSchedule = true;
-    m_isPlaying = false;
+void AudioManager::finishPlay(unsigned play) {
+    const bool wasStopped = play != m_play;
+    if (!wasStopped) {
+        m_needsSchedule = true;
+        m_isPlaying = false;
+    }
     m_platform.console.print("✅ [AUDIO] Τελείωσε — ready for next");
-    if (onCompleted)
+    if (!wasStopped && onCompleted)
         onCompleted();
 }
 
 void AudioManager::stop() {
     m_playerNode->stop();
+    ++m_play;
     m_isPlaying = false;
     m_needsSchedule = true;
 }

@@ -41,7 +41,8 @@ public:
     /// A sound is decoded and connected.
     [[nodiscard]] const Observable<bool>& isLoaded() const { return m_isLoaded; }
 
-    /// Called after each complete play-through.
+    /// Called after each play-through of the sound, also one that the loss of the output device cut
+    /// short; not after one that was stopped.
     std::function<void()> onCompleted;
 
 private:
@@ -50,7 +51,7 @@ private:
     void creak();
     void pause();
     void scheduleBuffer();
-    void finishPlaythrough();
+    void finishPlay(unsigned play);
 
     Platform m_platform;
     Observable<double> m_velocityThreshold{1.0};
@@ -60,6 +61,9 @@ private:
     std::shared_ptr<AudioPlayerNode> m_playerNode;
     std::shared_ptr<PCMBuffer> m_audioBuffer;
     bool m_needsSchedule = true;
+    // Number of the present play. The node also completes what `stop` drops, perhaps when the next
+    // play has begun already.
+    unsigned m_play = 0;
 };
 
 } // namespace quorvane

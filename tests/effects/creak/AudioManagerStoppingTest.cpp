@@ -9,6 +9,8 @@ using testing::ElementsAre;
 
 TEST_F(AudioManagerTest, StopBeforeTheCompletionArrivesLeavesItIdle) {
     load();
+    bool completed = false;
+    manager->onCompleted = [&] { completed = true; };
     manager->update(50);
     machine.runLoop.holdMainQueue(true);
     machine.runLoop.advance(clipLength + 0.01);
@@ -17,6 +19,7 @@ TEST_F(AudioManagerTest, StopBeforeTheCompletionArrivesLeavesItIdle) {
     machine.runLoop.holdMainQueue(false);
     machine.runLoop.runMainQueue();
     EXPECT_FALSE(manager->isPlaying());
+    EXPECT_FALSE(completed) << "it was stopped";
     EXPECT_THAT(machine.console.lines, ElementsAre(completionLine));
     manager->update(50);
     EXPECT_EQ(node().scheduledCount(), 1U);
@@ -37,6 +40,53 @@ TEST_F(AudioManagerTest, TheCompletionOfACreakThatWasStoppedChangesNothingMore) 
     machine.runLoop.advance(0.002);
     EXPECT_FALSE(manager->isPlaying());
     EXPECT_EQ(node().scheduledCount(), 0U);
+}
+
+TEST_F(AudioManagerTest, TheCompletionOfAStoppedCreakOnlyPrintsItsLine) {
+    load();
+    int completed = 0;
+    manager->onCompleted = [&] { ++completed; };
+    manager->update(50);
+    machine.runLoop.advance(1);
+    manager->stop();
+    machine.runLoop.runMainQueue();
+    EXPECT_THAT(machine.console.lines, ElementsAre(completionLine));
+    EXPECT_EQ(completed, 0);
+}
+
+TEST_F(AudioManagerTest, TheLateCompletionOfAStoppedCreakLeavesTheNextOneAlone) {
+    load();
+    int completed = 0;
+    manager->onCompleted = [&] { ++completed; };
+    manager->update(50);
+    machine.runLoop.advance(1);
+    manager->stop();
+    manager->update(50);
+    machine.runLoop.runMainQueue();
+    EXPECT_THAT(machine.console.lines, ElementsAre(completionLine)) << "of the stopped one";
+    EXPECT_TRUE(manager->isPlaying());
+    EXPECT_EQ(completed, 0);
+    machine.runLoop.advance(1);
+    manager->update(0);
+    manager->update(50);
+    EXPECT_EQ(node().scheduledCount(), 1U) << "it is not scheduled a second time";
+    EXPECT_EQ(sounds().back().offset, 1.0);
+    machine.runLoop.advance(clipLength);
+    EXPECT_FALSE(manager->isPlaying());
+    EXPECT_EQ(completed, 1);
+    EXPECT_THAT(machine.console.lines, ElementsAre(completionLine, completionLine));
+}
+
+TEST_F(AudioManagerTest, LateCompletionsOfSeveralStoppedCreaksLeaveTheLastOneAlone) {
+    load();
+    for (int i = 0; i < 3; ++i) {
+        manager->stop();
+        manager->update(50);
+    }
+    machine.runLoop.runMainQueue();
+    EXPECT_THAT(machine.console.lines, ElementsAre(completionLine, completionLine));
+    EXPECT_TRUE(manager->isPlaying());
+    EXPECT_EQ(node().scheduledCount(), 1U);
 }
 
 TEST_F(AudioManagerTest, StopFallsSilentAndTheNextCreakStartsFromItsBeginning) {
