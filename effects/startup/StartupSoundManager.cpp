@@ -17,7 +17,6 @@ constexpr unsigned rumbleChannels = 1;
 constexpr int rampSteps = 30;
 
 // Seconds.
-constexpr double rampUpDuration = 3.0;
 constexpr double loginBootDelay = 0.5;
 constexpr double hapticInterval = 1 / hapticTickRate;
 
@@ -147,13 +146,13 @@ void StartupSoundManager::startRumble() {
     m_rumblePlayer->scheduleBuffer(m_rumbleBuffer, BufferOptions::Loops, nullptr);
     m_rumblePlayer->play();
     startRamp();
-    m_platform.console.print("🔊 [RUMBLE] Started with " + formatDouble(rampUpDuration) +
+    m_platform.console.print("🔊 [RUMBLE] Started with " + formatDouble(m_rampUpDuration) +
                              "s ramp-up");
 }
 
 void StartupSoundManager::startRamp() {
     m_rampTimer = m_platform.runLoop.scheduledTimer(
-        rampUpDuration / rampSteps, true,
+        m_rampUpDuration / rampSteps, true,
         [weak = weak_from_this(), step = 0,
          volumeStep = m_rumbleVolume / static_cast<float>(rampSteps)](Timer& timer) mutable {
             if (const auto manager = weak.lock())
@@ -193,7 +192,7 @@ void StartupSoundManager::pulse() {
     if (!m_hapticStartTime)
         return;
     const double elapsed = m_platform.runLoop.currentDate() - *m_hapticStartTime;
-    if (isHapticPulseDue(elapsed, hapticRate(elapsed, rampUpDuration)))
+    if (isHapticPulseDue(elapsed, hapticRate(elapsed, m_rampUpDuration)))
         m_platform.haptics.defaultPerformer()->performFeedback(HapticPattern::Alignment,
                                                                HapticPerformanceTime::Now);
 }

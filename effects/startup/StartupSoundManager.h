@@ -34,6 +34,10 @@ public:
     /// The rumble's base frequency in Hz, for the next `generateRumbleBuffer`.
     [[nodiscard]] Observable<double>& rumbleFrequency() { return m_rumbleFrequency; }
 
+    /// Length of the rumble's fade-in and of the pulses' ramp in seconds, above 0. Changed
+    /// meanwhile, it changes the pulses at once, and the next fade-in.
+    [[nodiscard]] Observable<double>& rampUpDuration() { return m_rampUpDuration; }
+
     /// Synthesises one second of rumble in `format` (one channel); none if the buffer cannot be
     /// made. A sample rate that is no valid number of frames (see rumbleFrameCount) ends the
     /// program.
@@ -76,6 +80,7 @@ private:
     std::shared_ptr<AudioPlayerNode> m_rumblePlayer;
     std::shared_ptr<PCMBuffer> m_rumbleBuffer;
     std::shared_ptr<Timer> m_hapticTimer;
+    Observable<double> m_rampUpDuration{3.0};
     std::shared_ptr<Timer> m_rampTimer;
     // Wall clock.
     std::optional<double> m_hapticStartTime;

@@ -87,6 +87,20 @@ TEST_F(HapticRampTest, ANewStartRestartsTheRamp) {
     EXPECT_NEAR(static_cast<double>(pulses().size() - before), 8, 3);
 }
 
+TEST_F(HapticRampTest, ThePulsesFollowTheRampsLengthAtOnce) {
+    manager->rampUpDuration() = 60;
+    manager->startHaptic();
+    advance(3);
+    // 5 a second rising to 6; with the usual ramp it would be some 45.
+    EXPECT_NEAR(static_cast<double>(pulses().size()), 16, 3);
+    manager->rampUpDuration() = 1;
+    const auto before = pulses().size();
+    advance(4);
+    // The full rate, as above.
+    EXPECT_GE(pulses().size() - before, 100U);
+    EXPECT_LE(pulses().size() - before, 120U);
+}
+
 // The ramp follows the wall clock, which the user may set; the sequence's end does not.
 
 TEST_F(HapticRampTest, AClockSetForwardGivesTheFullRateAtOnce) {

@@ -149,6 +149,21 @@ TEST_F(RumbleTest, AHigherVolumeDuringTheRampKeepsItsSteps) {
     EXPECT_NEAR(rumble().volume(), 0.3F, 1e-6);
 }
 
+TEST_F(RumbleTest, TheFadeInTakesTheRampsLengthOfItsStart) {
+    EXPECT_EQ(manager->rampUpDuration(), 3.0);
+    manager->rampUpDuration() = 1.5;
+    manager->startRumble();
+    EXPECT_EQ(machine.console.lines.back(), "🔊 [RUMBLE] Started with 1.5s ramp-up");
+    advance(0.05);
+    EXPECT_NEAR(rumble().volume(), 1.0F / 30, 1e-7);
+    manager->rampUpDuration() = 60;
+    advance(0.7);
+    EXPECT_NEAR(rumble().volume(), 0.5F, 1e-6);
+    advance(0.75);
+    EXPECT_EQ(rumble().volume(), 1.0F);
+    EXPECT_FALSE(manager->isRamping());
+}
+
 TEST_F(RumbleTest, TheRampsTimerEndsWithItsThirtiethStep) {
     manager->startRumble();
     advance(2.999);
