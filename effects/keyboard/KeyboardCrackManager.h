@@ -13,7 +13,8 @@ class KeyboardCrackManager final : public EffectManager,
                                    public std::enable_shared_from_this<KeyboardCrackManager> {
 public:
     /// The latest instance: the tap's callback has no context argument, so it finds its manager
-    /// here.
+    /// here. Each new instance replaces it; a destructor leaves it alone. Weak, so that the
+    /// instance ends with its owner and not, with the services gone, at the end of the process.
     static std::weak_ptr<KeyboardCrackManager> shared;
 
     /// Loads the sound and becomes `shared`.
