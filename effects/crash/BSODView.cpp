@@ -1,6 +1,7 @@
 #include "effects/crash/BSODView.h"
 
 #include <algorithm>
+#include <array>
 #include <string>
 #include <utility>
 
@@ -57,8 +58,8 @@ struct BSODView::Layout {
     double linesX = 0;
     double linesWidth = 0;
     double completeY = 0;
-    double completeHeight = 0;
     double codeY = 0;
+    double bottom = 0;
 
     [[nodiscard]] double ringCenterX() const { return ringX + ringSize / 2; }
 
@@ -78,16 +79,17 @@ BSODView::Layout BSODView::layOut(Canvas& canvas, Size size) const {
         layout.hintY + canvas.measure(hint(), hintStyle, layout.width).height + hintGap;
     layout.linesX = horizontalPadding + ringSize + rowSpacing;
     layout.linesWidth = std::max(layout.width - ringSize - rowSpacing, 0.0);
-    layout.completeHeight =
+    const double completeHeight =
         canvas.measure(longestComplete, completeStyle, layout.linesWidth).height;
     const double codeHeight =
         canvas.measure(m_screen->errorCode.get(), codeStyle, layout.linesWidth).height;
-    const double linesHeight = layout.completeHeight + lineSpacing + codeHeight;
+    const double linesHeight = completeHeight + lineSpacing + codeHeight;
     const double rowHeight = std::max(ringSize, linesHeight);
     layout.ringX = horizontalPadding;
     layout.ringY = rowY + (rowHeight - ringSize) / 2;
     layout.completeY = rowY + (rowHeight - linesHeight) / 2;
-    layout.codeY = layout.completeY + layout.completeHeight + lineSpacing;
+    layout.codeY = layout.completeY + completeHeight + lineSpacing;
+    layout.bottom = rowY + rowHeight;
     return layout;
 }
 
@@ -97,15 +99,13 @@ void BSODView::drawStill(Canvas& canvas, Size size) const {
     canvas.drawText(face, faceStyle, horizontalPadding, verticalPadding, layout.width);
     canvas.drawText(sentence, sentenceStyle, horizontalPadding, layout.sentenceY,
                     layout.sentenceWidth);
-    canvas.drawText(hint(), hintStyle, horizontalPadding, layout.hintY, layout.width);
     canvas.strokeArc(layout.ringCenterX(), layout.ringCenterY(), ringSize / 2, ringLine, 1,
                      white(ringOpacity));
-    canvas.drawText(m_screen->errorCode.get(), codeStyle, layout.linesX, layout.codeY,
-                    layout.linesWidth);
 }
 
 void BSODView::drawChanging(Canvas& canvas, Size size) const {
     const Layout layout = layOut(canvas, size);
+    canvas.drawText(hint(), hintStyle, horizontalPadding, layout.hintY, layout.width);
     canvas.strokeArc(layout.ringCenterX(), layout.ringCenterY(), ringSize / 2, ringLine,
                      m_screen->progress, white(1));
     const std::string inRing = percentText(percent());
@@ -114,26 +114,29 @@ void BSODView::drawChanging(Canvas& canvas, Size size) const {
                     layout.ringCenterY() - room.height / 2, ringSize);
     canvas.drawText("Complete: " + percentText(percent()), completeStyle, layout.linesX,
                     layout.completeY, layout.linesWidth);
+    canvas.drawText(m_screen->errorCode.get(), codeStyle, layout.linesX, layout.codeY,
+                    layout.linesWidth);
 }
 
 Rect BSODView::changingBounds(Canvas& canvas, Size size) const {
     const Layout layout = layOut(canvas, size);
     // One point more on each side, for anti-aliasing.
     constexpr double margin = ringLine / 2 + 1;
-    const double completeWidth =
-        canvas.measure(longestComplete, completeStyle, layout.linesWidth).width;
-    const double top = std::min(layout.ringY - margin, layout.completeY);
-    const double bottom =
-        std::max(layout.ringY + ringSize + margin, layout.completeY + layout.completeHeight);
-    const double left = layout.ringX - margin;
+    const double left = horizontalPadding - margin;
     return {.x = left,
-            .y = top,
-            .width = layout.linesX + completeWidth + margin - left,
-            .height = bottom - top};
+            .y = layout.hintY,
+            .width = size.width - left,
+            .height = layout.bottom + margin - layout.hintY};
 }
 
 Subscription BSODView::observeChanges(std::function<void()> changed) const {
-    return m_screen->progress.observe(std::move(changed));
+    const auto all = std::make_shared<std::array<Subscription, 3>>(
+        std::array{m_screen->errorMessage.observe(changed), m_screen->errorCode.observe(changed),
+                   m_screen->progress.observe(changed)});
+    return Subscription([all] {
+        for (Subscription& each : *all)
+            each.cancel();
+    });
 }
 
 std::optional<Spinner> BSODView::spinner(Canvas& /*canvas*/, Size /*size*/) const {

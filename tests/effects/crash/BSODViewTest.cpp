@@ -125,7 +125,7 @@ TEST_F(BSODViewTest, EveryStopCodeHasALineOfItsOwnOnEveryScreen) {
         for (int width = 800; width <= 3840; width += 16) {
             screen->errorMessage = name;
             SimulatedCanvas each;
-            view.drawStill(each, {.width = static_cast<double>(width), .height = 600});
+            view.drawChanging(each, {.width = static_cast<double>(width), .height = 600});
             const auto& hint = each.textStarting("If you'd like");
             EXPECT_TRUE(hint.text.ends_with(std::string("error:\n") + name)) << hint.text;
             ASSERT_NEAR(hint.room.height, 2 * 1.2 * 16, tolerance) << name << " at " << width;
@@ -182,7 +182,8 @@ TEST_P(PercentTest, IsTruncatedAndNeverRounded) {
     screen->progress = GetParam().progress;
     view.drawChanging(canvas, notebook);
     const std::string percent = GetParam().text;
-    EXPECT_THAT(textsOn(canvas), ElementsAre(percent, "Complete: " + percent));
+    EXPECT_THAT(textsOn(canvas), ElementsAre(testing::StartsWith("If you'd like"), percent,
+                                             "Complete: " + percent, "0xC000021A"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Values, PercentTest,
@@ -192,9 +193,11 @@ INSTANTIATE_TEST_SUITE_P(Values, PercentTest,
                                          Percent{0.994, "99%"}, Percent{0.9999, "99%"},
                                          Percent{1, "100%"}));
 
-TEST_F(BSODViewTest, TheStillPartIsTheSameAtEveryProgress) {
+TEST_F(BSODViewTest, TheStillPartIsTheSameForEveryProgressNameAndCode) {
     view.drawStill(canvas, notebook);
     screen->progress = 0.73;
+    screen->errorMessage = "CRITICAL_PROCESS_DIED";
+    screen->errorCode = "0x000000EF";
     SimulatedCanvas later;
     view.drawStill(later, notebook);
     EXPECT_EQ(textsOn(canvas), textsOn(later));
@@ -208,12 +211,16 @@ TEST_F(BSODViewTest, TheChangingPartIsDrawnWithinItsBounds) {
          {notebook, Size{.width = 1024, .height = 600}, Size{.width = 3840, .height = 2160},
           Size{.width = 800, .height = 1280}}) {
         screen->progress = 0;
+        screen->errorMessage = "CRITICAL_PROCESS_DIED";
+        screen->errorCode = "";
         const Rect bounds = view.changingBounds(canvas, size);
         SimulatedCanvas each;
         screen->progress = 1;
+        screen->errorMessage = "SYSTEM_THREAD_EXCEPTION_NOT_HANDLED";
+        screen->errorCode = "0xC000021A";
         view.drawChanging(each, size);
         EXPECT_EQ(view.changingBounds(each, size), bounds);
-        ASSERT_EQ(each.texts.size(), 2U);
+        ASSERT_EQ(each.texts.size(), 4U);
         for (const auto& text : each.texts) {
             EXPECT_GE(text.room.x, bounds.x);
             EXPECT_GE(text.room.y, bounds.y);
@@ -225,8 +232,14 @@ TEST_F(BSODViewTest, TheChangingPartIsDrawnWithinItsBounds) {
         EXPECT_LE(bounds.x, each.arcs[0].centerX - 36.5);
         EXPECT_LE(bounds.y, each.arcs[0].centerY - 36.5);
         EXPECT_GE(bounds.y + bounds.height, each.arcs[0].centerY + 36.5);
-        EXPECT_LT(bounds.width * bounds.height, 0.06 * size.width * size.height);
     }
+}
+
+TEST_F(BSODViewTest, TheBoundsOfTheChangingPartAreAStripUnderTheSentence) {
+    const Rect bounds = view.changingBounds(canvas, notebook);
+    // The hint is 38.4 points high, the ring 70, the gap between them 40.
+    EXPECT_NEAR(bounds.y, 337.6, tolerance);
+    EXPECT_NEAR(bounds.height, 38.4 + 40 + 70 + 2.5, tolerance);
 }
 
 TEST_F(BSODViewTest, NotifiesOfEachChangeOfTheProgressUntilItIsCancelled) {
@@ -239,6 +252,22 @@ TEST_F(BSODViewTest, NotifiesOfEachChangeOfTheProgressUntilItIsCancelled) {
     EXPECT_EQ(changes, 2);
     subscription.reset();
     screen->progress = 0.52;
+    EXPECT_EQ(changes, 2);
+}
+
+TEST_F(BSODViewTest, NotifiesOfEachChangeOfTheNameAndTheCodeUntilItIsCancelled) {
+    int changes = 0;
+    std::optional<Subscription> subscription = view.observeChanges([&] { ++changes; });
+    screen->errorMessage = "CRITICAL_PROCESS_DIED";
+    EXPECT_EQ(changes, 1);
+    screen->errorCode = "0x000000EF";
+    EXPECT_EQ(changes, 2);
+    screen->errorMessage = "CRITICAL_PROCESS_DIED";
+    screen->errorCode = "0x000000EF";
+    EXPECT_EQ(changes, 2);
+    subscription.reset();
+    screen->errorMessage = "WINLOGON_FATAL_ERROR";
+    screen->errorCode = "0xC000021A";
     EXPECT_EQ(changes, 2);
 }
 
