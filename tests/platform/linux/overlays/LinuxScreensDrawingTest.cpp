@@ -82,6 +82,27 @@ TEST_F(LinuxScreensTest, RingIsFilledFromTheTopClockwise) {
     }
 }
 
+TEST_F(LinuxScreensTest, RingHasNoArcAt0AndNoGapAt1) {
+    for (const bool complete : {false, true}) {
+        m_stop->progress = complete ? 1 : 0;
+        const auto panel = showStopScreen();
+        const QImage picture = m_desktop.look();
+        const QRect leftEdge = drawnIn(picture, {97, 395, 5, 200});
+        const double middle = leftEdge.top() + leftEdge.height() / 2.0;
+        for (int i = 0; i < 1000; ++i) {
+            const double angle = 2 * M_PI * i / 1000;
+            int brightest = 0;
+            for (int radius = 32; radius <= 38; ++radius)
+                brightest = std::max(
+                    brightest,
+                    qRed(picture.pixel(static_cast<int>(135 + radius * std::sin(angle)),
+                                       static_cast<int>(middle - radius * std::cos(angle)))));
+            ASSERT_NEAR(brightest, complete ? 255 : 64, 3) << i;
+        }
+        panel->orderOut();
+    }
+}
+
 TEST_F(LinuxScreensTest, RingIs70PointsWideWithALineOf3) {
     m_stop->progress = 0.5;
     const auto panel = showStopScreen();
