@@ -68,6 +68,33 @@ TEST_F(LinuxScreensTest, WindowOnTwoMonitorsIsOnTheOneWithMoreOfIt) {
     EXPECT_EQ(m_screens.mainScreen()->frame(), (Rect{.width = 640, .height = 800}));
 }
 
+TEST_F(LinuxScreensTest, PanelCoversAScreenThatIsResizedWhileThePanelIsMade) {
+    /// Resized after its frame has been read for the first time.
+    class Resized final : public Screen {
+    public:
+        explicit Resized(std::shared_ptr<Screen> screen) : m_screen(std::move(screen)) {}
+
+        [[nodiscard]] Rect frame() const override {
+            const Rect frame = m_screen->frame();
+            if (m_reads++ == 0)
+                useSmallMode();
+            return frame;
+        }
+
+    private:
+        std::shared_ptr<Screen> m_screen;
+        mutable int m_reads = 0;
+    };
+
+    const auto panel =
+        showOverlay(m_screens, Resized(m_screens.mainScreen()),
+                    {.opaque = true, .background = BSODView::background, .ignoresMouseEvents = {}},
+                    std::make_shared<BSODView>(m_stop));
+    // At once, and not only when the panel hears of the change.
+    EXPECT_THAT(m_desktop.panels(), ElementsAre(QRect(0, 0, 1024, 600)));
+    EXPECT_TRUE(comesToShow({1023, 599}, blue));
+}
+
 TEST_F(LinuxScreensTest, ScreenHasItsCurrentSize) {
     const auto screen = m_screens.mainScreen();
     ASSERT_EQ(screen->frame(), (Rect{.width = 1280, .height = 800}));
