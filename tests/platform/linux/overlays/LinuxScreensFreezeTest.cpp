@@ -118,6 +118,21 @@ TEST_F(LinuxScreensTest, FreezeUnderACompositorShowsTheLiveDesktop) {
     EXPECT_TRUE(comesToShow(farFromText, veiled(green)));
 }
 
+TEST_F(LinuxScreensTest, VeilIsWhiteAt55Percent) {
+    m_desktop.openWindow(TestDesktop::whole, qRgb(0, 0, 0), true);
+    const auto expectVeil = [this] {
+        const auto panel = showFreeze();
+        waitFor(100ms);
+        const QRgb pixel = m_desktop.look(farFromText);
+        for (const int channel : {qRed(pixel), qGreen(pixel), qBlue(pixel)})
+            EXPECT_NEAR(channel, 140, 1);
+        panel->orderOut();
+    };
+    expectVeil();
+    const auto compositor = m_desktop.startCompositor();
+    expectVeil();
+}
+
 TEST_F(FreezeOverWhiteTest, TextIsGreyAndBelowTheSpinner) {
     const auto panel = showFreeze();
     const QImage picture = m_desktop.look();
