@@ -99,6 +99,7 @@ void BSODView::drawStill(Canvas& canvas, Size size) const {
     canvas.drawText(face, faceStyle, horizontalPadding, verticalPadding, layout.width);
     canvas.drawText(sentence, sentenceStyle, horizontalPadding, layout.sentenceY,
                     layout.sentenceWidth);
+    // A name of two lines would move it; from 560 points of width on, every name takes one.
     canvas.strokeArc(layout.ringCenterX(), layout.ringCenterY(), ringSize / 2, ringLine, 1,
                      white(ringOpacity));
 }
