@@ -86,11 +86,14 @@ bool X11Connection::isBroken() {
 }
 
 xcb_atom_t X11Connection::atom(std::string_view name) const {
+    const auto known = m_atoms.find(name);
+    if (known != m_atoms.end())
+        return known->second;
     const auto cookie = xcb_intern_atom(m_connection, /*only_if_exists=*/0,
                                         static_cast<uint16_t>(name.size()), name.data());
     const XcbReply<xcb_intern_atom_reply_t> reply{
         xcb_intern_atom_reply(m_connection, cookie, nullptr)};
-    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+    return m_atoms[std::string(name)] = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
 bool X11Connection::composites() const {

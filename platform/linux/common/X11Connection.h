@@ -4,7 +4,9 @@
 #include <QTimer>
 #include <cstdlib>
 #include <functional>
+#include <map>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <xcb/xcb.h>
 
@@ -68,6 +70,7 @@ private:
     int m_screenNumber;
     const xcb_screen_t* m_screen;
     EventHandler m_handler;
+    mutable std::map<std::string, xcb_atom_t, std::less<>> m_atoms;
     QSocketNotifier m_readable;
     QTimer m_settle;
 };
