@@ -55,6 +55,16 @@ struct Spinner {
     /// Factor on `size`.
     double scale = 1;
     Color tint;
+
+    /// The square that it is drawn in.
+    [[nodiscard]] Rect bounds() const {
+        return {.x = centerX - size * scale / 2,
+                .y = centerY - size * scale / 2,
+                .width = size * scale,
+                .height = size * scale};
+    }
+
+    bool operator==(const Spinner&) const = default;
 };
 
 /// The surface that views draw on, in points from the top left corner. Main thread only.
@@ -69,11 +79,12 @@ public:
     /// Draws a text with its top left corner at `x`, `y`, wrapped as by `measure`.
     virtual void drawText(std::string_view text, const TextStyle& style, double x, double y,
                           double width) = 0;
-    virtual void fill(const Rect& rect, const Color& color) = 0;
     /// Strokes `fraction` (0 to 1) of a circle, clockwise from its top, with butt caps; the line is
     /// centred on the radius.
     virtual void strokeArc(double centerX, double centerY, double radius, double lineWidth,
                            double fraction, const Color& color) = 0;
+    /// Draws a spinner, which the platform animates while the panel is shown.
+    virtual void drawSpinner(const Spinner& spinner) = 0;
 };
 
 } // namespace quorvane

@@ -2,7 +2,6 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
 
 #include "base/NonCopyable.h"
 #include "base/Observable.h"
@@ -10,23 +9,21 @@
 
 namespace quorvane {
 
-/// The content of an overlay panel, drawn when the panel appears and after each change. What
-/// changes is drawn separately, so that a change need not redraw the whole screen. Main thread
-/// only.
+/// The content of an overlay panel. Main thread only.
 class OverlayView : NonCopyable {
 public:
     virtual ~OverlayView() = default;
 
-    /// Draws what does not change while the panel is shown, over the panel's background.
-    virtual void drawStill(Canvas& canvas, Size size) const = 0;
-    /// Draws what changes, over the still part.
-    virtual void drawChanging(Canvas& canvas, Size size) const = 0;
-    /// Bounds of everything that `drawChanging` draws while the panel is shown; empty if nothing.
-    [[nodiscard]] virtual Rect changingBounds(Canvas& canvas, Size size) const = 0;
-    /// Calls `changed` when `drawChanging` would draw something else.
-    [[nodiscard]] virtual Subscription observeChanges(std::function<void()> changed) const = 0;
-    /// The view's progress indicator, if any. The platform animates it.
-    [[nodiscard]] virtual std::optional<Spinner> spinner(Canvas& canvas, Size size) const = 0;
+    /// The colour behind everything that is drawn, all over the panel and above its own background.
+    [[nodiscard]] virtual Color backLayer() const = 0;
+    /// Draws what the view shows now. Called when the panel appears and after each change, for the
+    /// same size; the platform sends only what differs to the screen.
+    virtual void draw(Canvas& canvas, Size size) const = 0;
+
+    /// Calls `changed` when `draw` would draw something else; never by default.
+    [[nodiscard]] virtual Subscription observeChanges(std::function<void()> /*changed*/) const {
+        return {};
+    }
 };
 
 // The values that overlays use, as macOS defines them.

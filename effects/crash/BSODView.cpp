@@ -59,7 +59,6 @@ struct BSODView::Layout {
     double linesWidth = 0;
     double completeY = 0;
     double codeY = 0;
-    double bottom = 0;
 
     [[nodiscard]] double ringCenterX() const { return ringX + ringSize / 2; }
 
@@ -89,45 +88,31 @@ BSODView::Layout BSODView::layOut(Canvas& canvas, Size size) const {
     layout.ringY = rowY + (rowHeight - ringSize) / 2;
     layout.completeY = rowY + (rowHeight - linesHeight) / 2;
     layout.codeY = layout.completeY + completeHeight + lineSpacing;
-    layout.bottom = rowY + rowHeight;
     return layout;
 }
 
-void BSODView::drawStill(Canvas& canvas, Size size) const {
-    canvas.fill({.x = 0, .y = 0, .width = size.width, .height = size.height}, background);
+void BSODView::draw(Canvas& canvas, Size size) const {
     const Layout layout = layOut(canvas, size);
     canvas.drawText(face, faceStyle, horizontalPadding, verticalPadding, layout.width);
     canvas.drawText(sentence, sentenceStyle, horizontalPadding, layout.sentenceY,
                     layout.sentenceWidth);
-    // A name of two lines would move it; from 560 points of width on, every name takes one.
-    canvas.strokeArc(layout.ringCenterX(), layout.ringCenterY(), ringSize / 2, ringLine, 1,
-                     white(ringOpacity));
-}
-
-void BSODView::drawChanging(Canvas& canvas, Size size) const {
-    const Layout layout = layOut(canvas, size);
     canvas.drawText(hint(), hintStyle, horizontalPadding, layout.hintY, layout.width);
-    canvas.strokeArc(layout.ringCenterX(), layout.ringCenterY(), ringSize / 2, ringLine,
-                     m_screen->progress, white(1));
-    const std::string inRing = percentText(percent());
-    const Size room = canvas.measure(inRing, percentStyle, ringSize);
-    canvas.drawText(inRing, percentStyle, layout.ringCenterX() - room.width / 2,
-                    layout.ringCenterY() - room.height / 2, ringSize);
+    drawRing(canvas, layout);
     canvas.drawText("Complete: " + percentText(percent()), completeStyle, layout.linesX,
                     layout.completeY, layout.linesWidth);
     canvas.drawText(m_screen->errorCode.get(), codeStyle, layout.linesX, layout.codeY,
                     layout.linesWidth);
 }
 
-Rect BSODView::changingBounds(Canvas& canvas, Size size) const {
-    const Layout layout = layOut(canvas, size);
-    // One point more on each side, for anti-aliasing.
-    constexpr double margin = ringLine / 2 + 1;
-    const double left = horizontalPadding - margin;
-    return {.x = left,
-            .y = layout.hintY,
-            .width = size.width - left,
-            .height = layout.bottom + margin - layout.hintY};
+void BSODView::drawRing(Canvas& canvas, const Layout& layout) const {
+    for (const auto& [fraction, opacity] :
+         {std::pair(1.0, ringOpacity), std::pair(m_screen->progress.get(), 1.0)})
+        canvas.strokeArc(layout.ringCenterX(), layout.ringCenterY(), ringSize / 2, ringLine,
+                         fraction, white(opacity));
+    const std::string text = percentText(percent());
+    const Size room = canvas.measure(text, percentStyle, ringSize);
+    canvas.drawText(text, percentStyle, layout.ringCenterX() - room.width / 2,
+                    layout.ringCenterY() - room.height / 2, ringSize);
 }
 
 Subscription BSODView::observeChanges(std::function<void()> changed) const {
@@ -138,10 +123,6 @@ Subscription BSODView::observeChanges(std::function<void()> changed) const {
         for (Subscription& each : *all)
             each.cancel();
     });
-}
-
-std::optional<Spinner> BSODView::spinner(Canvas& /*canvas*/, Size /*size*/) const {
-    return std::nullopt;
 }
 
 std::string BSODView::hint() const {

@@ -2,7 +2,6 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 
 #include "base/Observable.h"
@@ -28,16 +27,16 @@ public:
 
     explicit BSODView(std::shared_ptr<const StopScreen> screen) : m_screen(std::move(screen)) {}
 
-    void drawStill(Canvas& canvas, Size size) const override;
-    void drawChanging(Canvas& canvas, Size size) const override;
-    [[nodiscard]] Rect changingBounds(Canvas& canvas, Size size) const override;
+    [[nodiscard]] Color backLayer() const override { return background; }
+
+    void draw(Canvas& canvas, Size size) const override;
     [[nodiscard]] Subscription observeChanges(std::function<void()> changed) const override;
-    [[nodiscard]] std::optional<Spinner> spinner(Canvas& canvas, Size size) const override;
 
 private:
     struct Layout;
 
     [[nodiscard]] Layout layOut(Canvas& canvas, Size size) const;
+    void drawRing(Canvas& canvas, const Layout& layout) const;
     [[nodiscard]] std::string hint() const;
     [[nodiscard]] int percent() const;
 

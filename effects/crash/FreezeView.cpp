@@ -21,44 +21,22 @@ constexpr double spinnerScale = 3;
 constexpr double spacing = 20;
 constexpr double textPadding = 20;
 
-struct Layout {
-    double spinnerCenterY = 0;
-    double textX = 0;
-    double textY = 0;
-};
+} // namespace
 
-Layout layOut(Canvas& canvas, Size size) {
+Color FreezeView::backLayer() const {
+    return veil;
+}
+
+void FreezeView::draw(Canvas& canvas, Size size) const {
     const Size room = canvas.measure(text, textStyle, size.width);
     const double height = Spinner::size + spacing + textPadding + room.height;
     const double top = (size.height - height) / 2;
-    return {.spinnerCenterY = top + Spinner::size / 2,
-            .textX = (size.width - room.width) / 2,
-            .textY = top + Spinner::size + spacing + textPadding};
-}
-
-} // namespace
-
-void FreezeView::drawStill(Canvas& canvas, Size size) const {
-    canvas.fill({.x = 0, .y = 0, .width = size.width, .height = size.height}, veil);
-    const Layout layout = layOut(canvas, size);
-    canvas.drawText(text, textStyle, layout.textX, layout.textY, size.width);
-}
-
-void FreezeView::drawChanging(Canvas& /*canvas*/, Size /*size*/) const {}
-
-Rect FreezeView::changingBounds(Canvas& /*canvas*/, Size /*size*/) const {
-    return {};
-}
-
-Subscription FreezeView::observeChanges(std::function<void()> /*changed*/) const {
-    return {};
-}
-
-std::optional<Spinner> FreezeView::spinner(Canvas& canvas, Size size) const {
-    return Spinner{.centerX = size.width / 2,
-                   .centerY = layOut(canvas, size).spinnerCenterY,
-                   .scale = spinnerScale,
-                   .tint = grey(1)};
+    canvas.drawSpinner({.centerX = size.width / 2,
+                        .centerY = top + Spinner::size / 2,
+                        .scale = spinnerScale,
+                        .tint = grey(1)});
+    canvas.drawText(text, textStyle, (size.width - room.width) / 2,
+                    top + Spinner::size + spacing + textPadding, size.width);
 }
 
 } // namespace quorvane

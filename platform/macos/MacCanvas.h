@@ -12,9 +12,11 @@ public:
                                double width) override;
     void drawText(std::string_view text, const TextStyle& style, double x, double y,
                   double width) override;
-    void fill(const Rect& rect, const Color& color) override;
     void strokeArc(double centerX, double centerY, double radius, double lineWidth, double fraction,
                    const Color& color) override;
+
+    /// No effect: spinners are views of their own.
+    void drawSpinner(const Spinner& /*spinner*/) override {}
 };
 
 } // namespace quorvane

@@ -63,12 +63,6 @@ void MacCanvas::drawText(std::string_view text, const TextStyle& style, double x
                               context:nil];
 }
 
-void MacCanvas::fill(const Rect& rect, const Color& color) {
-    CGContextRef context = NSGraphicsContext.currentContext.CGContext;
-    CGContextSetRGBFillColor(context, color.red, color.green, color.blue, color.alpha);
-    CGContextFillRect(context, NSMakeRect(rect.x, rect.y, rect.width, rect.height));
-}
-
 void MacCanvas::strokeArc(double centerX, double centerY, double radius, double lineWidth,
                           double fraction, const Color& color) {
     if (fraction <= 0)

@@ -1,11 +1,14 @@
 #include "platform/macos/MacOverlayView.h"
 
-#include <algorithm>
+#include <memory>
 #include <optional>
 #include <utility>
 
+#include "platform/DrawingList.h"
 #include "platform/macos/MacCanvas.h"
 
+using quorvane::Color;
+using quorvane::DrawingList;
 using quorvane::MacCanvas;
 using quorvane::OverlayView;
 using quorvane::Rect;
@@ -21,52 +24,16 @@ Size sizeOf(NSView* view) {
 
 } // namespace
 
-/// A changing part of an overlay, above the static part, in the overlay's coordinates.
-@interface QuorvaneChangingView : NSView
-- (instancetype)initWithView:(std::shared_ptr<const OverlayView>)view
-                      bounds:(Rect)bounds
-                        size:(Size)size;
-@end
-
-@implementation QuorvaneChangingView {
-    std::shared_ptr<const OverlayView> _view;
-    Size _size;
-    Subscription _changes;
-}
-
-- (instancetype)initWithView:(std::shared_ptr<const OverlayView>)view
-                      bounds:(Rect)bounds
-                        size:(Size)size {
-    const NSRect frame = NSMakeRect(bounds.x, bounds.y, bounds.width, bounds.height);
-    self = [super initWithFrame:frame];
-    if (!self)
-        return nil;
-    self.bounds = frame;
-    _view = std::move(view);
-    _size = size;
-    __weak QuorvaneChangingView* weakSelf = self;
-    _changes = _view->observeChanges([weakSelf] { weakSelf.needsDisplay = YES; });
-    return self;
-}
-
-- (BOOL)isFlipped {
-    return YES;
-}
-
-- (void)drawRect:(NSRect)dirtyRect {
-    MacCanvas canvas;
-    _view->drawChanging(canvas, _size);
-}
-
-@end
-
-/// A whole overlay: the static part, and above it the views of the changing parts.
+/// A whole overlay; after a change it draws only what looks different.
 @interface QuorvaneOverlayView : NSView
 - (instancetype)initWithView:(std::shared_ptr<const OverlayView>)view size:(NSSize)size;
 @end
 
 @implementation QuorvaneOverlayView {
     std::shared_ptr<const OverlayView> _view;
+    MacCanvas _canvas;
+    std::unique_ptr<DrawingList> _drawing;
+    Subscription _changes;
 }
 
 - (instancetype)initWithView:(std::shared_ptr<const OverlayView>)view size:(NSSize)size {
@@ -74,9 +41,9 @@ Size sizeOf(NSView* view) {
     if (!self)
         return nil;
     _view = std::move(view);
-    // A layer for each view, so that a change does not redraw the static part.
-    self.wantsLayer = YES;
-    [self placeSubviews];
+    __weak QuorvaneOverlayView* weakSelf = self;
+    _changes = _view->observeChanges([weakSelf] { [weakSelf followChanges]; });
+    [self layOut];
     return self;
 }
 
@@ -86,8 +53,9 @@ Size sizeOf(NSView* view) {
 
 - (void)setFrameSize:(NSSize)newSize {
     [super setFrameSize:newSize];
-    [self placeSubviews];
-    self.needsDisplay = YES;
+    // AppKit sets the size before there is a view.
+    if (_view)
+        [self layOut];
 }
 
 // Takes the first click too, so that nothing beneath reacts to it.
@@ -99,31 +67,40 @@ Size sizeOf(NSView* view) {
 }
 
 - (void)drawRect:(NSRect)dirtyRect {
-    MacCanvas canvas;
-    _view->drawStill(canvas, sizeOf(self));
+    const Color back = _view->backLayer();
+    [[NSColor colorWithSRGBRed:back.red green:back.green blue:back.blue alpha:back.alpha] setFill];
+    NSRectFillUsingOperation(dirtyRect, NSCompositingOperationSourceOver);
+    _drawing->draw(_canvas, {.x = dirtyRect.origin.x,
+                             .y = dirtyRect.origin.y,
+                             .width = dirtyRect.size.width,
+                             .height = dirtyRect.size.height});
 }
 
-- (void)placeSubviews {
-    // AppKit sets the size before there is a view.
-    if (!_view)
-        return;
+- (std::unique_ptr<DrawingList>)list {
+    const CGFloat scale = self.window ? self.window.backingScaleFactor : 1;
+    auto drawing = std::make_unique<DrawingList>(_canvas, scale);
+    _view->draw(*drawing, sizeOf(self));
+    return drawing;
+}
+
+- (void)layOut {
+    _drawing = [self list];
     self.subviews = @[];
-    MacCanvas canvas;
-    const Size size = sizeOf(self);
-    const Rect changing = _view->changingBounds(canvas, size);
-    if (changing.width > 0 && changing.height > 0)
-        [self addSubview:[[QuorvaneChangingView alloc] initWithView:_view
-                                                             bounds:changing
-                                                               size:size]];
-    if (const std::optional<Spinner> spinner = _view->spinner(canvas, size))
+    if (const std::optional<Spinner>& spinner = _drawing->spinner())
         [self addSpinner:*spinner];
+    self.needsDisplay = YES;
+}
+
+- (void)followChanges {
+    const auto before = std::exchange(_drawing, [self list]);
+    for (const Rect& area : _drawing->changes(*before))
+        [self setNeedsDisplayInRect:NSMakeRect(area.x, area.y, area.width, area.height)];
 }
 
 - (void)addSpinner:(const Spinner&)spinner {
-    const CGFloat drawn = Spinner::size * spinner.scale;
+    const Rect room = spinner.bounds();
     NSView* scaled =
-        [[NSView alloc] initWithFrame:NSMakeRect(spinner.centerX - drawn / 2,
-                                                 spinner.centerY - drawn / 2, drawn, drawn)];
+        [[NSView alloc] initWithFrame:NSMakeRect(room.x, room.y, room.width, room.height)];
     // Laid out at its own size and drawn larger.
     scaled.bounds = NSMakeRect(0, 0, Spinner::size, Spinner::size);
     NSProgressIndicator* indicator =

@@ -116,10 +116,6 @@ void SimulatedCanvas::drawText(std::string_view text, const TextStyle& style, do
                      .room = {.x = x, .y = y, .width = room.width, .height = room.height}});
 }
 
-void SimulatedCanvas::fill(const Rect& rect, const Color& color) {
-    fills.push_back({.rect = rect, .color = color});
-}
-
 void SimulatedCanvas::strokeArc(double centerX, double centerY, double radius, double lineWidth,
                                 double fraction, const Color& color) {
     arcs.push_back({.centerX = centerX,

@@ -28,25 +28,21 @@ public:
         Color color;
     };
 
-    struct Fill {
-        Rect rect;
-        Color color;
-    };
-
     [[nodiscard]] Size measure(std::string_view text, const TextStyle& style,
                                double width) override;
     void drawText(std::string_view text, const TextStyle& style, double x, double y,
                   double width) override;
-    void fill(const Rect& rect, const Color& color) override;
     void strokeArc(double centerX, double centerY, double radius, double lineWidth, double fraction,
                    const Color& color) override;
+
+    void drawSpinner(const Spinner& spinner) override { spinners.push_back(spinner); }
 
     /// The text that starts with `start`; ends the program if there is none.
     [[nodiscard]] const Text& textStarting(std::string_view start) const;
 
     std::vector<Text> texts;
     std::vector<Arc> arcs;
-    std::vector<Fill> fills;
+    std::vector<Spinner> spinners;
 };
 
 /// A record of one panel.

@@ -1,6 +1,5 @@
 #include "platform/linux/overlays/LinuxScreens.h"
 
-#include <QGuiApplication>
 #include <optional>
 #include <utility>
 
@@ -41,14 +40,14 @@ const std::shared_ptr<X11OverlayStack>& LinuxScreens::overlays() {
     // The watchdog ends a connection, and so do tools that kill a window's client.
     if (m_stack && m_stack->connection().isBroken())
         m_stack.reset();
-    if (!m_stack && QGuiApplication::platformName() == QLatin1String("xcb"))
+    if (!m_stack)
         if (auto connection = X11Connection::open())
             m_stack = std::make_shared<X11OverlayStack>(std::move(connection));
     return m_stack;
 }
 
 std::shared_ptr<Screen> LinuxScreens::mainScreen() {
-    if (!overlays())
+    if (!overlays() || !X11OverlayWindow::isSupported(m_stack->connection()))
         return nullptr;
     const auto monitor = x11MainMonitor(m_stack->connection());
     m_stack->connection().settle();

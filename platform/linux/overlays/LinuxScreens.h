@@ -8,10 +8,10 @@ namespace quorvane {
 
 class X11OverlayStack;
 
-/// The screens of an X server, Xwayland included, and panels over them: X11 windows drawn in
-/// memory, without a Qt Quick scene. Connects on first use, which needs a QGuiApplication; a lost
-/// connection is replaced for the next panel. Where Qt is not on xcb, or the server does not
-/// answer, there is no main screen, and panels do not show.
+/// The screens of an X server, Xwayland included, and panels over them: X11 windows, whatever Qt
+/// draws its own with. Connects on first use, which needs a QGuiApplication; a lost connection is
+/// replaced for the next panel. Without an X server, a monitor, or true colours there is no main
+/// screen, and panels do not show.
 class LinuxScreens final : public ScreenService {
 public:
     LinuxScreens();

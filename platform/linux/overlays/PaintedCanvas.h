@@ -1,66 +1,33 @@
 #pragma once
 
-#include <QPainter>
-#include <QTextLayout>
-#include <memory>
-#include <unordered_map>
-#include <utility>
-#include <vector>
+#include "platform/linux/overlays/TextLayouts.h"
 
-#include "platform/Canvas.h"
+class QPainter;
 
 namespace quorvane {
 
-/// Texts that have been laid out, so that one that is drawn again is not shaped again.
-class LaidOutTexts {
-public:
-    struct Text {
-        QTextLayout layout;
-        Size room;
-    };
-
-    const Text& get(std::string_view text, const TextStyle& style, double width);
-
-private:
-    [[nodiscard]] const QFont& font(const TextStyle& style);
-
-    std::unordered_map<std::string, std::unique_ptr<Text>> m_texts;
-    // Few, and dear to make.
-    std::vector<std::pair<TextStyle, QFont>> m_fonts;
-};
-
-/// Draws with a painter whose unit is a point. The texts are kept for other canvases.
+/// Draws with a painter whose unit is a point. Main thread only.
 class PaintedCanvas final : public Canvas {
 public:
-    PaintedCanvas(QPainter& painter, LaidOutTexts& texts);
+    /// The pictures that a spinner's turn consists of.
+    static constexpr int spinnerSteps = 12;
+
+    /// Null for `painter`: only measures. `spinnerStep`: which picture of its turn a spinner shows,
+    /// counted from any. The painter and `texts` must outlive the canvas.
+    PaintedCanvas(QPainter* painter, TextLayouts& texts, int spinnerStep);
 
     [[nodiscard]] Size measure(std::string_view text, const TextStyle& style,
                                double width) override;
     void drawText(std::string_view text, const TextStyle& style, double x, double y,
                   double width) override;
-    void fill(const Rect& rect, const Color& color) override;
     void strokeArc(double centerX, double centerY, double radius, double lineWidth, double fraction,
                    const Color& color) override;
-    /// The arc from `from` to `to`, fractions of the circle from its top.
-    void strokeArc(double centerX, double centerY, double radius, double lineWidth, double from,
-                   double to, const Color& color);
+    void drawSpinner(const Spinner& spinner) override;
 
 private:
-    QPainter& m_painter;
-    LaidOutTexts& m_texts;
+    QPainter* m_painter;
+    TextLayouts& m_texts;
+    int m_spinnerStep;
 };
-
-/// The same colour for the toolkit.
-[[nodiscard]] QColor toolkitColor(const Color& color);
-
-/// How many pictures a spinner's turn is made of.
-inline constexpr int spinnerSteps = 12;
-
-/// Where a spinner draws.
-[[nodiscard]] Rect spinnerBounds(const Spinner& spinner);
-
-/// Draws a spinner's picture `step`, counted from any: strokes around a circle, the one
-/// at the step in full and those behind it fading.
-void drawSpinner(QPainter& painter, const Spinner& spinner, int step);
 
 } // namespace quorvane

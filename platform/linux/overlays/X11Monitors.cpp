@@ -3,6 +3,10 @@
 #include <QGuiApplication>
 #include <QScreen>
 #include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <string_view>
 #include <xcb/randr.h>
 
 namespace quorvane {
@@ -12,7 +16,36 @@ namespace {
 // In place of a window the focus may be None (0) or PointerRoot (1).
 constexpr xcb_window_t lastNonWindow = XCB_INPUT_FOCUS_POINTER_ROOT;
 
-double scaleAt(QPoint place) {
+/// A property of the root window; empty if it is not set.
+std::string rootProperty(const X11Connection& connection, xcb_atom_t property, xcb_atom_t type) {
+    constexpr uint32_t mostWords = 65536;
+    const XcbReply<xcb_get_property_reply_t> reply{
+        xcb_get_property_reply(connection.get(),
+                               xcb_get_property(connection.get(), /*_delete=*/0, connection.root(),
+                                                property, type, 0, mostWords),
+                               nullptr)};
+    if (!reply)
+        return {};
+    return {static_cast<const char*>(xcb_get_property_value(reply.get())),
+            static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
+}
+
+/// The desktop's resolution setting for X11 programs, in pixels per point.
+double resourcesScale(const X11Connection& connection) {
+    constexpr std::string_view key = "Xft.dpi:";
+    constexpr double standardResolution = 96;
+    const std::string resources =
+        rootProperty(connection, XCB_ATOM_RESOURCE_MANAGER, XCB_ATOM_STRING);
+    const std::size_t place = resources.find(key);
+    const double resolution =
+        place == std::string::npos ? 0 : std::atof(resources.c_str() + place + key.size());
+    return resolution > 0 ? resolution / standardResolution : 1;
+}
+
+/// Qt's scale factor for the screen, if Qt draws on this X server too.
+double scaleAt(const X11Connection& connection, QPoint place) {
+    if (QGuiApplication::platformName() != QLatin1String("xcb"))
+        return resourcesScale(connection);
     // Qt gives a screen's top left corner in pixels, whatever its scale.
     for (const QScreen* screen : QGuiApplication::screens())
         if (screen->geometry().topLeft() == place)
@@ -31,7 +64,8 @@ XcbReply<xcb_randr_get_monitors_reply_t> listMonitors(const X11Connection& conne
         xcb_randr_get_monitors_reply(connection.get(), cookie, nullptr)};
 }
 
-std::optional<QRect> rectOf(const X11Connection& connection, xcb_window_t window) {
+/// A window's place in the root window; empty if it is gone.
+QRect rectOf(const X11Connection& connection, xcb_window_t window) {
     const auto sizeCookie = xcb_get_geometry(connection.get(), window);
     const auto placeCookie =
         xcb_translate_coordinates(connection.get(), window, connection.root(), 0, 0);
@@ -40,35 +74,34 @@ std::optional<QRect> rectOf(const X11Connection& connection, xcb_window_t window
     const XcbReply<xcb_translate_coordinates_reply_t> place{
         xcb_translate_coordinates_reply(connection.get(), placeCookie, nullptr)};
     if (!size || !place)
-        return std::nullopt;
-    return QRect(place->dst_x, place->dst_y, size->width, size->height);
+        return {};
+    return {place->dst_x, place->dst_y, size->width, size->height};
 }
 
-xcb_window_t activeWindow(const X11Connection& connection) {
-    const auto cookie =
-        xcb_get_property(connection.get(), /*_delete=*/0, connection.root(),
-                         connection.atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW, 0, 1);
-    const XcbReply<xcb_get_property_reply_t> reply{
-        xcb_get_property_reply(connection.get(), cookie, nullptr)};
-    if (!reply || xcb_get_property_value_length(reply.get()) != sizeof(xcb_window_t))
-        return XCB_WINDOW_NONE;
-    return *static_cast<const xcb_window_t*>(xcb_get_property_value(reply.get()));
+QRect activeWindow(const X11Connection& connection) {
+    const std::string value =
+        rootProperty(connection, connection.atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW);
+    xcb_window_t window = XCB_WINDOW_NONE;
+    if (value.size() == sizeof window)
+        std::memcpy(&window, value.data(), sizeof window);
+    return window == XCB_WINDOW_NONE ? QRect() : rectOf(connection, window);
 }
 
-xcb_window_t inputFocus(const X11Connection& connection) {
+QRect focusedWindow(const X11Connection& connection) {
     const XcbReply<xcb_get_input_focus_reply_t> reply{xcb_get_input_focus_reply(
         connection.get(), xcb_get_input_focus(connection.get()), nullptr)};
-    if (!reply || reply->focus == connection.root())
-        return XCB_WINDOW_NONE;
-    return reply->focus;
+    if (!reply || reply->focus <= lastNonWindow || reply->focus == connection.root())
+        return {};
+    return rectOf(connection, reply->focus);
 }
 
-std::optional<QRect> focusedRect(const X11Connection& connection) {
-    for (const xcb_window_t window : {activeWindow(connection), inputFocus(connection)})
-        if (window > lastNonWindow)
-            if (const auto rect = rectOf(connection, window))
-                return rect;
-    return std::nullopt;
+/// The pointer's pixel, if it is in a window: where else it is Xwayland does not know.
+QRect pointer(const X11Connection& connection) {
+    const XcbReply<xcb_query_pointer_reply_t> reply{xcb_query_pointer_reply(
+        connection.get(), xcb_query_pointer(connection.get(), connection.root()), nullptr)};
+    if (!reply || reply->child == XCB_WINDOW_NONE)
+        return {};
+    return {reply->root_x, reply->root_y, 1, 1};
 }
 
 int area(const QRect& rect) {
@@ -78,8 +111,8 @@ int area(const QRect& rect) {
 } // namespace
 
 Rect X11Monitor::frame() const {
-    return {.x = pixels.x() / scale,
-            .y = pixels.y() / scale,
+    return {.x = static_cast<double>(pixels.x()),
+            .y = static_cast<double>(pixels.y()),
             .width = pixels.width() / scale,
             .height = pixels.height() / scale};
 }
@@ -89,8 +122,9 @@ std::vector<X11Monitor> x11Monitors(const X11Connection& connection) {
     const auto reply = listMonitors(connection);
     // Without RandR's monitors, the root window is the only one.
     if (!reply) {
-        const auto all = rectOf(connection, connection.root()).value_or(QRect());
-        monitors.push_back({.primary = true, .pixels = all, .scale = scaleAt(all.topLeft())});
+        const auto all = rectOf(connection, connection.root());
+        monitors.push_back(
+            {.primary = true, .pixels = all, .scale = scaleAt(connection, all.topLeft())});
         return monitors;
     }
     for (auto each = xcb_randr_get_monitors_monitors_iterator(reply.get()); each.rem > 0;
@@ -99,22 +133,44 @@ std::vector<X11Monitor> x11Monitors(const X11Connection& connection) {
         monitors.push_back({.name = each.data->name,
                             .primary = each.data->primary != 0,
                             .pixels = pixels,
-                            .scale = scaleAt(pixels.topLeft())});
+                            .scale = scaleAt(connection, pixels.topLeft())});
     }
     return monitors;
+}
+
+X11Monitor x11MonitorAt(const X11Connection& connection, const Rect& frame) {
+    const QPoint corner(qRound(frame.x), qRound(frame.y));
+    X11Monitor at;
+    for (const X11Monitor& monitor : x11Monitors(connection)) {
+        if (monitor.frame() == frame)
+            return monitor;
+        if (monitor.pixels.contains(corner))
+            at.scale = monitor.scale;
+    }
+    at.pixels = {corner, QSize(qRound(frame.width * at.scale), qRound(frame.height * at.scale))};
+    return at;
 }
 
 std::optional<X11Monitor> x11MainMonitor(const X11Connection& connection) {
     const std::vector<X11Monitor> monitors = x11Monitors(connection);
     if (monitors.empty())
         return std::nullopt;
-    const QRect focused = focusedRect(connection).value_or(QRect());
-    // Where the focused window is on none, or equally on two, the primary one wins.
-    const auto less = [&focused](const X11Monitor& one, const X11Monitor& other) {
-        return std::pair(area(one.pixels & focused), one.primary) <
-               std::pair(area(other.pixels & focused), other.primary);
+    // The one with most of a rectangle; of two with as much, the primary one.
+    const auto best = [&monitors](const QRect& rect) {
+        return *std::max_element(monitors.begin(), monitors.end(),
+                                 [&rect](const auto& one, const auto& other) {
+                                     return std::pair(area(one.pixels & rect), one.primary) <
+                                            std::pair(area(other.pixels & rect), other.primary);
+                                 });
     };
-    return *std::max_element(monitors.begin(), monitors.end(), less);
+    for (const auto find : {activeWindow, focusedWindow, pointer}) {
+        const QRect rect = find(connection);
+        const X11Monitor monitor = best(rect);
+        // Window managers give the keyboard to windows outside of all monitors, for "none".
+        if (monitor.pixels.intersects(rect))
+            return monitor;
+    }
+    return best({});
 }
 
 } // namespace quorvane

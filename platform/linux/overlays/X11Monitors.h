@@ -15,18 +15,24 @@ struct X11Monitor {
     bool primary = false;
     /// In coordinates of the root window.
     QRect pixels;
-    /// Pixels per point: Qt's device pixel ratio for this screen.
+    /// Pixels per point.
     double scale = 1;
 
-    /// In points: the pixels divided by the scale.
+    /// Its corner in pixels, its size in points: with several scales, corners in points could be
+    /// those of two monitors.
     [[nodiscard]] Rect frame() const;
 };
 
 /// All active monitors.
 [[nodiscard]] std::vector<X11Monitor> x11Monitors(const X11Connection& connection);
 
-/// The one that holds most of the window with the keyboard focus, else the primary one; none if
-/// there are none.
+/// The monitor with this frame; if there is none, one of the frame's size at its place, with the
+/// scale of the monitor there.
+[[nodiscard]] X11Monitor x11MonitorAt(const X11Connection& connection, const Rect& frame);
+
+/// The one that holds most of the window with the keyboard focus, or where no X11 window has it,
+/// the one with the pointer if that is in an X11 window; else the primary one, else the first. None
+/// if there are none.
 [[nodiscard]] std::optional<X11Monitor> x11MainMonitor(const X11Connection& connection);
 
 } // namespace quorvane

@@ -12,8 +12,9 @@ namespace quorvane {
 
 namespace {
 
-// Two programs that both want to be in front must not raise their windows in a busy loop.
+// Two programs that both want to be in front must not fight: the other may be a screen locker.
 constexpr qint64 shortestRaiseInterval = 100; // Milliseconds.
+constexpr int mostRaises = 2;
 
 int firstScreensEvent(const X11Connection& connection) {
     const auto* extension = xcb_get_extension_data(connection.get(), &xcb_randr_id);
@@ -33,6 +34,7 @@ X11OverlayStack::X11OverlayStack(std::unique_ptr<X11Connection> connection)
     m_raise.setSingleShot(true);
     QObject::connect(&m_raise, &QTimer::timeout, &m_raise, [this] {
         m_sinceRaise.start();
+        ++m_raised;
         restack();
     });
     // One change of the monitors causes many events.
@@ -62,6 +64,7 @@ void X11OverlayStack::add(std::shared_ptr<X11Panel> panel) {
         m_stopSignals.emplace(m_connection->socket());
         watch(true);
     }
+    m_raised = 0;
     std::erase(m_shown, panel);
     const auto place = std::find_if(m_shown.begin(), m_shown.end(), [&panel](const auto& other) {
         return other->level() <= panel->level();
@@ -133,7 +136,7 @@ void X11OverlayStack::handle(const xcb_generic_event_t& event) {
 }
 
 void X11OverlayStack::handleExpose(const xcb_expose_event_t& event) const {
-    if (const X11Panel* panel = find(event.window))
+    if (X11Panel* panel = find(event.window))
         panel->expose({event.x, event.y, event.width, event.height});
 }
 
@@ -156,7 +159,7 @@ void X11OverlayStack::handleOther(xcb_window_t reporter, xcb_window_t window) {
 }
 
 void X11OverlayStack::raiseSoon() {
-    if (m_raise.isActive())
+    if (m_raise.isActive() || m_raised == mostRaises)
         return;
     const qint64 since = m_sinceRaise.isValid() ? m_sinceRaise.elapsed() : shortestRaiseInterval;
     m_raise.start(static_cast<int>(std::max<qint64>(shortestRaiseInterval - since, 0)));

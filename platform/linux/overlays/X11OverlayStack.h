@@ -52,6 +52,8 @@ private:
     std::vector<std::shared_ptr<X11Panel>> m_shown;
     QTimer m_raise;
     QElapsedTimer m_sinceRaise;
+    // Since a panel was last ordered front.
+    int m_raised = 0;
     QTimer m_follow;
 };
 

@@ -1,38 +1,120 @@
 #include "platform/linux/overlays/X11OverlayWindow.h"
 
-#include <unistd.h>
 #include <xcb/shape.h>
+#include <xcb/xcb_renderutil.h>
 
 #include <array>
 #include <string_view>
-
-#include "platform/linux/overlays/PaintedCanvas.h"
 
 namespace quorvane {
 
 namespace {
 
+constexpr uint8_t blendedDepth = 32;
 constexpr uint32_t buttonEvents = XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE;
 // _NET_WM_BYPASS_COMPOSITOR: the compositor is to go on blending what is under this window.
 constexpr uint32_t keepCompositing = 2;
+// _KDE_NET_WM_SKIP_CLOSE_ANIMATION: the window is to disappear at once.
+constexpr uint32_t skipAnimation = 1;
 // WM_HINTS: the flag of the input hint, and its value, no.
 constexpr std::array<uint32_t, 9> neverTakesTheKeyboard{1, 0};
 
-uint32_t pixelOf(const Color& color, int depth) {
-    const QRgb pixel = qPremultiply(toolkitColor(color).rgba());
-    return depth == 32 ? pixel : pixel & RGB_MASK;
+/// 0 if RENDER has none for this visual.
+xcb_render_pictformat_t formatOf(const X11Connection& connection, xcb_visualid_t visual) {
+    const auto* formats = xcb_render_util_query_formats(connection.get());
+    const auto* format = formats ? xcb_render_util_find_visual_format(formats, visual) : nullptr;
+    return format ? format->format : 0;
+}
+
+/// 32 bits with alpha, as in a QImage.
+xcb_render_pictformat_t imageFormat(const X11Connection& connection) {
+    return xcb_render_util_find_standard_format(xcb_render_util_query_formats(connection.get()),
+                                                XCB_PICT_STANDARD_ARGB_32)
+        ->id;
+}
+
+/// A pixmap in the X server, for RENDER to draw on.
+class Pixmap : NonCopyable {
+public:
+    Pixmap(const X11Connection& connection, QSize size, uint8_t depth,
+           xcb_render_pictformat_t format)
+        : m_connection(connection.get()), m_pixmap(xcb_generate_id(m_connection)),
+          m_picture(xcb_generate_id(m_connection)) {
+        xcb_create_pixmap(m_connection, depth, m_pixmap, connection.root(),
+                          static_cast<uint16_t>(size.width()),
+                          static_cast<uint16_t>(size.height()));
+        xcb_render_create_picture(m_connection, m_picture, m_pixmap, format, 0, nullptr);
+    }
+
+    ~Pixmap() {
+        xcb_render_free_picture(m_connection, m_picture);
+        xcb_free_pixmap(m_connection, m_pixmap);
+    }
+
+    [[nodiscard]] xcb_pixmap_t id() const { return m_pixmap; }
+
+    [[nodiscard]] xcb_render_picture_t picture() const { return m_picture; }
+
+private:
+    xcb_connection_t* m_connection;
+    xcb_pixmap_t m_pixmap;
+    xcb_render_picture_t m_picture;
+};
+
+xcb_rectangle_t rectangleOf(QSize size) {
+    return {.x = 0,
+            .y = 0,
+            .width = static_cast<uint16_t>(size.width()),
+            .height = static_cast<uint16_t>(size.height())};
+}
+
+void copyDesktop(const X11Connection& connection, const QRect& pixels, const Pixmap& target) {
+    const xcb_render_picture_t desktop = xcb_generate_id(connection.get());
+    const uint32_t withWindows = XCB_SUBWINDOW_MODE_INCLUDE_INFERIORS;
+    xcb_render_create_picture(connection.get(), desktop, connection.root(),
+                              formatOf(connection, connection.screen().root_visual),
+                              XCB_RENDER_CP_SUBWINDOW_MODE, &withWindows);
+    xcb_render_composite(
+        connection.get(), XCB_RENDER_PICT_OP_SRC, desktop, XCB_NONE, target.picture(),
+        static_cast<int16_t>(pixels.x()), static_cast<int16_t>(pixels.y()), 0, 0, 0, 0,
+        static_cast<uint16_t>(pixels.width()), static_cast<uint16_t>(pixels.height()));
+    xcb_render_free_picture(connection.get(), desktop);
+}
+
+void fill(const X11Connection& connection, const Pixmap& target, QSize size, uint8_t operation,
+          const Color& color) {
+    const auto channel = [&color](double value) {
+        return static_cast<uint16_t>(qRound(value * color.alpha * UINT16_MAX));
+    };
+    const xcb_rectangle_t everything = rectangleOf(size);
+    xcb_render_fill_rectangles(
+        connection.get(), operation, target.picture(),
+        {channel(color.red), channel(color.green), channel(color.blue), channel(1)}, 1,
+        &everything);
 }
 
 } // namespace
 
+bool X11OverlayWindow::isSupported(const X11Connection& connection) {
+    return formatOf(connection, connection.screen().root_visual) != 0;
+}
+
 X11OverlayWindow::X11OverlayWindow(X11Connection& connection, const Look& look)
-    : m_connection(connection), m_depth(look.depth), m_window(xcb_generate_id(connection.get())),
-      m_colormap(xcb_generate_id(connection.get())), m_context(xcb_generate_id(connection.get())) {
+    : m_connection(connection),
+      m_blended(!look.opaque && connection.visual(blendedDepth) != 0 && connection.composites()),
+      m_depth(m_blended ? blendedDepth : connection.screen().root_depth),
+      m_visual(m_blended ? connection.visual(blendedDepth) : connection.screen().root_visual),
+      m_window(xcb_generate_id(connection.get())), m_colormap(xcb_generate_id(connection.get())),
+      m_context(xcb_generate_id(connection.get())) {
     create(look);
     describe();
     if (!look.takesClicks)
         letClicksThrough();
     xcb_map_window(m_connection.get(), m_window);
+    // From now on: what is shown right after this needs no exposure.
+    const uint32_t events =
+        buttonEvents | XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_VISIBILITY_CHANGE;
+    xcb_change_window_attributes(m_connection.get(), m_window, XCB_CW_EVENT_MASK, &events);
 }
 
 X11OverlayWindow::~X11OverlayWindow() {
@@ -42,27 +124,43 @@ X11OverlayWindow::~X11OverlayWindow() {
 }
 
 void X11OverlayWindow::create(const Look& look) {
-    const xcb_visualid_t visual = m_connection.visual(m_depth);
+    // One pixel is enough for colours alone: the server repeats a background.
+    const bool showsDesktop = !look.opaque && !m_blended;
+    const QSize size = showsDesktop ? look.pixels.size() : QSize(1, 1);
+    const Pixmap background(m_connection, size, m_depth, formatOf(m_connection, m_visual));
+    if (showsDesktop)
+        copyDesktop(m_connection, look.pixels, background);
+    else
+        fill(m_connection, background, size, XCB_RENDER_PICT_OP_CLEAR, {});
+    for (const Color& layer : look.layers)
+        fill(m_connection, background, size, XCB_RENDER_PICT_OP_OVER, layer);
+
     xcb_create_colormap(m_connection.get(), XCB_COLORMAP_ALLOC_NONE, m_colormap,
-                        m_connection.root(), visual);
+                        m_connection.root(), m_visual);
     xcb_create_window_value_list_t values{};
-    values.background_pixel = pixelOf(look.background, m_depth);
+    values.background_pixmap = background.id();
     values.border_pixel = 0;
     values.override_redirect = 1;
-    values.event_mask = buttonEvents | XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_VISIBILITY_CHANGE;
     // Clicks and drags must not reach the desktop.
+    values.event_mask = buttonEvents;
     values.do_not_propogate_mask = buttonEvents | XCB_EVENT_MASK_POINTER_MOTION;
     values.colormap = m_colormap;
     values.cursor = look.cursor;
     xcb_create_window_aux(
-        m_connection.get(), static_cast<uint8_t>(m_depth), m_window, m_connection.root(),
+        m_connection.get(), m_depth, m_window, m_connection.root(),
         static_cast<int16_t>(look.pixels.x()), static_cast<int16_t>(look.pixels.y()),
         static_cast<uint16_t>(look.pixels.width()), static_cast<uint16_t>(look.pixels.height()), 0,
-        XCB_WINDOW_CLASS_INPUT_OUTPUT, visual,
-        XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK |
+        XCB_WINDOW_CLASS_INPUT_OUTPUT, m_visual,
+        XCB_CW_BACK_PIXMAP | XCB_CW_BORDER_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK |
             XCB_CW_DONT_PROPAGATE | XCB_CW_COLORMAP | XCB_CW_CURSOR,
         &values);
-    xcb_create_gc(m_connection.get(), m_context, m_window, 0, nullptr);
+
+    xcb_create_gc_value_list_t drawing{};
+    drawing.fill_style = XCB_FILL_STYLE_TILED;
+    drawing.tile = background.id();
+    drawing.graphics_exposures = 0;
+    xcb_create_gc_aux(m_connection.get(), m_context, m_window,
+                      XCB_GC_FILL_STYLE | XCB_GC_TILE | XCB_GC_GRAPHICS_EXPOSURES, &drawing);
 }
 
 void X11OverlayWindow::describe() const {
@@ -79,7 +177,9 @@ void X11OverlayWindow::describe() const {
     // never take the keyboard.
     const xcb_atom_t type = m_connection.atom("_NET_WM_WINDOW_TYPE_NOTIFICATION");
     set(m_connection.atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, 32, 1, &type);
-    if (m_depth == 32)
+    set(m_connection.atom("_KDE_NET_WM_SKIP_CLOSE_ANIMATION"), XCB_ATOM_CARDINAL, 32, 1,
+        &skipAnimation);
+    if (m_blended)
         set(m_connection.atom("_NET_WM_BYPASS_COMPOSITOR"), XCB_ATOM_CARDINAL, 32, 1,
             &keepCompositing);
 }
@@ -100,8 +200,37 @@ void X11OverlayWindow::placeBelow(xcb_window_t sibling) const {
                          XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE, place.data());
 }
 
-void X11OverlayWindow::show(const X11SharedImage& image, const QRect& part) const {
-    image.put(m_window, m_context, static_cast<uint8_t>(m_depth), part);
+void X11OverlayWindow::moveTo(const QRect& pixels) const {
+    const std::array<int32_t, 4> place{pixels.x(), pixels.y(), pixels.width(), pixels.height()};
+    xcb_configure_window(m_connection.get(), m_window,
+                         XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
+                             XCB_CONFIG_WINDOW_HEIGHT,
+                         place.data());
+    // Exposes everything, whatever the server still has.
+    xcb_clear_area(m_connection.get(), 1, m_window, 0, 0, 0, 0);
+}
+
+void X11OverlayWindow::show(const QImage& picture, QPoint corner) const {
+    const xcb_rectangle_t part = rectangleOf(picture.size());
+    const Pixmap source(m_connection, picture.size(), blendedDepth, imageFormat(m_connection));
+    const xcb_gcontext_t context = xcb_generate_id(m_connection.get());
+    xcb_create_gc(m_connection.get(), context, source.id(), 0, nullptr);
+    xcb_put_image(m_connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, source.id(), context, part.width,
+                  part.height, 0, 0, 0, blendedDepth, static_cast<uint32_t>(picture.sizeInBytes()),
+                  picture.constBits());
+    xcb_free_gc(m_connection.get(), context);
+
+    // Put together out of sight, so that no half of it is ever seen.
+    const Pixmap whole(m_connection, picture.size(), m_depth, formatOf(m_connection, m_visual));
+    const std::array<int32_t, 2> origin{-corner.x(), -corner.y()};
+    xcb_change_gc(m_connection.get(), m_context,
+                  XCB_GC_TILE_STIPPLE_ORIGIN_X | XCB_GC_TILE_STIPPLE_ORIGIN_Y, origin.data());
+    xcb_poly_fill_rectangle(m_connection.get(), whole.id(), m_context, 1, &part);
+    xcb_render_composite(m_connection.get(), XCB_RENDER_PICT_OP_OVER, source.picture(), XCB_NONE,
+                         whole.picture(), 0, 0, 0, 0, 0, 0, part.width, part.height);
+    xcb_copy_area(m_connection.get(), whole.id(), m_window, m_context, 0, 0,
+                  static_cast<int16_t>(corner.x()), static_cast<int16_t>(corner.y()), part.width,
+                  part.height);
 }
 
 } // namespace quorvane

@@ -1,7 +1,7 @@
 #include "platform/linux/overlays/X11Panel.h"
 
 #include <algorithm>
-#include <cmath>
+#include <chrono>
 #include <utility>
 
 #include "platform/linux/overlays/X11OverlayStack.h"
@@ -10,25 +10,19 @@ namespace quorvane {
 
 namespace {
 
-bool isNear(const Rect& one, const Rect& other) {
-    constexpr double half = 0.5;
-    return std::abs(one.x - other.x) < half && std::abs(one.y - other.y) < half &&
-           std::abs(one.width - other.width) < half && std::abs(one.height - other.height) < half;
-}
-
-QRect pixelsOf(const Rect& frame, double scale) {
-    return {qRound(frame.x * scale), qRound(frame.y * scale), qRound(frame.width * scale),
-            qRound(frame.height * scale)};
-}
+constexpr std::chrono::milliseconds spinnerInterval{83};
 
 } // namespace
 
-X11Panel::X11Panel(std::weak_ptr<X11OverlayStack> overlays, const Rect& frame)
-    : m_stack(std::move(overlays)), m_frame(frame) {}
+X11Panel::X11Panel(std::weak_ptr<X11OverlayStack> stack, const Rect& frame)
+    : m_stack(std::move(stack)), m_frame(frame) {
+    QObject::connect(&m_spin, &QTimer::timeout, &m_spin,
+                     [this] { show({m_painter->turnSpinner()}); });
+}
 
 void X11Panel::setLevel(int level) {
     m_level = level;
-    if (m_overlay)
+    if (m_window)
         orderFrontRegardless();
 }
 
@@ -60,43 +54,39 @@ void X11Panel::setTimeLimit(double seconds) {
 
 void X11Panel::setFrame(const Rect& frame, bool /*display*/) {
     m_frame = frame;
-    const auto overlays = m_stack.lock();
-    if (!overlays || !m_overlay)
-        return;
-    place(m_frame, x11Monitors(overlays->connection()));
     replaceWindow();
 }
 
 void X11Panel::orderFrontRegardless() {
-    const auto overlays = m_stack.lock();
-    if (!overlays)
+    const auto stack = m_stack.lock();
+    if (!stack)
         return;
-    if (!m_overlay) {
-        place(m_frame, x11Monitors(overlays->connection()));
-        // Nothing can be drawn without a 24-bit visual.
-        if (m_monitor.pixels.isEmpty() || overlays->connection().visual(24) == 0)
+    if (!m_window) {
+        if (!X11OverlayWindow::isSupported(stack->connection()))
             return;
         if (m_timeLimit > 0)
-            m_watchdog.emplace(overlays->connection().socket(), m_timeLimit);
-        m_overlay = makeOverlay(*overlays);
+            m_watchdog.emplace(stack->connection().socket(), m_timeLimit);
+        makeWindow(*stack);
     }
-    overlays->add(shared_from_this());
+    stack->add(shared_from_this());
 }
 
 void X11Panel::orderOut() {
-    m_overlay.reset();
-    if (const auto overlays = m_stack.lock())
-        overlays->remove(*this);
+    removeWindow();
+    if (const auto stack = m_stack.lock())
+        stack->remove(*this);
     m_watchdog.reset();
 }
 
-const X11OverlayWindow* X11Panel::window() const {
-    return m_overlay ? &m_overlay->window() : nullptr;
+void X11Panel::removeWindow() {
+    m_changes.cancel();
+    m_spin.stop();
+    m_window.reset();
 }
 
-void X11Panel::expose(const QRect& part) const {
-    if (m_overlay)
-        m_overlay->show(part);
+void X11Panel::expose(const QRect& part) {
+    if (m_painter)
+        show(m_painter->paint(part));
 }
 
 void X11Panel::follow(const std::vector<X11Monitor>& monitors,
@@ -109,51 +99,51 @@ void X11Panel::follow(const std::vector<X11Monitor>& monitors,
         return;
     }
     const X11Monitor& now = own == monitors.end() ? *main : *own;
-    if (now.pixels == m_monitor.pixels && now.scale == m_monitor.scale)
+    if (!m_window || (now.pixels == m_monitor.pixels && now.scale == m_monitor.scale))
         return;
     m_monitor = now;
     m_frame = now.frame();
-    replaceWindow();
-}
-
-void X11Panel::place(const Rect& frame, const std::vector<X11Monitor>& monitors) {
-    const auto whole = std::find_if(monitors.begin(), monitors.end(), [&frame](const auto& each) {
-        return isNear(each.frame(), frame);
-    });
-    if (whole != monitors.end()) {
-        m_monitor = *whole;
-        return;
-    }
-    m_monitor = {};
-    if (!monitors.empty())
-        m_monitor.scale = monitors.front().scale;
-    m_monitor.pixels = pixelsOf(frame, m_monitor.scale);
+    if (m_view)
+        m_painter.emplace(m_view, m_monitor.pixels.size(), m_monitor.scale);
+    // Exposes all of it.
+    m_window->moveTo(m_monitor.pixels);
 }
 
 void X11Panel::replaceWindow() {
-    const auto overlays = m_stack.lock();
-    if (!overlays || !m_overlay)
+    const auto stack = m_stack.lock();
+    if (!stack || !m_window)
         return;
-    // The new window is mapped before the old one is destroyed, so that nothing beneath flashes up.
-    auto overlay = makeOverlay(*overlays);
-    std::swap(m_overlay, overlay);
-    overlays->restack();
-    overlay.reset();
-    overlays->connection().flush();
+    makeWindow(*stack);
+    stack->restack();
 }
 
-std::unique_ptr<X11OverlayContent> X11Panel::makeOverlay(X11OverlayStack& overlays) const {
-    return std::make_unique<X11OverlayContent>(
-        overlays.connection(), m_view,
-        X11OverlayContent::Setting{
-            .pixels = m_monitor.pixels,
-            .scale = m_monitor.scale,
-            .opaque = m_opaque,
-            .background = m_background,
-            .takesClicks = !m_ignoresMouse,
-            .cursor = overlays.arrow(),
-            // Kept from the panel's first window, since the panel itself covers it now.
-            .beneath = m_overlay ? m_overlay->beneath() : QImage()});
+void X11Panel::makeWindow(X11OverlayStack& stack) {
+    m_monitor = x11MonitorAt(stack.connection(), m_frame);
+    std::vector<OverlayPicture> pictures;
+    X11OverlayWindow::Look look{.pixels = m_monitor.pixels,
+                                .layers = {m_background},
+                                .opaque = m_opaque,
+                                .takesClicks = !m_ignoresMouse,
+                                .cursor = stack.arrow()};
+    m_painter.reset();
+    if (m_view) {
+        look.layers.push_back(m_view->backLayer());
+        m_painter.emplace(m_view, m_monitor.pixels.size(), m_monitor.scale);
+        // Before there is a window, so that it appears with them.
+        pictures = m_painter->paint(QRect({}, m_monitor.pixels.size()));
+        m_changes = m_view->observeChanges([this] { show(m_painter->paintChanges()); });
+        if (m_painter->hasSpinner())
+            m_spin.start(spinnerInterval);
+    }
+    // One that is replaced is destroyed after the new one is mapped, so that nothing flashes up.
+    m_window = std::make_unique<X11OverlayWindow>(stack.connection(), look);
+    show(pictures);
+}
+
+void X11Panel::show(const std::vector<OverlayPicture>& pictures) const {
+    for (const OverlayPicture& picture : pictures)
+        m_window->show(picture.image, picture.corner);
+    m_window->flush();
 }
 
 } // namespace quorvane

@@ -12,16 +12,12 @@ constexpr Size notebook{.width = 1440, .height = 900};
 constexpr double tolerance = 1e-9;
 
 TEST(FreezeView, FillsTheScreenWithTranslucentWhite) {
-    SimulatedCanvas canvas;
-    FreezeView().drawStill(canvas, notebook);
-    ASSERT_EQ(canvas.fills.size(), 1U);
-    EXPECT_EQ(canvas.fills[0].rect, (Rect{.x = 0, .y = 0, .width = 1440, .height = 900}));
-    EXPECT_EQ(canvas.fills[0].color, (Color{.red = 1, .green = 1, .blue = 1, .alpha = 0.55}));
+    EXPECT_EQ(FreezeView().backLayer(), (Color{.red = 1, .green = 1, .blue = 1, .alpha = 0.55}));
 }
 
 TEST(FreezeView, DrawsItsTextInGrey) {
     SimulatedCanvas canvas;
-    FreezeView().drawStill(canvas, notebook);
+    FreezeView().draw(canvas, notebook);
     ASSERT_EQ(canvas.texts.size(), 1U);
     EXPECT_EQ(canvas.texts[0].text, "(Not Responding)");
     const TextStyle& style = canvas.texts[0].style;
@@ -35,40 +31,38 @@ TEST(FreezeView, DrawsItsTextInGrey) {
 
 TEST(FreezeView, TheSpinnerIsGreyAndThreeTimesItsOwnSize) {
     SimulatedCanvas canvas;
-    const auto spinner = FreezeView().spinner(canvas, notebook);
-    ASSERT_TRUE(spinner);
-    EXPECT_EQ(spinner->scale, 3);
-    EXPECT_NEAR(spinner->tint.red * 255, 142, tolerance);
-    EXPECT_NEAR(spinner->tint.green * 255, 142, tolerance);
-    EXPECT_NEAR(spinner->tint.blue * 255, 147, tolerance);
-    EXPECT_EQ(spinner->tint.alpha, 1);
+    FreezeView().draw(canvas, notebook);
+    ASSERT_EQ(canvas.spinners.size(), 1U);
+    const Spinner& spinner = canvas.spinners[0];
+    EXPECT_EQ(spinner.scale, 3);
+    EXPECT_NEAR(spinner.tint.red * 255, 142, tolerance);
+    EXPECT_NEAR(spinner.tint.green * 255, 142, tolerance);
+    EXPECT_NEAR(spinner.tint.blue * 255, 147, tolerance);
+    EXPECT_EQ(spinner.tint.alpha, 1);
 }
 
 TEST(FreezeView, CentresSpinnerAndTextOnEveryScreen) {
     for (const Size size :
          {notebook, Size{.width = 800, .height = 1280}, Size{.width = 3840, .height = 2160}}) {
         SimulatedCanvas canvas;
-        const FreezeView view;
-        view.drawStill(canvas, size);
+        FreezeView().draw(canvas, size);
         // The spinner keeps the 32 points of its own size; below it come 20 of spacing and 20 of
         // padding, and the text, 176 by 26.4.
         const double top = (size.height - (32 + 20 + 20 + 26.4)) / 2;
-        const auto spinner = view.spinner(canvas, size);
-        ASSERT_TRUE(spinner);
-        EXPECT_NEAR(spinner->centerX, size.width / 2, tolerance);
-        EXPECT_NEAR(spinner->centerY, top + 16, tolerance);
+        ASSERT_EQ(canvas.spinners.size(), 1U);
+        EXPECT_NEAR(canvas.spinners[0].centerX, size.width / 2, tolerance);
+        EXPECT_NEAR(canvas.spinners[0].centerY, top + 16, tolerance);
         const Rect& room = canvas.textStarting("(Not Responding)").room;
         EXPECT_NEAR(room.x, (size.width - 176) / 2, tolerance);
         EXPECT_NEAR(room.y, top + 32 + 20 + 20, tolerance);
     }
 }
 
-TEST(FreezeView, HasNothingThatChangesButTheSpinner) {
-    const FreezeView view;
+TEST(FreezeView, HasNothingElse) {
     SimulatedCanvas canvas;
-    view.drawChanging(canvas, notebook);
-    EXPECT_TRUE(canvas.texts.empty() && canvas.fills.empty() && canvas.arcs.empty());
-    EXPECT_EQ(view.changingBounds(canvas, notebook), Rect{});
+    FreezeView().draw(canvas, notebook);
+    EXPECT_EQ(canvas.texts.size(), 1U);
+    EXPECT_TRUE(canvas.arcs.empty());
 }
 
 } // namespace

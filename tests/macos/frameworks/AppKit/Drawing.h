@@ -70,6 +70,7 @@ QV_OPTIONS(NSInteger, NSStringDrawingOptions){
 @end
 
 QV_ENUM(NSUInteger, NSCompositingOperation){
+    NSCompositingOperationSourceOver QV_AVAILABLE(10.12) = 2,
     NSCompositingOperationSourceIn QV_AVAILABLE(10.12) = 3,
 };
 

@@ -24,6 +24,7 @@ QV_NONNULL_BEGIN
 @property NSRect bounds;
 @property(readonly, getter=isFlipped) BOOL flipped;
 @property BOOL needsDisplay;
+- (void)setNeedsDisplayInRect:(NSRect)invalidRect;
 @property BOOL wantsLayer QV_AVAILABLE(10.5);
 @property(copy) NSArray<__kindof NSView*>* subviews;
 @property(nullable, readonly, unsafe_unretained) NSWindow* window;

@@ -53,6 +53,7 @@ QV_OPTIONS(NSUInteger, NSWindowOcclusionState){
 @property(getter=isReleasedWhenClosed) BOOL releasedWhenClosed;
 @property(nullable, strong) __kindof NSView* contentView;
 @property(readonly) NSWindowOcclusionState occlusionState QV_AVAILABLE(10.9);
+@property(readonly) CGFloat backingScaleFactor QV_AVAILABLE(10.7);
 @end
 
 QV_EXTERN const NSNotificationName NSWindowDidChangeOcclusionStateNotification QV_AVAILABLE(10.9);

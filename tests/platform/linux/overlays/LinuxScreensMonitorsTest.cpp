@@ -136,12 +136,36 @@ TEST_F(LinuxScreensTest, PanelCoversItsMonitorToTheEdgeAndNoPixelOfTheOther) {
     EXPECT_NEAR(drawnIn(picture, rightHalf).left(), 740, 3);
 }
 
-TEST_F(LinuxScreensTest, MonitorsAreInPointsFromTheDesktopsCorner) {
+TEST_F(LinuxScreensTest, MonitorsHaveTheirCornersInPixelsAndTheirSizesInPoints) {
     splitScreen();
     m_desktop.openWindow({800, 100, 300, 300}, green);
     ChildProcess program({"env", "QT_SCALE_FACTOR=2", QUORVANE_OVERLAY_PROBE, "stop", "0"});
-    EXPECT_EQ(program.line(), "frame 320 0 320 400");
+    EXPECT_EQ(program.line(), "frame 640 0 320 400");
     EXPECT_TRUE(comesToCover(rightHalf));
+}
+
+TEST_F(LinuxScreensTest, MonitorOfAnotherScaleIsCoveredExactly) {
+    // In points the third would be where the second is.
+    ASSERT_EQ(xrandr({"--setmonitor", "one", "320/85x400/105+0+0", "screen"}), 0);
+    ASSERT_EQ(xrandr({"--setmonitor", "two", "320/85x400/105+320+0", "none"}), 0);
+    ASSERT_EQ(xrandr({"--setmonitor", "three", "640/170x800/210+640+0", "none"}), 0);
+    m_desktop.openWindow({800, 100, 300, 300}, green);
+    ChildProcess program(
+        {"env", "QT_SCREEN_SCALE_FACTORS=1;1;2", QUORVANE_OVERLAY_PROBE, "stop", "0"});
+    EXPECT_EQ(program.line(), "frame 640 0 320 400");
+    EXPECT_TRUE(comesToCover(rightHalf));
+    EXPECT_TRUE(comesToShow({1279, 799}, blue));
+    // The padding, at scale 2.
+    EXPECT_NEAR(drawnIn(m_desktop.look(), rightHalf).left(), 640 + 200, 16);
+}
+
+TEST_F(LinuxScreensTest, PointerInAWindowTellsTheMainScreenWhereNoneHasTheKeyboard) {
+    splitScreen("left");
+    m_desktop.openMenu({800, 100, 300, 300}, green);
+    m_desktop.click({900, 200});
+    EXPECT_EQ(m_screens.mainScreen()->frame(), (Rect{.x = 640, .width = 640, .height = 800}));
+    m_desktop.click({1250, 700});
+    EXPECT_EQ(m_screens.mainScreen()->frame(), (Rect{.width = 640, .height = 800}));
 }
 
 } // namespace quorvane

@@ -87,4 +87,20 @@ TEST_F(LinuxScreensTextTest, EveryNameIsAWholeLineOnANarrowScreen) {
     }
 }
 
+TEST_F(LinuxScreensTextTest, NameThatWrapsMovesTheRingDown) {
+    const auto panel = m_screens.createPanel({.width = 480, .height = 800}, 128, 2, false);
+    panel->setContentView(std::make_shared<BSODView>(m_stop));
+    panel->orderFrontRegardless();
+    ASSERT_TRUE(comesToCover({0, 0, 480, 800}));
+    waitFor(50ms);
+    const QImage wrapped = m_desktop.look();
+    m_stop->errorMessage = "CRITICAL_PROCESS_DIED";
+    waitFor(50ms);
+    const QImage oneLine = m_desktop.look();
+    EXPECT_LT(drawnIn(oneLine, {0, 0, 480, 800}).bottom(),
+              drawnIn(wrapped, {0, 0, 480, 800}).bottom() - 10);
+    m_stop->errorMessage = "SYSTEM_THREAD_EXCEPTION_NOT_HANDLED";
+    EXPECT_TRUE(waitUntil([&] { return m_desktop.look() == wrapped; }, 2s));
+}
+
 } // namespace quorvane
