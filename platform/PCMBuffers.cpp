@@ -2,7 +2,7 @@
 
 #include <cmath>
 #include <cstddef>
-#include <new>
+#include <exception>
 
 namespace quorvane {
 
@@ -15,7 +15,8 @@ std::shared_ptr<PCMBuffer> makePCMBuffer(const AudioFormat& format, std::uint32_
         buffer->frameCapacity = frameCapacity;
         buffer->samples.resize(std::size_t{frameCapacity} * format.channels);
         return buffer;
-    } catch (const std::bad_alloc&) {
+    } catch (const std::exception&) {
+        // No memory, or more samples than a vector can have.
         return nullptr;
     }
 }

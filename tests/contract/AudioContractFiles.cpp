@@ -69,6 +69,11 @@ TEST_P(AudioContract, ABufferNeedsChannelsAndARate) {
     EXPECT_EQ(buffer->samples.size(), 20);
 }
 
+TEST_P(AudioContract, ABufferBeyondAllMemoryIsNotMade) {
+    constexpr unsigned most = std::numeric_limits<unsigned>::max();
+    EXPECT_FALSE(audio().createBuffer({.sampleRate = 44100, .channels = most}, most));
+}
+
 TEST_P(AudioContract, AStandardFormatHasAFiniteRateAboveZeroAndOneChannelOrTwo) {
     EXPECT_EQ(audio().standardFormat(44100, 2), stereo);
     EXPECT_EQ(audio().standardFormat(8000, 1), (AudioFormat{.sampleRate = 8000, .channels = 1}));
