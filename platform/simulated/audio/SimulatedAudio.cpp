@@ -94,7 +94,10 @@ std::shared_ptr<PCMBuffer> SimulatedAudio::createBuffer(const AudioFormat& forma
                                                         std::uint32_t frameCapacity) {
     if (m_machine->fault(AudioFault::BufferCreation))
         return nullptr;
-    return makePCMBuffer(format, frameCapacity);
+    auto buffer = makePCMBuffer(format, frameCapacity);
+    if (buffer && m_machine->fault(AudioFault::BufferSamples))
+        buffer->samples.clear();
+    return buffer;
 }
 
 std::optional<AudioFormat> SimulatedAudio::standardFormat(double sampleRate, unsigned channels) {

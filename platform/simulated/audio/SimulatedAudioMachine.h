@@ -21,6 +21,8 @@ enum class AudioFault {
     EngineStart,
     /// No buffer can be made.
     BufferCreation,
+    /// Buffers are made without memory for samples. The fault's description is not used.
+    BufferSamples,
     /// No file can be opened.
     FileOpen,
     /// No file can be read once it is open.

@@ -66,6 +66,12 @@ TEST_F(RumbleTest, AnotherFrequencyChangesTheSamplesAndTheLine) {
     EXPECT_EQ(manager->rumbleBuffer()->samples[1234], expectedSample(1234, 30.5));
 }
 
+TEST_F(RumbleTest, AnotherRateGivesOneSecondOfTheSameSound) {
+    manager->generateRumbleBuffer(22050, {.sampleRate = 22050, .channels = 1});
+    ASSERT_EQ(manager->rumbleBuffer()->frameLength, 22050U);
+    EXPECT_EQ(manager->rumbleBuffer()->samples[617], expectedSample(1234, 25));
+}
+
 TEST_F(RumbleTest, OfTwoChannelsOnlyTheFirstIsFilled) {
     manager->generateRumbleBuffer(44100, {.sampleRate = 44100, .channels = 2});
     const auto& samples = manager->rumbleBuffer()->samples;

@@ -231,6 +231,15 @@ TEST_F(StartupSequenceTest, WithoutMemoryOnlyTheRumbleIsMissing) {
     EXPECT_GT(pulses().size(), 0U);
 }
 
+TEST_F(StartupSequenceTest, ABufferWithoutSamplesIsNotKept) {
+    machine.audio.setFault(AudioFault::BufferSamples, "");
+    manager = StartupSoundManager::create(machine.platform());
+    EXPECT_THAT(machine.console.lines, ElementsAre(loadedLine));
+    EXPECT_FALSE(manager->rumbleBuffer());
+    manager->startRumble();
+    EXPECT_EQ(machine.audio.engineStartCount(), 0U);
+}
+
 TEST_F(StartupSequenceTest, WithoutAnOutputDeviceTheTimingIsUnaffected) {
     machine.audio.setOutputDevicePresent(false);
     makeManager();
