@@ -11,6 +11,7 @@ struct ExchangedServices {
     NotificationCenter* workspace = nullptr;
     EventTapService* eventTaps = nullptr;
     Accessibility* accessibility = nullptr;
+    HapticService* haptics = nullptr;
     ScreenService* screens = nullptr;
     Console* console = nullptr;
 };
@@ -26,7 +27,7 @@ inline Platform exchange(const Platform& platform, const ExchangedServices& serv
         .eventTaps = services.eventTaps != nullptr ? *services.eventTaps : platform.eventTaps,
         .accessibility =
             services.accessibility != nullptr ? *services.accessibility : platform.accessibility,
-        .haptics = platform.haptics,
+        .haptics = services.haptics != nullptr ? *services.haptics : platform.haptics,
         .screens = services.screens != nullptr ? *services.screens : platform.screens,
         .application = platform.application,
         .userDefaults = platform.userDefaults,

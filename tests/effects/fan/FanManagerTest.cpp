@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/simulated/SimulatedMachine.h"
+#include "tests/support/ExchangedPlatform.h"
 
 namespace quorvane {
 namespace {
@@ -116,6 +117,30 @@ TEST_F(FanManagerTest, ItIsActiveOnceAllOfItRunsAndInactiveOnceAllOfItHasEnded) 
     manager->stop();
     EXPECT_THAT(calls, ElementsAre("play", "stop"));
     EXPECT_THAT(timers, ElementsAre(1U, 0U));
+}
+
+/// Haptics that record how many sounds have begun when a performer is asked for.
+class WatchedHaptics final : public HapticService {
+public:
+    explicit WatchedHaptics(SimulatedMachine& machine) : m_machine(machine) {}
+
+    std::shared_ptr<HapticPerformer> defaultPerformer() override {
+        soundsBefore = m_machine.audio.timeline().size();
+        return m_machine.haptics.defaultPerformer();
+    }
+
+    std::size_t soundsBefore = 0;
+
+private:
+    SimulatedMachine& m_machine;
+};
+
+TEST_F(FanManagerTest, TheSoundBeginsBeforeThePulsesAreSetUp) {
+    WatchedHaptics haptics(machine);
+    manager = FanManager::create(exchange(machine.platform(), {.haptics = &haptics}));
+    manager->start();
+    EXPECT_EQ(haptics.soundsBefore, 1U);
+    manager->stop();
 }
 
 TEST_F(FanManagerTest, ItRewindsBeforeItPlays) {
