@@ -142,6 +142,7 @@ TEST_F(AudioManagerTest, LoadingLeavesTheSchedulingAlone) {
     load();
     manager->update(50);
     EXPECT_EQ(sounds().back().offset, 1.0) << "the paused clip resumes at its position";
+    EXPECT_EQ(node().scheduledCount(), 1U) << "and is not followed by another";
 }
 
 } // namespace
