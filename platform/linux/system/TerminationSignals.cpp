@@ -3,12 +3,15 @@
 #include <sys/signalfd.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
-#include <cstdio>
-#include <cstdlib>
+#include <cstring>
+#include <string>
 #include <utility>
 
 #include <QSocketNotifier>
+
+#include "base/FatalError.h"
 
 namespace quorvane {
 
@@ -29,10 +32,9 @@ TerminationSignals::TerminationSignals() {
     // They stay blocked to the end, so that one during the exit changes nothing.
     pthread_sigmask(SIG_BLOCK, &wanted, nullptr);
     m_descriptor = FileDescriptor(signalfd(-1, &wanted, SFD_CLOEXEC | SFD_NONBLOCK));
-    if (m_descriptor)
-        return;
-    std::perror("quorvane: fatal: TerminationSignals: no signal descriptor");
-    std::exit(EXIT_FAILURE); // NOLINT(concurrency-mt-unsafe): no other thread exists yet.
+    if (!m_descriptor)
+        fatalError("TerminationSignals: no signal descriptor: " +
+                   std::string(std::strerror(errno)));
 }
 
 TerminationSignals::~TerminationSignals() = default;

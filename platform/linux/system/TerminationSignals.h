@@ -15,7 +15,7 @@ namespace quorvane {
 /// stay pending before `listen` and after `ignore`.
 class TerminationSignals : NonCopyable {
 public:
-    /// Exits with a message if the kernel gives no descriptor.
+    /// Ends the program with an error if the kernel gives no descriptor.
     TerminationSignals();
     ~TerminationSignals();
 

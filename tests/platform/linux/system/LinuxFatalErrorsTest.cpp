@@ -1,4 +1,3 @@
-#include <cstdlib>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -36,8 +35,8 @@ TEST(LinuxFatalErrorsDeathTest, ARunLoopWithoutADescriptorNamesItself) {
 }
 
 TEST(LinuxFatalErrorsDeathTest, TerminationSignalsWithoutADescriptorNameThemselves) {
-    EXPECT_EXIT(makeTerminationSignals(), testing::ExitedWithCode(EXIT_FAILURE),
-                "quorvane: fatal: TerminationSignals: no signal descriptor: Too many open files");
+    EXPECT_DEATH(makeTerminationSignals(),
+                 "quorvane: fatal: TerminationSignals: no signal descriptor: Too many open files");
 }
 
 } // namespace
