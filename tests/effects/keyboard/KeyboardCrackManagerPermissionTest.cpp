@@ -116,17 +116,6 @@ TEST_F(KeyboardCrackManagerTest, RevokedPermissionIsNoticedByTheNextStart) {
     EXPECT_EQ(machine.eventTaps.openCount(), 0U);
 }
 
-TEST_F(KeyboardCrackManagerTest, PermissionRevokedBeforeTheRetryStartsNothing) {
-    machine.accessibility.trusted = false;
-    makeListening();
-    *manager->hasPermission() = true;
-    machine.runLoop.advance(3);
-    EXPECT_FALSE(*manager->hasPermission());
-    EXPECT_THAT(machine.eventTaps.calls(), IsEmpty());
-    EXPECT_EQ(machine.accessibility.prompts, 1) << "the retry shows no prompt";
-    EXPECT_EQ(machine.runLoop.pendingCount(), 0U) << "there is no second retry";
-}
-
 TEST_F(KeyboardCrackManagerTest, ATapThatCannotBeCreatedAtTheRetryPrintsALine) {
     machine.accessibility.trusted = false;
     makeListening();
@@ -141,15 +130,16 @@ TEST_F(KeyboardCrackManagerTest, ATapThatCannotBeCreatedAtTheRetryPrintsALine) {
 /// A permission that is given at the prompt.
 class WillingAccessibility final : public Accessibility {
 public:
-    [[nodiscard]] bool isProcessTrusted() const override { return m_asked; }
+    [[nodiscard]] bool isProcessTrusted() const override { return trusted; }
 
     bool isProcessTrustedWithOptions(bool prompt) override {
-        m_asked = m_asked || prompt;
-        return m_asked;
+        prompts += prompt ? 1 : 0;
+        trusted = trusted || prompt;
+        return trusted;
     }
 
-private:
-    bool m_asked = false;
+    bool trusted = false;
+    int prompts = 0;
 };
 
 TEST_F(KeyboardCrackManagerTest, PermissionGivenAtThePromptIsStoredAtOnceAndUsedByTheRetry) {
@@ -161,6 +151,20 @@ TEST_F(KeyboardCrackManagerTest, PermissionGivenAtThePromptIsStoredAtOnceAndUsed
     EXPECT_FALSE(manager->isActive());
     machine.runLoop.advance(3);
     EXPECT_TRUE(manager->isActive());
+    manager.reset();
+}
+
+TEST_F(KeyboardCrackManagerTest, PermissionGivenAtThePromptAndRevokedBeforeTheRetryStartsNothing) {
+    WillingAccessibility accessibility;
+    manager = KeyboardCrackManager::create(
+        exchange(machine.platform(), {.accessibility = &accessibility}));
+    manager->start();
+    accessibility.trusted = false;
+    machine.runLoop.advance(3);
+    EXPECT_FALSE(*manager->hasPermission());
+    EXPECT_THAT(machine.eventTaps.calls(), IsEmpty());
+    EXPECT_EQ(accessibility.prompts, 1) << "the retry shows no prompt";
+    EXPECT_EQ(machine.runLoop.pendingCount(), 0U) << "there is no second retry";
     manager.reset();
 }
 
