@@ -173,11 +173,14 @@ TEST_F(AudioManagerTest, AnEngineThatDoesNotStartIsTriedAgainSilently) {
 
 TEST_F(AudioManagerTest, AnOutputDeviceThatGoesAndComesBackIsUsedAgain) {
     load();
+    int completed = 0;
+    manager->onCompleted = [&] { ++completed; };
     manager->update(50);
     machine.runLoop.advance(1);
     machine.audio.setOutputDevicePresent(false);
     machine.runLoop.advance(0.1);
     EXPECT_FALSE(manager->isPlaying());
+    EXPECT_EQ(completed, 1);
     manager->update(50);
     EXPECT_FALSE(manager->isPlaying());
     machine.audio.setOutputDevicePresent(true);
