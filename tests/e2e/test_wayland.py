@@ -7,7 +7,7 @@ from harness import EVIDENCE, EndToEndTest
 from test_overlays import BENEATH, BLUE, VEILED
 from virtual_desktop.pictures import near, save
 from virtual_desktop.screens import PERFORMANCE, STABILITY
-from virtual_desktop.wayland import WaylandDisplay
+from virtual_desktop.sway import WaylandDisplay
 
 LATE = 1.0
 """Seconds by which a panel may be seen early or late: a capture takes some tenths of one."""
