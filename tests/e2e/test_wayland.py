@@ -1,76 +1,138 @@
-"""The panels over a native Wayland window that fills the screen."""
+"""The panels over a native Wayland window that fills the screen, in sway."""
 
 import time
 import unittest
 
 from harness import EVIDENCE, EndToEndTest
-from test_overlays import BENEATH, BLUE, VEILED
+from test_overlays import BENEATH, BLUE, VEILED, WHITE
+from virtual_desktop.other_window import NativeWindow
 from virtual_desktop.pictures import near, save
-from virtual_desktop.screens import PERFORMANCE, STABILITY
-from virtual_desktop.sway import WaylandDisplay
+from virtual_desktop.screens import LEAVE, PERFORMANCE, STABILITY
+from virtual_desktop.sway import Sway
+from virtual_desktop.waiting import wait_until
 
 LATE = 1.0
 """Seconds by which a panel may be seen early or late: a capture takes some tenths of one."""
 
+A_KEY = 30
+
 
 class WaylandTest(EndToEndTest):
+    """The base for every compositor: the control panel, and a focused native window over it."""
+
     waits = True
+
+    window_output = 0
+
+    desktop_name = None
+
+    def start_desktop(self):
+        raise NotImplementedError
 
     def setUp(self):
         super().setUp()
-        self.desktop = WaylandDisplay(self.stack)
+        self.desktop = self.start_desktop()
         self.environment |= self.desktop.environment
         self.panel = self.launch_into_control_panel(creak=False)
-        # The terminal's cursor is within its margins and touches no corner.
-        self.desktop.start(
-            ["foot", "--fullscreen", "--override", "colors.background=%02x%02x%02x" % BENEATH,
-             "sleep", "300"], self.stack)
-        self.wait_for_corners(BENEATH, 10)
-        self.focused = self.desktop.focused()
+        self.window = NativeWindow("%02x%02x%02x" % BENEATH, self.environment, self.stack,
+                                   self.window_output)
+        self.wait_for_corners(BENEATH, 10, self.window_output)
+        # Not every compositor gives a new window the keyboard if it is on another output.
+        self.desktop.input.click(self.window_output * 1280 + 900, 300)
+        self.wait_until(lambda: {"focus", "click"} <= set(self.window.events()), "the focus")
 
-    def corners(self):
-        picture = self.desktop.capture()
-        return picture[[0, 0, -1, -1], [0, -1, 0, -1]]
+    def keep(self, picture, name):
+        EVIDENCE.mkdir(parents=True, exist_ok=True)
+        save(picture, EVIDENCE / f"{name}-{self.desktop_name}.png")
 
-    def wait_for_corners(self, color, timeout):
-        """Waits until all four have a colour and returns when that was seen."""
-        self.wait_until(lambda: near(self.corners(), color).all(), f"{color} in the corners",
-                        timeout)
+    def wait_for_corners(self, color, timeout, output=0):
+        """Waits until all four of an output have a colour and returns when that was seen."""
+        def seen():
+            picture = self.desktop.capture(output)
+            return near(picture[[0, 0, -1, -1], [0, -1, 0, -1]], color).all()
+        wait_until(seen, f"{color} in the corners", timeout, interval=0.1)
         return time.monotonic()
 
-    def check(self, switch, color, name, delays, lengths):
+    def turn_on(self, switch):
+        """Turns a switch on; returns the earliest and latest instant of the change."""
         before = time.monotonic()
         self.panel.switch(switch, True)
-        after = time.monotonic()
-        shown = self.wait_for_corners(color, delays[1] + 2)
-        self.assertGreater(shown, before + delays[0] - LATE)
-        self.assertLess(shown, after + delays[1] + LATE)
+        return before, time.monotonic()
+
+    def assert_within(self, instant, earliest, latest, what):
+        self.assertGreater(instant, earliest - LATE, f"{what} came too early")
+        self.assertLess(instant, latest + LATE, f"{what} came too late")
+
+    def assert_takes_clicks_but_no_keys(self):
+        earlier = self.window.events()
+        self.desktop.input.click(900, 600)
+        # Events keep their order: if the click went to the window, it came before the key.
+        self.desktop.input.press_key(A_KEY)
+        self.wait_until(lambda: len(self.window.events()) > len(earlier), "the key")
+        self.assertEqual(self.window.events(), [*earlier, "key"])
+
+    def assert_clicks_arrive(self):
+        earlier = self.window.events()
+        self.desktop.input.click(900, 600)
+        self.wait_until(lambda: self.window.events() == [*earlier, "click"], "the click")
+
+    def check_stop_screen(self):
+        """It is there from 15 to 20 s, has no focus, takes the clicks; the button removes one."""
+        press = self.panel.presser(LEAVE)
+        before, after = self.turn_on(STABILITY)
+        shown = self.wait_for_corners(BLUE, 17)
+        self.assert_within(shown, before + 15, after + 15, "the stop screen")
         picture = self.desktop.capture()
-        EVIDENCE.mkdir(parents=True, exist_ok=True)
-        save(picture, EVIDENCE / f"{name}.png")
-        self.assertEqual(self.desktop.focused(), self.focused)
-        gone = self.wait_for_corners(BENEATH, lengths[1] + 2)
-        self.assertGreater(gone, shown + lengths[0] - LATE)
-        self.assertLess(gone, shown + lengths[1] + LATE)
-        self.assertEqual(self.desktop.focused(), self.focused)
-        self.leave()
-        return picture
-
-
-class StopScreen(WaylandTest):
-    def test_is_shown_above_a_full_screen_window(self):
-        picture = self.check(STABILITY, BLUE, "stop-screen-wayland", (15, 15), (5, 5))
+        self.keep(picture, "stop-screen")
         self.assertGreater(near(picture, BLUE).mean(), 0.95)
-        self.assertGreater(near(picture[240:320, 100:804], (255, 255, 255), 30).sum(), 1000)
+        self.assertGreater(near(picture[240:320, 100:804], WHITE, 30).sum(), 1000)
+        self.assert_takes_clicks_but_no_keys()
+        gone = self.wait_for_corners(BENEATH, 7)
+        self.assert_within(gone, before + 20, after + 20, "the end of the stop screen")
+        self.assertTrue(near(self.desktop.capture(), BENEATH).mean() > 0.99)
+        self.assert_clicks_arrive()
 
+        self.wait_for_corners(BLUE, 12)
+        asked = time.monotonic()
+        press()
+        self.assertLess(self.wait_for_corners(BENEATH, 7), asked + LATE)
+        self.assertNotIn("no focus", self.window.events())
+        self.leave()
 
-class Freeze(WaylandTest):
-    def test_is_shown_above_a_full_screen_window_and_translucent(self):
-        picture = self.check(PERFORMANCE, VEILED, "freeze-wayland", (20, 40), (3, 4))
+    def check_freeze(self):
+        """It is there for 3 to 4 s within 40 s, has no focus and takes the clicks."""
+        before, after = self.turn_on(PERFORMANCE)
+        shown = self.wait_for_corners(VEILED, 42)
+        self.assert_within(shown, before + 20, after + 40, "the freeze")
+        picture = self.desktop.capture()
+        self.keep(picture, "freeze")
         veiled = near(picture, VEILED)
         self.assertGreater(veiled.mean(), 0.95)
         middle = veiled[picture.shape[0] // 2 - 150:, :][:300, 490:790]
         self.assertLess(middle.mean(), 0.98)
+        self.assert_takes_clicks_but_no_keys()
+        gone = self.wait_for_corners(BENEATH, 6)
+        self.assert_within(gone, shown + 3, shown + 4, "the end of the freeze")
+        self.assert_clicks_arrive()
+        self.assertNotIn("no focus", self.window.events())
+        self.leave()
+
+
+class SwayTest(WaylandTest):
+    desktop_name = "sway"
+
+    def start_desktop(self):
+        return Sway(self.stack)
+
+
+class StopScreen(SwayTest):
+    def test_covers_a_full_screen_window(self):
+        self.check_stop_screen()
+
+
+class Freeze(SwayTest):
+    def test_veils_a_full_screen_window(self):
+        self.check_freeze()
 
 
 if __name__ == "__main__":

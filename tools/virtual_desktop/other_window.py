@@ -1,4 +1,4 @@
-"""Another program's window."""
+"""Other programs' windows."""
 
 import os
 import subprocess
@@ -21,3 +21,17 @@ class OtherWindow:
     def presses(self):
         """A "key" or "click" for each press that the window has received so far."""
         return self._lines.text[1:]
+
+
+class NativeWindow:
+    """A native_window.py of this colour (RRGGBB) on an output, until `stack` is closed."""
+
+    def __init__(self, color, env, stack, output=0):
+        script = os.path.join(os.path.dirname(__file__), "native_window.py")
+        process = processes.start([sys.executable, script, color, str(output)], env, stack,
+                                  stdout=subprocess.PIPE)
+        self._lines = processes.Lines(process.stdout)
+
+    def events(self):
+        """A "focus", "no focus", "key" or "click" for each that has happened so far."""
+        return self._lines.text
