@@ -41,6 +41,11 @@ class WaylandTest(EndToEndTest):
         self.desktop.input.click(self.window_output * 1280 + 900, 300)
         self.wait_until(lambda: {"focus", "click"} <= set(self.window.events()), "the focus")
 
+    def evidence(self):
+        for output in range(self.window_output + 1):
+            self.keep(self.desktop.capture(output), f"{self._testMethodName}-{output}")
+        return super().evidence()
+
     def keep(self, picture, name):
         EVIDENCE.mkdir(parents=True, exist_ok=True)
         save(picture, EVIDENCE / f"{name}-{self.desktop_name}.png")
@@ -82,10 +87,12 @@ class WaylandTest(EndToEndTest):
         before, after = self.turn_on(STABILITY)
         shown = self.wait_for_corners(BLUE, 17)
         self.assert_within(shown, before + 15, after + 15, "the stop screen")
+        # The window's background may be seen a frame earlier than what is drawn in it.
+        self.wait_until(lambda: near(self.desktop.capture()[240:320, 100:804], WHITE, 30).sum() >
+                        1000, "the sentence", LATE)
         picture = self.desktop.capture()
         self.keep(picture, "stop-screen")
         self.assertGreater(near(picture, BLUE).mean(), 0.95)
-        self.assertGreater(near(picture[240:320, 100:804], WHITE, 30).sum(), 1000)
         self.assert_takes_clicks_but_no_keys()
         gone = self.wait_for_corners(BENEATH, 7)
         self.assert_within(gone, before + 20, after + 20, "the end of the stop screen")
@@ -104,12 +111,11 @@ class WaylandTest(EndToEndTest):
         before, after = self.turn_on(PERFORMANCE)
         shown = self.wait_for_corners(VEILED, 42)
         self.assert_within(shown, before + 20, after + 40, "the freeze")
+        self.wait_until(lambda: near(self.desktop.capture()[250:550, 490:790], VEILED).mean() < 0.98,
+                        "the spinner and the words", LATE)
         picture = self.desktop.capture()
         self.keep(picture, "freeze")
-        veiled = near(picture, VEILED)
-        self.assertGreater(veiled.mean(), 0.95)
-        middle = veiled[picture.shape[0] // 2 - 150:, :][:300, 490:790]
-        self.assertLess(middle.mean(), 0.98)
+        self.assertGreater(near(picture, VEILED).mean(), 0.95)
         self.assert_takes_clicks_but_no_keys()
         gone = self.wait_for_corners(BENEATH, 6)
         self.assert_within(gone, shown + 3, shown + 4, "the end of the freeze")
