@@ -38,7 +38,7 @@ class WaylandTest(EndToEndTest):
                                    self.window_output)
         self.wait_for_corners(BENEATH, 10, self.window_output)
         # Not every compositor gives a new window the keyboard if it is on another output.
-        self.desktop.input.click(self.window_output * 1280 + 900, 300)
+        self.desktop.input.click(self.window_output * 1280 + 300, 300)
         self.wait_until(lambda: {"focus", "click"} <= set(self.window.events()), "the focus")
 
     def evidence(self):

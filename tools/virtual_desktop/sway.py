@@ -53,8 +53,8 @@ class Sway:
         socket = os.path.join(self._directory, socket)
         self.environment = {"DISPLAY": display, "WAYLAND_DISPLAY": socket}
         """The variables by which a program connects to it."""
-        self.input = WlrootsInput(socket, (sum(size[0] // scale for scale in scales), size[1]),
-                                  stack)
+        desktop = sum(size[0] // scale for scale in scales), size[1] // min(scales)
+        self.input = WlrootsInput(socket, desktop, stack)
 
     def _ready(self):
         try:
