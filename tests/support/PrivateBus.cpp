@@ -6,13 +6,15 @@ namespace quorvane {
 
 namespace {
 
-std::string configuration(const std::string& address) {
+std::string configuration(const std::string& address, const std::string& services) {
     return R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
 <busconfig>
   <type>system</type>
   <listen>)" +
            address + R"(</listen>
+  )" + services +
+           R"(
   <policy context="default">
     <allow user="*"/>
     <allow own="*"/>
@@ -25,13 +27,16 @@ std::string configuration(const std::string& address) {
 
 } // namespace
 
-std::filesystem::path PrivateBus::writeConfiguration() {
-    return m_folder.write("bus.conf", configuration(address()));
+std::filesystem::path PrivateBus::writeConfiguration(const std::filesystem::path& services) {
+    return m_folder.write(
+        "bus.conf", configuration(address(), services.empty() ? std::string()
+                                                              : "<servicedir>" + services.string() +
+                                                                    "</servicedir>"));
 }
 
-PrivateBus::PrivateBus()
+PrivateBus::PrivateBus(const std::filesystem::path& services)
     : m_daemon({"dbus-daemon", "--nofork", "--print-address=1",
-                "--config-file=" + writeConfiguration().string()}) {
+                "--config-file=" + writeConfiguration(services).string()}) {
     // The address is printed once the bus takes connections.
     if (m_daemon.line().empty())
         throw std::runtime_error("no bus daemon");

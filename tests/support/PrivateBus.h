@@ -12,7 +12,8 @@ namespace quorvane {
 /// A system bus of the test's own, on which every client may do everything.
 class PrivateBus : NonCopyable {
 public:
-    PrivateBus();
+    /// `services`: a folder of .service files, which the bus may start; empty: none.
+    explicit PrivateBus(const std::filesystem::path& services = {});
     ~PrivateBus() = default;
 
     [[nodiscard]] std::string address() const;
@@ -21,7 +22,7 @@ public:
     void stop() { m_daemon.end(); }
 
 private:
-    std::filesystem::path writeConfiguration();
+    std::filesystem::path writeConfiguration(const std::filesystem::path& services);
 
     TemporaryFolder m_folder;
     ChildProcess m_daemon;

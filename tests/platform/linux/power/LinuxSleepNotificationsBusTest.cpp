@@ -3,13 +3,10 @@
 #include <gmock/gmock.h>
 #include <memory>
 #include <string>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
-#include "base/NonCopyable.h"
 #include "tests/platform/linux/power/LinuxSleepNotificationsFixture.h"
 #include "tests/support/Environment.h"
+#include "tests/support/HungBus.h"
 #include "tests/support/Waiting.h"
 
 namespace quorvane {
@@ -145,33 +142,12 @@ TEST_F(LinuxSleepNotificationsTest, TheEnvironmentNamesTheSystemBus) {
     EXPECT_THAT(listener.heard(1), ElementsAre("sleep"));
 }
 
-/// A bus that accepts connections and never answers.
-class HungBus : NonCopyable {
-public:
-    HungBus() {
-        sockaddr_un name{};
-        name.sun_family = AF_UNIX;
-        path().copy(&name.sun_path[0], sizeof name.sun_path - 1);
-        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): how sockets are named.
-        EXPECT_EQ(bind(m_socket, reinterpret_cast<const sockaddr*>(&name), sizeof name), 0);
-        EXPECT_EQ(listen(m_socket, 8), 0);
-    }
-
-    ~HungBus() { close(m_socket); }
-
-    [[nodiscard]] std::string path() const { return (m_folder.path() / "bus").string(); }
-
-private:
-    TemporaryFolder m_folder;
-    int m_socket = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-};
-
 TEST_F(LinuxSleepNotificationsTest, ABusThatNeverAnswersBlocksNothing) {
     using Clock = std::chrono::steady_clock;
     auto hung = std::make_unique<HungBus>();
     const auto start = Clock::now();
     {
-        LinuxSleepNotifications workspace("unix:path=" + hung->path());
+        LinuxSleepNotifications workspace(hung->address());
         Listener listener(workspace);
         EXPECT_THAT(listener.heardInAll(), IsEmpty());
     }
