@@ -70,8 +70,6 @@ void ContentView::addEffectRow(SwitchedEffect& effect) {
     row.text = effect.text;
     row.isOn = &isActive;
     row.setOn = [this, &effect](bool on) { switchEffect(effect, on); };
-    if (!effect.manager->hasPermission())
-        return;
     row.hint = &effect.hint;
     // Permission may come while the hint is still shown.
     effect.activeFollowed = isActive.observe([&effect] { effect.hint = std::string(); });
@@ -80,11 +78,12 @@ void ContentView::addEffectRow(SwitchedEffect& effect) {
 void ContentView::switchEffect(SwitchedEffect& effect, bool on) const {
     EffectManager& manager = *effect.manager;
     on ? manager.start() : manager.stop();
-    if (!manager.hasPermission())
-        return;
-    const bool isRefused =
-        on && !manager.isActive() && !m_platform.accessibility.isProcessTrusted();
-    effect.hint = std::string(isRefused ? keyboardRefusal() : "");
+    if (!on)
+        effect.hint = std::string();
+    else if (manager.isActive())
+        effect.hint = manager.obstacle();
+    else if (manager.hasPermission() && !m_platform.accessibility.isProcessTrusted())
+        effect.hint = std::string(keyboardRefusal());
 }
 
 void ContentView::updateScreen(const Animation& animation) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "base/NonCopyable.h"
 #include "base/Observable.h"
 
@@ -16,6 +18,10 @@ public:
     virtual void start() = 0;
     /// Does nothing when not running.
     virtual void stop() = 0;
+
+    /// What keeps the effect from being noticed although it is active, in a few words for the user;
+    /// empty if nothing does.
+    [[nodiscard]] virtual std::string obstacle() { return {}; }
 
     /// Whether the user has given the permission to listen to the keyboard, as last queried; null
     /// in an effect that does not need it. Code outside the manager that queries the system writes

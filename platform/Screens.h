@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "base/NonCopyable.h"
 #include "base/Observable.h"
@@ -84,6 +85,8 @@ public:
 
     /// The screen with the focused window, else the primary screen; null without any screen.
     [[nodiscard]] virtual std::shared_ptr<Screen> mainScreen() = 0;
+    /// Why no panel can be shown on this desktop, in a few words for the user; empty if panels can.
+    [[nodiscard]] virtual std::string obstacle() = 0;
     /// A hidden panel; never null.
     [[nodiscard]] virtual std::shared_ptr<OverlayPanel>
     createPanel(const Rect& contentRect, unsigned styleMask, unsigned backing, bool defer) = 0;

@@ -41,6 +41,8 @@ public:
 
     [[nodiscard]] const Observable<bool>& isActive() const override { return m_isActive; }
 
+    [[nodiscard]] std::string obstacle() override { return m_platform.screens.obstacle(); }
+
     /// True from the start of a stop screen until its progress is complete, also without a panel.
     [[nodiscard]] const Observable<bool>& isShowing() const { return m_isShowing; }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include "base/EffectManager.h"
 #include "platform/Platform.h"
@@ -23,6 +24,8 @@ public:
     void stop() override;
 
     [[nodiscard]] const Observable<bool>& isActive() const override { return m_isActive; }
+
+    [[nodiscard]] std::string obstacle() override { return m_platform.screens.obstacle(); }
 
 private:
     explicit FreezeManager(const Platform& platform);

@@ -8,6 +8,9 @@ namespace quorvane {
 class MacScreens final : public ScreenService {
 public:
     [[nodiscard]] std::shared_ptr<Screen> mainScreen() override;
+
+    [[nodiscard]] std::string obstacle() override { return {}; }
+
     [[nodiscard]] std::shared_ptr<OverlayPanel>
     createPanel(const Rect& contentRect, unsigned styleMask, unsigned backing, bool defer) override;
 };

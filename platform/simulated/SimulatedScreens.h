@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/Screens.h"
@@ -64,11 +65,17 @@ public:
     ~SimulatedScreens() override;
 
     [[nodiscard]] std::shared_ptr<Screen> mainScreen() override;
+
+    [[nodiscard]] std::string obstacle() override { return m_obstacle; }
+
     [[nodiscard]] std::shared_ptr<OverlayPanel>
     createPanel(const Rect& contentRect, unsigned styleMask, unsigned backing, bool defer) override;
 
     /// The main screen's frame from now on; none: no screen.
     void setMainScreen(std::optional<Rect> frame);
+
+    /// What `obstacle` returns; empty at first.
+    void setObstacle(std::string obstacle) { m_obstacle = std::move(obstacle); }
 
     /// All panels, in the order of creation.
     [[nodiscard]] const std::vector<std::shared_ptr<SimulatedPanel>>& panels() const {
@@ -80,6 +87,7 @@ public:
 
 private:
     std::shared_ptr<std::optional<Rect>> m_mainFrame;
+    std::string m_obstacle;
     std::vector<std::shared_ptr<SimulatedPanel>> m_panels;
     // In stacking order.
     std::shared_ptr<std::vector<std::shared_ptr<SimulatedPanel>>> m_shown;

@@ -247,12 +247,22 @@ TEST_F(ContentViewSwitchesTest, ThereIsNoHintWhileTheKeyboardIsActive) {
     EXPECT_EQ(row("Keyboard").hint->get(), "");
 }
 
-TEST_F(ContentViewSwitchesTest, OnlyTheKeyboardRowCanHaveAHint) {
+TEST_F(ContentViewSwitchesTest, ActiveEffectThatCannotBeNoticedSaysWhy) {
+    makeReturningView();
+    bsod->whatKeepsItFromBeingNoticed = "No screen here";
+    row("Stability").setOn(true);
+    EXPECT_TRUE(row("Stability").isOn->get());
+    EXPECT_EQ(row("Stability").hint->get(), "No screen here");
+    row("Stability").setOn(false);
+    EXPECT_EQ(row("Stability").hint->get(), "");
+}
+
+TEST_F(ContentViewSwitchesTest, RowsOfTheListedEffectsCanHaveAHint) {
     makeReturningView();
     std::vector<bool> hints;
     for (const ToggleRow& each : view->toggleRows())
         hints.push_back(each.hint != nullptr);
-    EXPECT_THAT(hints, ElementsAre(false, true, false, false, false, false));
+    EXPECT_THAT(hints, ElementsAre(false, true, true, true, true, false));
 }
 
 TEST_F(ContentViewSwitchesTest, TheStopButtonClearsTheHint) {

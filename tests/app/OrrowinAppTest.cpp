@@ -242,6 +242,17 @@ TEST_F(OrrowinAppSwitchesTest, KeyboardStaysOffWithAHintOnceTrustIsWithdrawn) {
     EXPECT_EQ(row.hint->get(), "");
 }
 
+TEST_F(OrrowinAppSwitchesTest, OverlaysThatTheDesktopCannotShowHaveAHintAndNoOtherRowHas) {
+    enterPanel();
+    machine.screens.setObstacle("Not on this desktop");
+    for (const ToggleRow& row : view->toggleRows())
+        row.setOn(true);
+    std::vector<std::string> hints;
+    for (const ToggleRow& row : view->toggleRows())
+        hints.push_back(row.hint != nullptr ? row.hint->get() : "");
+    EXPECT_THAT(hints, ElementsAre("", "", "", "Not on this desktop", "Not on this desktop", ""));
+}
+
 TEST_F(OrrowinAppSwitchesTest, StartupDecidesWhetherAWakeUpPlays) {
     enterPanel();
     turn("Startup", false);

@@ -26,6 +26,8 @@ public:
         return needsPermission ? &permission : nullptr;
     }
 
+    [[nodiscard]] std::string obstacle() override { return whatKeepsItFromBeingNoticed; }
+
     void start() override {
         ++starts;
         note(" start");
@@ -42,6 +44,7 @@ public:
     bool needsPermission = false;
     Observable<bool> permission;
     bool canStart = true;
+    std::string whatKeepsItFromBeingNoticed;
     int starts = 0;
     int stops = 0;
 

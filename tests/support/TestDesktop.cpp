@@ -87,6 +87,14 @@ void TestDesktop::activate(xcb_window_t window) {
     m_activated = window;
 }
 
+void TestDesktop::setScreenSaverStatus(const std::string& state) {
+    const std::array<uint32_t, 3> status{state.empty() ? 0 : atom(state), 1, 1};
+    xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, m_display.root(),
+                        atom("_SCREENSAVER_STATUS"), XCB_ATOM_INTEGER, 32, status.size(),
+                        status.data());
+    m_display.sync();
+}
+
 void TestDesktop::click(QPoint place) {
     m_display.sync();
     m_display.click(static_cast<int16_t>(place.x()), static_cast<int16_t>(place.y()));

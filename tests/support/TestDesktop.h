@@ -38,6 +38,10 @@ public:
     /// Has the window manager raise a window and give it the keyboard.
     void activate(xcb_window_t window);
 
+    /// Sets the property by which a screen saver tells its state: "BLANK", "LOCK", or empty for
+    /// none.
+    void setScreenSaverStatus(const std::string& state);
+
     void click(QPoint place);
     void pressKey();
     /// How many clicks and keys the windows of this object have got since the last call.

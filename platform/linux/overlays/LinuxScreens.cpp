@@ -3,6 +3,7 @@
 #include <optional>
 #include <utility>
 
+#include "platform/linux/overlays/SessionLock.h"
 #include "platform/linux/overlays/X11Monitors.h"
 #include "platform/linux/overlays/X11OverlayStack.h"
 #include "platform/linux/overlays/X11Panel.h"
@@ -40,9 +41,14 @@ const std::shared_ptr<X11OverlayStack>& LinuxScreens::overlays() {
     // The watchdog ends a connection, and so do tools that kill a window's client.
     if (m_stack && m_stack->connection().isBroken())
         m_stack.reset();
+    if (!m_lock)
+        m_lock = std::make_unique<SessionLock>([this] {
+            if (m_stack)
+                m_stack->hideWhileLocked();
+        });
     if (!m_stack)
         if (auto connection = X11Connection::open())
-            m_stack = std::make_shared<X11OverlayStack>(std::move(connection));
+            m_stack = std::make_shared<X11OverlayStack>(std::move(connection), *m_lock);
     return m_stack;
 }
 
@@ -52,6 +58,10 @@ std::shared_ptr<Screen> LinuxScreens::mainScreen() {
     const auto monitor = x11MainMonitor(m_stack->connection());
     m_stack->connection().settle();
     return monitor ? std::make_shared<MonitorScreen>(m_stack, *monitor) : nullptr;
+}
+
+std::string LinuxScreens::obstacle() {
+    return overlays() ? "" : "X11 or Xwayland needed — enable it in your desktop's settings";
 }
 
 std::shared_ptr<OverlayPanel> LinuxScreens::createPanel(const Rect& contentRect,

@@ -5,6 +5,7 @@
 #include <xcb/randr.h>
 #include <xcb/xcb_cursor.h>
 
+#include "platform/linux/overlays/SessionLock.h"
 #include "platform/linux/overlays/X11Monitors.h"
 #include "platform/linux/overlays/X11Panel.h"
 
@@ -28,8 +29,9 @@ const Event& as(const xcb_generic_event_t& event) {
 
 } // namespace
 
-X11OverlayStack::X11OverlayStack(std::unique_ptr<X11Connection> connection)
-    : m_connection(std::move(connection)), m_screensEvent(firstScreensEvent(*m_connection)) {
+X11OverlayStack::X11OverlayStack(std::unique_ptr<X11Connection> connection, const SessionLock& lock)
+    : m_connection(std::move(connection)), m_lock(lock),
+      m_screensEvent(firstScreensEvent(*m_connection)) {
     m_connection->setEventHandler([this](const xcb_generic_event_t& event) { handle(event); });
     m_raise.setSingleShot(true);
     QObject::connect(&m_raise, &QTimer::timeout, &m_raise, [this] {
@@ -83,8 +85,10 @@ void X11OverlayStack::remove(const X11Panel& panel) {
 }
 
 void X11OverlayStack::watch(bool desktop) {
-    const uint32_t events =
-        desktop ? XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY : 0;
+    const uint32_t events = desktop ? XCB_EVENT_MASK_STRUCTURE_NOTIFY |
+                                          XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY |
+                                          XCB_EVENT_MASK_PROPERTY_CHANGE
+                                    : 0;
     xcb_change_window_attributes(m_connection->get(), m_connection->root(), XCB_CW_EVENT_MASK,
                                  &events);
     if (m_screensEvent)
@@ -107,6 +111,18 @@ void X11OverlayStack::restack() {
             window->raise();
         above = window->id();
     }
+    m_connection->settle();
+}
+
+bool X11OverlayStack::isLocked() const {
+    return m_lock.isLocked() || m_screenSaver.isActive();
+}
+
+void X11OverlayStack::hideWhileLocked() {
+    if (!isLocked())
+        return;
+    for (const auto& panel : m_shown)
+        panel->removeWindow();
     m_connection->settle();
 }
 
@@ -133,6 +149,8 @@ void X11OverlayStack::handle(const xcb_generic_event_t& event) {
     else if (m_screensEvent && (type == m_screensEvent + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
                                 type == m_screensEvent + XCB_RANDR_NOTIFY))
         m_follow.start(0);
+    else if (m_screenSaver.isChangedBy(event))
+        hideWhileLocked();
 }
 
 void X11OverlayStack::handleExpose(const xcb_expose_event_t& event) const {

@@ -9,16 +9,19 @@
 #include "base/NonCopyable.h"
 #include "platform/linux/common/X11Connection.h"
 #include "platform/linux/overlays/StopSignals.h"
+#include "platform/linux/overlays/X11ScreenSaver.h"
 
 namespace quorvane {
 
+class SessionLock;
 class X11Panel;
 
 /// The visible panels, kept above all other windows and on the monitors that exist. Main thread
 /// only.
 class X11OverlayStack : NonCopyable {
 public:
-    explicit X11OverlayStack(std::unique_ptr<X11Connection> connection);
+    /// `lock` must outlive the stack.
+    X11OverlayStack(std::unique_ptr<X11Connection> connection, const SessionLock& lock);
     ~X11OverlayStack();
 
     [[nodiscard]] X11Connection& connection() { return *m_connection; }
@@ -31,6 +34,10 @@ public:
     void remove(const X11Panel& panel);
     /// Raises the windows above all others, in their order.
     void restack();
+    /// Whether the session is locked, or a screen saver covers it: then no panel may be seen.
+    [[nodiscard]] bool isLocked() const;
+    /// Removes the windows of all panels if the session is locked. They do not come back.
+    void hideWhileLocked();
 
 private:
     void handle(const xcb_generic_event_t& event);
@@ -43,6 +50,8 @@ private:
     void watch(bool desktop);
 
     std::unique_ptr<X11Connection> m_connection;
+    const SessionLock& m_lock;
+    X11ScreenSaver m_screenSaver{*m_connection};
     xcb_cursor_t m_arrow = XCB_CURSOR_NONE;
     // RandR's first event; 0: the server has no RandR.
     int m_screensEvent;

@@ -62,7 +62,7 @@ void X11Panel::orderFrontRegardless() {
     if (!stack)
         return;
     if (!m_window) {
-        if (!X11OverlayWindow::isSupported(stack->connection()))
+        if (!X11OverlayWindow::isSupported(stack->connection()) || stack->isLocked())
             return;
         if (m_timeLimit > 0)
             m_watchdog.emplace(stack->connection().socket(), m_timeLimit);

@@ -20,6 +20,8 @@ public:
 
     [[nodiscard]] std::shared_ptr<Screen> mainScreen() override { return m_real.mainScreen(); }
 
+    [[nodiscard]] std::string obstacle() override { return m_real.obstacle(); }
+
     [[nodiscard]] std::shared_ptr<OverlayPanel> createPanel(const Rect& contentRect,
                                                             unsigned styleMask, unsigned backing,
                                                             bool defer) override {

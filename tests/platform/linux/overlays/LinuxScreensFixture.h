@@ -11,6 +11,7 @@
 #include "effects/crash/FreezeView.h"
 #include "effects/crash/OverlayRecipe.h"
 #include "platform/linux/overlays/LinuxScreens.h"
+#include "tests/support/Environment.h"
 #include "tests/support/TestDesktop.h"
 #include "tests/support/Waiting.h"
 
@@ -130,6 +131,9 @@ protected:
         ASSERT_EQ(xrandr({"--setmonitor", name("right"), "640/170x800/210+640+0", "none"}), 0);
     }
 
+    // The desktop of whoever runs the tests has no say.
+    EnvironmentVariable m_systemBus{"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere"};
+    EnvironmentVariable m_sessionBus{"DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere"};
     TestDesktop m_desktop;
     std::shared_ptr<StopScreen> m_stop = std::make_shared<StopScreen>();
     LinuxScreens m_screens;

@@ -199,11 +199,34 @@ TEST(LinuxScreensElsewhere, WithoutAnXServerThereIsNoScreenAndPanelsAreNotShown)
     const ApplicationOf<QGuiApplication> application;
     LinuxScreens screens;
     EXPECT_EQ(screens.mainScreen(), nullptr);
+    EXPECT_EQ(screens.obstacle(), "X11 or Xwayland needed — enable it in your desktop's settings");
     const auto panel = screens.createPanel({.width = 100, .height = 100}, 128, 2, false);
     ASSERT_TRUE(panel);
     panel->setContentView(std::make_shared<FreezeView>());
     panel->orderFrontRegardless();
     panel->orderOut();
+}
+
+TEST_F(LinuxScreensTest, NothingIsInTheWayOfPanels) {
+    EXPECT_EQ(m_screens.obstacle(), "");
+}
+
+TEST_F(LinuxScreensTest, PanelsAreNotShownWhileAScreenSaverCoversTheScreen) {
+    auto panel = showStopScreen();
+    ASSERT_THAT(m_desktop.panels(), ElementsAre(TestDesktop::whole));
+    m_desktop.setScreenSaverStatus("LOCK");
+    EXPECT_TRUE(waitUntil([&] { return m_desktop.panels().empty(); }));
+    m_stop->progress = 0.5;
+    panel->orderOut();
+    ASSERT_TRUE(m_screens.mainScreen()) << "a locked screen is a screen";
+    panel = showStopScreen();
+    EXPECT_THAT(m_desktop.panels(), IsEmpty());
+    m_desktop.setScreenSaverStatus({});
+    waitFor(100ms);
+    EXPECT_THAT(m_desktop.panels(), IsEmpty()) << "it does not come back";
+    panel->orderOut();
+    panel = showStopScreen();
+    EXPECT_THAT(m_desktop.panels(), ElementsAre(TestDesktop::whole));
 }
 
 TEST(LinuxScreensElsewhere, PanelsAreShownWhateverQtDrawsItsWindowsWith) {
