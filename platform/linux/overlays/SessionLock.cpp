@@ -101,8 +101,8 @@ SessionLock::SessionLock(std::function<void()> changed, const Addresses& address
         QDBusConnection::SystemBus, addresses.system,
         [this, address = addresses.session](const QDBusConnection& bus) {
             askLogind(bus);
-            // Not before: while one bus does not answer QtDBus waits for it at the end of whatever
-            // listens to another.
+            // One after the other: while QtDBus waits for a bus to answer, it blocks the
+            // destruction of what listens to another.
             m_session = std::make_unique<BusConnection>(
                 QDBusConnection::SessionBus, address,
                 [this](const QDBusConnection& sessionBus) { askScreenSavers(sessionBus); });

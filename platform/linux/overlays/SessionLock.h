@@ -28,6 +28,7 @@ public:
 
     /// The Qt event loop calls `changed` after each change; it must not destroy this object.
     explicit SessionLock(std::function<void()> changed, const Addresses& addresses = {});
+    /// Waits, 0.5 s at most, for a bus that is just answering.
     ~SessionLock();
 
     [[nodiscard]] bool isLocked() const { return m_locked; }
