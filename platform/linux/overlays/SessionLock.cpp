@@ -50,9 +50,9 @@ struct SessionLock::Signal {
 /// and logind sends them for all sessions.
 class SessionLock::Service : NonCopyable {
 public:
-    Service(QDBusConnection bus, QDBusMessage question, const Signal& signal,
+    Service(QDBusConnection bus, const QDBusMessage& question, const Signal& signal,
             std::function<void()> answered)
-        : m_bus(std::move(bus)), m_question(std::move(question)), m_answered(std::move(answered)),
+        : m_bus(std::move(bus)), m_question(question), m_answered(std::move(answered)),
           m_owner(m_question.service(), m_bus, QDBusServiceWatcher::WatchForOwnerChange) {
         m_question.setAutoStartService(false);
         m_ask.setSingleShot(true);
