@@ -5,7 +5,6 @@
 #include <string>
 
 #include "tests/platform/linux/overlays/SessionLockFixture.h"
-#include "tests/support/Environment.h"
 #include "tests/support/HungBus.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -39,16 +38,6 @@ TEST_F(SessionLockBusTest, WithoutASessionBusLogindIsAsked) {
     const FakeLogindSession logind(m_system.address(), true);
     watch({.system = m_system.address(), .session = noBus});
     EXPECT_THAT(changes(1), ElementsAre(true));
-}
-
-TEST_F(SessionLockBusTest, TheEnvironmentNamesTheBuses) {
-    const EnvironmentVariable system("DBUS_SYSTEM_BUS_ADDRESS", m_system.address());
-    const EnvironmentVariable session("DBUS_SESSION_BUS_ADDRESS", m_session.address());
-    const FakeLogindSession logind(m_system.address());
-    const FakeScreenSaver screenSaver(m_session.address());
-    watch({});
-    settle(logind);
-    settle(screenSaver);
 }
 
 TEST_F(SessionLockBusTest, NoServiceIsStarted) {
