@@ -5,7 +5,7 @@ import unittest
 import numpy
 
 from test_overlays import BENEATH, BLUE
-from test_wayland import WaylandTest
+from test_wayland import LATE, WaylandTest
 from virtual_desktop.kwin import KWin
 from virtual_desktop.mutter import Mutter
 from virtual_desktop.other_window import OtherWindow
@@ -58,6 +58,13 @@ class Outputs(WaylandTest):
         self.assertNotIn("no focus", self.window.events())
         self.leave()
 
+    def check_that_of_an_x11_window_is_covered(self):
+        OtherWindow("336699", "300x200+1380+300", env=self.environment, stack=self.stack)
+        self.wait_until(lambda: self.window.events()[-1] == "no focus", "the other window's focus")
+        self.wait_for_stop_screen("x11-window-right")
+        self.assertEqual(self.covered(), [False, True])
+        self.leave()
+
 
 class KWinOutputs(Outputs):
     desktop_name = "kwin"
@@ -69,11 +76,7 @@ class KWinOutputs(Outputs):
         self.check_one_is_covered()
 
     def test_that_of_a_focused_x11_window_is_covered(self):
-        OtherWindow("336699", "300x200+1380+300", env=self.environment, stack=self.stack)
-        self.wait_until(lambda: self.window.events()[-1] == "no focus", "the other window's focus")
-        self.wait_for_stop_screen("x11-window-right")
-        self.assertEqual(self.covered(), [False, True])
-        self.leave()
+        self.check_that_of_an_x11_window_is_covered()
 
 
 class MutterOutputs(Outputs):
@@ -84,6 +87,9 @@ class MutterOutputs(Outputs):
 
     def test_one_of_two_is_covered_exactly(self):
         self.check_one_is_covered()
+
+    def test_that_of_a_focused_x11_window_is_covered(self):
+        self.check_that_of_an_x11_window_is_covered()
 
 
 class SwayOutputs(Outputs):
@@ -96,24 +102,48 @@ class SwayOutputs(Outputs):
         self.check_one_is_covered()
 
 
-class KWinScale(WaylandTest):
+class Scale(WaylandTest):
+    """An output at scale 2."""
+
+    def check_stop_screen_at_scale_2(self):
+        """It covers the output exactly, its texts are twice as large; returns the picture."""
+        self.turn_on(STABILITY)
+        self.wait_for_corners(BLUE, 17)
+        self.wait_until(lambda: not near(self.desktop.capture(), BLUE).all(), "the texts", LATE)
+        picture = self.desktop.capture()
+        self.keep(picture, "scale-2")
+        self.assertEqual(picture.shape, (1600, 2560, 3))
+        self.assertTrue(is_covered(picture))
+        left = (~near(picture, BLUE)).any(axis=0).nonzero()[0][0]
+        self.assertAlmostEqual(left, 200, delta=8)
+        self.wait_for_corners(BENEATH, 7)
+        self.leave()
+        return picture
+
+
+class KWinScale(Scale):
     desktop_name = "kwin"
 
     def start_desktop(self):
         return KWin(self.environment, self.stack, scale=2)
 
-    def test_a_stop_screen_is_sharp(self):
-        self.turn_on(STABILITY)
-        self.wait_for_corners(BLUE, 17)
-        picture = self.desktop.capture()
-        self.keep(picture, "scale-2")
-        self.assertEqual(picture.shape, (1600, 2560, 3))
+    def test_a_stop_screen_covers_it_and_is_sharp(self):
+        picture = self.check_stop_screen_at_scale_2()
         # Enlarged texts have steps of half the contrast at most, which is 255 in red.
         steps = numpy.abs(numpy.diff(picture[:, :, 0].astype(int), axis=1))
         self.assertGreater((steps > 200).sum(), 500)
-        self.assertTrue(is_covered(picture))
-        self.wait_for_corners(BENEATH, 7)
-        self.leave()
+
+
+class SwayScale(Scale):
+    """X11 programs know nothing of it: sway enlarges their windows."""
+
+    desktop_name = "sway"
+
+    def start_desktop(self):
+        return Sway(self.stack, size=(2560, 1600), scales=(2,))
+
+    def test_a_stop_screen_covers_it(self):
+        self.check_stop_screen_at_scale_2()
 
 
 if __name__ == "__main__":
