@@ -24,15 +24,18 @@ class KWin:
     def __init__(self, env, stack, size=(1280, 800), outputs=1, scale=1):
         self._bus_address = env["DBUS_SESSION_BUS_ADDRESS"]
         runtime = env["XDG_RUNTIME_DIR"]
-        # The installed file has a capability that not everyone may execute.
+        installed = shutil.which("kwin_wayland")
+        if not installed:
+            raise processes.NotStarted("kwin_wayland", "it is not installed")
+        # The installed file has a capability, and where that may not be had it cannot be executed.
         program = os.path.join(runtime, "kwin_wayland")
-        shutil.copyfile(shutil.which("kwin_wayland") or program, program)
+        shutil.copyfile(installed, program)
         os.chmod(program, 0o700)
         own = {name: value for name, value in env.items() if name != "DISPLAY"} | {
             "LIBGL_ALWAYS_SOFTWARE": "1", "EGL_PLATFORM": "surfaceless", "KWIN_COMPOSE": "O2",
             "KWIN_SCREENSHOT_NO_PERMISSION_CHECKS": "1", "KWIN_WAYLAND_NO_PERMISSION_CHECKS": "1"}
         self._let_xwayland_scale(env, scale)
-        # KWin starts the program at its end when it is ready.
+        # KWin runs the last command when it is ready.
         ready = os.path.join(runtime, "kwin-ready")
         server = processes.Server(
             [program, "--virtual", "--width", str(size[0]), "--height", str(size[1]),

@@ -36,8 +36,8 @@ class Mutter:
         server = processes.Server(
             ["mutter", "--headless", "--wayland-display", "mutter",
              *[f"--virtual-monitor={size[0]}x{size[1]}"] * outputs], self._env, stack)
-        # Its last line at the start.
-        server.wait_until(lambda: _after(server.log, "Using Wayland display name"), "the compositor")
+        # The line comes after that about X11.
+        server.wait_until(lambda: _after(server.log, "Using Wayland display name "), "the display")
         display = _after(server.log, "Using public X11 display ").split(",")[0]
         authority, = glob.glob(os.path.join(runtime, ".mutter-Xwaylandauth.*"))
         self.environment = {"DISPLAY": display, "XAUTHORITY": authority,

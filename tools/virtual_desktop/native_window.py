@@ -4,6 +4,7 @@ Usage: native_window.py RRGGBB OUTPUT; the outputs are numbered from 0. Prints "
 when it gets or loses the keyboard, and "key" or "click" for each press.
 """
 
+import contextlib
 import os
 import struct
 import sys
@@ -15,7 +16,7 @@ _CREATE_SURFACE, _ATTACH, _DAMAGE, _COMMIT = 0, 1, 2, 6
 _CREATE_POOL, _CREATE_BUFFER = 0, 0
 _GET_POINTER, _GET_KEYBOARD = 0, 1
 _GET_XDG_SURFACE, _PONG, _GET_TOPLEVEL, _ACK_CONFIGURE = 2, 3, 1, 4
-_SET_TITLE, _SET_FULLSCREEN = 2, 11
+_SET_FULLSCREEN = 11
 _PING, _CONFIGURE, _SIZE, _CAPABILITIES = 0, 0, 0, 0
 _ENTER, _LEAVE, _KEY = 1, 2, 3
 _BUTTON = 3
@@ -25,7 +26,7 @@ _XRGB = 1
 
 
 class Window:
-    """Its surface, and the devices as the compositor offers them."""
+    """The window, and the mouse and keyboard of the compositor."""
 
     def __init__(self, color, output):
         self._color = color
@@ -61,7 +62,7 @@ class Window:
             self._keyboard = self._client.make(self._seat, _GET_KEYBOARD)
 
     def handle(self, sender, event, data):
-        """Does or prints what an event asks for."""
+        """Answers an event, or prints it."""
         values = struct.unpack(f"={len(data) // 4}I", data)
         if (sender, event) == (self._shell, _PING):
             self._client.send(self._shell, _PONG, data)
@@ -83,14 +84,16 @@ class Window:
             print("click", flush=True)
 
     def run(self):
-        """Handles events for ever."""
+        """Handles events until the compositor ends."""
         while True:
             self.handle(*self._client.receive())
 
 
 def main():
     # In memory the bytes of a colour are blue, green, red and one that is unused.
-    Window(bytes.fromhex(sys.argv[1])[::-1] + b"\xff", int(sys.argv[2])).run()
+    window = Window(bytes.fromhex(sys.argv[1])[::-1] + b"\xff", int(sys.argv[2]))
+    with contextlib.suppress(EOFError):
+        window.run()
 
 
 if __name__ == "__main__":

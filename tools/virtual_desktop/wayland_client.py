@@ -1,7 +1,7 @@
 """A client of a Wayland compositor, in the bytes of its protocol.
 
-There is no binding in Debian's Python. Object ids and arguments are 32-bit words, texts have their
-length in front; the requests and events of an interface are numbered in the order of its XML file.
+Object ids and arguments are 32-bit words, a text has its length in front. The requests and events
+of an interface are numbered in the order of the protocol's XML file.
 """
 
 import array
@@ -53,7 +53,7 @@ class WaylandClient:
         return self._last
 
     def bind(self, interface, version, index=0):
-        """Binds the global of this interface, if there are several that of the index."""
+        """Binds the global of this interface; if there are several, the one of the index."""
         name = [number for number, offered in self._globals if offered == interface][index]
         bound = self.new_id()
         self.send(_REGISTRY, _BIND, words(name), text(interface), words(version, bound))
