@@ -1,6 +1,7 @@
 """The panels over a native Wayland window that fills the screen, in sway."""
 
 import contextlib
+import signal
 import time
 import unittest
 
@@ -16,6 +17,9 @@ LATE = 1.0
 """Seconds by which a panel may be seen early or late: a capture takes some tenths of one."""
 
 A_KEY = 30
+
+LATER = (30, 140, 60)
+"""The colour of a window that is opened while a stop screen is up."""
 
 
 class WaylandTest(EndToEndTest):
@@ -109,6 +113,20 @@ class WaylandTest(EndToEndTest):
         self.assertNotIn("no focus", self.window.events())
         self.leave()
 
+    def check_end(self):
+        """It stays above a new window, and goes with the program even if that is killed."""
+        self.turn_on(STABILITY)
+        self.wait_for_corners(BLUE, 17)
+        window = NativeWindow("%02x%02x%02x" % LATER, self.environment, self.stack)
+        self.wait_until(lambda: "shown" in window.events(), "the new window", 2)
+        # Until it is drawn.
+        time.sleep(0.5)
+        self.assertTrue(near(self.desktop.capture()[::20, -400:], BLUE).all())
+        self.program.kill()
+        self.assertEqual(self.program.wait_for_exit()[0], -signal.SIGKILL)
+        killed = time.monotonic()
+        self.assertLess(self.wait_for_corners(LATER, 7), killed + LATE)
+
     def check_freeze(self):
         """It is there for 3 to 4 s within 40 s, has no focus and takes the clicks."""
         before, after = self.turn_on(PERFORMANCE)
@@ -138,6 +156,11 @@ class SwayTest(WaylandTest):
 class StopScreen(SwayTest):
     def test_covers_a_full_screen_window(self):
         self.check_stop_screen()
+
+
+class StopScreenEnd(SwayTest):
+    def test_stays_on_top_until_the_end(self):
+        self.check_end()
 
 
 class Freeze(SwayTest):

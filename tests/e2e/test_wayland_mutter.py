@@ -18,6 +18,11 @@ class StopScreen(MutterTest):
         self.check_stop_screen()
 
 
+class StopScreenEnd(MutterTest):
+    def test_stays_on_top_until_the_end(self):
+        self.check_end()
+
+
 class Freeze(MutterTest):
     def test_veils_a_full_screen_window(self):
         self.check_freeze()

@@ -1,7 +1,7 @@
 """A full-screen Wayland window of one colour that prints which keys and clicks reach it.
 
-Usage: native_window.py RRGGBB OUTPUT; the outputs are numbered from 0. Prints "focus" or "no focus"
-when it gets or loses the keyboard, and "key" or "click" for each press.
+Usage: native_window.py RRGGBB OUTPUT; the outputs are numbered from 0. Prints "shown" when it is on
+its output, "focus" or "no focus" when it gets or loses the keyboard, "key" or "click" for each press.
 """
 
 import contextlib
@@ -13,6 +13,7 @@ from wayland_client import WaylandClient, words
 
 # Requests and events, by their numbers in the protocols.
 _CREATE_SURFACE, _ATTACH, _DAMAGE, _COMMIT = 0, 1, 2, 6
+_SHOWN = 0
 _CREATE_POOL, _CREATE_BUFFER = 0, 0
 _GET_POINTER, _GET_KEYBOARD = 0, 1
 _GET_XDG_SURFACE, _PONG, _GET_TOPLEVEL, _ACK_CONFIGURE = 2, 3, 1, 4
@@ -74,6 +75,8 @@ class Window:
             self._paint()
         elif (sender, event) == (self._seat, _CAPABILITIES):
             self._use_devices(values[0])
+        elif (sender, event) == (self._surface, _SHOWN):
+            print("shown", flush=True)
         elif (sender, event) == (self._keyboard, _ENTER):
             print("focus", flush=True)
         elif (sender, event) == (self._keyboard, _LEAVE):

@@ -33,5 +33,5 @@ class NativeWindow:
         self._lines = processes.Lines(process.stdout)
 
     def events(self):
-        """A "focus", "no focus", "key" or "click" for each that has happened so far."""
+        """A "shown", "focus", "no focus", "key" or "click" for each that has happened so far."""
         return self._lines.text
