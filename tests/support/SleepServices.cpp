@@ -1,5 +1,6 @@
 #include "tests/support/SleepServices.h"
 
+#include <QDBusVariant>
 #include <stdexcept>
 #include <utility>
 
@@ -11,6 +12,9 @@ const QString upower = QStringLiteral("org.freedesktop.UPower");
 const QString upowerPath = QStringLiteral("/org/freedesktop/UPower");
 const QString properties = QStringLiteral("org.freedesktop.DBus.Properties");
 const QString lidIsClosed = QStringLiteral("LidIsClosed");
+const QString mutter = QStringLiteral("org.gnome.Mutter.DisplayConfig");
+const QString mutterPath = QStringLiteral("/org/gnome/Mutter/DisplayConfig");
+const QString powerSaveMode = QStringLiteral("PowerSaveMode");
 
 QString newConnectionName() {
     static int count = 0;
@@ -85,6 +89,42 @@ void FakeLogind::prepareForSleep(bool start) const {
                                               "org.freedesktop.login1.Manager", "PrepareForSleep");
     message << start;
     m_service.send(message);
+}
+
+FakeMutter::FakeMutter(const std::string& address, int mode)
+    : m_service(address, mutter), m_powerSaveMode(mode) {
+    m_service.bus().registerVirtualObject(mutterPath, this);
+}
+
+FakeMutter::~FakeMutter() {
+    m_service.bus().unregisterObject(mutterPath);
+}
+
+void FakeMutter::setPowerSaveMode(int mode) {
+    m_powerSaveMode = mode;
+    sendChange({{powerSaveMode, mode}});
+}
+
+void FakeMutter::sendOtherChange() const {
+    sendChange({{QStringLiteral("PanelOrientationManaged"), true}});
+}
+
+void FakeMutter::sendChange(const QVariantMap& changed) const {
+    auto message = QDBusMessage::createSignal(mutterPath, properties, "PropertiesChanged");
+    message << mutter << changed << QStringList();
+    m_service.send(message);
+}
+
+bool FakeMutter::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
+    if (message.interface() != properties || message.member() != QLatin1String("Get") ||
+        message.arguments() != QVariantList{mutter, powerSaveMode})
+        return false;
+    ++m_reads;
+    return connection.send(message.createReply(QVariant::fromValue(QDBusVariant(m_powerSaveMode))));
+}
+
+QString FakeMutter::introspect(const QString&) const {
+    return {};
 }
 
 } // namespace quorvane

@@ -68,4 +68,29 @@ private:
     BusService m_service;
 };
 
+/// A fake of the part of Mutter that is about the displays' power.
+class FakeMutter final : public QDBusVirtualObject {
+public:
+    explicit FakeMutter(const std::string& address, int powerSaveMode = 0);
+    ~FakeMutter() override;
+
+    /// Changes the property and sends its new value: 0 is on, 1 to 3 are off, -1 is unknown.
+    void setPowerSaveMode(int mode);
+    /// Sends new values of other properties.
+    void sendOtherChange() const;
+
+    /// How often the property was read.
+    [[nodiscard]] int reads() const { return m_reads; }
+
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
+    [[nodiscard]] QString introspect(const QString& path) const override;
+
+private:
+    void sendChange(const QVariantMap& changed) const;
+
+    BusService m_service;
+    int m_powerSaveMode;
+    int m_reads = 0;
+};
+
 } // namespace quorvane

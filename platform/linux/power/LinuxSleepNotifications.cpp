@@ -6,8 +6,8 @@
 
 namespace quorvane {
 
-LinuxSleepNotifications::LinuxSleepNotifications(std::string busAddress)
-    : m_busAddress(std::move(busAddress)) {}
+LinuxSleepNotifications::LinuxSleepNotifications(std::string busAddress, std::string sessionAddress)
+    : m_busAddress(std::move(busAddress)), m_sessionAddress(std::move(sessionAddress)) {}
 
 LinuxSleepNotifications::~LinuxSleepNotifications() = default;
 
@@ -16,7 +16,7 @@ NotificationCenter::Token LinuxSleepNotifications::addObserver(std::string_view 
     const Token token = InProcessNotificationCenter::addObserver(name, std::move(block));
     listen();
     if (name != WorkspaceNotification::didWake)
-        m_signals->listenToLid();
+        m_signals->listenToScreens();
     return token;
 }
 
@@ -29,7 +29,7 @@ void LinuxSleepNotifications::removeObserver(Token token) {
 void LinuxSleepNotifications::listen() {
     if (!m_signals)
         m_signals = std::make_unique<SleepSignals>(
-            QString::fromStdString(m_busAddress),
+            QString::fromStdString(m_busAddress), QString::fromStdString(m_sessionAddress),
             SleepSignals::Reports{
                 .didWake = [this] { post(WorkspaceNotification::didWake); },
                 .screens =

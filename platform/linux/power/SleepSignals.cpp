@@ -5,6 +5,8 @@
 #include <QDBusServiceWatcher>
 #include <utility>
 
+#include "platform/linux/power/DisplayPower.h"
+
 namespace quorvane {
 
 namespace {
@@ -37,8 +39,9 @@ void openConnection(const QString& address, const QString& name) {
 
 } // namespace
 
-SleepSignals::SleepSignals(QString address, Reports reports)
-    : m_address(std::move(address)), m_reports(std::move(reports)) {}
+SleepSignals::SleepSignals(QString address, QString sessionAddress, Reports reports)
+    : m_address(std::move(address)), m_sessionAddress(std::move(sessionAddress)),
+      m_reports(std::move(reports)) {}
 
 SleepSignals::~SleepSignals() {
     endSession();
@@ -57,9 +60,9 @@ void SleepSignals::start() {
         connectInBackground();
 }
 
-void SleepSignals::listenToLid() {
-    if (!std::exchange(m_listensToLid, true) && m_session)
-        subscribeToLid();
+void SleepSignals::listenToScreens() {
+    if (!std::exchange(m_listensToScreens, true) && m_session)
+        subscribeToScreens();
 }
 
 void SleepSignals::stop() {
@@ -73,7 +76,7 @@ std::unique_ptr<QObject> SleepSignals::endSession() {
     const QString name = std::exchange(m_connectionName, {});
     m_upowerOwner.clear();
     m_logindOwner.clear();
-    m_listensToLid = false;
+    m_listensToScreens = false;
     m_lidIsPresent = true;
     m_state = {};
     // While the connection is still being opened there is no session; the `finished` handler closes
@@ -116,16 +119,19 @@ void SleepSignals::subscribe() {
     bus.connect({}, logindPath, logindManager, QStringLiteral("PrepareForSleep"), this,
                 SLOT(prepareForSleep(QDBusMessage)));
     watch(logind);
-    if (m_listensToLid)
-        subscribeToLid();
+    if (m_listensToScreens)
+        subscribeToScreens();
 }
 
-void SleepSignals::subscribeToLid() {
+void SleepSignals::subscribeToScreens() {
     // No sender, as above.
     QDBusConnection(m_connectionName)
         .connect({}, upowerPath, propertiesInterface, QStringLiteral("PropertiesChanged"), {upower},
                  {}, this, SLOT(propertiesChanged(QDBusMessage)));
     watch(upower);
+    const auto* displays = new DisplayPower(m_sessionAddress, m_session.get());
+    connect(displays, &DisplayPower::known, this,
+            [this](bool off) { report(m_state.setDisplaysOff(off)); });
 }
 
 void SleepSignals::watch(const QString& service) {

@@ -14,20 +14,18 @@
 
 namespace quorvane {
 
-/// Whether the screens sleep, by the state of the lid and of the machine. Each update returns the
-/// new state if it has changed.
+/// Whether the screens sleep, by the state of the lid, of the displays and of the machine. Each
+/// update returns the new state if it has changed.
 class ScreenSleepState {
 public:
     /// True: the screens now sleep; false: they are awake; none: no change.
     using Change = std::optional<bool>;
 
     /// The first state of the lid is not a change.
-    Change setLidClosed(bool closed) {
-        const bool isFirst = !m_lidClosed.has_value();
-        m_lidClosed = closed;
-        const Change change = update();
-        return isFirst ? std::nullopt : change;
-    }
+    Change setLidClosed(bool closed) { return set(m_lidClosed, closed); }
+
+    /// The first state of the displays is not a change.
+    Change setDisplaysOff(bool off) { return set(m_displaysOff, off); }
 
     Change setPreparingForSleep(bool preparing) {
         m_preparing = preparing;
@@ -35,8 +33,16 @@ public:
     }
 
 private:
+    Change set(std::optional<bool>& part, bool asleep) {
+        const bool isFirst = !part.has_value();
+        part = asleep;
+        const Change change = update();
+        return isFirst ? std::nullopt : change;
+    }
+
     Change update() {
-        const bool asleep = m_preparing || m_lidClosed.value_or(false);
+        const bool asleep =
+            m_preparing || m_lidClosed.value_or(false) || m_displaysOff.value_or(false);
         if (asleep == m_asleep)
             return std::nullopt;
         m_asleep = asleep;
@@ -44,13 +50,14 @@ private:
     }
 
     std::optional<bool> m_lidClosed;
+    std::optional<bool> m_displaysOff;
     bool m_preparing = false;
     bool m_asleep = false;
 };
 
-/// Listens on the system bus to logind for the machine's sleep and, after `listenToLid`, to UPower
-/// for the lid. Main thread; never blocks on the bus. Without the bus or a service nothing is
-/// reported.
+/// Listens on the system bus to logind for the machine's sleep and, after `listenToScreens`, to
+/// UPower for the lid and on the session bus to `DisplayPower`. Main thread; never blocks on a bus.
+/// Without a bus or a service nothing is reported.
 class SleepSignals final : public QObject {
     Q_OBJECT
 
@@ -63,15 +70,15 @@ public:
         std::function<void(bool asleep)> screens;
     };
 
-    /// `address` names the bus; empty: the system bus.
-    SleepSignals(QString address, Reports reports);
+    /// The addresses name the buses; empty: the system bus, the session bus.
+    SleepSignals(QString address, QString sessionAddress, Reports reports);
     ~SleepSignals() override;
 
     /// Connects, with a fresh state, unless already started.
     void start();
-    /// From now on until `stop` the lid counts too. UPower is not called before, because a call
-    /// makes the bus start it.
-    void listenToLid();
+    /// From now on until `stop` the lid and the displays count too. UPower is not called before,
+    /// because a call makes the bus start it.
+    void listenToScreens();
     /// Closes the connection; nothing is reported any more.
     void stop();
 
@@ -83,7 +90,7 @@ private Q_SLOTS:
 private:
     void connectInBackground();
     void subscribe();
-    void subscribeToLid();
+    void subscribeToScreens();
     std::unique_ptr<QObject> endSession();
     void watch(const QString& service);
     void askForOwner(const QString& service);
@@ -94,6 +101,7 @@ private:
     void notify(const std::function<void()>& callback);
 
     const QString m_address;
+    const QString m_sessionAddress;
     const Reports m_reports;
 
     /// A thread that is opening the connection of that name.
@@ -113,7 +121,7 @@ private:
     // ignored.
     QString m_upowerOwner;
     QString m_logindOwner;
-    bool m_listensToLid = false;
+    bool m_listensToScreens = false;
     bool m_lidIsPresent = true;
 
     bool m_isReporting = false;

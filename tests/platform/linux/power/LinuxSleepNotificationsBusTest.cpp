@@ -108,7 +108,7 @@ TEST_F(LinuxSleepNotificationsTest, ObserversThatLeaveWhileTheBusConnectsLeaveNo
 
 TEST_F(LinuxSleepNotificationsTest, DestroyingTheWorkspaceWhileItConnectsIsHarmless) {
     {
-        LinuxSleepNotifications passing(m_bus.address());
+        LinuxSleepNotifications passing(m_bus.address(), m_session.address());
         passing.addObserver(WorkspaceNotification::screensDidSleep, [] {});
     }
     waitFor(quiet);
@@ -123,7 +123,7 @@ TEST_F(LinuxSleepNotificationsTest, ABusThatGoesAwayIsNoEvent) {
 }
 
 TEST_F(LinuxSleepNotificationsTest, WithoutABusThereAreNoEventsAndNoBusyRetry) {
-    LinuxSleepNotifications workspace("unix:path=/nonexistent/bus");
+    LinuxSleepNotifications workspace("unix:path=/nonexistent/bus", m_session.address());
     Listener listener(workspace);
     waitFor(quiet);
     const std::clock_t before = std::clock();
@@ -132,14 +132,22 @@ TEST_F(LinuxSleepNotificationsTest, WithoutABusThereAreNoEventsAndNoBusyRetry) {
     EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC * quiet.count() / 1000 / 2);
 }
 
-TEST_F(LinuxSleepNotificationsTest, TheEnvironmentNamesTheSystemBus) {
+// No other case may leave the addresses to the environment: Qt reads both when it needs the first.
+TEST_F(LinuxSleepNotificationsTest, TheEnvironmentNamesTheBuses) {
     const EnvironmentVariable systemBus("DBUS_SYSTEM_BUS_ADDRESS", address());
+    const EnvironmentVariable sessionBus("DBUS_SESSION_BUS_ADDRESS", m_session.address());
     FakeUPower upower(address());
+    FakeMutter mutter(m_session.address());
     LinuxSleepNotifications workspace;
     Listener listener(workspace);
     settle(upower);
+    settle(mutter);
     upower.setLidIsClosed(true);
     EXPECT_THAT(listener.heard(1), ElementsAre("sleep"));
+    upower.setLidIsClosed(false);
+    EXPECT_THAT(listener.heard(2), ElementsAre("sleep", "wake"));
+    mutter.setPowerSaveMode(3);
+    EXPECT_THAT(listener.heard(3), ElementsAre("sleep", "wake", "sleep"));
 }
 
 TEST_F(LinuxSleepNotificationsTest, ABusThatNeverAnswersBlocksNothing) {
@@ -147,7 +155,7 @@ TEST_F(LinuxSleepNotificationsTest, ABusThatNeverAnswersBlocksNothing) {
     auto hung = std::make_unique<HungBus>();
     const auto start = Clock::now();
     {
-        LinuxSleepNotifications workspace(hung->address());
+        LinuxSleepNotifications workspace(hung->address(), m_session.address());
         Listener listener(workspace);
         EXPECT_THAT(listener.heardInAll(), IsEmpty());
     }

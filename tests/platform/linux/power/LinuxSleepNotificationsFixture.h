@@ -72,14 +72,16 @@ class LinuxSleepNotificationsTest : public testing::Test {
 protected:
     std::string address() const { return m_bus.address(); }
 
-    /// Waits until the workspace has read the state of the lid.
-    static void settle(const FakeUPower& upower, int reads = 1) {
-        ASSERT_TRUE(waitUntil([&] { return upower.reads() >= reads; }));
+    /// Waits until the workspace has read the state of the lid or of the displays.
+    template <class Service>
+    static void settle(const Service& service, int reads = 1) {
+        ASSERT_TRUE(waitUntil([&] { return service.reads() >= reads; }));
     }
 
     QtApplication m_application;
     PrivateBus m_bus;
-    LinuxSleepNotifications m_workspace{m_bus.address()};
+    PrivateBus m_session;
+    LinuxSleepNotifications m_workspace{m_bus.address(), m_session.address()};
 };
 
 } // namespace quorvane
