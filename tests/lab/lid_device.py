@@ -1,12 +1,13 @@
 #!/usr/bin/python3
 """A uhid lid-angle sensor, whose feature report 1 follows a script.
 
-    lid_device.py [--product ID] [--angle DEGREES] [--log FILE] [--keep] [MOVE ...]
+    lid_device.py [--product ID] [--angle DEGREES] [--report-bytes COUNT] [--log FILE] [--keep]
+                  [MOVE ...]
 
 A MOVE is `still:SECONDS`, `open:SLOPE:SECONDS` or `close:SLOPE:SECONDS`, the slope in degrees per
 second. The device stays at its first angle until a line arrives on standard input, then makes its
 moves and is unplugged; with --keep, or when standard input ends before that line, it stays until
-standard input ends. Prints "ready" once the device is there.
+standard input ends. --report-bytes cuts the report short. Prints "ready" once the device is there.
 
 The log has one JSON object a line, each with the CLOCK_MONOTONIC time in seconds: the moves, every
 reading that was answered, and when the device was created and removed.
@@ -85,8 +86,9 @@ class Motion:
 class LidDevice:
     """The device, which exists until `destroy`."""
 
-    def __init__(self, product, motion=None, log=None):
+    def __init__(self, product, motion=None, log=None, report_bytes=3):
         self._motion = motion
+        self._report_bytes = report_bytes
         self._log = log
         self.file = os.open("/dev/uhid", os.O_RDWR | os.O_CLOEXEC)
         self._write(struct.pack(
@@ -113,7 +115,7 @@ class LidDevice:
             return
         now = time.monotonic()
         angle = self._motion.angle_at(now)
-        data = struct.pack("<BH", REPORT_ID, angle)
+        data = struct.pack("<BH", REPORT_ID, angle)[:self._report_bytes]
         self._write(struct.pack("<IIHH", UHID_GET_REPORT_REPLY, request, 0, len(data)) + data)
         self._log("reading", at=now, angle=angle)
 
@@ -176,13 +178,14 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--product", type=lambda text: int(text, 0), default=0x8104)
     parser.add_argument("--angle", type=int, default=100)
+    parser.add_argument("--report-bytes", type=int, default=3)
     parser.add_argument("--log")
     parser.add_argument("--keep", action="store_true")
     parser.add_argument("moves", nargs="*", type=_move, metavar="MOVE")
     arguments = parser.parse_args()
     log = make_log(arguments.log)
     motion = Motion(arguments.angle, arguments.moves)
-    device = LidDevice(arguments.product, motion, log)
+    device = LidDevice(arguments.product, motion, log, arguments.report_bytes)
     run(device, motion, log, arguments.keep)
     device.destroy()
     log("gone")

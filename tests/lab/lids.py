@@ -107,5 +107,6 @@ def play_all(play):
     play("found_by_scan", found, ("--product", "0xabc1"))
     play("first_reading_0", found, ("--angle", "0"))
     play("first_reading_200", found, ("--angle", "200"))
+    play("report_of_2_bytes", found, ("--report-bytes", "2"))
     play("hidraw_contract", hidraw_contract)
     play("device_rights", rights)

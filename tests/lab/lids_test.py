@@ -280,5 +280,17 @@ class FirstReading200(WithLid):
         self.assert_ended_properly()
 
 
+class ReportOf2Bytes(WithLid):
+    """A lid's angle without its high byte."""
+
+    NAME = "report_of_2_bytes"
+
+    def test_device_is_read_and_not_used(self):
+        self.assert_not_used(100)
+
+    def test_program_ends_by_sigterm_with_status_0(self):
+        self.assert_ended_properly()
+
+
 if __name__ == "__main__":
     main()
