@@ -114,3 +114,9 @@ class Services:
     def sleep_and_wake(self):
         self.prepare_for_sleep()
         self.wake_up()
+
+    def lock(self):
+        self._send("lock")
+
+    def unlock(self):
+        self._send("unlock")

@@ -1,6 +1,6 @@
-"""Fakes of logind, UPower and the settings portal, controlled through standard input.
+"""Fakes of logind, UPower, the settings portal and a screen saver, controlled through standard input.
 
-Usage: services.py BUS-ADDRESS [login] [power] [portal]
+Usage: services.py BUS-ADDRESS [login] [power] [portal] [saver]
 """
 
 # python3-dbusmock would be shorter, but starts in 0.11 s instead of 0.04 s and needs dbus-x11.
@@ -9,6 +9,7 @@ import sys
 
 import dbus
 import dbus.bus
+import dbus.lowlevel
 import dbus.mainloop.glib
 import dbus.service
 from gi.repository import GLib
@@ -16,6 +17,8 @@ from gi.repository import GLib
 PROPERTIES = "org.freedesktop.DBus.Properties"
 UPOWER = "org.freedesktop.UPower"
 LOGIN = "org.freedesktop.login1.Manager"
+SESSION = "org.freedesktop.login1.Session"
+SAVER = "org.gnome.ScreenSaver"
 PORTAL = "org.freedesktop.portal.Settings"
 MOTION = ("org.gnome.desktop.interface", "enable-animations")
 
@@ -30,6 +33,28 @@ class Login(dbus.service.Object):
     @dbus.service.signal(LOGIN, signature="b")
     def PrepareForSleep(self, start):
         pass
+
+
+class LoginSession(dbus.service.Object):
+    """The part of logind's session that is about its lock."""
+
+    def __init__(self, connection):
+        self._locked = False
+        super().__init__(connection, "/org/freedesktop/login1/session/auto")
+
+    @dbus.service.method(PROPERTIES, in_signature="ss", out_signature="v")
+    def Get(self, interface, name):
+        if (interface, name) != (SESSION, "LockedHint"):
+            raise dbus.DBusException("no such property")
+        return dbus.Boolean(self._locked)
+
+    def set_locked(self, locked):
+        self._locked = locked
+        # As logind does: from the session's own path.
+        signal = dbus.lowlevel.SignalMessage("/org/freedesktop/login1/session/_31", PROPERTIES,
+                                             "PropertiesChanged")
+        signal.append(SESSION, {"LockedHint": dbus.Boolean(locked)}, [], signature="sa{sv}as")
+        self.connection.send_message(signal)
 
 
 class Power(dbus.service.Object):
@@ -86,6 +111,26 @@ class Portal(dbus.service.Object):
         self.SettingChanged(*MOTION, dbus.Boolean(animations))
 
 
+class Saver(dbus.service.Object):
+    """The part of GNOME's screen saver that is about its lock."""
+
+    def __init__(self, connection):
+        self._active = False
+        super().__init__(dbus.service.BusName(SAVER, connection), "/org/gnome/ScreenSaver")
+
+    @dbus.service.method(SAVER, out_signature="b")
+    def GetActive(self):
+        return self._active
+
+    @dbus.service.signal(SAVER, signature="b")
+    def ActiveChanged(self, active):
+        pass
+
+    def set_active(self, active):
+        self._active = active
+        self.ActiveChanged(active)
+
+
 def main():
     dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
     connection = dbus.bus.BusConnection(sys.argv[1])
@@ -94,6 +139,9 @@ def main():
         login = Login(connection)
         commands["sleep"] = lambda: login.PrepareForSleep(True)
         commands["wake"] = lambda: login.PrepareForSleep(False)
+        session = LoginSession(connection)
+        commands["lock"] = lambda: session.set_locked(True)
+        commands["unlock"] = lambda: session.set_locked(False)
     if "power" in sys.argv[2:]:
         power = Power(connection)
         commands["lid closed"] = lambda: power.move_lid(True)
@@ -103,6 +151,10 @@ def main():
         portal = Portal(connection, animations=False)
         commands["motion usual"] = lambda: portal.set_animations(True)
         commands["motion reduced"] = lambda: portal.set_animations(False)
+    if "saver" in sys.argv[2:]:
+        saver = Saver(connection)
+        commands["lock"] = lambda: saver.set_active(True)
+        commands["unlock"] = lambda: saver.set_active(False)
     loop = GLib.MainLoop()
 
     def obey(channel, _condition):

@@ -60,6 +60,10 @@ class Session:
         """A settings portal with animations off, until `stack` is closed."""
         return Services(self._env, self._bus, stack, ["portal"])
 
+    def screen_saver(self, stack):
+        """A screen saver that is not active, until `stack` is closed."""
+        return Services(self._env, self._bus, stack, ["saver"])
+
     def environment(self, home):
         """A program's environment in this session, with its own home folder and no system bus."""
         environment = processes.base_environment(home)
