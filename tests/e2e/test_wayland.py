@@ -31,6 +31,9 @@ class WaylandTest(EndToEndTest):
 
     desktop_name = None
 
+    qt_platform = None
+    """The user's QT_QPA_PLATFORM."""
+
     def start_desktop(self):
         raise NotImplementedError
 
@@ -38,7 +41,8 @@ class WaylandTest(EndToEndTest):
         super().setUp()
         self.desktop = self.start_desktop()
         self.environment |= self.desktop.environment
-        self.panel = self.launch_into_control_panel(creak=False)
+        self.panel = self.launch_into_control_panel(
+            creak=False, QT_QPA_PLATFORM=self.qt_platform)
         self.window = NativeWindow("%02x%02x%02x" % BENEATH, self.environment, self.stack,
                                    self.window_output)
         self.wait_for_corners(BENEATH, 10, self.window_output)
@@ -94,6 +98,7 @@ class WaylandTest(EndToEndTest):
         before, after = self.turn_on(STABILITY)
         shown = self.wait_for_corners(BLUE, 17)
         self.assert_within(shown, before + 15, after + 15, "the stop screen")
+        self.assertEqual(self.panel.description(STABILITY), "")
         # The window's background may be seen a frame earlier than what is drawn in it.
         self.wait_until(lambda: near(self.desktop.capture()[240:320, 100:804], WHITE, 30).sum() >
                         1000, "the sentence", LATE)

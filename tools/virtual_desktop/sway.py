@@ -14,19 +14,19 @@ from .waiting import wait_until
 from .wayland_input import WlrootsInput
 
 _CONFIGURATION = """default_border none
-xwayland force
-exec xhost +si:localuser:{client} && echo "$DISPLAY $WAYLAND_DISPLAY" > "$XDG_RUNTIME_DIR/ready"
+xwayland {xwayland}
+exec {admit} echo "$WAYLAND_DISPLAY $DISPLAY" > "$XDG_RUNTIME_DIR/ready"
 """
 
 
 class Sway:
-    """A sway and its Xwayland, until `stack` is closed.
+    """A sway and, unless `xwayland` is False, its Xwayland, until `stack` is closed.
 
     The outputs are side by side; each has `size` in pixels and one of the `scales`. sway refuses to
     run as root; for root it runs as the user nobody.
     """
 
-    def __init__(self, stack, size=(1280, 800), scales=(1,)):
+    def __init__(self, stack, size=(1280, 800), scales=(1,), xwayland=True):
         self._directory = tempfile.mkdtemp(prefix="quorvane-wayland-")
         stack.callback(shutil.rmtree, self._directory, ignore_errors=True)
         as_user = []
@@ -43,15 +43,18 @@ class Sway:
             "WLR_HEADLESS_OUTPUTS": str(len(scales))}
         configuration = os.path.join(self._directory, "configuration")
         with open(configuration, "w", encoding="utf-8") as file:
-            file.write(_CONFIGURATION.format(client=pwd.getpwuid(os.getuid()).pw_name))
+            client = pwd.getpwuid(os.getuid()).pw_name
+            file.write(_CONFIGURATION.format(
+                xwayland="force" if xwayland else "disable",
+                admit=f"xhost +si:localuser:{client} &&" if xwayland else ""))
             file.writelines(_placed(size, scales))
         processes.start([*as_user, "sway", "-c", configuration], self._env, stack,
                         cwd=self._directory, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        display, socket = wait_until(self._ready, "the compositor", 20).split()
+        socket, *display = wait_until(self._ready, "the compositor", 20).split()
         control, = glob.glob(os.path.join(self._directory, "sway-ipc.*.sock"))
         self._env |= {"WAYLAND_DISPLAY": socket, "SWAYSOCK": control}
         socket = os.path.join(self._directory, socket)
-        self.environment = {"DISPLAY": display, "WAYLAND_DISPLAY": socket}
+        self.environment = {"DISPLAY": "".join(display), "WAYLAND_DISPLAY": socket}
         """The variables by which a program connects to it."""
         desktop = sum(size[0] // scale for scale in scales), size[1] // min(scales)
         self.input = WlrootsInput(socket, desktop, stack)
