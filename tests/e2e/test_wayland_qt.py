@@ -9,8 +9,11 @@ from test_wayland_outputs import Scale
 from virtual_desktop.screens import ENTER, LEAVE, PERFORMANCE, STABILITY, THERMALS
 from virtual_desktop.sway import Sway
 
+HINT = "X11 or Xwayland needed — enable it in your desktop's settings"
+
 
 class SwayStopScreen(SwayTest):
+    desktop_name = "sway-qt"
     qt_platform = "wayland"
 
     def test_covers_a_full_screen_window(self):
@@ -18,6 +21,7 @@ class SwayStopScreen(SwayTest):
 
 
 class SwayFreeze(SwayTest):
+    desktop_name = "sway-qt"
     qt_platform = "wayland"
 
     def test_veils_a_full_screen_window(self):
@@ -25,6 +29,7 @@ class SwayFreeze(SwayTest):
 
 
 class KWinStopScreen(KWinTest):
+    desktop_name = "kwin-qt"
     qt_platform = "wayland;xcb"
 
     def test_covers_a_full_screen_window(self):
@@ -55,19 +60,19 @@ class WithoutXwayland(EndToEndTest):
         self.environment |= self.desktop.environment
         self.panel = self.launch_into_control_panel(creak=False)
 
-    def wait_for_hint(self, row, shown):
-        self.wait_until(lambda: bool(self.panel.description(row)) == shown, f"the hint of {row}")
+    def wait_for_hint(self, row, text):
+        self.wait_until(lambda: self.panel.description(row) == text, f"{row} to say: {text}")
 
     def test_the_rows_of_the_panels_say_so(self):
         for row in (STABILITY, PERFORMANCE):
             with self.subTest(row):
                 self.assertEqual(self.panel.description(row), "")
                 self.panel.toggle(row)
-                self.wait_for_hint(row, True)
+                self.wait_for_hint(row, HINT)
         self.assertEqual(self.panel.description(THERMALS), "")
         self.panel.press(LEAVE)
         self.panel.press(ENTER)
-        self.wait_for_hint(STABILITY, False)
+        self.wait_for_hint(STABILITY, "")
         self.leave()
 
 
