@@ -12,8 +12,20 @@
 
 namespace quorvane {
 
-TestDesktop::TestDesktop(const std::vector<std::string>& serverOptions)
-    : m_display("1280x800", serverOptions) {
+namespace {
+
+/// As Xvfb has them in root windows of this depth.
+QImage::Format formatOf(int depth) {
+    return depth == 16   ? QImage::Format_RGB16
+           : depth == 30 ? QImage::Format_RGB30
+                         : QImage::Format_RGB32;
+}
+
+} // namespace
+
+TestDesktop::TestDesktop(const std::vector<std::string>& serverOptions,
+                         const std::vector<std::string>& managerOptions)
+    : m_display("1280x800", serverOptions), m_windowManager(m_display, managerOptions) {
     QGuiApplication::setQuitOnLastWindowClosed(false);
 }
 
@@ -25,9 +37,23 @@ std::unique_ptr<ChildProcess> TestDesktop::startCompositor() const {
     return compositor;
 }
 
+/// The value of a pixel of this colour in the root window.
+uint32_t TestDesktop::pixelOf(QRgb color) const {
+    const xcb_colormap_t colors =
+        xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->default_colormap;
+    // 16 bits each.
+    const auto channel = [](int value) { return static_cast<uint16_t>(value * 0x101); };
+    const XcbReply<xcb_alloc_color_reply_t> reply{
+        xcb_alloc_color_reply(m_connection,
+                              xcb_alloc_color(m_connection, colors, channel(qRed(color)),
+                                              channel(qGreen(color)), channel(qBlue(color))),
+                              nullptr)};
+    return reply ? reply->pixel : 0;
+}
+
 xcb_window_t TestDesktop::makeWindow(const QRect& place, QRgb color, bool overrideRedirect) {
     const xcb_window_t window = xcb_generate_id(m_connection);
-    const std::array<uint32_t, 3> values{color & RGB_MASK, overrideRedirect ? 1U : 0U,
+    const std::array<uint32_t, 3> values{pixelOf(color), overrideRedirect ? 1U : 0U,
                                          XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_KEY_PRESS};
     xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, window, m_display.root(),
                       static_cast<int16_t>(place.x()), static_cast<int16_t>(place.y()),
@@ -63,7 +89,7 @@ xcb_window_t TestDesktop::openMenu(const QRect& place, QRgb color) {
 }
 
 void TestDesktop::recolor(xcb_window_t window, QRgb color) {
-    const uint32_t pixel = color & RGB_MASK;
+    const uint32_t pixel = pixelOf(color);
     xcb_change_window_attributes(m_connection, window, XCB_CW_BACK_PIXEL, &pixel);
     xcb_clear_area(m_connection, 0, window, 0, 0, 0, 0);
     xcb_flush(m_connection);
@@ -93,6 +119,12 @@ void TestDesktop::setScreenSaverStatus(const std::string& state) {
                         atom("_SCREENSAVER_STATUS"), XCB_ATOM_INTEGER, 32, status.size(),
                         status.data());
     m_display.sync();
+}
+
+void TestDesktop::movePointer(QPoint place) {
+    m_display.sync();
+    m_display.movePointer(static_cast<int16_t>(place.x()), static_cast<int16_t>(place.y()));
+    waitFor(50ms);
 }
 
 void TestDesktop::click(QPoint place) {
@@ -140,8 +172,9 @@ QImage TestDesktop::look() const {
                                           static_cast<uint16_t>(size.height()), ~0U),
                             nullptr)};
     return QImage(xcb_get_image_data(reply.get()), size.width(), size.height(),
-                  QImage::Format_RGB32)
-        .copy();
+                  formatOf(reply->depth))
+        .copy()
+        .convertToFormat(QImage::Format_RGB32);
 }
 
 bool TestDesktop::isPanel(xcb_window_t window) const {

@@ -20,8 +20,10 @@ class TestDesktop : NonCopyable {
 public:
     static constexpr QRect whole{0, 0, 1280, 800};
 
-    /// `serverOptions` are arguments of Xvfb, such as "-extension", "RANDR" to disable it.
-    explicit TestDesktop(const std::vector<std::string>& serverOptions = {});
+    /// `serverOptions` are arguments of Xvfb, such as "-extension", "RANDR" to disable it,
+    /// `managerOptions` those of openbox.
+    explicit TestDesktop(const std::vector<std::string>& serverOptions = {},
+                         const std::vector<std::string>& managerOptions = {});
 
     /// It runs as long as the returned object lives.
     [[nodiscard]] std::unique_ptr<ChildProcess> startCompositor() const;
@@ -42,13 +44,14 @@ public:
     /// none.
     void setScreenSaverStatus(const std::string& state);
 
+    void movePointer(QPoint place);
     void click(QPoint place);
     void pressKey();
     /// How many clicks and keys the windows of this object have got since the last call.
     [[nodiscard]] int takeClicks();
     [[nodiscard]] int takeKeys();
 
-    /// All that the screen shows now.
+    /// All that the screen shows now; its root window has 24, 16 or 30 bits for each pixel.
     [[nodiscard]] QImage look() const;
 
     [[nodiscard]] QRgb look(QPoint place) const { return look().pixel(place); }
@@ -69,11 +72,12 @@ private:
     [[nodiscard]] QRect rectOf(xcb_window_t window) const;
     // The foremost last.
     [[nodiscard]] std::vector<xcb_window_t> panelWindows() const;
+    [[nodiscard]] uint32_t pixelOf(QRgb color) const;
     xcb_window_t makeWindow(const QRect& place, QRgb color, bool overrideRedirect);
     void readEvents();
 
     VirtualDisplay m_display;
-    WindowManager m_windowManager{m_display};
+    WindowManager m_windowManager;
     xcb_connection_t* m_connection = m_display.connection();
     // The window that was activated last, while it exists.
     xcb_window_t m_activated = XCB_WINDOW_NONE;

@@ -47,9 +47,13 @@ void VirtualDisplay::release(std::uint8_t keycode) {
     sendInput(XCB_KEY_RELEASE, keycode);
 }
 
+void VirtualDisplay::movePointer(std::int16_t x, std::int16_t y) {
+    sendInput(XCB_MOTION_NOTIFY, 0, x, y);
+}
+
 void VirtualDisplay::click(std::int16_t x, std::int16_t y) {
     constexpr std::uint8_t leftButton = 1;
-    sendInput(XCB_MOTION_NOTIFY, 0, x, y);
+    movePointer(x, y);
     sendInput(XCB_BUTTON_PRESS, leftButton, x, y);
     sendInput(XCB_BUTTON_RELEASE, leftButton, x, y);
 }

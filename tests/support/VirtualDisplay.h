@@ -27,6 +27,7 @@ public:
     /// `keycode` is an X keycode of the keymap that the server starts with.
     void press(std::uint8_t keycode);
     void release(std::uint8_t keycode);
+    void movePointer(std::int16_t x, std::int16_t y);
     /// Moves the pointer and clicks its left button.
     void click(std::int16_t x, std::int16_t y);
     /// Makes `keycode` carry another symbol.

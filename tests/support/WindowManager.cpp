@@ -9,7 +9,18 @@
 
 namespace quorvane {
 
-WindowManager::WindowManager(VirtualDisplay& display) : m_display(display) {
+namespace {
+
+std::vector<std::string> managerCommand(const std::vector<std::string>& options) {
+    std::vector<std::string> command{"openbox"};
+    command.insert(command.end(), options.begin(), options.end());
+    return command;
+}
+
+} // namespace
+
+WindowManager::WindowManager(VirtualDisplay& display, const std::vector<std::string>& options)
+    : m_display(display), m_process(managerCommand(options)) {
     if (!waitUntil([this] { return isReady(); }))
         throw std::runtime_error("openbox does not start");
 }

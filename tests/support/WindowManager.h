@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "base/NonCopyable.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/VirtualDisplay.h"
@@ -9,8 +12,9 @@ namespace quorvane {
 /// A window manager (openbox) on a virtual display, which outlives it.
 class WindowManager : NonCopyable {
 public:
-    /// Returns when it manages the display. Throws when it fails to.
-    explicit WindowManager(VirtualDisplay& display);
+    /// Returns when it manages the display. Throws when it fails to. `options` are arguments of
+    /// openbox.
+    explicit WindowManager(VirtualDisplay& display, const std::vector<std::string>& options = {});
 
     /// Returns when it has mapped `window`.
     void waitForWindow(xcb_window_t window);
@@ -25,7 +29,7 @@ private:
 
     VirtualDisplay& m_display;
     xcb_connection_t* m_connection = m_display.connection();
-    ChildProcess m_process{{"openbox"}};
+    ChildProcess m_process;
     int m_titles = 0;
 };
 
