@@ -140,6 +140,11 @@ TEST_F(LinuxScreensTest, PanelDeclaresThatItNeverTakesTheKeyboard) {
                 ElementsAre(m_desktop.atom("_NET_WM_WINDOW_TYPE_NOTIFICATION")));
 }
 
+TEST_F(LinuxScreensTest, PanelAsksToDisappearWithoutAnAnimation) {
+    const auto panel = showStopScreen();
+    EXPECT_THAT(m_desktop.panelProperty("_KDE_NET_WM_SKIP_CLOSE_ANIMATION"), ElementsAre(1U));
+}
+
 TEST_F(LinuxScreensTest, PointerOverThePanelIsTheArrow) {
     const auto panel = showStopScreen();
     EXPECT_TRUE(m_desktop.panelHasPointer());
