@@ -13,22 +13,6 @@ namespace {
 
 using testing::ElementsAre;
 
-/// The ring of a stop screen, clockwise from its top, a character for each fortieth: "#" white,
-/// "." faint, "?" any other colour.
-std::string ringIn(const QImage& picture) {
-    // It is the leftmost thing below the texts; its widest row is its middle.
-    const QRect leftEdge = drawnIn(picture, {97, 395, 5, 200});
-    const double middle = leftEdge.top() + leftEdge.height() / 2.0;
-    std::string ring;
-    for (int i = 0; i < 40; ++i) {
-        const double angle = 2 * M_PI * (i + 0.5) / 40;
-        const QRgb pixel = picture.pixel(static_cast<int>(135 + 35 * std::sin(angle)),
-                                         static_cast<int>(middle - 35 * std::cos(angle)));
-        ring += isNear(pixel, white) ? '#' : isNear(pixel, faint) ? '.' : '?';
-    }
-    return ring;
-}
-
 /// A text in white over the blue, drawn with QPainter from `x` on.
 QImage plainly(const QString& text, int size, QFont::Weight weight, double opacity, int x = 100) {
     QImage picture(1280, 200, QImage::Format_RGB32);
@@ -87,8 +71,7 @@ TEST_F(LinuxScreensTest, RingHasNoArcAt0AndNoGapAt1) {
         m_stop->progress = complete ? 1 : 0;
         const auto panel = showStopScreen();
         const QImage picture = m_desktop.look();
-        const QRect leftEdge = drawnIn(picture, {97, 395, 5, 200});
-        const double middle = leftEdge.top() + leftEdge.height() / 2.0;
+        const double middle = ringCenterIn(picture).y();
         for (int i = 0; i < 1000; ++i) {
             const double angle = 2 * M_PI * i / 1000;
             int brightest = 0;

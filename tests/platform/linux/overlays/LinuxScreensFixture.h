@@ -25,8 +25,7 @@ inline constexpr QRgb white = qRgb(255, 255, 255);
 inline constexpr QRgb faint = qRgb(64, 154, 223);
 inline constexpr QPoint farFromText(1000, 700);
 
-inline bool isNear(QRgb one, QRgb other) {
-    constexpr int tolerance = 3;
+inline bool isNear(QRgb one, QRgb other, int tolerance = 3) {
     return std::abs(qRed(one) - qRed(other)) <= tolerance &&
            std::abs(qGreen(one) - qGreen(other)) <= tolerance &&
            std::abs(qBlue(one) - qBlue(other)) <= tolerance;
@@ -38,11 +37,12 @@ inline QRgb veiled(QRgb color) {
 }
 
 /// The rectangle around everything in a part of a picture that is not of the background's colour.
-inline QRect drawnIn(const QImage& picture, const QRect& part, QRgb background = blue) {
+inline QRect drawnIn(const QImage& picture, const QRect& part, QRgb background = blue,
+                     int tolerance = 3) {
     QRect drawn;
     for (int y = part.top(); y <= part.bottom(); ++y)
         for (int x = part.left(); x <= part.right(); ++x)
-            if (!isNear(picture.pixel(x, y), background))
+            if (!isNear(picture.pixel(x, y), background, tolerance))
                 drawn |= QRect(x, y, 1, 1);
     return drawn;
 }
@@ -66,11 +66,47 @@ inline std::vector<QRect> linesIn(const QImage& picture, const QRect& part) {
     return lines;
 }
 
+/// The pixel in a part of a picture whose red differs most from the background's: one that a letter
+/// or line covers completely.
+inline QRgb strongestIn(const QImage& picture, const QRect& part, QRgb background = blue) {
+    QRgb strongest = background;
+    const auto strength = [&](QRgb color) { return std::abs(qRed(color) - qRed(background)); };
+    for (int y = part.top(); y <= part.bottom(); ++y)
+        for (int x = part.left(); x <= part.right(); ++x)
+            if (strength(picture.pixel(x, y)) > strength(strongest))
+                strongest = picture.pixel(x, y);
+    return strongest;
+}
+
+/// The middle of a stop screen's ring, in pixels.
+inline QPointF ringCenterIn(const QImage& picture, double scale = 1, int tolerance = 3) {
+    // It is the leftmost thing below the texts; its widest row is its middle.
+    const QRect leftEdge = drawnIn(
+        picture, QRectF(97 * scale, 395 * scale, 5 * scale, 200 * scale).toRect(), blue, tolerance);
+    return {135 * scale, leftEdge.top() + leftEdge.height() / 2.0};
+}
+
+/// The ring of a stop screen, clockwise from its top, a character for each fortieth: "#" white,
+/// "." faint, "?" any other colour.
+inline std::string ringIn(const QImage& picture, double scale = 1, int tolerance = 3) {
+    const QPointF center = ringCenterIn(picture, scale, tolerance);
+    std::string ring;
+    for (int i = 0; i < 40; ++i) {
+        const double angle = 2 * M_PI * (i + 0.5) / 40;
+        const QRgb pixel =
+            picture.pixel(static_cast<int>(center.x() + 35 * scale * std::sin(angle)),
+                          static_cast<int>(center.y() - 35 * scale * std::cos(angle)));
+        ring += isNear(pixel, white, tolerance) ? '#' : isNear(pixel, faint, tolerance) ? '.' : '?';
+    }
+    return ring;
+}
+
 /// Panels of LinuxScreens on a virtual desktop.
 class LinuxScreensTest : public testing::Test {
 protected:
-    explicit LinuxScreensTest(const std::vector<std::string>& serverOptions = {})
-        : m_desktop(serverOptions) {
+    explicit LinuxScreensTest(const std::vector<std::string>& serverOptions = {},
+                              const std::vector<std::string>& managerOptions = {})
+        : m_desktop(serverOptions, managerOptions) {
         m_stop->errorMessage = "SYSTEM_THREAD_EXCEPTION_NOT_HANDLED";
         m_stop->errorCode = "0xC000021A";
     }

@@ -142,11 +142,7 @@ TEST_F(FreezeOverWhiteTest, TextIsGreyAndBelowTheSpinner) {
     EXPECT_NEAR(text.height(), m_letters.height(), 1.5);
     EXPECT_NEAR(text.top(), m_baseline + m_letters.top(), 1.5);
     // A pixel that a letter covers completely is the text's grey at 80% over white.
-    QRgb darkest = white;
-    for (int y = text.top(); y <= text.bottom(); ++y)
-        for (int x = text.left(); x <= text.right(); ++x)
-            if (qGray(picture.pixel(x, y)) < qGray(darkest))
-                darkest = picture.pixel(x, y);
+    const QRgb darkest = strongestIn(picture, text, white);
     EXPECT_TRUE(isNear(darkest, qRgb(165, 165, 169)))
         << qRed(darkest) << ' ' << qGreen(darkest) << ' ' << qBlue(darkest);
 }
