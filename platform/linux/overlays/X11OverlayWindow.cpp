@@ -26,6 +26,17 @@ xcb_render_pictformat_t formatOf(const X11Connection& connection, xcb_visualid_t
     return format ? format->format : 0;
 }
 
+/// Whether the root window's pixels are colours, and not places in a colour map.
+bool hasTrueColors(const xcb_screen_t& screen) {
+    for (auto depths = xcb_screen_allowed_depths_iterator(&screen); depths.rem > 0;
+         xcb_depth_next(&depths))
+        for (auto visuals = xcb_depth_visuals_iterator(depths.data); visuals.rem > 0;
+             xcb_visualtype_next(&visuals))
+            if (visuals.data->visual_id == screen.root_visual)
+                return visuals.data->_class == XCB_VISUAL_CLASS_TRUE_COLOR;
+    return false;
+}
+
 /// 32 bits with alpha, as in a QImage.
 xcb_render_pictformat_t imageFormat(const X11Connection& connection) {
     return xcb_render_util_find_standard_format(xcb_render_util_query_formats(connection.get()),
@@ -96,7 +107,8 @@ void fill(const X11Connection& connection, const Pixmap& target, QSize size, uin
 } // namespace
 
 bool X11OverlayWindow::isSupported(const X11Connection& connection) {
-    return formatOf(connection, connection.screen().root_visual) != 0;
+    return hasTrueColors(connection.screen()) &&
+           formatOf(connection, connection.screen().root_visual) != 0;
 }
 
 X11OverlayWindow::X11OverlayWindow(X11Connection& connection, const Look& look)
