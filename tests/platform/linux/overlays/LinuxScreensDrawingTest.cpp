@@ -235,7 +235,7 @@ TEST_F(LinuxScreensTest, PointsFollowTheScaleFactor) {
     }
 }
 
-TEST_F(PoorServerTest, StopScreenIsSentWithoutSharedMemory) {
+TEST_F(PlainServerTest, StopScreenIsShown) {
     m_stop->progress = 0.5;
     const auto panel = showStopScreen();
     EXPECT_THAT(m_desktop.panels(), ElementsAre(TestDesktop::whole));

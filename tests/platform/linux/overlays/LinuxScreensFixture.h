@@ -175,18 +175,10 @@ protected:
     LinuxScreens m_screens;
 };
 
-/// On an X server without the extensions MIT-SHM and RANDR.
-class PoorServerTest : public LinuxScreensTest {
+/// On an X server without RANDR and without shared memory.
+class PlainServerTest : public LinuxScreensTest {
 protected:
-    explicit PoorServerTest(const std::vector<std::string>& more = {})
-        : LinuxScreensTest(options(more)) {}
-
-private:
-    static std::vector<std::string> options(const std::vector<std::string>& more) {
-        std::vector<std::string> all{"-extension", "MIT-SHM", "-extension", "RANDR"};
-        all.insert(all.end(), more.begin(), more.end());
-        return all;
-    }
+    PlainServerTest() : LinuxScreensTest({"-extension", "MIT-SHM", "-extension", "RANDR"}) {}
 };
 
 } // namespace quorvane

@@ -147,7 +147,7 @@ TEST_F(LinuxScreensLeaveTest, PanelsThatLostTheirConnectionAreHarmlessWhenAnothe
     EXPECT_TRUE(comesToShow(farFromText, blue));
 }
 
-TEST_F(PoorServerTest, ChangesAfterTheConnectionHasEndedAreHarmless) {
+TEST_F(PlainServerTest, ChangesAfterTheConnectionHasEndedAreHarmless) {
     std::signal(SIGPIPE, SIG_IGN);
     const auto panel = show({.opaque = true,
                              .background = BSODView::background,
