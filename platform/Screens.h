@@ -22,7 +22,8 @@ public:
     virtual void draw(Canvas& canvas, Size size) const = 0;
 
     /// Calls `changed` when `draw` would draw something else; never by default.
-    [[nodiscard]] virtual Subscription observeChanges(std::function<void()> /*changed*/) const {
+    [[nodiscard]] virtual Subscription
+    observeChanges(const std::function<void()>& /*changed*/) const {
         return {};
     }
 };

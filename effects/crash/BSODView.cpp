@@ -1,9 +1,9 @@
 #include "effects/crash/BSODView.h"
 
 #include <algorithm>
-#include <array>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace quorvane {
 
@@ -115,14 +115,12 @@ void BSODView::drawRing(Canvas& canvas, const Layout& layout) const {
                     layout.ringCenterY() - room.height / 2, ringSize);
 }
 
-Subscription BSODView::observeChanges(std::function<void()> changed) const {
-    const auto all = std::make_shared<std::array<Subscription, 3>>(
-        std::array{m_screen->errorMessage.observe(changed), m_screen->errorCode.observe(changed),
-                   m_screen->progress.observe(changed)});
-    return Subscription([all] {
-        for (Subscription& each : *all)
-            each.cancel();
-    });
+Subscription BSODView::observeChanges(const std::function<void()>& changed) const {
+    const auto all = std::make_shared<std::vector<Subscription>>();
+    all->push_back(m_screen->errorMessage.observe(changed));
+    all->push_back(m_screen->errorCode.observe(changed));
+    all->push_back(m_screen->progress.observe(changed));
+    return Subscription([all] { all->clear(); });
 }
 
 std::string BSODView::hint() const {

@@ -30,7 +30,7 @@ public:
     [[nodiscard]] Color backLayer() const override { return background; }
 
     void draw(Canvas& canvas, Size size) const override;
-    [[nodiscard]] Subscription observeChanges(std::function<void()> changed) const override;
+    [[nodiscard]] Subscription observeChanges(const std::function<void()>& changed) const override;
 
 private:
     struct Layout;

@@ -16,7 +16,6 @@ namespace quorvane {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::internal::CaptureStderr;
 using testing::internal::GetCapturedStderr;
 using Clock = std::chrono::steady_clock;
