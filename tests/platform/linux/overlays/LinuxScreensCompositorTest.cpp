@@ -47,6 +47,8 @@ TEST_F(LinuxScreensCompositorTest, FreezeKeepsItsScreenshotWhenACompositorStarts
 
 TEST_F(LinuxScreensCompositorTest, FreezeIsPlainGreyWhenTheCompositorEnds) {
     auto compositor = m_desktop.startCompositor();
+    // It may not draw all of a window that comes up while it starts.
+    waitFor(300ms);
     const auto panel = showFreeze();
     ASSERT_TRUE(comesToShow(farFromText, veiled(red)));
     compositor.reset();

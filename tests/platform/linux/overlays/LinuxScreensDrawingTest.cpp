@@ -223,6 +223,8 @@ TEST_F(LinuxScreensTest, PointsFollowTheScaleFactor) {
         EXPECT_NEAR(rect.height, 800 / scale, 0.01);
         EXPECT_TRUE(comesToShow({1279, 799}, blue));
         EXPECT_THAT(m_desktop.panels(), ElementsAre(TestDesktop::whole));
+        EXPECT_THAT(program.line(), testing::StartsWith("up after"));
+        waitFor(100ms);
         const QImage picture = m_desktop.look();
         const QRect all = drawnIn(picture, TestDesktop::whole);
         EXPECT_GE(all.left(), std::floor(98.5 * scale));

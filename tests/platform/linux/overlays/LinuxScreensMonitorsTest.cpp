@@ -156,7 +156,8 @@ TEST_F(LinuxScreensTest, MonitorOfAnotherScaleIsCoveredExactly) {
     EXPECT_TRUE(comesToCover(rightHalf));
     EXPECT_TRUE(comesToShow({1279, 799}, blue));
     // The padding, at scale 2.
-    EXPECT_NEAR(drawnIn(m_desktop.look(), rightHalf).left(), 640 + 200, 16);
+    EXPECT_TRUE(waitUntil(
+        [&] { return std::abs(drawnIn(m_desktop.look(), rightHalf).left() - (640 + 200)) <= 16; }));
 }
 
 TEST_F(LinuxScreensTest, PointerInAWindowTellsTheMainScreenWhereNoneHasTheKeyboard) {
