@@ -37,10 +37,10 @@ bool hasTrueColors(const xcb_screen_t& screen) {
     return false;
 }
 
-/// 32 bits with alpha, as in a QImage.
-xcb_render_pictformat_t imageFormat(const X11Connection& connection) {
+/// The format of a QImage's 32-bit pixels, with or without alpha.
+xcb_render_pictformat_t imageFormat(const X11Connection& connection, xcb_pict_standard_t standard) {
     return xcb_render_util_find_standard_format(xcb_render_util_query_formats(connection.get()),
-                                                XCB_PICT_STANDARD_ARGB_32)
+                                                standard)
         ->id;
 }
 
@@ -117,7 +117,9 @@ X11OverlayWindow::X11OverlayWindow(X11Connection& connection, const Look& look)
       m_depth(m_blended ? blendedDepth : connection.screen().root_depth),
       m_visual(m_blended ? connection.visual(blendedDepth) : connection.screen().root_visual),
       m_window(xcb_generate_id(connection.get())), m_colormap(xcb_generate_id(connection.get())),
-      m_context(xcb_generate_id(connection.get())) {
+      m_context(xcb_generate_id(connection.get())),
+      m_takesImages(formatOf(connection, m_visual) ==
+                    imageFormat(connection, XCB_PICT_STANDARD_RGB_24)) {
     create(look);
     describe();
     if (!look.takesClicks)
@@ -222,14 +224,25 @@ void X11OverlayWindow::moveTo(const QRect& pixels) const {
     xcb_clear_area(m_connection.get(), 1, m_window, 0, 0, 0, 0);
 }
 
+void X11OverlayWindow::put(const QImage& picture, xcb_drawable_t target, uint8_t depth,
+                           xcb_gcontext_t context, QPoint corner) const {
+    xcb_put_image(m_connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, target, context,
+                  static_cast<uint16_t>(picture.width()), static_cast<uint16_t>(picture.height()),
+                  static_cast<int16_t>(corner.x()), static_cast<int16_t>(corner.y()), 0, depth,
+                  static_cast<uint32_t>(picture.sizeInBytes()), picture.constBits());
+}
+
 void X11OverlayWindow::show(const QImage& picture, QPoint corner) const {
+    if (m_takesImages && !picture.hasAlphaChannel()) {
+        put(picture, m_window, m_depth, m_context, corner);
+        return;
+    }
     const xcb_rectangle_t part = rectangleOf(picture.size());
-    const Pixmap source(m_connection, picture.size(), blendedDepth, imageFormat(m_connection));
+    const Pixmap source(m_connection, picture.size(), blendedDepth,
+                        imageFormat(m_connection, XCB_PICT_STANDARD_ARGB_32));
     const xcb_gcontext_t context = xcb_generate_id(m_connection.get());
     xcb_create_gc(m_connection.get(), context, source.id(), 0, nullptr);
-    xcb_put_image(m_connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, source.id(), context, part.width,
-                  part.height, 0, 0, 0, blendedDepth, static_cast<uint32_t>(picture.sizeInBytes()),
-                  picture.constBits());
+    put(picture, source.id(), blendedDepth, context, {});
     xcb_free_gc(m_connection.get(), context);
 
     // Put together out of sight, so that no half of it is ever seen.

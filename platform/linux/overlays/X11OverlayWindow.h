@@ -49,6 +49,8 @@ private:
     void create(const Look& look);
     void describe() const;
     void letClicksThrough() const;
+    void put(const QImage& picture, xcb_drawable_t target, uint8_t depth, xcb_gcontext_t context,
+             QPoint corner) const;
 
     X11Connection& m_connection;
     // Whether a compositor blends the window with what is beneath.
@@ -59,6 +61,8 @@ private:
     xcb_colormap_t m_colormap;
     // Fills with the background.
     xcb_gcontext_t m_context;
+    // Whether opaque pictures can be put into the window as they are.
+    bool m_takesImages;
 };
 
 } // namespace quorvane
