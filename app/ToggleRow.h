@@ -25,8 +25,8 @@ struct ToggleRow {
     /// The state that the switch shows. `setOn` need not change it: the feature may fail to start.
     const Observable<bool>* isOn = nullptr;
     std::function<void(bool)> setOn;
-    /// Why the feature is off although it was switched on, for the user; else empty. Null in rows
-    /// that never have a hint.
+    /// Why the feature is off although it was switched on, or cannot be noticed, for the user; else
+    /// empty. Null in rows that never have a hint.
     const Observable<std::string>* hint = nullptr;
 };
 

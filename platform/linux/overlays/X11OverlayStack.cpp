@@ -4,6 +4,7 @@
 #include <utility>
 #include <xcb/randr.h>
 #include <xcb/xcb_cursor.h>
+#include <xcb/xcb_renderutil.h>
 
 #include "platform/linux/overlays/SessionLock.h"
 #include "platform/linux/overlays/X11Monitors.h"
@@ -48,6 +49,8 @@ X11OverlayStack::~X11OverlayStack() {
     // Panels may outlive the stack, but their windows must not outlive the connection.
     for (const auto& panel : std::exchange(m_shown, {}))
         panel->orderOut();
+    // RENDER's formats are cached by the connection's address, which the next one may have too.
+    xcb_render_util_disconnect(m_connection->get());
 }
 
 xcb_cursor_t X11OverlayStack::arrow() {
