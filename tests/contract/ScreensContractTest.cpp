@@ -3,6 +3,7 @@
 #include "platform/linux/overlays/LinuxScreens.h"
 #include "platform/simulated/SimulatedScreens.h"
 #include "tests/contract/Contract.h"
+#include "tests/support/Environment.h"
 #include "tests/support/TestDesktop.h"
 #include "tests/support/Waiting.h"
 
@@ -51,6 +52,9 @@ public:
     }
 
 private:
+    // The desktop of whoever runs the tests has no say.
+    EnvironmentVariable m_systemBus{"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere"};
+    EnvironmentVariable m_sessionBus{"DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere"};
     TestDesktop m_desktop;
     LinuxScreens m_screens;
 };

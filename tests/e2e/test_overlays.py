@@ -183,6 +183,7 @@ class Freeze(OverlayTest):
         corners = [(0, 0), (self.corner[0], 0), (0, self.corner[1]), self.corner]
         shown = self.wait_for_color(VEILED, self.corner, 43)
         self.assert_within(shown, before + 20, after + 40, "the freeze")
+        self.wait_until(lambda: (~near(self.screen.capture(), VEILED)).any(), "the freeze's text")
         picture = self.screen.capture()
         self.assertTrue(self.sees(VEILED, *corners))
         self.assert_takes_clicks_but_no_keys()

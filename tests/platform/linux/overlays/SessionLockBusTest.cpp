@@ -102,14 +102,20 @@ void expectNothingBlocks(const SessionLock::Addresses& addresses) {
 }
 
 TEST_F(SessionLockBusTest, BusesThatNeverAnswerBlockNothing) {
-    const HungBus system;
-    const HungBus session;
-    expectNothingBlocks({.system = system.address(), .session = session.address()});
+    auto system = std::make_unique<HungBus>();
+    auto session = std::make_unique<HungBus>();
+    expectNothingBlocks({.system = system->address(), .session = session->address()});
+    // The threads that wait for the buses end with them.
+    system.reset();
+    session.reset();
+    waitFor(quiet);
 }
 
 TEST_F(SessionLockBusTest, ASystemBusThatNeverAnswersBlocksNothing) {
-    const HungBus system;
-    expectNothingBlocks({.system = system.address(), .session = m_session.address()});
+    auto system = std::make_unique<HungBus>();
+    expectNothingBlocks({.system = system->address(), .session = m_session.address()});
+    system.reset();
+    waitFor(quiet);
 }
 
 } // namespace
