@@ -32,7 +32,7 @@ protected:
     }
 
     /// What the screen shows when a program of its own shows an overlay at this scale factor.
-    /// `last` is where the overlay draws its last text.
+    /// `last` is where the overlay draws its last thing.
     QImage lookOf(const std::string& overlay, const QRect& last,
                   const std::string& progress = "0") {
         const ChildProcess program({"env", "QT_SCALE_FACTOR=" + std::to_string(GetParam()),
@@ -54,7 +54,7 @@ protected:
     QImage lookOfFreezeOverRed() {
         m_desktop.openMenu(all(), red);
         EXPECT_TRUE(comesToShow(pixels(1000, 700, 1, 1).topLeft(), red));
-        return lookOf("freeze", pixels(540, 420, 200, 40));
+        return lookOf("freeze", pixels(580, 312, 120, 104));
     }
 
     static QRect all() { return pixels(0, 0, 1280, 800); }
