@@ -52,7 +52,7 @@ public:
     }
 
 private:
-    // The desktop of whoever runs the tests has no say.
+    // No buses: those of the machine could say that the session is locked.
     EnvironmentVariable m_systemBus{"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere"};
     EnvironmentVariable m_sessionBus{"DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere"};
     TestDesktop m_desktop;

@@ -8,7 +8,7 @@
 
 namespace quorvane {
 
-/// Whether the displays are switched off, for example because nobody uses the machine.
+/// Whether the displays are switched off, for example after a time without input.
 /// Mutter, GNOME's compositor, tells it on the session bus. Other desktops announce a screen saver
 /// or a lock, which leave the displays on. Main thread; never blocks on the bus.
 class DisplayPower final : public QObject {

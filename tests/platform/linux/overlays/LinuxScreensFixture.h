@@ -167,7 +167,7 @@ protected:
         ASSERT_EQ(xrandr({"--setmonitor", name("right"), "640/170x800/210+640+0", "none"}), 0);
     }
 
-    // The desktop of whoever runs the tests has no say.
+    // No buses: those of the machine could say that the session is locked.
     EnvironmentVariable m_systemBus{"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere"};
     EnvironmentVariable m_sessionBus{"DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere"};
     TestDesktop m_desktop;
