@@ -89,6 +89,10 @@ public:
 
     /// Length of the sound in seconds, without repetitions.
     [[nodiscard]] virtual double duration() const = 0;
+    /// Whether there is a sound to play: false if decoding has found the file damaged, perhaps in
+    /// its middle. While the file is still being decoded, waits for the result, at most 50 ms, and
+    /// then assumes that there is.
+    [[nodiscard]] virtual bool hasSound() const = 0;
     /// Position in the sound in seconds; advances during playback, is kept by `stop`, and is 0
     /// after the end.
     [[nodiscard]] virtual double currentTime() const = 0;
@@ -103,9 +107,10 @@ public:
     virtual void setNumberOfLoops(int count) = 0;
     /// Prepares what does not need a device; false if that fails.
     virtual bool prepareToPlay() = 0;
-    /// Plays from the current time; does nothing during playback. False without an output device:
-    /// if one appears within some seconds, as after a wake-up, playback starts then, at the
-    /// position that the sound would have reached; later the request is dropped.
+    /// Plays from the current time; does nothing during playback. False without a sound. False also
+    /// without an output device: if one appears within some seconds, as after a wake-up, playback
+    /// starts then, at the position that the sound would have reached; later the request is
+    /// dropped.
     virtual bool play() = 0;
     /// Silent at once, without a click; keeps its position.
     virtual void stop() = 0;

@@ -16,6 +16,9 @@ public:
 
     [[nodiscard]] double duration() const override { return m_player.duration; }
 
+    // AVFAudio makes no player for a file that it cannot decode.
+    [[nodiscard]] bool hasSound() const override { return true; }
+
     [[nodiscard]] double currentTime() const override { return m_player.currentTime; }
 
     void setCurrentTime(double seconds) override {

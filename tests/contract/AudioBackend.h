@@ -27,6 +27,8 @@ public:
     static constexpr int goodFileFrames = 44100;
     /// The good file without its second half.
     [[nodiscard]] virtual std::filesystem::path truncatedFile() const = 0;
+    /// The sound of `clip`, stored without loss, and damaged in its middle.
+    [[nodiscard]] virtual std::filesystem::path damagedFile() const = 0;
     [[nodiscard]] virtual std::filesystem::path nonAudioFile() const = 0;
     [[nodiscard]] virtual std::filesystem::path missingFile() const = 0;
     /// The sound of `clip`, stored in 16 bits.

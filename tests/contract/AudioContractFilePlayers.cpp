@@ -153,6 +153,16 @@ TEST_P(AudioFilePlayerContract, AFileThatCannotBeDecodedGivesAnError) {
     EXPECT_THAT(errorOf(m_backend->truncatedFile()), HasSubstr("ends before its length"));
 }
 
+TEST_P(AudioFilePlayerContract, AFileThatIsDamagedInItsMiddleHasNoSound) {
+    EXPECT_TRUE(m_player->hasSound());
+    const auto player = open(m_backend->damagedFile());
+    EXPECT_NEAR(player->duration(), 0.5, 1e-9);
+    // True while it is being decoded.
+    secondsUntil([&] { return !player->hasSound(); });
+    EXPECT_FALSE(player->play());
+    EXPECT_FALSE(player->isPlaying());
+}
+
 TEST_P(AudioFilePlayerContract, OpensAndHasItsLengthWithoutADevice) {
     m_backend->setOutputDevicePresent(false);
     const auto player = open(m_backend->clipFile());

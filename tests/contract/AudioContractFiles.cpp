@@ -59,6 +59,14 @@ TEST_P(AudioContract, ATruncatedFileCannotBeReadWhole) {
     EXPECT_LT(buffer->frameLength, AudioBackend::goodFileFrames);
 }
 
+TEST_P(AudioContract, ADamagedFileCannotBeReadWhole) {
+    const auto opened = audio().openFile(m_backend->damagedFile());
+    ASSERT_TRUE(std::holds_alternative<std::shared_ptr<AudioFile>>(opened));
+    AudioFile& file = *std::get<std::shared_ptr<AudioFile>>(opened);
+    EXPECT_EQ(file.length(), 22050);
+    EXPECT_TRUE(file.read(*audio().createBuffer(stereo, 22050)));
+}
+
 TEST_P(AudioContract, ABufferNeedsChannelsAndARate) {
     EXPECT_FALSE(audio().createBuffer({.sampleRate = 44100, .channels = 0}, 10));
     EXPECT_FALSE(audio().createBuffer({.sampleRate = 0, .channels = 2}, 10));

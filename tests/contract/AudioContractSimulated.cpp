@@ -18,6 +18,7 @@ public:
         m_audio.addFile(goodFile(), format, chirp(format, goodFileFrames).samples);
         m_audio.addFile(clipFile(), clip().format, clip().samples);
         m_audio.addTruncatedFile(truncatedFile(), format, half, goodFileFrames);
+        m_audio.addDamagedFile(damagedFile(), clip().format, clip().samples);
         m_audio.addNonAudioFile(nonAudioFile());
     }
 
@@ -35,6 +36,10 @@ public:
 
     [[nodiscard]] std::filesystem::path truncatedFile() const override {
         return "/sounds/truncated.mp3";
+    }
+
+    [[nodiscard]] std::filesystem::path damagedFile() const override {
+        return "/sounds/damaged.flac";
     }
 
     [[nodiscard]] std::filesystem::path nonAudioFile() const override {

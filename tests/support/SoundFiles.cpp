@@ -1,6 +1,7 @@
 #include "tests/support/SoundFiles.h"
 
 #include <cmath>
+#include <fstream>
 #include <numbers>
 #include <stdexcept>
 #include <string>
@@ -11,6 +12,17 @@
 #include "tests/support/ChildProcess.h"
 
 namespace quorvane {
+
+namespace {
+
+void write(const std::filesystem::path& path, int format, const PCMBuffer& sound) {
+    SndfileHandle file(path.c_str(), SFM_WRITE, format, static_cast<int>(sound.format.channels),
+                       static_cast<int>(sound.format.sampleRate));
+    if (file.writef(sound.samples.data(), sound.frameLength) != sound.frameLength)
+        throw std::runtime_error("cannot write " + path.string());
+}
+
+} // namespace
 
 PCMBuffer chirp(const AudioFormat& format, std::uint32_t frames) {
     PCMBuffer buffer{.format = format,
@@ -28,11 +40,17 @@ PCMBuffer chirp(const AudioFormat& format, std::uint32_t frames) {
 }
 
 void writeWAV(const std::filesystem::path& path, const PCMBuffer& sound) {
-    SndfileHandle file(path.c_str(), SFM_WRITE, SF_FORMAT_WAV | SF_FORMAT_PCM_16,
-                       static_cast<int>(sound.format.channels),
-                       static_cast<int>(sound.format.sampleRate));
-    if (file.writef(sound.samples.data(), sound.frameLength) != sound.frameLength)
-        throw std::runtime_error("cannot write " + path.string());
+    write(path, SF_FORMAT_WAV | SF_FORMAT_PCM_16, sound);
+}
+
+void writeDamagedFLAC(const std::filesystem::path& path, const PCMBuffer& sound) {
+    write(path, SF_FORMAT_FLAC | SF_FORMAT_PCM_16, sound);
+    const auto half = static_cast<std::streamoff>(std::filesystem::file_size(path) / 2);
+    std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
+    file.seekp(half);
+    file << std::string(1000, 'x');
+    if (!file.flush())
+        throw std::runtime_error("cannot damage " + path.string());
 }
 
 void makeMP3(const std::filesystem::path& path, const PCMBuffer& sound) {

@@ -12,6 +12,9 @@ namespace quorvane {
 
 /// Writes `sound` as 16-bit WAV.
 void writeWAV(const std::filesystem::path& path, const PCMBuffer& sound);
+/// Writes `sound` as 16-bit FLAC whose middle is overwritten: the decoder finds its length and its
+/// end, but stops at the damage.
+void writeDamagedFLAC(const std::filesystem::path& path, const PCMBuffer& sound);
 /// Encodes `sound` with LAME. Throws when that fails.
 void makeMP3(const std::filesystem::path& path, const PCMBuffer& sound);
 void copyFirstHalf(const std::filesystem::path& from, const std::filesystem::path& to);

@@ -37,6 +37,8 @@ public:
     std::optional<AudioError> read(PCMBuffer& buffer) override {
         if (auto error = m_machine->fault(AudioFault::FileRead))
             return error;
+        if (m_recording.isDamaged)
+            return AudioError{"The sound file is damaged."};
         const std::size_t values = std::min(m_recording.samples.size(), buffer.samples.size());
         std::copy_n(m_recording.samples.begin(), values, buffer.samples.begin());
         buffer.frameLength = static_cast<std::uint32_t>(values / buffer.format.channels);
@@ -140,6 +142,12 @@ void SimulatedAudio::addTruncatedFile(const std::filesystem::path& path, const A
                                       std::vector<float> samples, std::int64_t claimedFrames) {
     m_machine->files[path] = {
         .format = format, .samples = std::move(samples), .claimedFrames = claimedFrames};
+}
+
+void SimulatedAudio::addDamagedFile(const std::filesystem::path& path, const AudioFormat& format,
+                                    std::vector<float> samples) {
+    addFile(path, format, std::move(samples));
+    m_machine->files.at(path).isDamaged = true;
 }
 
 void SimulatedAudio::addNonAudioFile(const std::filesystem::path& path) {

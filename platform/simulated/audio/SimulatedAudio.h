@@ -40,6 +40,10 @@ public:
     /// A file that claims `claimedFrames` but contains only `samples`.
     void addTruncatedFile(const std::filesystem::path& path, const AudioFormat& format,
                           std::vector<float> samples, std::int64_t claimedFrames);
+    /// A file that is damaged in its middle: it opens and has the length of `samples`, but cannot
+    /// be read, and its players have no sound.
+    void addDamagedFile(const std::filesystem::path& path, const AudioFormat& format,
+                        std::vector<float> samples);
     /// A file that is not a sound file.
     void addNonAudioFile(const std::filesystem::path& path);
 

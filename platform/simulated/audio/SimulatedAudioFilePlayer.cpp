@@ -26,7 +26,8 @@ SimulatedAudioFilePlayer::SimulatedAudioFilePlayer(
     RunLoop& runLoop, std::shared_ptr<SimulatedTimeline> timeline,
     std::shared_ptr<const SimulatedAudioMachine> machine, std::filesystem::path file)
     : m_runLoop(runLoop), m_timeline(std::move(timeline)), m_machine(std::move(machine)),
-      m_file(std::move(file)), m_buffer(bufferOf(m_machine->files.at(m_file))) {}
+      m_file(std::move(file)), m_hasSound(!m_machine->files.at(m_file).isDamaged),
+      m_buffer(bufferOf(m_machine->files.at(m_file))) {}
 
 SimulatedAudioFilePlayer::~SimulatedAudioFilePlayer() {
     invalidate(m_endTimer);
@@ -75,6 +76,8 @@ bool SimulatedAudioFilePlayer::prepareToPlay() {
 
 bool SimulatedAudioFilePlayer::play() {
     m_calls.emplace_back(m_machine->outputDevicePresent ? "play" : "play without device");
+    if (!m_hasSound)
+        return false;
     if (m_current)
         return true;
     m_request.reset();

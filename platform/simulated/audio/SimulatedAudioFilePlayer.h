@@ -29,6 +29,9 @@ public:
     ~SimulatedAudioFilePlayer() override;
 
     [[nodiscard]] double duration() const override;
+
+    [[nodiscard]] bool hasSound() const override { return m_hasSound; }
+
     [[nodiscard]] double currentTime() const override;
     void setCurrentTime(double seconds) override;
 
@@ -78,6 +81,7 @@ private:
     std::shared_ptr<SimulatedTimeline> m_timeline;
     std::shared_ptr<const SimulatedAudioMachine> m_machine;
     std::filesystem::path m_file;
+    bool m_hasSound;
     std::shared_ptr<const PCMBuffer> m_buffer;
     std::vector<std::string> m_calls;
     float m_volume = 1;

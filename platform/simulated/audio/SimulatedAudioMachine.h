@@ -39,6 +39,8 @@ struct SimulatedRecording {
     std::vector<float> samples;
     std::int64_t claimedFrames = 0;
     bool isAudio = true;
+    /// Found only when it is decoded.
+    bool isDamaged = false;
 };
 
 /// The audio state of the simulated machine, shared by the service and the objects that it creates,
