@@ -45,7 +45,7 @@ void FanManager::loadSound() {
 }
 
 void FanManager::start() {
-    if (m_isActive || !m_player)
+    if (m_isActive || !m_player || !m_player->hasSound())
         return;
     m_player->setCurrentTime(0);
     m_player->play();

@@ -51,7 +51,7 @@ void KeyboardCrackManager::loadSound() {
 }
 
 void KeyboardCrackManager::start() {
-    if (m_isActive || !m_player)
+    if (m_isActive || !m_player || !m_player->hasSound())
         return;
     m_hasPermission = m_platform.accessibility.isProcessTrusted();
     if (m_hasPermission) {

@@ -111,7 +111,8 @@ void StartupSoundManager::playOnLoginBoot() {
 }
 
 void StartupSoundManager::playTractor() {
-    if (!m_startupSoundEnabled || m_isPlayingTractor || !m_tractorPlayer)
+    if (!m_startupSoundEnabled || m_isPlayingTractor || !m_tractorPlayer ||
+        !m_tractorPlayer->hasSound())
         return;
     m_isPlayingTractor = true;
     m_platform.console.print("🚜 [STARTUP] Playing tractor + rumble + haptic!");

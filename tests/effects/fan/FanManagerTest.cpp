@@ -65,6 +65,19 @@ TEST_F(FanManagerTest, AnUndecodableSoundPrintsTheLoadedLineAndNothingStarts) {
     EXPECT_EQ(machine.haptics.lookups(), 0);
 }
 
+TEST_F(FanManagerTest, ADamagedSoundPrintsTheLoadedLineAndNothingStarts) {
+    machine.audio.addDamagedFile(fanPath, {.sampleRate = 1000, .channels = 1},
+                                 std::vector<float>(2000, 0.5F));
+    makeManager();
+    manager->start();
+    machine.runLoop.advance(1);
+    EXPECT_THAT(machine.console.lines, ElementsAre("✅ [FAN] fanmac.mp3 loaded"));
+    EXPECT_FALSE(manager->isActive());
+    EXPECT_THAT(machine.audio.filePlayer(0).calls(),
+                ElementsAre("loops -1", "volume 0.6", "prepare"));
+    EXPECT_EQ(machine.haptics.lookups(), 0);
+}
+
 TEST_F(FanManagerTest, TheSoundLoopsFromItsBeginningUntilItIsStopped) {
     makeManager();
     manager->start();

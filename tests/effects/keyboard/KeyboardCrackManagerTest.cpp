@@ -37,6 +37,18 @@ TEST_F(KeyboardCrackManagerTest, AnUndecodableSoundPrintsTheLoadedLineAndNothing
     EXPECT_THAT(machine.eventTaps.calls(), IsEmpty());
 }
 
+TEST_F(KeyboardCrackManagerTest, ADamagedSoundPrintsTheLoadedLineAndNothingStarts) {
+    machine.audio.addDamagedFile(crackPath, {.sampleRate = 1000, .channels = 1},
+                                 std::vector<float>(200, 0.5F));
+    machine.accessibility.trusted = false;
+    makeListening();
+    machine.runLoop.advance(10);
+    EXPECT_THAT(machine.console.lines, ElementsAre("✅ [KEYBOARD] keyboard.mp3 loaded"));
+    EXPECT_FALSE(manager->isActive());
+    EXPECT_EQ(machine.accessibility.prompts, 0);
+    EXPECT_THAT(machine.eventTaps.calls(), IsEmpty());
+}
+
 // Starting.
 
 TEST_F(KeyboardCrackManagerTest, NothingIsTappedBeforeTheStart) {

@@ -45,6 +45,19 @@ TEST_F(StartupSequenceTest, AnUndecodableClipPrintsTheLoadedLineAndNothingPlays)
     EXPECT_THAT(machine.audio.timeline(), IsEmpty());
 }
 
+TEST_F(StartupSequenceTest, ADamagedClipPrintsTheLoadedLineAndNothingPlays) {
+    machine.audio.addDamagedFile(tractorPath, {.sampleRate = 100, .channels = 1},
+                                 std::vector<float>(800, 0.25F));
+    manager = StartupSoundManager::create(machine.platform());
+    wakeUp();
+    advance(10);
+    EXPECT_THAT(machine.console.lines, ElementsAre(loadedLine, bufferLine));
+    EXPECT_FALSE(manager->isPlayingTractor());
+    EXPECT_THAT(tractor().calls(), ElementsAre("prepare"));
+    EXPECT_THAT(machine.audio.timeline(), IsEmpty());
+    EXPECT_THAT(pulses(), IsEmpty());
+}
+
 // Waking up.
 
 TEST_F(StartupSequenceTest, WakingUpPlaysEverythingAtOnceAndEndsAfterTheClipsLength) {
