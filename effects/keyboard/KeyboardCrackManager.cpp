@@ -13,6 +13,8 @@ constexpr float crackVolume = 0.5F;
 // Seconds.
 constexpr double minInterval = 0.15;
 constexpr double retryDelay = 3.0;
+// After this long without a key the output may sleep.
+constexpr double holdDuration = 15 * 60;
 
 } // namespace
 
@@ -91,7 +93,7 @@ void KeyboardCrackManager::startEventTap() {
         m_runLoopSource->addToRunLoop();
         m_eventTap->enable(true);
     }
-    m_outputHold = m_platform.audio.holdOutput();
+    holdOutput();
     m_isActive = true;
     m_hasPermission = true;
     m_platform.console.print("⌨️ [KEYBOARD] Event tap started — global monitoring active");
@@ -112,12 +114,27 @@ const TapEvent& KeyboardCrackManager::handleTapEvent(const TapEvent& event) {
 void KeyboardCrackManager::playCrack() {
     if (!m_player)
         return;
+    // A key from just before the stop still cracks.
+    if (m_isActive)
+        holdOutput();
     const double now = m_platform.runLoop.currentMediaTime();
     if (now - m_lastPlayTime < minInterval)
         return;
     m_lastPlayTime = now;
     m_player->setCurrentTime(0);
     m_player->play();
+}
+
+/// Begins the hold, or prolongs it.
+void KeyboardCrackManager::holdOutput() {
+    if (!m_outputHold)
+        m_outputHold = m_platform.audio.holdOutput();
+    invalidate(m_holdTimer);
+    m_holdTimer =
+        m_platform.runLoop.scheduledTimer(holdDuration, false, [weak = weak_from_this()](Timer&) {
+            if (const auto manager = weak.lock())
+                manager->m_outputHold.reset();
+        });
 }
 
 void KeyboardCrackManager::stop() {
@@ -127,6 +144,7 @@ void KeyboardCrackManager::stop() {
         m_runLoopSource->removeFromRunLoop();
     m_eventTap.reset();
     m_runLoopSource.reset();
+    invalidate(m_holdTimer);
     m_outputHold.reset();
     m_isActive = false;
 }

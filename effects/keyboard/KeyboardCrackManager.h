@@ -31,8 +31,8 @@ public:
 
     [[nodiscard]] Observable<bool>* hasPermission() override { return &m_hasPermission; }
 
-    /// Plays one crack, cutting the previous one short; does nothing less than 0.15 s after the
-    /// last.
+    /// Plays one crack, cutting the previous one short; silent less than 0.15 s after the last.
+    /// While the tap is installed, keeps the output ready for another 15 minutes.
     void playCrack();
 
 private:
@@ -41,6 +41,7 @@ private:
     void requestPermission();
     void retry();
     void startEventTap();
+    void holdOutput();
     static const TapEvent& handleTapEvent(const TapEvent& event);
 
     Platform m_platform;
@@ -51,8 +52,10 @@ private:
     std::shared_ptr<AudioFilePlayer> m_player;
     // Media time.
     double m_lastPlayTime = 0;
-    // Keeps the output device running, so that the first crack after a pause is not late.
+    // Keeps the output device running, so that the first crack after a pause is not late, until the
+    // timer fires.
     std::shared_ptr<AudioOutputHold> m_outputHold;
+    std::shared_ptr<Timer> m_holdTimer;
 };
 
 } // namespace quorvane
