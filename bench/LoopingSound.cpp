@@ -5,7 +5,7 @@
 
 #include <unistd.h>
 
-#include "platform/linux/audio/OpenALAudioService.h"
+#include "platform/linux/audio/PulseAudioService.h"
 
 /// The program's sound output without its window, until a signal: `looping_sound hold` keeps the
 /// output open and silent, `looping_sound FILE` plays the file over and over.
@@ -15,7 +15,7 @@ int main(int argc, char** argv) {
         std::fputs("usage: looping_sound hold|FILE\n", stderr);
         return 2;
     }
-    OpenALAudioService audio;
+    PulseAudioService audio;
     std::shared_ptr<AudioOutputHold> hold;
     std::shared_ptr<AudioFilePlayer> player;
     if (std::string_view(argv[1]) == "hold") {

@@ -42,10 +42,9 @@ if(NOT APPLE)
     if(PKG_CONFIG_FOUND)
         want_pkg_config(GLIB glib-2.0)
         want_pkg_config(KEYBOARD_ACCESS libacl libsystemd libudev)
-        # Of these two only the headers: see OpenALAudioLibrary and PulseAudioLibrary.
-        want_pkg_config(OPENAL openal)
         want_pkg_config(PULSE libpulse)
         want_pkg_config(SNDFILE sndfile)
+        want_pkg_config(SOXR soxr)
         want_pkg_config(UDEV libudev)
         want_pkg_config(XCB xcb xcb-cursor xcb-randr xcb-render xcb-renderutil
                        xcb-shape xcb-xinput)

@@ -2,7 +2,7 @@
 
 #include "platform/InProcessNotificationCenter.h"
 #include "platform/Platform.h"
-#include "platform/linux/audio/OpenALAudioService.h"
+#include "platform/linux/audio/PulseAudioService.h"
 #include "platform/linux/desktop/LinuxApplication.h"
 #include "platform/linux/haptics/LinuxHaptics.h"
 #include "platform/linux/hid/LinuxHID.h"
@@ -32,7 +32,7 @@ private:
     LinuxHID m_hid;
     LinuxSleepNotifications m_workspace;
     InProcessNotificationCenter m_defaultCenter;
-    OpenALAudioService m_audio;
+    PulseAudioService m_audio;
     LinuxEventTapService m_eventTaps;
     LinuxAccessibility m_accessibility;
     LinuxHaptics m_haptics;

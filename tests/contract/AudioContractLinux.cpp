@@ -5,7 +5,7 @@
 #include <string_view>
 #include <thread>
 
-#include "platform/linux/audio/OpenALAudioService.h"
+#include "platform/linux/audio/PulseAudioService.h"
 #include "tests/support/PulseServer.h"
 #include "tests/support/SoundFiles.h"
 #include "tests/support/TemporaryFolder.h"
@@ -22,7 +22,7 @@ public:
         m_folder.write(".alsoftrc", settings);
         // OpenAL reads .alsoftrc from HOME, which the server's constructor has set.
         unsetenv("ALSOFT_CONF"); // NOLINT(concurrency-mt-unsafe): no other thread yet.
-        m_audio = std::make_unique<OpenALAudioService>();
+        m_audio = std::make_unique<PulseAudioService>();
         writeWAV(clipFile(), clip());
         makeMP3(goodFile(), chirp({.sampleRate = 44100, .channels = 2}, goodFileFrames));
         copyFirstHalf(goodFile(), truncatedFile());
@@ -86,7 +86,7 @@ private:
     TemporaryFolder m_folder;
     PulseServer m_server{m_folder.path()};
     std::unique_ptr<PulseRecorder> m_recorder;
-    std::unique_ptr<OpenALAudioService> m_audio;
+    std::unique_ptr<PulseAudioService> m_audio;
 };
 
 } // namespace

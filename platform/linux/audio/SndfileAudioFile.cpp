@@ -12,6 +12,9 @@ namespace quorvane {
 
 namespace {
 
+// Frames that are decoded in some milliseconds.
+constexpr sf_count_t block = 65536;
+
 /// The system's reason for not opening the file, none if it opens: libsndfile has the same message
 /// for every reason.
 std::optional<AudioError> accessError(const std::filesystem::path& path) {
@@ -49,13 +52,25 @@ std::int64_t SndfileAudioFile::length() const {
 }
 
 std::optional<AudioError> SndfileAudioFile::read(PCMBuffer& buffer) {
+    return read(buffer, false);
+}
+
+std::optional<AudioError> SndfileAudioFile::read(PCMBuffer& buffer,
+                                                 const std::atomic<bool>& cancelled) {
     if (!(buffer.format == processingFormat()))
         return AudioError{m_path.string() + ": the buffer has another format"};
     sf_seek(m_file.get(), 0, SEEK_SET);
     const sf_count_t wanted = std::min<sf_count_t>(m_info.frames, buffer.frameCapacity);
-    const sf_count_t got = sf_readf_float(m_file.get(), buffer.samples.data(), wanted);
-    buffer.frameLength = static_cast<std::uint32_t>(std::max<sf_count_t>(got, 0));
-    if (got < m_info.frames)
+    sf_count_t done = 0;
+    while (done < wanted && !cancelled) {
+        float* place = &buffer.samples[static_cast<std::size_t>(done * m_info.channels)];
+        const sf_count_t got = sf_readf_float(m_file.get(), place, std::min(wanted - done, block));
+        if (got <= 0)
+            break;
+        done += got;
+    }
+    buffer.frameLength = static_cast<std::uint32_t>(done);
+    if (done < m_info.frames)
         return endsTooSoon();
     return std::nullopt;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <filesystem>
 #include <memory>
 #include <variant>
@@ -20,6 +21,8 @@ public:
     [[nodiscard]] AudioFormat processingFormat() const override;
     [[nodiscard]] std::int64_t length() const override;
     std::optional<AudioError> read(PCMBuffer& buffer) override;
+    /// The same; an error also soon after `cancelled` was set, on whatever thread.
+    std::optional<AudioError> read(PCMBuffer& buffer, const std::atomic<bool>& cancelled);
     /// Looks for the last frame without decoding those before it: a truncated file still has its
     /// full length in the header. The error if the frame is missing.
     [[nodiscard]] std::optional<AudioError> findEnd();

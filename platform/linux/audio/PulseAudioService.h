@@ -6,15 +6,14 @@
 
 namespace quorvane {
 
-class OpenALAudioOutput;
+class AudioOutput;
 
-/// Sound through OpenAL Soft, which knows the sound servers and ALSA, from files that libsndfile
-/// decodes. Sets environment variables for OpenAL, so it is to be made before the program has a
-/// second thread. Opens no device by itself.
-class OpenALAudioService final : public AudioService {
+/// Sound through the PulseAudio server, or PipeWire's in its place, from files that libsndfile
+/// decodes. Begins to connect when it is made; opens a stream when something is to sound.
+class PulseAudioService final : public AudioService {
 public:
-    OpenALAudioService();
-    ~OpenALAudioService() override;
+    PulseAudioService();
+    ~PulseAudioService() override;
 
     std::shared_ptr<AudioEngine> createEngine() override;
     std::shared_ptr<AudioPlayerNode> createPlayerNode() override;
@@ -28,8 +27,8 @@ public:
     [[nodiscard]] std::shared_ptr<AudioOutputHold> holdOutput() override;
 
 private:
-    // Shared with the engines and nodes, which may live longer.
-    std::shared_ptr<OpenALAudioOutput> m_output;
+    // Shared with the engines, nodes and players, which may live longer.
+    std::shared_ptr<AudioOutput> m_output;
 };
 
 } // namespace quorvane

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include <pulse/pulseaudio.h>
+
+#include "base/NonCopyable.h"
+#include "platform/linux/common/FileDescriptor.h"
+
+namespace quorvane {
+
+/// A main loop of libpulse and the connection to the sound server. Used on one thread, except for
+/// `wake`.
+class PulseConnection : NonCopyable {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    enum class State { None, Connecting, Connected };
+
+    PulseConnection();
+    ~PulseConnection();
+
+    /// Begins to connect; where the server is started on demand, that may take a while.
+    void connect();
+    void disconnect() { m_context.reset(); }
+
+    [[nodiscard]] State state() const;
+
+    /// While connected.
+    [[nodiscard]] pa_context& context() const { return *m_context; }
+
+    /// Waits for events of the server, for `wake`, or until `deadline`, and calls callbacks.
+    void iterate(std::optional<Clock::time_point> deadline);
+    /// Ends an `iterate`, or the next one; from any thread.
+    void wake() const;
+    /// Whether a server's socket was made since the last call.
+    [[nodiscard]] bool takeServerAppeared() { return std::exchange(m_serverAppeared, false); }
+
+private:
+    struct FreeLoop {
+        void operator()(pa_mainloop* loop) const { pa_mainloop_free(loop); }
+    };
+
+    struct CloseContext {
+        void operator()(pa_context* context) const;
+    };
+
+    void watchSocket();
+    void readSocketEvents();
+
+    std::unique_ptr<pa_mainloop, FreeLoop> m_loop;
+    std::unique_ptr<pa_context, CloseContext> m_context;
+    FileDescriptor m_wake;
+    FileDescriptor m_inotify;
+    std::string m_socketName;
+    bool m_serverAppeared = false;
+};
+
+} // namespace quorvane
