@@ -72,6 +72,8 @@ class Session:
             "DBUS_SESSION_BUS_ADDRESS": self._bus.address,
             "DBUS_SYSTEM_BUS_ADDRESS": f"unix:path={home}/no-system-bus",
             "PULSE_SERVER": self.sound.address,
+            # libpulse makes this file, in the home folder if it is not told where.
+            "PULSE_COOKIE": os.path.join(self.directory, "pulse-cookie"),
             "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
         })
         return environment
