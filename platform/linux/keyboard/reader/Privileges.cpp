@@ -66,15 +66,14 @@ std::optional<uid_t> parseUser(std::string_view text) {
     return user;
 }
 
-uid_t findAskingUser(int argumentCount) {
-    if (argumentCount != 1)
+uid_t findAskingUser(const Start& start) {
+    if (start.argumentCount != 1)
         refuse("takes no arguments");
-    if (getuid() != geteuid() || getgid() != getegid())
-        refuse("does not run with the rights of its file");
-    if (geteuid() != 0)
-        return geteuid();
-    const char* caller = std::getenv("PKEXEC_UID"); // NOLINT(concurrency-mt-unsafe): one thread.
-    const auto user = parseUser(caller ? caller : "");
+    if (start.hasRightsOfFile)
+        refuse("does not run with rights of its file");
+    if (start.user != 0)
+        return start.user;
+    const auto user = parseUser(start.pkexecUser ? start.pkexecUser : "");
     if (!user)
         refuse("runs as root only for the user that pkexec names");
     return *user;

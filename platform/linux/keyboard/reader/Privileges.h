@@ -26,9 +26,20 @@ private:
 /// A user's number as pkexec passes it on. None for anything else, and for root.
 [[nodiscard]] std::optional<uid_t> parseUser(std::string_view text);
 
+/// What the program knows of its start.
+struct Start {
+    /// As main gets it.
+    int argumentCount = 1;
+    /// Whether its file gave it rights that its caller lacks, as a setgid program's does.
+    bool hasRightsOfFile = false;
+    uid_t user = 0;
+    /// PKEXEC_UID; null if it is not set.
+    const char* pkexecUser = nullptr;
+};
+
 /// Whom the program works for: who asked pkexec for it when it runs as root, else who runs it.
-/// Throws a Refusal. `argumentCount` as main gets it.
-[[nodiscard]] uid_t findAskingUser(int argumentCount);
+/// Throws a Refusal.
+[[nodiscard]] uid_t findAskingUser(const Start& start);
 
 /// Gives up what the parent process passed on but the three standard streams, and makes sure that
 /// this process never dumps core nor gains rights. Throws a Refusal.

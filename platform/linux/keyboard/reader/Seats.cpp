@@ -69,7 +69,7 @@ std::set<std::string> LogindSeats::update() {
 
 void LogindSeats::findSessions() {
     char** names = nullptr;
-    const int count = sd_uid_get_sessions(m_user, 0, &names);
+    const int count = sd_uid_get_sessions(m_user, -1, &names);
     const auto ids = take(count, names);
     std::erase_if(m_sessions, [&ids](const auto& entry) { return !ids.contains(entry.first); });
     for (const std::string& id : ids) {

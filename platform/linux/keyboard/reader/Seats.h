@@ -60,7 +60,7 @@ private:
     std::string m_address;
     std::unique_ptr<sd_login_monitor, ReleasedBy<sd_login_monitor_unref>> m_monitor;
     std::unique_ptr<sd_bus, ReleasedBy<sd_bus_close_unref>> m_bus;
-    /// All of the user, as each may be the next one in front.
+    /// By id; all of the user, as each may be the next one in front.
     std::map<std::string, Session> m_sessions;
 };
 

@@ -2,10 +2,12 @@
 // as root once the person has agreed, or as a user who may read the keyboards. It takes nothing
 // from its caller but what pkexec itself says of them, and the two bytes of the protocol.
 
+#include <sys/auxv.h>
 #include <sys/syslog.h>
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 
 #include "platform/linux/keyboard/reader/Privileges.h"
@@ -39,7 +41,12 @@ int fail(ExitStatus status, const char* reason) {
 
 int main(int argumentCount, char** /*arguments*/) {
     try {
-        const uid_t user = findAskingUser(argumentCount);
+        const uid_t user =
+            findAskingUser({.argumentCount = argumentCount,
+                            .hasRightsOfFile = getauxval(AT_SECURE) != 0,
+                            .user = geteuid(),
+                            .pkexecUser = std::getenv(
+                                "PKEXEC_UID")}); // NOLINT(concurrency-mt-unsafe): one thread.
         dropInheritance();
         // Connected before rights are dropped.
         openlog(program, LOG_PID | LOG_NDELAY, LOG_AUTHPRIV);
