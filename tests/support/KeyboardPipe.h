@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <linux/input.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -49,6 +50,12 @@ public:
     void sendBytes(std::string_view bytes) const {
         if (write(m_descriptor, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size()))
             throw std::runtime_error("the pipe does not take this");
+    }
+
+    /// Whether all that was sent has been read.
+    [[nodiscard]] bool isEmpty() const {
+        int size = 0;
+        return ioctl(m_descriptor, FIONREAD, &size) == 0 && size == 0;
     }
 
     [[nodiscard]] static input_event make(int type, int code, int value) {
