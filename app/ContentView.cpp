@@ -16,11 +16,6 @@ constexpr double hardwareCheckPause = 1.5;
 // For screen changes by a button.
 constexpr Animation screenSpring = Animation::spring(0.4, 0.825);
 
-/// The hardware check's text for a keyboard without permission.
-std::string_view keyboardRefusal() {
-    return makeCheckRows(false, false, false).at(1).fail;
-}
-
 } // namespace
 
 ContentView::ContentView(const Platform& platform, StartupExperience& startupManager,
@@ -31,6 +26,7 @@ ContentView::ContentView(const Platform& platform, StartupExperience& startupMan
       m_floatingEmojis(FloatingEmoji::generate(emojiCount, platform.random)),
       m_startupManager(startupManager), m_self(std::make_shared<ContentView*>(this)) {
     makeToggleRows();
+    m_keyObstacleFollowed = platform.accessibility.observeObstacle([this] { showKeyObstacle(); });
     updateScreen({});
     m_autoStartToken =
         m_platform.defaultCenter.addObserver(autoStartSimulation, [this] { autoStart(); });
@@ -69,21 +65,22 @@ void ContentView::addEffectRow(SwitchedEffect& effect) {
     ToggleRow& row = m_toggleRows.emplace_back();
     row.text = effect.text;
     row.isOn = &isActive;
-    row.setOn = [this, &effect](bool on) { switchEffect(effect, on); };
+    row.setOn = [&effect](bool on) { switchEffect(effect, on); };
     row.hint = &effect.hint;
     // Permission may come while the hint is still shown.
     effect.activeFollowed = isActive.observe([&effect] { effect.hint = std::string(); });
 }
 
-void ContentView::switchEffect(SwitchedEffect& effect, bool on) const {
+void ContentView::switchEffect(SwitchedEffect& effect, bool on) {
     EffectManager& manager = *effect.manager;
     on ? manager.start() : manager.stop();
-    if (!on)
-        effect.hint = std::string();
-    else if (manager.isActive())
-        effect.hint = manager.obstacle();
-    else if (manager.hasPermission() && !m_platform.accessibility.isProcessTrusted())
-        effect.hint = std::string(keyboardRefusal());
+    effect.hint = on ? manager.obstacle() : std::string();
+}
+
+void ContentView::showKeyObstacle() {
+    for (SwitchedEffect& effect : m_effects)
+        if (effect.manager->hasPermission())
+            effect.hint = effect.manager->obstacle();
 }
 
 void ContentView::updateScreen(const Animation& animation) {

@@ -136,7 +136,6 @@ private:
     struct SwitchedEffect {
         ToggleRowText text;
         std::shared_ptr<EffectManager> manager;
-        // Only in an effect that needs permission.
         Observable<std::string> hint;
         Subscription activeFollowed;
     };
@@ -144,7 +143,8 @@ private:
     [[nodiscard]] static std::deque<SwitchedEffect> makeEffects(const std::vector<Effect>& effects);
     void makeToggleRows();
     void addEffectRow(SwitchedEffect& effect);
-    void switchEffect(SwitchedEffect& effect, bool on) const;
+    static void switchEffect(SwitchedEffect& effect, bool on);
+    void showKeyObstacle();
     void finishHardwareCheck();
     void startAnimations();
     void startFloatingAnimation();
@@ -187,6 +187,7 @@ private:
     Observable<Screen> m_screen;
     Animation m_screenAnimation;
     std::vector<ToggleRow> m_toggleRows;
+    Subscription m_keyObstacleFollowed;
     NotificationCenter::Token m_autoStartToken = 0;
     // Delayed blocks hold it weakly, so that they do nothing after the view's destruction.
     std::shared_ptr<ContentView*> m_self;

@@ -19,8 +19,8 @@ public:
     /// Does nothing when not running.
     virtual void stop() = 0;
 
-    /// What keeps the effect from being noticed although it is active, in a few words for the user;
-    /// empty if nothing does.
+    /// What keeps the effect from starting, for want of a permission that it has asked for, or from
+    /// being noticed although it is active. In a few words for the user; empty if nothing does.
     [[nodiscard]] virtual std::string obstacle() { return {}; }
 
     /// Whether the user has given the permission to listen to the keyboard, as last queried; null

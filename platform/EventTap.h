@@ -1,9 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <string>
 
 #include "base/NonCopyable.h"
+#include "base/Observable.h"
 
 namespace quorvane {
 
@@ -78,7 +81,8 @@ public:
     virtual ~EventTapService() = default;
 
     /// A tap for the event types in the mask `eventsOfInterest`; null if it cannot be made, usually
-    /// because the user has not given permission.
+    /// because the user has not given permission. Every platform delivers the presses of keys; not
+    /// every one tells of repeats, releases and modifiers.
     [[nodiscard]] virtual std::shared_ptr<EventTap>
     createTap(TapLocation location, TapPlacement placement, TapOptions options,
               std::uint64_t eventsOfInterest, TapCallback callback) = 0;
@@ -94,6 +98,17 @@ public:
     /// As `isProcessTrusted`. If the result is false and `prompt` is set, the system also shows a
     /// prompt; the call does not wait for it.
     virtual bool isProcessTrustedWithOptions(bool prompt) = 0;
+
+    /// Takes away a prompt that is still shown, where the system can, and forgets the obstacle: the
+    /// keys are not wanted any more.
+    virtual void withdrawPrompt() = 0;
+
+    /// Why the keys that were asked for are not heard and what to do about it, in a few words for
+    /// the user. Empty before the first prompt, and while nothing is known to be in the way.
+    [[nodiscard]] virtual std::string obstacle() const = 0;
+    /// Calls `observer` after each change of `obstacle` that the system tells of, as by the answer
+    /// to a prompt, until the subscription is dropped.
+    [[nodiscard]] virtual Subscription observeObstacle(std::function<void()> observer) = 0;
 };
 
 } // namespace quorvane

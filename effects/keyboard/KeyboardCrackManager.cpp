@@ -61,6 +61,7 @@ void KeyboardCrackManager::start() {
         return;
     }
     requestPermission();
+    ++m_pendingRetries;
     m_platform.runLoop.asyncAfter(retryDelay, [weak = weak_from_this()] {
         if (const auto manager = weak.lock())
             manager->retry();
@@ -72,6 +73,7 @@ void KeyboardCrackManager::requestPermission() {
 }
 
 void KeyboardCrackManager::retry() {
+    --m_pendingRetries;
     if (m_isActive)
         return;
     m_hasPermission = m_platform.accessibility.isProcessTrusted();
@@ -147,6 +149,14 @@ void KeyboardCrackManager::stop() {
     invalidate(m_holdTimer);
     m_outputHold.reset();
     m_isActive = false;
+    m_platform.accessibility.withdrawPrompt();
+}
+
+std::string KeyboardCrackManager::obstacle() {
+    // Permission that came in time needs nothing more from the user: the retry starts the tap.
+    if (!m_isActive && m_pendingRetries > 0 && m_platform.accessibility.isProcessTrusted())
+        return {};
+    return m_platform.accessibility.obstacle();
 }
 
 } // namespace quorvane

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include "base/EffectManager.h"
 #include "platform/Platform.h"
@@ -24,12 +25,15 @@ public:
     /// Starts the tap. Without permission, shows the system's prompt, and retries once after 3 s,
     /// even if `stop` is called meanwhile. Does nothing without a sound.
     void start() override;
+    /// Also takes away a prompt that is still shown.
     void stop() override;
 
     /// Whether the tap is installed; true even if its source could not be made.
     [[nodiscard]] const Observable<bool>& isActive() const override { return m_isActive; }
 
     [[nodiscard]] Observable<bool>* hasPermission() override { return &m_hasPermission; }
+
+    [[nodiscard]] std::string obstacle() override;
 
     /// Plays one crack, cutting the previous one short; silent less than 0.15 s after the last.
     /// While the tap is installed, keeps the output ready for another 15 minutes.
@@ -47,6 +51,7 @@ private:
     Platform m_platform;
     Observable<bool> m_isActive;
     Observable<bool> m_hasPermission;
+    int m_pendingRetries = 0;
     std::shared_ptr<EventTap> m_eventTap;
     std::shared_ptr<TapSource> m_runLoopSource;
     std::shared_ptr<AudioFilePlayer> m_player;

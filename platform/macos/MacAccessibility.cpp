@@ -12,7 +12,14 @@ bool MacAccessibility::isProcessTrusted() const {
     return AXIsProcessTrusted();
 }
 
+std::string MacAccessibility::obstacle() const {
+    if (!m_hasPrompted || isProcessTrusted())
+        return {};
+    return "Accessibility permission needed — enable in System Settings";
+}
+
 bool MacAccessibility::isProcessTrustedWithOptions(bool prompt) {
+    m_hasPrompted = m_hasPrompted || prompt;
     std::array<const void*, 1> keys{kAXTrustedCheckOptionPrompt};
     std::array<const void*, 1> values{prompt ? kCFBooleanTrue : kCFBooleanFalse};
     const auto options = CFRef<CFDictionaryRef>::owned(CFDictionaryCreate(

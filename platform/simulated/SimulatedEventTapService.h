@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/EventTap.h"
@@ -49,13 +50,34 @@ public:
     [[nodiscard]] bool isProcessTrusted() const override { return trusted; }
 
     bool isProcessTrustedWithOptions(bool prompt) override {
-        prompts += prompt && !trusted ? 1 : 0;
+        if (prompt && !trusted) {
+            ++prompts;
+            m_obstacle = "Accessibility permission needed — enable in System Settings";
+        }
         return trusted;
     }
 
+    void withdrawPrompt() override {
+        ++withdrawals;
+        m_obstacle = std::string();
+    }
+
+    [[nodiscard]] std::string obstacle() const override { return trusted ? "" : m_obstacle.get(); }
+
+    [[nodiscard]] Subscription observeObstacle(std::function<void()> observer) override {
+        return m_obstacle.observe(std::move(observer));
+    }
+
+    /// As by the answer to a prompt.
+    void setObstacle(std::string obstacle) { m_obstacle = std::move(obstacle); }
+
     bool trusted = false;
-    /// Number of prompts shown.
+    /// Number of prompts shown, and of calls that take them away.
     int prompts = 0;
+    int withdrawals = 0;
+
+private:
+    Observable<std::string> m_obstacle;
 };
 
 } // namespace quorvane

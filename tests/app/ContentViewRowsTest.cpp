@@ -211,13 +211,13 @@ TEST_F(ContentViewSwitchesTest, ASwitchStaysOffWhenItsEffectCannotRun) {
     EXPECT_FALSE(row("Keyboard").isOn->get());
 }
 
-TEST_F(ContentViewSwitchesTest, TheKeyboardRowHasAHintWithoutPermission) {
+TEST_F(ContentViewSwitchesTest, TheKeyboardRowSaysWhyItStaysOff) {
     makeReturningView();
     EXPECT_EQ(row("Keyboard").hint->get(), "");
     keyboard->canStart = false;
+    keyboard->whatKeepsItFromBeingNoticed = "No permission";
     row("Keyboard").setOn(true);
-    EXPECT_EQ(row("Keyboard").hint->get(),
-              "Accessibility permission needed — enable in System Settings");
+    EXPECT_EQ(row("Keyboard").hint->get(), "No permission");
     row("Keyboard").setOn(false);
     EXPECT_EQ(row("Keyboard").hint->get(), "");
 }
@@ -225,6 +225,7 @@ TEST_F(ContentViewSwitchesTest, TheKeyboardRowHasAHintWithoutPermission) {
 TEST_F(ContentViewSwitchesTest, TheHintDisappearsWhenTheKeyboardStartsLater) {
     makeReturningView();
     keyboard->canStart = false;
+    keyboard->whatKeepsItFromBeingNoticed = "No permission";
     row("Keyboard").setOn(true);
     keyboard->canStart = true;
     keyboard->start();
@@ -233,17 +234,23 @@ TEST_F(ContentViewSwitchesTest, TheHintDisappearsWhenTheKeyboardStartsLater) {
 
 TEST_F(ContentViewSwitchesTest, ThereIsNoHintIfTheKeyboardCannotStartForAnotherReason) {
     makeReturningView();
-    machine.accessibility.trusted = true;
+    machine.accessibility.trusted = false;
     keyboard->canStart = false;
     row("Keyboard").setOn(true);
     EXPECT_EQ(row("Keyboard").hint->get(), "");
 }
 
-TEST_F(ContentViewSwitchesTest, ThereIsNoHintWhileTheKeyboardIsActive) {
+TEST_F(ContentViewSwitchesTest, TheAnswerToAPromptChangesTheKeyboardsHintAndNoOther) {
     makeReturningView();
-    machine.accessibility.trusted = false;
+    keyboard->canStart = false;
     row("Keyboard").setOn(true);
-    EXPECT_TRUE(row("Keyboard").isOn->get());
+    keyboard->whatKeepsItFromBeingNoticed = "Refused";
+    bsod->whatKeepsItFromBeingNoticed = "No screen here";
+    machine.accessibility.setObstacle("Refused");
+    EXPECT_EQ(row("Keyboard").hint->get(), "Refused");
+    EXPECT_EQ(row("Stability").hint->get(), "");
+    keyboard->whatKeepsItFromBeingNoticed = "";
+    machine.accessibility.setObstacle("");
     EXPECT_EQ(row("Keyboard").hint->get(), "");
 }
 
@@ -268,7 +275,9 @@ TEST_F(ContentViewSwitchesTest, RowsOfTheListedEffectsCanHaveAHint) {
 TEST_F(ContentViewSwitchesTest, TheStopButtonClearsTheHint) {
     makeReturningView();
     keyboard->canStart = false;
+    keyboard->whatKeepsItFromBeingNoticed = "No permission";
     row("Keyboard").setOn(true);
+    EXPECT_EQ(row("Keyboard").hint->get(), "No permission");
     view->leaveSufferingMode();
     EXPECT_EQ(row("Keyboard").hint->get(), "");
 }

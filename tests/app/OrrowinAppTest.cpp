@@ -242,6 +242,27 @@ TEST_F(OrrowinAppSwitchesTest, KeyboardStaysOffWithAHintOnceTrustIsWithdrawn) {
     EXPECT_EQ(row.hint->get(), "");
 }
 
+TEST_F(OrrowinAppSwitchesTest, KeyboardWithoutItsSoundAsksNobodyAndHasNoHint) {
+    machine.audio.addNonAudioFile("sounds/keyboard.mp3");
+    enterPanel();
+    machine.accessibility.trusted = false;
+    turn("Keyboard", true);
+    const ToggleRow& row = view->toggleRows().at(1);
+    EXPECT_FALSE(row.isOn->get());
+    EXPECT_EQ(machine.accessibility.prompts, 0);
+    EXPECT_EQ(row.hint->get(), "");
+}
+
+TEST_F(OrrowinAppSwitchesTest, StopButtonTakesThePromptAway) {
+    enterPanel();
+    machine.accessibility.trusted = false;
+    turn("Keyboard", true);
+    EXPECT_EQ(machine.accessibility.prompts, 1);
+    const int before = machine.accessibility.withdrawals;
+    view->leaveSufferingMode();
+    EXPECT_EQ(machine.accessibility.withdrawals, before + 1);
+}
+
 TEST_F(OrrowinAppSwitchesTest, OverlaysThatTheDesktopCannotShowHaveAHintAndNoOtherRowHas) {
     enterPanel();
     machine.screens.setObstacle("Not on this desktop");

@@ -40,6 +40,14 @@ public:
         return result;
     }
 
+    void withdrawPrompt() override { m_real.withdrawPrompt(); }
+
+    [[nodiscard]] std::string obstacle() const override { return m_real.obstacle(); }
+
+    [[nodiscard]] Subscription observeObstacle(std::function<void()> observer) override {
+        return m_real.observeObstacle(std::move(observer));
+    }
+
 private:
     Accessibility& m_real;
 };

@@ -32,6 +32,14 @@ TEST_F(MacAccessibilityTest, TheUserIsAskedForTrustOnlyWithThePrompt) {
                     R"(AXIsProcessTrustedWithOptions({"AXTrustedCheckOptionPrompt": true}))"));
 }
 
+TEST_F(MacAccessibilityTest, TheObstacleAfterThePromptNamesTheSettingsUntilTrustIsGiven) {
+    m_accessibility.isProcessTrustedWithOptions(true);
+    EXPECT_EQ(m_accessibility.obstacle(),
+              "Accessibility permission needed — enable in System Settings");
+    fakes::machine().trusted = true;
+    EXPECT_EQ(m_accessibility.obstacle(), "");
+}
+
 } // namespace
 
 } // namespace quorvane

@@ -27,9 +27,17 @@ bool LinuxAccessibility::isProcessTrusted() const {
 
 bool LinuxAccessibility::isProcessTrustedWithOptions(bool prompt) {
     const bool isTrusted = isProcessTrusted();
-    if (prompt && !isTrusted)
+    if (prompt && !isTrusted) {
         m_prompt.show();
+        m_hasPrompted = true;
+    }
     return isTrusted;
+}
+
+std::string LinuxAccessibility::obstacle() const {
+    if (!m_hasPrompted || isProcessTrusted())
+        return {};
+    return "Accessibility permission needed — enable in System Settings";
 }
 
 } // namespace quorvane

@@ -22,9 +22,18 @@ public:
     [[nodiscard]] bool isProcessTrusted() const override;
     bool isProcessTrustedWithOptions(bool prompt) override;
 
+    void withdrawPrompt() override { m_hasPrompted = false; }
+
+    [[nodiscard]] std::string obstacle() const override;
+
+    [[nodiscard]] Subscription observeObstacle(std::function<void()> /*observer*/) override {
+        return {};
+    }
+
 private:
     Keyboards m_keyboards;
     KeyboardAccessPrompt m_prompt;
+    bool m_hasPrompted = false;
 };
 
 } // namespace quorvane

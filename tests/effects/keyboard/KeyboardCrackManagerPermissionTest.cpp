@@ -127,6 +127,67 @@ TEST_F(KeyboardCrackManagerTest, ATapThatCannotBeCreatedAtTheRetryPrintsALine) {
     EXPECT_TRUE(*manager->hasPermission());
 }
 
+TEST_F(KeyboardCrackManagerTest, ThereIsNoObstacleBeforeAPrompt) {
+    machine.accessibility.trusted = false;
+    makeManager();
+    EXPECT_EQ(manager->obstacle(), "");
+    manager->start();
+    EXPECT_EQ(manager->obstacle(), "Accessibility permission needed — enable in System Settings");
+}
+
+TEST_F(KeyboardCrackManagerTest, StoppingWithdrawsThePrompt) {
+    machine.accessibility.trusted = false;
+    makeListening();
+    EXPECT_EQ(machine.accessibility.withdrawals, 0);
+    manager->stop();
+    EXPECT_EQ(machine.accessibility.withdrawals, 1);
+    EXPECT_EQ(manager->obstacle(), "");
+}
+
+/// Trusted, with something for the user to do: as once the key reader was allowed.
+class AllowingAccessibility final : public Accessibility {
+public:
+    [[nodiscard]] bool isProcessTrusted() const override { return trusted; }
+
+    bool isProcessTrustedWithOptions(bool /*prompt*/) override { return trusted; }
+
+    void withdrawPrompt() override {}
+
+    [[nodiscard]] std::string obstacle() const override { return "Switch it on again"; }
+
+    [[nodiscard]] Subscription observeObstacle(std::function<void()> /*observer*/) override {
+        return {};
+    }
+
+    bool trusted = false;
+};
+
+TEST_F(KeyboardCrackManagerTest, PermissionThatComesBeforeTheRetryNeedsNothingMore) {
+    AllowingAccessibility accessibility;
+    manager = KeyboardCrackManager::create(
+        exchange(machine.platform(), {.accessibility = &accessibility}));
+    manager->start();
+    EXPECT_EQ(manager->obstacle(), "Switch it on again");
+    accessibility.trusted = true;
+    EXPECT_EQ(manager->obstacle(), "");
+    machine.runLoop.advance(3);
+    EXPECT_TRUE(manager->isActive());
+    manager.reset();
+}
+
+TEST_F(KeyboardCrackManagerTest, PermissionThatComesAfterTheRetryTakesAnotherStart) {
+    AllowingAccessibility accessibility;
+    manager = KeyboardCrackManager::create(
+        exchange(machine.platform(), {.accessibility = &accessibility}));
+    manager->start();
+    machine.runLoop.advance(3);
+    accessibility.trusted = true;
+    EXPECT_EQ(manager->obstacle(), "Switch it on again");
+    manager->start();
+    EXPECT_TRUE(manager->isActive());
+    manager.reset();
+}
+
 /// A permission that is given at the prompt.
 class WillingAccessibility final : public Accessibility {
 public:
@@ -136,6 +197,14 @@ public:
         prompts += prompt ? 1 : 0;
         trusted = trusted || prompt;
         return trusted;
+    }
+
+    void withdrawPrompt() override {}
+
+    [[nodiscard]] std::string obstacle() const override { return {}; }
+
+    [[nodiscard]] Subscription observeObstacle(std::function<void()> /*observer*/) override {
+        return {};
     }
 
     bool trusted = false;

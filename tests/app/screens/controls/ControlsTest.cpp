@@ -150,7 +150,9 @@ TEST_F(Controls, AnInfoButtonTakesClicksBesideItsSymbol) {
 }
 
 TEST_F(Controls, AHintIsYellowAndMakesRoomForItself) {
+    constexpr auto hint = "Accessibility permission needed — enable in System Settings";
     m_keyboard->canStart = false;
+    m_keyboard->whatKeepsItFromBeingNoticed = hint;
     launchIntoControlPanel();
     const QRectF below(98, placeOf("Keyboard").bottom() + 1, 382, 9);
     const QColor night = at(below.topLeft() - QPointF(4, 0));
@@ -158,7 +160,6 @@ TEST_F(Controls, AHintIsYellowAndMakesRoomForItself) {
     EXPECT_EQ(countOf(hintColor, below, 30), 0);
     toggle("Keyboard");
     settle();
-    constexpr auto hint = "Accessibility permission needed — enable in System Settings";
     ASSERT_TRUE(text(hint));
     EXPECT_TRUE(text(hint)->isVisible());
     EXPECT_EQ(
@@ -170,6 +171,7 @@ TEST_F(Controls, AHintIsYellowAndMakesRoomForItself) {
     EXPECT_LE(place.bottom(), placeOf("Thermals").top());
     EXPECT_GT(countOf(hintColor, place, 3), 40);
     m_keyboard->canStart = true;
+    m_keyboard->whatKeepsItFromBeingNoticed = "";
     toggle("Keyboard");
     settle();
     EXPECT_FALSE(text(hint));

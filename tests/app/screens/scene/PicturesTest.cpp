@@ -127,6 +127,8 @@ TEST_F(Pictures, TheControlPanelIsInColour) {
     settle();
     savePicture("control-panel-glow-focus");
     m_keyboard->canStart = false;
+    m_keyboard->whatKeepsItFromBeingNoticed =
+        "Accessibility permission needed — enable in System Settings";
     toggle("Keyboard");
     settle();
     savePicture("control-panel-hint");

@@ -71,12 +71,15 @@ TEST_F(Accessibility, SymbolsAreHiddenFromScreenReaders) {
 
 TEST_F(Accessibility, AHintIsTheSwitchsDescription) {
     m_keyboard->canStart = false;
+    m_keyboard->whatKeepsItFromBeingNoticed =
+        "Accessibility permission needed — enable in System Settings";
     launchIntoControlPanel();
     EXPECT_EQ(element("Keyboard")->text(QAccessible::Description), "");
     toggle("Keyboard");
     EXPECT_EQ(element("Keyboard")->text(QAccessible::Description),
               "Accessibility permission needed — enable in System Settings");
     m_keyboard->canStart = true;
+    m_keyboard->whatKeepsItFromBeingNoticed = "";
     toggle("Keyboard");
     EXPECT_EQ(element("Keyboard")->text(QAccessible::Description), "");
 }
