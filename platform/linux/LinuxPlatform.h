@@ -6,6 +6,7 @@
 #include "platform/linux/desktop/LinuxApplication.h"
 #include "platform/linux/haptics/LinuxHaptics.h"
 #include "platform/linux/hid/LinuxHID.h"
+#include "platform/linux/keyboard/KeyReaderProcess.h"
 #include "platform/linux/keyboard/LinuxAccessibility.h"
 #include "platform/linux/keyboard/LinuxEventTapService.h"
 #include "platform/linux/overlays/LinuxScreens.h"
@@ -33,8 +34,9 @@ private:
     LinuxSleepNotifications m_workspace;
     InProcessNotificationCenter m_defaultCenter;
     PulseAudioService m_audio;
-    LinuxEventTapService m_eventTaps;
-    LinuxAccessibility m_accessibility;
+    KeyReaderProcess m_keyReader;
+    LinuxEventTapService m_eventTaps{m_keyReader};
+    LinuxAccessibility m_accessibility{m_keyReader};
     LinuxHaptics m_haptics;
     LinuxScreens m_screens;
     LinuxApplication m_application;

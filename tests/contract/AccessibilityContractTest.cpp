@@ -39,7 +39,10 @@ public:
 private:
     TemporaryFolder m_root;
     EnvironmentVariable m_session{"WAYLAND_DISPLAY", "wayland-0"};
-    LinuxAccessibility m_accessibility{[this] { return std::vector{m_root.path() / "event0"}; }};
+    KeyReaderProcess m_reader{
+        [] { return KeyReaderPlaces{.own = "/some/reader", .installed = {}}; },
+        [this] { return std::vector{m_root.path() / "event0"}; }};
+    LinuxAccessibility m_accessibility{m_reader};
 };
 
 class MacBackend final : public AccessibilityBackend {
@@ -62,6 +65,20 @@ TEST_P(AccessibilityContract, TrustIsReadAtEachCall) {
     EXPECT_TRUE(m_backend->accessibility().isProcessTrusted());
     m_backend->setTrusted(false);
     EXPECT_FALSE(m_backend->accessibility().isProcessTrusted());
+}
+
+TEST_P(AccessibilityContract, OnlyWhoWasPromptedInVainHasAnObstacle) {
+    Accessibility& accessibility = m_backend->accessibility();
+    m_backend->setTrusted(false);
+    EXPECT_FALSE(accessibility.isProcessTrustedWithOptions(false));
+    EXPECT_EQ(accessibility.obstacle(), "");
+    EXPECT_FALSE(accessibility.isProcessTrustedWithOptions(true));
+    EXPECT_NE(accessibility.obstacle(), "");
+    accessibility.withdrawPrompt();
+    EXPECT_EQ(accessibility.obstacle(), "");
+    m_backend->setTrusted(true);
+    EXPECT_TRUE(accessibility.isProcessTrustedWithOptions(true));
+    EXPECT_EQ(accessibility.obstacle(), "");
 }
 
 INSTANTIATE_TEST_SUITE_P(Simulated, AccessibilityContract, on<SimulatedBackend>());

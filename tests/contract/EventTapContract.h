@@ -33,6 +33,7 @@ struct HeardEvent {
     bool operator==(const HeardEvent&) const = default;
 };
 
+/// What every implementation promises: it tells of the presses of keys.
 class EventTapContract : public Contract<EventTapBackend> {
 protected:
     static constexpr std::uint64_t keyDowns = tapEventMask(TapEventType::KeyDown);
@@ -42,9 +43,9 @@ protected:
     EventTapContract();
 
     /// A disabled tap without a source.
-    std::shared_ptr<EventTap> makeTap(std::uint64_t events = everything);
+    std::shared_ptr<EventTap> makeTap(std::uint64_t events = keyDowns);
     /// Makes an enabled tap with its source on the run loop.
-    void startToListen(std::uint64_t events = everything);
+    void startToListen(std::uint64_t events = keyDowns);
     void typeKey();
     /// What has been heard since the last call.
     std::vector<HeardEvent> heard();
@@ -52,5 +53,8 @@ protected:
     std::shared_ptr<EventTap> m_tap;
     std::shared_ptr<TapSource> m_source;
 };
+
+/// What those promise that tell of repeats, releases and modifiers too.
+class EventKindsContract : public EventTapContract {};
 
 } // namespace quorvane

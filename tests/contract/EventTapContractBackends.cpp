@@ -1,16 +1,15 @@
 #include <cstdint>
-#include <linux/input.h>
 #include <optional>
+#include <vector>
 
-#include "platform/linux/keyboard/EvdevKeyReader.h"
 #include "platform/linux/keyboard/LinuxEventTapService.h"
 #include "platform/simulated/SimulatedEventTapService.h"
 #include "tests/contract/EventTapContract.h"
-#include "tests/support/KeyboardPipe.h"
-#include "tests/support/PluggedKeyboards.h"
+#include "tests/support/Environment.h"
 #include "tests/support/QtApplication.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/support/StandInReader.h"
 #include "tests/support/VirtualDisplay.h"
+#include "tests/support/Waiting.h"
 
 namespace quorvane {
 
@@ -84,60 +83,47 @@ private:
     QtApplication m_application;
     EnvironmentVariable m_noWayland{"WAYLAND_DISPLAY", std::nullopt};
     VirtualDisplay m_display;
-    LinuxEventTapService m_taps;
+    KeyReaderProcess m_reader;
+    LinuxEventTapService m_taps{m_reader};
 };
 
-/// Taps on a keyboard whose event node is a pipe. Only one reader of a pipe gets each event, so
-/// each tap has its own.
-class PipeTaps final : public EventTapService {
-public:
-    [[nodiscard]] std::shared_ptr<EventTap> createTap(TapLocation, TapPlacement, TapOptions,
-                                                      std::uint64_t events,
-                                                      TapCallback callback) override {
-        const auto name = "event" + std::to_string(m_keyboards.size());
-        m_keyboards.push_back(std::make_unique<KeyboardPipe>(m_folder.path() / name));
-        m_plugged.push_back(std::make_unique<PluggedKeyboards>());
-        m_plugged.back()->plugIn(m_keyboards.back()->node());
-        return LinuxEventTap::create(events, callback, [this](KeyEventReader::Sink sink) {
-            return EvdevKeyReader::open(
-                std::make_unique<PluggedKeyboards::Nodes>(*m_plugged.back()), std::move(sink));
-        });
-    }
-
-    void send(int key, int value) {
-        for (const auto& keyboard : m_keyboards)
-            keyboard->send(key, value);
-        processEvents();
-    }
-
-private:
-    TemporaryFolder m_folder;
-    std::vector<std::unique_ptr<KeyboardPipe>> m_keyboards;
-    std::vector<std::unique_ptr<PluggedKeyboards>> m_plugged;
-};
-
-class EvdevBackend final : public EventTapBackend {
+/// A Wayland session with a stand-in for the key reader, which passes on presses only.
+class ReaderBackend final : public EventTapBackend {
 public:
     EventTapService& service() override { return m_taps; }
 
-    void pressKey() override { m_taps.send(KEY_A, 1); }
+    void pressKey() override {
+        waitUntil([this] { return m_reader.isRunning(); });
+        m_standIn.send("k");
+        waitUntil([this] { return m_arrived > 0; });
+        m_arrived = 0;
+    }
 
-    void releaseKey() override { m_taps.send(KEY_A, 0); }
+    void releaseKey() override {}
 
-    void repeatKey() override { m_taps.send(KEY_A, 2); }
+    void repeatKey() override {}
 
-    void pressShift() override { m_taps.send(KEY_LEFTSHIFT, 1); }
+    void pressShift() override {}
 
-    void releaseShift() override { m_taps.send(KEY_LEFTSHIFT, 0); }
+    void releaseShift() override {}
 
 private:
     QtApplication m_application;
-    PipeTaps m_taps;
+    EnvironmentVariable m_wayland{"WAYLAND_DISPLAY", "wayland-0"};
+    StandInReader m_standIn;
+    KeyReaderProcess m_reader{
+        [this] { return KeyReaderPlaces{.own = m_standIn.program(), .installed = {}}; },
+        [this] { return std::vector{m_standIn.readableNode()}; }};
+    LinuxEventTapService m_taps{m_reader};
+    int m_arrived = 0;
+    Subscription m_counted = m_reader.listen([this] { ++m_arrived; });
 };
 
 INSTANTIATE_TEST_SUITE_P(Simulated, EventTapContract, on<SimulatedBackend>());
 INSTANTIATE_TEST_SUITE_P(LinuxX11, EventTapContract, on<X11Backend>());
-INSTANTIATE_TEST_SUITE_P(LinuxEvdev, EventTapContract, on<EvdevBackend>());
+INSTANTIATE_TEST_SUITE_P(LinuxReader, EventTapContract, on<ReaderBackend>());
+INSTANTIATE_TEST_SUITE_P(Simulated, EventKindsContract, on<SimulatedBackend>());
+INSTANTIATE_TEST_SUITE_P(LinuxX11, EventKindsContract, on<X11Backend>());
 
 } // namespace
 

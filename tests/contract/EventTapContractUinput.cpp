@@ -1,5 +1,5 @@
-// Runs the contract on a keyboard made through /dev/uinput and found by udev. The cases fail
-// without either.
+// Runs the contract with the key reader on a keyboard made through /dev/uinput and found by udev.
+// The cases fail without either, and for a user who may not read keyboards.
 
 #include <fcntl.h>
 #include <linux/uinput.h>
@@ -12,8 +12,8 @@
 #include <string>
 
 #include "base/NonCopyable.h"
+#include "platform/linux/keyboard/KeyboardNodes.h"
 #include "platform/linux/keyboard/LinuxEventTapService.h"
-#include "platform/linux/keyboard/UdevKeyboardWatcher.h"
 #include "tests/contract/EventTapContract.h"
 #include "tests/support/Environment.h"
 #include "tests/support/KeyboardPipe.h"
@@ -36,14 +36,14 @@ public:
         std::strncpy(std::begin(setup.name), "contract keyboard", sizeof setup.name - 1);
         if (ioctl(m_descriptor, UI_DEV_SETUP, &setup) < 0 || ioctl(m_descriptor, UI_DEV_CREATE) < 0)
             throw std::runtime_error("the kernel makes no keyboard");
-        if (!waitUntil([] { return !UdevKeyboardWatcher::list().empty(); }))
+        if (!waitUntil([] { return !listKeyboardNodes().empty(); }))
             throw std::runtime_error("udev does not find the keyboard");
     }
 
     ~UinputKeyboard() {
         close(m_descriptor);
         // So that the next case finds only its own.
-        waitUntil([] { return UdevKeyboardWatcher::list().empty(); });
+        waitUntil([] { return listKeyboardNodes().empty(); });
     }
 
     void send(int key, int value) const {
@@ -72,16 +72,18 @@ public:
     void releaseShift() override { send(KEY_LEFTSHIFT, 0); }
 
 private:
+    /// Events go to the taps that are enabled at delivery, so they are delivered at once.
     void send(int key, int value) {
+        waitUntil([this] { return m_reader.isRunning(); });
         m_keyboard.send(key, value);
-        for (int turn = 0; turn < 3; ++turn)
-            QCoreApplication::processEvents();
+        waitFor(50ms);
     }
 
     QtApplication m_application;
     EnvironmentVariable m_wayland{"WAYLAND_DISPLAY", "wayland-0"};
     UinputKeyboard m_keyboard;
-    LinuxEventTapService m_taps;
+    KeyReaderProcess m_reader;
+    LinuxEventTapService m_taps{m_reader};
 };
 
 INSTANTIATE_TEST_SUITE_P(LinuxUinput, EventTapContract, on<UinputBackend>());

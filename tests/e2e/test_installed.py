@@ -14,11 +14,11 @@ from harness import BUILD, LOADED, REPOSITORY, EndToEndTest, wait_until
 FILES = {
     "bin/quorvane",
     "lib/udev/rules.d/70-quorvane.rules",
-    "libexec/quorvane-keyboard-access",
+    "libexec/quorvane-key-reader",
     "share/applications/quorvane.desktop",
     "share/doc/quorvane/LICENSE",
     "share/icons/hicolor/scalable/apps/quorvane.svg",
-    "share/polkit-1/actions/org.quorvane.keyboard-access.policy",
+    "share/polkit-1/actions/org.quorvane.key-reader.policy",
     "share/quorvane/creaking.mp3",
     "share/quorvane/fanmac.mp3",
     "share/quorvane/keyboard.mp3",
@@ -72,9 +72,9 @@ class Installed(EndToEndTest):
 
     def test_polkit_policy_names_the_installed_program(self):
         policy = xml.etree.ElementTree.parse(
-            self.prefix / "share/polkit-1/actions/org.quorvane.keyboard-access.policy")
+            self.prefix / "share/polkit-1/actions/org.quorvane.key-reader.policy")
         program = policy.find(".//annotate[@key='org.freedesktop.policykit.exec.path']").text
-        self.assertEqual(program, "/usr/libexec/quorvane-keyboard-access")
+        self.assertEqual(program, "/usr/libexec/quorvane-key-reader")
         rights = [policy.find(f".//{who}").text
                   for who in ("allow_any", "allow_inactive", "allow_active")]
         self.assertEqual(rights, ["no", "no", "auth_admin"])

@@ -42,9 +42,9 @@ class Configuration(unittest.TestCase):
     def test_a_release_is_hardened_and_does_not_contain_the_source_path(self):
         folder = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory()))
         for command in (["cmake", "--preset", "release", "-B", folder],
-                        ["cmake", "--build", folder, "--target", "quorvane-keyboard-access"]):
+                        ["cmake", "--build", folder, "--target", "quorvane-key-reader"]):
             subprocess.run(command, cwd=ROOT, check=True, capture_output=True)
-        program = folder / "quorvane-keyboard-access"
+        program = folder / "quorvane-key-reader"
         facts = subprocess.run(["readelf", "-Whdls", program], check=True, capture_output=True,
                                text=True).stdout
         for fact in ("Position-Independent Executable", "BIND_NOW", "GNU_RELRO", "__stack_chk_fail"):

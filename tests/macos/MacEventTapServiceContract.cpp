@@ -30,6 +30,7 @@ private:
 };
 
 INSTANTIATE_TEST_SUITE_P(MacFake, EventTapContract, on<MacBackend>());
+INSTANTIATE_TEST_SUITE_P(MacFake, EventKindsContract, on<MacBackend>());
 
 } // namespace
 

@@ -1,39 +1,33 @@
 #pragma once
 
-#include <filesystem>
 #include <functional>
-#include <vector>
+#include <string>
 
 #include "platform/EventTap.h"
-#include "platform/linux/keyboard/KeyboardAccessPrompt.h"
-#include "platform/linux/keyboard/UdevKeyboardWatcher.h"
+#include "platform/linux/keyboard/KeyReaderProcess.h"
 
 namespace quorvane {
 
-/// Whether keys may be listened to. Under X11 any client may; in a Wayland session only a process
-/// that can read the event node of a keyboard.
+/// Whether keys may be listened to. Under X11 any client may; in a Wayland session there is the key
+/// reader, which must run or be one that can be started without a question.
 class LinuxAccessibility final : public Accessibility {
 public:
-    /// The event nodes of the machine's keyboards.
-    using Keyboards = std::function<std::vector<std::filesystem::path>()>;
-
-    explicit LinuxAccessibility(Keyboards keyboards = &UdevKeyboardWatcher::list);
+    /// `reader` outlives it.
+    explicit LinuxAccessibility(KeyReaderProcess& reader) : m_reader(reader) {}
 
     [[nodiscard]] bool isProcessTrusted() const override;
     bool isProcessTrustedWithOptions(bool prompt) override;
 
-    void withdrawPrompt() override { m_hasPrompted = false; }
+    void withdrawPrompt() override { m_reader.withdraw(); }
 
-    [[nodiscard]] std::string obstacle() const override;
+    [[nodiscard]] std::string obstacle() const override { return m_reader.obstacle(); }
 
-    [[nodiscard]] Subscription observeObstacle(std::function<void()> /*observer*/) override {
-        return {};
+    [[nodiscard]] Subscription observeObstacle(std::function<void()> observer) override {
+        return m_reader.obstacle().observe(std::move(observer));
     }
 
 private:
-    Keyboards m_keyboards;
-    KeyboardAccessPrompt m_prompt;
-    bool m_hasPrompted = false;
+    KeyReaderProcess& m_reader;
 };
 
 } // namespace quorvane

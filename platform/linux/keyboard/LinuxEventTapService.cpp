@@ -3,19 +3,31 @@
 #include <QtGlobal>
 #include <utility>
 
-#include "platform/linux/keyboard/EvdevKeyReader.h"
-#include "platform/linux/keyboard/UdevKeyboardWatcher.h"
 #include "platform/linux/keyboard/X11KeyReader.h"
 
 namespace quorvane {
 
 namespace {
 
-std::unique_ptr<KeyEventReader> makeReader(KeyEventReader::Sink sink) {
-    if (isX11Session())
-        return X11KeyReader::open(std::move(sink));
-    return EvdevKeyReader::open(std::make_unique<UdevKeyboardWatcher>(), std::move(sink));
-}
+/// The key presses that the key reader tells of.
+class ReadKeys final : public KeyEventReader {
+public:
+    ReadKeys(KeyReaderProcess& reader, Sink sink) : m_reader(reader), m_sink(std::move(sink)) {}
+
+    void setReading(bool reading) override {
+        if (!reading)
+            m_listening.cancel();
+        else if (!m_reads)
+            m_listening = m_reader.listen([this] { m_sink({.type = TapEventType::KeyDown}); });
+        m_reads = reading;
+    }
+
+private:
+    KeyReaderProcess& m_reader;
+    Sink m_sink;
+    Subscription m_listening;
+    bool m_reads = false;
+};
 
 class Source final : public TapSource {
 public:
@@ -44,7 +56,15 @@ std::shared_ptr<EventTap> LinuxEventTapService::createTap(TapLocation /*location
                                                           TapOptions /*options*/,
                                                           std::uint64_t eventsOfInterest,
                                                           TapCallback callback) {
-    return LinuxEventTap::create(eventsOfInterest, callback, &makeReader);
+    return LinuxEventTap::create(
+        eventsOfInterest, callback,
+        [this](KeyEventReader::Sink sink) -> std::unique_ptr<KeyEventReader> {
+            if (isX11Session())
+                return X11KeyReader::open(std::move(sink));
+            if (!m_reader.start())
+                return nullptr;
+            return std::make_unique<ReadKeys>(m_reader, std::move(sink));
+        });
 }
 
 struct LinuxEventTap::Delivery {

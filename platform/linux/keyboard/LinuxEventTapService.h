@@ -5,6 +5,7 @@
 
 #include "platform/EventTap.h"
 #include "platform/linux/keyboard/KeyEventReader.h"
+#include "platform/linux/keyboard/KeyReaderProcess.h"
 
 namespace quorvane {
 
@@ -12,14 +13,20 @@ namespace quorvane {
 /// X11 programs, but keys reach it only while one of them has the focus.
 [[nodiscard]] bool isX11Session();
 
-/// Key events of the session: from the X server in an X11 session, else from the keyboards' event
-/// nodes.
+/// Key events of the session: from the X server in an X11 session, else, key presses only, from the
+/// key reader.
 class LinuxEventTapService final : public EventTapService {
 public:
+    /// `reader` outlives it and its taps.
+    explicit LinuxEventTapService(KeyReaderProcess& reader) : m_reader(reader) {}
+
     [[nodiscard]] std::shared_ptr<EventTap> createTap(TapLocation location, TapPlacement placement,
                                                       TapOptions options,
                                                       std::uint64_t eventsOfInterest,
                                                       TapCallback callback) override;
+
+private:
+    KeyReaderProcess& m_reader;
 };
 
 /// A tap on a reader's key events. Its source shares the reader, and makes it read while on the run

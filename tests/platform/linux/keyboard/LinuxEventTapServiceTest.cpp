@@ -40,8 +40,8 @@ class LinuxEventTapServiceTest : public testing::Test {
 protected:
     LinuxEventTapServiceTest() { heardEvents.clear(); }
 
-    [[nodiscard]] static std::shared_ptr<EventTap> createTap() {
-        LinuxEventTapService taps;
+    [[nodiscard]] std::shared_ptr<EventTap> createTap() {
+        LinuxEventTapService taps(m_reader);
         return taps.createTap(TapLocation::Session, TapPlacement::HeadInsert,
                               TapOptions::ListenOnly, ~std::uint64_t{0}, &hear);
     }
@@ -64,6 +64,8 @@ protected:
     QtApplication m_application;
     EnvironmentVariable m_noWayland{"WAYLAND_DISPLAY", std::nullopt};
     VirtualDisplay m_display;
+    KeyReaderProcess m_reader{[] { return KeyReaderPlaces(); },
+                              [] { return std::vector<std::filesystem::path>(); }};
     std::shared_ptr<EventTap> m_tap;
     std::shared_ptr<TapSource> m_source;
 };
@@ -136,7 +138,7 @@ TEST_F(LinuxEventTapServiceTest, AKeyThatWasDownBeforeIsNoPressUntilItIsReleased
 TEST_F(LinuxEventTapServiceTest, NothingIsOpenBeforeOrAfterTheTap) {
     QCoreApplication::processEvents();
     const auto before = openDescriptors();
-    const LinuxEventTapService taps;
+    const LinuxEventTapService taps(m_reader);
     EXPECT_EQ(openDescriptors(), before);
     startToListen();
     EXPECT_EQ(openDescriptors().size(), before.size() + 1);
@@ -182,17 +184,8 @@ TEST_F(LinuxEventTapServiceTest, AWaylandSessionIsNotHeardThroughXwayland) {
     const EnvironmentVariable wayland("WAYLAND_DISPLAY", "wayland-0");
     QCoreApplication::processEvents();
     const auto before = openDescriptors();
-    m_tap = createTap();
-    if (m_tap) { // On a machine with keyboards whose nodes this process may read.
-        m_source = m_tap->createRunLoopSource(0);
-        m_source->addToRunLoop();
-        m_tap->enable(true);
-    } else {
-        EXPECT_EQ(openDescriptors(), before);
-    }
-    m_display.press(letter);
-    m_display.release(letter);
-    EXPECT_THAT(heard(), IsEmpty());
+    EXPECT_FALSE(createTap());
+    EXPECT_EQ(openDescriptors(), before);
 }
 
 bool isX11SessionWith(const std::optional<std::string>& x11,
