@@ -13,6 +13,7 @@ from virtual_desktop.buses import AccessibilityBus, Bus
 from virtual_desktop.display import Display
 from virtual_desktop.program import Program
 from virtual_desktop.recording import LiveRecording
+from virtual_desktop.sound_server import SoundServer
 
 from standstill import Watch
 
@@ -20,10 +21,12 @@ RATE = 48000
 TIMEOUT = 60.0
 """The timeout, in seconds, of what takes a second or two on real hardware."""
 
-# The program plays to one end of the loopback, the recorder reads from the other.
+# The sound server plays to one end of the loopback, the recorder reads from the other. The sink is
+# scheduled by timers and written anew after a change, as with a notebook's sound card.
+SINK = "module-alsa-sink device=hw:Loopback,0 tsched=1"
+BY_TIMERS = "Successfully enabled timer-based scheduling mode."
 ALSA_CONFIG = """
 </usr/share/alsa/alsa.conf>
-pcm.!default { type hw card Loopback device 0 subdevice 0 }
 pcm.lab_recorder {
     type plug
     slave { pcm "hw:Loopback,1,0" format S16_LE rate 48000 channels 2 }
@@ -32,7 +35,7 @@ pcm.lab_recorder {
 
 
 class Desktop:
-    """A display, a session bus with accessibility, and the sound loopback."""
+    """A display, a session bus with accessibility, and a sound server on the sound loopback."""
 
     def __init__(self, directory, stack):
         self.env = processes.base_environment(str(directory))
@@ -40,7 +43,6 @@ class Desktop:
         alsa.write_text(ALSA_CONFIG, encoding="utf-8")
         self.env.update({
             "ALSA_CONFIG_PATH": str(alsa),
-            "ALSOFT_DRIVERS": "alsa",
             "DBUS_SYSTEM_BUS_ADDRESS": f"unix:path={directory}/no-system-bus",
             "QT_QUICK_BACKEND": "software",
             "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
@@ -50,6 +52,11 @@ class Desktop:
         self.env["DISPLAY"] = self.display.name
         self.accessibility = AccessibilityBus(self.env, bus.address, stack)
         self.env["DBUS_SESSION_BUS_ADDRESS"] = bus.address
+        sound = SoundServer(self.env, str(directory / "sound"), SINK)
+        sound.start(stack)
+        if not any(BY_TIMERS in line for line in sound.log.text):
+            raise RuntimeError("the sound server does not schedule by timers")
+        self.env["PULSE_SERVER"] = sound.address
 
     def record(self, log, stack):
         """Starts to record from the loopback; the file `log` names lost samples."""

@@ -1,4 +1,4 @@
-"""A sound server with a null sink, its output recorded and its dropouts counted."""
+"""A sound server with one sink, its output recorded and its dropouts counted."""
 
 import math
 import os
@@ -20,17 +20,19 @@ SETTLED = 0.1
 
 
 class SoundServer:
-    """A PulseAudio of our own with one null sink.
+    """A PulseAudio of our own with one sink, by default a null sink.
 
     `directory` is a folder that this server alone uses; clients find it through `address`, which
-    is known before `start`, so that a server can also come late.
+    is known before `start`, so that a server can also come late. `sink` is the sink's module with
+    its arguments.
     """
 
-    SINK = "quorvane_null"
+    SINK = "quorvane_sink"
     RATE = 48000
 
-    def __init__(self, env, directory):
+    def __init__(self, env, directory, sink="module-null-sink"):
         self._directory = directory
+        self._sink = sink
         socket = os.path.join(directory, "native")
         self.address = f"unix:{socket}"
         self._env = dict(env, PULSE_SERVER=self.address, PULSE_RUNTIME_PATH=directory,
@@ -44,11 +46,11 @@ class SoundServer:
             ["pulseaudio", "-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1",
              "--disallow-exit", "--realtime=no", "--high-priority=no", "--log-level=debug",
              "--log-target=stderr",
-             "-L", f"module-null-sink sink_name={self.SINK} rate={self.RATE} channels=2",
+             "-L", f"{self._sink} sink_name={self.SINK} rate={self.RATE} channels=2",
              "-L", f"module-native-protocol-unix auth-anonymous=1 socket={self._socket}"],
             self._env, stack)
         self.server_pid = server.process.pid
-        self._log = server.log
+        self.log = server.log
         server.wait_until(self._answers, "the sound server")
 
     def _answers(self):
@@ -61,7 +63,7 @@ class SoundServer:
         The server plays silence then: the machine was too busy.
         """
         count, fresh = 0, -math.inf
-        for arrived, line in self._log.timed():
+        for arrived, line in self.log.timed():
             if any(word in line for word in FRESH):
                 fresh = arrived
             elif begin <= arrived <= end and arrived > fresh + SETTLED:
