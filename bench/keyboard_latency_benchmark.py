@@ -1,13 +1,14 @@
 #!/usr/bin/python3
 """How long a key takes to be heard, compared with bucklespring.
 
-Usage: keyboard_latency_benchmark.py BUILD_FOLDER [TURNS [KEYS [REST]]]
+Usage: keyboard_latency_benchmark.py BUILD_FOLDER [pulseaudio|pipewire [TURNS [KEYS [RESTS [REST]]]]]
 
 In TURNS (5) turns each of the two is started, gets KEYS (10) keys 0.6 s apart, and is ended. Then
-each rests for REST (60) s, during which its processor time is counted, and gets one more key;
-twice. Both run on one display and one sound server. The program's window is minimised, as its user
-types in another. A latency is from the key event to the first loud sample of the sound server's
-output, on that server's clock.
+each gets RESTS (20) more keys, each after a rest of 5 s and REST (10) s in which its processor time
+and wake-ups are counted, with those of the sound server. Both run on one display and one sound
+server, whose output a recorder takes that leaves the server its own latency. The program's window
+is minimised, as its user types in another. A latency is from the key event to the first loud sample
+of the sound server's output, on that server's clock.
 """
 
 import contextlib
@@ -21,12 +22,18 @@ import time
 import numpy
 
 import rows
-from measuring import argument, environment_of, screens, shares
+from measuring import argument, costs, environment_of, screens
 
 from virtual_desktop import processes
-from virtual_desktop.session import Session
 from virtual_desktop.key_sender import KeySender
+from virtual_desktop.pipewire_server import PipeWireServer
+from virtual_desktop.session import Session
+from virtual_desktop.sound_server import SoundServer
 from virtual_desktop.waiting import wait_until
+
+SERVERS = {"pulseaudio": SoundServer, "pipewire": PipeWireServer}
+RECORDER_LATENCY = 100
+"""In milliseconds. A shorter one would make the server play sooner than it does by itself."""
 
 OTHER = "/usr/games/buckle"
 CLICKS = 7
@@ -35,11 +42,17 @@ RATE = 48000
 LOUD = 0.01
 """Share of full scale; the null sink has no noise."""
 
+EARLY = 0.3
+"""The most seconds by which the recording's times may be too early: the server mixes, and the
+recorder takes, up to the recorder's latency ahead."""
+
 AT_ONCE = 0.0005
 APART = 0.6
 HOLD = 0.08
 SETTLED = 2.0
-RESTS = 2
+COMES_TO_REST = 5.0
+"""Seconds after a key in which a program may still do something about it."""
+
 KEY = "a"
 
 
@@ -95,9 +108,10 @@ def onset(recording, since, until):
 class Bench:
     """The desktop, and the two programs on it."""
 
-    def __init__(self, build, stack):
+    def __init__(self, build, server, stack):
         self._build = build
-        self._session = stack.enter_context(Session())
+        self._session = stack.enter_context(
+            Session(sound_server=SERVERS[server], recorder_latency=RECORDER_LATENCY))
         self._keys = KeySender(self._session.display.name, stack)
         self._recording = self._session.recording
         self._recording.wait_for_start()
@@ -136,7 +150,7 @@ class Bench:
 
     def _is_heard(self):
         earliest = self._stroke()
-        return onset(self._recording, earliest, earliest + 0.4) is not None
+        return onset(self._recording, earliest - EARLY, earliest + 0.4) is not None
 
     def _stroke(self):
         earliest, _ = self._keys.press(KEY)
@@ -153,24 +167,27 @@ class Bench:
             time.sleep(max(0.0, instants[-1] + APART - time.monotonic()))
         return instants
 
-    def rest(self, pid, seconds):
-        """Returns the instant of a key after so many seconds at rest, and the milliseconds of
-        processor time a second of the process and of the sound server.
+    def rest(self, pid, count, seconds):
+        """Returns the instants of `count` keys, each after a rest, and what the rests cost.
+
+        A cost is that of the process and that of the sound server, as `costs` has them.
         """
-        time.sleep(SETTLED)
-        spent = [1000 * share for share in shares(seconds, pid, self._session.sound.server_pid)]
-        instant = self._stroke()
+        instants, spent = [], []
+        for _ in range(count):
+            time.sleep(COMES_TO_REST)
+            spent.append(costs(seconds, [pid], self._session.sound.pids))
+            instants.append(self._stroke())
         time.sleep(APART)
-        return instant, spent
+        return instants, spent
 
     def clock_error(self):
-        """By how much the recording's times are later than the sound server's.
+        """By how much the recording's times are later than the sound server's; mostly below 0.
 
         It changes when the recorder loses samples, so it is measured in every turn.
         """
         errors = []
         for heard in clicks(self._session.sound.address, CLICKS):
-            at = onset(self._recording, heard - 0.2, heard + 0.2)
+            at = onset(self._recording, heard - EARLY, heard + 0.1)
             if at is not None:
                 errors.append(at - heard)
         error = statistics.median(errors)
@@ -196,45 +213,51 @@ def percentile(values, share):
 
 def main():
     build = pathlib.Path(sys.argv[1])
-    turns, keys, rest = argument(2, 5), argument(3, 10), argument(4, 60)
+    server, turns, keys = argument(2, "pulseaudio"), argument(3, 5), argument(4, 10)
+    rests, rest = argument(5, 20), argument(6, 10.0)
     typed, rested, spent = ({"ours": [], "other": []} for _ in range(3))
     with contextlib.ExitStack() as stack:
-        bench = Bench(build, stack)
+        bench = Bench(build, server, stack)
         sides = {"ours": bench.ours, "other": bench.other}
         for _ in range(turns):
             for name, side in sides.items():
                 with side():
                     instants = bench.type(keys)
                 typed[name] += bench.latencies(instants, bench.clock_error())
-        for _ in range(RESTS):
-            for name, side in sides.items():
-                with side() as pid:
-                    instant, cost = bench.rest(pid, rest)
-                rested[name] += bench.latencies([instant], bench.clock_error())
-                spent[name].append(cost)
-        report(bench, typed, rested, spent)
+        for name, side in sides.items():
+            with side() as pid:
+                instants, spent[name] = bench.rest(pid, rests, rest)
+            rested[name] += bench.latencies(instants, bench.clock_error())
+        report(server, bench, typed, rested, spent)
 
 
-def report(bench, typed, rested, spent):
+def summary(values):
+    """Some figures in milliseconds as text."""
+    return (f"median {statistics.median(values):.1f}, 90th percentile "
+            f"{percentile(values, 0.9):.1f}, {min(values):.1f} to {max(values):.1f}")
+
+
+def report(server, bench, typed, rested, spent):
     """Prints the results."""
-    medians, idle = {}, {}
     print("clock of the recording, by clicks (ms): "
           + " ".join(f"{error * 1000:.0f}" for error in bench.errors)
           + f"; keys that were not heard: {bench.unheard}")
     for name, title in (("ours", "Quorvane"), ("other", "bucklespring")):
-        values = typed[name]
-        medians[name] = statistics.median(values)
-        idle[name] = statistics.median(own for own, _ in spent[name])
-        print(f"== {title}\n{len(values)} keys (ms): median {medians[name]:.1f}, "
-              f"90th percentile {percentile(values, 0.9):.1f}, "
-              f"{min(values):.1f} to {max(values):.1f}")
-        first = ", ".join(f"{value:.1f}" for value in rested[name])
-        print(f"first key after the rest (ms): {first}")
-        costs = ", ".join(f"{own:.2f} (sound server {server:.2f})" for own, server in spent[name])
-        print(f"at rest (ms of processor time a second): {costs}")
-    rows.print_row("key to sound: median", medians["ours"], "bucklespring", medians["other"], "ms")
-    rows.print_row("keys armed, at rest: processor", idle["ours"], "bucklespring", idle["other"],
-                   "ms/s")
+        print(f"== {title}\n{len(typed[name])} keys (ms): {summary(typed[name])}")
+        print(f"{len(rested[name])} keys after a rest (ms): {summary(rested[name])}")
+    for what, found in (("key to sound", typed), ("key to sound after a rest", rested)):
+        print_row(server, f"{what}: median", found, "ms")
+    for owner, place in (("", 0), (" of the sound server", 1)):
+        for what, unit, kind in (("processor", "ms/s", 0), ("wake-ups", "/s", 1)):
+            print_row(server, f"keys armed, at rest: {what}{owner}",
+                      {name: [cost[place][kind] for cost in each]
+                       for name, each in spent.items()}, unit)
+
+
+def print_row(server, what, found, unit):
+    """Prints a row with the median of each side."""
+    rows.print_row(f"{server}: {what}", statistics.median(found["ours"]), "bucklespring",
+                   statistics.median(found["other"]), unit)
 
 
 if __name__ == "__main__":

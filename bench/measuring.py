@@ -42,6 +42,29 @@ def shares(seconds, *pids):
     return [(processor_time(pid) - spent) / elapsed for pid, spent in zip(pids, before)]
 
 
+def wake_ups(pid):
+    """How many times all threads of a process have waited for something so far."""
+    statuses = pathlib.Path(f"/proc/{pid}/task").glob("*/status")
+    return sum(int(line.split()[1]) for status in statuses
+               for line in status.read_text().splitlines()
+               if line.startswith("voluntary_ctxt_switches:"))
+
+
+def costs(seconds, *groups):
+    """What groups of processes cost in the coming seconds.
+
+    For each its milliseconds of processor time and its wake-ups, both a second.
+    """
+    def spent():
+        return [(1000 * sum(map(processor_time, pids)), sum(map(wake_ups, pids)))
+                for pids in groups]
+    begun, before = time.monotonic(), spent()
+    time.sleep(seconds)
+    elapsed = time.monotonic() - begun
+    return [tuple((after - earlier) / elapsed for after, earlier in zip(*both))
+            for both in zip(spent(), before)]
+
+
 def memory(pid):
     """Memory in use, shared pages counted by their share, in MiB."""
     text = pathlib.Path(f"/proc/{pid}/smaps_rollup").read_text()

@@ -15,11 +15,14 @@ class Session:
     """A display with a window manager, a session bus with accessibility, a sound server.
 
     A context manager: leaving it ends its processes and removes its files. A process can have one
-    session in all, as its accessibility client can connect to one bus only.
+    session in all, as its accessibility client can connect to one bus only. `recorder_latency` is
+    SoundServer.record's.
     """
 
-    def __init__(self, width=1280, height=1024):
+    def __init__(self, width=1280, height=1024, sound_server=SoundServer, recorder_latency=20):
         self._size = width, height
+        self._sound_server = sound_server
+        self._recorder_latency = recorder_latency
         self._stack = contextlib.ExitStack()
 
     def __enter__(self):
@@ -43,14 +46,14 @@ class Session:
         accessibility = AccessibilityBus(self._env, self._bus.address, self._stack)
         self.sound = self.sound_server("sound")
         self.sound.start(self._stack)
-        self.recording = self.sound.record(self._stack)
+        self.recording = self.sound.record(self._stack, self._recorder_latency)
         # Atspi connects to the bus in this process's environment when it is loaded.
         from .accessibility import ScreenReader
         self.reader = ScreenReader(accessibility.address)
 
     def sound_server(self, name):
         """A sound server in its own folder, not started yet."""
-        return SoundServer(self._env, os.path.join(self.directory, name))
+        return self._sound_server(self._env, os.path.join(self.directory, name))
 
     def system_bus(self, name, stack):
         """A private system bus with nothing on it, until `stack` is closed."""

@@ -49,7 +49,7 @@ class SoundServer:
              "-L", f"{self._sink} sink_name={self.SINK} rate={self.RATE} channels=2",
              "-L", f"module-native-protocol-unix auth-anonymous=1 socket={self._socket}"],
             self._env, stack)
-        self.server_pid = server.process.pid
+        self.pids = [server.process.pid]
         self.log = server.log
         server.wait_until(self._answers, "the sound server")
 
@@ -70,10 +70,14 @@ class SoundServer:
                 count += any(word in line for word in DRY)
         return count
 
-    def record(self, stack):
-        """Starts to record what is played; see LiveRecording.wait_for_start."""
+    def record(self, stack, latency=20):
+        """Starts to record what is played; see LiveRecording.wait_for_start.
+
+        `latency`, in milliseconds, is how late the recorder lets the samples come. It also bounds
+        the latency at which the server plays.
+        """
         recorder = processes.start(
             ["parec", f"--device={self.SINK}.monitor", f"--rate={self.RATE}", "--channels=1",
-             "--format=s16le", "--latency-msec=20", "--client-name=e2e-recorder"],
+             "--format=s16le", f"--latency-msec={latency}", "--client-name=e2e-recorder"],
             self._env, stack, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
         return LiveRecording(recorder.stdout, self.RATE)
