@@ -1,10 +1,10 @@
 #!/usr/bin/python3
-"""What the running fan costs, with its pulses, compared with paplay playing the same sound.
+"""What the running fan costs, its pulses and its sound, compared with paplay playing the same sound.
 
 Usage: fan_benchmark.py BUILD_FOLDER [TURNS] [SECONDS]
 
-In turn on one virtual display and one sound server: the program's control panel with the fan off,
-with the fan on, and paplay with the fan's sound.
+In turn on one virtual display and one sound server: the program's control panel with the fan off
+and on, the same without a sound server, which leaves the pulses, and paplay with the fan's sound.
 """
 
 import contextlib
@@ -29,6 +29,23 @@ def percent(pid, seconds):
     return 100 * shares(seconds, pid)[0]
 
 
+class Panel:
+    """The program's control panel."""
+
+    def __init__(self, session, build, environment, stack):
+        program = session.run([str(build / "quorvane")], environment, stack)
+        self._panel = screens.open_control_panel(session.reader, program)
+        self._pid = program.pid
+
+    def measure(self, seconds):
+        """What it takes with the fan off, and with the fan on."""
+        off = percent(self._pid, seconds)
+        self._panel.toggle(screens.THERMALS)
+        on = percent(self._pid, seconds)
+        self._panel.toggle(screens.THERMALS)
+        return off, on
+
+
 def measure_paplay(environment, sound, seconds):
     with contextlib.ExitStack() as stack:
         process = processes.start(["paplay", str(sound)], environment, stack,
@@ -45,19 +62,20 @@ def main():
         environment = environment_of(session)
         sound = pathlib.Path(session.directory, "fan.wav")
         write_repeated_fan(sound, seconds + 2 * SETTLING)
-        program = session.run([str(build / "quorvane")], environment, stack)
-        panel = screens.open_control_panel(session.reader, program)
+        panel = Panel(session, build, environment, stack)
+        silent = Panel(session, build, dict(
+            environment, PULSE_SERVER=f"unix:{session.directory}/no-server"), stack)
         for _ in range(count):
-            off = percent(program.pid, seconds)
-            panel.toggle(screens.THERMALS)
-            on = percent(program.pid, seconds)
-            panel.toggle(screens.THERMALS)
+            off, on = panel.measure(seconds)
+            silent_off, silent_on = silent.measure(seconds)
             turns.append({"control panel, fan off": off, "control panel, fan on": on,
-                          "the fan itself": on - off,
+                          "the fan itself": on - off, "its pulses": silent_on - silent_off,
+                          "its sound": on - off - (silent_on - silent_off),
                           "paplay": measure_paplay(environment, sound, seconds)})
     medians = print_figures("percent of a core", turns)
-    rows.print_row("fan: processor", medians["the fan itself"], "paplay", medians["paplay"],
-                   "% of a core")
+    for what, key in (("fan", "the fan itself"), ("fan without its pulses", "its sound")):
+        rows.print_row(f"{what}: processor", medians[key], "paplay", medians["paplay"],
+                       "% of a core")
 
 
 if __name__ == "__main__":
