@@ -99,10 +99,12 @@ private:
     void lose();
     void closeStream();
     void followPosition();
+    void checkLaid(std::int64_t next);
     void recover(Clock::time_point now, Clock::time_point lostAt);
-    void layTracks(std::int64_t frame);
+    void layTracks(std::int64_t next);
     void write(std::int64_t frame, std::size_t frames);
-    void refill(Clock::time_point now);
+    void fill();
+    void lookAfterStandstill(Clock::time_point now);
     void ask(Clock::time_point now);
     void restIfSilent(Clock::time_point now);
     void step(Clock::time_point now);
@@ -129,7 +131,7 @@ private:
     std::unique_ptr<PulseStream> m_stream;
     bool m_streamReady = false;
     bool m_streamLost = false;
-    bool m_hasRoom = false;
+    bool m_streamChanged = false;
     bool m_corked = false;
     // Since when there has been nothing to be heard; none while there is.
     std::optional<Clock::time_point> m_silentSince;
@@ -145,8 +147,13 @@ private:
     std::optional<Position> m_position;
     std::optional<Position> m_newPosition;
     std::optional<Clock::time_point> m_askedAt;
-    // The frame from which on the tracks were laid, until the server has confirmed it.
+    // Since when the server has not answered or not played, and when to look again.
+    std::optional<Clock::time_point> m_stillSince;
+    Clock::time_point m_nextLook;
+    // The frame from which on the tracks were laid, until the server has confirmed it; how far ahead
+    // of the server's position that is.
     std::optional<std::int64_t> m_unconfirmed;
+    std::int64_t m_ahead = 0;
     // The frame after the last one that was written.
     std::int64_t m_written = 0;
     std::vector<float> m_samples;

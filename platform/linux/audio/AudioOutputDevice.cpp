@@ -63,7 +63,7 @@ void AudioOutput::openIfDue(Clock::time_point now) {
         m_connection.context(),
         {.ready = [this] { streamReady(); },
          .lost = [this] { m_streamLost = true; },
-         .room = [this] { m_hasRoom = true; },
+         .changed = [this] { m_streamChanged = true; },
          .position =
              [this](std::int64_t next, std::int64_t heard) {
                  m_newPosition = {.next = next, .heard = heard, .time = Clock::now()};
@@ -112,7 +112,9 @@ void AudioOutput::closeStream() {
     m_stream.reset();
     m_streamReady = false;
     m_streamLost = false;
-    m_hasRoom = false;
+    m_streamChanged = false;
+    m_stillSince.reset();
+    m_ahead = 0;
     m_corked = false;
     m_silentSince.reset();
     m_position.reset();

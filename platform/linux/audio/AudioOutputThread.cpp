@@ -13,15 +13,22 @@ using Seconds = std::chrono::duration<double>;
 constexpr std::chrono::seconds corkedAfter{2};
 constexpr std::chrono::seconds closedAfter{30};
 
-// What is written ahead, in frames.
-constexpr std::size_t buffered = 2 * streamRate;
+// What is written ahead, in frames, and what of that before the server has confirmed a change: little,
+// so that it arrives before the server reads on.
+constexpr std::int64_t buffered = 2 * streamRate;
+constexpr std::int64_t urgent = streamRate / 4;
+// How far ahead of the server a change is laid, after one that came too late.
+constexpr std::int64_t leastAhead = streamRate / 200;
+constexpr std::int64_t mostAhead = streamRate / 10;
 // Less room than this is left for later.
-constexpr std::size_t leastRoom = streamRate / 4;
+constexpr std::int64_t leastFill = streamRate / 2;
 
 // An answer that took longer tells too little about the present.
 constexpr Seconds promptly{0.25};
-// A stream that is this far behind the clock has stood still.
-constexpr std::int64_t standstill = streamRate / 2;
+// A stream that is this far behind the clock has stood still, as has one that does not answer.
+constexpr std::int64_t standstill = streamRate / 4;
+constexpr std::chrono::seconds longestAnswer{1};
+constexpr std::chrono::milliseconds lookInterval{500};
 
 Track::Clock::duration durationOf(std::int64_t frames) {
     return std::chrono::duration_cast<Track::Clock::duration>(
@@ -65,13 +72,14 @@ void AudioOutput::step(Clock::time_point now) {
     noticeConnection(now);
     if (m_connected && !m_stream)
         openIfDue(now);
-    if (m_stream && m_streamReady) {
+    if (m_stream && m_streamReady)
         restIfSilent(now);
+    if (m_stream && m_streamReady) {
         followPosition();
-        if (m_hasRoom)
-            refill(now);
+        lookAfterStandstill(now);
         const auto end = nextEnd();
-        if (m_stream && !m_askedAt && (m_changed || (end && *end <= now)))
+        const bool due = end && *end <= now;
+        if (!m_askedAt && !m_corked && (m_changed || m_streamChanged || due))
             ask(now);
     }
     std::erase_if(m_members, [&](const Member& member) {
@@ -93,6 +101,7 @@ std::int64_t AudioOutput::nextFrame(Clock::time_point now) const {
 
 void AudioOutput::ask(Clock::time_point now) {
     m_askedAt = now;
+    m_streamChanged = false;
     m_stream->askPosition();
 }
 
@@ -106,21 +115,48 @@ void AudioOutput::followPosition() {
         ask(position.time);
         return;
     }
-    if (m_position && position.next + standstill < nextFrame(position.time))
-        recover(position.time, m_position->time);
-    m_position = position;
-    if (m_unconfirmed) {
-        if (position.next > *m_unconfirmed)
-            m_changed = true;
-        else
-            for (const Member& member : m_members)
-                member.track->confirm();
-        m_unconfirmed.reset();
+    const bool stoodStill = m_position && position.next + standstill < nextFrame(position.time);
+    if (stoodStill) {
+        m_stillSince = m_stillSince.value_or(m_position->time);
+        recover(position.time, *m_stillSince);
+        m_nextLook = position.time + lookInterval;
+    } else {
+        m_stillSince.reset();
     }
+    m_position = position;
+    if (m_unconfirmed)
+        checkLaid(position.next);
     for (const Member& member : m_members)
         finish(member.track->takeHeard(position.heard));
     if (m_changed)
         layTracks(position.next);
+    else
+        fill();
+}
+
+/// A change that the server had passed when it arrived is laid again, farther ahead.
+void AudioOutput::checkLaid(std::int64_t next) {
+    if (next > *std::exchange(m_unconfirmed, std::nullopt)) {
+        m_ahead = std::clamp(2 * m_ahead, leastAhead, mostAhead);
+        m_changed = true;
+        return;
+    }
+    m_ahead /= 2;
+    for (const Member& member : m_members)
+        member.track->confirm();
+}
+
+/// A server that does not answer or play is not waited for: what plays is looked at by the clock.
+void AudioOutput::lookAfterStandstill(Clock::time_point now) {
+    if (m_askedAt && now - *m_askedAt >= longestAnswer && !m_stillSince)
+        m_stillSince = m_askedAt;
+    if (!m_stillSince || now < m_nextLook)
+        return;
+    m_nextLook = now + lookInterval;
+    if (m_askedAt)
+        recover(now, *m_stillSince);
+    else
+        ask(now);
 }
 
 void AudioOutput::recover(Clock::time_point now, Clock::time_point lostAt) {
@@ -130,13 +166,21 @@ void AudioOutput::recover(Clock::time_point now, Clock::time_point lostAt) {
     m_changed = true;
 }
 
-void AudioOutput::layTracks(std::int64_t frame) {
+void AudioOutput::layTracks(std::int64_t next) {
+    m_unconfirmed = next + m_ahead;
     for (const Member& member : m_members)
-        member.track->lay(frame);
-    write(frame, buffered);
-    m_unconfirmed = frame;
+        member.track->lay(*m_unconfirmed);
+    write(next, static_cast<std::size_t>(m_ahead + urgent));
     m_changed = false;
     ask(Clock::now());
+}
+
+/// Fills the buffer: what has been played since, and what was left out for the sake of a change.
+void AudioOutput::fill() {
+    const std::int64_t begin = std::max(m_written, m_position->next);
+    const std::int64_t missing = m_position->next + buffered - begin;
+    if (missing >= leastFill)
+        write(begin, static_cast<std::size_t>(missing));
 }
 
 void AudioOutput::write(std::int64_t frame, std::size_t frames) {
@@ -146,16 +190,6 @@ void AudioOutput::write(std::int64_t frame, std::size_t frames) {
     limit(m_samples);
     m_stream->write(m_samples, frame);
     m_written = frame + static_cast<std::int64_t>(frames);
-}
-
-void AudioOutput::refill(Clock::time_point now) {
-    m_hasRoom = false;
-    const std::size_t room = m_stream->room();
-    if (m_corked || !m_position || room < leastRoom)
-        return;
-    write(std::max(m_written, nextFrame(now)), room);
-    if (!m_askedAt)
-        ask(now);
 }
 
 /// The time at which the next sound that ends has been heard to its end.
@@ -184,6 +218,7 @@ void AudioOutput::restIfSilent(Clock::time_point now) {
         return;
     m_corked = rests;
     m_position.reset();
+    m_stillSince.reset();
     m_stream->cork(rests);
     m_changed = m_changed || !rests;
 }
@@ -201,6 +236,10 @@ std::optional<AudioOutput::Clock::time_point> AudioOutput::nextWake() const {
         atLatest(*m_silentSince + (m_corked ? closedAfter : Clock::duration(corkedAfter)));
     if (const auto end = nextEnd(); end && m_stream && !m_askedAt)
         atLatest(*end);
+    if (m_stillSince)
+        atLatest(m_nextLook);
+    else if (m_askedAt)
+        atLatest(*m_askedAt + longestAnswer);
     return wake;
 }
 

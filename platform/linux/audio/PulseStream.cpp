@@ -21,6 +21,9 @@ constexpr std::uint32_t outputLatency = request / 100;
 void PulseStream::Close::operator()(pa_stream* stream) const {
     pa_stream_set_state_callback(stream, nullptr, nullptr);
     pa_stream_set_write_callback(stream, nullptr, nullptr);
+    pa_stream_set_suspended_callback(stream, nullptr, nullptr);
+    pa_stream_set_moved_callback(stream, nullptr, nullptr);
+    pa_stream_set_started_callback(stream, nullptr, nullptr);
     pa_stream_disconnect(stream);
     pa_stream_unref(stream);
 }
@@ -50,9 +53,15 @@ bool PulseStream::connect() {
     pa_stream_set_write_callback(
         m_stream.get(),
         [](pa_stream*, std::size_t, void* self) {
-            static_cast<PulseStream*>(self)->m_events.room();
+            static_cast<PulseStream*>(self)->m_events.changed();
         },
         this);
+    const pa_stream_notify_cb_t changed = [](pa_stream*, void* self) {
+        static_cast<PulseStream*>(self)->m_events.changed();
+    };
+    pa_stream_set_suspended_callback(m_stream.get(), changed, this);
+    pa_stream_set_moved_callback(m_stream.get(), changed, this);
+    pa_stream_set_started_callback(m_stream.get(), changed, this);
     // Without an adjusted latency, the server gives its output what the buffer has beyond two
     // requests. It starts at once, and is not stopped by an empty buffer.
     const pa_buffer_attr buffer{.maxlength = static_cast<std::uint32_t>(-1),
@@ -101,11 +110,6 @@ void PulseStream::cork(bool corked) {
     pa_operation* operation = pa_stream_cork(m_stream.get(), corked ? 1 : 0, nullptr, nullptr);
     if (operation)
         pa_operation_unref(operation);
-}
-
-std::size_t PulseStream::room() const {
-    const std::size_t bytes = pa_stream_writable_size(m_stream.get());
-    return bytes == static_cast<std::size_t>(-1) ? 0 : bytes / frameSize;
 }
 
 } // namespace quorvane

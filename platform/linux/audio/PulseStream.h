@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -23,8 +22,8 @@ public:
         std::function<void()> ready;
         /// It has ended; it cannot be used any more.
         std::function<void()> lost;
-        /// There is room for more.
-        std::function<void()> room;
+        /// There may be room for more, or the stream may play elsewhere, or not at all.
+        std::function<void()> changed;
         /// The answer to `askPosition`: the next frame that the server will read, and the frame
         /// that is heard.
         std::function<void(std::int64_t next, std::int64_t heard)> position;
@@ -39,8 +38,6 @@ public:
     void askPosition();
     /// A corked stream stands still; initially it runs.
     void cork(bool corked);
-    /// The frames that the server has room for.
-    [[nodiscard]] std::size_t room() const;
 
 private:
     struct Close {

@@ -141,12 +141,11 @@ Track::Completions Track::recover(Clock::time_point now, Clock::time_point lostA
     leaveStream();
     if (!m_playing || m_parts.empty())
         return {};
-    const std::int64_t current = now - m_since > grace ? place(now) : m_place;
     m_playing = waitsStill(now, lostAt);
-    m_since = now;
-    beginTake(current);
+    ++m_take;
+    m_takePlace = now - m_since > grace ? place(now) : m_place;
     m_confirmed.take = m_take;
-    m_confirmed.place = m_place;
+    m_confirmed.place = m_takePlace;
     return takeHeard(0);
 }
 

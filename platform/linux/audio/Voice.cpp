@@ -86,7 +86,7 @@ void limit(std::span<float> samples) {
     for (float& sample : samples) {
         const float excess = std::abs(sample) - limiterThreshold;
         if (excess > 0)
-            sample = std::copysign(limiterThreshold + room * std::tanh(excess / room), sample);
+            sample = std::copysign(limiterThreshold + room * excess / (room + excess), sample);
     }
 }
 
