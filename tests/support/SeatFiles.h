@@ -45,8 +45,8 @@ public:
     /// Takes them away, as on a machine without logind.
     void remove() const { std::filesystem::remove_all(m_folder.path() / "systemd"); }
 
-    /// In a child process with one thread: from now on they are the machine's own. Afterwards it
-    /// has no more rights than before, but root's user id if `asRoot`.
+    /// In a child process with one thread: from now on they are the machine's own. Unless this runs
+    /// as root already, it does so in a user namespace: as the same user or, if `asRoot`, as root.
     void enter(bool asRoot = false) const {
         const uid_t user = geteuid();
         const gid_t group = getegid();

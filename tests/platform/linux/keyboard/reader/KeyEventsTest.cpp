@@ -78,6 +78,7 @@ TEST_F(KeyEventsTest, EventsOtherThanKeysDoNotCount) {
     EXPECT_EQ(sendEvent(EV_KEY, KEY_CNT, 1), 0U);
     EXPECT_EQ(sendEvent(EV_KEY, 65535, 1), 0U);
     EXPECT_EQ(sendEvent(EV_SYN, SYN_REPORT, 0), 0U);
+    EXPECT_EQ(send(KEY_A, 1), 1U);
 }
 
 TEST_F(KeyEventsTest, TheDeviceIsAskedOnceAfterLostEvents) {
@@ -122,7 +123,7 @@ TEST_F(KeyEventsTest, AGapAfterWhichTheDeviceDoesNotAnswerDoesNotCount) {
 
 TEST_F(KeyEventsTest, AKeyThatWasDownBeforeDoesNotCount) {
     holdOnTheDevice({KEY_A});
-    EXPECT_EQ(send(KEY_A, 2), 0U);
+    EXPECT_EQ(send(KEY_A, 1), 0U);
     EXPECT_EQ(sendEvent(EV_SYN, SYN_DROPPED, 0) + sendEvent(EV_SYN, SYN_REPORT, 0), 0U);
     EXPECT_EQ(send(KEY_A, 1), 0U);
 }

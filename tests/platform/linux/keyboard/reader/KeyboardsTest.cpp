@@ -128,6 +128,7 @@ TEST_F(KeyboardsTest, AKeyboardThatComesBackUnnoticedIsHeard) {
     const auto one = keyboard("event0");
     listen();
     one->send(KEY_A, 1);
+    EXPECT_EQ(m_keyboards.read(), 1U);
     one->unplug();
     const auto again = keyboard("event0");
     listen();
