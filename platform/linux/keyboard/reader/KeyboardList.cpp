@@ -13,13 +13,6 @@ constexpr auto subsystem = "input";
 /// What udev says of devices that it assigns to no other seat.
 constexpr auto firstSeat = "seat0";
 
-std::string printable(const char* text) {
-    std::string name = text ? text : "unnamed";
-    std::replace_if(
-        name.begin(), name.end(), [](char letter) { return letter < ' ' || letter > '~'; }, '?');
-    return name;
-}
-
 /// None if the device, an event node, is no keyboard's.
 std::optional<KeyboardNode> keyboardNode(udev_device& device) {
     const char* isKeyboard = udev_device_get_property_value(&device, "ID_INPUT_KEYBOARD");
@@ -31,10 +24,17 @@ std::optional<KeyboardNode> keyboardNode(udev_device& device) {
     return KeyboardNode{
         .path = path,
         .seat = seat ? seat : firstSeat,
-        .name = printable(parent ? udev_device_get_sysattr_value(parent, "name") : nullptr)};
+        .name = printableName(parent ? udev_device_get_sysattr_value(parent, "name") : nullptr)};
 }
 
 } // namespace
+
+std::string printableName(const char* name) {
+    std::string text = name ? name : "unnamed";
+    std::replace_if(
+        text.begin(), text.end(), [](char letter) { return letter < ' ' || letter > '~'; }, '?');
+    return text;
+}
 
 UdevKeyboardList::UdevKeyboardList() : m_context(udev_new()) {
     if (!m_context)

@@ -9,10 +9,14 @@
 
 namespace quorvane {
 
+/// A device's name as its maker or the user's program chose it, safe for a line of the log:
+/// anything but printable ASCII is replaced. `name` may be null.
+[[nodiscard]] std::string printableName(const char* name);
+
 struct KeyboardNode {
     std::string path;
     std::string seat;
-    /// The device's name, as its maker chose it: for the log, in printable ASCII.
+    /// For the log.
     std::string name;
 };
 
