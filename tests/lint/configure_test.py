@@ -39,19 +39,36 @@ class Configuration(unittest.TestCase):
         names = [name for name in self.commands() if name.startswith(("tests/", "bench/"))]
         self.assertEqual(names, [])
 
-    def test_a_release_is_hardened_and_does_not_contain_the_source_path(self):
+    def build_key_reader(self, preset):
         folder = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory()))
-        for command in (["cmake", "--preset", "release", "-B", folder],
+        for command in (["cmake", "--preset", preset, "-B", folder],
                         ["cmake", "--build", folder, "--target", "quorvane-key-reader"]):
             subprocess.run(command, cwd=ROOT, check=True, capture_output=True)
-        program = folder / "quorvane-key-reader"
-        facts = subprocess.run(["readelf", "-Whdls", program], check=True, capture_output=True,
-                               text=True).stdout
-        for fact in ("Position-Independent Executable", "BIND_NOW", "GNU_RELRO", "__stack_chk_fail"):
-            self.assertIn(fact, facts)
+        return folder / "quorvane-key-reader"
+
+    def test_what_runs_as_root_is_hardened_in_every_build(self):
+        for preset in ("default", "release"):
+            with self.subTest(preset):
+                program = self.build_key_reader(preset)
+                facts = subprocess.run(["readelf", "-Whdls", program], check=True,
+                                       capture_output=True, text=True).stdout
+                for fact in ("Position-Independent Executable", "BIND_NOW", "GNU_RELRO",
+                             "__stack_chk_fail"):
+                    self.assertIn(fact, facts)
+                self.assertRegex(facts, r"GNU_STACK .* RW ")
+                # In so small a program _FORTIFY_SOURCE leaves no symbol to look for.
+                commands = json.loads((program.parent / "compile_commands.json").read_text())
+                for entry in commands:
+                    if "/keyboard/reader/" in entry["file"]:
+                        self.assertIn(" -D_FORTIFY_SOURCE=2", entry["command"])
+
+    def test_a_release_is_hardened_and_does_not_contain_the_source_path(self):
+        program = self.build_key_reader("release")
         self.assertEqual(program.read_bytes().count(os.fsencode(f"{ROOT}/platform")), 0)
-        # In so small a program _FORTIFY_SOURCE leaves no symbol to look for.
-        self.assertIn("-D_FORTIFY_SOURCE=2", (folder / "compile_commands.json").read_text())
+        commands = json.loads((program.parent / "compile_commands.json").read_text())
+        for entry in commands:
+            for option in (" -D_FORTIFY_SOURCE=2", " -fstack-protector-strong"):
+                self.assertIn(option, entry["command"])
 
     def test_everything_that_is_missing_is_named_at_once(self):
         _, done = self.configure("-DCMAKE_DISABLE_FIND_PACKAGE_Qt6=ON",
