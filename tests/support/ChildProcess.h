@@ -29,6 +29,7 @@ public:
     /// The next line of its output; waits for it. Empty at its end.
     [[nodiscard]] std::string line() const;
     [[nodiscard]] bool isAlive();
+
     /// Below 0 once it is known to have ended.
     [[nodiscard]] pid_t pid() const { return m_pid; }
 
