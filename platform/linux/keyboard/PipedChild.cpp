@@ -70,6 +70,12 @@ FileDescriptor endOf(pid_t process) {
     return FileDescriptor(static_cast<int>(syscall(SYS_pidfd_open, process, 0)));
 }
 
+/// For a notifier whose handler runs.
+void deleteLater(std::unique_ptr<QSocketNotifier>& notifier) {
+    notifier->setEnabled(false);
+    notifier.release()->deleteLater();
+}
+
 /// Lets the event loop reap a process that nobody asks about any more.
 void reapLater(pid_t process, FileDescriptor end) {
     if (!QCoreApplication::instance())
@@ -125,21 +131,13 @@ void PipedChild::connectPipes(FileDescriptor input, FileDescriptor output) {
 
 PipedChild::~PipedChild() {
     m_ended.reset();
-    closePipes();
     if (m_process > 0)
         reapLater(m_process, std::move(m_end));
 }
 
-void PipedChild::LaterDeleter::operator()(QSocketNotifier* notifier) const {
-    // It may be the one whose handler runs.
-    notifier->setEnabled(false);
-    notifier->disconnect();
-    notifier->deleteLater();
-}
-
 void PipedChild::closePipes() {
     m_writable.reset();
-    m_readable.reset();
+    deleteLater(m_readable);
     m_input = {};
     m_output = {};
 }
@@ -166,7 +164,7 @@ void PipedChild::terminate() const {
 }
 
 void PipedChild::reap() {
-    m_ended.reset();
+    deleteLater(m_ended);
     int status = 0;
     waitpid(m_process, &status, WNOHANG);
     m_process = -1;

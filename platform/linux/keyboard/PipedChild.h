@@ -41,12 +41,6 @@ public:
     void terminate() const;
 
 private:
-    struct LaterDeleter {
-        void operator()(QSocketNotifier* notifier) const;
-    };
-
-    using Notifier = std::unique_ptr<QSocketNotifier, LaterDeleter>;
-
     PipedChild(pid_t process, FileDescriptor end, Handlers handlers);
 
     void connectPipes(FileDescriptor input, FileDescriptor output);
@@ -60,9 +54,9 @@ private:
     FileDescriptor m_output;
     /// Readable once the process has ended.
     FileDescriptor m_end;
-    Notifier m_writable;
-    Notifier m_readable;
-    Notifier m_ended;
+    std::unique_ptr<QSocketNotifier> m_writable;
+    std::unique_ptr<QSocketNotifier> m_readable;
+    std::unique_ptr<QSocketNotifier> m_ended;
 };
 
 } // namespace quorvane
