@@ -6,8 +6,9 @@
 #include <thread>
 
 #include "platform/linux/audio/PulseAudioService.h"
-#include "tests/support/PulseServer.h"
+#include "tests/support/PulseAudioServer.h"
 #include "tests/support/SoundFiles.h"
+#include "tests/support/SoundRecorder.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quorvane {
@@ -26,7 +27,6 @@ public:
         writeWAV(clipFile(), clip());
         makeMP3(goodFile(), chirp({.sampleRate = 44100, .channels = 2}, goodFileFrames));
         copyFirstHalf(goodFile(), truncatedFile());
-        writeDamagedFLAC(damagedFile(), clip());
         m_folder.write(nonAudioFile().filename(),
                        "Dear laptop, this is a letter and not a sound.\n");
     }
@@ -60,10 +60,6 @@ public:
         return m_folder.path() / "truncated.mp3";
     }
 
-    [[nodiscard]] std::filesystem::path damagedFile() const override {
-        return m_folder.path() / "damaged.flac";
-    }
-
     [[nodiscard]] std::filesystem::path nonAudioFile() const override {
         return m_folder.path() / "letter.mp3";
     }
@@ -76,16 +72,14 @@ public:
         return m_folder.path() / "clip.wav";
     }
 
-    void startRecording() override {
-        m_recorder = std::make_unique<PulseRecorder>(m_folder.path());
-    }
+    void startRecording() override { m_recorder = std::make_unique<SoundRecorder>(m_server); }
 
     [[nodiscard]] std::vector<float> finishRecording() override { return m_recorder->finish(); }
 
 private:
     TemporaryFolder m_folder;
-    PulseServer m_server{m_folder.path()};
-    std::unique_ptr<PulseRecorder> m_recorder;
+    PulseAudioServer m_server{m_folder.path()};
+    std::unique_ptr<SoundRecorder> m_recorder;
     std::unique_ptr<PulseAudioService> m_audio;
 };
 
