@@ -100,6 +100,15 @@ void PipeWireServer::kill() {
     std::filesystem::remove(socketPath());
 }
 
+void PipeWireServer::addLateSink(const std::string& name) {
+    addSink(name);
+    // All of its sinks then take 8192 frames at a time.
+    const std::vector<std::string> command{"pw-metadata",         "-n",  "settings", "0",
+                                           "clock.force-quantum", "8192"};
+    if (ChildProcess(inItsEnvironment(command), folder() / "pipewire.log").wait() != 0)
+        throw std::runtime_error("no late sink: " + fileText(folder() / "pipewire.log"));
+}
+
 void PipeWireServer::removeSink(const std::string& name) {
     const auto log = folder() / "pw-cli.txt";
     ChildProcess(inItsEnvironment({"pw-cli", "destroy", name}), log).wait();

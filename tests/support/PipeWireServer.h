@@ -20,6 +20,7 @@ public:
 
     void thaw() override { send(SIGCONT); }
 
+    void addLateSink(const std::string& name) override;
     void removeSink(const std::string& name) override;
 
 private:

@@ -1,12 +1,41 @@
 #include "tests/support/PulseAudioServer.h"
 
+#include <array>
+#include <chrono>
 #include <sstream>
 #include <stdexcept>
+#include <thread>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Waiting.h"
 
 namespace quorvane {
+
+namespace {
+
+/// Takes sound out of `pipe` as fast as it is to be heard.
+int listenTo(const std::filesystem::path& pipe) {
+    constexpr double bytesASecond = 44100 * 2 * sizeof(float);
+    const int end = open(pipe.c_str(), O_RDONLY | O_CLOEXEC);
+    const auto begin = std::chrono::steady_clock::now();
+    std::array<char, 4096> sound{};
+    for (double taken = 0;;) {
+        const std::chrono::duration<double> past = std::chrono::steady_clock::now() - begin;
+        if (taken > past.count() * bytesASecond) {
+            std::this_thread::sleep_for(2ms);
+            continue;
+        }
+        const ssize_t count = read(end, sound.data(), sound.size());
+        if (count <= 0)
+            return 0;
+        taken += static_cast<double>(count);
+    }
+}
+
+} // namespace
 
 void PulseAudioServer::start() {
     std::filesystem::remove(socketPath());
@@ -29,6 +58,14 @@ void PulseAudioServer::start() {
 void PulseAudioServer::kill() {
     m_process.reset();
     std::filesystem::remove(socketPath());
+}
+
+void PulseAudioServer::addLateSink(const std::string& name) {
+    // What lies in the pipe, 64 KiB, is its latency.
+    const auto pipe = folder() / (name + ".pipe");
+    control({"load-module", "module-pipe-sink", "sink_name=" + name, "file=" + pipe.string(),
+             "rate=44100", "channels=2", "format=float32le"});
+    m_lateSinkReader = std::make_unique<ChildProcess>([pipe] { return listenTo(pipe); });
 }
 
 void PulseAudioServer::removeSink(const std::string& name) {

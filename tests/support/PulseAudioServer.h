@@ -18,10 +18,12 @@ public:
 
     void thaw() override { m_process->send(SIGCONT); }
 
+    void addLateSink(const std::string& name) override;
     void removeSink(const std::string& name) override;
 
 private:
     std::unique_ptr<ChildProcess> m_process;
+    std::unique_ptr<ChildProcess> m_lateSinkReader;
 };
 
 } // namespace quorvane

@@ -26,6 +26,11 @@ std::size_t Recording::silenceFrom(std::size_t start, std::size_t frames) const 
     return length() - quiet;
 }
 
+Recording Recording::part(std::size_t start, std::size_t length) const {
+    const auto from = m_samples.begin() + static_cast<std::ptrdiff_t>(start * 2);
+    return Recording({from, from + static_cast<std::ptrdiff_t>(length * 2)});
+}
+
 double Recording::largestDifference(std::size_t start, const PCMBuffer& sound,
                                     std::size_t soundStart, std::size_t length) const {
     const std::size_t channels = sound.format.channels;

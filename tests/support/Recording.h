@@ -30,6 +30,9 @@ public:
     [[nodiscard]] double largestDifference(std::size_t start, const PCMBuffer& sound,
                                            std::size_t soundStart, std::size_t length) const;
 
+    /// `length` frames from `start` on.
+    [[nodiscard]] Recording part(std::size_t start, std::size_t length) const;
+
 private:
     [[nodiscard]] bool isSilent(std::size_t frame) const;
 
