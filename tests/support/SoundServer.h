@@ -54,7 +54,7 @@ public:
 
     /// Adds a null sink, which does not become the default one.
     void addSink(const std::string& name);
-    /// Adds one that is heard 0.15 to 0.25 s after it was given the sound, and says so.
+    /// Adds one that is heard 0.15 to 0.25 s after it was given the sound. PulseAudio says so.
     virtual void addLateSink(const std::string& name) = 0;
     virtual void removeSink(const std::string& name) = 0;
     /// Makes it the default one.
