@@ -98,6 +98,8 @@ private:
     void streamReady();
     void lose();
     void closeStream();
+    void step(Clock::time_point now);
+    void serveStream(Clock::time_point now);
     void followPosition();
     void checkLaid(std::int64_t next);
     void recover(Clock::time_point now, Clock::time_point lostAt);
@@ -107,7 +109,6 @@ private:
     void lookAfterStandstill(Clock::time_point now);
     void ask(Clock::time_point now);
     void restIfSilent(Clock::time_point now);
-    void step(Clock::time_point now);
     [[nodiscard]] std::optional<Clock::time_point> nextWake() const;
     [[nodiscard]] bool isNeeded(Clock::time_point now) const;
     [[nodiscard]] bool isAwaited(Clock::time_point now) const;

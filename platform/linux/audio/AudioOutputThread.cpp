@@ -24,7 +24,7 @@ constexpr std::int64_t mostAhead = streamRate / 10;
 constexpr std::int64_t leastFill = streamRate / 2;
 
 // An answer that took longer tells too little about the present.
-constexpr Seconds promptly{0.25};
+constexpr Seconds promptly{0.5};
 // A stream that is this far behind the clock has stood still, as has one that does not answer.
 constexpr std::int64_t standstill = streamRate / 4;
 constexpr std::chrono::seconds longestAnswer{1};
@@ -72,19 +72,23 @@ void AudioOutput::step(Clock::time_point now) {
     noticeConnection(now);
     if (m_connected && !m_stream)
         openIfDue(now);
-    if (m_stream && m_streamReady)
-        restIfSilent(now);
-    if (m_stream && m_streamReady) {
-        followPosition();
-        lookAfterStandstill(now);
-        const auto end = nextEnd();
-        const bool due = end && *end <= now;
-        if (!m_askedAt && !m_corked && (m_changed || m_streamChanged || due))
-            ask(now);
-    }
+    if (m_streamReady)
+        serveStream(now);
     std::erase_if(m_members, [&](const Member& member) {
         return member.removed && (!m_stream || !member.track->needsStream(nextFrame(now)));
     });
+}
+
+void AudioOutput::serveStream(Clock::time_point now) {
+    followPosition();
+    restIfSilent(now);
+    if (!m_stream || m_corked)
+        return;
+    lookAfterStandstill(now);
+    const auto end = nextEnd();
+    const bool ends = end && *end <= now;
+    if (!m_askedAt && (m_changed || m_streamChanged || ends))
+        ask(now);
 }
 
 bool AudioOutput::isNeeded(Clock::time_point now) const {
@@ -112,6 +116,7 @@ void AudioOutput::followPosition() {
     const Position position = *std::exchange(m_newPosition, std::nullopt);
     const auto asked = *std::exchange(m_askedAt, std::nullopt);
     if (position.time - asked > promptly) {
+        recover(position.time, asked);
         ask(position.time);
         return;
     }
