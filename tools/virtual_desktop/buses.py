@@ -57,11 +57,12 @@ class AccessibilityBus:
 
     LAUNCHER = "/usr/libexec/at-spi-bus-launcher"
 
-    def __init__(self, env, session_address, stack):
+    def __init__(self, env, session_address, stack, **popen_options):
         self._session_address = session_address
         launcher = processes.Server(
             [self.LAUNCHER, "--launch-immediately"],
-            dict(env, DBUS_SESSION_BUS_ADDRESS=session_address, GSETTINGS_BACKEND="memory"), stack)
+            dict(env, DBUS_SESSION_BUS_ADDRESS=session_address, GSETTINGS_BACKEND="memory"), stack,
+            **popen_options)
         self.address = launcher.wait_until(self._ask_for_address, "the accessibility bus")
 
     def _ask_for_address(self):
@@ -115,8 +116,10 @@ class Services:
         self.prepare_for_sleep()
         self.wake_up()
 
-    def lock(self):
-        self._send("lock")
+    def lock(self, session=""):
+        """Locks the caller's session, or this one."""
+        self._send(f"lock {session}".strip())
 
-    def unlock(self):
-        self._send("unlock")
+    def unlock(self, session=""):
+        """Unlocks what lock() has locked."""
+        self._send(f"unlock {session}".strip())

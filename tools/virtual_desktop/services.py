@@ -1,10 +1,13 @@
 """Fakes of logind, UPower, the settings portal and a screen saver, controlled through standard input.
 
-Usage: services.py BUS-ADDRESS [login] [power] [portal] [saver]
+Usage: services.py BUS-ADDRESS [login] [session:NAME ...] [power] [portal] [saver]
+
+With "login" there is the caller's session; named ones are in addition.
 """
 
 # python3-dbusmock would be shorter, but starts in 0.11 s instead of 0.04 s and needs dbus-x11.
 
+import functools
 import sys
 
 import dbus
@@ -36,11 +39,14 @@ class Login(dbus.service.Object):
 
 
 class LoginSession(dbus.service.Object):
-    """The part of logind's session that is about its lock."""
+    """The part of logind's session that is about its lock; `path` is where its signals are from."""
 
-    def __init__(self, connection):
+    FOLDER = "/org/freedesktop/login1/session"
+
+    def __init__(self, connection, name, path):
         self._locked = False
-        super().__init__(connection, "/org/freedesktop/login1/session/auto")
+        self._path = path
+        super().__init__(connection, f"{self.FOLDER}/{name}")
 
     @dbus.service.method(PROPERTIES, in_signature="ss", out_signature="v")
     def Get(self, interface, name):
@@ -50,8 +56,7 @@ class LoginSession(dbus.service.Object):
 
     def set_locked(self, locked):
         self._locked = locked
-        # As logind does: from the session's own path.
-        signal = dbus.lowlevel.SignalMessage("/org/freedesktop/login1/session/_31", PROPERTIES,
+        signal = dbus.lowlevel.SignalMessage(f"{self.FOLDER}/{self._path}", PROPERTIES,
                                              "PropertiesChanged")
         signal.append(SESSION, {"LockedHint": dbus.Boolean(locked)}, [], signature="sa{sv}as")
         self.connection.send_message(signal)
@@ -139,9 +144,16 @@ def main():
         login = Login(connection)
         commands["sleep"] = lambda: login.PrepareForSleep(True)
         commands["wake"] = lambda: login.PrepareForSleep(False)
-        session = LoginSession(connection)
+        # As logind does: from the session's own path.
+        session = LoginSession(connection, "auto", "_31")
         commands["lock"] = lambda: session.set_locked(True)
         commands["unlock"] = lambda: session.set_locked(False)
+    for argument in sys.argv[2:]:
+        kind, _, name = argument.partition(":")
+        if kind == "session":
+            named = LoginSession(connection, name, name)
+            commands[f"lock {name}"] = functools.partial(named.set_locked, True)
+            commands[f"unlock {name}"] = functools.partial(named.set_locked, False)
     if "power" in sys.argv[2:]:
         power = Power(connection)
         commands["lid closed"] = lambda: power.move_lid(True)
