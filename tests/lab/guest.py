@@ -18,11 +18,14 @@ sys.path.insert(0, str(SOURCE / "tools"))
 from virtual_desktop import waiting  # noqa: E402 (found through the line above)
 
 import force_feedback  # noqa: E402
+import key_reader  # noqa: E402
+import key_traces  # noqa: E402
 import keyboard_rights  # noqa: E402
 import keyboards  # noqa: E402
 import lids  # noqa: E402
 from player import Player, TooManyRetries  # noqa: E402
 from lab_desktop import Lab  # noqa: E402
+from seat import Seat  # noqa: E402
 
 
 def file_lookups(lab, name):
@@ -43,6 +46,10 @@ def play_all(lab, play):
     with keyboards.device_manager(lab.desktop.env):
         keyboards.play_all(play)
         keyboard_rights.play_all(play)
+    with contextlib.ExitStack() as stack:
+        seat = Seat(lab, stack)
+        for scenarios in (key_reader, key_traces):
+            scenarios.play_all(play, seat)
     force_feedback.play_all(play)
 
 

@@ -176,7 +176,7 @@ def typing(lab, name):
 
 def uinput_contract(lab, name):
     """The contract test of the event taps, on uinput keyboards."""
-    lab.run_contract(name, "contract_uinput")
+    lab.run_contract(name, lab.build / "contract_uinput")
 
 
 def play_all(play):

@@ -15,6 +15,7 @@ from virtual_desktop.program import Program
 from virtual_desktop.recording import LiveRecording
 from virtual_desktop.sound_server import SoundServer
 
+from logins import USER
 from standstill import Watch
 
 RATE = 48000
@@ -50,13 +51,24 @@ class Desktop:
         self.display = Display(self.env, stack, 800, 900)
         bus = Bus(self.env, str(directory), "session", stack)
         self.env["DISPLAY"] = self.display.name
-        self.accessibility = AccessibilityBus(self.env, bus.address, stack)
         self.env["DBUS_SESSION_BUS_ADDRESS"] = bus.address
         sound = SoundServer(self.env, str(directory / "sound"), SINK)
         sound.start(stack)
         if not any(BY_TIMERS in line for line in sound.log.text):
             raise RuntimeError("the sound server does not schedule by timers")
         self.env["PULSE_SERVER"] = sound.address
+        self.user_env = self._environment_of_the_user(directory / "user")
+        # Its bus is for its user and root.
+        self.accessibility = AccessibilityBus(self.user_env, bus.address, stack, user=USER.pw_uid,
+                                              group=USER.pw_gid, extra_groups=[])
+
+    def _environment_of_the_user(self, home):
+        """The environment of the programs that do not run as root."""
+        home.mkdir()
+        own = processes.base_environment(str(home))
+        subprocess.run(["chown", "-R", f"{USER.pw_uid}:{USER.pw_gid}", home], check=True)
+        home.parent.chmod(0o755)
+        return self.env | own
 
     def record(self, log, stack):
         """Starts to record from the loopback; the file `log` names lost samples."""
@@ -105,11 +117,14 @@ class Lab:
             screens.skip_hardware_check(self.desktop.env)
 
     @contextlib.contextmanager
-    def program(self, scenario, stack):
-        """The running program, ended by SIGTERM, and a dict of facts; saves them and its output."""
+    def program(self, scenario, stack, command=None, env=None):
+        """The running program, ended by SIGTERM, and a dict of facts; saves them and its output.
+
+        By default it is the one that was built, run by root.
+        """
         facts = {}
         began = time.monotonic()
-        program = Program([self.build / "quorvane"], self.desktop.env, stack)
+        program = Program(command or [self.build / "quorvane"], env or self.desktop.env, stack)
         try:
             yield program, facts
             facts["alive_before_sigterm"] = program.is_running
@@ -120,11 +135,12 @@ class Lab:
             facts.update(began=began, console=program.console.text, errors=program.errors.text)
             self.save(scenario, "program.json", facts)
 
-    def run_contract(self, scenario, program, **settings):
+    def run_contract(self, scenario, *command, env=None, **settings):
         """Runs a contract test; leaves its status and output."""
-        result = subprocess.run([self.build / program], env=self.desktop.env | settings,
-                                check=False, stdin=subprocess.DEVNULL, capture_output=True,
-                                text=True, timeout=2 * TIMEOUT)
+        env = env or self.desktop.env
+        result = subprocess.run(command, env=env | settings, check=False,
+                                stdin=subprocess.DEVNULL, capture_output=True, text=True,
+                                timeout=2 * TIMEOUT)
         self.save(scenario, "result.json", {"status": result.returncode,
                                             "output": result.stdout + result.stderr})
 

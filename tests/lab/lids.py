@@ -89,7 +89,7 @@ def hidraw_contract(lab, name):
     """The contract test of the HID service, on a uhid device."""
     with contextlib.ExitStack() as stack:
         _plug(lab, name, stack, "--keep", "--product", "0x8104", "--angle", "100")
-        lab.run_contract(name, "contract_hidraw", QUORVANE_HIDRAW_ANGLE="100")
+        lab.run_contract(name, lab.build / "contract_hidraw", QUORVANE_HIDRAW_ANGLE="100")
 
 
 def rights(lab, name):
