@@ -1,9 +1,5 @@
-// Listens to the keyboards of this machine; the user who runs it may lack permission to read them.
-//
-//     keyboard_probe effect    starts the keyboard effect, prints its permission checks and states
-//     keyboard_probe tap       opens a tap, prints a line for each key that goes down
-//
-// Ends when standard input does.
+// Starts the keyboard effect and prints its permission checks and states; the user who runs it may
+// lack permission to read keyboards. Ends when standard input does.
 
 #include <QCoreApplication>
 #include <QSocketNotifier>
@@ -58,7 +54,7 @@ void runUntilInputEnds() {
     QCoreApplication::exec();
 }
 
-int probeEffect(const Platform& platform) {
+int probe(const Platform& platform) {
     PrintingAccessibility accessibility(platform.accessibility);
     const auto manager =
         KeyboardCrackManager::create(exchange(platform, {.accessibility = &accessibility}));
@@ -72,41 +68,12 @@ int probeEffect(const Platform& platform) {
     return 0;
 }
 
-const TapEvent& hear(const TapEvent& event) {
-    std::cout << (event.keyboardAutorepeat == 0 ? "key" : "repeat") << std::endl;
-    return event;
-}
-
-int probeTap(EventTapService& taps) {
-    const auto tap =
-        taps.createTap(TapLocation::Session, TapPlacement::HeadInsert, TapOptions::ListenOnly,
-                       tapEventMask(TapEventType::KeyDown), &hear);
-    print("tap", tap != nullptr);
-    if (!tap)
-        return 1;
-    const auto source = tap->createRunLoopSource(0);
-    source->addToRunLoop();
-    tap->enable(true);
-    runUntilInputEnds();
-    return 0;
-}
-
-int probe(int argumentCount, char** arguments) {
-    const QCoreApplication application(argumentCount, arguments);
-    LinuxPlatform machine;
-    const std::string_view what = argumentCount == 2 ? arguments[1] : "";
-    if (what == "effect")
-        return probeEffect(machine.platform());
-    if (what == "tap")
-        return probeTap(machine.platform().eventTaps);
-    std::cerr << "usage: keyboard_probe effect|tap" << std::endl;
-    return 2;
-}
-
 } // namespace
 
 } // namespace quorvane
 
 int main(int argumentCount, char** arguments) {
-    return quorvane::probe(argumentCount, arguments);
+    const QCoreApplication application(argumentCount, arguments);
+    quorvane::LinuxPlatform machine;
+    return quorvane::probe(machine.platform());
 }

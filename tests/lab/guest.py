@@ -43,12 +43,9 @@ def play_all(lab, play):
     """Plays every scenario."""
     lids.play_all(play)
     play("file_lookups", file_lookups)
-    with keyboards.device_manager(lab.desktop.env):
-        keyboards.play_all(play)
-        keyboard_rights.play_all(play)
     with contextlib.ExitStack() as stack:
         seat = Seat(lab, stack)
-        for scenarios in (key_reader, key_traces):
+        for scenarios in (keyboards, key_reader, key_traces, keyboard_rights):
             scenarios.play_all(play, seat)
     force_feedback.play_all(play)
 

@@ -128,17 +128,12 @@ class Kept(KeyReaderScenario):
 
 
 class Latency(KeyReaderScenario):
-    """How long a key takes through the reader, and directly; printed, as only ratios compare."""
+    """How long a key takes; the scenario prints it, as only ratios can be compared."""
 
     NAME = "latency"
 
     def test_every_key_was_timed(self):
-        reader, node = self.facts["reader"], self.facts["node"]
-        added = (reader["median"] - node["median"]) * 1000
-        print(f"until the reader's byte: {reader['median'] * 1000:.3f} ms; until the node's event: "
-              f"{node['median'] * 1000:.3f} ms; ratio {reader['median'] / node['median']:.2f}, "
-              f"added {added:.3f} ms")
-        self.assertEqual((reader["count"], node["count"]), (200, 200))
+        self.assertEqual(self.facts, {"reader": 200, "node": 200})
 
 
 if __name__ == "__main__":

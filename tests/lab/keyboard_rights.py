@@ -1,137 +1,180 @@
-"""Scenarios with keyboards that the program may not read, or not yet.
+"""Scenarios in which the user may not read keyboards, and polkit asks whether the key reader may.
 
-Each leaves the output of the probe for keyboards_test.py.
+Each leaves its facts for keyboard_rights_test.py.
 """
 
 import contextlib
 import os
 import pathlib
-import pwd
-import shutil
 import subprocess
 import time
 
-from virtual_desktop import processes
+from virtual_desktop import processes, screens
 from virtual_desktop.waiting import wait_until
 
-from keyboards import KEY_A, KEY_B, Keyboard, reads, settle
+import memory
+from keyboard_device import KEY_A, PASSWORD, Keyboard
+from keyboards import PAUSE, ActionLog, arm, devices
 from lab_desktop import TIMEOUT
+from logins import in_session
+from seat import open_files, readers, settle
 
 RETRY = 3.0
 """Seconds after which the effect checks its permission once more."""
 
-NOBODY = pwd.getpwnam("nobody")
-CRACK = pathlib.Path(__file__).resolve().parents[2] / "resources/keyboard.mp3"
+STATUS = ("Uid", "Gid", "Groups", "CapPrm", "CapEff", "CapAmb", "NoNewPrivs")
 
 
 class Probe:
-    """The probe program, run as a user without rights, with a fake polkit prompt."""
+    """The probe program, run by the user without rights."""
 
-    def __init__(self, lab, home, stack, what):
-        self.asked = home / "asked"
-        pkexec = home / "pkexec"
-        pkexec.write_text(f'#!/bin/sh\necho "$@" >>{self.asked}\n')
-        pkexec.chmod(0o755)
-        env = dict(processes.base_environment(str(home)), WAYLAND_DISPLAY="wayland-0",
-                   DBUS_SYSTEM_BUS_ADDRESS=lab.desktop.env["DBUS_SYSTEM_BUS_ADDRESS"])
-        env["PATH"] = f"{home}:{env['PATH']}"
-        for folder in (home, *filter(pathlib.Path.is_dir, home.iterdir())):
-            os.chown(folder, NOBODY.pw_uid, NOBODY.pw_gid)
-        # This user may lack access to the build folder.
-        env["QUORVANE_RESOURCES"] = str(home)
-        for file in (CRACK, lab.build / "keyboard_probe", lab.build / "quorvane-keyboard-access"):
-            shutil.copy(file, home)
+    def __init__(self, seat, stack):
         self._process = processes.start(
-            ["setpriv", f"--reuid={NOBODY.pw_uid}", f"--regid={NOBODY.pw_gid}", "--clear-groups",
-             str(home / "keyboard_probe"), what],
-            env, stack, stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+            in_session(["/usr/bin/keyboard_probe"]), seat.env, stack, stdin=subprocess.PIPE,
+            stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         self.lines = processes.Lines(self._process.stdout)
         self._errors = processes.Lines(self._process.stderr)
 
-    @property
-    def pid(self):
-        return self._process.pid
-
-    def finish(self, lab, name):
-        """Ends the probe and leaves its output."""
+    def finish(self):
+        """Ends the probe; its status and output."""
         self._process.stdin.close()
         status = self._process.wait(TIMEOUT)
         self.lines.wait_for_end()
         self._errors.wait_for_end()
-        asked = self.asked.read_text().splitlines() if self.asked.exists() else []
-        lab.save(name, "probe.json", {"status": status, "lines": self.lines.text,
-                                      "errors": self._errors.text, "asked": asked})
+        return {"status": status, "lines": self.lines.text, "errors": self._errors.text}
 
 
-@contextlib.contextmanager
-def _home():
-    # The user has no access to the temporary folder of the scenarios.
-    home = pathlib.Path("/run/probe-home")
-    home.mkdir(mode=0o755)
-    try:
-        yield home
-    finally:
-        subprocess.run(["rm", "-rf", home], check=True)
-
-
-def _run_probe(lab, name, what, scenario, *, is_readable=False):
-    """Plays `scenario(lab, keyboard, probe, stack)` with the probe and one keyboard."""
+def _run_probe(lab, name, seat, answer, scenario):
+    """Plays `scenario(probe)` with the probe, one keyboard, and an agent that answers so."""
     with contextlib.ExitStack() as stack:
-        keyboard = Keyboard("lab keyboard one", stack)
+        Keyboard("lab keyboard one", stack)
         settle()
-        if is_readable:
-            _allow(keyboard)
-        home = stack.enter_context(_home())
-        probe = Probe(lab, home, stack, what)
-        scenario(lab, keyboard, probe, stack)
-        probe.finish(lab, name)
+        agent = seat.agent(name, stack)
+        agent.will(answer)
+        probe = Probe(seat, stack)
+        with lab.watch.timed():
+            scenario(probe)
+        lab.save(name, "probe.json", probe.finish() | {"asked": agent.log()})
 
 
-def _refused(_lab, keyboard, probe, _stack):
+def _refused(probe):
     probe.lines.wait_for(lambda line: line == "started", "the start", TIMEOUT)
     wait_until(lambda: probe.lines.text.count("trusted no") == 2, "the retry")
-    # Too late: there is only one retry.
-    _allow(keyboard)
-    time.sleep(RETRY + 1)
+    time.sleep(1)
 
 
-def _allow(keyboard):
-    subprocess.run(["setfacl", "-m", f"u:{NOBODY.pw_uid}:r", keyboard.path], check=True)
+def _permitted(probe):
+    probe.lines.wait_for(lambda line: line == "active yes", "the retry", TIMEOUT)
 
 
-def _agree(lab):
-    """Makes the user the active one at the seat; runs the helper, as polkit does after consent."""
-    users = pathlib.Path("/run/systemd/users")
-    users.mkdir(parents=True, exist_ok=True)
-    (users / str(NOBODY.pw_uid)).write_text("ACTIVE_SEATS=seat0\nSEATS=seat0\n")
-    subprocess.run([lab.build / "quorvane-keyboard-access"], check=True,
-                   env={"PKEXEC_UID": str(NOBODY.pw_uid)})
+def _may(*command):
+    """Whether a program of the user, in the same session, succeeds."""
+    return subprocess.run(in_session(command), stdin=subprocess.DEVNULL, capture_output=True,
+                          check=False).returncode == 0
 
 
-def _permitted(lab, _keyboard, probe, _stack):
-    # The permission has to be there before the retry.
-    with lab.watch.timed():
-        wait_until(probe.asked.exists, "the prompt")
-        _agree(lab)
-        probe.lines.wait_for(lambda line: line == "active yes", "the retry", TIMEOUT)
+def _rights(reader, keyboard):
+    """What the reader may, and what the user's other programs may meanwhile."""
+    lines = pathlib.Path(f"/proc/{reader}/status").read_text(encoding="ascii").splitlines()
+    fields = dict(line.split(":\t", 1) for line in lines)
+    limits = pathlib.Path(f"/proc/{reader}/limits").read_text(encoding="ascii").splitlines()
+    return {
+        "status": {field: fields[field].split() for field in STATUS},
+        "files": open_files(reader),
+        # The files there are the user's if the process can be dumped.
+        "can_be_dumped": os.stat(f"/proc/{reader}/status").st_uid != 0,
+        "core_limits": next(line.split()[4:6] for line in limits if "core file" in line),
+        "others_may_read_the_node": _may("head", "--bytes=0", keyboard.path),
+        "others_may_read_its_memory": _may("head", "--bytes=0", f"/proc/{reader}/mem"),
+        "others_may_signal_it": _may("sh", "-c", f"kill -0 {reader}"),
+    }
 
 
-def _readable_later(_lab, one, probe, stack):
-    """A keyboard becomes readable only after the tap was started."""
-    probe.lines.wait_for(lambda line: line == "tap yes", "the tap", TIMEOUT)
-    other = Keyboard("lab keyboard two", stack)
-    settle()
-    other.stroke(KEY_A)
-    one.stroke(KEY_A)
-    probe.lines.wait_for(lambda line: line == "key", "the first key", TIMEOUT)
-    _allow(other)
-    wait_until(lambda: reads(probe.pid, other), "the other keyboard to be opened")
-    other.stroke(KEY_B)
-    wait_until(lambda: probe.lines.text.count("key") == 2, "the second key")
+def _type_the_password(program, reader, keyboard):
+    """What of it is in the memory of the program and of the reader."""
+    wanted = memory.forms(PASSWORD, "hunter2")
+    keyboard.type(PASSWORD, 0.1)
+    return {"program": memory.search(program.pid, wanted),
+            "reader": memory.search(reader, wanted)}
 
 
-def play_all(play):
-    """Calls `play(name, scenario, *arguments, **options)` for every scenario of this file."""
-    play("refused", _run_probe, "effect", _refused)
-    play("permitted", _run_probe, "effect", _permitted)
-    play("readable_later", _run_probe, "tap", _readable_later, is_readable=True)
+def granted(lab, name, seat):
+    """The program asks, hears keys, and is killed with the keyboard open."""
+    with contextlib.ExitStack() as stack:
+        recording = lab.desktop.record(lab.folder(name) / "recorder.log", stack)
+        agent = seat.agent(name, stack)
+        agent.will("agree")
+        keyboard = Keyboard("lab keyboard one", stack)
+        settle()
+        with seat.program(name, stack) as (program, facts):
+            _, reader = arm(lab, program)
+            facts["actions"] = []
+            log = ActionLog(reader, facts["actions"])
+            log.wait_until_heard(keyboard)
+            time.sleep(PAUSE)
+            with lab.watch.timed():
+                log.do("stroke", lambda: keyboard.stroke(KEY_A))
+            lab.save_sound(name, recording, facts)
+            facts["devices_of_the_program"] = devices(program.pid)
+            facts["rights"] = _rights(reader, keyboard)
+            facts["kept"] = _type_the_password(program, reader, keyboard)
+            with lab.watch.timed():
+                killed = time.monotonic()
+                program.kill()
+                wait_until(lambda: not readers(), "the reader to end", interval=0.005)
+                facts["outlived_by"] = time.monotonic() - killed
+            facts.update(asked=agent.log(), log=seat.log.lines)
+
+
+def _ask(app, agent):
+    """Switches the cracks on and waits for polkit's question."""
+    before = len(agent.log())
+    app.toggle(screens.KEYBOARD)
+    wait_until(lambda: len(agent.log()) > before, "the question")
+
+
+def withdrawn(lab, name, seat):
+    """The control panel is left while the question is open; so is the program, after another."""
+    with contextlib.ExitStack() as stack:
+        agent = seat.agent(name, stack)
+        Keyboard("lab keyboard one", stack)
+        settle()
+        with seat.program(name, stack) as (program, facts):
+            app = screens.open_control_panel(lab.reader, program, TIMEOUT)
+            _ask(app, agent)
+            app.press(screens.LEAVE)
+            wait_until(lambda: len(agent.log()) == 2, "the question to go")
+            app.press(screens.ENTER, TIMEOUT)
+            app.find(screens.LEAVE, timeout=TIMEOUT)
+            _ask(app, agent)
+            program.terminate()
+            wait_until(lambda: len(agent.log()) == 4, "the question to go")
+            facts["asked"] = agent.log()
+
+
+def granted_late(lab, name, seat):
+    """The user agrees when the effect no longer waits, and switches it on again."""
+    with contextlib.ExitStack() as stack:
+        agent = seat.agent(name, stack)
+        keyboard = Keyboard("lab keyboard one", stack)
+        settle()
+        with seat.program(name, stack) as (program, facts):
+            app = screens.open_control_panel(lab.reader, program, TIMEOUT)
+            _ask(app, agent)
+            time.sleep(RETRY + 1)
+            agent.will("agree")
+            reader, = wait_until(readers, "the reader")
+            hint = wait_until(lambda: app.description(screens.KEYBOARD), "the hint")
+            facts.update(hint=hint, devices_before=devices(reader))
+            app.toggle(screens.KEYBOARD)
+            program.console.wait_for(lambda line: "Event tap started" in line, "armed", TIMEOUT)
+            wait_until(lambda: keyboard.path in devices(reader), "the keyboard to be opened")
+            facts.update(hint_at_last=app.description(screens.KEYBOARD), asked=agent.log())
+
+
+def play_all(play, seat):
+    """Calls `play(name, scenario, ...)` for every scenario of this file."""
+    play("refused", _run_probe, seat, "refuse", _refused)
+    play("permitted", _run_probe, seat, "agree", _permitted)
+    for scenario in (granted, withdrawn, granted_late):
+        play(scenario.__name__, scenario, seat)

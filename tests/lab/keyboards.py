@@ -1,24 +1,21 @@
-"""Scenarios with uinput keyboards, in a session that looks like Wayland.
+"""Scenarios in which the installed program hears uinput keyboards, in a session that looks like Wayland.
 
 Each leaves its actions, with times, for keyboards_test.py.
 """
 
 import contextlib
 import os
-import pathlib
-import struct
-import subprocess
+import shutil
 import time
 
-from virtual_desktop import processes, screens
+from virtual_desktop import screens
 from virtual_desktop.waiting import wait_until
 
-from input_device import EV_KEY, InputDevice
+from keyboard_device import EV_KEY, KEY_A, KEY_B, KEY_C, KEY_LEFTSHIFT, KEYS, Keyboard
 from lab_desktop import TIMEOUT
+from logins import in_session
+from seat import open_files, readers, reads, settle
 
-EV_SYN, EV_REP = 0x00, 0x14
-KEY_A, KEY_B, KEY_C, KEY_LEFTSHIFT = 30, 48, 46, 42
-KEYS = tuple(range(1, 89))
 # Letters, digits and function keys, without modifiers and locks.
 BURST = [key for key in KEYS if key not in (29, 42, 54, 56, 58, 69, 70)][:64]
 
@@ -30,69 +27,11 @@ STROKES = 6
 STROKE = 0.5
 
 
-class Keyboard(InputDevice):
-    """A keyboard whose held keys the kernel repeats."""
-
-    def __init__(self, name, stack):
-        super().__init__(name, {EV_KEY: KEYS, EV_REP: ()})
-        self.path = f"/dev/input/{self.node.name}"
-        self._is_plugged = True
-        stack.callback(self.unplug)
-
-    def write(self, *events):
-        """Sends (type, code, value) events in one write."""
-        os.write(self._file, b"".join(struct.pack("llHHi", 0, 0, *event) for event in events))
-
-    def press(self, *keys):
-        self.write(*(event for key in keys for event in ((EV_KEY, key, 1), (EV_SYN, 0, 0))))
-
-    def release(self, *keys):
-        self.write(*(event for key in keys for event in ((EV_KEY, key, 0), (EV_SYN, 0, 0))))
-
-    def stroke(self, key):
-        self.press(key)
-        self.release(key)
-
-    def unplug(self):
-        if self._is_plugged:
-            self._is_plugged = False
-            self.close()
-
-
-@contextlib.contextmanager
-def device_manager(env):
-    """A running udev, which names and announces the devices."""
-    with contextlib.ExitStack() as stack:
-        processes.start(["/lib/systemd/systemd-udevd"], env, stack)
-        wait_until(lambda: os.path.exists("/run/udev/control"), "udev")
-        yield
-
-
-def settle():
-    """Waits until udev has announced every device that was added or removed."""
-    # The machine runs in a chroot, where udevadm ignores udev by default.
-    subprocess.run(["udevadm", "settle", "--timeout=60"], check=True,
-                   env=dict(os.environ, SYSTEMD_IGNORE_CHROOT="1"))
-
-
-def reads(pid, keyboard):
-    """Whether the process has the keyboard open."""
-    return keyboard.path in _open_files(pid)
-
-
-def _open_files(pid):
-    files = []
-    for entry in pathlib.Path(f"/proc/{pid}/fd").iterdir():
-        with contextlib.suppress(FileNotFoundError):
-            files.append(os.readlink(entry))
-    return files
-
-
 class ActionLog:
     """Runs actions at the keyboards and logs when each began and ended."""
 
-    def __init__(self, program, actions):
-        self._program = program
+    def __init__(self, reader, actions):
+        self._reader = reader
         self._actions = actions
 
     def do(self, name, *actions, pause=PAUSE):
@@ -104,7 +43,7 @@ class ActionLog:
         self._actions.append({"action": name, "begin": begin, "end": time.monotonic()})
 
     def wait_until_heard(self, keyboard):
-        wait_until(lambda: reads(self._program.pid, keyboard), "the program to open a keyboard")
+        wait_until(lambda: reads(self._reader, keyboard), "the reader to open a keyboard")
 
 
 def _unplug_and_replug_while_typing(log, one, other, stack):
@@ -133,53 +72,57 @@ def _type(log, one, other, stack):
     log.do("stroke after all that", lambda: one.stroke(KEY_A))
 
 
-@contextlib.contextmanager
-def _wayland_session(env):
-    env["WAYLAND_DISPLAY"] = "no-such-compositor"
-    try:
-        yield
-    finally:
-        del env["WAYLAND_DISPLAY"]
-
-
-def _arm(lab, program, facts):
-    """Switches the cracks on and waits until keys are heard."""
+def arm(lab, program):
+    """Switches the cracks on and waits until keys are heard; the control panel and the reader."""
     app = screens.open_control_panel(lab.reader, program, TIMEOUT)
-    facts["files_before"] = _open_files(program.pid)
     app.toggle(screens.KEYBOARD)
     program.console.wait_for(lambda line: "Event tap started" in line, "armed", TIMEOUT)
-    time.sleep(PAUSE)
-    return app
+    reader, = readers()
+    return app, reader
 
 
-def typing(lab, name):
+def devices(*processes):
+    """The input devices that the processes have open."""
+    files = [file for process in processes for file in open_files(process)]
+    return [file for file in files if file.startswith("/dev/input/")]
+
+
+def typing(lab, name, seat):
     """Typing on two keyboards, one of which is unplugged and plugged in again."""
-    lab.set_first_launch(False)
     with contextlib.ExitStack() as stack:
-        stack.enter_context(_wayland_session(lab.desktop.env))
         recording = lab.desktop.record(lab.folder(name) / "recorder.log", stack)
+        agent = seat.agent(name, stack)
         one = Keyboard("lab keyboard one", stack)
         other = Keyboard("lab keyboard two", stack)
         settle()
-        with lab.program(name, stack) as (program, facts):
-            app = _arm(lab, program, facts)
+        with seat.program(name, stack, ["input"]) as (program, facts):
+            app, reader = arm(lab, program)
             facts["actions"] = []
-            log = ActionLog(program, facts["actions"])
+            log = ActionLog(reader, facts["actions"])
+            log.wait_until_heard(one)
+            log.wait_until_heard(other)
+            time.sleep(PAUSE)
+            facts["devices_of_the_program"] = devices(program.pid)
             with lab.watch.timed():
                 _type(log, one, other, stack)
                 app.toggle(screens.KEYBOARD)
-                wait_until(lambda: not reads(program.pid, one), "the keyboard to be closed")
+                wait_until(lambda: not any(reads(pid, one) for pid in readers()),
+                           "the keyboard to be closed")
                 log.do("switched off", lambda: one.stroke(KEY_A))
-            facts["files_after"] = _open_files(program.pid)
+            facts["devices_when_off"] = devices(program.pid, *readers())
+            facts["asked"] = agent.log()
             lab.save_sound(name, recording, facts)
 
 
-def uinput_contract(lab, name):
+def uinput_contract(lab, name, seat):
     """The contract test of the event taps, on uinput keyboards."""
-    lab.run_contract(name, lab.build / "contract_uinput")
+    # It makes them itself.
+    shutil.chown("/dev/uinput", group="input")
+    os.chmod("/dev/uinput", 0o660)
+    lab.run_contract(name, *in_session(["/usr/bin/contract_uinput"], ["input"]), env=seat.env)
 
 
-def play_all(play):
-    """Calls `play(name, scenario)` for every scenario of this file."""
-    play("typing", typing)
-    play("uinput_contract", uinput_contract)
+def play_all(play, seat):
+    """Calls `play(name, scenario, seat)` for every scenario of this file."""
+    play("typing", typing, seat)
+    play("uinput_contract", uinput_contract, seat)
