@@ -57,6 +57,8 @@ class Desktop:
         if not any(BY_TIMERS in line for line in sound.log.text):
             raise RuntimeError("the sound server does not schedule by timers")
         self.env["PULSE_SERVER"] = sound.address
+        # For programs that do not run as root.
+        (directory / "sound").chmod(0o755)
         self.user_env = self._environment_of_the_user(directory / "user")
         # Its bus is for its user and root.
         self.accessibility = AccessibilityBus(self.user_env, bus.address, stack, user=USER.pw_uid,
