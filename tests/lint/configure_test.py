@@ -1,6 +1,7 @@
 #!/usr/bin/python3
 """Configuring the build, with and without the tests."""
 
+import functools
 import json
 import os
 import pathlib
@@ -39,8 +40,11 @@ class Configuration(unittest.TestCase):
         names = [name for name in self.commands() if name.startswith(("tests/", "bench/"))]
         self.assertEqual(names, [])
 
-    def build_key_reader(self, preset):
-        folder = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory()))
+    @staticmethod
+    @functools.cache
+    def key_reader(preset):
+        """The program that runs as root, built for all tests together."""
+        folder = pathlib.Path(Configuration.enterClassContext(tempfile.TemporaryDirectory()))
         for command in (["cmake", "--preset", preset, "-B", folder],
                         ["cmake", "--build", folder, "--target", "quorvane-key-reader"]):
             subprocess.run(command, cwd=ROOT, check=True, capture_output=True)
@@ -49,7 +53,7 @@ class Configuration(unittest.TestCase):
     def test_what_runs_as_root_is_hardened_in_every_build(self):
         for preset in ("default", "release"):
             with self.subTest(preset):
-                program = self.build_key_reader(preset)
+                program = self.key_reader(preset)
                 facts = subprocess.run(["readelf", "-Whdls", program], check=True,
                                        capture_output=True, text=True).stdout
                 for fact in ("Position-Independent Executable", "BIND_NOW", "GNU_RELRO",
@@ -63,7 +67,7 @@ class Configuration(unittest.TestCase):
                         self.assertIn(" -D_FORTIFY_SOURCE=2", entry["command"])
 
     def test_a_release_is_hardened_and_does_not_contain_the_source_path(self):
-        program = self.build_key_reader("release")
+        program = self.key_reader("release")
         self.assertEqual(program.read_bytes().count(os.fsencode(f"{ROOT}/platform")), 0)
         commands = json.loads((program.parent / "compile_commands.json").read_text())
         for entry in commands:
