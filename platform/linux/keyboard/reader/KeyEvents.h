@@ -1,12 +1,13 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <climits>
 #include <cstddef>
+#include <cstring>
 #include <functional>
 #include <linux/input.h>
 #include <optional>
-#include <string.h>
 
 namespace quorvane {
 
@@ -26,7 +27,9 @@ public:
             isIn ? m_words[key / bits] | bit(key) : m_words[key / bits] & ~bit(key);
     }
 
-    [[nodiscard]] bool none() const { return m_words == Words(); }
+    [[nodiscard]] bool none() const {
+        return std::all_of(m_words.begin(), m_words.end(), [](auto word) { return word == 0; });
+    }
 
     [[nodiscard]] void* data() { return m_words.data(); }
 

@@ -20,8 +20,6 @@ namespace quorvane {
 
 namespace {
 
-using testing::ElementsAre;
-
 constexpr uid_t person = 12345;
 
 /// A fake logind that knows which sessions are locked.
