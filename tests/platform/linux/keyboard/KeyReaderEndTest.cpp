@@ -81,7 +81,7 @@ TEST_F(KeyReaderEndTest, ReaderThatEndsBeforeItRunsLeavesAHint) {
 }
 
 TEST_F(KeyReaderEndTest, ReaderThatClosesItsOutputIsMadeToEnd) {
-    runUntilALineComes("exec >&-\ncat\nexit 5");
+    runUntilALineComes("exec >&-\ncat >/dev/null\nexit 5");
     EXPECT_EQ(saysAtItsEnd(), "quorvane: the key reader ended: status 5\n");
 }
 

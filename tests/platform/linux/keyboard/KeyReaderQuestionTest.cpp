@@ -25,19 +25,19 @@ protected:
     /// answer's status.
     void installPkexec() const {
         const auto script =
-            m_standIn.folder().write("pkexec", "#!/bin/sh\n"
-                                               "cd " +
-                                                   folder().string() +
-                                                   "\n"
-                                                   "echo \"$@\" >>calls\n"
-                                                   "echo $$ >process\n"
-                                                   "while [ ! -e answer ]; do\n"
-                                                   "    sleep 0.02\n"
-                                                   "done\n"
-                                                   "read answer <answer\n"
-                                                   "rm answer\n"
-                                                   "[ $answer = yes ] || exit $answer\n"
-                                                   "exec \"$2\"\n");
+            m_standIn.folder().write("pkexec", "#!/bin/sh\ncd " + folder().string() +
+                                                   R"(
+echo "$@" >>calls
+echo $$ >process
+while [ ! -e answer ]; do
+    [ -e process ] || exit # The test has ended.
+    sleep 0.02
+done
+read answer <answer
+rm answer
+[ $answer = yes ] || exit $answer
+exec "$2"
+)");
         std::filesystem::permissions(script, std::filesystem::perms{0755});
     }
 
