@@ -6,6 +6,7 @@ Each leaves its facts for keyboard_rights_test.py.
 import contextlib
 import os
 import pathlib
+import signal
 import subprocess
 import time
 
@@ -21,6 +22,9 @@ from seat import open_files, readers, settle
 
 RETRY = 3.0
 """Seconds after which the effect checks its permission once more."""
+
+OUTLIVED = 3.0
+"""Seconds after which a reader without its program is killed."""
 
 STATUS = ("Uid", "Gid", "Groups", "CapPrm", "CapEff", "CapAmb", "NoNewPrivs")
 
@@ -98,6 +102,19 @@ def _type_the_password(program, reader, keyboard):
             "reader": memory.search(reader, wanted)}
 
 
+def _kill(program):
+    """How long the reader outlives the program; no longer than OUTLIVED."""
+    killed = time.monotonic()
+    program.kill()
+    while left := readers():
+        if time.monotonic() - killed > OUTLIVED:
+            for reader in left:
+                os.kill(reader, signal.SIGKILL)
+            break
+        time.sleep(0.005)
+    return time.monotonic() - killed
+
+
 def granted(lab, name, seat):
     """The program asks, hears keys, and is killed with the keyboard open."""
     with contextlib.ExitStack() as stack:
@@ -119,10 +136,7 @@ def granted(lab, name, seat):
             facts["rights"] = _rights(reader, keyboard)
             facts["kept"] = _type_the_password(program, reader, keyboard)
             with lab.watch.timed():
-                killed = time.monotonic()
-                program.kill()
-                wait_until(lambda: not readers(), "the reader to end", interval=0.005)
-                facts["outlived_by"] = time.monotonic() - killed
+                facts["outlived_by"] = _kill(program)
             facts.update(asked=agent.log(), log=seat.log.lines)
 
 
