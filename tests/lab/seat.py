@@ -97,10 +97,6 @@ class Seat:
     def _start_device_manager(self, stack):
         processes.start(["/lib/systemd/systemd-udevd"], self._system_env, stack)
         wait_until(lambda: os.path.exists("/run/udev/control"), "udev")
-        # What was there before gets no group from it.
-        for node in pathlib.Path("/dev/snd").glob("[cp]*"):
-            shutil.chown(node, group="audio")
-            node.chmod(0o660)
 
     def agent(self, name, stack):
         """A polkit agent in the user's session; leaves agent.log for the scenario."""
@@ -112,6 +108,6 @@ class Seat:
         """The installed program, run by the user with these groups; see Lab.program."""
         screens.skip_hardware_check(self.env)
         subprocess.run(["chown", "-R", str(USER.pw_uid), self.env["HOME"]], check=True)
-        command = in_session([PROGRAM], (*groups, "audio"))
+        command = in_session([PROGRAM], groups)
         with self._lab.program(name, stack, command, self.env) as running:
             yield running
