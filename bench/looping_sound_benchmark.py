@@ -15,7 +15,7 @@ import tempfile
 import time
 
 import rows
-from measuring import FAN, argument, memory, print_figures, shares, write_repeated_fan
+from measuring import FAN, argument, costs, memory, print_figures, write_repeated_fan
 
 from virtual_desktop import processes
 from virtual_desktop.sound_server import SoundServer
@@ -29,10 +29,10 @@ def measure(command, environment):
     with contextlib.ExitStack() as stack:
         player = processes.start(command, environment, stack, stdout=subprocess.DEVNULL)
         time.sleep(SETTLES)
-        share, = shares(LASTS, player.pid)
+        (milliseconds, wake_ups), = costs(LASTS, [player.pid])
         if player.poll() is not None:
             raise SystemExit(f"{command[0]} has ended")
-        return {"processor time (ms in 20 s)": share * LASTS * 1000,
+        return {"processor time (ms/s)": milliseconds, "wake-ups (/s)": wake_ups,
                 "memory (MiB)": memory(player.pid)}
 
 
