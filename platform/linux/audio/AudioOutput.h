@@ -113,7 +113,7 @@ private:
     [[nodiscard]] bool isNeeded(Clock::time_point now) const;
     [[nodiscard]] bool isAwaited(Clock::time_point now) const;
     [[nodiscard]] std::int64_t nextFrame(Clock::time_point now) const;
-    [[nodiscard]] std::optional<Clock::time_point> nextEnd() const;
+    [[nodiscard]] std::optional<Clock::time_point> nextQuestion() const;
 
     mutable std::mutex m_mutex;
     std::condition_variable m_hasEnded;

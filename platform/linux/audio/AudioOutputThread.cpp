@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstdlib>
 #include <utility>
 
 #include "platform/linux/audio/AudioOutput.h"
@@ -25,9 +26,11 @@ constexpr std::int64_t leastFill = streamRate / 2;
 
 // An answer that took longer tells too little about the present.
 constexpr Seconds promptly{0.5};
-// A stream that is this far behind the clock has stood still, as has one that does not answer.
+// A stream that is this far from where it should be by the clock has stood still, or hurried after
+// that; one that does not answer, though it should have long asked for more, stands still.
 constexpr std::int64_t standstill = streamRate / 4;
 constexpr std::chrono::seconds longestAnswer{1};
+constexpr std::chrono::seconds longestSilence{2};
 constexpr std::chrono::milliseconds lookInterval{500};
 
 Track::Clock::duration durationOf(std::int64_t frames) {
@@ -85,9 +88,8 @@ void AudioOutput::serveStream(Clock::time_point now) {
     if (!m_stream || m_corked)
         return;
     lookAfterStandstill(now);
-    const auto end = nextEnd();
-    const bool ends = end && *end <= now;
-    if (!m_askedAt && (m_changed || m_streamChanged || ends))
+    const auto due = nextQuestion();
+    if (!m_askedAt && (m_changed || m_streamChanged || (due && *due <= now)))
         ask(now);
 }
 
@@ -120,8 +122,7 @@ void AudioOutput::followPosition() {
         ask(position.time);
         return;
     }
-    const bool stoodStill = m_position && position.next + standstill < nextFrame(position.time);
-    if (stoodStill) {
+    if (m_position && std::abs(position.next - nextFrame(position.time)) > standstill) {
         m_stillSince = m_stillSince.value_or(m_position->time);
         recover(position.time, *m_stillSince);
         m_nextLook = position.time + lookInterval;
@@ -197,15 +198,16 @@ void AudioOutput::write(std::int64_t frame, std::size_t frames) {
     m_written = frame + static_cast<std::int64_t>(frames);
 }
 
-/// The time at which the next sound that ends has been heard to its end.
-std::optional<AudioOutput::Clock::time_point> AudioOutput::nextEnd() const {
-    std::optional<std::int64_t> next;
-    for (const Member& member : m_members)
-        if (const auto end = member.track->nextEnd(); end && (!next || *end < *next))
-            next = end;
-    if (!next || !m_position)
+/// When the server is to be asked for its position, if nothing changes: when the next sound has been
+/// heard to its end, or when the server has said nothing for long.
+std::optional<AudioOutput::Clock::time_point> AudioOutput::nextQuestion() const {
+    if (!m_position || m_corked)
         return std::nullopt;
-    return m_position->time + durationOf(*next - m_position->heard + 1);
+    auto due = m_position->time + longestSilence;
+    for (const Member& member : m_members)
+        if (const auto end = member.track->nextEnd())
+            due = std::min(due, m_position->time + durationOf(*end - m_position->heard + 1));
+    return due;
 }
 
 void AudioOutput::restIfSilent(Clock::time_point now) {
@@ -221,6 +223,8 @@ void AudioOutput::restIfSilent(Clock::time_point now) {
     const bool rests = m_silentSince && now - *m_silentSince >= corkedAfter;
     if (rests == m_corked)
         return;
+    for (const Member& member : m_members)
+        member.track->leaveStream();
     m_corked = rests;
     m_position.reset();
     m_stillSince.reset();
@@ -239,8 +243,8 @@ std::optional<AudioOutput::Clock::time_point> AudioOutput::nextWake() const {
         atLatest(m_nextAttempt);
     if (m_stream && m_silentSince)
         atLatest(*m_silentSince + (m_corked ? closedAfter : Clock::duration(corkedAfter)));
-    if (const auto end = nextEnd(); end && m_stream && !m_askedAt)
-        atLatest(*end);
+    if (const auto due = nextQuestion(); due && !m_askedAt)
+        atLatest(*due);
     if (m_stillSince)
         atLatest(m_nextLook);
     else if (m_askedAt)

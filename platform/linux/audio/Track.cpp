@@ -141,7 +141,11 @@ Track::Completions Track::recover(Clock::time_point now, Clock::time_point lostA
     leaveStream();
     if (!m_playing || m_parts.empty())
         return {};
-    m_playing = waitsStill(now, lostAt);
+    if (!waitsStill(now, lostAt)) {
+        if (m_atEnd == AtEnd::Waits)
+            return clear();
+        pause(now);
+    }
     ++m_take;
     m_takePlace = now - m_since > grace ? place(now) : m_place;
     m_confirmed.take = m_take;
