@@ -38,7 +38,8 @@ public:
         if (ioctl(m_descriptor, UI_DEV_SETUP, &setup) < 0 || ioctl(m_descriptor, UI_DEV_CREATE) < 0)
             throw std::runtime_error("the kernel makes no keyboard");
         if (!waitUntil(&isReadable))
-            throw std::runtime_error("udev does not find the keyboard, or the user may not read it");
+            throw std::runtime_error(
+                "udev does not find the keyboard, or the user may not read it");
     }
 
     ~UinputKeyboard() {
