@@ -1,4 +1,4 @@
-"""Scenarios in which the installed program hears uinput keyboards, in a session that looks like Wayland.
+"""Scenarios in which the installed program hears uinput keyboards, in what looks like Wayland.
 
 Each leaves its actions, with times, for keyboards_test.py.
 """

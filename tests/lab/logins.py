@@ -1,4 +1,4 @@
-"""The sessions at the machine's seat, as logind tells of them: in its files and on the system bus."""
+"""The sessions at the machine's seat, as logind tells of them: in files and on the system bus."""
 
 import pathlib
 import pwd

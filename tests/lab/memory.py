@@ -1,4 +1,4 @@
-"""Searches the memory of a process for keys that were typed, in any form that a program would keep."""
+"""Searches a process's memory for keys that were typed, in any form that a program would keep."""
 
 import array
 import re

@@ -4,9 +4,9 @@
 
 MEMBERS is the list of the processes in the session's control group, from which polkit tells it.
 
-Answers "agree" or "refuse" to the questions that are open and to those that come, or leaves them open
-on "wait": the last line on standard input counts, with which it ends. Each question is a line of JSON
-in the log, and so is its being taken away.
+Answers "agree" or "refuse" to the questions that are open and to those that come, or leaves them
+open on "wait": the last line on standard input counts, with which it ends. Each question is a line
+of JSON in the log, and so is its being taken away.
 """
 
 import json

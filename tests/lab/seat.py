@@ -1,4 +1,4 @@
-"""The seat of the lab machine: udev, logind's state and polkit, and the installed program's user."""
+"""The seat of the lab machine: udev, logind's state, polkit, and the installed program's user."""
 
 import contextlib
 import os
