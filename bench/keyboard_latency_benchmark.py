@@ -250,6 +250,8 @@ def summary(values):
 
 def report(server, typed, rested, spent):
     """Prints the results."""
+    if not all([*typed.values(), *rested.values()]):
+        raise SystemExit("too few keys were heard: the machine is too busy")
     for name, title in (("ours", "Quorvane"), ("other", "bucklespring")):
         print(f"== {title}\n{len(typed[name])} keys (ms): {summary(typed[name])}")
         print(f"{len(rested[name])} keys after a rest (ms): {summary(rested[name])}")
