@@ -43,8 +43,7 @@ public:
 };
 
 std::unique_ptr<AudioBackend> makeSimulatedAudioBackend();
-std::unique_ptr<AudioBackend> makeLinuxAudioBackend();
-/// With a long buffer, which does not run dry on a busy machine; its timing is inexact.
-std::unique_ptr<AudioBackend> makeSteadyLinuxAudioBackend();
+std::unique_ptr<AudioBackend> makePulseAudioBackend();
+std::unique_ptr<AudioBackend> makePipeWireBackend();
 
 } // namespace quorvane

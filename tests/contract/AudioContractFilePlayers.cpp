@@ -206,13 +206,27 @@ TEST_P(AudioFilePlayerContract, ASoundThatWouldBeOverIsDropped) {
 }
 
 TEST_P(AudioFilePlayerContract, APlayIsDroppedAfterSomeSecondsWithoutADevice) {
-    m_player->setNumberOfLoops(-1);
+    m_player->setNumberOfLoops(99);
     m_backend->setOutputDevicePresent(false);
     EXPECT_FALSE(m_player->play());
     pass(5.5);
     m_backend->setOutputDevicePresent(true);
     pass(1);
     EXPECT_FALSE(m_player->isPlaying());
+}
+
+TEST_P(AudioFilePlayerContract, AnEndlessLoopWaitsForItsDeviceForAsLongAsItTakes) {
+    const auto player = open(m_backend->goodFile());
+    player->setNumberOfLoops(-1);
+    m_backend->setOutputDevicePresent(false);
+    const Call start = timed([&] { EXPECT_FALSE(player->play()); });
+    pass(6);
+    EXPECT_FALSE(player->isPlaying());
+    m_backend->setOutputDevicePresent(true);
+    secondsUntil([&] { return player->isPlaying(); });
+    // The sound lasts a second and repeats.
+    const double turns = m_backend->now() - start.done - player->currentTime();
+    EXPECT_NEAR(turns, std::round(turns), 0.2);
 }
 
 TEST_P(AudioFilePlayerContract, StopDropsAPlayThatWaitsForADevice) {
@@ -266,7 +280,10 @@ TEST_P(AudioFilePlayerContract, APlayerMayBeDestroyedWhilePlaying) {
 
 INSTANTIATE_TEST_SUITE_P(Simulated, AudioFilePlayerContract,
                          testing::Values(&makeSimulatedAudioBackend));
-INSTANTIATE_TEST_SUITE_P(Linux, AudioFilePlayerContract, testing::Values(&makeLinuxAudioBackend));
+INSTANTIATE_TEST_SUITE_P(LinuxPulseAudio, AudioFilePlayerContract,
+                         testing::Values(&makePulseAudioBackend));
+INSTANTIATE_TEST_SUITE_P(LinuxPipeWire, AudioFilePlayerContract,
+                         testing::Values(&makePipeWireBackend));
 
 } // namespace
 } // namespace quorvane

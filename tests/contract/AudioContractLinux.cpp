@@ -1,15 +1,15 @@
 #include "tests/contract/AudioBackend.h"
 
 #include <chrono>
-#include <cstdlib>
-#include <string_view>
+#include <stdexcept>
 #include <thread>
 
 #include "platform/linux/audio/PulseAudioService.h"
-#include "tests/support/PulseAudioServer.h"
 #include "tests/support/SoundFiles.h"
 #include "tests/support/SoundRecorder.h"
+#include "tests/support/SoundServer.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/Waiting.h"
 
 namespace quorvane {
 
@@ -17,12 +17,9 @@ namespace {
 
 class LinuxAudioBackend final : public AudioBackend {
 public:
-    /// `settings` in the format of OpenAL Soft's .alsoftrc.
-    explicit LinuxAudioBackend(std::string_view settings) {
-        m_server.start();
-        m_folder.write(".alsoftrc", settings);
-        // OpenAL reads .alsoftrc from HOME, which the server's constructor has set.
-        unsetenv("ALSOFT_CONF"); // NOLINT(concurrency-mt-unsafe): no other thread yet.
+    explicit LinuxAudioBackend(SoundServerKind kind)
+        : m_server(SoundServer::make(kind, m_folder.path())) {
+        m_server->start();
         m_audio = std::make_unique<PulseAudioService>();
         writeWAV(clipFile(), clip());
         makeMP3(goodFile(), chirp({.sampleRate = 44100, .channels = 2}, goodFileFrames));
@@ -47,9 +44,15 @@ public:
 
     void setOutputDevicePresent(bool present) override {
         if (present)
-            m_server.start();
+            m_server->start();
         else
-            m_server.kill();
+            m_server->kill();
+        // The service notices a moment later.
+        const auto isKnown = [&] {
+            return present != m_audio->createEngine()->start().has_value();
+        };
+        if (!waitUntil(isKnown))
+            throw std::runtime_error("the server goes or comes unnoticed");
     }
 
     [[nodiscard]] std::filesystem::path goodFile() const override {
@@ -72,25 +75,25 @@ public:
         return m_folder.path() / "clip.wav";
     }
 
-    void startRecording() override { m_recorder = std::make_unique<SoundRecorder>(m_server); }
+    void startRecording() override { m_recorder = std::make_unique<SoundRecorder>(*m_server); }
 
     [[nodiscard]] std::vector<float> finishRecording() override { return m_recorder->finish(); }
 
 private:
     TemporaryFolder m_folder;
-    PulseAudioServer m_server{m_folder.path()};
+    std::unique_ptr<SoundServer> m_server;
     std::unique_ptr<SoundRecorder> m_recorder;
     std::unique_ptr<PulseAudioService> m_audio;
 };
 
 } // namespace
 
-std::unique_ptr<AudioBackend> makeLinuxAudioBackend() {
-    return std::make_unique<LinuxAudioBackend>("");
+std::unique_ptr<AudioBackend> makePulseAudioBackend() {
+    return std::make_unique<LinuxAudioBackend>(SoundServerKind::PulseAudio);
 }
 
-std::unique_ptr<AudioBackend> makeSteadyLinuxAudioBackend() {
-    return std::make_unique<LinuxAudioBackend>("period_size = 2048\nperiods = 8\n");
+std::unique_ptr<AudioBackend> makePipeWireBackend() {
+    return std::make_unique<LinuxAudioBackend>(SoundServerKind::PipeWire);
 }
 
 PCMBuffer AudioBackend::clip() {

@@ -121,8 +121,10 @@ TEST_P(AudioContract, BuffersPlayOneAfterTheOther) {
     start();
     schedule("a", 0.2);
     schedule("b", 0.3);
-    EXPECT_THAT(secondsPlayed(1), isAbout(0.2));
-    EXPECT_THAT(secondsUntilCompleted(2), isAbout(0.3));
+    const double first = secondsPlayed(1);
+    EXPECT_THAT(first, isAbout(0.2));
+    // The first completion may have been late.
+    EXPECT_THAT(first + secondsUntilCompleted(2), isAbout(0.5));
     EXPECT_THAT(completed(), ElementsAre("a", "b"));
 }
 
@@ -155,7 +157,8 @@ TEST_P(AudioContract, RepeatedCallsAreHarmless) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Simulated, AudioContract, testing::Values(&makeSimulatedAudioBackend));
-INSTANTIATE_TEST_SUITE_P(Linux, AudioContract, testing::Values(&makeLinuxAudioBackend));
+INSTANTIATE_TEST_SUITE_P(LinuxPulseAudio, AudioContract, testing::Values(&makePulseAudioBackend));
+INSTANTIATE_TEST_SUITE_P(LinuxPipeWire, AudioContract, testing::Values(&makePipeWireBackend));
 
 } // namespace
 } // namespace quorvane

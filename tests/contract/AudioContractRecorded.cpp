@@ -197,8 +197,10 @@ TEST_P(AudioRecordedContract, AFilePlayersVolumeChangesWhatSounds) {
 
 INSTANTIATE_TEST_SUITE_P(Simulated, AudioRecordedContract,
                          testing::Values(&makeSimulatedAudioBackend));
-INSTANTIATE_TEST_SUITE_P(Linux, AudioRecordedContract,
-                         testing::Values(&makeSteadyLinuxAudioBackend));
+INSTANTIATE_TEST_SUITE_P(LinuxPulseAudio, AudioRecordedContract,
+                         testing::Values(&makePulseAudioBackend));
+INSTANTIATE_TEST_SUITE_P(LinuxPipeWire, AudioRecordedContract,
+                         testing::Values(&makePipeWireBackend));
 
 } // namespace
 } // namespace quorvane
