@@ -110,7 +110,7 @@ public:
     /// Plays from the current time; does nothing during playback. False without a sound. False also
     /// without an output device: if one appears within some seconds, as after a wake-up, playback
     /// starts then, at the position that the sound would have reached; later the request is
-    /// dropped.
+    /// dropped, unless the sound is endless.
     virtual bool play() = 0;
     /// Silent at once, without a click; keeps its position.
     virtual void stop() = 0;

@@ -99,7 +99,8 @@ void SimulatedAudioFilePlayer::deviceCame() {
         return;
     const Request request = *std::exchange(m_request, std::nullopt);
     const double waited = m_runLoop.currentMediaTime() - request.time;
-    if (waited > patience || waited >= request.left)
+    // An endless sound waits for as long as it takes.
+    if ((waited > patience && std::isfinite(request.left)) || waited >= request.left)
         return;
     m_place = std::fmod(m_place + waited, duration());
     sound(request.left - waited);

@@ -20,7 +20,7 @@ class SimulatedAudioFilePlayer final
     : public AudioFilePlayer,
       public std::enable_shared_from_this<SimulatedAudioFilePlayer> {
 public:
-    /// Seconds that a call of `play` waits for the output device.
+    /// Seconds that a call of `play` waits for the output device; an endless sound waits on.
     static constexpr double patience = 5;
 
     SimulatedAudioFilePlayer(RunLoop& runLoop, std::shared_ptr<SimulatedTimeline> timeline,
