@@ -9,8 +9,10 @@ namespace {
 /// Changes that must not be heard as a click, which is a step from one frame to the next.
 class Clickless : public OnSoundServer {
 protected:
-    // 100 Hz at half of full scale never steps by more than this.
-    static constexpr double ownStep = 0.5 * 2 * std::numbers::pi * 100 / 44100;
+    // No multiple of it fits the blocks of a server, so that changes come at all phases.
+    static constexpr double frequency = 89;
+    // At half of full scale it never steps by more than this.
+    static constexpr double ownStep = 0.5 * 2 * std::numbers::pi * frequency / 44100;
 
     /// That tone; it starts and ends at 0.
     [[nodiscard]] static PCMBuffer hum(std::uint32_t frames) {
@@ -18,7 +20,7 @@ protected:
         for (std::size_t i = 0; i < sound.samples.size(); ++i) {
             const double time = static_cast<double>(i / 2) / stereo.sampleRate;
             sound.samples[i] =
-                static_cast<float>(0.5 * std::sin(2 * std::numbers::pi * 100 * time));
+                static_cast<float>(0.5 * std::sin(2 * std::numbers::pi * frequency * time));
         }
         return sound;
     }
