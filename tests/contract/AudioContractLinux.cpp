@@ -24,6 +24,7 @@ public:
         writeWAV(clipFile(), clip());
         makeMP3(goodFile(), chirp({.sampleRate = 44100, .channels = 2}, goodFileFrames));
         copyFirstHalf(goodFile(), truncatedFile());
+        writeDamagedFLAC(damagedFile(), clip());
         m_folder.write(nonAudioFile().filename(),
                        "Dear laptop, this is a letter and not a sound.\n");
     }
@@ -61,6 +62,10 @@ public:
 
     [[nodiscard]] std::filesystem::path truncatedFile() const override {
         return m_folder.path() / "truncated.mp3";
+    }
+
+    [[nodiscard]] std::filesystem::path damagedFile() const override {
+        return m_folder.path() / "damaged.flac";
     }
 
     [[nodiscard]] std::filesystem::path nonAudioFile() const override {

@@ -103,6 +103,7 @@ private:
     void followPosition();
     void checkLaid(std::int64_t next);
     void recover(Clock::time_point now, Clock::time_point lostAt);
+    [[nodiscard]] std::int64_t leastAhead() const;
     void layTracks(std::int64_t next);
     void write(std::int64_t frame, std::size_t frames);
     void fill();

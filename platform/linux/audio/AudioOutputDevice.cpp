@@ -7,8 +7,10 @@ namespace quorvane {
 
 namespace {
 
-// Of attempts to have an output, while something waits for it.
+// Of attempts to have an output, while something waits for it; the shorter one after the server has
+// made its socket, on which it may not listen yet.
 constexpr std::chrono::milliseconds firstInterval{500};
+constexpr std::chrono::milliseconds startingInterval{50};
 constexpr std::chrono::seconds longestInterval{5};
 // An attempt takes some milliseconds; a server that is started on demand takes longer.
 constexpr std::chrono::seconds longestAttempt{5};
@@ -26,8 +28,10 @@ bool AudioOutput::isAwaited(Clock::time_point now) const {
 /// Without the lock: where the server is started on demand, that is waited for.
 void AudioOutput::connectIfDue(std::unique_lock<std::mutex>& lock) {
     const auto now = Clock::now();
-    if (m_connection.takeServerAppeared())
+    if (m_connection.takeServerAppeared()) {
         m_nextAttempt = now;
+        m_attemptInterval = startingInterval;
+    }
     if (m_connection.state() != PulseConnection::State::None || m_attemptEnds || m_connected ||
         now < m_nextAttempt || !(m_wantsAttempt || isAwaited(now)))
         return;
@@ -79,7 +83,6 @@ void AudioOutput::streamReady() {
     m_streamReady = true;
     m_attemptEnds.reset();
     m_wantsAttempt = false;
-    m_attemptInterval = {};
     m_available = true;
     recover(now, m_lostAt.value_or(now));
     m_lostAt.reset();
@@ -89,12 +92,13 @@ void AudioOutput::streamReady() {
 void AudioOutput::lose() {
     const auto now = Clock::now();
     // The loss of an output that was there is followed by an attempt at once.
-    if (m_available)
+    if (m_available) {
         m_nextAttempt = now;
-    else
+        m_attemptInterval = firstInterval;
+    } else {
         m_nextAttempt = now + m_attemptInterval;
-    m_attemptInterval = std::clamp<Clock::duration>(2 * m_attemptInterval, firstInterval,
-                                                    longestInterval);
+        m_attemptInterval = std::min<Clock::duration>(2 * m_attemptInterval, longestInterval);
+    }
     closeStream();
     m_available = false;
     m_wantsAttempt = false;

@@ -19,8 +19,10 @@ constexpr std::chrono::seconds closedAfter{30};
 constexpr std::int64_t buffered = 2 * streamRate;
 constexpr std::int64_t urgent = streamRate / 4;
 // How far ahead of the server a change is laid, after one that came too late.
-constexpr std::int64_t leastAhead = streamRate / 200;
+constexpr std::int64_t firstAhead = streamRate / 200;
 constexpr std::int64_t mostAhead = streamRate / 10;
+// The same from the beginning, where the server reads unnoticed: two of its usual periods.
+constexpr std::int64_t unnoticedAhead = streamRate / 90;
 // Less room than this is left for later.
 constexpr std::int64_t leastFill = streamRate / 2;
 
@@ -143,11 +145,11 @@ void AudioOutput::followPosition() {
 /// A change that the server had passed when it arrived is laid again, farther ahead.
 void AudioOutput::checkLaid(std::int64_t next) {
     if (next > *std::exchange(m_unconfirmed, std::nullopt)) {
-        m_ahead = std::clamp(2 * m_ahead, leastAhead, mostAhead);
+        m_ahead = std::clamp(2 * m_ahead, firstAhead, mostAhead);
         m_changed = true;
         return;
     }
-    m_ahead /= 2;
+    m_ahead = std::max(m_ahead / 2, leastAhead());
     for (const Member& member : m_members)
         member.track->confirm();
 }
@@ -172,7 +174,12 @@ void AudioOutput::recover(Clock::time_point now, Clock::time_point lostAt) {
     m_changed = true;
 }
 
+std::int64_t AudioOutput::leastAhead() const {
+    return m_connection.readsUnnoticed() ? unnoticedAhead : 0;
+}
+
 void AudioOutput::layTracks(std::int64_t next) {
+    m_ahead = std::max(m_ahead, leastAhead());
     m_unconfirmed = next + m_ahead;
     for (const Member& member : m_members)
         member.track->lay(*m_unconfirmed);

@@ -1,11 +1,11 @@
 #include "platform/linux/audio/PulseConnection.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <string>
 #include <string_view>
 
 #include <sys/eventfd.h>
@@ -34,6 +34,7 @@ std::filesystem::path socketPath() {
 } // namespace
 
 void PulseConnection::CloseContext::operator()(pa_context* context) const {
+    pa_context_set_state_callback(context, nullptr, nullptr);
     pa_context_disconnect(context);
     pa_context_unref(context);
 }
@@ -61,8 +62,30 @@ void PulseConnection::connect() {
     m_context.reset(
         pa_context_new_with_proplist(pa_mainloop_get_api(m_loop.get()), nullptr, properties));
     pa_proplist_free(properties);
-    if (m_context && pa_context_connect(m_context.get(), nullptr, PA_CONTEXT_NOFLAGS, nullptr) < 0)
+    if (!m_context)
+        return;
+    pa_context_set_state_callback(
+        m_context.get(),
+        [](pa_context* context, void* self) {
+            if (pa_context_get_state(context) == PA_CONTEXT_READY)
+                static_cast<PulseConnection*>(self)->identifyServer();
+        },
+        this);
+    if (pa_context_connect(m_context.get(), nullptr, PA_CONTEXT_NOFLAGS, nullptr) < 0)
         m_context.reset();
+}
+
+/// The answer comes before that to any later call.
+void PulseConnection::identifyServer() {
+    m_isPipeWire = false;
+    pa_operation_unref(pa_context_get_server_info(
+        m_context.get(),
+        [](pa_context*, const pa_server_info* server, void* self) {
+            const std::string_view name = server && server->server_name ? server->server_name : "";
+            static_cast<PulseConnection*>(self)->m_isPipeWire =
+                name.find("PipeWire") != std::string_view::npos;
+        },
+        this));
 }
 
 PulseConnection::State PulseConnection::state() const {

@@ -4,6 +4,8 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
+#include <utility>
 
 #include <pulse/pulseaudio.h>
 
@@ -32,6 +34,10 @@ public:
     /// While connected.
     [[nodiscard]] pa_context& context() const { return *m_context; }
 
+    /// Whether the server may already have read more than it says: PipeWire reads on another thread
+    /// than the one that answers.
+    [[nodiscard]] bool readsUnnoticed() const { return m_isPipeWire; }
+
     /// Waits for events of the server, for `wake`, or until `deadline`, and calls callbacks.
     void iterate(std::optional<Clock::time_point> deadline);
     /// Ends an `iterate`, or the next one; from any thread.
@@ -48,6 +54,7 @@ private:
         void operator()(pa_context* context) const;
     };
 
+    void identifyServer();
     void watchSocket();
     void readSocketEvents();
 
@@ -57,6 +64,7 @@ private:
     FileDescriptor m_inotify;
     std::string m_socketName;
     bool m_serverAppeared = false;
+    bool m_isPipeWire = false;
 };
 
 } // namespace quorvane
