@@ -15,6 +15,8 @@ protected:
         ASSERT_TRUE(m_loop->play());
         const SoundRecorder recorder(*m_server);
         expectInPlace(recorder, m_begin, loop);
+        // Far enough for a loop that begins again to be told from one that goes on.
+        waitFor(1500ms);
     }
 
     void expectOn(const std::string& sink) {

@@ -131,7 +131,7 @@ TEST_P(ExchangedServer, AnEndlessLoopGoesOnOnTheOtherOneAndBack) {
     const auto sound = endlessPlayer(stampedSound(loop));
     const double begin = now();
     ASSERT_TRUE(sound->play());
-    waitFor(500ms);
+    waitFor(1500ms);
     m_server->kill();
     other->start();
     {
