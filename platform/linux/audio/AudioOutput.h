@@ -20,9 +20,10 @@ namespace quorvane {
 
 /// The one stream on the sound server that all engines and file players share, and the thread that
 /// talks to the server and calls completions. The tracks say what is to be heard; whenever that has
-/// changed, the thread lays them anew from the frame that the server reads next, renders two seconds
-/// from there on and writes them over what it wrote before. The server's position, asked for right
-/// behind that, tells whether it had read on meanwhile; then the same is done again from there.
+/// changed, the thread lays them anew from the frame that the server reads next, renders two
+/// seconds from there on and writes them over what it wrote before. The server's position, asked
+/// for right behind that, tells whether it had read on meanwhile; then the same is done again from
+/// there.
 ///
 /// Everything is guarded by one mutex, which is never held while the server is waited for. The
 /// stream is there while something sounds or a hold lives; soon after that it is corked, later
@@ -152,8 +153,8 @@ private:
     // Since when the server has not answered or not played, and when to look again.
     std::optional<Clock::time_point> m_stillSince;
     Clock::time_point m_nextLook;
-    // The frame from which on the tracks were laid, until the server has confirmed it; how far ahead
-    // of the server's position that is.
+    // The frame from which on the tracks were laid, until the server has confirmed it; how far
+    // ahead of the server's position that is.
     std::optional<std::int64_t> m_unconfirmed;
     std::int64_t m_ahead = 0;
     // The frame after the last one that was written.

@@ -63,15 +63,15 @@ void AudioOutput::openIfDue(Clock::time_point now) {
     if (now < m_nextAttempt || !(m_wantsAttempt || isNeeded(now)))
         return;
     m_attemptEnds = now + longestAttempt;
-    m_stream = PulseStream::open(
-        m_connection.context(),
-        {.ready = [this] { streamReady(); },
-         .lost = [this] { m_streamLost = true; },
-         .changed = [this] { m_streamChanged = true; },
-         .position =
-             [this](std::int64_t next, std::int64_t heard) {
-                 m_newPosition = {.next = next, .heard = heard, .time = Clock::now()};
-             }});
+    m_stream = PulseStream::open(m_connection.context(),
+                                 {.ready = [this] { streamReady(); },
+                                  .lost = [this] { m_streamLost = true; },
+                                  .changed = [this] { m_streamChanged = true; },
+                                  .position =
+                                      [this](std::int64_t next, std::int64_t heard) {
+                                          m_newPosition = {
+                                              .next = next, .heard = heard, .time = Clock::now()};
+                                      }});
     if (!m_stream)
         lose();
 }

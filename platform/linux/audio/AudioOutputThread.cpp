@@ -14,8 +14,8 @@ using Seconds = std::chrono::duration<double>;
 constexpr std::chrono::seconds corkedAfter{2};
 constexpr std::chrono::seconds closedAfter{30};
 
-// What is written ahead, in frames, and what of that before the server has confirmed a change: little,
-// so that it arrives before the server reads on.
+// What is written ahead, in frames, and what of that before the server has confirmed a change:
+// little, so that it arrives before the server reads on.
 constexpr std::int64_t buffered = 2 * streamRate;
 constexpr std::int64_t urgent = streamRate / 4;
 // How far ahead of the server a change is laid, after one that came too late.
@@ -205,8 +205,8 @@ void AudioOutput::write(std::int64_t frame, std::size_t frames) {
     m_written = frame + static_cast<std::int64_t>(frames);
 }
 
-/// When the server is to be asked for its position, if nothing changes: when the next sound has been
-/// heard to its end, or when the server has said nothing for long.
+/// When the server is to be asked for its position, if nothing changes: when the next sound has
+/// been heard to its end, or when the server has said nothing for long.
 std::optional<AudioOutput::Clock::time_point> AudioOutput::nextQuestion() const {
     if (!m_position || m_corked)
         return std::nullopt;

@@ -27,6 +27,7 @@ public:
 
     /// Begins to connect; where the server is started on demand, that may take a while.
     void connect();
+
     void disconnect() { m_context.reset(); }
 
     [[nodiscard]] State state() const;
@@ -42,6 +43,7 @@ public:
     void iterate(std::optional<Clock::time_point> deadline);
     /// Ends an `iterate`, or the next one; from any thread.
     void wake() const;
+
     /// Whether a server's socket was made since the last call.
     [[nodiscard]] bool takeServerAppeared() { return std::exchange(m_serverAppeared, false); }
 

@@ -12,8 +12,8 @@ namespace {
 constexpr std::size_t frameSize = streamChannels * sizeof(float);
 // The server asks for more once this much has been played.
 constexpr std::uint32_t request = streamRate * frameSize;
-// The latency that remains for the server's output: with more, stopping takes that long on an output
-// that cannot take back what it has; with less, the server works more often.
+// The latency that remains for the server's output: with more, stopping takes that long on an
+// output that cannot take back what it has; with less, the server works more often.
 constexpr std::uint32_t outputLatency = request / 100;
 
 } // namespace

@@ -29,7 +29,8 @@ std::optional<AudioError> unplayable(SndfileAudioFile& file, const std::filesyst
 }
 
 // Null if it cannot be decoded to its end, or there is not enough memory.
-std::shared_ptr<const PCMBuffer> decode(SndfileAudioFile& file, const std::atomic<bool>& cancelled) {
+std::shared_ptr<const PCMBuffer> decode(SndfileAudioFile& file,
+                                        const std::atomic<bool>& cancelled) {
     auto buffer = makePCMBuffer(file.processingFormat(), static_cast<std::uint32_t>(file.length()));
     if (!buffer || file.read(*buffer, cancelled))
         return nullptr;

@@ -13,7 +13,7 @@ using Seconds = std::chrono::duration<double>;
 /// For how long a sound waits for an output: a sound card takes its time to come back after the
 /// machine has woken up.
 constexpr Seconds patience{5};
-/// A sound that begins later than this begins where it would be by then; before, it begins at its
+/// A sound that begins later than this begins where it would be by then; earlier, it begins at its
 /// start, for a late start is not noticed and one that is cut is.
 constexpr Seconds grace{0.25};
 
@@ -113,8 +113,7 @@ void Track::lay(std::int64_t frame) {
 
 Track::Completions Track::takeHeard(std::int64_t frame) {
     Completions completions;
-    if (m_confirmed.take != m_take || m_parts.empty() ||
-        (m_atEnd == AtEnd::Stops && !m_playing))
+    if (m_confirmed.take != m_take || m_parts.empty() || (m_atEnd == AtEnd::Stops && !m_playing))
         return completions;
     const std::int64_t place =
         m_confirmed.voice ? m_confirmed.voice->placeAt(frame) : m_confirmed.place;
@@ -146,8 +145,9 @@ Track::Completions Track::recover(Clock::time_point now, Clock::time_point lostA
             return clear();
         pause(now);
     }
+    const bool begins = m_confirmed.take != m_take && now - m_since <= grace;
     ++m_take;
-    m_takePlace = now - m_since > grace ? place(now) : m_place;
+    m_takePlace = begins ? m_place : place(now);
     m_confirmed.take = m_take;
     m_confirmed.place = m_takePlace;
     return takeHeard(0);

@@ -66,8 +66,9 @@ public:
     [[nodiscard]] Completions takeHeard(std::int64_t frame);
     /// The stream is closed.
     void leaveStream();
-    /// Nothing is on the stream any more, which did not play since `lostAt`: a track that plays goes
-    /// on where it would be by now, unless that is beyond its end or it has waited for too long.
+    /// Nothing is on the stream any more, which did not play since `lostAt`: a track that plays
+    /// goes on where it would be by now, unless that is beyond its end or it has waited for too
+    /// long.
     [[nodiscard]] Completions recover(Clock::time_point now, Clock::time_point lostAt);
     void addTo(std::span<float> output, std::int64_t first) const;
 

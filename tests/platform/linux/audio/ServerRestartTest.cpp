@@ -87,11 +87,11 @@ TEST_P(ServerRestart, TheNextSoundIsHeardFromItsBeginning) {
     const auto hold = m_audio->holdOutput();
     ASSERT_TRUE(sound->play());
     killServer();
+    sound->stop();
+    sound->setCurrentTime(0);
     m_server->start();
     SoundRecorder recorder(*m_server);
     ASSERT_TRUE(waitUntil([&] { return !m_engine->start(); }));
-    sound->stop();
-    sound->setCurrentTime(0);
     ASSERT_TRUE(sound->play());
     ASSERT_TRUE(waitUntil([&] { return !sound->isPlaying(); }));
     const Recording recording(recorder.finish());
