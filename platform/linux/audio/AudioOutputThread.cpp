@@ -16,7 +16,7 @@ constexpr std::chrono::seconds closedAfter{30};
 
 // What is written ahead, in frames, and what of that before the server has confirmed a change:
 // little, so that it arrives before the server reads on.
-constexpr std::int64_t buffered = 2 * streamRate;
+constexpr std::int64_t buffered = std::int64_t{2} * streamRate;
 constexpr std::int64_t urgent = streamRate / 4;
 // How far ahead of the server a change is laid, after one that came too late.
 constexpr std::int64_t firstAhead = streamRate / 200;
