@@ -18,7 +18,7 @@ namespace {
 
 /// Takes sound out of `pipe` as fast as it is to be heard.
 int listenTo(const std::filesystem::path& pipe) {
-    constexpr double bytesASecond = 44100 * 2 * sizeof(float);
+    constexpr double bytesASecond = 44100.0 * 2 * sizeof(float);
     const int end = open(pipe.c_str(), O_RDONLY | O_CLOEXEC);
     const auto begin = std::chrono::steady_clock::now();
     std::array<char, 4096> sound{};

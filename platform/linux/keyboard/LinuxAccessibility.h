@@ -20,7 +20,7 @@ public:
 
     void withdrawPrompt() override { m_reader.withdraw(); }
 
-    [[nodiscard]] std::string obstacle() const override { return m_reader.obstacle(); }
+    [[nodiscard]] std::string obstacle() const override { return m_reader.obstacle().get(); }
 
     [[nodiscard]] Subscription observeObstacle(std::function<void()> observer) override {
         return m_reader.obstacle().observe(std::move(observer));

@@ -118,13 +118,13 @@ PipedChild::PipedChild(pid_t process, FileDescriptor end, Handlers handlers)
 void PipedChild::connectPipes(FileDescriptor input, FileDescriptor output) {
     m_input = std::move(input);
     m_output = std::move(output);
-    m_writable.reset(new QSocketNotifier(m_input.get(), QSocketNotifier::Write));
+    m_writable = std::make_unique<QSocketNotifier>(m_input.get(), QSocketNotifier::Write);
     m_writable->setEnabled(false);
     QObject::connect(m_writable.get(), &QSocketNotifier::activated, m_writable.get(), [this] {
         m_writable->setEnabled(false);
         m_handlers.writable();
     });
-    m_readable.reset(new QSocketNotifier(m_output.get(), QSocketNotifier::Read));
+    m_readable = std::make_unique<QSocketNotifier>(m_output.get(), QSocketNotifier::Read);
     QObject::connect(m_readable.get(), &QSocketNotifier::activated, m_readable.get(),
                      [this] { readOutput(); });
 }
