@@ -41,6 +41,7 @@ void Track::play(Clock::time_point now) {
     if (m_playing)
         return;
     m_playing = true;
+    m_wasCutOff = false;
     m_since = now;
 }
 
@@ -74,6 +75,7 @@ void Track::beginTake(std::int64_t place) {
     ++m_take;
     m_takePlace = place;
     m_place = place;
+    m_wasCutOff = false;
 }
 
 std::int64_t Track::lineEnd() const {
@@ -129,7 +131,9 @@ Track::Completions Track::takeHeard(std::int64_t frame) {
 }
 
 void Track::leaveStream() {
-    if (m_confirmed.voice && !m_playing)
+    if (m_confirmed.voice && m_playing)
+        m_wasCutOff = true;
+    else if (m_confirmed.voice)
         m_confirmed.place = m_place;
     m_confirmed.voice.reset();
     m_confirmed.fading.clear();
@@ -145,11 +149,13 @@ Track::Completions Track::recover(Clock::time_point now, Clock::time_point lostA
             return clear();
         pause(now);
     }
-    const bool begins = m_confirmed.take != m_take && now - m_since <= grace;
-    ++m_take;
-    m_takePlace = begins ? m_place : place(now);
-    m_confirmed.take = m_take;
-    m_confirmed.place = m_takePlace;
+    const bool begins = !std::exchange(m_wasCutOff, false) && now - m_since <= grace;
+    if (!begins)
+        m_confirmed.place = place(now);
+    else if (m_confirmed.take != m_take)
+        m_confirmed.place = m_place;
+    m_takePlace = m_confirmed.place;
+    m_confirmed.take = ++m_take;
     return takeHeard(0);
 }
 

@@ -105,6 +105,8 @@ private:
     // Where it was at a time, from which it has been playing.
     std::int64_t m_place = 0;
     Clock::time_point m_since;
+    // The stream went while it sounded.
+    bool m_wasCutOff = false;
     // A take is what is played without a jump; each begins at a place of the line.
     std::uint64_t m_take = 0;
     std::int64_t m_takePlace = 0;
