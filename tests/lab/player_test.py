@@ -141,16 +141,16 @@ class VoidAttempts(WithPlayer):
             lab.save(name, "probe.json", {"errors": [], **probe})
         self.player(STOOD_STILL)(scenario, save)
         result = subprocess.run(
-            [sys.executable, "-B", HERE / "keyboards_test.py", verdict], check=False,
+            [sys.executable, "-B", HERE / "keyboard_rights_test.py", verdict], check=False,
             env=dict(os.environ, LAB_RESULTS=str(self.lab.results)), capture_output=True, text=True)
         return result.returncode, result.stdout + result.stderr
 
-    WELL = {"status": 0, "lines": [
+    WELL = {"status": 0, "asked": [{"asked": "org.quorvane.key-reader"}], "lines": [
         "trusted no", "trusted, with a prompt no", "started", "trusted yes", "active yes",
         "⌨️ [KEYBOARD] Event tap started — global monitoring active",
         "at the end active yes", "at the end permitted yes"]}
     ENDS_WELL = "Permitted.test_probe_ends_with_status_0"
-    IN_TIME = "Permitted.test_retry_finds_the_permission_that_the_helper_gave"
+    IN_TIME = "Permitted.test_retry_finds_the_permission"
 
     def test_verdict_prints_each_attempt(self):
         status, output = self.judge(self.ENDS_WELL, self.WELL, self.WELL)
