@@ -12,7 +12,8 @@ protected:
     [[nodiscard]] static PCMBuffer tone(double frequency, double level, std::uint32_t frames) {
         PCMBuffer sound = stampedSound(frames);
         for (std::size_t i = 0; i < sound.samples.size(); ++i) {
-            const double time = static_cast<double>(i / 2) / stereo.sampleRate;
+            const std::size_t frame = i / 2;
+            const double time = static_cast<double>(frame) / stereo.sampleRate;
             sound.samples[i] =
                 static_cast<float>(level * std::sin(2 * std::numbers::pi * frequency * time));
         }

@@ -54,7 +54,7 @@ TEST_P(ServerRestart, ASoundThatAsksForTheServerBeforeItComesIsHeardWhereItWould
     waitFor(2s);
     m_server->start();
     const SoundRecorder recorder(*m_server);
-    expectInPlace(recorder, begin, 8 * 44100);
+    expectInPlace(recorder, begin, std::size_t{8} * 44100);
     EXPECT_TRUE(sound->isPlaying());
     EXPECT_NEAR(sound->currentTime(), now() - begin, 0.3);
     ASSERT_TRUE(waitUntil([&] { return !sound->isPlaying(); }));

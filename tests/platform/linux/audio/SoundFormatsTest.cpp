@@ -27,7 +27,8 @@ protected:
         const auto frames = static_cast<std::uint32_t>(rate);
         PCMBuffer sound = chirp({.sampleRate = rate, .channels = 2}, frames);
         for (std::size_t i = 0; i < sound.samples.size(); ++i) {
-            const double time = static_cast<double>(i / 2) / rate;
+            const std::size_t frame = i / 2;
+            const double time = static_cast<double>(frame) / rate;
             sound.samples[i] =
                 static_cast<float>(0.5 * std::sin(2 * std::numbers::pi * 441 * time));
         }
