@@ -23,7 +23,7 @@ TIMEOUT = 60.0
 """The timeout, in seconds, of what takes a second or two on real hardware."""
 
 # The sound server plays to one end of the loopback, the recorder reads from the other. The sink is
-# scheduled by timers and written anew after a change, as with a notebook's sound card.
+# scheduled by timers and can rewind what it has buffered, as with a notebook's sound card.
 SINK = "module-alsa-sink device=hw:Loopback,0 tsched=1"
 BY_TIMERS = "Successfully enabled timer-based scheduling mode."
 ALSA_CONFIG = """

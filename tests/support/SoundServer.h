@@ -14,7 +14,7 @@ namespace quorvane {
 
 enum class SoundServerKind {
     /// Its null sinks take nothing back of what they have buffered: the monitor of one that does
-    /// lacks the first frames of a sound, whoever plays it.
+    /// lacks the first frames of every client's sound.
     PulseAudio,
     /// With WirePlumber and its own PulseAudio server.
     PipeWire,

@@ -19,11 +19,11 @@
 namespace quorvane {
 
 /// The one stream on the sound server that all engines and file players share, and the thread that
-/// talks to the server and calls completions. The tracks say what is to be heard; whenever that has
-/// changed, the thread lays them anew from the frame that the server reads next, renders two
-/// seconds from there on and writes them over what it wrote before. The server's position, asked
-/// for right behind that, tells whether it had read on meanwhile; then the same is done again from
-/// there.
+/// talks to the server and calls completions. The tracks say what is to be heard. After a change
+/// the thread asks for the frame that the server reads next, places the tracks from there on, and
+/// writes the first quarter of a second over what it wrote before. It then asks again: if the
+/// server has read past that frame meanwhile, the change is placed again, farther ahead; otherwise
+/// the rest of the two seconds is written.
 ///
 /// Everything is guarded by one mutex, which is never held while the server is waited for. The
 /// stream is there while something sounds or a hold lives; soon after that it is corked, later
@@ -49,7 +49,7 @@ public:
     /// Its player is gone: it only fades out.
     void remove(const Track& track);
 
-    /// Runs `access` on tracks with the mutex held; the tracks are laid anew after a change.
+    /// Runs `access` on tracks with the mutex held, and has the thread update the stream.
     template <class Access>
     auto change(Access access) {
         const std::lock_guard lock(m_mutex);

@@ -4,11 +4,11 @@
 
 namespace quorvane {
 
-/// Where the program quorvane-key-reader is; empty where there is none.
+/// The paths of the program quorvane-key-reader; an empty path means that it was not found.
 struct KeyReaderPlaces {
     /// To be started with this user's own rights.
     std::filesystem::path own;
-    /// To be started as root: only an installed one, which nobody but root can exchange.
+    /// To be started as root: only an installed one that only root can replace.
     std::filesystem::path installed;
 
     bool operator==(const KeyReaderPlaces&) const = default;

@@ -17,8 +17,8 @@ namespace quorvane {
 
 /// The program quorvane-key-reader as a child of this one: it writes a byte when it runs, and then
 /// one for each key that goes down. It is started once, by this user if they may read a keyboard,
-/// else through polkit as root, and stays until it or this object ends; while nobody listens it has
-/// no keyboard open. Nothing here waits for it. Main thread only.
+/// else through polkit as root, and stays until it or this object ends. It has keyboards open only
+/// while there is a listener. Nothing here waits for it. Main thread only.
 class KeyReaderProcess : NonCopyable {
 public:
     using Places = std::function<KeyReaderPlaces()>;

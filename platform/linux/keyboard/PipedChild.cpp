@@ -76,7 +76,7 @@ void deleteLater(std::unique_ptr<QSocketNotifier>& notifier) {
     notifier.release()->deleteLater();
 }
 
-/// Lets the event loop reap a process that nobody asks about any more.
+/// Reaps a process from the event loop after its PipedChild has been destroyed.
 void reapLater(pid_t process, FileDescriptor end) {
     if (!QCoreApplication::instance())
         return;

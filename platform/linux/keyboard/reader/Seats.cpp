@@ -35,7 +35,7 @@ std::set<std::string> take(int count, char** list) {
 LogindSeats::LogindSeats(uid_t user, std::string systemBus)
     : m_user(user), m_address(std::move(systemBus)) {
     sd_login_monitor* monitor = nullptr;
-    // Fails without logind; then nobody is at a seat.
+    // Fails without logind; the user then counts as having no active session.
     if (sd_login_monitor_new("uid", &monitor) >= 0)
         m_monitor.reset(monitor);
 }

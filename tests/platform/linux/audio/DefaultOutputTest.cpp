@@ -70,7 +70,7 @@ TEST_P(DefaultOutput, AClickAfterwardsIsHeardOnTheNewOne) {
 INSTANTIATE_TEST_SUITE_P(On, DefaultOutput, onBothSoundServers(),
                          testing::PrintToStringParamName());
 
-/// PipeWire does not go on with a sink that was suspended by hand, whoever plays.
+/// On PulseAudio only: a sink that was suspended by hand does not resume on PipeWire.
 class SuspendedOutput : public DefaultOutput {};
 
 TEST_P(SuspendedOutput, ALoopGoesOnWhereItWouldBeWhenItIsResumed) {
