@@ -8,10 +8,12 @@
 
 namespace quorvane {
 
-/// PipeWire, WirePlumber without hardware, and PipeWire's PulseAudio server.
+/// PipeWire, WirePlumber without hardware, and PipeWire's PulseAudio server. A test that fails is
+/// repeated if PipeWire says that it missed a period meanwhile.
 class PipeWireServer final : public SoundServer {
 public:
     explicit PipeWireServer(const std::filesystem::path& folder);
+    ~PipeWireServer() override;
 
     void start() override;
     void kill() override;
