@@ -38,6 +38,15 @@ class Verdict(unittest.TestCase):
                  "a sanitizer's report")):
             with self.subTest(wrong, text=text):
                 self.assertEqual(run.verdict(status, text)[1], wrong)
+                self.assertEqual(run.verdict(status, text, sound=True)[1], wrong)
+
+    def test_tests_of_sound_may_fail_without_a_report(self):
+        failed = "[  PASSED  ] 2 tests.\n[  FAILED  ] 1 test, listed below:\n\n 1 FAILED TEST\n"
+        self.assertEqual(run.verdict(1, failed)[1], "status 1")
+        self.assertEqual(run.verdict(1, failed, sound=True), (2, None))
+        self.assertEqual(run.verdict(-11, failed, sound=True)[1], "status -11")
+        self.assertEqual(run.verdict(66, "WARNING: ThreadSanitizer: data race\n" + failed,
+                                     sound=True)[1], "a sanitizer's report")
 
 
 class Processes(unittest.TestCase):
