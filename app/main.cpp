@@ -125,7 +125,7 @@ int run(char* name, const std::optional<Scenario>& scenario) {
     display.release();
     QGuiApplication::setQuitOnLastWindowClosed(false);
     // A dock finds the icon by this name.
-    QGuiApplication::setDesktopFileName("quorvane");
+    QGuiApplication::setDesktopFileName("org.quorvane.Quorvane");
     return runWindow(application, termination, scenario);
 }
 

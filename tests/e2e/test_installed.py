@@ -11,11 +11,13 @@ import xml.etree.ElementTree
 
 from harness import BUILD, LOADED, REPOSITORY, EndToEndTest, wait_until
 
+ENTRY = "share/applications/org.quorvane.Quorvane.desktop"
+
 FILES = {
     "bin/quorvane",
     "lib/udev/rules.d/70-quorvane.rules",
     "libexec/quorvane-key-reader",
-    "share/applications/quorvane.desktop",
+    ENTRY,
     "share/doc/quorvane/LICENSE",
     "share/icons/hicolor/scalable/apps/quorvane.svg",
     "share/polkit-1/actions/org.quorvane.key-reader.policy",
@@ -41,7 +43,7 @@ class Installed(EndToEndTest):
         cls.prefix = package / "usr"
         entry = configparser.ConfigParser(interpolation=None)
         entry.optionxform = str
-        entry.read(cls.prefix / "share/applications/quorvane.desktop", encoding="utf-8")
+        entry.read(cls.prefix / ENTRY, encoding="utf-8")
         cls.entry = entry["Desktop Entry"]
 
     def _launch_as_a_desktop_does(self, *options):
@@ -106,8 +108,7 @@ class Installed(EndToEndTest):
                          sorted(re.findall(r"0x(\w{4})", products.upper().replace("0X", "0x"))))
 
     def test_desktop_entry_is_valid_and_names_what_was_installed(self):
-        subprocess.run(["desktop-file-validate", self.prefix / "share/applications/quorvane.desktop"],
-                       check=True, timeout=20)
+        subprocess.run(["desktop-file-validate", self.prefix / ENTRY], check=True, timeout=20)
         self.assertTrue(os.access(self.prefix / "bin" / self.entry["TryExec"], os.X_OK))
         icons = self.prefix / "share/icons/hicolor/scalable/apps"
         self.assertTrue((icons / f"{self.entry['Icon']}.svg").is_file())
