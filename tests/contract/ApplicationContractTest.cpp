@@ -46,7 +46,7 @@ public:
     const Application& application() override { return m_linux; }
 
     void setStartsAtLogin(bool starts) override {
-        m_config.write("autostart/quorvane.desktop",
+        m_config.write("autostart/org.quorvane.Quorvane.desktop",
                        std::string("[Desktop Entry]\nType=Application\nExec=quorvane\nHidden=") +
                            (starts ? "false\n" : "true\n"));
     }

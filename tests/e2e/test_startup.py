@@ -57,7 +57,7 @@ class StartupTest(EndToEndTest):
     def write_autostart_entry(self):
         folder = pathlib.Path(self.environment["XDG_CONFIG_HOME"], "autostart")
         folder.mkdir(parents=True, exist_ok=True)
-        (folder / "quorvane.desktop").write_text(
+        (folder / "org.quorvane.Quorvane.desktop").write_text(
             "[Desktop Entry]\nType=Application\nName=Quorvane\nExec=quorvane\n", encoding="utf-8")
 
 

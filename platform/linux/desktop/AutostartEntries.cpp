@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <algorithm>
+#include <array>
 #include <memory>
 #include <optional>
 #include <set>
@@ -17,7 +18,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view ownName = "quorvane.desktop";
+// The second is the name of earlier versions' entry, which stays where a person has copied it.
+constexpr std::array<std::string_view, 2> ownNames{"org.quorvane.Quorvane.desktop",
+                                                   "quorvane.desktop"};
 constexpr const char* group = G_KEY_FILE_DESKTOP_GROUP;
 
 using KeyFile = std::unique_ptr<GKeyFile, ReleasedBy<g_key_file_unref>>;
@@ -111,6 +114,10 @@ private:
     bool m_isRead = false;
 };
 
+bool isOwn(std::string_view name) {
+    return std::find(ownNames.begin(), ownNames.end(), name) != ownNames.end();
+}
+
 /// `command` is a path, or a name to be found in PATH.
 bool runs(const std::string& command, const fs::path& executable) {
     const String found(g_find_program_in_path(command.c_str()));
@@ -155,7 +162,7 @@ bool startsAtLogin(const AutostartEnvironment& environment) {
                 continue;
             const Entry entry(file);
             if (entry.isInEffect(environment.desktops) &&
-                (name == ownName || runs(entry.command(), environment.executable)))
+                (isOwn(name) || runs(entry.command(), environment.executable)))
                 return true;
         }
     }

@@ -21,8 +21,9 @@ struct AutostartEnvironment {
     [[nodiscard]] static AutostartEnvironment current();
 };
 
-/// Whether the desktop starts this program at login: an entry called quorvane.desktop, or one that
-/// runs the executable, is in effect. A malformed file is no entry, but still hides others.
+/// Whether the desktop starts this program at login: an entry called org.quorvane.Quorvane.desktop
+/// or, as in earlier versions, quorvane.desktop, or one that runs the executable, is in effect. A
+/// malformed file is no entry, but still hides others.
 [[nodiscard]] bool startsAtLogin(const AutostartEnvironment& environment);
 
 } // namespace quorvane

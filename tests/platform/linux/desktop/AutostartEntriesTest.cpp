@@ -27,7 +27,7 @@ protected:
 
     /// The entry that is installed with the program, and more lines.
     void writeOwn(const std::string& more = {}) const {
-        write("quorvane.desktop", entry("quorvane", more));
+        write("org.quorvane.Quorvane.desktop", entry("quorvane", more));
     }
 
     [[nodiscard]] bool isStarted() const {
@@ -48,6 +48,18 @@ TEST_F(AutostartEntriesTest, WithoutFoldersThereIsNoEntry) {
 TEST_F(AutostartEntriesTest, TheProgramsEntryIsRecognisedByItsName) {
     writeOwn();
     EXPECT_TRUE(isStarted());
+}
+
+TEST_F(AutostartEntriesTest, AnEarlierVersionsEntryStaysOn) {
+    write("quorvane.desktop", entry("quorvane"));
+    EXPECT_TRUE(isStarted());
+}
+
+TEST_F(AutostartEntriesTest, AnEarlierVersionsEntryStaysOff) {
+    write("quorvane.desktop", entry("quorvane", "Hidden=true\n"));
+    EXPECT_FALSE(isStarted());
+    write("quorvane.desktop", entry("quorvane", "X-GNOME-Autostart-enabled=false\n"));
+    EXPECT_FALSE(isStarted());
 }
 
 TEST_F(AutostartEntriesTest, AnEntryOfAnotherNameIsRecognisedByItsCommandsPath) {
@@ -86,29 +98,29 @@ TEST_F(AutostartEntriesTest, AnEntryThatTheDesktopDisabledDoesNotCount) {
 }
 
 TEST_F(AutostartEntriesTest, TheFirstFileOfANameCounts) {
-    write("quorvane.desktop", entry("quorvane"), true);
+    write("org.quorvane.Quorvane.desktop", entry("quorvane"), true);
     EXPECT_TRUE(isStarted());
     writeOwn("Hidden=true\n");
     EXPECT_FALSE(isStarted()) << "the user's own file hides the one for all users";
     writeOwn();
-    write("quorvane.desktop", entry("quorvane", "Hidden=true\n"), true);
+    write("org.quorvane.Quorvane.desktop", entry("quorvane", "Hidden=true\n"), true);
     EXPECT_TRUE(isStarted());
 }
 
 TEST_F(AutostartEntriesTest, ABrokenFileHidesOthersOfItsName) {
-    write("quorvane.desktop", entry("quorvane"), true);
-    write("quorvane.desktop", "\xff\xfe not a word of sense [[[");
+    write("org.quorvane.Quorvane.desktop", entry("quorvane"), true);
+    write("org.quorvane.Quorvane.desktop", "\xff\xfe not a word of sense [[[");
     EXPECT_FALSE(isStarted());
 }
 
 TEST_F(AutostartEntriesTest, AnEntryThatCannotStartAnythingDoesNotCount) {
-    write("quorvane.desktop", "");
+    write("org.quorvane.Quorvane.desktop", "");
     EXPECT_FALSE(isStarted()) << "empty";
-    write("quorvane.desktop", "[Desktop Entry]\nType=Application\nName=Quorvane\n");
+    write("org.quorvane.Quorvane.desktop", "[Desktop Entry]\nType=Application\nName=Quorvane\n");
     EXPECT_FALSE(isStarted()) << "without a command";
-    write("quorvane.desktop", entry("\"quorvane"));
+    write("org.quorvane.Quorvane.desktop", entry("\"quorvane"));
     EXPECT_FALSE(isStarted()) << "without the closing quotation mark";
-    write("quorvane.desktop", "[Desktop Entry]\nType=Link\nName=Quorvane\nExec=quorvane\n");
+    write("org.quorvane.Quorvane.desktop", "[Desktop Entry]\nType=Link\nName=Quorvane\nExec=quorvane\n");
     EXPECT_FALSE(isStarted()) << "a link";
     writeOwn("TryExec=/nonexistent/program\n");
     EXPECT_FALSE(isStarted()) << "not installed";
@@ -134,7 +146,7 @@ TEST_F(AutostartEntriesTest, NotShowInExcludesAnEntryFromItsDesktops) {
 }
 
 TEST_F(AutostartEntriesTest, OnlyDesktopFilesAreEntries) {
-    write("quorvane.desktop.bak", entry("\"" + m_executable.string() + "\""));
+    write("org.quorvane.Quorvane.desktop.bak", entry("\"" + m_executable.string() + "\""));
     write("notes.txt", entry("\"" + m_executable.string() + "\""));
     EXPECT_FALSE(isStarted());
 }
