@@ -45,6 +45,7 @@ if(NOT APPLE)
         want_pkg_config(PULSE libpulse)
         want_pkg_config(SNDFILE sndfile)
         want_pkg_config(SOXR soxr)
+        want_pkg_config(SYSTEMD libsystemd)
         want_pkg_config(UDEV libudev)
         want_pkg_config(XCB xcb xcb-cursor xcb-randr xcb-render xcb-renderutil
                        xcb-shape xcb-xinput)

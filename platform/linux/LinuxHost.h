@@ -4,6 +4,8 @@
 #include "platform/linux/desktop/DisplayServer.h"
 #include "platform/linux/desktop/GraphicsCard.h"
 #include "platform/linux/desktop/LinuxDesktop.h"
+#include "platform/linux/instance/SingleInstance.h"
+#include "platform/linux/instance/StopRunning.h"
 #include "platform/linux/system/TerminationSignals.h"
 
 /// The Linux platform, under the names that main.cpp uses.
@@ -12,7 +14,9 @@ namespace quorvane::Host {
 using Desktop = LinuxDesktop;
 using DisplayServer = quorvane::DisplayServer;
 using Platform = LinuxPlatform;
+using SingleInstance = quorvane::SingleInstance;
 using TerminationSignals = quorvane::TerminationSignals;
 using quorvane::hasGraphicsCard;
+using quorvane::stopRunning;
 
 } // namespace quorvane::Host

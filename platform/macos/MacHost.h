@@ -1,10 +1,14 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "platform/macos/MacDesktop.h"
 #include "platform/macos/MacPlatform.h"
+#include "platform/macos/MacStopRunning.h"
 #include "platform/macos/MacTerminationSignals.h"
+
+class QWindow;
 
 /// The macOS platform, under the names that main.cpp uses.
 namespace quorvane::Host {
@@ -12,6 +16,7 @@ namespace quorvane::Host {
 using Desktop = MacDesktop;
 using Platform = MacPlatform;
 using TerminationSignals = MacTerminationSignals;
+using quorvane::stopRunning;
 
 inline bool hasGraphicsCard() {
     return true;
@@ -27,6 +32,24 @@ public:
 
 private:
     std::string m_error;
+};
+
+/// LaunchServices starts one instance only and brings it to the front for a second start.
+class SingleInstance {
+public:
+    enum class Kind { Single, Simulated };
+
+    explicit SingleInstance(Kind /*kind*/) {}
+
+    [[nodiscard]] bool isSecond() const { return false; }
+
+    /// Empty: there is nothing to tell.
+    [[nodiscard]] const std::string& message() const { return m_message; }
+
+    void serve(QWindow& /*window*/, const std::function<void()>& /*stop*/) {}
+
+private:
+    std::string m_message;
 };
 
 } // namespace quorvane::Host

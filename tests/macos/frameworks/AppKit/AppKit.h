@@ -25,6 +25,11 @@ QV_AVAILABLE(10.6)
 @interface NSRunningApplication : NSObject
 @property(class, readonly, strong) NSRunningApplication* currentApplication;
 @property(readonly, getter=isActive) BOOL active;
+@property(readonly, getter=isTerminated) BOOL terminated;
++ (NSArray<NSRunningApplication*>*)runningApplicationsWithBundleIdentifier:
+    (NSString*)bundleIdentifier;
+- (BOOL)terminate;
+- (BOOL)forceTerminate;
 @end
 
 QV_ENUM(NSInteger, NSHapticFeedbackPattern){

@@ -55,7 +55,13 @@ __attribute__((objc_exception))
 
 @interface NSDate : NSObject
 + (instancetype)date;
++ (instancetype)dateWithTimeIntervalSinceNow:(NSTimeInterval)secs;
 @property(readonly) NSTimeInterval timeIntervalSince1970;
+@end
+
+@interface NSRunLoop : NSObject
+@property(class, readonly, strong) NSRunLoop* currentRunLoop;
+- (void)runUntilDate:(NSDate*)limitDate;
 @end
 
 @interface NSTimer : NSObject

@@ -27,6 +27,7 @@ typedef double NSTimeInterval;
 
 @protocol NSObject
 - (BOOL)isKindOfClass:(Class)aClass;
+- (BOOL)isEqual:(nullable id)object;
 @end
 
 __attribute__((objc_root_class))
