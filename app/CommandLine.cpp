@@ -17,6 +17,7 @@ constexpr std::string_view help =
     "\n"
     "  --demo             show everything by itself, on a simulated machine\n"
     "  --simulated FILE   run on the simulated machine that the scenario FILE describes\n"
+    "  --stop             end the Quorvane that is running, whatever it is doing\n"
     "  --help             print this and leave\n"
     "  --version          print the version and leave\n"
     "\n"
@@ -28,6 +29,8 @@ std::optional<Mode> modeOf(std::string_view argument) {
         return Mode::Help;
     if (argument == "--version")
         return Mode::Version;
+    if (argument == "--stop")
+        return Mode::Stop;
     if (argument == "--demo")
         return Mode::Demo;
     if (argument == "--simulated" || argument.starts_with(simulatedWithFile))
@@ -35,10 +38,20 @@ std::optional<Mode> modeOf(std::string_view argument) {
     return std::nullopt;
 }
 
-bool winsOver(Mode mode, Mode earlier) {
-    if (earlier == Mode::Help || earlier == Mode::Version)
-        return false;
-    return earlier == Mode::Run || mode == Mode::Help || mode == Mode::Version;
+int rank(Mode mode) {
+    switch (mode) {
+    case Mode::Run:
+        return 0;
+    case Mode::Simulate:
+    case Mode::Demo:
+        return 1;
+    case Mode::Stop:
+        return 2;
+    case Mode::Help:
+    case Mode::Version:
+        break;
+    }
+    return 3;
 }
 
 CommandLineError unknown(std::string_view argument) {
@@ -65,9 +78,10 @@ parseCommandLine(std::span<const char* const> arguments) {
             file = arguments[++i];
         if (mode == Mode::Simulate && file.empty())
             return CommandLineError{"--simulated needs a file"};
-        if (winsOver(*mode, result.mode))
+        const int wins = rank(*mode) - rank(result.mode);
+        if (wins > 0)
             result = {.mode = *mode, .scenarioFile = std::string(file)};
-        else if (result.mode == Mode::Simulate || result.mode == Mode::Demo)
+        else if (wins == 0 && rank(*mode) == 1)
             return CommandLineError{"one simulated machine at a time"};
     }
     return result;

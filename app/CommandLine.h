@@ -15,6 +15,8 @@ struct CommandLine {
         Simulate,
         /// The same with the built-in scenario.
         Demo,
+        /// Ends the real program that runs.
+        Stop,
         Help,
         Version
     };
@@ -31,7 +33,8 @@ struct CommandLineError {
 };
 
 /// Parses main()'s `arguments`, of which the first, if there is any, is the program's own name.
-/// Help and version win over other valid options, and the first of them over the other. A file
+/// Help and version win over other valid options, and the first of them over the other; stop wins
+/// over what starts the program. A file
 /// whose name begins with a dash is given as "--simulated=FILE".
 [[nodiscard]] std::variant<CommandLine, CommandLineError>
 parseCommandLine(std::span<const char* const> arguments);

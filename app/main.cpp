@@ -73,7 +73,7 @@ void playScenario(LiveMachine& machine, MainWindow& window) {
 }
 
 int runWindow(QGuiApplication& application, Host::TerminationSignals& termination,
-              const std::optional<Scenario>& scenario) {
+              Host::SingleInstance& instance, const std::optional<Scenario>& scenario) {
     Host::Platform host;
     std::optional<LiveMachine> machine;
     if (scenario)
@@ -93,6 +93,7 @@ int runWindow(QGuiApplication& application, Host::TerminationSignals& terminatio
     termination.listen([&window] { window.close(); });
     if (!window.show())
         return cannotRun;
+    instance.serve(window.window(), [&window] { window.close(); });
     const int status = QGuiApplication::exec();
     termination.ignore();
     return status;
@@ -109,6 +110,12 @@ void chooseRenderer() {
 // NOLINTNEXTLINE(readability-non-const-parameter)
 int run(char* name, const std::optional<Scenario>& scenario) {
     Host::TerminationSignals termination;
+    Host::SingleInstance instance(scenario ? Host::SingleInstance::Kind::Simulated
+                                           : Host::SingleInstance::Kind::Single);
+    if (!instance.message().empty())
+        printError(instance.message());
+    if (instance.isSecond())
+        return 0;
     Host::DisplayServer display;
     if (!display.error().empty()) {
         printError(display.error());
@@ -126,7 +133,21 @@ int run(char* name, const std::optional<Scenario>& scenario) {
     QGuiApplication::setQuitOnLastWindowClosed(false);
     // A dock finds the icon by this name.
     QGuiApplication::setDesktopFileName("org.quorvane.Quorvane");
-    return runWindow(application, termination, scenario);
+    return runWindow(application, termination, instance, scenario);
+}
+
+int stop() {
+    switch (Host::stopRunning()) {
+    case StopResult::NothingRuns:
+        std::puts("quorvane: not running");
+        return 0;
+    case StopResult::Stopped:
+        return 0;
+    case StopResult::Failed:
+        break;
+    }
+    printError("the one that is running could not be ended");
+    return cannotRun;
 }
 
 int execute(char* name, const CommandLine& commandLine) {
@@ -139,6 +160,8 @@ int execute(char* name, const CommandLine& commandLine) {
         return 0;
     case CommandLine::Mode::Run:
         return run(name, std::nullopt);
+    case CommandLine::Mode::Stop:
+        return stop();
     case CommandLine::Mode::Simulate:
     case CommandLine::Mode::Demo:
         break;

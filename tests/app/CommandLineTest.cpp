@@ -63,6 +63,15 @@ TEST(CommandLine, ChoosesTheDemo) {
     EXPECT_EQ(understood({"--demo"}), withMode(Mode::Demo));
 }
 
+TEST(CommandLine, StopWinsOverWhatStartsTheProgram) {
+    EXPECT_EQ(understood({"--stop"}), withMode(Mode::Stop));
+    EXPECT_EQ(understood({"--stop", "--stop"}), withMode(Mode::Stop));
+    EXPECT_EQ(understood({"--demo", "--stop"}), withMode(Mode::Stop));
+    EXPECT_EQ(understood({"--stop", "--demo", "--simulated=file"}), withMode(Mode::Stop));
+    EXPECT_EQ(understood({"--stop", "--help"}), withMode(Mode::Help));
+    EXPECT_EQ(understood({"--version", "--stop"}), withMode(Mode::Version));
+}
+
 TEST(CommandLine, HelpAndVersionWinOverOtherOptions) {
     EXPECT_EQ(understood({"--help"}), withMode(Mode::Help));
     EXPECT_EQ(understood({"-h"}), withMode(Mode::Help));
@@ -112,6 +121,7 @@ TEST(CommandLine, HelpNamesEveryOptionAndHowToLeave) {
               "\n"
               "  --demo             show everything by itself, on a simulated machine\n"
               "  --simulated FILE   run on the simulated machine that the scenario FILE describes\n"
+              "  --stop             end the Quorvane that is running, whatever it is doing\n"
               "  --help             print this and leave\n"
               "  --version          print the version and leave\n"
               "\n"

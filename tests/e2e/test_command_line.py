@@ -17,7 +17,7 @@ class CommandLine(EndToEndTest):
         for display in (self.environment["DISPLAY"], None):
             status, output, errors = self._run("--help", DISPLAY=display)
             self.assertEqual((status, errors), (0, ""))
-            for option in ("--help", "--version", "--simulated", "--demo"):
+            for option in ("--help", "--version", "--simulated", "--demo", "--stop"):
                 self.assertIn(option, output)
 
     def test_a_refusal_names_the_help_option(self):
