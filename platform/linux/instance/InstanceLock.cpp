@@ -11,12 +11,12 @@ namespace quorvane {
 namespace {
 
 /// None where there is no runtime folder, or no right to it.
-FileDescriptor openFile() {
+FileDescriptor openFile(int flags) {
     const std::filesystem::path folder = qgetenv("XDG_RUNTIME_DIR").toStdString();
     if (!folder.is_absolute())
         return {};
     return FileDescriptor(
-        open((folder / "quorvane.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+        open((folder / "quorvane.lock").c_str(), flags | O_CLOEXEC | O_NOFOLLOW, 0600));
 }
 
 /// Of the whole file.
@@ -30,14 +30,14 @@ struct flock exclusive() {
 
 } // namespace
 
-InstanceLock::InstanceLock() : m_file(openFile()) {
+InstanceLock::InstanceLock() : m_file(openFile(O_RDWR | O_CREAT)) {
     auto lock = exclusive();
     m_isTaken =
         m_file && fcntl(m_file.get(), F_SETLK, &lock) != 0 && (errno == EACCES || errno == EAGAIN);
 }
 
 pid_t InstanceLock::holder() {
-    const FileDescriptor file = openFile();
+    const FileDescriptor file = openFile(O_RDONLY);
     auto lock = exclusive();
     if (!file || fcntl(file.get(), F_GETLK, &lock) != 0 || lock.l_type == F_UNLCK)
         return 0;

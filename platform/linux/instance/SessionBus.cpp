@@ -77,9 +77,7 @@ bool SessionBus::process() {
     int result = isOpen() ? 1 : 0;
     while (result > 0)
         result = sd_bus_process(get(), nullptr);
-    if (result < 0)
-        leave(false);
-    return isOpen();
+    return isOpen() && result == 0;
 }
 
 /// Handles what has arrived, or waits for more. Below 0 an error's number, ETIMEDOUT at the

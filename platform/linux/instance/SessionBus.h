@@ -59,7 +59,7 @@ public:
         return answer;
     }
 
-    /// Handles what has arrived. False once the connection is lost.
+    /// Handles what has arrived. False once the connection is lost; its descriptor stays open.
     bool process();
 
 private:

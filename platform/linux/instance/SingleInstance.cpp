@@ -122,8 +122,10 @@ void SingleInstance::serve(QWindow& window, std::function<void()> stop) {
 
 /// Without the bus the program goes on, and a second start finds the lock.
 void SingleInstance::read() {
-    if (!m_bus.process())
-        m_readable.release()->deleteLater();
+    if (m_bus.process())
+        return;
+    m_readable->setEnabled(false);
+    m_readable.release()->deleteLater();
 }
 
 int SingleInstance::handle(sd_bus_message* call) {
