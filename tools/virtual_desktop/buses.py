@@ -36,6 +36,7 @@ class Bus:
             ["dbus-daemon", f"--config-file={config}", "--nofork", "--nopidfile",
              "--nosyslog", "--print-address=1"],
             env, stack, stdout=subprocess.PIPE)
+        self.pid = daemon.process.pid
         self.address = daemon.process.stdout.readline().decode().strip()
         if not self.address:
             raise daemon.failure(f"the {name} bus has no address")
