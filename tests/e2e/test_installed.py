@@ -9,9 +9,10 @@ import unittest
 import wave
 import xml.etree.ElementTree
 
-from harness import BUILD, LOADED, REPOSITORY, EndToEndTest, wait_until
+from harness import BUILD, LOADED, PROGRAM, REPOSITORY, EndToEndTest, wait_until
 
 ENTRY = "share/applications/org.quorvane.Quorvane.desktop"
+MANUAL = "share/man/man1/quorvane.1"
 
 FILES = {
     "bin/quorvane",
@@ -20,6 +21,7 @@ FILES = {
     ENTRY,
     "share/doc/quorvane/LICENSE",
     "share/icons/hicolor/scalable/apps/quorvane.svg",
+    MANUAL,
     "share/polkit-1/actions/org.quorvane.key-reader.policy",
     "share/quorvane/creaking.mp3",
     "share/quorvane/fanmac.mp3",
@@ -45,6 +47,7 @@ class Installed(EndToEndTest):
         entry.optionxform = str
         entry.read(cls.prefix / ENTRY, encoding="utf-8")
         cls.entry = entry["Desktop Entry"]
+        cls.stop_entry = entry["Desktop Action stop"]
 
     def _launch_as_a_desktop_does(self, *options):
         path = f"{self.prefix / 'bin'}:{self.environment['PATH']}"
@@ -112,6 +115,20 @@ class Installed(EndToEndTest):
         self.assertTrue(os.access(self.prefix / "bin" / self.entry["TryExec"], os.X_OK))
         icons = self.prefix / "share/icons/hicolor/scalable/apps"
         self.assertTrue((icons / f"{self.entry['Icon']}.svg").is_file())
+
+    def test_desktop_entry_offers_to_stop_it(self):
+        self.assertEqual(self.entry["Actions"], "stop;")
+        self.assertEqual(self.stop_entry["Exec"], "quorvane --stop")
+
+    def test_manual_page_has_every_option_and_no_mistake(self):
+        page = self.prefix / MANUAL
+        options = subprocess.run([str(PROGRAM), "--help"], capture_output=True, text=True, timeout=10,
+                                 check=True).stdout
+        shown = subprocess.run(["groff", "-man", "-Tascii", "-P-cbou", "-ww", page],
+                               capture_output=True, text=True, timeout=20, check=True)
+        self.assertEqual(shown.stderr, "")
+        for option in re.findall(r"^  (--\w+)", options, re.MULTILINE):
+            self.assertRegex(shown.stdout, rf"(?m)^ +{option}\b")
 
     def test_its_window_belongs_to_the_desktop_entry(self):
         self.skip_hardware_check()
