@@ -93,7 +93,9 @@ void bringToFront(QWindow& window, const StartupTokens& tokens) {
     activate(*x11, static_cast<xcb_window_t>(window.winId()), timeIn(tokens.id));
     if (!tokens.id.empty())
         endStartup(*x11, tokens.id);
-    x11->flush();
+    // The X server drops what it has not read when a client disconnects: wait until it has.
+    const XcbReply<xcb_get_input_focus_reply_t> reply{
+        xcb_get_input_focus_reply(x11->get(), xcb_get_input_focus(x11->get()), nullptr)};
 }
 
 } // namespace quorvane
