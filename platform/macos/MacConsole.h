@@ -1,20 +1,19 @@
 #pragma once
 
 #include "platform/System.h"
+#include "platform/posix/LineWriter.h"
 
 namespace quorvane {
 
-/// Writes lines to a descriptor, unbuffered. A closed pipe is ignored, provided that the process
-/// ignores SIGPIPE.
+/// A LineWriter on a descriptor, standard output by default.
 class MacConsole final : public Console {
 public:
-    /// Standard output by default. The descriptor is not owned.
-    explicit MacConsole(int descriptor = 1) : m_descriptor(descriptor) {}
+    explicit MacConsole(int descriptor = 1) : m_lines(descriptor) {}
 
-    void print(std::string_view line) override;
+    void print(std::string_view line) override { m_lines.print(line); }
 
 private:
-    int m_descriptor;
+    LineWriter m_lines;
 };
 
 } // namespace quorvane

@@ -1,22 +1,19 @@
 #pragma once
 
 #include "platform/System.h"
+#include "platform/posix/LineWriter.h"
 
 namespace quorvane {
 
-/// Writes lines to a descriptor, unbuffered. A closed pipe is ignored: no error, no SIGPIPE, unless
-/// its reader closes it during the write, for which `main` ignores the signal. Lines are dropped
-/// while a non-blocking pipe stays full.
+/// A LineWriter on a descriptor, standard output by default.
 class LinuxConsole final : public Console {
 public:
-    /// Standard output by default. The descriptor is not owned. If it is closed already, nothing is
-    /// ever written, since another file may get its number.
-    explicit LinuxConsole(int descriptor = 1);
+    explicit LinuxConsole(int descriptor = 1) : m_lines(descriptor) {}
 
-    void print(std::string_view line) override;
+    void print(std::string_view line) override { m_lines.print(line); }
 
 private:
-    int m_descriptor;
+    LineWriter m_lines;
 };
 
 } // namespace quorvane
