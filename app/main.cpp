@@ -13,6 +13,8 @@
 #include "app/OrrowinApp.h"
 #include "app/screens/MainWindow.h"
 #include "app/screens/bridge/PressControl.h"
+#include "platform/posix/StandardError.h"
+#include "platform/posix/Threads.h"
 #include "platform/simulated/LiveMachine.h"
 #ifdef QUORVANE_MACOS
 #include "platform/macos/MacHost.h"
@@ -27,10 +29,6 @@ using namespace quorvane;
 // Exit statuses.
 constexpr int cannotRun = 1;
 constexpr int badUsage = 2;
-
-void printError(std::string_view what) {
-    std::fprintf(stderr, "quorvane: %.*s\n", static_cast<int>(what.size()), what.data());
-}
 
 // All of Qt's messages go to standard error: without a terminal, Qt may log to the journal instead.
 void printQtMessage(QtMsgType /*type*/, const QMessageLogContext& /*context*/,
@@ -175,6 +173,7 @@ int execute(char* name, const CommandLine& commandLine) {
 int main(int argc, char** argv) {
     // Writing to a closed pipe must not end the program.
     std::signal(SIGPIPE, SIG_IGN);
+    tellUncaughtExceptions();
 
     const auto commandLine = parseCommandLine({argv, static_cast<std::size_t>(argc)});
     if (const auto* error = std::get_if<CommandLineError>(&commandLine)) {

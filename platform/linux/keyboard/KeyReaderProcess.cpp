@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
+#include <string>
 #include <utility>
+
+#include "platform/posix/StandardError.h"
 
 namespace quorvane {
 
@@ -46,9 +48,9 @@ const char* explain(int status, bool wasQuestion) {
 
 void report(int status) {
     if (WIFSIGNALED(status))
-        std::fprintf(stderr, "quorvane: the key reader ended: signal %d\n", WTERMSIG(status));
+        printError("the key reader ended: signal " + std::to_string(WTERMSIG(status)));
     else
-        std::fprintf(stderr, "quorvane: the key reader ended: status %d\n", WEXITSTATUS(status));
+        printError("the key reader ended: status " + std::to_string(WEXITSTATUS(status)));
 }
 
 } // namespace
