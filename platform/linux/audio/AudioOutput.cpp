@@ -4,6 +4,9 @@
 #include <iterator>
 #include <utility>
 
+#include "platform/posix/StandardError.h"
+#include "platform/posix/Threads.h"
+
 namespace quorvane {
 
 namespace {
@@ -15,12 +18,23 @@ constexpr std::chrono::seconds partingTime{2};
 
 std::shared_ptr<AudioOutput> AudioOutput::create() {
     const std::shared_ptr<AudioOutput> output(new AudioOutput);
-    output->m_thread = std::thread([output] { output->run(); });
+    output->start(output);
     // The thread has a reference too, so it is another's end that ends it.
     return {output.get(), [output](AudioOutput* /*owned by the capture*/) { output->end(); }};
 }
 
+void AudioOutput::start(const std::shared_ptr<AudioOutput>& self) {
+    if (m_connection.isUsable())
+        m_thread = startThread("sound", [self] { self->run(); });
+    else
+        printError("no sound: too few file descriptors");
+    if (!m_thread.joinable())
+        m_available = false;
+}
+
 void AudioOutput::end() {
+    if (!m_thread.joinable())
+        return;
     std::unique_lock lock(m_mutex);
     m_quit = true;
     m_connection.wake();

@@ -89,10 +89,12 @@ private:
     };
 
     AudioOutput() = default;
+    void start(const std::shared_ptr<AudioOutput>& self);
     void end();
 
     // The audio thread's; with the mutex held.
     void run();
+    void serve(std::unique_lock<std::mutex>& lock);
     void connectIfDue(std::unique_lock<std::mutex>& lock);
     void noticeConnection(Clock::time_point now);
     void openIfDue(Clock::time_point now);

@@ -1,8 +1,10 @@
 #include <algorithm>
 #include <cstdlib>
+#include <new>
 #include <utility>
 
 #include "platform/linux/audio/AudioOutput.h"
+#include "platform/posix/StandardError.h"
 
 namespace quorvane {
 
@@ -48,6 +50,28 @@ std::int64_t framesIn(Seconds time) {
 
 void AudioOutput::run() {
     std::unique_lock lock(m_mutex);
+    try {
+        serve(lock);
+    } catch (const std::bad_alloc&) {
+        printError("no sound from now on: out of memory");
+        if (!lock.owns_lock())
+            lock.lock();
+        lose();
+    }
+    closeStream();
+    m_connection.disconnect();
+    const Track::Completions finished = std::exchange(m_finished, {});
+    lock.unlock();
+    for (const auto& completion : finished)
+        if (completion)
+            completion();
+    lock.lock();
+    m_ended = true;
+    m_hasEnded.notify_all();
+}
+
+/// Until the end.
+void AudioOutput::serve(std::unique_lock<std::mutex>& lock) {
     while (!m_quit) {
         connectIfDue(lock);
         step(Clock::now());
@@ -61,16 +85,6 @@ void AudioOutput::run() {
         m_connection.iterate(deadline);
         lock.lock();
     }
-    closeStream();
-    m_connection.disconnect();
-    const Track::Completions finished = std::exchange(m_finished, {});
-    lock.unlock();
-    for (const auto& completion : finished)
-        if (completion)
-            completion();
-    lock.lock();
-    m_ended = true;
-    m_hasEnded.notify_all();
 }
 
 void AudioOutput::step(Clock::time_point now) {

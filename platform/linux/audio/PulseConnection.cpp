@@ -41,6 +41,8 @@ void PulseConnection::CloseContext::operator()(pa_context* context) const {
 
 PulseConnection::PulseConnection()
     : m_loop(pa_mainloop_new()), m_wake(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {
+    if (!isUsable())
+        return;
     pa_mainloop_api* api = pa_mainloop_get_api(m_loop.get());
     api->io_new(
         api, m_wake.get(), PA_IO_EVENT_INPUT,
@@ -78,14 +80,16 @@ void PulseConnection::connect() {
 /// The answer comes before that to any later call.
 void PulseConnection::identifyServer() {
     m_isPipeWire = false;
-    pa_operation_unref(pa_context_get_server_info(
+    pa_operation* question = pa_context_get_server_info(
         m_context.get(),
         [](pa_context*, const pa_server_info* server, void* self) {
             const std::string_view name = server && server->server_name ? server->server_name : "";
             static_cast<PulseConnection*>(self)->m_isPipeWire =
                 name.find("PipeWire") != std::string_view::npos;
         },
-        this));
+        this);
+    if (question)
+        pa_operation_unref(question);
 }
 
 PulseConnection::State PulseConnection::state() const {

@@ -25,6 +25,10 @@ public:
     PulseConnection();
     ~PulseConnection();
 
+    /// False if there were too few file descriptors; then nothing else may be called but `wake` and
+    /// `disconnect`.
+    [[nodiscard]] bool isUsable() const { return m_loop && m_wake; }
+
     /// Begins to connect; where the server is started on demand, that may take a while.
     void connect();
 

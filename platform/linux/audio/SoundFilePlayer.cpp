@@ -4,12 +4,15 @@
 #include <chrono>
 #include <cmath>
 #include <cstdint>
+#include <new>
 #include <string>
 #include <utility>
 
 #include "platform/PCMBuffers.h"
 #include "platform/linux/audio/Resampling.h"
 #include "platform/linux/audio/SndfileAudioFile.h"
+#include "platform/posix/StandardError.h"
+#include "platform/posix/Threads.h"
 
 namespace quorvane {
 
@@ -56,18 +59,32 @@ SoundFilePlayer::SoundFilePlayer(std::shared_ptr<AudioOutput> output,
     : m_output(std::move(output)),
       m_duration(static_cast<double>(file->length()) / file->processingFormat().sampleRate) {
     m_output->add(m_track, nullptr);
-    m_decoded = std::async(std::launch::async, [this, file = std::move(file)] {
-                    auto sound = decode(*file, m_cancelled);
-                    const bool hasSound = sound != nullptr;
-                    setSound(std::move(sound));
-                    return hasSound;
-                }).share();
+    const auto decoded = std::make_shared<std::promise<void>>();
+    m_decoded = decoded->get_future();
+    m_decoder = startThread("sound decoder", [this, decoded, file = std::move(file)] {
+        decode(*file);
+        decoded->set_value();
+    });
+    if (!m_decoder.joinable())
+        decoded->set_value();
 }
 
 SoundFilePlayer::~SoundFilePlayer() {
     m_cancelled = true;
-    m_decoded.wait();
+    if (m_decoder.joinable())
+        m_decoder.join();
     m_output->remove(*m_track);
+}
+
+/// On the decoder's thread.
+void SoundFilePlayer::decode(SndfileAudioFile& file) {
+    std::shared_ptr<const PCMBuffer> sound;
+    try {
+        sound = quorvane::decode(file, m_cancelled);
+    } catch (const std::bad_alloc&) {
+        printError("a sound stays silent: out of memory");
+    }
+    setSound(std::move(sound));
 }
 
 /// On the decoder's thread. The track may have been told to play meanwhile.
@@ -91,7 +108,8 @@ void SoundFilePlayer::placeSound() {
 }
 
 bool SoundFilePlayer::hasSound() const {
-    return m_decoded.wait_for(decodingTime) != std::future_status::ready || m_decoded.get();
+    return m_decoded.wait_for(decodingTime) != std::future_status::ready ||
+           m_output->look([this] { return m_sound != nullptr; });
 }
 
 double SoundFilePlayer::currentTime() const {

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <future>
 #include <memory>
+#include <thread>
 #include <variant>
 
 #include "platform/Audio.h"
@@ -45,6 +46,7 @@ public:
     [[nodiscard]] bool isPlaying() const override;
 
 private:
+    void decode(SndfileAudioFile& file);
     void setSound(std::shared_ptr<const PCMBuffer> sound);
     void placeSound();
 
@@ -57,8 +59,9 @@ private:
     int m_loops = 0;
     std::shared_ptr<const PCMBuffer> m_sound;
     std::atomic<bool> m_cancelled = false;
-    // Whether there is a sound, once that is known.
-    std::shared_future<bool> m_decoded;
+    // Ready once it is known whether there is a sound.
+    std::future<void> m_decoded;
+    std::thread m_decoder;
 };
 
 } // namespace quorvane

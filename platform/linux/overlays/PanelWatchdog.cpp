@@ -1,12 +1,13 @@
 #include "platform/linux/overlays/PanelWatchdog.h"
 
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <condition_variable>
-#include <cstdio>
 #include <mutex>
+
+#include "platform/posix/StandardError.h"
+#include "platform/posix/Threads.h"
 
 namespace quorvane {
 
@@ -34,14 +35,23 @@ void watch(const std::stop_token& stop, int socket, Clock::time_point due) {
         return;
     // The only safe call on the connection from here: the main thread may be inside xcb.
     shutdown(socket, SHUT_RDWR);
-    dprintf(STDERR_FILENO, "quorvane: the main thread hangs: removed a panel that was overdue\n");
+    printError("the main thread hangs: removed a panel that was overdue");
 }
 
 } // namespace
 
 PanelWatchdog::PanelWatchdog(int socket, double timeLimit)
-    : m_thread(watch, socket,
-               Clock::now() + std::chrono::duration_cast<Clock::duration>(
-                                  std::chrono::duration<double>(timeLimit))) {}
+    : m_thread(startThread("panel watchdog",
+                           [socket, stop = m_stop.get_token(),
+                            due = Clock::now() + std::chrono::duration_cast<Clock::duration>(
+                                                     std::chrono::duration<double>(timeLimit))] {
+                               watch(stop, socket, due);
+                           })) {}
+
+PanelWatchdog::~PanelWatchdog() {
+    m_stop.request_stop();
+    if (m_thread.joinable())
+        m_thread.join();
+}
 
 } // namespace quorvane

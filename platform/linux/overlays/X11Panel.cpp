@@ -64,8 +64,9 @@ void X11Panel::orderFrontRegardless() {
     if (!m_window) {
         if (!X11OverlayWindow::isSupported(stack->connection()) || stack->isLocked())
             return;
-        if (m_timeLimit > 0)
-            m_watchdog.emplace(stack->connection().socket(), m_timeLimit);
+        if (m_timeLimit > 0 &&
+            !m_watchdog.emplace(stack->connection().socket(), m_timeLimit).isWatching())
+            return;
         makeWindow(*stack);
     }
     stack->add(shared_from_this());
