@@ -16,10 +16,11 @@ namespace quorvane {
 namespace {
 
 // On another thread: loading the installed fonts and creating the window, which loads the graphics
-// driver, take most of the time before the first frame and are independent of each other.
+// driver, take most of the time before the first frame and are independent of each other. Where no
+// thread can be started, get() loads them.
 std::future<QFont> loadTextFont(const Desktop& desktop) {
     Fonts::setFamilies(desktop.fontFamilies());
-    return std::async(std::launch::async, Fonts::text, QGuiApplication::font());
+    return std::async(Fonts::text, QGuiApplication::font());
 }
 
 } // namespace

@@ -38,7 +38,8 @@ QString ShadowedImage::file() const {
     return m_source.toLocalFile();
 }
 
-// Loading takes longer than the rest of the screen: another thread does it, and draw() waits.
+// Loading takes longer than the rest of the screen: another thread does it, and draw() waits; or
+// draw() does it where no thread can be started.
 void ShadowedImage::measure() {
     if (!isPresent() || m_shownHeight <= 0) {
         setImplicitSize(0, 0);
@@ -47,7 +48,7 @@ void ShadowedImage::measure() {
     setImplicitSize(m_shownHeight * m_fileSize.width() / m_fileSize.height(), m_shownHeight);
     m_loadedSize =
         (QSizeF(implicitWidth(), implicitHeight()) * qGuiApp->devicePixelRatio()).toSize();
-    m_loaded = std::async(std::launch::async, load, file(), m_loadedSize);
+    m_loaded = std::async(load, file(), m_loadedSize);
 }
 
 void ShadowedImage::draw(QPainter& painter) const {
