@@ -11,6 +11,7 @@
 #include <system_error>
 
 #include "platform/linux/common/ReleasedBy.h"
+#include "platform/linux/common/XDGFolders.h"
 
 namespace quorvane {
 
@@ -139,14 +140,8 @@ std::vector<fs::path> entryFiles(const fs::path& folder) {
 
 AutostartEnvironment AutostartEnvironment::current() {
     AutostartEnvironment environment;
-    const fs::path home = variable("XDG_CONFIG_HOME", "");
-    // Relative paths are to be ignored, as XDG says.
-    environment.folders.push_back(
-        (home.is_absolute() ? home : fs::path(variable("HOME", "/")) / ".config") / "autostart");
-    for (const fs::path folder : split(variable("XDG_CONFIG_DIRS", "/etc/xdg"))) {
-        if (folder.is_absolute())
-            environment.folders.push_back(folder / "autostart");
-    }
+    for (const fs::path& folder : xdgConfigFolders())
+        environment.folders.push_back(folder / "autostart");
     environment.desktops = split(variable("XDG_CURRENT_DESKTOP", ""));
     std::error_code error;
     environment.executable = fs::read_symlink("/proc/self/exe", error);

@@ -7,7 +7,8 @@
 #include <QDBusVariant>
 #include <QFile>
 #include <QSettings>
-#include <QStandardPaths>
+
+#include "platform/linux/common/XDGFolders.h"
 
 namespace quorvane {
 
@@ -20,7 +21,7 @@ constexpr auto settingsGroup = "org.gnome.desktop.interface";
 constexpr auto animationsKey = "enable-animations";
 
 bool filesReduceMotion() {
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+    const QString folder = QFile::decodeName(xdgConfigFolder().c_str());
     for (const char* file : {"/gtk-4.0/settings.ini", "/gtk-3.0/settings.ini"}) {
         const QSettings settings(folder + QString::fromLatin1(file), QSettings::IniFormat);
         const QVariant enabled = settings.value("Settings/gtk-enable-animations");

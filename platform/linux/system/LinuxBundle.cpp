@@ -1,10 +1,10 @@
 #include "platform/linux/system/LinuxBundle.h"
 
-#include <QStandardPaths>
 #include <QString>
-#include <QStringList>
 #include <system_error>
 #include <utility>
+
+#include "platform/linux/common/XDGFolders.h"
 
 namespace quorvane {
 
@@ -35,9 +35,8 @@ std::vector<fs::path> LinuxBundle::standardFolders() {
         folders.push_back(executable.parent_path() / "resources");
         folders.push_back(executable.parent_path().parent_path() / "share/quorvane");
     }
-    const auto data = QStandardPaths::standardLocations(QStandardPaths::GenericDataLocation);
-    for (const QString& folder : data)
-        folders.push_back(fs::path(folder.toStdString()) / "quorvane");
+    for (const fs::path& folder : xdgDataFolders())
+        folders.push_back(folder / "quorvane");
     return folders;
 }
 
