@@ -1,30 +1,40 @@
 #pragma once
 
-#include <map>
+#include <filesystem>
+#include <memory>
+#include <thread>
 
 #include "platform/System.h"
+#include "platform/linux/system/SettingsFile.h"
 
 namespace quorvane {
 
-/// Settings in an INI file through QSettings, which replaces the file atomically and keeps other
-/// settings in it, but would overwrite a damaged one. That is put aside first as
-/// "quorvane.ini.damaged" (then ".damaged.1" and so on) and counts as empty; one that cannot be put
-/// aside is left alone, and then nothing is written.
+/// Settings in a SettingsFile. It is read on the main thread, which is a few lines, and written on
+/// another, where the disk is waited for; of several values of a setting the last one is written.
 class LinuxUserDefaults final : public UserDefaults {
 public:
     /// Reads nothing yet.
     explicit LinuxUserDefaults(std::filesystem::path file = standardFile());
+    /// As `finish`.
+    ~LinuxUserDefaults() override;
 
     [[nodiscard]] bool boolForKey(std::string_view key) const override;
     void setBool(std::string_view key, bool value) override;
+
+    /// Waits until everything is written, 1 s at most; what is not by then is left to the thread.
+    void finish();
 
     /// `quorvane/quorvane.ini` in the XDG configuration folder.
     [[nodiscard]] static std::filesystem::path standardFile();
 
 private:
-    std::filesystem::path m_file;
+    struct Saving;
+
+    // The thread has a reference too: it may be stuck in a write for longer than this object lives.
+    std::shared_ptr<Saving> m_saving;
     // In effect even if the file could not be written.
-    std::map<std::string, bool, std::less<>> m_setHere;
+    SettingsFile::Values m_setHere;
+    std::thread m_thread;
 };
 
 } // namespace quorvane

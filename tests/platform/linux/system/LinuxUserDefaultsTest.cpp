@@ -60,6 +60,7 @@ protected:
     [[nodiscard]] static std::string complaintOfSetting(LinuxUserDefaults& defaults) {
         CaptureStderr();
         defaults.setBool("hardwareChecked", true);
+        defaults.finish();
         std::string said = GetCapturedStderr();
         EXPECT_TRUE(defaults.boolForKey("hardwareChecked"));
         return said;
@@ -203,12 +204,14 @@ TEST_F(LinuxUserDefaultsTest, AFullDiskIsReportedAndTheOldFileStays) {
         const std::string before = fileText(m_file);
         full.emplace();
         defaults.setBool("hardwareChecked", true);
+        defaults.finish();
         full.reset();
         GetCapturedStderr();
         EXPECT_EQ(fileText(m_file), before);
     }
     EXPECT_TRUE(defaults.boolForKey("hardwareChecked"));
     defaults.setBool("other", true);
+    defaults.finish();
     EXPECT_TRUE(isSaved("hardwareChecked"));
     EXPECT_TRUE(isSaved("other"));
 }
