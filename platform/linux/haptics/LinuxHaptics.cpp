@@ -2,10 +2,15 @@
 
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <thread>
 #include <utility>
 
 #include "platform/linux/haptics/EvdevForceFeedback.h"
 #include "platform/linux/haptics/HapticDevice.h"
+#include "platform/posix/Threads.h"
 
 namespace quorvane {
 
@@ -18,20 +23,53 @@ using namespace std::chrono_literals;
 constexpr auto checkInterval = 500ms;
 constexpr int unusedChecksBeforeClosing = 2;
 
-// Milliseconds for closing the device at exit; a healthy one takes one or two.
-constexpr int longestWait = 500;
+// For closing the device at exit; a healthy one takes one or two milliseconds.
+constexpr auto longestWait = 500ms;
 
 } // namespace
 
+/// Work on threads. Not a QThreadPool, which needs file descriptors and aborts without any left.
+class LinuxHaptics::Background {
+public:
+    static void start(const std::shared_ptr<Background>& self, std::function<void()> work) {
+        self->count(1);
+        std::thread thread = startThread("haptics", [self, work = std::move(work)]() mutable {
+            work();
+            // Closes the device if nothing else does.
+            work = nullptr;
+            self->count(-1);
+        });
+        if (thread.joinable())
+            thread.detach();
+        else
+            self->count(-1);
+    }
+
+    void waitForDone(std::chrono::milliseconds timeout) {
+        std::unique_lock lock(m_mutex);
+        m_isDone.wait_for(lock, timeout, [this] { return m_running == 0; });
+    }
+
+private:
+    void count(int change) {
+        const std::lock_guard lock(m_mutex);
+        m_running += change;
+        m_isDone.notify_all();
+    }
+
+    std::mutex m_mutex;
+    std::condition_variable m_isDone;
+    int m_running = 0;
+};
+
 class LinuxHaptics::Performer final : public HapticPerformer {
 public:
-    Performer(QThreadPool& background, const std::shared_ptr<ForceFeedbackDevices>& devices)
-        : m_background(background), m_opening(std::make_shared<Opening>()) {
-        m_background.start([devices, opening = m_opening]() mutable {
+    Performer(std::shared_ptr<Background> background,
+              const std::shared_ptr<ForceFeedbackDevices>& devices)
+        : m_background(std::move(background)), m_opening(std::make_shared<Opening>()) {
+        Background::start(m_background, [devices, opening = m_opening] {
             opening->device = HapticDevice::openBest(*devices);
             opening->isDone.store(true, std::memory_order_release);
-            // If the performer is gone by now, this closes the device, on this thread.
-            opening.reset();
         });
     }
 
@@ -49,7 +87,7 @@ public:
 
     void close() {
         if (m_opening)
-            m_background.start([opening = std::move(m_opening)]() mutable { opening.reset(); });
+            Background::start(m_background, [opening = std::move(m_opening)] {});
     }
 
 private:
@@ -59,7 +97,7 @@ private:
         std::atomic<bool> isDone = false;
     };
 
-    QThreadPool& m_background;
+    std::shared_ptr<Background> m_background;
     std::shared_ptr<Opening> m_opening;
 };
 
@@ -74,16 +112,16 @@ LinuxHaptics::LinuxHaptics(std::shared_ptr<ForceFeedbackDevices> devices)
 LinuxHaptics::~LinuxHaptics() {
     if (m_current)
         m_current->close();
-    if (m_background && !m_background->waitForDone(longestWait))
-        static_cast<void>(m_background.release());
+    if (m_background)
+        m_background->waitForDone(longestWait);
 }
 
 std::shared_ptr<HapticPerformer> LinuxHaptics::defaultPerformer() {
     m_wasAskedFor = true;
     if (!m_background)
-        m_background = std::make_unique<QThreadPool>();
+        m_background = std::make_shared<Background>();
     if (!m_current || m_current->isLost()) {
-        m_current = std::make_shared<Performer>(*m_background, m_devices);
+        m_current = std::make_shared<Performer>(m_background, m_devices);
         m_useCheck.start();
     }
     return m_current;

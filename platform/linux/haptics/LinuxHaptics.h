@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QThreadPool>
 #include <QTimer>
 #include <memory>
 
@@ -25,13 +24,14 @@ public:
     [[nodiscard]] std::shared_ptr<HapticPerformer> defaultPerformer() override;
 
 private:
+    class Background;
     class Performer;
 
     void closeWhenUnused();
 
     std::shared_ptr<ForceFeedbackDevices> m_devices;
-    // Leaked by the destructor while it is blocked on a device that does not answer.
-    std::unique_ptr<QThreadPool> m_background;
+    // Its threads have references too: one may be blocked on a device that does not answer.
+    std::shared_ptr<Background> m_background;
     // The only performer that can have a device. Kept for a moment after its last use: some callers
     // ask for it at every pulse, and uploading effects takes a while.
     std::shared_ptr<Performer> m_current;
