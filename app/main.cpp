@@ -13,6 +13,7 @@
 #include "app/OrrowinApp.h"
 #include "app/screens/MainWindow.h"
 #include "app/screens/bridge/PressControl.h"
+#include "platform/posix/Descriptors.h"
 #include "platform/posix/StandardError.h"
 #include "platform/posix/Threads.h"
 #include "platform/simulated/LiveMachine.h"
@@ -29,6 +30,9 @@ using namespace quorvane;
 // Exit statuses.
 constexpr int cannotRun = 1;
 constexpr int badUsage = 2;
+
+// Of which half are in use with all effects on. Qt and GLib abort when they get none.
+constexpr std::size_t neededDescriptors = 64;
 
 // All of Qt's messages go to standard error: without a terminal, Qt may log to the journal instead.
 void printQtMessage(QtMsgType /*type*/, const QMessageLogContext& /*context*/,
@@ -107,6 +111,10 @@ void chooseRenderer() {
 // `name` is not const because QGuiApplication keeps it in its argv.
 // NOLINTNEXTLINE(readability-non-const-parameter)
 int run(char* name, const std::optional<Scenario>& scenario) {
+    if (!canOpenFiles(neededDescriptors)) {
+        printError("too few file descriptors (\"ulimit -n\" tells how many there are)");
+        return cannotRun;
+    }
     Host::TerminationSignals termination;
     Host::SingleInstance instance(scenario ? Host::SingleInstance::Kind::Simulated
                                            : Host::SingleInstance::Kind::Single);
