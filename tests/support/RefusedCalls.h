@@ -27,10 +27,4 @@ inline void refuse(unsigned systemCall, std::uint32_t error) {
     prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program);
 }
 
-/// As when the user has as many processes as allowed.
-inline void refuseThreads() {
-    refuse(SYS_clone3, EAGAIN);
-    refuse(SYS_clone, EAGAIN);
-}
-
 } // namespace quorvane

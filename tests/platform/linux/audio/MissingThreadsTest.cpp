@@ -3,6 +3,7 @@
 
 #include "platform/linux/audio/PulseAudioService.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/NoThreads.h"
 #include "tests/support/RefusedCalls.h"
 #include "tests/support/SoundFiles.h"
 #include "tests/support/TemporaryFolder.h"
@@ -21,13 +22,13 @@ protected:
         CaptureStderr();
     }
 
-    /// 0 if everything is as without a sound server.
-    [[nodiscard]] static int checkSilence(PulseAudioService& audio) {
+    static void expectAsWithoutServer(PulseAudioService& audio) {
         const auto engine = audio.createEngine();
         const auto node = audio.createPlayerNode();
         engine->attach(node);
         const auto hold = audio.holdOutput();
-        return engine->start() && !engine->isRunning() ? 0 : 1;
+        EXPECT_TRUE(engine->start());
+        EXPECT_FALSE(engine->isRunning());
     }
 
     [[nodiscard]] std::shared_ptr<AudioFilePlayer> makePlayer(PulseAudioService& audio) const {
@@ -39,24 +40,20 @@ protected:
 };
 
 TEST_F(MissingThreads, WithoutTheSoundThreadItIsAsWithoutASoundServer) {
-    ChildProcess child([&] {
-        refuseThreads();
-        PulseAudioService audio;
-        return checkSilence(audio);
-    });
-    EXPECT_EQ(child.wait(), 0);
+    const NoThreads noThreads;
+    PulseAudioService audio;
+    expectAsWithoutServer(audio);
     EXPECT_EQ(GetCapturedStderr(), "quorvane: the thread \"sound\" cannot be started: Resource "
                                    "temporarily unavailable\n");
 }
 
 TEST_F(MissingThreads, WithoutADecodersThreadThereIsNoSoundToPlay) {
-    ChildProcess child([&] {
-        PulseAudioService audio;
-        refuseThreads();
-        const auto player = makePlayer(audio);
-        return player->hasSound() || player->play() || player->isPlaying() ? 1 : 0;
-    });
-    EXPECT_EQ(child.wait(), 0);
+    PulseAudioService audio;
+    const NoThreads noThreads;
+    const auto player = makePlayer(audio);
+    EXPECT_FALSE(player->hasSound());
+    EXPECT_FALSE(player->play());
+    EXPECT_FALSE(player->isPlaying());
     EXPECT_EQ(GetCapturedStderr(), "quorvane: the thread \"sound decoder\" cannot be started: "
                                    "Resource temporarily unavailable\n");
 }
@@ -65,7 +62,9 @@ TEST_F(MissingThreads, WithoutDescriptorsItIsAsWithoutASoundServer) {
     ChildProcess child([&] {
         refuse(SYS_eventfd2, EMFILE);
         PulseAudioService audio;
-        return checkSilence(audio) + (makePlayer(audio)->play() ? 1 : 0);
+        expectAsWithoutServer(audio);
+        EXPECT_FALSE(makePlayer(audio)->play());
+        return HasFailure() ? 1 : 0;
     });
     EXPECT_EQ(child.wait(), 0);
     EXPECT_EQ(GetCapturedStderr(), "quorvane: no sound: too few file descriptors\n");

@@ -5,6 +5,7 @@
 
 #include "platform/linux/haptics/LinuxHaptics.h"
 #include "tests/support/FakeForceFeedback.h"
+#include "tests/support/NoThreads.h"
 #include "tests/support/QtApplication.h"
 #include "tests/support/Waiting.h"
 
@@ -115,6 +116,22 @@ TEST_F(LinuxHapticsTest, TheDestructorErasesEffectsAndClosesDevices) {
     EXPECT_EQ(m_machine->effectsOn("event1"), 0U);
     pulse(*performer);
     EXPECT_EQ(pulses(), 1U);
+}
+
+TEST_F(LinuxHapticsTest, WithoutAThreadRequestsAreIgnoredAndTheDeviceIsClosedAllTheSame) {
+    plugRumble(1);
+    auto haptics = std::make_unique<LinuxHaptics>(m_machine);
+    ASSERT_TRUE(isFelt(*haptics->defaultPerformer()));
+    const auto before = pulses();
+    const NoThreads noThreads;
+    testing::internal::CaptureStderr();
+    pulse(*m_haptics.defaultPerformer());
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "quorvane: the thread \"haptics\" cannot be started: Resource temporarily "
+              "unavailable\n");
+    EXPECT_EQ(pulses(), before);
+    haptics.reset();
+    EXPECT_THAT(m_machine->opened(), IsEmpty());
 }
 
 TEST_F(LinuxHapticsTest, WithoutDevicesRequestsAreIgnoredAndDevicesListedOnce) {

@@ -9,6 +9,7 @@
 #include <xcb/xcb.h>
 
 #include "tests/platform/linux/overlays/LinuxScreensFixture.h"
+#include "tests/support/NoThreads.h"
 #include "tests/support/Waiting.h"
 
 namespace quorvane {
@@ -163,6 +164,21 @@ TEST_F(PlainServerTest, ChangesAfterTheConnectionHasEndedAreHarmless) {
     panel->orderOut();
     const auto next = showStopScreen();
     EXPECT_THAT(m_desktop.panels(), ElementsAre(TestDesktop::whole));
+}
+
+TEST_F(LinuxScreensLeaveTest, PanelThatCannotBeWatchedIsNotShown) {
+    const auto shown = showWithTimeLimit();
+    shown->orderOut();
+    CaptureStderr();
+    {
+        const NoThreads noThreads;
+        shown->orderFrontRegardless();
+        EXPECT_TRUE(isClear());
+    }
+    EXPECT_EQ(GetCapturedStderr(), "quorvane: the thread \"panel watchdog\" cannot be started: "
+                                   "Resource temporarily unavailable\n");
+    shown->orderFrontRegardless();
+    EXPECT_THAT(m_desktop.panels(), ElementsAre(TestDesktop::whole)) << "as usual from then on";
 }
 
 } // namespace quorvane

@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/ChildProcess.h"
+#include "tests/support/NoThreads.h"
 #include "tests/support/Waiting.h"
 
 namespace quorvane {
@@ -71,6 +72,14 @@ TEST_F(PanelWatchdogTest, PanelThatGoesInTimeLeavesTheConnectionAlone) {
     watchdog.reset();
     EXPECT_LT(secondsSince(start), 0.2) << "the destructor does not wait";
     EXPECT_FALSE(isShutDownWithin(1));
+}
+
+TEST_F(PanelWatchdogTest, WithoutAThreadItSaysThatItDoesNotWatch) {
+    EXPECT_TRUE(PanelWatchdog(client(), 0.1).isWatching());
+    CaptureStderr();
+    const NoThreads noThreads;
+    EXPECT_FALSE(PanelWatchdog(client(), 0.1).isWatching());
+    EXPECT_NE(GetCapturedStderr(), "");
 }
 
 TEST_F(PanelWatchdogTest, ProcessThatWasStoppedHasHalfASecondToRemoveThePanelItself) {

@@ -11,8 +11,7 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include "tests/support/ChildProcess.h"
-#include "tests/support/RefusedCalls.h"
+#include "tests/support/NoThreads.h"
 #include "tests/support/Waiting.h"
 
 namespace quorvane {
@@ -184,18 +183,15 @@ TEST(LineWriterTest, WhatWaitsAtTheEndIsWrittenIfThereIsRoomAgain) {
 TEST(LineWriterTest, WithoutAThreadLinesAreWrittenWhereThereIsRoomAndElseCounted) {
     const auto terminal = Ends::ofTerminal();
     const auto pipe = Ends::ofPipe();
-    ChildProcess child([&] {
-        refuseThreads();
-        LineWriter(terminal->writer()).print("to the terminal");
-        LineWriter writer(pipe->writer());
-        pipe->fill();
-        print(writer, 1, 3);
-        pipe->readWhatIsThere();
-        writer.print("4");
-        return pipe->readUntil("4\n") == "3 lines lost\n4\n" ? 0 : 1;
-    });
-    EXPECT_EQ(child.wait(), 0);
+    const NoThreads noThreads;
+    LineWriter(terminal->writer()).print("to the terminal");
     EXPECT_EQ(terminal->readUntil("\n"), "to the terminal\n");
+    LineWriter writer(pipe->writer());
+    pipe->fill();
+    print(writer, 1, 3);
+    pipe->readWhatIsThere();
+    writer.print("4");
+    EXPECT_EQ(pipe->readUntil("4\n"), "3 lines lost\n4\n");
 }
 
 } // namespace quorvane
