@@ -28,7 +28,8 @@ struct HIDMatching {
 };
 
 /// One HID device, closed until `open`, and released with its last reference. After it is
-/// unplugged, every call fails. Main thread only.
+/// unplugged, its reports fail within 1/30 s, and from then on every call does, until it is plugged
+/// in again where the platform notices that. Main thread only.
 class HIDDevice : NonCopyable {
 public:
     virtual ~HIDDevice() = default;
@@ -37,7 +38,9 @@ public:
     virtual HIDResult open() = 0;
 
     /// Reads report `reportID` into `buffer`; the first byte is the report ID. `length` is the
-    /// capacity on entry and, on success, the number of bytes received. Synchronous.
+    /// capacity on entry and, on success, the number of bytes received. What the device said 1/30 s
+    /// ago at the earliest: a platform may read it on another thread, and then fails while there is
+    /// no such answer.
     virtual HIDResult getReport(HIDReportType type, std::uint8_t reportID,
                                 std::span<std::uint8_t> buffer, std::size_t& length) = 0;
 

@@ -21,8 +21,9 @@
 namespace quorvane {
 
 /// The services of a Linux desktop. Needs a QCoreApplication on the constructing thread, which is
-/// the main thread from then on. Construction opens only the run loop's descriptors; buses, devices
-/// and files are opened on first use.
+/// the main thread from then on. Construction opens only the run loop's descriptors, and begins to
+/// look for the lid's sensor on another thread; buses, other devices and files are opened on first
+/// use.
 class LinuxPlatform {
 public:
     /// The services, which live as long as this object.

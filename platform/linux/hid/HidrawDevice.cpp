@@ -23,6 +23,11 @@ std::optional<int> parseHexadecimal(std::string_view text) {
     return value;
 }
 
+std::string property(udev_device& device, const char* key) {
+    const char* value = udev_device_get_property_value(&device, key);
+    return value ? value : "";
+}
+
 std::optional<HidrawNode> readNode(udev_device& device) {
     const char* node = udev_device_get_devnode(&device);
     const char* number = udev_device_get_sysnum(&device);
@@ -34,7 +39,10 @@ std::optional<HidrawNode> readNode(udev_device& device) {
         return std::nullopt;
     return HidrawNode{.node = node,
                       .number = static_cast<int>(std::strtol(number, nullptr, 10)),
-                      .identity = *identity};
+                      .identity = *identity,
+                      .name = std::string(id) + " " + property(*parent, "HID_PHYS") + " " +
+                              property(*parent, "HID_UNIQ"),
+                      .place = udev_device_get_syspath(&device)};
 }
 
 // An ioctl's size field has 14 bits.
@@ -72,11 +80,9 @@ std::vector<HidrawNode> listHidrawNodes(udev& context) {
     return readUdevDevices(context, "hidraw", "*", readNode);
 }
 
-std::vector<HidrawNode> matchingNodes(std::vector<HidrawNode> nodes, const HIDMatching& matching) {
-    std::erase_if(nodes, [&matching](const HidrawNode& node) {
-        return node.identity.vendorID != matching.vendorID ||
-               (matching.productID && node.identity.productID != *matching.productID);
-    });
+std::vector<HidrawNode> nodesOfVendor(std::vector<HidrawNode> nodes, int vendorID) {
+    std::erase_if(
+        nodes, [vendorID](const HidrawNode& node) { return node.identity.vendorID != vendorID; });
     std::sort(nodes.begin(), nodes.end(),
               [](const auto& left, const auto& right) { return left.number < right.number; });
     return nodes;

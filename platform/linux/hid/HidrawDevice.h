@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -26,6 +27,10 @@ struct HidrawNode {
     /// The number in the node's name.
     int number = 0;
     HIDIdentity identity;
+    /// The device's identity, port and serial number: the same when it is plugged in again.
+    std::string name;
+    /// Where sysfs has the node: another one whenever the device is plugged in.
+    std::string place;
 
     bool operator==(const HidrawNode&) const = default;
 };
@@ -36,9 +41,8 @@ struct HidrawNode {
 /// All hidraw nodes of the machine, in no particular order.
 [[nodiscard]] std::vector<HidrawNode> listHidrawNodes(udev& context);
 
-/// The matching ones, hidraw2 before hidraw10.
-[[nodiscard]] std::vector<HidrawNode> matchingNodes(std::vector<HidrawNode> nodes,
-                                                    const HIDMatching& matching);
+/// Those of a vendor, hidraw2 before hidraw10.
+[[nodiscard]] std::vector<HidrawNode> nodesOfVendor(std::vector<HidrawNode> nodes, int vendorID);
 
 /// A HID device behind a hidraw node. Failures are errno values. Not through libhidapi, which does
 /// not return those, nor check that a node still belongs to the device that was listed.

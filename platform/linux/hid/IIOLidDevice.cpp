@@ -58,6 +58,7 @@ public:
 
 private:
     [[nodiscard]] std::optional<double> degrees() const;
+    [[nodiscard]] bool isGone() const;
     bool isLoneZero(int angle);
 
     IIOLidChannel m_channel;
@@ -91,7 +92,7 @@ HIDResult IIOLidDevice::getReport(HIDReportType type, std::uint8_t reportID,
         return ENODEV;
     const auto reading = degrees();
     if (!reading || *reading < 0 || *reading > largestAngle)
-        return EIO;
+        return isGone() ? ENODEV : EIO;
     const int angle = static_cast<int>(*reading);
     if (isLoneZero(angle))
         return EIO;
@@ -112,6 +113,11 @@ std::optional<double> IIOLidDevice::degrees() const {
     if (!raw || (m_channel.unit == IIOLidUnit::Degrees && *raw == unreliableDegrees))
         return std::nullopt;
     return std::round((*raw + m_offset) * m_scale);
+}
+
+bool IIOLidDevice::isGone() const {
+    std::error_code error;
+    return !fs::exists(m_channel.raw, error);
 }
 
 /// Some drivers report a single zero between good readings. The first zero after another angle
@@ -199,15 +205,18 @@ std::optional<IIOLidChannel> lidChannel(const fs::path& device, const std::strin
 
 } // namespace
 
-std::vector<std::shared_ptr<HIDDevice>> findIIOLids(const fs::path& sysfs) {
-    std::vector<std::shared_ptr<HIDDevice>> lids;
+std::vector<FoundHIDDevice> findIIOLids(const fs::path& sysfs) {
+    std::vector<FoundHIDDevice> lids;
     const fs::path folder = sysfs / "bus/iio/devices";
     for (const std::string& entry : numberedEntries(folder, devicePrefix, "")) {
         const fs::path device = folder / entry;
         const std::string name = readSystemText(device / "name").value_or("");
         for (const std::string& raw : numberedEntries(device, channelPrefix, rawSuffix)) {
-            if (auto channel = lidChannel(device, name, raw))
-                lids.push_back(std::make_shared<IIOLidDevice>(std::move(*channel)));
+            if (const auto channel = lidChannel(device, name, raw))
+                lids.push_back(
+                    {.name = name + " " + raw, .place = channel->raw, .make = [found = *channel] {
+                         return std::make_shared<IIOLidDevice>(found);
+                     }});
         }
     }
     return lids;

@@ -203,7 +203,9 @@ TEST(HidrawScanTest, AMalformedHIDIDIsRejected) {
 HidrawNode node(int number, int vendorID, int productID) {
     return {.node = "/dev/hidraw" + std::to_string(number),
             .number = number,
-            .identity = {.vendorID = vendorID, .productID = productID}};
+            .identity = {.vendorID = vendorID, .productID = productID},
+            .name = {},
+            .place = {}};
 }
 
 std::vector<int> numbers(const std::vector<HidrawNode>& nodes) {
@@ -217,14 +219,8 @@ const std::vector nodes{node(10, 0x05AC, 0x8104), node(2, 0x05AC, 0x8262), node(
                         node(1, 0x05AC, 0x8104)};
 
 TEST(HidrawScanTest, ASearchForAVendorKeepsAllItsNodesInNaturalOrder) {
-    EXPECT_THAT(numbers(matchingNodes(nodes, {.vendorID = 0x05AC, .productID = {}})),
-                ElementsAre(1, 2, 10));
-}
-
-TEST(HidrawScanTest, ASearchForAProductKeepsThatVendorsProductOnly) {
-    EXPECT_THAT(numbers(matchingNodes(nodes, {.vendorID = 0x05AC, .productID = 0x8104})),
-                ElementsAre(1, 10));
-    EXPECT_THAT(matchingNodes(nodes, {.vendorID = 0x05AC, .productID = 0x8102}), IsEmpty());
+    EXPECT_THAT(numbers(nodesOfVendor(nodes, 0x05AC)), ElementsAre(1, 2, 10));
+    EXPECT_THAT(nodesOfVendor(nodes, 0x05AD), IsEmpty());
 }
 
 TEST(LinuxHIDTest, AManagerThatIsNotOpenHasNoDevices) {

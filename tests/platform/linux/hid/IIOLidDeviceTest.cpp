@@ -62,7 +62,10 @@ protected:
     }
 
     [[nodiscard]] std::vector<std::shared_ptr<HIDDevice>> lids() const {
-        return findIIOLids(m_sysfs.path());
+        std::vector<std::shared_ptr<HIDDevice>> made;
+        for (const FoundHIDDevice& found : findIIOLids(m_sysfs.path()))
+            made.push_back(found.make());
+        return made;
     }
 
     /// The first angle of each lid.
