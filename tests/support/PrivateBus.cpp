@@ -1,6 +1,7 @@
 #include "tests/support/PrivateBus.h"
 
 #include <stdexcept>
+#include <vector>
 
 namespace quorvane {
 
@@ -35,10 +36,15 @@ std::filesystem::path PrivateBus::writeConfiguration(const std::filesystem::path
 }
 
 PrivateBus::PrivateBus(const std::filesystem::path& services)
-    : m_daemon({"dbus-daemon", "--nofork", "--print-address=1",
-                "--config-file=" + writeConfiguration(services).string()}) {
+    : m_configuration(writeConfiguration(services)) {
+    restart();
+}
+
+void PrivateBus::restart() {
+    m_daemon.emplace(std::vector<std::string>{"dbus-daemon", "--nofork", "--print-address=1",
+                                              "--config-file=" + m_configuration.string()});
     // The address is printed once the bus takes connections.
-    if (m_daemon.line().empty())
+    if (m_daemon->line().empty())
         throw std::runtime_error("no bus daemon");
 }
 

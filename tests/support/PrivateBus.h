@@ -1,6 +1,8 @@
 #pragma once
 
+#include <csignal>
 #include <filesystem>
+#include <optional>
 #include <string>
 
 #include "base/NonCopyable.h"
@@ -19,13 +21,22 @@ public:
     [[nodiscard]] std::string address() const;
 
     /// Ends the bus while it is used.
-    void stop() { m_daemon.end(); }
+    void stop() { m_daemon->end(); }
+
+    /// Starts another one at the same address.
+    void restart();
+
+    /// Lets it hang, still connected, until `thaw`.
+    void freeze() const { m_daemon->send(SIGSTOP); }
+
+    void thaw() const { m_daemon->send(SIGCONT); }
 
 private:
     std::filesystem::path writeConfiguration(const std::filesystem::path& services);
 
     TemporaryFolder m_folder;
-    ChildProcess m_daemon;
+    std::filesystem::path m_configuration;
+    std::optional<ChildProcess> m_daemon;
 };
 
 } // namespace quorvane
