@@ -92,6 +92,14 @@ protected:
             m_session.stop();
     }
 
+    /// With the service, once it has been asked again.
+    void restartBus(bool locked) {
+        m_service.reset();
+        (GetParam() == Kind::Logind ? m_system : m_session).restart();
+        startService(locked);
+        settle(*m_service);
+    }
+
     std::unique_ptr<FakeLocker> m_service;
 };
 
@@ -139,6 +147,26 @@ TEST_P(LockingServiceTest, ABusThatGoesWhileLockedUnlocks) {
     EXPECT_THAT(changes(1), ElementsAre(true));
     stopBus();
     EXPECT_THAT(changes(2), ElementsAre(true, false));
+}
+
+TEST_P(LockingServiceTest, ASessionLockedWhileTheBusWasAwayIsReportedWhenItIsBack) {
+    startService(false);
+    watch();
+    settle(*m_service);
+    stopBus();
+    EXPECT_THAT(changesInAll(), IsEmpty());
+    restartBus(true);
+    EXPECT_THAT(changes(1), ElementsAre(true));
+    m_service->setLocked(false);
+    EXPECT_THAT(changes(2), ElementsAre(true, false));
+}
+
+TEST_P(LockingServiceTest, ABusThatStartsLaterIsJoined) {
+    stopBus();
+    watch();
+    EXPECT_THAT(changesInAll(), IsEmpty());
+    restartBus(true);
+    EXPECT_THAT(changes(1), ElementsAre(true));
 }
 
 TEST_P(LockingServiceTest, AServiceThatDoesNotAnswerLeavesTheSessionUnlocked) {
