@@ -29,7 +29,7 @@ void LinuxSleepNotifications::removeObserver(Token token) {
 void LinuxSleepNotifications::listen() {
     if (!m_signals)
         m_signals = std::make_unique<SleepSignals>(
-            QString::fromStdString(m_busAddress), QString::fromStdString(m_sessionAddress),
+            m_busAddress, m_sessionAddress,
             SleepSignals::Reports{
                 .didWake = [this] { post(WorkspaceNotification::didWake); },
                 .screens =

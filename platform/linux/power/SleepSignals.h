@@ -1,16 +1,13 @@
 #pragma once
 
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QObject>
-#include <QPointer>
-#include <QString>
-#include <QThread>
-#include <QVariantMap>
 #include <functional>
 #include <memory>
 #include <optional>
-#include <vector>
+#include <string>
+
+#include "base/NonCopyable.h"
+#include "platform/linux/common/BusConnection.h"
+#include "platform/linux/common/BusMessage.h"
 
 namespace quorvane {
 
@@ -26,6 +23,12 @@ public:
 
     /// The first state of the displays is not a change.
     Change setDisplaysOff(bool off) { return set(m_displaysOff, off); }
+
+    /// Counts as open, and its next state is a first one.
+    Change forgetLid() {
+        m_lidClosed.reset();
+        return update();
+    }
 
     Change setPreparingForSleep(bool preparing) {
         m_preparing = preparing;
@@ -55,12 +58,14 @@ private:
     bool m_asleep = false;
 };
 
-/// Listens on the system bus to logind for the machine's sleep and, after `listenToScreens`, to
-/// UPower for the lid and on the session bus to `DisplayPower`. Main thread; never blocks on a bus.
-/// Without a bus or a service nothing is reported.
-class SleepSignals final : public QObject {
-    Q_OBJECT
+class DisplayPower;
 
+/// Listens on the system bus to logind for the machine's sleep and, after `listenToScreens`, to
+/// UPower for the lid and on the session bus to `DisplayPower`. Buses and services that come late
+/// or again are listened to, too: the lid and the displays are read again, and a sleep whose end
+/// may have been missed counts as over. Main thread; never blocks on a bus. Without a bus or a
+/// service nothing is reported.
+class SleepSignals : NonCopyable {
 public:
     /// Callbacks; each may call `stop`.
     struct Reports {
@@ -71,60 +76,35 @@ public:
     };
 
     /// The addresses name the buses; empty: the system bus, the session bus.
-    SleepSignals(QString address, QString sessionAddress, Reports reports);
-    ~SleepSignals() override;
+    SleepSignals(std::string address, std::string sessionAddress, Reports reports);
+    ~SleepSignals();
 
     /// Connects, with a fresh state, unless already started.
     void start();
     /// From now on until `stop` the lid and the displays count too. UPower is not called before,
     /// because a call makes the bus start it.
     void listenToScreens();
-    /// Closes the connection; nothing is reported any more.
+    /// Closes the connections; nothing is reported any more.
     void stop();
 
-private Q_SLOTS:
-    void propertiesChanged(const QDBusMessage& message);
-    void prepareForSleep(const QDBusMessage& message);
-
-    // NOLINTNEXTLINE(readability-redundant-access-specifiers): these are no slots.
 private:
-    void connectInBackground();
-    void subscribe();
-    void subscribeToScreens();
-    std::unique_ptr<QObject> endSession();
-    void watch(const QString& service);
-    void askForOwner(const QString& service);
-    void setOwner(const QString& service, const QString& owner);
+    void listenToMachine();
+    void listenToLid();
     void readLid();
-    void takeLid(const QVariantMap& properties);
+    void takeLid(const BusProperties& properties);
+    void prepareForSleep(bool preparing);
     void report(ScreenSleepState::Change change);
-    void notify(const std::function<void()>& callback);
 
-    const QString m_address;
-    const QString m_sessionAddress;
+    const std::string m_address;
+    const std::string m_sessionAddress;
     const Reports m_reports;
 
-    /// A thread that is opening the connection of that name.
-    struct Connecting {
-        QPointer<QThread> thread;
-        QString name;
-    };
-
-    std::vector<Connecting> m_connecting;
-
     // State between `start` and `stop`.
-    QString m_connectionName;
-    // Parent of watchers and pending calls; null while there is no connection.
-    std::unique_ptr<QObject> m_session;
+    std::unique_ptr<BusConnection> m_bus;
+    // Null until the screens are listened to.
+    std::unique_ptr<DisplayPower> m_displays;
     ScreenSleepState m_state;
-    // Unique bus names, empty while the service is not running: signals of other senders are
-    // ignored.
-    QString m_upowerOwner;
-    QString m_logindOwner;
-    bool m_listensToScreens = false;
     bool m_lidIsPresent = true;
-
-    bool m_isReporting = false;
 };
 
 } // namespace quorvane

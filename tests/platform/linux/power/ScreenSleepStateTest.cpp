@@ -85,6 +85,14 @@ TEST(ScreenSleepStateStartTest, OpeningALidThatWasClosedAtTheStartIsAChange) {
     EXPECT_EQ(state.setLidClosed(false), false);
 }
 
+TEST_F(ScreenSleepStateTest, ALidThatIsForgottenCountsAsOpenAndItsNextStateIsNoChange) {
+    EXPECT_EQ(m_state.forgetLid(), noChange);
+    EXPECT_EQ(m_state.setLidClosed(true), noChange);
+    EXPECT_EQ(m_state.forgetLid(), false);
+    EXPECT_EQ(m_state.setLidClosed(true), noChange);
+    EXPECT_EQ(m_state.setLidClosed(false), false);
+}
+
 TEST(ScreenSleepStateStartTest, SleepCountsWhenTheLidIsUnknown) {
     ScreenSleepState state;
     EXPECT_EQ(state.setPreparingForSleep(true), true);
