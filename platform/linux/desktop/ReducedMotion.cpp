@@ -1,13 +1,10 @@
 #include "platform/linux/desktop/ReducedMotion.h"
 
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
-#include <QDBusVariant>
 #include <QFile>
 #include <QSettings>
+#include <QVariant>
 
+#include "platform/linux/common/BusMessage.h"
 #include "platform/linux/common/XDGFolders.h"
 
 namespace quorvane {
@@ -19,6 +16,10 @@ constexpr auto path = "/org/freedesktop/portal/desktop";
 constexpr auto interface = "org.freedesktop.portal.Settings";
 constexpr auto settingsGroup = "org.gnome.desktop.interface";
 constexpr auto animationsKey = "enable-animations";
+constexpr auto changes =
+    "type='signal',sender='org.freedesktop.portal.Desktop',path='/org/freedesktop/portal/desktop',"
+    "interface='org.freedesktop.portal.Settings',member='SettingChanged',"
+    "arg0='org.gnome.desktop.interface',arg1='enable-animations'";
 
 bool filesReduceMotion() {
     const QString folder = QFile::decodeName(xdgConfigFolder().c_str());
@@ -31,50 +32,41 @@ bool filesReduceMotion() {
     return false;
 }
 
-// The portal nests the value in several variants.
-QVariant unwrapped(QVariant value) {
-    while (value.canConvert<QDBusVariant>())
-        value = value.value<QDBusVariant>().variant();
-    return value;
-}
-
 } // namespace
 
-ReducedMotion::ReducedMotion(Observable<bool>& reducesMotion) : m_reducesMotion(reducesMotion) {
+ReducedMotion::ReducedMotion(Observable<bool>& reducesMotion)
+    : m_reducesMotion(reducesMotion),
+      m_bus(
+          BusConnection::Kind::Session, {}, [this] { listen(); }, [] {}) {
     m_reducesMotion = filesReduceMotion();
+}
+
+void ReducedMotion::listen() {
+    m_bus.listen(changes, [this](sd_bus_message& message) {
+        if (sd_bus_message_skip(&message, "ss") >= 0)
+            takeAnimationsEnabled(message);
+    });
+    m_bus.watch(service, [this](bool runs) {
+        if (runs)
+            askPortal();
+    });
     askPortal();
 }
 
-ReducedMotion::~ReducedMotion() = default;
-
 void ReducedMotion::askPortal() {
-    QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected())
-        return;
-    bus.connect(service, path, interface, "SettingChanged", this,
-                SLOT(settingChanged(QDBusMessage)));
-    auto question = QDBusMessage::createMethodCall(service, path, interface, "Read");
-    question << QString::fromLatin1(settingsGroup) << QString::fromLatin1(animationsKey);
-    auto* answer = new QDBusPendingCallWatcher(bus.asyncCall(question), this);
-    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
-        const QDBusPendingReply<QDBusVariant> reply = *answer;
-        if (reply.isValid())
-            takeAnimationsEnabled(QVariant::fromValue(reply.value()));
-        answer->deleteLater();
-    });
+    m_bus.ask({.service = service,
+               .path = path,
+               .interface = interface,
+               .method = "Read",
+               .arguments = {settingsGroup, animationsKey},
+               .startsService = true},
+              [this](sd_bus_message& answer) { takeAnimationsEnabled(answer); });
 }
 
-void ReducedMotion::settingChanged(const QDBusMessage& message) {
-    const QVariantList arguments = message.arguments();
-    if (arguments.size() == 3 && arguments[0] == QLatin1String(settingsGroup) &&
-        arguments[1] == QLatin1String(animationsKey))
-        takeAnimationsEnabled(arguments[2]);
-}
-
-void ReducedMotion::takeAnimationsEnabled(const QVariant& enabled) {
-    const QVariant value = unwrapped(enabled);
-    if (value.typeId() == QMetaType::Bool)
-        m_reducesMotion = !value.toBool();
+void ReducedMotion::takeAnimationsEnabled(sd_bus_message& message) {
+    const BusValue enabled = readValue(message);
+    if (const auto* value = std::get_if<bool>(&enabled))
+        m_reducesMotion = !*value;
 }
 
 } // namespace quorvane

@@ -1,33 +1,26 @@
 #pragma once
 
-#include <QDBusMessage>
-#include <QObject>
-#include <QVariant>
-
+#include "base/NonCopyable.h"
 #include "base/Observable.h"
+#include "platform/linux/common/BusConnection.h"
 
 namespace quorvane {
 
 /// Whether the user has asked the desktop for less motion: as the settings portal says, now and
 /// with each change, or, without a portal, GTK's settings file. Main thread; never blocks on the
 /// bus.
-class ReducedMotion final : public QObject {
-    Q_OBJECT
-
+class ReducedMotion : NonCopyable {
 public:
     explicit ReducedMotion(Observable<bool>& reducesMotion);
-    ~ReducedMotion() override;
 
-private Q_SLOTS:
-    /// Takes the message: Qt does not call the first slot in a process that takes a QDBusVariant.
-    void settingChanged(const QDBusMessage& message);
-
-    // NOLINTNEXTLINE(readability-redundant-access-specifiers): these are no slots.
 private:
+    void listen();
     void askPortal();
-    void takeAnimationsEnabled(const QVariant& enabled);
+    /// Takes the value that comes next in the message.
+    void takeAnimationsEnabled(sd_bus_message& message);
 
     Observable<bool>& m_reducesMotion;
+    BusConnection m_bus;
 };
 
 } // namespace quorvane

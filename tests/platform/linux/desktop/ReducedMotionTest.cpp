@@ -1,4 +1,5 @@
 #include <QDBusVariant>
+#include <chrono>
 #include <gmock/gmock.h>
 #include <memory>
 #include <string>
@@ -27,9 +28,9 @@ const QString animations = QStringLiteral("enable-animations");
 /// The desktop's settings portal.
 class FakePortal final : public QDBusVirtualObject {
 public:
-    FakePortal(const std::string& address, QVariant answer)
-        : m_service(address, QStringLiteral("org.freedesktop.portal.Desktop")),
-          m_answer(std::move(answer)) {
+    FakePortal(const std::string& address, QVariant answer,
+               const QString& name = QStringLiteral("org.freedesktop.portal.Desktop"))
+        : m_service(address, name), m_answer(std::move(answer)) {
         m_service.bus().registerVirtualObject(portalPath, this);
     }
 
@@ -177,6 +178,46 @@ TEST_F(ReducedMotionTest, ChangesOfOtherSettingsAreIgnored) {
     EXPECT_FALSE(m_reducesMotion.get());
     // This one arrives after the other three.
     m_portal->change(desktopSettings, animations, false);
+    EXPECT_TRUE(becomes(true));
+}
+
+TEST_F(ReducedMotionTest, SignalsOfOtherServicesAreIgnored) {
+    makeSettingWithPortal(true);
+    FakePortal stranger(s_bus->address(), false, "com.example.Stranger");
+    stranger.change(desktopSettings, animations, false);
+    waitFor(50ms);
+    EXPECT_FALSE(m_reducesMotion.get());
+}
+
+TEST_F(ReducedMotionTest, APortalThatStartsLaterIsAsked) {
+    makeSetting();
+    waitFor(50ms);
+    m_portal = std::make_unique<FakePortal>(s_bus->address(), false);
+    EXPECT_TRUE(becomes(true));
+}
+
+TEST_F(ReducedMotionTest, ABusThatFreezesBlocksNothing) {
+    using Clock = std::chrono::steady_clock;
+    m_portal = std::make_unique<FakePortal>(s_bus->address(), false);
+    s_bus->freeze();
+    const auto start = Clock::now();
+    makeSetting();
+    m_setting.reset();
+    makeSetting();
+    EXPECT_LT(Clock::now() - start, 100ms);
+    waitFor(50ms);
+    EXPECT_FALSE(m_reducesMotion.get());
+    s_bus->thaw();
+    EXPECT_TRUE(becomes(true));
+}
+
+TEST_F(ReducedMotionTest, ABusThatRestartsIsJoinedAgain) {
+    makeSettingWithPortal(true);
+    s_bus->stop();
+    waitFor(50ms);
+    m_portal.reset();
+    s_bus->restart();
+    m_portal = std::make_unique<FakePortal>(s_bus->address(), false);
     EXPECT_TRUE(becomes(true));
 }
 
