@@ -41,9 +41,9 @@ class Session:
             tempfile.TemporaryDirectory(prefix="quorvane-desktop-", ignore_cleanup_errors=True))
         self._env = processes.base_environment(self.directory)
         self.display = Display(self._env, self._stack, *self._size)
-        self._bus = Bus(self._env, self.directory, "session", self._stack)
+        self.bus = Bus(self._env, self.directory, "session", self._stack)
         self._env["DISPLAY"] = self.display.name
-        accessibility = AccessibilityBus(self._env, self._bus.address, self._stack)
+        accessibility = AccessibilityBus(self._env, self.bus.address, self._stack)
         self.sound = self.sound_server("sound")
         self.sound.start(self._stack)
         self.recording = self.sound.record(self._stack, self._recorder_latency)
@@ -61,18 +61,18 @@ class Session:
 
     def settings_portal(self, stack):
         """A settings portal with animations off, until `stack` is closed."""
-        return Services(self._env, self._bus, stack, ["portal"])
+        return Services(self._env, self.bus, stack, ["portal"])
 
     def screen_saver(self, stack):
         """A screen saver that is not active, until `stack` is closed."""
-        return Services(self._env, self._bus, stack, ["saver"])
+        return Services(self._env, self.bus, stack, ["saver"])
 
     def environment(self, home):
         """A program's environment in this session, with its own home folder and no system bus."""
         environment = processes.base_environment(home)
         environment.update({
             "DISPLAY": self.display.name,
-            "DBUS_SESSION_BUS_ADDRESS": self._bus.address,
+            "DBUS_SESSION_BUS_ADDRESS": self.bus.address,
             "DBUS_SYSTEM_BUS_ADDRESS": f"unix:path={home}/no-system-bus",
             "PULSE_SERVER": self.sound.address,
             # libpulse makes this file, in the home folder if it is not told where.
