@@ -48,7 +48,8 @@ void SimulatedRunLoop::advance(double seconds) {
         m_queue.runNext(m_now);
         runMainQueue();
     }
-    m_now = end;
+    // After a block that took longer, the end is in the past.
+    m_now = std::max(m_now, end);
 }
 
 void SimulatedRunLoop::runMainQueue() {

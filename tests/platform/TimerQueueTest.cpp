@@ -198,6 +198,16 @@ TEST(SimulatedRunLoop, FiringsMissedWhileBusyHappenOnceAndLate) {
     EXPECT_DOUBLE_EQ(instants[1], 0.4);
 }
 
+TEST(SimulatedRunLoop, ABlockThatTakesLongerThanTheAdvanceDoesNotTurnTheClockBack) {
+    SimulatedRunLoop runLoop;
+    const double start = runLoop.currentMediaTime();
+    runLoop.asyncAfter(1, [&] { runLoop.block(30); });
+    runLoop.advance(2);
+    EXPECT_DOUBLE_EQ(runLoop.currentMediaTime() - start, 31);
+    runLoop.advance(2);
+    EXPECT_DOUBLE_EQ(runLoop.currentMediaTime() - start, 33);
+}
+
 TEST(SimulatedRunLoop, SleepMovesOnlyTheWallClock) {
     SimulatedRunLoop runLoop;
     const double media = runLoop.currentMediaTime();
