@@ -35,14 +35,14 @@ private:
 
 class SimulatedEventTapService::Tap final : public EventTap {
 public:
-    Tap(Calls calls, bool refusesSource, std::uint64_t events, TapCallback callback)
-        : m_calls(std::move(calls)), m_refusesSource(refusesSource), m_events(events),
+    Tap(Calls calls, std::shared_ptr<Faults> faults, std::uint64_t events, TapCallback callback)
+        : m_calls(std::move(calls)), m_faults(std::move(faults)), m_events(events),
           m_callback(callback) {}
 
     ~Tap() override { m_calls->emplace_back("close"); }
 
     [[nodiscard]] std::shared_ptr<TapSource> createRunLoopSource(int order) override {
-        if (m_refusesSource)
+        if (m_faults->fails(Fault::TapSource))
             return nullptr;
         m_calls->push_back("source " + std::to_string(order));
         auto source = std::make_shared<Source>(m_calls);
@@ -68,7 +68,7 @@ public:
 
 private:
     Calls m_calls;
-    bool m_refusesSource;
+    std::shared_ptr<Faults> m_faults;
     std::uint64_t m_events;
     TapCallback m_callback;
     std::weak_ptr<Source> m_source;
@@ -80,14 +80,15 @@ std::shared_ptr<EventTap> SimulatedEventTapService::createTap(TapLocation locati
                                                               TapOptions options,
                                                               std::uint64_t eventsOfInterest,
                                                               TapCallback callback) {
-    if (refusesTap)
+    if (m_faults->fails(Fault::Tap))
         return nullptr;
     std::ostringstream call;
     call << "create location " << static_cast<unsigned>(location) << " placement "
          << static_cast<unsigned>(placement) << " options " << static_cast<unsigned>(options)
          << " events 0x" << std::hex << eventsOfInterest;
     m_calls->push_back(call.str());
-    auto tap = std::make_shared<Tap>(m_calls, refusesSource, eventsOfInterest, callback);
+    auto tap = std::make_shared<Tap>(m_calls, m_faults, eventsOfInterest, callback);
+    std::erase_if(m_taps, [](const auto& weak) { return weak.expired(); });
     m_taps.push_back(tap);
     return tap;
 }

@@ -7,20 +7,20 @@
 #include <vector>
 
 #include "platform/EventTap.h"
+#include "platform/simulated/Faults.h"
 
 namespace quorvane {
 
 /// Taps whose events a test sends, and a record of the calls.
 class SimulatedEventTapService final : public EventTapService {
 public:
+    explicit SimulatedEventTapService(std::shared_ptr<Faults> faults = std::make_shared<Faults>())
+        : m_faults(std::move(faults)) {}
+
     [[nodiscard]] std::shared_ptr<EventTap> createTap(TapLocation location, TapPlacement placement,
                                                       TapOptions options,
                                                       std::uint64_t eventsOfInterest,
                                                       TapCallback callback) override;
-
-    /// Faults: no tap, or no source of a tap, can be made.
-    bool refusesTap = false;
-    bool refusesSource = false;
 
     /// Sends an event to every tap that is enabled, on a run loop and interested in it. False if a
     /// callback did not return its argument.
@@ -32,6 +32,8 @@ public:
     /// "enable yes", "enable no", "remove", "close".
     [[nodiscard]] const std::vector<std::string>& calls() const { return *m_calls; }
 
+    void forgetCalls() { m_calls->clear(); }
+
     /// Number of taps that exist.
     [[nodiscard]] std::size_t openCount() const;
 
@@ -39,6 +41,7 @@ private:
     class Tap;
     class Source;
 
+    std::shared_ptr<Faults> m_faults;
     std::shared_ptr<std::vector<std::string>> m_calls =
         std::make_shared<std::vector<std::string>>();
     std::vector<std::weak_ptr<Tap>> m_taps;
@@ -47,7 +50,12 @@ private:
 /// A permission that a test sets.
 class SimulatedAccessibility final : public Accessibility {
 public:
-    [[nodiscard]] bool isProcessTrusted() const override { return trusted; }
+    explicit SimulatedAccessibility(std::shared_ptr<Faults> faults = std::make_shared<Faults>())
+        : m_faults(std::move(faults)) {}
+
+    [[nodiscard]] bool isProcessTrusted() const override {
+        return trusted && !m_faults->fails(Fault::Trust);
+    }
 
     bool isProcessTrustedWithOptions(bool prompt) override {
         if (prompt && !trusted) {
@@ -77,6 +85,7 @@ public:
     int withdrawals = 0;
 
 private:
+    std::shared_ptr<Faults> m_faults;
     Observable<std::string> m_obstacle;
 };
 

@@ -18,7 +18,7 @@ SimulatedHIDDevice::Report lidReport(unsigned degrees) {
 } // namespace
 
 HIDResult SimulatedHIDDevice::open() {
-    if (m_unplugged || refusesOpen)
+    if (m_unplugged || refusesOpen || m_faults->fails(Fault::HIDDeviceOpen))
         return hidFailure;
     m_open = true;
     return hidSuccess;
@@ -29,9 +29,11 @@ HIDResult SimulatedHIDDevice::getReport(HIDReportType type, std::uint8_t reportI
     ++m_readings;
     const std::optional<Report> report = currentReport();
     const bool known = type == HIDReportType::Feature && reportID == 1;
-    if (m_unplugged || !m_open || !known || !report)
+    if (m_unplugged || !m_open || !known || !report || m_faults->fails(Fault::HIDReport))
         return hidFailure;
     length = std::min({length, buffer.size(), report->size()});
+    if (m_faults->fails(Fault::HIDReportLength))
+        length = std::min(length, std::size_t{2});
     std::copy_n(report->begin(), length, buffer.begin());
     return hidSuccess;
 }
@@ -91,12 +93,14 @@ public:
 
     HIDResult open() override {
         m_calls->emplace_back("open");
-        return m_service.managerRefusesOpen ? hidFailure : hidSuccess;
+        const bool fails =
+            m_service.managerRefusesOpen || m_service.m_faults->fails(Fault::HIDManagerOpen);
+        return fails ? hidFailure : hidSuccess;
     }
 
     std::optional<std::vector<std::shared_ptr<HIDDevice>>> copyDevices() override {
         m_calls->emplace_back("copy");
-        if (m_service.copyGivesNoSet)
+        if (m_service.copyGivesNoSet || m_service.m_faults->fails(Fault::HIDDeviceSet))
             return std::nullopt;
         std::vector<std::shared_ptr<HIDDevice>> devices;
         for (const auto& device : m_service.m_devices) {
@@ -127,7 +131,7 @@ std::shared_ptr<HIDManager> SimulatedHID::createManager() {
 }
 
 std::shared_ptr<SimulatedHIDDevice> SimulatedHID::addDevice(std::optional<int> productID) {
-    auto device = std::make_shared<SimulatedHIDDevice>(m_runLoop);
+    auto device = std::make_shared<SimulatedHIDDevice>(m_runLoop, m_faults);
     device->productID = productID;
     m_devices.push_back(device);
     return device;

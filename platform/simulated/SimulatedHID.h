@@ -5,10 +5,12 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/HID.h"
 #include "platform/RunLoop.h"
+#include "platform/simulated/Faults.h"
 
 namespace quorvane {
 
@@ -17,7 +19,9 @@ class SimulatedHIDDevice final : public HIDDevice {
 public:
     using Report = std::vector<std::uint8_t>;
 
-    explicit SimulatedHIDDevice(RunLoop& runLoop) : m_runLoop(runLoop) {}
+    explicit SimulatedHIDDevice(RunLoop& runLoop,
+                                std::shared_ptr<Faults> faults = std::make_shared<Faults>())
+        : m_runLoop(runLoop), m_faults(std::move(faults)) {}
 
     HIDResult open() override;
     HIDResult getReport(HIDReportType type, std::uint8_t reportID, std::span<std::uint8_t> buffer,
@@ -53,6 +57,7 @@ private:
     [[nodiscard]] std::optional<Report> currentReport();
 
     RunLoop& m_runLoop;
+    std::shared_ptr<Faults> m_faults;
     std::function<std::optional<Report>(double time)> m_reportAt;
     std::vector<std::pair<int, std::optional<Report>>> m_exceptions;
     int m_readings = 0;
@@ -63,7 +68,9 @@ private:
 /// The devices of a simulated machine, and a record of the calls of its managers.
 class SimulatedHID final : public HIDService {
 public:
-    explicit SimulatedHID(RunLoop& runLoop) : m_runLoop(runLoop) {}
+    explicit SimulatedHID(RunLoop& runLoop,
+                          std::shared_ptr<Faults> faults = std::make_shared<Faults>())
+        : m_runLoop(runLoop), m_faults(std::move(faults)) {}
 
     std::shared_ptr<HIDManager> createManager() override;
 
@@ -84,6 +91,7 @@ private:
     friend class SimulatedHIDManager;
 
     RunLoop& m_runLoop;
+    std::shared_ptr<Faults> m_faults;
     std::vector<std::shared_ptr<SimulatedHIDDevice>> m_devices;
     // Shared with the managers, which may outlive the service.
     std::shared_ptr<std::vector<std::string>> m_calls =

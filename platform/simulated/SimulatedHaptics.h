@@ -1,10 +1,12 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "platform/Haptics.h"
 #include "platform/RunLoop.h"
+#include "platform/simulated/Faults.h"
 
 namespace quorvane {
 
@@ -18,7 +20,9 @@ public:
         HapticPerformanceTime time = HapticPerformanceTime::Now;
     };
 
-    explicit SimulatedHaptics(RunLoop& runLoop) : m_runLoop(runLoop) {}
+    explicit SimulatedHaptics(RunLoop& runLoop,
+                              std::shared_ptr<Faults> faults = std::make_shared<Faults>())
+        : m_runLoop(runLoop), m_faults(std::move(faults)) {}
 
     [[nodiscard]] std::shared_ptr<HapticPerformer> defaultPerformer() override;
 
@@ -30,8 +34,11 @@ public:
 
     [[nodiscard]] const std::vector<Pulse>& pulses() const { return *m_pulses; }
 
+    void forgetPulses() { m_pulses->clear(); }
+
 private:
     RunLoop& m_runLoop;
+    std::shared_ptr<Faults> m_faults;
     int m_lookups = 0;
     std::shared_ptr<std::vector<Pulse>> m_pulses = std::make_shared<std::vector<Pulse>>();
     std::vector<std::weak_ptr<HapticPerformer>> m_performers;

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <memory>
+
 #include "platform/InProcessNotificationCenter.h"
 #include "platform/Platform.h"
+#include "platform/simulated/Faults.h"
 #include "platform/simulated/SimulatedEventTapService.h"
 #include "platform/simulated/SimulatedHID.h"
 #include "platform/simulated/SimulatedHaptics.h"
@@ -15,18 +18,19 @@ namespace quorvane {
 /// A whole machine in virtual time, for tests to set up and inspect.
 struct SimulatedMachine {
     SimulatedRunLoop runLoop;
-    SimulatedHID hid{runLoop};
+    std::shared_ptr<Faults> faults = std::make_shared<Faults>();
+    SimulatedHID hid{runLoop, faults};
     InProcessNotificationCenter workspace;
     InProcessNotificationCenter defaultCenter;
-    SimulatedAudio audio{runLoop};
-    SimulatedEventTapService eventTaps;
-    SimulatedAccessibility accessibility;
-    SimulatedHaptics haptics{runLoop};
-    SimulatedScreens screens;
-    SimulatedApplication application;
-    SimulatedUserDefaults userDefaults;
-    SimulatedBundle bundle;
-    SimulatedSystemInfo system;
+    SimulatedAudio audio{runLoop, faults};
+    SimulatedEventTapService eventTaps{faults};
+    SimulatedAccessibility accessibility{faults};
+    SimulatedHaptics haptics{runLoop, faults};
+    SimulatedScreens screens{faults};
+    SimulatedApplication application{faults};
+    SimulatedUserDefaults userDefaults{faults};
+    SimulatedBundle bundle{faults};
+    SimulatedSystemInfo system{faults};
     SimulatedRandom random;
     SimulatedConsole console;
 

@@ -12,8 +12,6 @@ namespace quorvane {
 
 namespace {
 
-using Shown = std::vector<std::shared_ptr<SimulatedPanel>>;
-
 template <class... Parts>
 std::string words(const Parts&... parts) {
     std::ostringstream text;
@@ -39,10 +37,12 @@ private:
     std::shared_ptr<std::optional<Rect>> m_frame;
 };
 
-class Panel final : public OverlayPanel {
+} // namespace
+
+class SimulatedScreens::Panel final : public OverlayPanel {
 public:
-    Panel(std::shared_ptr<SimulatedPanel> record, std::shared_ptr<Shown> shown)
-        : m_record(std::move(record)), m_shown(std::move(shown)) {}
+    Panel(std::shared_ptr<SimulatedPanel> record, std::shared_ptr<State> state)
+        : m_record(std::move(record)), m_state(std::move(state)) {}
 
     void setLevel(int level) override { note("level ", level); }
 
@@ -70,15 +70,12 @@ public:
 
     void orderFrontRegardless() override {
         note("front");
-        std::erase(*m_shown, m_record);
-        m_shown->push_back(m_record);
-        m_record->shown = true;
+        move(!m_state->faults->fails(Fault::PanelFront));
     }
 
     void orderOut() override {
         note("out");
-        std::erase(*m_shown, m_record);
-        m_record->shown = false;
+        move(false);
     }
 
 private:
@@ -87,11 +84,18 @@ private:
         m_record->calls.push_back(words(parts...));
     }
 
-    std::shared_ptr<SimulatedPanel> m_record;
-    std::shared_ptr<Shown> m_shown;
-};
+    void move(bool shown) {
+        std::erase(m_state->shown, m_record);
+        if (shown)
+            m_state->shown.push_back(m_record);
+        m_record->shown = shown;
+        if (m_state->moved)
+            m_state->moved(*m_record);
+    }
 
-} // namespace
+    std::shared_ptr<SimulatedPanel> m_record;
+    std::shared_ptr<State> m_state;
+};
 
 Size SimulatedCanvas::measure(std::string_view text, const TextStyle& style, double width) {
     const double letter = style.size / 2;
@@ -135,15 +139,18 @@ const SimulatedCanvas::Text& SimulatedCanvas::textStarting(std::string_view star
     return *text;
 }
 
-SimulatedScreens::SimulatedScreens()
+SimulatedScreens::SimulatedScreens(std::shared_ptr<Faults> faults)
     : m_mainFrame(std::make_shared<std::optional<Rect>>(
-          Rect{.x = 0, .y = 0, .width = 1440, .height = 900})),
-      m_shown(std::make_shared<Shown>()) {}
+          Rect{.x = 0, .y = 0, .width = 1440, .height = 900})) {
+    m_state->faults = std::move(faults);
+}
 
 SimulatedScreens::~SimulatedScreens() = default;
 
 std::shared_ptr<Screen> SimulatedScreens::mainScreen() {
-    return *m_mainFrame ? std::make_shared<MainScreen>(m_mainFrame) : nullptr;
+    if (!*m_mainFrame || m_state->faults->fails(Fault::MainScreen))
+        return nullptr;
+    return std::make_shared<MainScreen>(m_mainFrame);
 }
 
 std::shared_ptr<OverlayPanel> SimulatedScreens::createPanel(const Rect& contentRect,
@@ -154,15 +161,23 @@ std::shared_ptr<OverlayPanel> SimulatedScreens::createPanel(const Rect& contentR
     record->calls.push_back(words("create ", rectText(contentRect), " style ", styleMask,
                                   " backing ", backing, " defer ", yesOrNo(defer)));
     m_panels.push_back(record);
-    return std::make_shared<Panel>(record, m_shown);
+    return std::make_shared<Panel>(record, m_state);
 }
 
 void SimulatedScreens::setMainScreen(std::optional<Rect> frame) {
     *m_mainFrame = frame;
 }
 
+void SimulatedScreens::forgetHiddenPanels() {
+    std::erase_if(m_panels, [](const auto& panel) { return !panel->shown; });
+}
+
+void SimulatedScreens::onPanelMoved(std::function<void(const SimulatedPanel& panel)> observer) {
+    m_state->moved = std::move(observer);
+}
+
 std::vector<std::shared_ptr<SimulatedPanel>> SimulatedScreens::shownPanels() const {
-    return *m_shown;
+    return m_state->shown;
 }
 
 } // namespace quorvane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -7,6 +8,7 @@
 #include <vector>
 
 #include "platform/Screens.h"
+#include "platform/simulated/Faults.h"
 
 namespace quorvane {
 
@@ -61,7 +63,7 @@ struct SimulatedPanel {
 /// The screens of a simulated machine and the panels over them.
 class SimulatedScreens final : public ScreenService {
 public:
-    SimulatedScreens();
+    explicit SimulatedScreens(std::shared_ptr<Faults> faults = std::make_shared<Faults>());
     ~SimulatedScreens() override;
 
     [[nodiscard]] std::shared_ptr<Screen> mainScreen() override;
@@ -82,15 +84,30 @@ public:
         return m_panels;
     }
 
+    /// Forgets the panels that are hidden.
+    void forgetHiddenPanels();
+
+    /// `observer` is called after each panel's `orderFrontRegardless` and `orderOut`.
+    void onPanelMoved(std::function<void(const SimulatedPanel& panel)> observer);
+
     /// The panels that are shown, the frontmost last.
     [[nodiscard]] std::vector<std::shared_ptr<SimulatedPanel>> shownPanels() const;
 
 private:
+    class Panel;
+
+    /// Shared with the panels, which may outlive the service.
+    struct State {
+        std::shared_ptr<Faults> faults;
+        /// In stacking order.
+        std::vector<std::shared_ptr<SimulatedPanel>> shown;
+        std::function<void(const SimulatedPanel& panel)> moved;
+    };
+
     std::shared_ptr<std::optional<Rect>> m_mainFrame;
     std::string m_obstacle;
     std::vector<std::shared_ptr<SimulatedPanel>> m_panels;
-    // In stacking order.
-    std::shared_ptr<std::vector<std::shared_ptr<SimulatedPanel>>> m_shown;
+    std::shared_ptr<State> m_state = std::make_shared<State>();
 };
 
 } // namespace quorvane

@@ -19,13 +19,16 @@ bool SimulatedUserDefaults::boolForKey(std::string_view key) const {
 }
 
 void SimulatedUserDefaults::setBool(std::string_view key, bool value) {
-    m_values.insert_or_assign(std::string(key), value);
+    if (!m_faults->fails(Fault::UserDefaultsWrite))
+        m_values.insert_or_assign(std::string(key), value);
 }
 
 std::optional<std::filesystem::path>
 SimulatedBundle::urlForResource(std::string_view name, std::string_view extension) const {
     const auto path = m_paths.find(fileName(name, extension));
-    return path == m_paths.end() ? std::nullopt : std::optional(path->second);
+    if (path == m_paths.end() || m_faults->fails(Fault::Resource))
+        return std::nullopt;
+    return path->second;
 }
 
 void SimulatedBundle::addResource(std::string_view name, std::string_view extension,

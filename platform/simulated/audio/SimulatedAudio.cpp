@@ -35,7 +35,7 @@ public:
     [[nodiscard]] std::int64_t length() const override { return m_recording.claimedFrames; }
 
     std::optional<AudioError> read(PCMBuffer& buffer) override {
-        if (auto error = m_machine->fault(AudioFault::FileRead))
+        if (auto error = m_machine->error(Fault::FileRead))
             return error;
         if (m_recording.isDamaged)
             return AudioError{"The sound file is damaged."};
@@ -64,9 +64,11 @@ private:
     std::shared_ptr<SimulatedAudioMachine> m_machine;
 };
 
-SimulatedAudio::SimulatedAudio(RunLoop& runLoop)
+SimulatedAudio::SimulatedAudio(RunLoop& runLoop, std::shared_ptr<Faults> faults)
     : m_runLoop(runLoop), m_timeline(std::make_shared<SimulatedTimeline>()),
-      m_machine(std::make_shared<SimulatedAudioMachine>()) {}
+      m_machine(std::make_shared<SimulatedAudioMachine>()) {
+    m_machine->faults = std::move(faults);
+}
 
 SimulatedAudio::~SimulatedAudio() = default;
 
@@ -84,7 +86,7 @@ std::shared_ptr<AudioPlayerNode> SimulatedAudio::createPlayerNode() {
 
 std::variant<std::shared_ptr<AudioFile>, AudioError>
 SimulatedAudio::openFile(const std::filesystem::path& path) {
-    if (auto error = m_machine->fault(AudioFault::FileOpen))
+    if (auto error = m_machine->error(Fault::FileOpen))
         return *std::move(error);
     const auto found = recordingIn(*m_machine, path);
     if (const auto* error = std::get_if<AudioError>(&found))
@@ -94,23 +96,23 @@ SimulatedAudio::openFile(const std::filesystem::path& path) {
 
 std::shared_ptr<PCMBuffer> SimulatedAudio::createBuffer(const AudioFormat& format,
                                                         std::uint32_t frameCapacity) {
-    if (m_machine->fault(AudioFault::BufferCreation))
+    if (m_machine->faults->fails(Fault::BufferCreation))
         return nullptr;
     auto buffer = makePCMBuffer(format, frameCapacity);
-    if (buffer && m_machine->fault(AudioFault::BufferSamples))
+    if (buffer && m_machine->faults->fails(Fault::BufferSamples))
         buffer->samples.clear();
     return buffer;
 }
 
 std::optional<AudioFormat> SimulatedAudio::standardFormat(double sampleRate, unsigned channels) {
-    if (m_machine->fault(AudioFault::StandardFormat))
+    if (m_machine->faults->fails(Fault::StandardFormat))
         return std::nullopt;
     return makeStandardFormat(sampleRate, channels);
 }
 
 std::variant<std::shared_ptr<AudioFilePlayer>, AudioError>
 SimulatedAudio::createFilePlayer(const std::filesystem::path& path) {
-    if (auto error = m_machine->fault(AudioFault::FilePlayerCreation))
+    if (auto error = m_machine->error(Fault::FilePlayerCreation))
         return *std::move(error);
     const auto found = recordingIn(*m_machine, path);
     if (const auto* error = std::get_if<AudioError>(&found))
@@ -154,14 +156,6 @@ void SimulatedAudio::addNonAudioFile(const std::filesystem::path& path) {
     m_machine->files[path] = {.format = {}, .samples = {}, .isAudio = false};
 }
 
-void SimulatedAudio::setFault(AudioFault fault, std::string description) {
-    m_machine->faults[fault] = std::move(description);
-}
-
-void SimulatedAudio::clearFault(AudioFault fault) {
-    m_machine->faults.erase(fault);
-}
-
 void SimulatedAudio::setOutputDevicePresent(bool present) {
     m_machine->outputDevicePresent = present;
     for (const auto& player : m_filePlayers)
@@ -174,6 +168,23 @@ void SimulatedAudio::setOutputDevicePresent(bool present) {
     for (const auto& weak : m_machine->engines)
         if (const auto engine = weak.lock())
             engine->halt();
+}
+
+void SimulatedAudio::forget() {
+    const bool sounds =
+        std::any_of(m_voices.begin(), m_voices.end(),
+                    [](const auto& voice) {
+                        return voice->state() == SimulatedAudioVoice::State::Sounding;
+                    }) ||
+        std::any_of(m_filePlayers.begin(), m_filePlayers.end(),
+                    [](const auto& player) { return player->isPlaying(); });
+    if (sounds)
+        return;
+    m_timeline->clear();
+    for (const auto& voice : m_voices)
+        voice->forgetCalls();
+    for (const auto& player : m_filePlayers)
+        player->forgetCalls();
 }
 
 std::vector<float> SimulatedAudio::render(double from, double to, const AudioFormat& format) const {

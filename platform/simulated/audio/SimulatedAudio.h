@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <filesystem>
 #include <memory>
-#include <string>
 #include <variant>
 #include <vector>
 
@@ -18,7 +17,8 @@ namespace quorvane {
 /// Records what would sound, on the run loop's clock. Main thread only.
 class SimulatedAudio final : public AudioService {
 public:
-    explicit SimulatedAudio(RunLoop& runLoop);
+    explicit SimulatedAudio(RunLoop& runLoop,
+                            std::shared_ptr<Faults> faults = std::make_shared<Faults>());
     ~SimulatedAudio() override;
 
     std::shared_ptr<AudioEngine> createEngine() override;
@@ -47,11 +47,6 @@ public:
     /// A file that is not a sound file.
     void addNonAudioFile(const std::filesystem::path& path);
 
-    // Faults.
-
-    /// The fault lasts until `clearFault`. Calls that return an error return `description`.
-    void setFault(AudioFault fault, std::string description);
-    void clearFault(AudioFault fault);
     /// Initially present. When it goes, running engines stop and drop what is scheduled on their
     /// nodes, and file players fall silent; without it no engine starts. When it comes back, a file
     /// player that has waited for at most SimulatedAudioFilePlayer::patience seconds plays on.
@@ -61,6 +56,10 @@ public:
 
     /// All sounds, in the order of their starts.
     [[nodiscard]] const SimulatedTimeline& timeline() const { return *m_timeline; }
+
+    /// Forgets the sounds so far and the calls of nodes and file players; not while something
+    /// sounds.
+    void forget();
 
     /// The mix from one media time to another, as interleaved samples of `format` (1 or 2
     /// channels), without filtering. After the present time: what would sound without further

@@ -47,7 +47,7 @@ std::optional<AudioError> SimulatedAudioEngine::start() {
     if (m_running)
         return std::nullopt;
     ++m_machine->engineStartCount;
-    if (auto error = m_machine->fault(AudioFault::EngineStart))
+    if (auto error = m_machine->error(Fault::EngineStart))
         return error;
     if (!m_machine->outputDevicePresent)
         return AudioError{"There is no sound output device."};

@@ -26,7 +26,8 @@ SimulatedAudioFilePlayer::SimulatedAudioFilePlayer(
     RunLoop& runLoop, std::shared_ptr<SimulatedTimeline> timeline,
     std::shared_ptr<const SimulatedAudioMachine> machine, std::filesystem::path file)
     : m_runLoop(runLoop), m_timeline(std::move(timeline)), m_machine(std::move(machine)),
-      m_file(std::move(file)), m_hasSound(!m_machine->files.at(m_file).isDamaged),
+      m_file(std::move(file)), m_hasSound(!m_machine->files.at(m_file).isDamaged &&
+                                          !m_machine->faults->fails(Fault::FilePlayerSound)),
       m_buffer(bufferOf(m_machine->files.at(m_file))) {}
 
 SimulatedAudioFilePlayer::~SimulatedAudioFilePlayer() {
@@ -71,12 +72,12 @@ void SimulatedAudioFilePlayer::setNumberOfLoops(int count) {
 
 bool SimulatedAudioFilePlayer::prepareToPlay() {
     m_calls.emplace_back("prepare");
-    return true;
+    return !m_machine->faults->fails(Fault::FilePlayerPrepare);
 }
 
 bool SimulatedAudioFilePlayer::play() {
     m_calls.emplace_back(m_machine->outputDevicePresent ? "play" : "play without device");
-    if (!m_hasSound)
+    if (!m_hasSound || m_machine->faults->fails(Fault::FilePlayerPlay))
         return false;
     if (m_current)
         return true;

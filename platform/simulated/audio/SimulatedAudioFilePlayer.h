@@ -56,6 +56,8 @@ public:
     /// "play" without an output device is recorded as "play without device".
     [[nodiscard]] const std::vector<std::string>& calls() const { return m_calls; }
 
+    void forgetCalls() { m_calls.clear(); }
+
     // Called by the service.
 
     void deviceCame();

@@ -48,6 +48,8 @@ public:
     /// nothing, is recorded as "play without engine".
     [[nodiscard]] const std::vector<std::string>& calls() const { return m_calls; }
 
+    void forgetCalls() { m_calls.clear(); }
+
     // Called by the node and its engine.
 
     void attach();

@@ -156,7 +156,7 @@ TEST_F(AudioManagerTest, TheCompletionDropsTheFlagPrintsItsLineAndCallsTheHookLa
 
 TEST_F(AudioManagerTest, AnEngineThatDoesNotStartIsTriedAgainSilently) {
     load();
-    machine.audio.setFault(AudioFault::EngineStart, "no device");
+    machine.faults->fail(Fault::EngineStart, "no device");
     manager->update(50);
     manager->update(50);
     EXPECT_FALSE(manager->isPlaying());
@@ -164,7 +164,7 @@ TEST_F(AudioManagerTest, AnEngineThatDoesNotStartIsTriedAgainSilently) {
     EXPECT_EQ(machine.audio.engineStartCount(), 2U);
     EXPECT_THAT(node().calls(), ElementsAre("attach", "connect 1000/1"))
         << "nothing is scheduled or played while the engine is not running";
-    machine.audio.clearFault(AudioFault::EngineStart);
+    machine.faults->mend(Fault::EngineStart);
     manager->update(50);
     EXPECT_TRUE(manager->isPlaying());
     EXPECT_EQ(sounds().size(), 1U);

@@ -50,7 +50,7 @@ TEST_F(AudioManagerTest, TheLengthInItsLineIsRoundedToATenth) {
 TEST_F(AudioManagerTest, TheLargestNumberOfFramesIsAccepted) {
     machine.audio.addTruncatedFile(clipPath, format, std::vector<float>(1), 4294967295);
     // The buffer itself would take 16 GB.
-    machine.audio.setFault(AudioFault::BufferCreation, "");
+    machine.faults->fail(Fault::BufferCreation, "");
     manager->loadSound("creaking", "mp3");
     EXPECT_FALSE(manager->isLoaded());
     EXPECT_THAT(machine.console.lines, IsEmpty());
@@ -60,14 +60,14 @@ using AudioManagerDeathTest = AudioManagerTest;
 
 TEST_F(AudioManagerDeathTest, ANegativeNumberOfFramesEndsTheProgram) {
     machine.audio.addTruncatedFile(clipPath, format, std::vector<float>(1), -1);
-    machine.audio.setFault(AudioFault::BufferCreation, "");
+    machine.faults->fail(Fault::BufferCreation, "");
     EXPECT_DEATH(manager->loadSound("creaking", "mp3"),
                  "quorvane: fatal: AudioManager: a sound of -1 frames fits no buffer");
 }
 
 TEST_F(AudioManagerDeathTest, ANumberOfFramesBeyond32BitsEndsTheProgram) {
     machine.audio.addTruncatedFile(clipPath, format, std::vector<float>(1), 4294967296);
-    machine.audio.setFault(AudioFault::BufferCreation, "");
+    machine.faults->fail(Fault::BufferCreation, "");
     EXPECT_DEATH(manager->loadSound("creaking", "mp3"),
                  "quorvane: fatal: AudioManager: a sound of 4294967296 frames fits no buffer");
 }
@@ -79,14 +79,14 @@ TEST_F(AudioManagerTest, AMissingResourcePrintsItsName) {
 }
 
 TEST_F(AudioManagerTest, AFileThatCannotBeOpenedPrintsTheError) {
-    machine.audio.setFault(AudioFault::FileOpen, "The file is broken.");
+    machine.faults->fail(Fault::FileOpen, "The file is broken.");
     manager->loadSound("creaking", "mp3");
     EXPECT_FALSE(manager->isLoaded());
     EXPECT_THAT(machine.console.lines, ElementsAre("⚠️ Σφάλμα: The file is broken."));
 }
 
 TEST_F(AudioManagerTest, AFileThatCannotBeReadPrintsTheError) {
-    machine.audio.setFault(AudioFault::FileRead, "The file ends too early.");
+    machine.faults->fail(Fault::FileRead, "The file ends too early.");
     manager->loadSound("creaking", "mp3");
     EXPECT_FALSE(manager->isLoaded());
     EXPECT_THAT(machine.console.lines,
@@ -95,7 +95,7 @@ TEST_F(AudioManagerTest, AFileThatCannotBeReadPrintsTheError) {
 }
 
 TEST_F(AudioManagerTest, ABufferThatCannotBeMadePrintsNothing) {
-    machine.audio.setFault(AudioFault::BufferCreation, "");
+    machine.faults->fail(Fault::BufferCreation, "");
     manager->loadSound("creaking", "mp3");
     EXPECT_FALSE(manager->isLoaded());
     EXPECT_THAT(machine.console.lines, IsEmpty());
@@ -111,20 +111,19 @@ TEST_F(AudioManagerTest, EveryKindOfFailedLoadAfterAGoodOneSilencesIt) {
     load();
     manager->loadSound("missing", "mp3");
     expectSilence();
-    for (const auto fault :
-         {AudioFault::FileOpen, AudioFault::FileRead, AudioFault::BufferCreation}) {
+    for (const auto fault : {Fault::FileOpen, Fault::FileRead, Fault::BufferCreation}) {
         load();
-        machine.audio.setFault(fault, "broken");
+        machine.faults->fail(fault, "broken");
         manager->loadSound("creaking", "mp3");
         expectSilence();
-        machine.audio.clearFault(fault);
+        machine.faults->mend(fault);
     }
 }
 
 TEST_F(AudioManagerTest, BeforeAndAfterAFailedLoadUpdatesDoAndPrintNothing) {
     manager->update(50);
     manager->update(0);
-    machine.audio.setFault(AudioFault::FileOpen, "broken");
+    machine.faults->fail(Fault::FileOpen, "broken");
     manager->loadSound("creaking", "mp3");
     machine.console.lines.clear();
     manager->update(50);

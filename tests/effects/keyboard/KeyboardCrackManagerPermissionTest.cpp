@@ -120,7 +120,7 @@ TEST_F(KeyboardCrackManagerTest, ATapThatCannotBeCreatedAtTheRetryPrintsALine) {
     machine.accessibility.trusted = false;
     makeListening();
     machine.accessibility.trusted = true;
-    machine.eventTaps.refusesTap = true;
+    machine.faults->fail(Fault::Tap, "");
     machine.runLoop.advance(3);
     EXPECT_EQ(machine.console.lines.back(), failedLine);
     EXPECT_FALSE(manager->isActive());

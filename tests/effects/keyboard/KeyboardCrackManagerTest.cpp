@@ -105,7 +105,7 @@ TEST_F(KeyboardCrackManagerTest, StartingTwiceCreatesNoSecondTap) {
 }
 
 TEST_F(KeyboardCrackManagerTest, ATapThatCannotBeCreatedPrintsALineAndChangesNothingElse) {
-    machine.eventTaps.refusesTap = true;
+    machine.faults->fail(Fault::Tap, "");
     makeListening();
     EXPECT_EQ(machine.console.lines.back(), failedLine);
     EXPECT_FALSE(manager->isActive());
@@ -114,7 +114,7 @@ TEST_F(KeyboardCrackManagerTest, ATapThatCannotBeCreatedPrintsALineAndChangesNot
 }
 
 TEST_F(KeyboardCrackManagerTest, ATapWithoutASourceCountsAsActiveButIsNotEnabled) {
-    machine.eventTaps.refusesSource = true;
+    machine.faults->fail(Fault::TapSource, "");
     makeListening();
     EXPECT_TRUE(manager->isActive());
     EXPECT_THAT(machine.eventTaps.calls(),

@@ -208,7 +208,7 @@ TEST_F(StartupSequenceTest, PlayTractorChecksItsConditionsForEveryCaller) {
 // Failures.
 
 TEST_F(StartupSequenceTest, WithoutTheEngineOnlyTheRumbleIsMissing) {
-    machine.audio.setFault(AudioFault::EngineStart, "no such thing as sound");
+    machine.faults->fail(Fault::EngineStart, "no such thing as sound");
     makeManager();
     wakeUp();
     EXPECT_THAT(
@@ -221,19 +221,19 @@ TEST_F(StartupSequenceTest, WithoutTheEngineOnlyTheRumbleIsMissing) {
     advance(clipLength);
     EXPECT_GT(pulses().size(), 0U);
     EXPECT_EQ(machine.console.lines.back(), completeLine);
-    machine.audio.clearFault(AudioFault::EngineStart);
+    machine.faults->mend(Fault::EngineStart);
     wakeUp();
     EXPECT_TRUE(manager->isRamping()) << "the next sequence tries again";
 }
 
 TEST_F(StartupSequenceTest, WithoutTheFormatOfTheRumbleTheProgramEnds) {
-    machine.audio.setFault(AudioFault::StandardFormat, "");
+    machine.faults->fail(Fault::StandardFormat, "");
     EXPECT_DEATH((void)StartupSoundManager::create(machine.platform()),
                  "StartupSoundManager: there is no format of one channel at 44100 Hz");
 }
 
 TEST_F(StartupSequenceTest, WithoutMemoryOnlyTheRumbleIsMissing) {
-    machine.audio.setFault(AudioFault::BufferCreation, "");
+    machine.faults->fail(Fault::BufferCreation, "");
     manager = StartupSoundManager::create(machine.platform());
     EXPECT_THAT(machine.console.lines, ElementsAre(loadedLine));
     machine.console.lines.clear();
@@ -245,7 +245,7 @@ TEST_F(StartupSequenceTest, WithoutMemoryOnlyTheRumbleIsMissing) {
 }
 
 TEST_F(StartupSequenceTest, ABufferWithoutSamplesIsNotKept) {
-    machine.audio.setFault(AudioFault::BufferSamples, "");
+    machine.faults->fail(Fault::BufferSamples, "");
     manager = StartupSoundManager::create(machine.platform());
     EXPECT_THAT(machine.console.lines, ElementsAre(loadedLine));
     EXPECT_FALSE(manager->rumbleBuffer());
