@@ -46,6 +46,20 @@ TEST_F(LoopingValueTest, GoesUpAndDownForEver) {
     }
 }
 
+TEST_F(LoopingValueTest, GoesUpAndDownAfter400DaysToo) {
+    m_value.setSeen(true);
+    begin();
+    // A whole number of rounds of 3 s.
+    m_runLoop.block(400 * 86400);
+    m_runLoop.advance(0.5);
+    EXPECT_THAT(m_value.get(), DoubleNear(0.231775, exact));
+    m_runLoop.advance(2);
+    EXPECT_THAT(m_value.get(), DoubleNear(0.231775, exact));
+    m_changes = 0;
+    m_runLoop.advance(1);
+    EXPECT_EQ(m_changes, 30);
+}
+
 TEST_F(LoopingValueTest, IsEvaluatedThirtyTimesASecond) {
     m_value.setSeen(true);
     begin();

@@ -22,6 +22,18 @@ TEST(TimerQueue, ATimerOfASixtiethOfASecondDoesNotDriftInADay) {
     EXPECT_EQ(*queue.nextDeadline(), TimerQueue::Nanoseconds{86400} * 1'000'000'000 + 16'666'667);
 }
 
+TEST(TimerQueue, ATimerOfASixtiethOfASecondIsStillOnItsGridAfter400Days) {
+    TimerQueue queue;
+    queue.schedule(0, 1.0 / 60, true, [](Timer&) {});
+    constexpr TimerQueue::Nanoseconds later = TimerQueue::Nanoseconds{400 * 86400} * 1'000'000'000;
+    queue.runNext(later);
+    for (TimerQueue::Nanoseconds sixtieth = 1; sixtieth <= 600; ++sixtieth) {
+        const TimerQueue::Nanoseconds due = *queue.nextDeadline();
+        ASSERT_NEAR(static_cast<double>(due - later), static_cast<double>(sixtieth) * 1e9 / 60, 10);
+        queue.runNext(due);
+    }
+}
+
 TEST(TimerQueue, NothingRunsBeforeItIsDue) {
     TimerQueue queue;
     queue.schedule(0, 1, false, [](Timer&) { FAIL(); });
