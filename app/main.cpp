@@ -52,7 +52,7 @@ std::optional<Scenario> scenarioOf(const CommandLine& commandLine) {
     const bool demo = commandLine.mode == CommandLine::Mode::Demo;
     auto scenario = demo ? demoScenario() : loadScenario(commandLine.scenarioFile);
     if (const auto* error = std::get_if<ScenarioError>(&scenario)) {
-        printError((demo ? "the demo" : commandLine.scenarioFile) + ": " + error->description);
+        printError(error->in(demo ? "the demo" : commandLine.scenarioFile));
         return std::nullopt;
     }
     return std::get<Scenario>(std::move(scenario));

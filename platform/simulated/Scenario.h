@@ -69,15 +69,21 @@ struct Scenario {
 };
 
 struct ScenarioError {
-    /// What is wrong, and where, for the user.
+    /// What is wrong, for the user.
     std::string description;
+    /// Where in the text, in characters, from 1 on; both 0 if the text could not be read at all.
+    int line = 0;
+    int column = 0;
+
+    /// "FILE:LINE:COLUMN: what", without a line and a column "FILE: what".
+    [[nodiscard]] std::string in(std::string_view file) const;
 };
 
 /// Parses a scenario. Unknown keys and values are errors, so that a typing error never simulates a
 /// machine other than intended.
 [[nodiscard]] std::variant<Scenario, ScenarioError> parseScenario(std::string_view text);
 
-/// Reads a scenario from a file.
+/// Reads a scenario from a regular file of 1 MiB at most; anything else is an error.
 [[nodiscard]] std::variant<Scenario, ScenarioError> loadScenario(const std::filesystem::path& path);
 
 /// The lid's angle in degrees at `time`; `points` is not empty.

@@ -66,7 +66,7 @@ TEST(Scenario, DescribesTheMachineItsDevicesAndWhatHappens) {
 }
 
 TEST(Scenario, EveryMistakeHasItsError) {
-    EXPECT_THAT(mistakeIn("{"), HasSubstr("line 1"));
+    EXPECT_THAT(mistakeIn("{"), HasSubstr("unexpected end of input"));
     EXPECT_EQ(mistakeIn("[]"), "the scenario is not an object");
     EXPECT_EQ(mistakeIn(R"({"modle": "x"})"), R"(the scenario has an unknown key "modle")");
     EXPECT_EQ(mistakeIn(R"({"model": 3})"),
