@@ -5,6 +5,8 @@
 #include <array>
 #include <utility>
 
+#include "platform/linux/common/X11Replies.h"
+
 namespace quorvane {
 
 namespace {
@@ -123,10 +125,9 @@ void X11KeyReader::forgetLostDevices(const xcb_input_hierarchy_event_t& event) {
     constexpr std::uint32_t lost = XCB_INPUT_HIERARCHY_MASK_SLAVE_REMOVED |
                                    XCB_INPUT_HIERARCHY_MASK_SLAVE_DETACHED |
                                    XCB_INPUT_HIERARCHY_MASK_DEVICE_DISABLED;
-    for (auto infos = xcb_input_hierarchy_infos_iterator(&event); infos.rem > 0;
-         xcb_input_hierarchy_info_next(&infos))
-        if ((infos.data->flags & lost) != 0)
-            m_down.erase(infos.data->deviceid);
+    for (const auto& device : devicesOf(event))
+        if ((device.flags & lost) != 0)
+            m_down.erase(device.deviceid);
 }
 
 void X11KeyReader::deliver(TapEventType type, bool isRepeat) const {

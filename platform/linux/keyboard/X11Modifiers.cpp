@@ -4,6 +4,7 @@
 #include <array>
 
 #include "platform/linux/common/X11Connection.h"
+#include "platform/linux/common/X11Replies.h"
 
 namespace quorvane {
 
@@ -44,10 +45,9 @@ void X11Modifiers::addMapped(xcb_connection_t* connection) {
         xcb_get_modifier_mapping_reply(connection, xcb_get_modifier_mapping(connection), nullptr)};
     if (!reply)
         return;
-    const xcb_keycode_t* keycodes = xcb_get_modifier_mapping_keycodes(reply.get());
-    for (int i = 0; i < xcb_get_modifier_mapping_keycodes_length(reply.get()); ++i)
-        if (keycodes[i] != 0)
-            m_keycodes.set(keycodes[i]);
+    for (const xcb_keycode_t keycode : keycodesOf(*reply))
+        if (keycode != 0)
+            m_keycodes.set(keycode);
 }
 
 void X11Modifiers::addBySymbol(xcb_connection_t* connection) {
@@ -55,15 +55,13 @@ void X11Modifiers::addBySymbol(xcb_connection_t* connection) {
     const auto count = static_cast<std::uint8_t>(setup.max_keycode - setup.min_keycode + 1);
     const XcbReply<xcb_get_keyboard_mapping_reply_t> reply{xcb_get_keyboard_mapping_reply(
         connection, xcb_get_keyboard_mapping(connection, setup.min_keycode, count), nullptr)};
-    if (!reply || reply->keysyms_per_keycode == 0)
+    if (!reply)
         return;
-    const xcb_keysym_t* symbols = xcb_get_keyboard_mapping_keysyms(reply.get());
-    const xcb_keysym_t* end = symbols + xcb_get_keyboard_mapping_keysyms_length(reply.get());
-    // The first symbol of a row is the key's without modifiers.
-    for (std::size_t key = setup.min_keycode; symbols < end && key < m_keycodes.size(); ++key) {
-        if (isModifier(*symbols))
+    std::size_t key = setup.min_keycode;
+    for (const xcb_keysym_t symbol : plainSymbolsOf(*reply)) {
+        if (key < m_keycodes.size() && isModifier(symbol))
             m_keycodes.set(key);
-        symbols += reply->keysyms_per_keycode;
+        ++key;
     }
 }
 

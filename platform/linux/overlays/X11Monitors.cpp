@@ -3,11 +3,10 @@
 #include <QGuiApplication>
 #include <QScreen>
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <string>
-#include <string_view>
-#include <xcb/randr.h>
+
+#include "platform/linux/common/X11Replies.h"
 
 namespace quorvane {
 
@@ -24,28 +23,13 @@ std::string rootProperty(const X11Connection& connection, xcb_atom_t property, x
                                xcb_get_property(connection.get(), /*_delete=*/0, connection.root(),
                                                 property, type, 0, mostWords),
                                nullptr)};
-    if (!reply)
-        return {};
-    return {static_cast<const char*>(xcb_get_property_value(reply.get())),
-            static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
-}
-
-/// The desktop's resolution setting for X11 programs, in pixels per point.
-double resourcesScale(const X11Connection& connection) {
-    constexpr std::string_view key = "Xft.dpi:";
-    constexpr double standardResolution = 96;
-    const std::string resources =
-        rootProperty(connection, XCB_ATOM_RESOURCE_MANAGER, XCB_ATOM_STRING);
-    const std::size_t place = resources.find(key);
-    const double resolution =
-        place == std::string::npos ? 0 : std::atof(resources.c_str() + place + key.size());
-    return resolution > 0 ? resolution / standardResolution : 1;
+    return reply ? std::string(valueOf(*reply)) : std::string();
 }
 
 /// Qt's scale factor for the screen, if Qt draws on this X server too.
 double scaleAt(const X11Connection& connection, QPoint place) {
     if (QGuiApplication::platformName() != QLatin1String("xcb"))
-        return resourcesScale(connection);
+        return scaleOf(rootProperty(connection, XCB_ATOM_RESOURCE_MANAGER, XCB_ATOM_STRING));
     // Qt gives a screen's top left corner in pixels, whatever its scale.
     for (const QScreen* screen : QGuiApplication::screens())
         if (screen->geometry().topLeft() == place)
@@ -104,8 +88,8 @@ QRect pointer(const X11Connection& connection) {
     return {reply->root_x, reply->root_y, 1, 1};
 }
 
-int area(const QRect& rect) {
-    return rect.isEmpty() ? 0 : rect.width() * rect.height();
+qint64 area(const QRect& rect) {
+    return rect.isEmpty() ? 0 : qint64{rect.width()} * rect.height();
 }
 
 } // namespace
@@ -127,11 +111,10 @@ std::vector<X11Monitor> x11Monitors(const X11Connection& connection) {
             {.primary = true, .pixels = all, .scale = scaleAt(connection, all.topLeft())});
         return monitors;
     }
-    for (auto each = xcb_randr_get_monitors_monitors_iterator(reply.get()); each.rem > 0;
-         xcb_randr_monitor_info_next(&each)) {
-        const QRect pixels(each.data->x, each.data->y, each.data->width, each.data->height);
-        monitors.push_back({.name = each.data->name,
-                            .primary = each.data->primary != 0,
+    for (const auto& each : monitorsOf(*reply)) {
+        const QRect pixels(each.x, each.y, each.width, each.height);
+        monitors.push_back({.name = each.name,
+                            .primary = each.primary != 0,
                             .pixels = pixels,
                             .scale = scaleAt(connection, pixels.topLeft())});
     }

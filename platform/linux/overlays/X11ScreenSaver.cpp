@@ -1,5 +1,9 @@
 #include "platform/linux/overlays/X11ScreenSaver.h"
 
+#include <cstring>
+
+#include "platform/linux/common/X11Replies.h"
+
 namespace quorvane {
 
 X11ScreenSaver::X11ScreenSaver(const X11Connection& connection)
@@ -12,8 +16,10 @@ bool X11ScreenSaver::isActive() const {
                                          m_status, XCB_GET_PROPERTY_TYPE_ANY, 0, 1);
     const XcbReply<xcb_get_property_reply_t> status{
         xcb_get_property_reply(m_connection.get(), cookie, nullptr)};
-    return status && status->format == 32 && status->value_len > 0 &&
-           *static_cast<const uint32_t*>(xcb_get_property_value(status.get())) != XCB_ATOM_NONE;
+    xcb_atom_t first = XCB_ATOM_NONE;
+    if (status && status->format == 32 && valueOf(*status).size() >= sizeof first)
+        std::memcpy(&first, valueOf(*status).data(), sizeof first);
+    return first != XCB_ATOM_NONE;
 }
 
 bool X11ScreenSaver::isChangedBy(const xcb_generic_event_t& event) const {
