@@ -66,8 +66,10 @@ void ScenarioPlayer::addDevice(SimulatedHID& hid, const Scenario::Device& descri
 
 void ScenarioPlayer::start(ScenarioHandlers handlers) {
     m_handlers = std::move(handlers);
+    // Each timer performs the next event and not one of its own: those of about the same time are
+    // not sure to fire in their order.
     for (const Scenario::Event& event : m_scenario.events)
-        schedule(event.at, [this, &event] { perform(event); });
+        schedule(event.at, [this] { perform(m_scenario.events[m_performed++]); });
 }
 
 void ScenarioPlayer::schedule(double at, std::function<void()> block) {

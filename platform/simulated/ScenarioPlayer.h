@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <string_view>
@@ -36,7 +37,8 @@ public:
     void setUpMachine(SimulatedHID& hid, SimulatedAccessibility& accessibility,
                       SimulatedSystemInfo& system);
 
-    /// Starts the events, each at its time; those whose time has passed, at once.
+    /// Starts the events, each at its time; those whose time has passed, at once. They happen in
+    /// the order of the scenario. Once.
     void start(ScenarioHandlers handlers);
 
 private:
@@ -50,6 +52,7 @@ private:
     NotificationCenter& m_defaultCenter;
     ScenarioHandlers m_handlers;
     double m_startTime;
+    std::size_t m_performed = 0;
     std::vector<std::shared_ptr<Timer>> m_timers;
 };
 

@@ -59,6 +59,17 @@ TEST_F(ScenarioPlayerTest, PlaysEventsAtTheirTimes) {
     EXPECT_THAT(happened, ElementsAre("OK", "sleep", "hello", "key", "quit"));
 }
 
+TEST_F(ScenarioPlayerTest, PlaysEventsOfAboutTheSameTimeInTheirOrder) {
+    std::vector<std::string> happened;
+    play(R"({"events": [{"at": 0, "press": "a"}, {"at": 0.00005, "press": "b"},
+                        {"at": 0.00015, "press": "c"}]})")
+        .start({.press = [&](std::string_view control) { happened.emplace_back(control); },
+                .key = {},
+                .quit = {}});
+    machine.runLoop.advance(1);
+    EXPECT_THAT(happened, ElementsAre("a", "b", "c"));
+}
+
 TEST_F(ScenarioPlayerTest, KeysHaveTheirTypes) {
     std::vector<std::pair<TapEventType, std::int64_t>> keys;
     play(R"({"events": [{"at": 1, "key": "down"}, {"at": 2, "key": "repeat"},
