@@ -43,6 +43,7 @@ TEST(ScenarioMistakes, AreNamedWithFileLineAndColumn) {
 TEST(ScenarioMistakes, AreFoundBehindWhateverJSONAllows) {
     const std::string mistake = R"(the scenario has an unknown key "z")";
     EXPECT_EQ(messageAbout("// \"z\": {\n{/* [ \" */ \"z\":1}"), "x:2:12: " + mistake);
+    EXPECT_EQ(messageAbout("{/*/ \"z\" */\"z\": 1}"), "x:1:12: " + mistake);
     EXPECT_EQ(messageAbout("/**/{\"model\": \"a\\\"b\\\\\", \"z\": 1}"), "x:1:25: " + mistake);
     EXPECT_EQ(messageAbout("{\"model\": \"[{\\u0022}]\",\"z\": 1}"), "x:1:24: " + mistake);
     EXPECT_EQ(messageAbout("{\"trusted\": true//\n,\"hid\":[ ] , \"z\": 1}"), "x:2:14: " + mistake);
