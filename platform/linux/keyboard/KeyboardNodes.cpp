@@ -1,9 +1,10 @@
 #include "platform/linux/keyboard/KeyboardNodes.h"
 
+#include <fcntl.h>
 #include <optional>
 #include <string_view>
+#include <unistd.h>
 
-#include "platform/linux/common/FileDescriptor.h"
 #include "platform/linux/common/Udev.h"
 
 namespace quorvane {
@@ -29,7 +30,7 @@ std::vector<std::filesystem::path> listKeyboardNodes() {
 }
 
 bool canReadKeyboard(const std::filesystem::path& node) {
-    return static_cast<bool>(FileDescriptor::open(node, O_RDONLY | O_NONBLOCK | O_NOCTTY));
+    return faccessat(AT_FDCWD, node.c_str(), R_OK, AT_EACCESS) == 0;
 }
 
 } // namespace quorvane
