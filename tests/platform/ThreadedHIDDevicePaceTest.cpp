@@ -1,6 +1,7 @@
 // How often a device that another thread reads is asked, and how old its answers are.
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <gmock/gmock.h>
 #include <iostream>
@@ -91,6 +92,13 @@ TEST_F(ThreadedHIDDevicePaceTest, TheSecondPollAfterARestGetsAnAnswer) {
     EXPECT_EQ(readAngle(m_device), -ETIMEDOUT);
     waitFor(33ms);
     EXPECT_EQ(readAngle(m_device), 112);
+}
+
+TEST_F(ThreadedHIDDevicePaceTest, ADeviceThatCannotBeOpenedAfterARestFails) {
+    ASSERT_EQ(m_device.open(), hidSuccess);
+    ASSERT_TRUE(waitUntil([&] { return m_hardware->open == 0; }, 3s));
+    m_hardware->openResult = EACCES;
+    EXPECT_EQ(m_device.open(), EACCES);
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include <array>
+#include <cerrno>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <numbers>
@@ -225,7 +226,9 @@ TEST_F(IIOLidDeviceTest, AFileThatVanishesIsAFailedReading) {
     EXPECT_EQ(readAngle(*lid), 90);
     remove("iio:device0/in_angl_raw");
     EXPECT_EQ(readAngle(*lid), failed);
-    EXPECT_EQ(readAngle(*lid), failed);
+    std::array<std::uint8_t, 8> report{};
+    std::size_t length = report.size();
+    EXPECT_EQ(lid->getReport(HIDReportType::Feature, 1, report, length), ENODEV);
 }
 
 TEST_F(IIOLidDeviceTest, ALoneZeroBetweenReadingsIsAFailedReading) {
