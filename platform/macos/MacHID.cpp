@@ -2,6 +2,7 @@
 
 #include <IOKit/hid/IOHIDLib.h>
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -48,7 +49,7 @@ public:
         // IOKit would also read a device that only its manager has opened.
         if (!m_opened)
             return kIOReturnNotOpen;
-        auto received = static_cast<CFIndex>(length);
+        auto received = static_cast<CFIndex>(std::min(length, buffer.size()));
         const IOReturn result = IOHIDDeviceGetReport(
             m_device.get(), static_cast<IOHIDReportType>(type), reportID, buffer.data(), &received);
         if (result == kIOReturnSuccess)

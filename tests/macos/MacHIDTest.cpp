@@ -1,4 +1,5 @@
 #include <array>
+#include <span>
 
 #include "platform/macos/MacHID.h"
 #include "tests/macos/FakeMachine.h"
@@ -122,6 +123,21 @@ TEST_F(MacHIDTest, AReadReturnsItsLengthAndAFailedOneChangesNothing) {
     EXPECT_EQ(devices->front()->getReport(HIDReportType::Feature, 1, buffer, length), 0);
     EXPECT_EQ(length, 3U);
     EXPECT_EQ(buffer[1], 112);
+}
+
+TEST_F(MacHIDTest, NoMoreIsReadThanTheBufferHolds) {
+    plugIn(0x8104);
+    const auto manager = m_hid.createManager();
+    const auto devices = manager->copyDevices();
+    ASSERT_TRUE(devices && devices->size() == 1);
+    devices->front()->open();
+    std::array<std::uint8_t, 8> buffer{};
+    std::size_t length = 100;
+    EXPECT_EQ(
+        devices->front()->getReport(HIDReportType::Feature, 1, std::span(buffer).first(2), length),
+        0);
+    EXPECT_EQ(length, 2U);
+    EXPECT_THAT(m_calls, Contains("IOHIDDeviceGetReport(2, 1, 2)"));
 }
 
 TEST_F(MacHIDTest, EachHandleHoldsItsDeviceOnce) {
