@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "platform/Platform.h"
+#include "platform/ThreadedHID.h"
 #include "platform/macos/MacAccessibility.h"
 #include "platform/macos/MacAudio.h"
 #include "platform/macos/MacConsole.h"
@@ -25,7 +26,8 @@ public:
 
 private:
     MacRunLoop m_runLoop;
-    MacHID m_hid;
+    MacHID m_devices;
+    ThreadedHID m_hid{m_devices};
     std::unique_ptr<NotificationCenter> m_workspace = makeWorkspaceCenter();
     std::unique_ptr<NotificationCenter> m_defaultCenter = makeDefaultCenter();
     MacAudio m_audio;
