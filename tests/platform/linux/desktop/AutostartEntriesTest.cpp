@@ -120,7 +120,8 @@ TEST_F(AutostartEntriesTest, AnEntryThatCannotStartAnythingDoesNotCount) {
     EXPECT_FALSE(isStarted()) << "without a command";
     write("org.quorvane.Quorvane.desktop", entry("\"quorvane"));
     EXPECT_FALSE(isStarted()) << "without the closing quotation mark";
-    write("org.quorvane.Quorvane.desktop", "[Desktop Entry]\nType=Link\nName=Quorvane\nExec=quorvane\n");
+    write("org.quorvane.Quorvane.desktop",
+          "[Desktop Entry]\nType=Link\nName=Quorvane\nExec=quorvane\n");
     EXPECT_FALSE(isStarted()) << "a link";
     writeOwn("TryExec=/nonexistent/program\n");
     EXPECT_FALSE(isStarted()) << "not installed";
