@@ -28,7 +28,8 @@ bool waylandAnswers(const std::string& display) {
     if (path.size() >= sizeof address.sun_path)
         return false;
     std::copy(path.begin(), path.end(), std::begin(address.sun_path));
-    const FileDescriptor descriptor(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    // A compositor that hangs may have a full queue: Qt is not to wait for it either.
+    const FileDescriptor descriptor(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     // The sockets API takes the addresses of all families as this type.
     const auto* generic = reinterpret_cast<const sockaddr*>(&address);
     return connect(descriptor.get(), generic, sizeof address) == 0;

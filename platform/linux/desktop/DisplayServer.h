@@ -9,7 +9,8 @@ namespace quorvane {
 
 /// Chooses Qt's platform, before there is a QGuiApplication: X11 whenever a server answers, in
 /// Wayland sessions too, because only X11 lets a window stay above all others. Where the user has
-/// set QT_QPA_PLATFORM, that is kept, unchecked.
+/// set QT_QPA_PLATFORM, that is kept, unchecked. Waits for an X server that hangs, as Qt would: no
+/// effect can be seen or heard yet.
 class DisplayServer {
 public:
     DisplayServer();

@@ -89,6 +89,18 @@ TEST_F(DisplayServerTest, AServerThatDoesNotAnswerIsNamed) {
     EXPECT_EQ(choice(), "");
 }
 
+TEST_F(DisplayServerTest, AWaylandServerThatHangsDoesNotAnswer) {
+    // Has room for two connections until it takes some.
+    const WaylandSocket server(m_runtime.path() / "wayland-5");
+    set("WAYLAND_DISPLAY", "wayland-5");
+    std::string error;
+    for (int attempt = 0; attempt < 3; ++attempt) {
+        unsetenv("QT_QPA_PLATFORM"); // NOLINT(concurrency-mt-unsafe): one thread.
+        error = DisplayServer().error();
+    }
+    EXPECT_EQ(error, "the display 'wayland-5' does not answer");
+}
+
 TEST_F(DisplayServerTest, ANameTooLongForASocketIsNoServer) {
     set("WAYLAND_DISPLAY", std::string(200, 'w'));
     EXPECT_EQ(DisplayServer().error(),
