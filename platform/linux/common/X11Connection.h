@@ -25,7 +25,8 @@ using XcbReply = std::unique_ptr<Reply, ReleasedBy<std::free>>;
 
 /// A connection to the X server, separate from Qt's and with events of its own. The server removes
 /// its windows when the process ends, however it ends. Main thread only; the Qt event loop
-/// dispatches the events.
+/// dispatches the events. Waits for replies, also while the server hangs: Qt waits for it too,
+/// nothing can be shown or pressed meanwhile, and what was due is done as soon as it goes on.
 class X11Connection : NonCopyable {
 public:
     using EventHandler = std::function<void(const xcb_generic_event_t&)>;
