@@ -117,14 +117,14 @@ TEST_F(SessionLockBusTest, ASystemBusThatNeverAnswersKeepsNoScreenSaverFromBeing
     EXPECT_THAT(changes(1), ElementsAre(true));
 }
 
-TEST_F(SessionLockBusTest, ASessionLockedWhileABusFrozeIsReportedOnceItGoesOn) {
-    FakeScreenSaver screenSaver(m_session.address());
-    watch();
-    settle(screenSaver);
+TEST_F(SessionLockBusTest, BusesThatAreFrozenBlockNothingAndAreAskedAfterwards) {
+    const FakeScreenSaver screenSaver(m_session.address(), true);
+    m_system.freeze();
     m_session.freeze();
+    expectNothingBlocks({.system = m_system.address(), .session = m_session.address()});
+    watch();
     EXPECT_THAT(changesInAll(), IsEmpty());
     m_session.thaw();
-    screenSaver.setLocked(true);
     EXPECT_THAT(changes(1), ElementsAre(true));
 }
 

@@ -132,19 +132,6 @@ TEST_F(LinuxSleepNotificationsRestartTest, ASessionBusThatRestartsIsJoinedAgain)
     EXPECT_THAT(listener.heard(3), ElementsAre("sleep", "wake", "sleep"));
 }
 
-TEST_F(LinuxSleepNotificationsRestartTest, NoOneObservesABusThatComesBack) {
-    startServices(false);
-    {
-        const Listener listener(m_workspace);
-        settle(*m_upower);
-        stopBus();
-    }
-    m_bus.restart();
-    startServices(false);
-    waitFor(2s);
-    EXPECT_EQ(m_upower->reads(), 0);
-}
-
 } // namespace
 
 } // namespace quorvane
