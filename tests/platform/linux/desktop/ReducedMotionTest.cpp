@@ -63,23 +63,8 @@ private:
     std::vector<std::string> m_arguments;
 };
 
-/// Qt keeps one session bus for the life of a process, so the cases share theirs. Cases that use
-/// the system bus are in another program: Qt fixes both addresses at the same time.
 class ReducedMotionTest : public testing::Test {
 protected:
-    static void SetUpTestSuite() {
-        s_application = std::make_unique<QtApplication>();
-        s_bus = std::make_unique<PrivateBus>();
-        s_address =
-            std::make_unique<EnvironmentVariable>("DBUS_SESSION_BUS_ADDRESS", s_bus->address());
-    }
-
-    static void TearDownTestSuite() {
-        s_address.reset();
-        s_bus.reset();
-        s_application.reset();
-    }
-
     void writeSettings(const std::string& folder, const std::string& text) const {
         m_config.write(folder + "/settings.ini", text);
     }
@@ -88,7 +73,7 @@ protected:
 
     /// Makes the setting and waits for this reply of the portal.
     void makeSettingWithPortal(const QVariant& animationsEnabled) {
-        m_portal = std::make_unique<FakePortal>(s_bus->address(), animationsEnabled);
+        m_portal = std::make_unique<FakePortal>(m_bus.address(), animationsEnabled);
         makeSetting();
         ASSERT_TRUE(waitUntil([this] { return !m_portal->arguments().empty(); }));
         waitFor(50ms);
@@ -98,20 +83,15 @@ protected:
         return waitUntil([&] { return m_reducesMotion.get() == reduces; });
     }
 
-    static std::unique_ptr<QtApplication> s_application;
-    static std::unique_ptr<PrivateBus> s_bus;
-    static std::unique_ptr<EnvironmentVariable> s_address;
-
+    QtApplication m_application;
+    PrivateBus m_bus;
+    EnvironmentVariable m_address{"DBUS_SESSION_BUS_ADDRESS", m_bus.address()};
     TemporaryFolder m_config;
     EnvironmentVariable m_home{"XDG_CONFIG_HOME", m_config.path().string()};
     Observable<bool> m_reducesMotion;
     std::unique_ptr<FakePortal> m_portal;
     std::unique_ptr<ReducedMotion> m_setting;
 };
-
-std::unique_ptr<QtApplication> ReducedMotionTest::s_application;
-std::unique_ptr<PrivateBus> ReducedMotionTest::s_bus;
-std::unique_ptr<EnvironmentVariable> ReducedMotionTest::s_address;
 
 TEST_F(ReducedMotionTest, WithoutAnySettingMotionIsNotReduced) {
     makeSetting();
@@ -183,7 +163,7 @@ TEST_F(ReducedMotionTest, ChangesOfOtherSettingsAreIgnored) {
 
 TEST_F(ReducedMotionTest, SignalsOfOtherServicesAreIgnored) {
     makeSettingWithPortal(true);
-    FakePortal stranger(s_bus->address(), false, "com.example.Stranger");
+    FakePortal stranger(m_bus.address(), false, "com.example.Stranger");
     stranger.change(desktopSettings, animations, false);
     waitFor(50ms);
     EXPECT_FALSE(m_reducesMotion.get());
@@ -192,14 +172,14 @@ TEST_F(ReducedMotionTest, SignalsOfOtherServicesAreIgnored) {
 TEST_F(ReducedMotionTest, APortalThatStartsLaterIsAsked) {
     makeSetting();
     waitFor(50ms);
-    m_portal = std::make_unique<FakePortal>(s_bus->address(), false);
+    m_portal = std::make_unique<FakePortal>(m_bus.address(), false);
     EXPECT_TRUE(becomes(true));
 }
 
 TEST_F(ReducedMotionTest, ABusThatFreezesBlocksNothing) {
     using Clock = std::chrono::steady_clock;
-    m_portal = std::make_unique<FakePortal>(s_bus->address(), false);
-    s_bus->freeze();
+    m_portal = std::make_unique<FakePortal>(m_bus.address(), false);
+    m_bus.freeze();
     const auto start = Clock::now();
     makeSetting();
     m_setting.reset();
@@ -207,17 +187,17 @@ TEST_F(ReducedMotionTest, ABusThatFreezesBlocksNothing) {
     EXPECT_LT(Clock::now() - start, 100ms);
     waitFor(50ms);
     EXPECT_FALSE(m_reducesMotion.get());
-    s_bus->thaw();
+    m_bus.thaw();
     EXPECT_TRUE(becomes(true));
 }
 
 TEST_F(ReducedMotionTest, ABusThatRestartsIsJoinedAgain) {
     makeSettingWithPortal(true);
-    s_bus->stop();
+    m_bus.stop();
     waitFor(50ms);
     m_portal.reset();
-    s_bus->restart();
-    m_portal = std::make_unique<FakePortal>(s_bus->address(), false);
+    m_bus.restart();
+    m_portal = std::make_unique<FakePortal>(m_bus.address(), false);
     EXPECT_TRUE(becomes(true));
 }
 

@@ -135,7 +135,6 @@ TEST_F(LinuxSleepNotificationsTest, WithoutABusThereAreNoEventsAndNoBusyRetry) {
     EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC * quiet.count() / 1000 / 2);
 }
 
-// No other case may leave the addresses to the environment: Qt reads both when it needs the first.
 TEST_F(LinuxSleepNotificationsTest, TheEnvironmentNamesTheBuses) {
     const EnvironmentVariable systemBus("DBUS_SYSTEM_BUS_ADDRESS", address());
     const EnvironmentVariable sessionBus("DBUS_SESSION_BUS_ADDRESS", m_session.address());
