@@ -135,7 +135,8 @@ void BusConnection::update() {
 void BusConnection::listen(const std::string& rule, Handler handler) {
     if (!m_isJoined)
         return;
-    auto subscription = std::make_unique<Subscription>(&m_timer, std::move(handler));
+    auto subscription = std::make_unique<Subscription>(
+        Subscription{.connection = &m_timer, .handler = std::move(handler)});
     sd_bus_slot* slot = nullptr;
     if (sd_bus_add_match_async(m_bus.get(), &slot, rule.c_str(), &Subscription::handle, nullptr,
                                subscription.get()) >= 0)
@@ -163,7 +164,8 @@ void BusConnection::ask(const Call& call, Handler answered) {
     sd_bus_message_set_auto_start(question, call.startsService ? 1 : 0);
     for (const std::string& argument : call.arguments)
         sd_bus_message_append_basic(question, 's', argument.c_str());
-    auto subscription = std::make_unique<Subscription>(&m_timer, std::move(answered));
+    auto subscription = std::make_unique<Subscription>(
+        Subscription{.connection = &m_timer, .handler = std::move(answered)});
     sd_bus_slot* slot = nullptr;
     if (sd_bus_call_async(m_bus.get(), &slot, question, &Subscription::handle, subscription.get(),
                           0) >= 0)

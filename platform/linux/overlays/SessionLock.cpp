@@ -96,8 +96,7 @@ void SessionLock::askScreenSavers() {
                                 .interface = name,
                                 .method = "GetActive",
                                 .arguments = {}},
-            "type='signal',sender='" + name + "',interface='" + name + "',member='ActiveChanged'",
-            [this] { update(); }));
+            "type='signal',sender='" + name + "',member='ActiveChanged'", [this] { update(); }));
     }
 }
 
