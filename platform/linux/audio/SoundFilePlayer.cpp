@@ -59,14 +59,13 @@ SoundFilePlayer::SoundFilePlayer(std::shared_ptr<AudioOutput> output,
     : m_output(std::move(output)),
       m_duration(static_cast<double>(file->length()) / file->processingFormat().sampleRate) {
     m_output->add(m_track, nullptr);
+    // Without the thread nobody keeps it, and the future is ready at once.
     const auto decoded = std::make_shared<std::promise<void>>();
     m_decoded = decoded->get_future();
     m_decoder = startThread("sound decoder", [this, decoded, file = std::move(file)] {
         decode(*file);
         decoded->set_value();
     });
-    if (!m_decoder.joinable())
-        decoded->set_value();
 }
 
 SoundFilePlayer::~SoundFilePlayer() {

@@ -1,4 +1,7 @@
+#include <chrono>
 #include <gtest/gtest.h>
+#include <new>
+#include <optional>
 #include <variant>
 
 #include "platform/linux/audio/PulseAudioService.h"
@@ -7,6 +10,7 @@
 #include "tests/support/RefusedCalls.h"
 #include "tests/support/SoundFiles.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/Waiting.h"
 
 namespace quorvane {
 namespace {
@@ -14,7 +18,7 @@ namespace {
 using testing::internal::CaptureStderr;
 using testing::internal::GetCapturedStderr;
 
-/// A service that could start no thread, or open no file of its own.
+/// A service that can start no thread, open no file or get no memory.
 class MissingThreads : public testing::Test {
 protected:
     MissingThreads() {
@@ -68,6 +72,21 @@ TEST_F(MissingThreads, WithoutDescriptorsItIsAsWithoutASoundServer) {
     });
     EXPECT_EQ(child.wait(), 0);
     EXPECT_EQ(GetCapturedStderr(), "quorvane: no sound: too few file descriptors\n");
+}
+
+TEST_F(MissingThreads, ASoundThreadThatRunsOutOfMemoryEndsWithALine) {
+    std::optional<PulseAudioService> audio(std::in_place);
+    // One without sound is finished at once; the sound thread calls the completion.
+    audio->createPlayerNode()->scheduleBuffer(
+        audio->createBuffer({.sampleRate = 48000, .channels = 2}, 0), {},
+        [] { throw std::bad_alloc(); });
+    const auto engine = audio->createEngine();
+    EXPECT_TRUE(waitUntil([&] { return engine->start().has_value(); }));
+    waitFor(200ms);
+    const auto start = std::chrono::steady_clock::now();
+    audio.reset();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 1s) << "nobody waits for the thread";
+    EXPECT_EQ(GetCapturedStderr(), "quorvane: no sound from now on: out of memory\n");
 }
 
 } // namespace
