@@ -125,6 +125,16 @@ TEST(LineWriterTest, AStoppedTerminalHoldsNobodyUpAndGetsItsLinesInOrderAfterwar
     EXPECT_EQ(terminal->readUntil("\n200\n"), lines(1, 200));
 }
 
+TEST(LineWriterTest, ATerminalThatNobodyReadsHoldsNobodyUp) {
+    const auto terminal = Ends::ofTerminal();
+    LineWriter writer(terminal->writer());
+    const auto start = Clock::now();
+    // It takes some of a line when it is nearly full.
+    for (int count = 0; count < 3000; ++count)
+        writer.print(std::string(100, 'x'));
+    EXPECT_LT(Clock::now() - start, 5s);
+}
+
 TEST(LineWriterTest, AFullPipeHoldsNobodyUpAndGetsItsLinesInOrderAfterwards) {
     const auto pipe = Ends::ofPipe();
     LineWriter writer(pipe->writer());
