@@ -43,8 +43,14 @@ class StuckOutput(EndToEndTest):
 
     def _open_control_panel(self):
         tree = self.session.reader.application(self.program)
-        tree.press(screens.ENTER)
-        tree.find(screens.BUILD_QUALITY)
+
+        # A press before the first frame is lost, and there is no console to tell of that.
+        def is_open():
+            if tree.shows(screens.ENTER):
+                tree.press(screens.ENTER)
+            return tree.shows(screens.BUILD_QUALITY)
+
+        self.wait_until(is_open, "the control panel", 15.0)
         return tree
 
     def _check_that_it_works_and_leaves(self):
