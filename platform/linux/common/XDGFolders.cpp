@@ -18,7 +18,7 @@ std::string_view variable(const char* name) {
 }
 
 fs::path homeFolder() {
-    const fs::path home = variable("HOME");
+    fs::path home = variable("HOME");
     if (home.is_absolute())
         return home;
     const passwd* user = getpwuid(getuid()); // NOLINT(concurrency-mt-unsafe): main thread only.
