@@ -41,7 +41,7 @@ public:
 
     explicit SingleInstance(Kind /*kind*/) {}
 
-    [[nodiscard]] bool isSecond() const { return false; }
+    [[nodiscard]] bool isSecond() const { return m_isSecond; }
 
     /// Empty: there is nothing to tell.
     [[nodiscard]] const std::string& message() const { return m_message; }
@@ -50,6 +50,7 @@ public:
 
 private:
     std::string m_message;
+    bool m_isSecond = false;
 };
 
 } // namespace quorvane::Host

@@ -14,7 +14,7 @@ namespace {
 using namespace std::chrono_literals;
 
 std::string busAddress() {
-    const std::string address = qgetenv("DBUS_SESSION_BUS_ADDRESS").toStdString();
+    std::string address = qgetenv("DBUS_SESSION_BUS_ADDRESS").toStdString();
     const std::string folder = qgetenv("XDG_RUNTIME_DIR").toStdString();
     if (!address.empty() || folder.empty())
         return address;
@@ -73,7 +73,7 @@ BusMessage SessionBus::ask(const BusMessage& call) {
     return answer;
 }
 
-bool SessionBus::process() {
+bool SessionBus::process() const {
     int result = isOpen() ? 1 : 0;
     while (result > 0)
         result = sd_bus_process(get(), nullptr);

@@ -60,7 +60,7 @@ public:
     }
 
     /// Handles what has arrived. False once the connection is lost; its descriptor stays open.
-    bool process();
+    [[nodiscard]] bool process() const;
 
 private:
     [[nodiscard]] BusMessage newCall(const char* service, const char* path, const char* interface,
