@@ -15,7 +15,8 @@ struct StartupTokens {
     std::string activation;
 };
 
-/// Un-minimises the window, raises it and gives it the focus, because a person has asked for it.
+/// Un-minimises the window, raises it and gives it the focus, because a person has asked for it. On
+/// X11 it waits for the X server, as Qt does.
 void bringToFront(QWindow& window, const StartupTokens& tokens);
 
 } // namespace quorvane
