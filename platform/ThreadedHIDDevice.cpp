@@ -174,8 +174,8 @@ private:
         if (m_opened != hidSuccess)
             return m_answer->came + retryAfter;
         const Clock::duration took = m_answer->came - m_began;
-        // Calls are expected every period after the last one.
-        Clock::time_point next = m_asked - lead - took;
+        // Calls are expected every period after the last one. A slow answer varies more.
+        Clock::time_point next = m_asked - lead - took - took / 4;
         while (next < m_began + period / 2)
             next += period;
         return took > period ? std::max(next, m_answer->came + took) : next;

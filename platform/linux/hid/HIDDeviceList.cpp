@@ -15,6 +15,7 @@ void HIDDeviceList::update(const std::vector<FoundHIDDevice>& found) {
             known.place.clear();
     }
     std::vector<Known> updated;
+    updated.reserve(found.size());
     for (const FoundHIDDevice& each : found)
         updated.push_back(take(each));
     // Nobody could notice that the others come again.

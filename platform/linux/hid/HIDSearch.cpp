@@ -76,7 +76,7 @@ HIDSearch::HIDSearch(std::unique_ptr<HIDFinder> finder)
     : m_wake(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)), m_finder(std::move(finder)) {}
 
 std::shared_ptr<HIDSearch> HIDSearch::start(std::unique_ptr<HIDFinder> finder) {
-    const std::shared_ptr<HIDSearch> search(new HIDSearch(std::move(finder)));
+    std::shared_ptr<HIDSearch> search(new HIDSearch(std::move(finder)));
     try {
         std::thread([search] { search->run(); }).detach();
         search->m_runs = true;
