@@ -49,7 +49,7 @@ class Pad:
         wait_until(lambda: self.count(event) >= count, f"{count} times '{event}' on the pad")
 
 
-def _system_bus(lab, folder, stack):
+def system_bus(lab, folder, stack):
     """A fake logind, for the programs that start from now on."""
     env = lab.desktop.env
     before = env["DBUS_SYSTEM_BUS_ADDRESS"]
@@ -90,7 +90,7 @@ def felt(lab, name):
     """The fan, on and off; the engine when the machine wakes up; the fan again, until SIGTERM."""
     folder = lab.folder(name)
     with contextlib.ExitStack() as stack:
-        logind = _system_bus(lab, folder, stack)
+        logind = system_bus(lab, folder, stack)
         pad = Pad(lab.desktop.env, folder / "pad.log", stack)
         with _at_the_panel(lab, name, stack) as (app, program, facts):
             facts["untouched"] = pad.count("upload") == 0

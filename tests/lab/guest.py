@@ -22,7 +22,9 @@ import key_reader  # noqa: E402
 import key_traces  # noqa: E402
 import keyboard_rights  # noqa: E402
 import keyboards  # noqa: E402
+import lid_faults  # noqa: E402
 import lids  # noqa: E402
+import machine_sleep  # noqa: E402
 from player import Player, TooManyRetries  # noqa: E402
 from lab_desktop import Lab  # noqa: E402
 from seat import Seat  # noqa: E402
@@ -45,6 +47,8 @@ def play_all(lab, play):
     play("file_lookups", file_lookups)
     with contextlib.ExitStack() as stack:
         seat = Seat(lab, stack)
+        lid_faults.play_all(play)
+        machine_sleep.play_all(play)
         for scenarios in (keyboards, key_reader, key_traces, keyboard_rights):
             scenarios.play_all(play, seat)
     force_feedback.play_all(play)

@@ -1,16 +1,19 @@
 #!/usr/bin/python3
 """A uhid lid-angle sensor, whose feature report 1 follows a script.
 
-    lid_device.py [--product ID] [--angle DEGREES] [--report-bytes COUNT] [--log FILE] [--keep]
-                  [MOVE ...]
+    lid_device.py [--product ID] [--angle DEGREES] [--report-bytes COUNT] [--silent]
+                  [--wakes-up-in SECONDS] [--log FILE] [--keep] [MOVE ...]
 
 A MOVE is `still:SECONDS`, `open:SLOPE:SECONDS` or `close:SLOPE:SECONDS`, the slope in degrees per
-second. The device stays at its first angle until a line arrives on standard input, then makes its
-moves and is unplugged; with --keep, or when standard input ends before that line, it stays until
-standard input ends. --report-bytes cuts the report short. Prints "ready" once the device is there.
+second; `silent:SECONDS`, in which the device does not answer; or `unplugged:SECONDS`, after which
+it is plugged in again. The device stays at its first angle until a line arrives on standard input,
+then makes its moves and is unplugged; with --keep, or when standard input ends before that line, it
+stays until standard input ends. --report-bytes cuts the report short. With --silent it never
+answers. With --wakes-up-in it sleeps when it has not been asked for half a second, and is that late
+with its next answer. Prints "ready" once the device is there.
 
 The log has one JSON object a line, each with the CLOCK_MONOTONIC time in seconds: the moves, every
-reading that was answered, and when the device was created and removed.
+reading that was answered or was not, and when the device was created and removed.
 """
 
 import argparse
@@ -20,6 +23,7 @@ import select
 import struct
 import sys
 import time
+import typing
 
 VENDOR = 0x05AC
 REPORT_ID = 1
@@ -32,6 +36,8 @@ UHID_FEATURE_REPORT = 0
 UHID_DATA_MAX = 4096
 EVENT_SIZE = 4 + 128 + 64 + 64 + 2 + 2 + 4 * 4 + UHID_DATA_MAX
 EIO = 5
+
+SLEEPS_AFTER = 0.5
 
 # A sensor collection with one feature report: its ID and a 16-bit angle in degrees.
 DESCRIPTOR = bytes([
@@ -49,6 +55,14 @@ DESCRIPTOR = bytes([
 ])
 
 
+class Move(typing.NamedTuple):
+    """One MOVE of the script."""
+
+    kind: str
+    slope: float
+    seconds: float
+
+
 class Motion:
     """The lid's angle at a given time, in whole degrees as in the report."""
 
@@ -61,39 +75,57 @@ class Motion:
         """Begins the first move at `now`; returns (time, slope, angle) of each move's beginning."""
         self._started = now
         marks, angle, at = [], self._angle, now
-        for slope, seconds in self._moves:
-            marks.append((at, slope, angle))
-            angle += slope * seconds
-            at += seconds
+        for move in self._moves:
+            marks.append((at, move.slope, angle))
+            angle += move.slope * move.seconds
+            at += move.seconds
         return marks
+
+    def kind_at(self, now):
+        """The kind of the move at an instant and when that move ends; None and None outside."""
+        at = self._started
+        if at is not None:
+            for move in self._moves:
+                at += move.seconds
+                if now < at:
+                    return move.kind, at
+        return None, None
 
     def end(self):
         """When the last move ends; None before `start`."""
         if self._started is None:
             return None
-        return self._started + sum(seconds for _, seconds in self._moves)
+        return self._started + sum(move.seconds for move in self._moves)
 
     def angle_at(self, now):
         """The angle at an instant, from 0 to 360."""
         angle = self._angle
         left = 0 if self._started is None else now - self._started
-        for slope, seconds in self._moves:
-            angle += slope * min(max(left, 0), seconds)
-            left -= seconds
+        for move in self._moves:
+            angle += move.slope * min(max(left, 0), move.seconds)
+            left -= move.seconds
         return round(min(max(angle, 0), 360))
 
 
 class LidDevice:
-    """The device, which exists until `destroy`."""
+    """The device, which is plugged in at first."""
 
-    def __init__(self, product, motion=None, log=None, report_bytes=3):
+    def __init__(self, options, motion, log):
+        self._options = options
         self._motion = motion
-        self._report_bytes = report_bytes
         self._log = log
+        self._asked = 0
+        self.file = None
+        self.plug_in()
+
+    def plug_in(self):
+        """Plugs the device in, unless it is."""
+        if self.file is not None:
+            return
         self.file = os.open("/dev/uhid", os.O_RDWR | os.O_CLOEXEC)
         self._write(struct.pack(
             "<I128s64s64sHHIIII", UHID_CREATE2, b"Lab lid angle sensor", b"lab", b"",
-            len(DESCRIPTOR), BUS_USB, VENDOR, product, 0, 0) + DESCRIPTOR)
+            len(DESCRIPTOR), BUS_USB, VENDOR, self._options.product, 0, 0) + DESCRIPTOR)
 
     def _write(self, event):
         os.write(self.file, event.ljust(EVENT_SIZE, b"\0"))
@@ -113,16 +145,26 @@ class LidDevice:
         if (report, report_type) != (REPORT_ID, UHID_FEATURE_REPORT):
             self._write(struct.pack("<IIHH", UHID_GET_REPORT_REPLY, request, EIO, 0))
             return
+        if self._options.silent or self._motion.kind_at(time.monotonic())[0] == "silent":
+            self._log("unanswered")
+            return
         now = time.monotonic()
+        if now - self._asked > SLEEPS_AFTER:
+            time.sleep(self._options.wakes_up_in)
+            now = time.monotonic()
+        self._asked = now
         angle = self._motion.angle_at(now)
-        data = struct.pack("<BH", REPORT_ID, angle)[:self._report_bytes]
+        data = struct.pack("<BH", REPORT_ID, angle)[:self._options.report_bytes]
         self._write(struct.pack("<IIHH", UHID_GET_REPORT_REPLY, request, 0, len(data)) + data)
         self._log("reading", at=now, angle=angle)
 
-    def destroy(self):
-        """Unplugs the device."""
+    def unplug(self):
+        """Unplugs the device, if it is plugged in."""
+        if self.file is None:
+            return
         self._write(struct.pack("<I", UHID_DESTROY))
         os.close(self.file)
+        self.file = None
 
 
 def make_log(path):
@@ -139,18 +181,26 @@ def make_log(path):
 
 def run(device, motion, log, keep):
     """Serves the device until its script or standard input ends."""
-    sources = [device.file, sys.stdin]
+    commands = [sys.stdin]
     while True:
+        now = time.monotonic()
         end = None if keep else motion.end()
-        wait = None if end is None else end - time.monotonic()
-        if wait is not None and wait <= 0:
+        if end is not None and now >= end:
             return
-        ready, _, _ = select.select(sources, [], [], wait)
+        kind, until = motion.kind_at(now)
+        if kind == "unplugged":
+            device.unplug()
+        else:
+            device.plug_in()
+        devices = [] if device.file is None else [device.file]
+        wait = min((at - now for at in (end, until) if at is not None), default=None)
+        ready, _, _ = select.select(devices + commands, [], [], wait)
         if device.file in ready and device.serve():
             log("created")
-            print("ready", flush=True)
+            if motion.end() is None:
+                print("ready", flush=True)
         if sys.stdin in ready and not _obey(motion, log):
-            sources.remove(sys.stdin)
+            commands.remove(sys.stdin)
             if end is None:
                 return
 
@@ -166,11 +216,11 @@ def _obey(motion, log):
 
 def _move(text):
     kind, *numbers = text.split(":")
-    if kind == "still":
+    if kind in ("still", "silent", "unplugged"):
         (seconds,) = map(float, numbers)
-        return 0.0, seconds
+        return Move(kind, 0.0, seconds)
     slope, seconds = map(float, numbers)
-    return {"open": slope, "close": -slope}[kind], seconds
+    return Move(kind, {"open": slope, "close": -slope}[kind], seconds)
 
 
 def main():
@@ -179,15 +229,17 @@ def main():
     parser.add_argument("--product", type=lambda text: int(text, 0), default=0x8104)
     parser.add_argument("--angle", type=int, default=100)
     parser.add_argument("--report-bytes", type=int, default=3)
+    parser.add_argument("--silent", action="store_true")
+    parser.add_argument("--wakes-up-in", type=float, default=0)
     parser.add_argument("--log")
     parser.add_argument("--keep", action="store_true")
     parser.add_argument("moves", nargs="*", type=_move, metavar="MOVE")
     arguments = parser.parse_args()
     log = make_log(arguments.log)
     motion = Motion(arguments.angle, arguments.moves)
-    device = LidDevice(arguments.product, motion, log, arguments.report_bytes)
+    device = LidDevice(arguments, motion, log)
     run(device, motion, log, arguments.keep)
-    device.destroy()
+    device.unplug()
     log("gone")
 
 

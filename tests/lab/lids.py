@@ -34,7 +34,8 @@ class Lid:
         self._process.wait(timeout)
 
 
-def _plug(lab, scenario, stack, *arguments):
+def plug(lab, scenario, stack, *arguments):
+    """Plugs a lid in; see lid_device.py for the arguments."""
     return Lid(lab.desktop.env, lab.folder(scenario) / "device.log", stack, *arguments)
 
 
@@ -54,7 +55,7 @@ def moving_lid(lab, name, *script, after_unplugging, is_first=False):
     folder = lab.folder(name)
     with contextlib.ExitStack() as stack:
         recording = lab.desktop.record(folder / "recorder.log", stack)
-        lid = _plug(lab, name, stack, "--product", "0x8104", "--angle", "100", *script)
+        lid = plug(lab, name, stack, "--product", "0x8104", "--angle", "100", *script)
         with lab.program(name, stack) as (program, facts):
             app = _to_the_panel(lab, program, is_first)
             with lab.watch.timed():
@@ -80,15 +81,19 @@ def found(lab, name, *lids):
     lab.set_first_launch(False)
     with contextlib.ExitStack() as stack:
         for lid in lids:
-            _plug(lab, name, stack, "--keep", *lid)
-        with lab.program(name, stack) as (program, _):
-            program.console.wait_for(lambda line: "[SENSOR]" in line, "about the sensor", TIMEOUT)
+            plug(lab, name, stack, "--keep", *lid)
+        with lab.program(name, stack) as (program, facts):
+            # The sensor is looked for when the creak has been loaded, whose line has no tag.
+            facts["before_sensor"], _ = program.console.wait_for(
+                lambda line: "[" not in line, "about the creak", TIMEOUT)
+            facts["sensor"], _ = program.console.wait_for(
+                lambda line: "[SENSOR]" in line, "about the sensor", TIMEOUT)
 
 
 def hidraw_contract(lab, name):
     """The contract test of the HID service, on a uhid device."""
     with contextlib.ExitStack() as stack:
-        _plug(lab, name, stack, "--keep", "--product", "0x8104", "--angle", "100")
+        plug(lab, name, stack, "--keep", "--product", "0x8104", "--angle", "100")
         lab.run_contract(name, lab.build / "contract_hidraw", QUORVANE_HIDRAW_ANGLE="100")
 
 
@@ -108,5 +113,7 @@ def play_all(play):
     play("first_reading_0", found, ("--angle", "0"))
     play("first_reading_200", found, ("--angle", "200"))
     play("report_of_2_bytes", found, ("--report-bytes", "2"))
+    play("sleeping_lid", found, ("--wakes-up-in", "0.06"))
+    play("silent_lid", found, ("--silent",))
     play("hidraw_contract", hidraw_contract)
     play("device_rights", rights)

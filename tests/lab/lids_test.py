@@ -287,5 +287,37 @@ class ReportOf2Bytes(WithLid):
         self.assert_ended_properly()
 
 
+class SleepingLid(WithLid):
+    """A sensor that has to wake up before its first answer."""
+
+    NAME = "sleeping_lid"
+
+    def test_sensor_is_found(self):
+        self.assertEqual(self.sensor_lines(),
+                         ["✅ [SENSOR] Found lid sensor! ProductID=0x8104, angle=100°"])
+
+    def test_program_ends_by_sigterm_with_status_0(self):
+        self.assert_ended_properly()
+
+
+class SilentLid(WithLid):
+    """A device that never answers; the kernel gives up each reading after five seconds."""
+
+    NAME = "silent_lid"
+
+    def test_launch_goes_on_without_the_sensor(self):
+        self.assertTrue([entry for entry in self.device if entry["event"] == "unanswered"])
+        self.assertEqual(
+            self.sensor_lines(),
+            ["⚠️ [SENSOR] No HID lid sensor found — using sleep/wake fallback"])
+        waited = self.facts["sensor"] - self.facts["before_sensor"]
+        print(f"{waited:.3f} s from the line before")
+        self.assertLess(waited, 1)
+
+    def test_program_ends_at_once_by_sigterm_with_status_0(self):
+        self.assert_ended_properly()
+        self.assertLess(self.facts["ended"] - self.facts["sigterm"], 2)
+
+
 if __name__ == "__main__":
     main()
