@@ -6,11 +6,11 @@
 #include <gmock/gmock.h>
 #include <memory>
 #include <optional>
-#include <pthread.h>
 #include <thread>
 
 #include "platform/ThreadedHIDDevice.h"
 #include "tests/support/FakeHIDDevice.h"
+#include "tests/support/NoThreads.h"
 #include "tests/support/Waiting.h"
 
 namespace quorvane {
@@ -136,14 +136,10 @@ TEST_F(ThreadedHIDDeviceTest, TheEndDoesNotWaitForADeviceThatHangs) {
 }
 
 TEST_F(ThreadedHIDDeviceTest, AThreadThatCannotStartIsAFailure) {
-    pthread_attr_t usual;
-    ASSERT_EQ(pthread_getattr_default_np(&usual), 0);
-    pthread_attr_t impossible;
-    ASSERT_EQ(pthread_getattr_default_np(&impossible), 0);
-    pthread_attr_setstacksize(&impossible, std::size_t{1} << 46U);
-    ASSERT_EQ(pthread_setattr_default_np(&impossible), 0);
-    EXPECT_EQ(m_device->open(), EAGAIN);
-    ASSERT_EQ(pthread_setattr_default_np(&usual), 0);
+    {
+        const NoThreads memoryIsShort;
+        EXPECT_EQ(m_device->open(), EAGAIN);
+    }
     EXPECT_EQ(m_device->open(), hidSuccess);
     EXPECT_EQ(readAngle(*m_device), 112);
 }

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <filesystem>
 #include <functional>
 #include <gmock/gmock.h>
 #include <memory>
@@ -13,6 +14,8 @@
 #include "platform/linux/hid/HIDSearch.h"
 #include "platform/linux/hid/LinuxHID.h"
 #include "tests/support/FakeHIDDevice.h"
+#include "tests/support/NoThreads.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/support/Waiting.h"
 
 namespace quorvane {
@@ -23,7 +26,7 @@ using testing::IsEmpty;
 using testing::Lt;
 using testing::SizeIs;
 
-/// A bus with one lid, or none.
+/// A bus with lids.
 struct FakeBus {
     /// Stuck: the finder does not return.
     FakeHIDHardware gate;
@@ -31,7 +34,8 @@ struct FakeBus {
 
     void plugIn(const std::string& place, std::shared_ptr<FakeHIDHardware> hardware) {
         const std::lock_guard lock(m_mutex);
-        m_found = {{.name = "lid", .place = place, .make = FakeHIDDevice::maker(hardware)}};
+        m_found.push_back(
+            {.name = "lid", .place = place, .make = FakeHIDDevice::maker(std::move(hardware))});
     }
 
     void unplug() {
@@ -138,6 +142,26 @@ TEST_F(HIDSearchTest, ADeviceThatComesAgainGoesOnGivingReportsWhenThatIsAnnounce
     EXPECT_TRUE(waitUntil([&] { return readAngle(*lid) == 90; }, 500ms));
 }
 
+TEST_F(HIDSearchTest, WithoutAThreadAManagerDoesNotOpen) {
+    const NoThreads memoryIsShort;
+    LinuxHID hid(finder());
+    EXPECT_EQ(hid.createManager()->open(), EAGAIN);
+}
+
+TEST_F(HIDSearchTest, SeveralDevicesThatHangAreWaitedForTogether) {
+    m_lid->setStuck(true);
+    m_bus->plugIn("2", m_lid);
+    m_bus->plugIn("3", m_lid);
+    LinuxHID hid(finder());
+    EXPECT_THAT(time([&] {
+                    const auto lids = devices(hid, {});
+                    EXPECT_THAT(lids, SizeIs(3));
+                    for (const auto& lid : lids)
+                        EXPECT_EQ(lid->open(), ETIMEDOUT);
+                }),
+                testing::AllOf(testing::Ge(200ms), Lt(450ms)));
+}
+
 TEST_F(HIDSearchTest, ASearchThatHangsIsWaitedForAQuarterOfASecondOnceAndFindsWhatWasThere) {
     LinuxHID hid(finder());
     ASSERT_THAT(devices(hid, {}), SizeIs(1));
@@ -159,6 +183,24 @@ TEST_F(HIDSearchTest, TheEndDoesNotWaitForASearchThatHangs) {
     m_bus->gate.setStuck(false);
     // The thread lets go of the bus.
     EXPECT_TRUE(waitUntil([&] { return m_bus.use_count() == 1; }));
+}
+
+TEST(UdevHIDFinderTest, AnIIOLidThatComesAgainWithAnotherNumberIsReadThere) {
+    const TemporaryFolder sysfs;
+    const auto devices = sysfs.path() / "bus/iio/devices";
+    sysfs.write("bus/iio/devices/iio:device0/name", "cros-ec-lid-angle\n");
+    sysfs.write("bus/iio/devices/iio:device0/in_angl_raw", "112\n");
+    const auto search = HIDSearch::start(makeUdevHIDFinder(sysfs.path()));
+    const auto found = search->devices();
+    ASSERT_THAT(found, SizeIs(1));
+    ASSERT_EQ(found[0]->open(), hidSuccess);
+    EXPECT_EQ(readAngle(*found[0]), 112);
+    std::filesystem::rename(devices / "iio:device0", devices / "iio:device1");
+    EXPECT_TRUE(waitUntil([&] { return readAngle(*found[0]) < 0; }));
+    sysfs.write("bus/iio/devices/iio:device1/in_angl_raw", "90\n");
+    EXPECT_EQ(search->devices(), found);
+    EXPECT_TRUE(waitUntil([&] { return readAngle(*found[0]) == 90; }, 500ms));
+    search->stop();
 }
 
 } // namespace
