@@ -91,7 +91,8 @@ HIDResult IIOLidDevice::getReport(HIDReportType type, std::uint8_t reportID,
     if (!m_open)
         return ENODEV;
     const auto reading = degrees();
-    if (!reading || *reading < 0 || *reading > largestAngle)
+    // Also if it is not a number.
+    if (!reading || !(*reading >= 0 && *reading <= largestAngle))
         return isGone() ? ENODEV : EIO;
     const int angle = static_cast<int>(*reading);
     if (isLoneZero(angle))

@@ -214,6 +214,13 @@ TEST_F(IIOLidDeviceTest, GarbageIsAFailedReading) {
                             failed, 91));
 }
 
+TEST_F(IIOLidDeviceTest, AProductOfZeroAndInfinityIsAFailedReading) {
+    addIntelHinge("0\n");
+    // In degrees it is infinite.
+    write("iio:device0/in_angl_scale", "1e308\n");
+    EXPECT_THAT(angles(), ElementsAre(failed));
+}
+
 TEST_F(IIOLidDeviceTest, TheLargestAngleOfTheReportIsGiven) {
     addChromeLid("65535");
     EXPECT_THAT(angles(), ElementsAre(65535));
