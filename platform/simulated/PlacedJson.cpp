@@ -80,7 +80,7 @@ public:
     bool string(std::string& value) { return take(std::move(value)); }
 
     // Texts have none.
-    bool binary(Json::binary_t& /*value*/) { return true; }
+    static bool binary(Json::binary_t& /*value*/) { return true; }
 
     bool start_object(std::size_t /*count*/) {
         open(JsonValue::Object());

@@ -47,11 +47,14 @@ void readObject(const JsonValue& json, const std::string& what, const Readers& r
             std::find_if(readers.begin(), readers.end(),
                          [&key = key](const auto& known) { return known.first == key; });
         if (reader == readers.end())
-            throw Mistake(offset, what + " has an unknown key \"" + key + "\"");
+            throw Mistake(
+                offset,
+                std::string(what).append(" has an unknown key \"").append(key).append("\""));
         try {
             reader->second(value);
         } catch (const JsonValue::WrongKind& wrong) {
-            throw Mistake(wrong.offset, what + ": \"" + key + "\" has a value of the wrong kind");
+            throw Mistake(wrong.offset, std::string(what).append(": \"").append(key).append(
+                                            "\" has a value of the wrong kind"));
         }
     }
 }
@@ -104,8 +107,8 @@ double readTime(const JsonValue& json) {
 
 std::map<std::string, bool> readDefaults(const JsonValue& json) {
     std::map<std::string, bool> defaults;
-    for (const auto& [offset, key, value] : json.as<JsonValue::Object>())
-        defaults[key] = value.as<bool>();
+    for (const JsonValue::Member& member : json.as<JsonValue::Object>())
+        defaults[member.key] = member.value.as<bool>();
     return defaults;
 }
 
