@@ -48,7 +48,11 @@ std::vector<std::string> split(const std::string& text) {
 class Entry {
 public:
     explicit Entry(const fs::path& file) {
-        m_isRead = g_key_file_load_from_file(m_file.get(), file.c_str(), G_KEY_FILE_NONE, nullptr);
+        std::error_code error;
+        // Opening a pipe would wait for its other end.
+        m_isRead =
+            fs::is_regular_file(file, error) &&
+            g_key_file_load_from_file(m_file.get(), file.c_str(), G_KEY_FILE_NONE, nullptr) != 0;
     }
 
     /// Whether a desktop with these names would run it.

@@ -1,6 +1,7 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/stat.h>
 
 #include "platform/linux/desktop/AutostartEntries.h"
 #include "tests/support/Environment.h"
@@ -173,6 +174,13 @@ TEST_F(AutostartEntriesTest, AnEmptyEnvironmentMeansTheDefaultFolders) {
     EXPECT_EQ(environment.folders,
               (std::vector<fs::path>{"/home/someone/.config/autostart", "/etc/xdg/autostart"}));
     EXPECT_TRUE(environment.desktops.empty());
+}
+
+TEST_F(AutostartEntriesTest, ANamedPipeIsNotReadAndHidesOthers) {
+    write("quorvane.desktop", entry("quorvane"), true);
+    fs::create_directories(m_root.path() / "own");
+    ASSERT_EQ(mkfifo((m_root.path() / "own/quorvane.desktop").c_str(), 0600), 0);
+    EXPECT_FALSE(isStarted()) << "nobody writes to it";
 }
 
 } // namespace
