@@ -75,7 +75,7 @@ class StuckOutput(EndToEndTest):
         self._launch(">", writer)
         self._check_that_it_works_and_leaves()
 
-    def test_a_full_pipe_as_standard_error_stops_nothing(self):
+    def test_full_standard_error_stops_nothing(self):
         _, writer = self._full_pipe()
         # Says on standard error that the machine is simulated.
         self._launch("2>", writer, "--simulated", str(self._scenario()))
@@ -87,7 +87,7 @@ class StuckOutput(EndToEndTest):
             text.write('{ "model": "MacBookPro18,3" }')
         return file
 
-    def test_a_terminal_that_goes_on_gets_the_number_of_lost_lines(self):
+    def test_lost_lines_are_counted_when_it_goes_on(self):
         master, slave = self._terminal()
         termios.tcflow(slave, termios.TCOOFF)
         self._launch(">", slave)
