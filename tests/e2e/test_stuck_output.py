@@ -17,10 +17,11 @@ class StuckOutput(EndToEndTest):
         self.skip_hardware_check()
 
     def _launch(self, redirection, descriptor, *arguments):
+        script = f'to="$1"; program="$2"; shift 2; exec "$program" "$@" {redirection}"$to"'
         path = f"/proc/{os.getpid()}/fd/{descriptor}"
         self.program = self.session.run(
-            ["/bin/sh", "-c", f'to="$1"; program="$2"; shift 2; exec "$program" "$@" {redirection}"$to"',
-             "sh", path, str(PROGRAM), *arguments], self.environment, self.stack)
+            ["/bin/sh", "-c", script, "sh", path, str(PROGRAM), *arguments],
+            self.environment, self.stack)
 
     def _full_pipe(self):
         reader, writer = os.pipe()

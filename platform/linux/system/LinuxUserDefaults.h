@@ -9,9 +9,9 @@
 
 namespace quorvane {
 
-/// Settings in a SettingsFile. It is read on the main thread: a few lines, and where the home folder
-/// hangs, Qt and Fontconfig do so before. It is written on another thread, which waits for the disk;
-/// of several values of a setting the last one is written.
+/// Settings in a SettingsFile. It is read on the main thread: a few lines, and where the home
+/// folder hangs, Qt and Fontconfig do so before. It is written on another thread, which waits for
+/// the disk; of several values of a setting the last one is written.
 class LinuxUserDefaults final : public UserDefaults {
 public:
     /// Reads nothing yet.
