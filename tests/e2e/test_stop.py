@@ -52,7 +52,7 @@ class Stop(EndToEndTest):
     def test_ends_a_frozen_one(self):
         program = self._start()
         os.kill(program.pid, signal.SIGSTOP)
-        self.assertEqual(self._stop(2.0), STOPPED)
+        self.assertEqual(self._stop(3.0), STOPPED)
         self.assertEqual(program.wait_for_exit(0.1)[0], -signal.SIGKILL)
         self.assertEqual(self.session.display.windows(TITLE), [])
 
