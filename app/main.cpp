@@ -98,6 +98,7 @@ int runWindow(QGuiApplication& application, Host::TerminationSignals& terminatio
     instance.serve(window.window(), [&window] { window.close(); });
     const int status = QGuiApplication::exec();
     termination.ignore();
+    instance.ignore();
     return status;
 }
 

@@ -48,6 +48,8 @@ public:
 
     void serve(QWindow& /*window*/, const std::function<void()>& /*stop*/) {}
 
+    void ignore() {}
+
 private:
     std::string m_message;
     bool m_isSecond = false;

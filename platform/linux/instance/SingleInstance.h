@@ -36,9 +36,12 @@ public:
     /// What the user should know; empty: nothing.
     [[nodiscard]] const std::string& message() const { return m_message; }
 
-    /// From now on the Qt event loop brings `window`, which outlives this, to the front for a
-    /// second start, and calls `stop` when asked to end. Does nothing without a bus.
+    /// From now on the Qt event loop brings `window` to the front for a second start, and calls
+    /// `stop` when asked to end. Does nothing without a bus.
     void serve(QWindow& window, std::function<void()> stop);
+
+    /// Uses neither any more.
+    void ignore() { m_readable.reset(); }
 
 private:
     void takeName();
