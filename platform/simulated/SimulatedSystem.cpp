@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/UniformDraw.h"
+
 namespace quorvane {
 
 namespace {
@@ -39,7 +41,7 @@ void SimulatedBundle::addResource(std::string_view name, std::string_view extens
 std::uint64_t SimulatedRandom::uniform(std::uint64_t upperBound) {
     m_bounds.push_back(upperBound);
     if (m_script.empty())
-        return std::uniform_int_distribution<std::uint64_t>(0, upperBound)(m_engine);
+        return uniformUpTo(upperBound, [this] { return m_engine(); });
     const std::uint64_t draw = m_script.front();
     m_script.pop_front();
     return std::min(draw, upperBound);
