@@ -119,10 +119,16 @@ private:
         case ContentView::Screen::ControlPanel:
             break;
         }
-        if (m_chance.oneIn(8))
+        if (m_chance.oneIn(8)) {
             m_app.press("STOP, I'M SUFFERING 😭");
-        else
-            m_app.press(labels.at(m_chance.below(labels.size())));
+            return;
+        }
+        const char* label = labels.at(m_chance.below(labels.size()));
+        m_app.press(label);
+        if (!m_chance.oneIn(2))
+            return;
+        m_app.pass(m_chance.between(0, 2));
+        m_app.press(label);
     }
 
     void type() {
@@ -149,7 +155,7 @@ private:
             m_app.pass(m_chance.between(0, 4));
         machine().runLoop.sleep(m_chance.between(0, 8 * hour));
         if (!m_chance.oneIn(4))
-            machine().workspace.post(WorkspaceNotification::didWake);
+            EXPECT_TRUE(m_app.wakeUp() || !m_launchedWell || !m_app.isOn("Startup"));
         machine().workspace.post(WorkspaceNotification::screensDidWake);
     }
 
@@ -238,7 +244,7 @@ private:
         for (const char* label : labels)
             if (!m_app.isOn(label))
                 m_app.press(label);
-        machine().workspace.post(WorkspaceNotification::didWake);
+        m_app.wakeUp();
         machine().workspace.post(WorkspaceNotification::screensDidWake);
         moveLidFast();
         m_app.key();

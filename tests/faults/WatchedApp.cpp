@@ -137,6 +137,12 @@ bool WatchedApp::pressSwitch(std::string_view control) {
     return true;
 }
 
+bool WatchedApp::wakeUp() {
+    machine.workspace.post(WorkspaceNotification::didWake);
+    check();
+    return m_sequences > 0;
+}
+
 void WatchedApp::key() {
     machine.eventTaps.pressKey();
     machine.runLoop.runMainQueue();

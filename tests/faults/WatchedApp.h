@@ -51,6 +51,8 @@ public:
     /// Whether the switch with this label is on.
     [[nodiscard]] bool isOn(std::string_view label) const;
 
+    /// The machine wakes up. Whether the engine's sequence runs then.
+    bool wakeUp();
     /// A key goes down.
     void key();
     /// Lets time pass.
