@@ -154,8 +154,9 @@ private:
         if (m_chance.oneIn(2))
             m_app.pass(m_chance.between(0, 4));
         machine().runLoop.sleep(m_chance.between(0, 8 * hour));
-        if (!m_chance.oneIn(4))
+        if (!m_chance.oneIn(4)) {
             EXPECT_TRUE(m_app.wakeUp() || !m_launchedWell || !m_app.isOn("Startup"));
+        }
         machine().workspace.post(WorkspaceNotification::screensDidWake);
     }
 
