@@ -215,9 +215,9 @@ std::vector<FoundHIDDevice> findIIOLids(const fs::path& sysfs) {
         for (const std::string& raw : numberedEntries(device, channelPrefix, rawSuffix)) {
             if (const auto channel = lidChannel(device, name, raw))
                 lids.push_back(
-                    {.name = name + " " + raw, .place = channel->raw, .make = [found = *channel] {
-                         return std::make_shared<IIOLidDevice>(found);
-                     }});
+                    {.name = (name + " ").append(raw),
+                     .place = channel->raw,
+                     .make = [found = *channel] { return std::make_shared<IIOLidDevice>(found); }});
         }
     }
     return lids;
