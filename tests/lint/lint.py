@@ -167,6 +167,38 @@ def check_includes(_build):
     return problems
 
 
+def defined_tests():
+    """The tests of the repository: Suite.Case in C++, Class.method in Python."""
+    found = set()
+    for name in tracked("tests/*.cpp", "tests/*.h"):
+        code = without_comments((ROOT / name).read_text())
+        found |= {".".join(words)
+                  for words in re.findall(r"\bTEST(?:_F|_P)?\(\s*(\w+),\s*(\w+)\s*\)", code)}
+    for name in tracked("tests/*.py"):
+        for node in ast.parse((ROOT / name).read_text()).body:
+            if isinstance(node, ast.ClassDef):
+                found |= {f"{node.name}.{part.name}" for part in node.body
+                          if getattr(part, "name", "").startswith("test_")}
+    return found
+
+
+def reliability_problems(text, tests):
+    """What is wrong with the rows of docs/reliability.md: each ends with the names of its tests."""
+    problems = []
+    for row in re.findall(r"^\| .*", text, re.M):
+        names = re.findall(r"`([^`]*)`", row.rstrip("| ").rpartition("|")[2])
+        if not names and not row.startswith("| fault |"):
+            problems.append(f"docs/reliability.md: no test: {row}")
+        problems += [f"docs/reliability.md: there is no test {name}"
+                     for name in names if name not in tests]
+    return problems
+
+
+def check_reliability(_build):
+    """Each fault in docs/reliability.md has a test."""
+    return reliability_problems((ROOT / "docs/reliability.md").read_text(), defined_tests())
+
+
 def check_clocks(_build):
     """No clock or random source is read outside platform/."""
     problems = []
@@ -229,6 +261,7 @@ def check_qml(build):
 CHECKS = {
     "sources": check_sources,
     "includes": check_includes,
+    "reliability": check_reliability,
     "clocks": check_clocks,
     "platforms": check_platforms,
     "format": check_format,

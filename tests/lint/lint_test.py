@@ -39,6 +39,25 @@ class Includes(unittest.TestCase):
         self.assertIn("by its path", self.problem("app/screens/A.cpp", '"A.h"'))
 
 
+class Reliability(unittest.TestCase):
+    HEAD = "| fault | what the person notices | test |\n|---|---|---|\n"
+
+    def problems(self, rows):
+        return lint.reliability_problems(self.HEAD + rows, {"A.b", "C.test_d"})
+
+    def test_rows_with_tests_are_accepted(self):
+        self.assertEqual(self.problems("| `x` hangs | nothing | `A.b`, `C.test_d` |\n"), [])
+
+    def test_rows_without_a_test_that_exists_are_problems(self):
+        self.assertIn("no test:", self.problems("| `A.b` hangs | nothing | later |\n")[0])
+        self.assertIn("no test A.c", self.problems("| it hangs | nothing | `A.b`, `A.c` |\n")[0])
+
+    def test_tests_of_both_languages_are_known(self):
+        tests = lint.defined_tests()
+        self.assertIn("NthCallFailsTest.TheRulesHoldWhicheverCallFails", tests)
+        self.assertIn("Reliability.test_tests_of_both_languages_are_known", tests)
+
+
 class Clocks(unittest.TestCase):
     def found(self, code):
         return bool(lint.CLOCKS.search(lint.without_comments(code)))
