@@ -50,6 +50,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
                              "in_angl0_label", "in_angl0_raw", "in_angl0_scale"})
         setAttribute(sysfs, name, input);
     for (const auto& lid : findIIOLids(sysfs.path()))
-        checkReport(*lid);
+        checkReport(*lid.make());
     return 0;
 }

@@ -145,15 +145,12 @@ bool PipeWireServer::isAlive() const {
 
 std::vector<std::string>
 PipeWireServer::inItsEnvironment(const std::vector<std::string>& command) const {
-    std::vector<std::string> all{"env",
-                                 "--unset=PIPEWIRE_RUNTIME_DIR",
-                                 "--unset=PIPEWIRE_REMOTE",
-                                 "--unset=DISPLAY",
-                                 "DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent",
-                                 "XDG_RUNTIME_DIR=" + folder().string(),
-                                 "XDG_STATE_HOME=" + (folder() / "state").string(),
-                                 // Messages about periods that were missed.
-                                 "PIPEWIRE_DEBUG=2,pw.node:3"};
+    std::vector<std::string> all{
+        "env", "--unset=PIPEWIRE_RUNTIME_DIR", "--unset=PIPEWIRE_REMOTE", "--unset=DISPLAY",
+        "DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent", "XDG_RUNTIME_DIR=" + folder().string(),
+        "XDG_STATE_HOME=" + (folder() / "state").string(),
+        // Messages about periods that were missed.
+        "PIPEWIRE_DEBUG=2,pw.node:3"};
     all.insert(all.end(), command.begin(), command.end());
     return all;
 }

@@ -1,7 +1,7 @@
 #include "tests/support/RepeatedTest.h"
 
-#include <cstdlib>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
