@@ -25,7 +25,7 @@ TEST(TimerQueue, ATimerOfASixtiethOfASecondDoesNotDriftInADay) {
 TEST(TimerQueue, ATimerOfASixtiethOfASecondIsStillOnItsGridAfter400Days) {
     TimerQueue queue;
     queue.schedule(0, 1.0 / 60, true, [](Timer&) {});
-    constexpr TimerQueue::Nanoseconds later = TimerQueue::Nanoseconds{400 * 86400} * 1'000'000'000;
+    constexpr TimerQueue::Nanoseconds later = TimerQueue::Nanoseconds{400} * 86400 * 1'000'000'000;
     queue.runNext(later);
     for (TimerQueue::Nanoseconds sixtieth = 1; sixtieth <= 600; ++sixtieth) {
         const TimerQueue::Nanoseconds due = *queue.nextDeadline();
