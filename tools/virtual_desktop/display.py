@@ -33,6 +33,8 @@ class Display:
         with os.fdopen(read_end) as answer:
             number = answer.readline().strip()
         if not number:
+            # It has closed the pipe, and so is about to end.
+            server.log.wait_for_end()
             raise server.failure("it has no display number")
         return f":{number}"
 
