@@ -10,7 +10,7 @@ from virtual_desktop.waiting import wait_until
 
 from input_device import (ABS_X, ABS_Y, BTN_TOOL_FINGER, BTN_TOUCH, EV_ABS, EV_FF, EV_KEY,
                           FF_RUMBLE, KEYBOARD_KEYS, InputDevice)
-from lid_device import LidDevice
+from lid_device import UnansweredLid
 
 RULES = pathlib.Path(__file__).resolve().parents[2] / "resources/70-quorvane.rules"
 PLACE = pathlib.Path("/run/udev/rules.d")
@@ -53,11 +53,11 @@ def _given_to_the_seat(node):
 @contextlib.contextmanager
 def _lid(product):
     """A lid sensor that never answers, as it is not read."""
-    device = LidDevice(product)
+    device = UnansweredLid(product)
     try:
         yield
     finally:
-        device.destroy()
+        device.unplug()
 
 
 def _read():

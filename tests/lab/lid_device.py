@@ -107,14 +107,11 @@ class Motion:
         return round(min(max(angle, 0), 360))
 
 
-class LidDevice:
-    """The device, which is plugged in at first."""
+class UnansweredLid:
+    """The device, which is plugged in at first. Nobody answers for it."""
 
-    def __init__(self, options, motion, log):
-        self._options = options
-        self._motion = motion
-        self._log = log
-        self._asked = 0
+    def __init__(self, product):
+        self._product = product
         self.file = None
         self.plug_in()
 
@@ -125,10 +122,29 @@ class LidDevice:
         self.file = os.open("/dev/uhid", os.O_RDWR | os.O_CLOEXEC)
         self._write(struct.pack(
             "<I128s64s64sHHIIII", UHID_CREATE2, b"Lab lid angle sensor", b"lab", b"",
-            len(DESCRIPTOR), BUS_USB, VENDOR, self._options.product, 0, 0) + DESCRIPTOR)
+            len(DESCRIPTOR), BUS_USB, VENDOR, self._product, 0, 0) + DESCRIPTOR)
 
     def _write(self, event):
         os.write(self.file, event.ljust(EVENT_SIZE, b"\0"))
+
+    def unplug(self):
+        """Unplugs the device, if it is plugged in."""
+        if self.file is None:
+            return
+        self._write(struct.pack("<I", UHID_DESTROY))
+        os.close(self.file)
+        self.file = None
+
+
+class LidDevice(UnansweredLid):
+    """The device with the answers that the script wants."""
+
+    def __init__(self, options, motion, log):
+        super().__init__(options.product)
+        self._options = options
+        self._motion = motion
+        self._log = log
+        self._asked = 0
 
     def serve(self):
         """Handles one event of the kernel; true for the start of the device."""
@@ -157,14 +173,6 @@ class LidDevice:
         data = struct.pack("<BH", REPORT_ID, angle)[:self._options.report_bytes]
         self._write(struct.pack("<IIHH", UHID_GET_REPORT_REPLY, request, 0, len(data)) + data)
         self._log("reading", at=now, angle=angle)
-
-    def unplug(self):
-        """Unplugs the device, if it is plugged in."""
-        if self.file is None:
-            return
-        self._write(struct.pack("<I", UHID_DESTROY))
-        os.close(self.file)
-        self.file = None
 
 
 def make_log(path):
