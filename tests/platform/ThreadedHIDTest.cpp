@@ -22,7 +22,7 @@ public:
     public:
         explicit Manager(FakeHID& hid) : m_hid(hid) {}
 
-        void setDeviceMatching(const HIDMatching& matching) override { m_hid.matching = matching; }
+        void setDeviceMatching(const HIDMatching& wanted) override { m_hid.matching = wanted; }
 
         void scheduleWithRunLoop() override { m_hid.lastCall = "schedule"; }
 
