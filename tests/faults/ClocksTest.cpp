@@ -15,6 +15,10 @@ constexpr double day = 86400;
 
 /// The whole program with every switch on, when a clock does what clocks do.
 class ClocksTest : public OrrowinAppFixture {
+public:
+    // The program of the fixture ends later, and its panels with it.
+    ~ClocksTest() override { machine.screens.onPanelMoved({}); }
+
 protected:
     void switchAllOn() {
         enterPanel();
