@@ -1,5 +1,6 @@
 #include "platform/linux/common/X11Replies.h"
 
+#include <algorithm>
 #include <cstring>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -21,7 +22,8 @@ public:
         : m_bytes(sizeof fixed + 4 * words.size()) {
         fixed.length = static_cast<std::uint32_t>(words.size());
         std::memcpy(m_bytes.data(), &fixed, sizeof fixed);
-        std::memcpy(m_bytes.data() + sizeof fixed, words.data(), 4 * words.size());
+        const auto* bytes = reinterpret_cast<const std::byte*>(words.data());
+        std::copy_n(bytes, 4 * words.size(), m_bytes.begin() + sizeof fixed);
     }
 
     [[nodiscard]] const Reply& operator*() const {
@@ -105,8 +107,9 @@ TEST(X11Replies, DevicesOfAnEventEndWithIt) {
     xcb_input_hierarchy_event_t event{};
     event.num_infos = 2;
     const auto devices = [&event](const std::vector<std::uint32_t>& words) {
+        const Received received(event, words);
         std::vector<int> ids;
-        for (const auto& device : devicesOf(*Received(event, words)))
+        for (const auto& device : devicesOf(*received))
             ids.push_back(device.deviceid);
         return ids;
     };
