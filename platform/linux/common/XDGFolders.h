@@ -5,9 +5,8 @@
 
 namespace quorvane {
 
-// The folders of the XDG base directory specification. Relative ones in the environment are
-// ignored, as it asks. Without a home folder in the environment, it is the one in the user
-// database. Main thread only.
+// The XDG base directories. Relative ones in the environment are ignored. Without a home folder in
+// the environment, it is the one in the user database. Main thread only.
 
 /// XDG_CONFIG_HOME, by default ".config" in the home folder.
 [[nodiscard]] std::filesystem::path xdgConfigFolder();

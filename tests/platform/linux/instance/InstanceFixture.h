@@ -27,8 +27,8 @@ protected:
         m_address.emplace("DBUS_SESSION_BUS_ADDRESS", address);
     }
 
-    /// A process that is the first instance, and serves nobody, until it is ended. `prepare` is run
-    /// in it before.
+    /// A process that is the first instance, and answers no call, until it is ended. `prepare` is
+    /// run in it before.
     static std::unique_ptr<ChildProcess> startFirst(void (*prepare)() = [] {}) {
         auto first = std::make_unique<ChildProcess>([prepare] {
             prepare();
