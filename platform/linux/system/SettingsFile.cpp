@@ -144,6 +144,16 @@ bool readSound(const fs::path& path, std::optional<std::string>& text) {
     return putAside(path);
 }
 
+/// Whether what is added after `text` begins a line of its own.
+bool endsLine(std::string_view text) {
+    return text.ends_with('\n') && !text.ends_with("\\\n");
+}
+
+void endLine(std::string& text) {
+    while (!endsLine(text))
+        text += '\n';
+}
+
 std::string edited(const std::string& text, const SettingsFile::Values& values) {
     std::string added;
     for (const auto& [key, value] : values)
@@ -156,13 +166,16 @@ std::string edited(const std::string& text, const SettingsFile::Values& values) 
         result += line.text;
         if (isAdded || !isGeneral(line.section))
             return;
-        result += (line.text.ends_with('\n') ? "" : "\n") + added;
+        endLine(result);
+        result += added;
         isAdded = true;
     });
     if (isAdded)
         return result;
-    if (!result.empty())
-        result += result.ends_with('\n') ? "\n" : "\n\n";
+    if (!result.empty()) {
+        endLine(result);
+        result += '\n';
+    }
     return result + "[General]\n" + added;
 }
 

@@ -94,6 +94,12 @@ TEST_F(LinuxUserDefaultsSavingTest, EverythingElseInTheFileStaysToTheByte) {
     EXPECT_EQ(edited("[Window]\nx=1\n"), "[Window]\nx=1\n\n[General]\nhardwareChecked=true\n");
 }
 
+TEST_F(LinuxUserDefaultsSavingTest, ALastLineThatIsContinuedDoesNotTakeTheSettingIn) {
+    EXPECT_EQ(edited("[General]\\"), "[General]\\\n\nhardwareChecked=true\n");
+    EXPECT_EQ(edited("[General]\\\n"), "[General]\\\n\nhardwareChecked=true\n");
+    EXPECT_EQ(edited("a=1\\\n"), "a=1\\\n\n\n[General]\nhardwareChecked=true\n");
+}
+
 TEST_F(LinuxUserDefaultsSavingTest, AnEarlierValueIsReplacedAndNotRepeated) {
     EXPECT_EQ(edited("hardwareChecked=false\n[General]\n hardwareChecked = no\n"),
               "[General]\nhardwareChecked=true\n");
